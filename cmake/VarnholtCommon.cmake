@@ -1,0 +1,33 @@
+# What every target of ours is compiled with. Targets link Varnholt::Common
+# PRIVATE, so that none of it reaches a project that embeds the module.
+
+add_library(varnholt_common INTERFACE)
+add_library(Varnholt::Common ALIAS varnholt_common)
+
+target_compile_features(varnholt_common INTERFACE cxx_std_17)
+
+target_compile_options(varnholt_common INTERFACE
+    -Wall
+    -Wextra
+    -Wpedantic
+    -Wcast-align
+    -Wnon-virtual-dtor
+    -Woverloaded-virtual
+    -Wshadow
+    -fvisibility=hidden
+    -fvisibility-inlines-hidden
+    $<$<BOOL:${VARNHOLT_WERROR}>:-Werror>
+)
+
+target_compile_definitions(varnholt_common INTERFACE
+    QT_NO_CAST_TO_ASCII
+    QT_NO_KEYWORDS
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+    QT_DEPRECATED_WARNINGS
+)
+
+if(VARNHOLT_SANITIZE)
+  target_compile_options(varnholt_common INTERFACE
+      -fsanitize=${VARNHOLT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(varnholt_common INTERFACE -fsanitize=${VARNHOLT_SANITIZE})
+endif()
