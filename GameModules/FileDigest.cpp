@@ -1,0 +1,35 @@
+#include "GameModules/FileDigest.hpp"
+
+#include <QCryptographicHash>
+#include <QFile>
+
+#include <array>
+
+namespace Varnholt::Launcher {
+
+FileDigest FileDigest::Of(QString const& p_Path, std::function<bool()> const& p_Continue) {
+    constexpr std::size_t c_BlockBytes = 0x2000;
+
+    FileDigest digest;
+    QFile file(p_Path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return digest;
+    digest.Opened = true;
+
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    std::array<char, c_BlockBytes> block{};
+    for (;;) {
+        qint64 const read = file.read(block.data(), block.size());
+        if (read <= 0) {
+            digest.Complete = read == 0;
+            break;
+        }
+        if (!p_Continue())
+            break;
+        hash.addData(block.data(), static_cast<int>(read));
+    }
+    digest.Md5 = QString::fromLatin1(hash.result().toHex()).toUpper();
+    return digest;
+}
+
+} // namespace Varnholt::Launcher

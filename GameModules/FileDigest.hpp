@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace Varnholt::Launcher {
+
+/// The MD5 digest of a file on disk.
+struct FileDigest {
+    bool Opened = false;   ///< false: no digest
+    bool Complete = false; ///< false: reading was stopped before the file's end
+    QString Md5;           ///< of what was read, 32 upper-case hexadecimal digits
+
+    /// Hashes a file in blocks of 8,192 bytes with constant memory. Any thread.
+    /// \param p_Continue asked before each block; false ends the reading
+    static FileDigest Of(QString const& p_Path, std::function<bool()> const& p_Continue);
+};
+
+} // namespace Varnholt::Launcher

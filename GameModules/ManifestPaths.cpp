@@ -1,0 +1,36 @@
+#include "GameModules/ManifestPaths.hpp"
+
+#include "Launcher/Application/LogCategories.hpp"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace Varnholt::Launcher::ManifestPaths {
+
+bool IsInsideFolder(QString const& p_Path) {
+    if (p_Path.contains(QChar(QChar::Null)))
+        return false;
+    QString path = p_Path;
+    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    bool const hasDrive = path.size() >= 2 && path[0].isLetter() && path[1] == QLatin1Char(':');
+    if (path.startsWith(QLatin1Char('/')) || hasDrive)
+        return false;
+    QString const clean = QDir::cleanPath(path);
+    return !clean.isEmpty() && clean != QLatin1String(".") && clean != QLatin1String("..") &&
+           !clean.startsWith(QLatin1String("../"));
+}
+
+void DropUnsafeEntries(ApplicationManifest& p_Manifest) {
+    auto const unsafe = [](ApplicationManifestFileEntry const& p_Entry) {
+        if (IsInsideFolder(p_Entry.Path))
+            return false;
+        qCWarning(LogStartup) << "Manifest entry dropped, its path leaves the game folder:"
+                              << p_Entry.Path;
+        return true;
+    };
+    for (auto* entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
+        entries->erase(std::remove_if(entries->begin(), entries->end(), unsafe), entries->end());
+}
+
+} // namespace Varnholt::Launcher::ManifestPaths

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Launcher/Application/ApplicationManifest.hpp"
+
+#include <QString>
+
+namespace Varnholt::Launcher::ManifestPaths {
+
+/// True when the path, joined to the installation folder, names something below that folder: it is
+/// not empty, not absolute, does not climb out, and ends at no NUL character. "\" counts as a
+/// separator too, since some systems take it for one.
+bool IsInsideFolder(QString const& p_Path);
+
+/// Removes every entry whose path is not inside the folder, with a warning for each: a manifest
+/// comes from outside, and its paths are read, written, removed and given new modes.
+void DropUnsafeEntries(ApplicationManifest& p_Manifest);
+
+} // namespace Varnholt::Launcher::ManifestPaths

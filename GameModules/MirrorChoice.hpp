@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Launcher/Application/ApplicationManifest.hpp"
+
+#include <QString>
+#include <QStringList>
+
+namespace Varnholt::Launcher::MirrorChoice {
+
+/// Draws one of the hosts with `rand()`, which is not seeded here. Null when there is none.
+QString DrawHost(QStringList const& p_Hosts);
+
+/// "http://" + host + "/".
+QString BaseUrlOf(QString const& p_Host);
+
+/// The server to fetch an entry from: a freshly drawn mirror, or the default content server when
+/// the entry asks for it, when there is no mirror, or when the drawn one is blank (the list of
+/// mirrors was empty).
+QString BaseUrlFor(ApplicationManifestFileEntry const& p_Entry, QStringList const& p_Hosts);
+
+} // namespace Varnholt::Launcher::MirrorChoice

@@ -1,0 +1,38 @@
+#include "GameModules/Pelmora/Pelmora.hpp"
+
+namespace Varnholt::Launcher {
+
+Pelmora::Pelmora()
+    : StandartApplication(QStringLiteral("Mists of Pandaria"), QStringLiteral("pelmora_app")) {}
+
+void Pelmora::Init() {
+    StandartApplication::Init();
+}
+
+void Pelmora::Uninit() {}
+
+QString Pelmora::GetRessource(ApplicationRessource::Type p_Type) {
+    switch (p_Type) {
+    case ApplicationRessource::BackgroundImage:
+        return QStringLiteral(":/app_pelmora_app/background.jpg");
+    case ApplicationRessource::BackgroundColor:
+        return QStringLiteral("#09111C");
+    case ApplicationRessource::BackgroundPlacement:
+        return QStringLiteral("top right");
+    case ApplicationRessource::Icon:
+        return QStringLiteral(":/app_pelmora_app/icon_mop.png");
+    case ApplicationRessource::IconSelected:
+        return QStringLiteral(":/app_pelmora_app/icon_mop_active.png");
+    case ApplicationRessource::ThemeColor:
+        return QStringLiteral("3,9,14");
+    case ApplicationRessource::PageStyle:
+        return QStringLiteral("4");
+    case ApplicationRessource::PageOverlay: // this game's page has none
+        return {};
+    case ApplicationRessource::NewsPlaceholder:
+        return QStringLiteral("http://www.varnholt.example/news/pelmora_placeholder.jpg");
+    }
+    return {};
+}
+
+} // namespace Varnholt::Launcher

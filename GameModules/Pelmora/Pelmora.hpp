@@ -1,0 +1,29 @@
+#pragma once
+
+#include "GameModules/StandartApplication.hpp"
+
+namespace Varnholt::Launcher {
+
+/// The module of the 64-bit macOS client of "Mists of Pandaria": its names, its presentation, its
+/// configuration file.
+class Pelmora : public StandartApplication {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID Varnholt_Application_iid FILE "Pelmora.json")
+    Q_INTERFACES(Varnholt::Launcher::Application)
+
+public:
+    Pelmora();
+
+    void Init() override;
+    void Uninit() override;
+    QString GetRessource(ApplicationRessource::Type p_Type) override;
+    /// Stores the code and writes it into the game's configuration file.
+    void SetAppLocale(QString p_Code) override;
+    /// Writes language and realm list into the configuration file of an installed game.
+    void AfterOnManifestReceived() override;
+
+private:
+    void WriteConfigLine(QString const& p_Key, QString const& p_Line);
+};
+
+} // namespace Varnholt::Launcher

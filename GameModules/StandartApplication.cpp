@@ -1,0 +1,97 @@
+#include "GameModules/StandartApplication.hpp"
+
+#include <QMutexLocker>
+
+namespace Varnholt::Launcher {
+
+StandartApplication::StandartApplication(QString const& p_Name, QString const& p_AppId)
+    : Application(p_Name, p_AppId) {
+    connect(this, SIGNAL(OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)), this,
+            SLOT(App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)));
+    connect(this, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
+            SLOT(App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)));
+    connect(this, SIGNAL(OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)), this,
+            SLOT(App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)));
+    // Also for a download that gave no completion because its file could not be opened.
+    OnDownloadRetired = [this](HTTP_DownloadFileRequest* p_Request) {
+        if (CurrentDownload == p_Request)
+            CurrentDownload = nullptr;
+        TransfersAside.erase(p_Request);
+    };
+}
+
+void StandartApplication::Uninit() {}
+
+QString StandartApplication::GetInstallationPath() {
+    QString const path = ReadSetting(SettingKey(".InstallFolder"), QString()).toString();
+    QMutexLocker const lock(&RunMutex);
+    InstallationPath = path;
+    return path;
+}
+
+bool StandartApplication::IsInstalled() {
+    return ReadSetting(SettingKey(".Installed"), false).toBool();
+}
+
+QString StandartApplication::SettingKey(char const* p_Suffix) const {
+    return AppId + QLatin1String(p_Suffix);
+}
+
+QString StandartApplication::Folder() const {
+    QMutexLocker const lock(&RunMutex);
+    if (InstallationPath.isEmpty() || InstallationPath.endsWith(QLatin1Char('/')))
+        return InstallationPath;
+    return InstallationPath + QLatin1Char('/');
+}
+
+void StandartApplication::MarkManifestBuilt() {
+    if (!ReadSetting(SettingKey(".ManifestBuilt"), false).toBool())
+        WriteSetting(SettingKey(".ManifestBuilt"), true);
+}
+
+void StandartApplication::ClearStatusFlags() {
+    UISetting.Download.StatusFlags = 0;
+    UISetting.Download.StatusFlag = false;
+}
+
+void StandartApplication::ShowIdle() {
+    UISetting.State = 2;
+    ClearStatusFlags();
+    UISetting.Download.ModeFlag = false;
+    UISettingChanged = true;
+}
+
+StandartApplication::RunScope::RunScope(StandartApplication& p_Application, RunId p_Run)
+    : Owner(p_Application) {
+    Owner.RunMutex.lock();
+    IsCurrent = Owner.IsCurrentRun(p_Run);
+    if (!IsCurrent)
+        Owner.RunMutex.unlock();
+}
+
+StandartApplication::RunScope::~RunScope() {
+    if (IsCurrent)
+        Owner.RunMutex.unlock();
+}
+
+StandartApplication::RunId StandartApplication::BeginRun() {
+    if (CurrentDownload != nullptr) {
+        CurrentDownload->Abort();
+        SetTransferAside();
+    }
+    QMutexLocker const lock(&RunMutex);
+    FilesToDownload.clear();
+    return ++CurrentRun;
+}
+
+void StandartApplication::SetTransferAside() {
+    if (CurrentDownload != nullptr)
+        TransfersAside.insert(CurrentDownload);
+    CurrentDownload = nullptr;
+}
+
+void StandartApplication::OnInstall() {}
+
+void StandartApplication::AfterOnManifestReceived() {}
+
+} // namespace Varnholt::Launcher

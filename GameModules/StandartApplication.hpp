@@ -1,0 +1,216 @@
+#pragma once
+
+#include "Launcher/Application/Application.hpp"
+#include "Launcher/Application/ApplicationManifest.hpp"
+
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+
+#include <atomic>
+#include <functional>
+#include <set>
+#include <vector>
+
+namespace Varnholt::Launcher {
+
+class ManifestComparison;
+
+/// The standard install, update and launch of a game, shared by the game modules.
+///
+/// The members stand in the order of a run:
+/// \verbatim
+///   Init() ─► version file ─► manifest ─► mirrors            application thread
+///                                           │
+///   Install(), Repair(), AbortRepair() ─► OnManifestReceived()
+///                                           │
+///             comparison of the base files  │                worker
+///          ┌── none to fetch ───────────────┤
+///          │      CheckStartDownload: waits for host and game
+///          │      StartDownload: asks every file's size      application thread
+///          │      ProcessContentDownload: file after file
+///          └──────────────────────────────► │
+///             ProcessStreamedContentDownload: comparison     worker
+///             StartStreamedContentDownload: sizes, file after file
+///             AfterProcessStreamedContentDownload            application thread
+/// \endverbatim
+///
+/// There is one run at a time. Each step carries the id of its run; `OnManifestReceived()` begins a
+/// new one, and what is left of the older run then ends quietly wherever it is: closures return,
+/// its transfer is stopped, its completion is dropped. `RunMutex` guards what a worker and the
+/// application thread share; it is never held while a host callback or the network is called.
+class StandartApplication : public Application {
+    Q_OBJECT
+
+public:
+    using RunId = quint64;
+    using Entries = std::vector<ApplicationManifestFileEntry>;
+    /// A step of a run; does nothing when the run has been replaced.
+    using RunStep = void (StandartApplication::*)(RunId);
+
+    StandartApplication(QString const& p_Name, QString const& p_AppId);
+
+    // Construction and settings ____________________________________________________________
+
+    void Uninit() override;
+    /// Reads the host's setting into `InstallationPath` and returns it. Any thread.
+    QString GetInstallationPath();
+    /// Whether the host's settings know the game as installed. Any thread.
+    bool IsInstalled();
+
+    // _Startup _____________________________________________________________________________
+
+    void Init() override;
+
+    // _Comparison __________________________________________________________________________
+
+    /// Begins a run: settles the folder and queues the comparison of the base files. Returns at
+    /// once. Application thread.
+    void OnManifestReceived();
+
+    // _Phases ______________________________________________________________________________
+
+    void OnManifestReceived_CheckStartDownload();
+    void OnManifestReceived_StartDownload();
+    void ProcessContentDownload();
+    /// \param p_Wait true: wait for host and game before fetching
+    void ProcessStreamedContentDownload(bool p_Wait);
+    void StartStreamedContentDownload(bool p_Wait);
+    void StartStreamedContentDownload_CheckStartDownload();
+    void AfterProcessStreamedContentDownload();
+
+public Q_SLOTS:
+    // _Completion; called on the application thread, queued from the download thread.
+
+    /// Called when bytes have arrived.
+    void App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request);
+    /// Called once at the end of a transfer: verifies, places or retries the file, starts the next.
+    void App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request);
+    /// Called when a transfer goes on with a new request.
+    void App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request);
+
+public:
+    // _Lifecycle ___________________________________________________________________________
+
+    void Install(QString const& p_Path, bool p_Flag) override;
+    void Repair() override;
+    void AbortRepair() override;
+
+    // _Launch ______________________________________________________________________________
+
+    bool IsGameRunning() override;
+    /// Gives the manifest's files the permissions that their flags ask for. Application thread.
+    void FixPermissions();
+
+    // _Language ____________________________________________________________________________
+
+    std::vector<ApplicationManifestLocale> GetAvailableLocales() const override;
+    QString GetAppLocale() override;
+    /// See `TextFilePatch::Apply`.
+    void PatchWoWTextFile(QString p_FilePath, QString p_Key, QString p_Line,
+                          bool p_CreateIfMissing);
+
+    // Hooks of the game module; the order of their slots is fixed.
+
+    /// Called by `Install` when the folder is set.
+    virtual void OnInstall();
+    /// Called at the end of `OnManifestReceived`, before the comparison begins.
+    virtual void AfterOnManifestReceived();
+
+public:
+    QString RemoteBuild;
+    QString ContentBaseUrl; ///< server of the current file, ends in "/"
+    ApplicationManifest Manifest;
+    Entries FilesToDownload;
+    quint32 SizeRepliesReceived = 0;
+    quint32 CurrentDownloadIndex = 0;                    ///< in `FilesToDownload`
+    quint32 DownloadRetryCount = 0;                      ///< restarts so far, of all files together
+    quint64 DownloadedBytes = 0;                         ///< of the files finished in this phase
+    HTTP_DownloadFileRequest* CurrentDownload = nullptr; ///< in flight, not owned
+    bool IsDownloadingBase = false;                      ///< base files, against streamed ones
+    bool IsFirstManifestBuild = false;
+    QStringList CdnHosts;
+    QString InstallationPath; ///< cache of the host's setting
+
+    /// Guards `Manifest`, `FilesToDownload` and `InstallationPath` between the worker, which reads
+    /// and builds them, and the application thread, which replaces them.
+    mutable QRecursiveMutex RunMutex;
+
+protected:
+    /// Holds `RunMutex` if the run is still the current one; tests false otherwise.
+    class RunScope {
+    public:
+        RunScope(StandartApplication& p_Application, RunId p_Run);
+        ~RunScope();
+        RunScope(RunScope const&) = delete;
+        RunScope& operator=(RunScope const&) = delete;
+        explicit operator bool() const { return IsCurrent; }
+
+    private:
+        StandartApplication& Owner;
+        bool IsCurrent;
+    };
+
+    /// Makes every older run end quietly and returns the id of the new one.
+    RunId BeginRun();
+    bool IsCurrentRun(RunId p_Run) const { return CurrentRun == p_Run; }
+    /// The installation folder ending in "/", or empty: then no file may be touched. Any thread.
+    QString Folder() const;
+    /// A host setting of this application.
+    QString SettingKey(char const* p_Suffix) const;
+    void MarkManifestBuilt();
+    void ClearStatusFlags();
+    void ShowIdle();
+
+    void FetchVersion();
+    void FetchManifest(QString const& p_Build);
+    void FetchMirrors();
+    void OnMirrorsReceived(QByteArray const& p_Data);
+
+    void SettleFolder();
+    void ShowComparison(std::size_t p_Count);
+    ManifestComparison ComparisonFor(RunId p_Run, std::size_t p_Count);
+    void CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entries const& p_Entries);
+    void CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, bool p_Wait,
+                              Entries const& p_Entries);
+    /// Makes a comparison's result the download list and writes the pending list when p_Recorded
+    /// is not null; false when the run was replaced.
+    bool PublishList(RunId p_Run, Entries p_Files, QString const& p_ListPath,
+                     QStringList const* p_Recorded);
+
+    // The steps of the phases, for one run.
+    void CheckStartDownload(RunId p_Run, RunStep p_Start);
+    void RequestBaseSizes(RunId p_Run);
+    void RequestSizes(RunId p_Run, std::function<void()> const& p_Next);
+    void RequestSize(RunId p_Run, ApplicationManifestFileEntry const& p_Entry,
+                     std::function<void()> const& p_Next);
+    void BeginBaseFiles(RunId p_Run);
+    void CompareStreamed(RunId p_Run, bool p_Wait);
+    void BeginStreamedFiles(RunId p_Run, bool p_Wait);
+    void FetchStreamedFiles(RunId p_Run);
+    void BeginFiles(RunId p_Run, QString const& p_DetailText);
+    void EndRun(RunId p_Run);
+    void ChooseServer(ApplicationManifestFileEntry const& p_Entry);
+    QString RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const;
+    /// Starts the file at `CurrentDownloadIndex` unless a transfer is in flight.
+    void StartCurrentFile(RunId p_Run);
+
+    void UpdatePendingList(QString const& p_Added);
+    /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
+    /// again, in the words of the log
+    QString PlaceFile(ApplicationManifestFileEntry const& p_Entry,
+                      HTTP_DownloadFileRequest const& p_Request);
+    void RemoveOldFile(QString const& p_Path);
+    void RetryOrGiveUp(QString const& p_Reason, ApplicationManifestFileEntry const& p_Entry,
+                       quint64 p_ContentLength);
+    void ShowFileDone(HTTP_DownloadFileRequest const& p_Request);
+    void GoOnWithNextFile(RunId p_Run);
+    void RemoveLists(std::vector<QString> const& p_Names);
+    /// Takes the transfer in flight out of the run: its signals will be ignored.
+    void SetTransferAside();
+
+    std::atomic<RunId> CurrentRun{0};
+    std::set<HTTP_DownloadFileRequest*> TransfersAside; ///< of replaced runs, still running
+};
+
+} // namespace Varnholt::Launcher

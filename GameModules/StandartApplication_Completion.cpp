@@ -1,0 +1,166 @@
+#include "GameModules/StandartApplication.hpp"
+
+#include "GameModules/FileDigest.hpp"
+#include "GameModules/PendingList.hpp"
+#include "GameModules/PermissionBits.hpp"
+#include "Launcher/Application/LogCategories.hpp"
+#include "Launcher/Application/RateClock.hpp"
+
+#include <QFile>
+#include <QMutexLocker>
+
+namespace Varnholt::Launcher {
+
+namespace {
+
+quint32 PercentOf(quint64 p_Current, quint64 p_Total) {
+    return static_cast<quint32>(p_Current * 100 / (p_Total == 0 ? 1 : p_Total));
+}
+
+} // namespace
+
+void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request) {
+    constexpr int c_SampleMilliseconds = 500;
+
+    if (TransfersAside.count(p_Request) != 0)
+        return;
+    auto& progress = UISetting.Download;
+    progress.Current = DownloadedBytes + static_cast<quint64>(p_Request->CurrentBytes);
+    progress.Percent = PercentOf(progress.Current, progress.Total);
+    if (RateClock::Elapsed(Timer) >= c_SampleMilliseconds) {
+        progress.LogDownloadRate(static_cast<quint64>(p_Request->BytesPerSecond));
+        RateClock::Restart(Timer);
+    }
+    UISettingChanged = true;
+}
+
+void StandartApplication::App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request) {
+    if (TransfersAside.count(p_Request) == 0)
+        CurrentDownload = p_Request;
+}
+
+void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request) {
+    if (TransfersAside.count(p_Request) != 0)
+        return;
+    RunId const run = CurrentRun;
+    if (CurrentDownloadIndex >= FilesToDownload.size()) {
+        CurrentDownload = nullptr;
+        return;
+    }
+    // Copies: the list grows on a retry, and the host, when it is told of an error, may do
+    // anything.
+    ApplicationManifestFileEntry const entry = FilesToDownload[CurrentDownloadIndex];
+    bool const aborted = p_Request->Aborted;
+
+    UpdatePendingList(QString());
+    if (aborted) {
+        // Struck from its list though it is not complete: the host looks at every file again after
+        // a run that was stopped.
+        DownloadRetryCount = 0;
+        DownloadedBytes += static_cast<quint64>(p_Request->CurrentBytes);
+    } else {
+        DownloadedBytes += p_Request->ContentLength;
+        QString const reason = PlaceFile(entry, *p_Request);
+        if (!IsCurrentRun(run))
+            return;
+        if (!reason.isNull())
+            RetryOrGiveUp(reason, entry, p_Request->ContentLength);
+    }
+    ShowFileDone(*p_Request);
+    CurrentDownload = nullptr;
+    if (!aborted)
+        GoOnWithNextFile(run);
+}
+
+void StandartApplication::UpdatePendingList(QString const& p_Added) {
+    QString const folder = Folder();
+    if (folder.isEmpty())
+        return;
+    PendingList::Update(folder +
+                            (IsDownloadingBase ? PendingList::c_Base : PendingList::c_Streamed),
+                        FilesToDownload[CurrentDownloadIndex].Path, p_Added, ShouldContinue);
+}
+
+QString StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
+                                       HTTP_DownloadFileRequest const& p_Request) {
+    QString const path = Folder() + p_Entry.Path;
+    QString const part = path + QLatin1String(".part");
+    if (QFile::exists(path))
+        RemoveOldFile(path);
+
+    FileDigest const digest = FileDigest::Of(part, ShouldContinue);
+    if (!digest.Opened)
+        return QStringLiteral("(IO) Download restarted for ");
+    if (digest.Md5 != p_Entry.Md5) {
+        // What cannot become the file by going on from its end would only cost further restarts.
+        if (digest.Complete && !p_Request.Continuable)
+            QFile::remove(part);
+        return QStringLiteral("(MD5) Download restarted for ");
+    }
+    if (!QFile::rename(part, path))
+        return QStringLiteral("(RENAME) Download restarted for ");
+    PermissionBits::ApplyToNewFile(path, p_Entry);
+    return {};
+}
+
+void StandartApplication::RemoveOldFile(QString const& p_Path) {
+    QFile file(p_Path);
+    file.setPermissions(file.permissions() | PermissionBits::c_Write);
+    if (!file.remove())
+        ErrorReporter(QStringLiteral("File ") + p_Path + QStringLiteral(" error : ") +
+                          file.errorString(),
+                      false);
+}
+
+void StandartApplication::RetryOrGiveUp(QString const& p_Reason,
+                                        ApplicationManifestFileEntry const& p_Entry,
+                                        quint64 p_ContentLength) {
+    // One budget for all files of the run.
+    constexpr quint32 c_MostRestarts = 5;
+
+    if (DownloadRetryCount >= c_MostRestarts) {
+        qCWarning(LogDownload) << "(ToManyRetry) Download aborded for " << p_Entry.Location;
+        return;
+    }
+    qCWarning(LogDownload) << p_Reason.toUtf8().constData() << p_Entry.Location;
+    {
+        QMutexLocker const lock(&RunMutex);
+        FilesToDownload.push_back(p_Entry);
+    }
+    UpdatePendingList(p_Entry.Path);
+    UISetting.Download.Total += p_ContentLength;
+    UISettingChanged = true;
+    ++DownloadRetryCount;
+}
+
+void StandartApplication::ShowFileDone(HTTP_DownloadFileRequest const& p_Request) {
+    auto& progress = UISetting.Download;
+    progress.Current = DownloadedBytes;
+    progress.Percent = PercentOf(progress.Current, progress.Total);
+    if (p_Request.BytesOnDisk > p_Request.RateSampleBytes)
+        progress.LogDownloadRate(
+            static_cast<quint64>(p_Request.BytesOnDisk - p_Request.RateSampleBytes));
+    UISettingChanged = true;
+}
+
+void StandartApplication::GoOnWithNextFile(RunId p_Run) {
+    ++CurrentDownloadIndex;
+    if (CurrentDownloadIndex < FilesToDownload.size()) {
+        ChooseServer(FilesToDownload[CurrentDownloadIndex]);
+        qCWarning(LogDownload) << "Selected CDN " << Name << " " << ContentBaseUrl;
+        EnqueueSync([this, p_Run] { StartCurrentFile(p_Run); });
+        return;
+    }
+    if (IsDownloadingBase) {
+        CompareStreamed(p_Run, false);
+        return;
+    }
+    NotifyDownloadFinished();
+    if (!IsCurrentRun(p_Run))
+        return;
+    UISetting.Download.DetailText = QStringLiteral("");
+    ShowIdle();
+    EnqueueSync([this, p_Run] { EndRun(p_Run); });
+}
+
+} // namespace Varnholt::Launcher

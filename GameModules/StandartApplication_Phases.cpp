@@ -1,0 +1,207 @@
+#include "GameModules/StandartApplication.hpp"
+
+#include "GameModules/MirrorChoice.hpp"
+#include "Launcher/Application/LogCategories.hpp"
+
+#include <QMutexLocker>
+#include <QThread>
+
+namespace Varnholt::Launcher {
+
+void StandartApplication::OnManifestReceived_CheckStartDownload() {
+    CheckStartDownload(CurrentRun, &StandartApplication::RequestBaseSizes);
+}
+
+void StandartApplication::OnManifestReceived_StartDownload() {
+    RequestBaseSizes(CurrentRun);
+}
+
+void StandartApplication::ProcessContentDownload() {
+    BeginBaseFiles(CurrentRun);
+}
+
+void StandartApplication::ProcessStreamedContentDownload(bool p_Wait) {
+    CompareStreamed(CurrentRun, p_Wait);
+}
+
+void StandartApplication::StartStreamedContentDownload(bool p_Wait) {
+    BeginStreamedFiles(CurrentRun, p_Wait);
+}
+
+void StandartApplication::StartStreamedContentDownload_CheckStartDownload() {
+    CheckStartDownload(CurrentRun, &StandartApplication::FetchStreamedFiles);
+}
+
+void StandartApplication::AfterProcessStreamedContentDownload() {
+    EndRun(CurrentRun);
+}
+
+void StandartApplication::CheckStartDownload(RunId p_Run, RunStep p_Start) {
+    constexpr unsigned long c_PollMilliseconds = 100;
+
+    bool const running = IsGameRunning();
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope)
+            return;
+        UISetting.Download.Percent = 100;
+        UISetting.Download.Mode = running ? 1 : 0;
+        UISetting.Download.DetailText = QStringLiteral("");
+        UISettingChanged = true;
+    }
+    if (!IsDownloadBlocked() && !running) {
+        NotifyDownloadStarting();
+        (this->*p_Start)(p_Run);
+        return;
+    }
+    EnqueueAsync([this, p_Run, p_Start] {
+        if (!IsCurrentRun(p_Run))
+            return;
+        QThread::msleep(c_PollMilliseconds);
+        CheckStartDownload(p_Run, p_Start);
+    });
+}
+
+void StandartApplication::RequestBaseSizes(RunId p_Run) {
+    RequestSizes(p_Run, [this, p_Run] { BeginBaseFiles(p_Run); });
+}
+
+void StandartApplication::RequestSizes(RunId p_Run, std::function<void()> const& p_Next) {
+    Entries files;
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope)
+            return;
+        auto& progress = UISetting.Download;
+        progress.Percent = 100;
+        progress.ModeFlag = true;
+        progress.Current = 0;
+        progress.Total = 0;
+        progress.Mode = 2;
+        progress.DetailText = QStringLiteral("Requesting files size...");
+        UISettingChanged = true;
+        SizeRepliesReceived = 0;
+        CurrentDownloadIndex = 0;
+        files = FilesToDownload;
+    }
+    for (std::size_t i = 0; i < files.size() && ShouldContinue(); ++i)
+        EnqueueSync([this, p_Run, entry = files[i], p_Next] { RequestSize(p_Run, entry, p_Next); });
+}
+
+void StandartApplication::RequestSize(RunId p_Run, ApplicationManifestFileEntry const& p_Entry,
+                                      std::function<void()> const& p_Next) {
+    if (!IsCurrentRun(p_Run))
+        return;
+    ChooseServer(p_Entry);
+    QString const url = RemoteAddress(p_Entry);
+    qCWarning(LogDownload) << Name << " Fetch file " << url;
+    GetRemoteFileSize(url, [this, p_Run, p_Next](QString const& p_Url, unsigned long long p_Size) {
+        if (!IsCurrentRun(p_Run))
+            return;
+        qCWarning(LogDownload) << Name << " Fetched file " << p_Url;
+        UISetting.Download.Total += p_Size;
+        if (++SizeRepliesReceived == FilesToDownload.size())
+            EnqueueSync(p_Next);
+    });
+}
+
+void StandartApplication::BeginBaseFiles(RunId p_Run) {
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope)
+            return;
+        if (!FilesToDownload.empty()) {
+            IsDownloadingBase = true;
+            BeginFiles(p_Run, QStringLiteral("Downloading base files..."));
+            return;
+        }
+    }
+    CompareStreamed(p_Run, false);
+}
+
+void StandartApplication::CompareStreamed(RunId p_Run, bool p_Wait) {
+    RunScope const scope(*this, p_Run);
+    if (!scope)
+        return;
+    IsDownloadingBase = false;
+    ClearStatusFlags();
+    UISetting.Download.Percent = 100;
+    UISetting.Download.ModeFlag = true;
+    UISetting.Download.Current = 0;
+    UISetting.Download.Mode = 5;
+    UISettingChanged = true;
+    FilesToDownload.clear();
+    EnqueueAsync(
+        [this, p_Run, firstBuild = IsFirstManifestBuild, p_Wait, entries = Manifest.StreamedFiles] {
+            CompareStreamedFiles(p_Run, firstBuild, p_Wait, entries);
+        });
+}
+
+void StandartApplication::BeginStreamedFiles(RunId p_Run, bool p_Wait) {
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope)
+            return;
+        if (FilesToDownload.empty())
+            return ShowIdle();
+    }
+    if (p_Wait)
+        CheckStartDownload(p_Run, &StandartApplication::FetchStreamedFiles);
+    else
+        FetchStreamedFiles(p_Run);
+}
+
+void StandartApplication::FetchStreamedFiles(RunId p_Run) {
+    RunScope const scope(*this, p_Run);
+    if (!scope)
+        return;
+    if (FilesToDownload.empty())
+        return ShowIdle();
+    BeginFiles(p_Run, QStringLiteral("Downloading streammed files..."));
+}
+
+void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText) {
+    UISetting.Download.Mode = 3;
+    UISetting.Download.DetailText = p_DetailText;
+    UISettingChanged = true;
+    CurrentDownloadIndex = 0;
+    DownloadedBytes = 0;
+    // The server is chosen there too: only the application thread writes its address.
+    EnqueueSync([this, p_Run] {
+        if (!IsCurrentRun(p_Run) || FilesToDownload.empty())
+            return;
+        ChooseServer(FilesToDownload.front());
+        StartCurrentFile(p_Run);
+    });
+}
+
+void StandartApplication::EndRun(RunId p_Run) {
+    RunScope const scope(*this, p_Run);
+    if (!scope)
+        return;
+    CurrentDownload = nullptr;
+    FilesToDownload.clear();
+}
+
+void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry) {
+    ContentBaseUrl = MirrorChoice::BaseUrlFor(p_Entry, CdnHosts);
+}
+
+QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const {
+    return ContentBaseUrl + AppId + QLatin1Char('/') + p_Entry.Location;
+}
+
+void StandartApplication::StartCurrentFile(RunId p_Run) {
+    QString const folder = Folder();
+    if (!IsCurrentRun(p_Run) || folder.isEmpty() || CurrentDownload != nullptr ||
+        CurrentDownloadIndex >= FilesToDownload.size())
+        return;
+    // A transfer of a replaced run may still write the very file that is about to be fetched.
+    for (HTTP_DownloadFileRequest* const aside : TransfersAside)
+        aside->Abort();
+    ApplicationManifestFileEntry const& entry = FilesToDownload[CurrentDownloadIndex];
+    CurrentDownload =
+        DownloadFile(RemoteAddress(entry), folder + entry.Path + QLatin1String(".part"), true);
+}
+
+} // namespace Varnholt::Launcher

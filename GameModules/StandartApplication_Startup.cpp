@@ -1,0 +1,80 @@
+#include "GameModules/StandartApplication.hpp"
+
+#include "GameModules/ManifestPaths.hpp"
+#include "GameModules/MirrorChoice.hpp"
+#include "Launcher/Application/ContentServer.hpp"
+#include "Launcher/Application/LogCategories.hpp"
+#include "Launcher/Application/RemoteText.hpp"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMutexLocker>
+
+namespace Varnholt::Launcher {
+
+void StandartApplication::Init() {
+    UISetting.State = 0;
+    UISettingChanged = true;
+    EnqueueSync([this] { FetchVersion(); });
+}
+
+void StandartApplication::FetchVersion() {
+    QString url = DefaultContentBaseUrl() + AppId + QLatin1String("/version.json");
+    if (UseDevChannel())
+        url = DefaultContentBaseUrl() + AppId + QLatin1String("/version_dev.json");
+    GetRemoteFileContent(url, [this](QString const&, QByteArray* p_Data) {
+        QJsonParseError error{};
+        QJsonDocument const document =
+            QJsonDocument::fromJson(RemoteText(*p_Data).toUtf8(), &error);
+        if (error.error != QJsonParseError::NoError || !document.isObject()) {
+            ErrorReporter(QStringLiteral("Failed to get ") + Name +
+                              QStringLiteral(" remote configuration."),
+                          false);
+            return;
+        }
+        RemoteBuild = document.object()[QLatin1String("build")].toString();
+        EnqueueSync([this, build = RemoteBuild] { FetchManifest(build); });
+    });
+}
+
+void StandartApplication::FetchManifest(QString const& p_Build) {
+    QString const url = DefaultContentBaseUrl() + AppId + QLatin1String("/builds/") + p_Build +
+                        QLatin1String("/info.json");
+    GetRemoteFileContent(url, [this](QString const&, QByteArray* p_Data) {
+        bool success = false;
+        ApplicationManifest manifest = ParseApplicationManifest(*p_Data, success, false);
+        ManifestPaths::DropUnsafeEntries(manifest);
+        {
+            QMutexLocker const lock(&RunMutex);
+            Manifest = std::move(manifest);
+        }
+        if (success)
+            EnqueueSync([this] { FetchMirrors(); });
+        else
+            ErrorReporter(QStringLiteral("Failed to get ") + Name +
+                              QStringLiteral(" remote build infos."),
+                          false);
+    });
+}
+
+void StandartApplication::FetchMirrors() {
+    GetRemoteFileContent(
+        DefaultContentBaseUrl() + QLatin1String("cdns.info"),
+        [this](QString const&, QByteArray* p_Data) { OnMirrorsReceived(*p_Data); });
+}
+
+void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data) {
+    // One line without an end: whatever stands between two blanks is a host name.
+    CdnHosts = RemoteText(p_Data).split(QLatin1Char(' '));
+    ContentBaseUrl = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));
+    qCWarning(LogStartup) << "Selected CDN " << Name << " " << ContentBaseUrl;
+
+    IsFirstManifestBuild = false;
+    if (!ReadSetting(SettingKey(".ManifestBuilt"), false).toBool()) {
+        WriteSetting(SettingKey(".ManifestBuilt"), true);
+        IsFirstManifestBuild = true;
+    }
+    OnManifestReceived();
+}
+
+} // namespace Varnholt::Launcher

@@ -1,0 +1,94 @@
+#include "Launcher/Application/Application.hpp"
+
+#include <QMutexLocker>
+#include <QNetworkRequest>
+#include <QUrl>
+
+namespace Varnholt::Launcher {
+
+namespace {
+
+/// Takes the record of a reply out of its map; null when the reply is not (or no longer) listed.
+template <typename Request>
+std::unique_ptr<Request> TakeRequest(std::map<QNetworkReply*, Request*>& p_Requests,
+                                     QRecursiveMutex& p_Mutex, QNetworkReply* p_Reply) {
+    QMutexLocker const lock(&p_Mutex);
+    auto const found = p_Requests.find(p_Reply);
+    if (found == p_Requests.end())
+        return nullptr;
+    std::unique_ptr<Request> request(found->second);
+    p_Requests.erase(found);
+    return request;
+}
+
+} // namespace
+
+HTTP_GetRemotefileContentRequest*
+Application::GetRemoteFileContent(QString p_Url,
+                                  std::function<void(QString, QByteArray*)> p_OnContent,
+                                  std::function<void(int)> p_OnError) {
+    auto* const request = new HTTP_GetRemotefileContentRequest;
+    request->Url = p_Url;
+    request->OnContent = std::move(p_OnContent);
+
+    QMutexLocker const lock(&ContentRequestsMutex);
+    QNetworkReply* const reply = NetworkManager->get(QNetworkRequest(QUrl(p_Url)));
+    connect(reply, SIGNAL(readyRead()), this, SLOT(HTTP_GetContent_OnReadyRead()));
+    connect(reply, SIGNAL(finished()), this, SLOT(HTTP_GetContent_DownloadFinished()));
+    connect(reply, &QNetworkReply::errorOccurred, this,
+            [reply, onError = std::move(p_OnError)](QNetworkReply::NetworkError p_Error) {
+                // Every other error ends through finished() like a success: callers judge a fetch
+                // by its content.
+                if (p_Error != QNetworkReply::RemoteHostClosedError &&
+                    p_Error != QNetworkReply::UnknownContentError)
+                    return;
+                onError(p_Error);
+                reply->abort();
+            });
+    request->Reply = reply;
+    ContentRequests.emplace(reply, request);
+    return request;
+}
+
+void Application::HTTP_GetContent_OnReadyRead() {
+    auto* const reply = static_cast<QNetworkReply*>(sender());
+    QMutexLocker const lock(&ContentRequestsMutex);
+    auto const found = ContentRequests.find(reply);
+    if (found != ContentRequests.end())
+        found->second->Data += reply->readAll();
+}
+
+void Application::HTTP_GetContent_DownloadFinished() {
+    auto* const reply = static_cast<QNetworkReply*>(sender());
+    auto const request = TakeRequest(ContentRequests, ContentRequestsMutex, reply);
+    if (!request)
+        return;
+    request->OnContent(request->Url, &request->Data);
+    reply->deleteLater();
+}
+
+void Application::GetRemoteFileSize(QString p_Url,
+                                    std::function<void(QString, unsigned long long)> p_OnSize) {
+    auto* const request = new HTTP_GetRemotefileContentSizeRequest;
+    request->Url = p_Url;
+    request->OnSize = std::move(p_OnSize);
+
+    QMutexLocker const lock(&ContentSizeRequestsMutex);
+    QNetworkReply* const reply = NetworkManager->get(QNetworkRequest(QUrl(p_Url)));
+    connect(reply, SIGNAL(metaDataChanged()), this, SLOT(HTTP_GetContentSize_MedaDataChanged()));
+    request->Reply = reply;
+    ContentSizeRequests.emplace(reply, request);
+}
+
+void Application::HTTP_GetContentSize_MedaDataChanged() {
+    auto* const reply = static_cast<QNetworkReply*>(sender());
+    auto const request = TakeRequest(ContentSizeRequests, ContentSizeRequestsMutex, reply);
+    if (!request)
+        return;
+    request->OnSize(request->Url,
+                    reply->header(QNetworkRequest::ContentLengthHeader).toULongLong());
+    reply->abort();
+    reply->deleteLater();
+}
+
+} // namespace Varnholt::Launcher
