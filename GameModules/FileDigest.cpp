@@ -7,7 +7,8 @@
 
 namespace Varnholt::Launcher {
 
-FileDigest FileDigest::Of(QString const& p_Path, std::function<bool()> const& p_Continue) {
+FileDigest FileDigest::Of(QString const& p_Path, std::function<bool()> const& p_Continue)
+{
     constexpr std::size_t c_BlockBytes = 0x2000;
 
     FileDigest digest;

@@ -13,7 +13,8 @@ namespace {
 using Entries = ManifestComparison::Entries;
 
 /// Indexes by path, in manifest order: pending lists can be as long as the manifest.
-QHash<QString, std::vector<std::size_t>> IndexByPath(Entries const& p_Manifest) {
+QHash<QString, std::vector<std::size_t>> IndexByPath(Entries const& p_Manifest)
+{
     QHash<QString, std::vector<std::size_t>> index;
     index.reserve(static_cast<int>(p_Manifest.size()));
     for (std::size_t i = 0; i < p_Manifest.size(); ++i)
@@ -23,12 +24,14 @@ QHash<QString, std::vector<std::size_t>> IndexByPath(Entries const& p_Manifest) 
 
 } // namespace
 
-bool ManifestComparison::IsKept(ApplicationManifestFileEntry const& p_Entry) const {
+bool ManifestComparison::IsKept(ApplicationManifestFileEntry const& p_Entry) const
+{
     return p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent) &&
            QFile::exists(Folder + p_Entry.Path);
 }
 
-bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Entry) const {
+bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Entry) const
+{
     QString const path = Folder + p_Entry.Path;
     if (!QFile::exists(path))
         return true;
@@ -39,7 +42,8 @@ bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Ent
     return !digest.Opened || digest.Md5 != p_Entry.Md5;
 }
 
-Entries ManifestComparison::Examine(Entries const& p_Manifest) const {
+Entries ManifestComparison::Examine(Entries const& p_Manifest) const
+{
     Entries found;
     for (std::size_t i = 0; i < p_Manifest.size() && Continue(); ++i) {
         ApplicationManifestFileEntry const& entry = p_Manifest[i];
@@ -55,7 +59,8 @@ Entries ManifestComparison::Examine(Entries const& p_Manifest) const {
 }
 
 Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList const& p_Paths,
-                                     Entries const& p_Found) const {
+                                     Entries const& p_Found) const
+{
     auto const index = IndexByPath(p_Manifest);
     QSet<QString> listed;
     for (ApplicationManifestFileEntry const& entry : p_Found)
@@ -77,7 +82,8 @@ Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList cons
     return leftOver;
 }
 
-Entries ManifestComparison::Named(Entries const& p_Manifest, QStringList const& p_Paths) const {
+Entries ManifestComparison::Named(Entries const& p_Manifest, QStringList const& p_Paths) const
+{
     auto const index = IndexByPath(p_Manifest);
     Entries named;
     for (QString const& path : p_Paths) {

@@ -8,7 +8,8 @@
 
 namespace Varnholt::Launcher::ManifestPaths {
 
-bool IsInsideFolder(QString const& p_Path) {
+bool IsInsideFolder(QString const& p_Path)
+{
     if (p_Path.contains(QChar(QChar::Null)))
         return false;
     QString path = p_Path;
@@ -21,7 +22,8 @@ bool IsInsideFolder(QString const& p_Path) {
            !clean.startsWith(QLatin1String("../"));
 }
 
-void DropUnsafeEntries(ApplicationManifest& p_Manifest) {
+void DropUnsafeEntries(ApplicationManifest& p_Manifest)
+{
     auto const unsafe = [](ApplicationManifestFileEntry const& p_Entry) {
         if (IsInsideFolder(p_Entry.Path))
             return false;

@@ -11,7 +11,8 @@ QString const PendingList::c_Streamed = QStringLiteral("ToDownload.db");
 QString const PendingList::c_Casc = QStringLiteral("ToDownloadCASC.db");
 
 PendingList::Content PendingList::Read(QString const& p_ListPath,
-                                       std::function<bool()> const& p_Continue) {
+                                       std::function<bool()> const& p_Continue)
+{
     Content content;
     QFile file(p_ListPath);
     if (!file.open(QIODevice::ReadOnly))
@@ -26,7 +27,8 @@ PendingList::Content PendingList::Read(QString const& p_ListPath,
     return content;
 }
 
-bool PendingList::Write(QString const& p_ListPath, QStringList const& p_Paths) {
+bool PendingList::Write(QString const& p_ListPath, QStringList const& p_Paths)
+{
     QSaveFile file(p_ListPath);
     file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
@@ -37,7 +39,8 @@ bool PendingList::Write(QString const& p_ListPath, QStringList const& p_Paths) {
 }
 
 void PendingList::Update(QString const& p_ListPath, QString const& p_Struck, QString const& p_Added,
-                         std::function<bool()> const& p_Continue) {
+                         std::function<bool()> const& p_Continue)
+{
     Content content = Read(p_ListPath, p_Continue);
     if (content.Opened && !content.Complete)
         return;

@@ -12,7 +12,8 @@ namespace {
 constexpr unsigned short c_ReadOnlyMode = 444;
 constexpr unsigned short c_ExecutableMode = 777;
 
-void MakeReadOnly(QString const& p_Path) {
+void MakeReadOnly(QString const& p_Path)
+{
     Helper::DoCHMOD(p_Path.toUtf8().constData(), c_ReadOnlyMode);
     QFile file(p_Path);
     if (file.open(QIODevice::ReadWrite))
@@ -20,7 +21,8 @@ void MakeReadOnly(QString const& p_Path) {
 }
 
 template <typename Change>
-void MakeExecutable(QString const& p_Path, Change p_Change) {
+void MakeExecutable(QString const& p_Path, Change p_Change)
+{
     QFile file(p_Path);
     if (file.open(QIODevice::ReadWrite)) {
         file.setPermissions(p_Change(file.permissions()));
@@ -31,14 +33,16 @@ void MakeExecutable(QString const& p_Path, Change p_Change) {
 
 } // namespace
 
-void ApplyToNewFile(QString const& p_Path, ApplicationManifestFileEntry const& p_Entry) {
+void ApplyToNewFile(QString const& p_Path, ApplicationManifestFileEntry const& p_Entry)
+{
     if (p_Entry.Has(ApplicationManifestFileEntry::ReadOnly))
         MakeReadOnly(p_Path);
     if (p_Entry.Has(ApplicationManifestFileEntry::Executable))
         MakeExecutable(p_Path, [](QFileDevice::Permissions p_Now) { return p_Now | c_All; });
 }
 
-void FixExistingFile(QString const& p_Path, ApplicationManifestFileEntry const& p_Entry) {
+void FixExistingFile(QString const& p_Path, ApplicationManifestFileEntry const& p_Entry)
+{
     if (p_Entry.Has(ApplicationManifestFileEntry::ReadOnly))
         MakeReadOnly(p_Path);
     // Masked, not added to: the mode that the game has set stays until DoCHMOD has its say.

@@ -5,7 +5,8 @@
 namespace Varnholt::Launcher {
 
 StandartApplication::StandartApplication(QString const& p_Name, QString const& p_AppId)
-    : Application(p_Name, p_AppId) {
+    : Application(p_Name, p_AppId)
+{
     connect(this, SIGNAL(OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)), this,
             SLOT(App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)));
     connect(this, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
@@ -22,39 +23,46 @@ StandartApplication::StandartApplication(QString const& p_Name, QString const& p
 
 void StandartApplication::Uninit() {}
 
-QString StandartApplication::GetInstallationPath() {
+QString StandartApplication::GetInstallationPath()
+{
     QString const path = ReadSetting(SettingKey(".InstallFolder"), QString()).toString();
     QMutexLocker const lock(&RunMutex);
     InstallationPath = path;
     return path;
 }
 
-bool StandartApplication::IsInstalled() {
+bool StandartApplication::IsInstalled()
+{
     return ReadSetting(SettingKey(".Installed"), false).toBool();
 }
 
-QString StandartApplication::SettingKey(char const* p_Suffix) const {
+QString StandartApplication::SettingKey(char const* p_Suffix) const
+{
     return AppId + QLatin1String(p_Suffix);
 }
 
-QString StandartApplication::Folder() const {
+QString StandartApplication::Folder() const
+{
     QMutexLocker const lock(&RunMutex);
     if (InstallationPath.isEmpty() || InstallationPath.endsWith(QLatin1Char('/')))
         return InstallationPath;
     return InstallationPath + QLatin1Char('/');
 }
 
-void StandartApplication::MarkManifestBuilt() {
+void StandartApplication::MarkManifestBuilt()
+{
     if (!ReadSetting(SettingKey(".ManifestBuilt"), false).toBool())
         WriteSetting(SettingKey(".ManifestBuilt"), true);
 }
 
-void StandartApplication::ClearStatusFlags() {
+void StandartApplication::ClearStatusFlags()
+{
     UISetting.Download.StatusFlags = 0;
     UISetting.Download.StatusFlag = false;
 }
 
-void StandartApplication::ShowIdle() {
+void StandartApplication::ShowIdle()
+{
     UISetting.State = 2;
     ClearStatusFlags();
     UISetting.Download.ModeFlag = false;
@@ -62,19 +70,22 @@ void StandartApplication::ShowIdle() {
 }
 
 StandartApplication::RunScope::RunScope(StandartApplication& p_Application, RunId p_Run)
-    : Owner(p_Application) {
+    : Owner(p_Application)
+{
     Owner.RunMutex.lock();
     IsCurrent = Owner.IsCurrentRun(p_Run);
     if (!IsCurrent)
         Owner.RunMutex.unlock();
 }
 
-StandartApplication::RunScope::~RunScope() {
+StandartApplication::RunScope::~RunScope()
+{
     if (IsCurrent)
         Owner.RunMutex.unlock();
 }
 
-StandartApplication::RunId StandartApplication::BeginRun() {
+StandartApplication::RunId StandartApplication::BeginRun()
+{
     if (CurrentDownload != nullptr) {
         CurrentDownload->Abort();
         SetTransferAside();
@@ -84,7 +95,8 @@ StandartApplication::RunId StandartApplication::BeginRun() {
     return ++CurrentRun;
 }
 
-void StandartApplication::SetTransferAside() {
+void StandartApplication::SetTransferAside()
+{
     if (CurrentDownload != nullptr)
         TransfersAside.insert(CurrentDownload);
     CurrentDownload = nullptr;

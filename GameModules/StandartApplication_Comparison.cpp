@@ -11,15 +11,25 @@ namespace Varnholt::Launcher {
 
 namespace {
 
-QString WithSlash(QString p_Path) {
+QString WithSlash(QString p_Path)
+{
     if (!p_Path.endsWith(QLatin1Char('/')))
         p_Path += QLatin1Char('/');
     return p_Path;
 }
 
+/// Adds what a list holds so far: a comparison that was stopped early has not looked at all of it.
+void KeepListed(QString const& p_ListPath, QStringList& p_Recorded)
+{
+    for (QString const& path : PendingList::Read(p_ListPath, [] { return true; }).Paths)
+        if (!p_Recorded.contains(path))
+            p_Recorded += path;
+}
+
 } // namespace
 
-void StandartApplication::OnManifestReceived() {
+void StandartApplication::OnManifestReceived()
+{
     RunId const run = BeginRun();
     SettleFolder();
     bool const installed = IsInstalled();
@@ -44,7 +54,8 @@ void StandartApplication::OnManifestReceived() {
     });
 }
 
-void StandartApplication::SettleFolder() {
+void StandartApplication::SettleFolder()
+{
     QString const recorded = GetInstallationPath();
     if (recorded.isEmpty())
         return;
@@ -59,7 +70,8 @@ void StandartApplication::SettleFolder() {
     InstallationPath = path;
 }
 
-void StandartApplication::ShowComparison(std::size_t p_Count) {
+void StandartApplication::ShowComparison(std::size_t p_Count)
+{
     UISetting.State = 2;
     auto& progress = UISetting.Download;
     progress.StatusFlags = 0;
@@ -73,7 +85,8 @@ void StandartApplication::ShowComparison(std::size_t p_Count) {
     UISettingChanged = true;
 }
 
-ManifestComparison StandartApplication::ComparisonFor(RunId p_Run, std::size_t p_Count) {
+ManifestComparison StandartApplication::ComparisonFor(RunId p_Run, std::size_t p_Count)
+{
     ManifestComparison comparison;
     comparison.Folder = Folder();
     comparison.Locale = GetAppLocale();
@@ -89,26 +102,27 @@ ManifestComparison StandartApplication::ComparisonFor(RunId p_Run, std::size_t p
     return comparison;
 }
 
-void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild,
-                                           Entries const& p_Entries) {
+void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entries const& p_Entries)
+{
     ManifestComparison comparison = ComparisonFor(p_Run, p_Entries.size());
     comparison.SkipFirstBuildOnly = !p_FirstBuild;
     Entries found = comparison.Examine(p_Entries);
 
+    QString const list = comparison.Folder + PendingList::c_Base;
     QStringList recorded;
     if (p_FirstBuild) {
         for (ApplicationManifestFileEntry const& entry : found)
             if (entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
                 recorded += entry.Path;
+        if (!comparison.Continue())
+            KeepListed(list, recorded);
     } else {
-        auto const list =
-            PendingList::Read(comparison.Folder + PendingList::c_Base, comparison.Continue);
-        Entries const leftOver = comparison.LeftOver(p_Entries, list.Paths, found);
+        QStringList const paths = PendingList::Read(list, comparison.Continue).Paths;
+        Entries const leftOver = comparison.LeftOver(p_Entries, paths, found);
         found.insert(found.end(), leftOver.begin(), leftOver.end());
     }
 
     bool const nothing = found.empty();
-    QString const list = comparison.Folder + PendingList::c_Base;
     if (!PublishList(p_Run, std::move(found), list, p_FirstBuild ? &recorded : nullptr))
         return;
     if (nothing)
@@ -118,7 +132,8 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild,
 }
 
 void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, bool p_Wait,
-                                               Entries const& p_Entries) {
+                                               Entries const& p_Entries)
+{
     ManifestComparison const comparison = ComparisonFor(p_Run, p_Entries.size());
     QString const list = comparison.Folder + PendingList::c_Streamed;
     Entries found;
@@ -127,6 +142,8 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
         found = comparison.Examine(p_Entries);
         for (ApplicationManifestFileEntry const& entry : found)
             recorded += entry.Path;
+        if (!comparison.Continue())
+            KeepListed(list, recorded);
     } else {
         found = comparison.Named(p_Entries, PendingList::Read(list, comparison.Continue).Paths);
     }
@@ -141,7 +158,8 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
 }
 
 bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, QString const& p_ListPath,
-                                      QStringList const* p_Recorded) {
+                                      QStringList const* p_Recorded)
+{
     RunScope const scope(*this, p_Run);
     if (!scope)
         return false;

@@ -13,13 +13,15 @@ namespace Varnholt::Launcher {
 
 namespace {
 
-quint32 PercentOf(quint64 p_Current, quint64 p_Total) {
+quint32 PercentOf(quint64 p_Current, quint64 p_Total)
+{
     return static_cast<quint32>(p_Current * 100 / (p_Total == 0 ? 1 : p_Total));
 }
 
 } // namespace
 
-void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request) {
+void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request)
+{
     constexpr int c_SampleMilliseconds = 500;
 
     if (TransfersAside.count(p_Request) != 0)
@@ -34,12 +36,14 @@ void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequ
     UISettingChanged = true;
 }
 
-void StandartApplication::App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request) {
+void StandartApplication::App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request)
+{
     if (TransfersAside.count(p_Request) == 0)
         CurrentDownload = p_Request;
 }
 
-void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request) {
+void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request)
+{
     if (TransfersAside.count(p_Request) != 0)
         return;
     RunId const run = CurrentRun;
@@ -72,7 +76,8 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
         GoOnWithNextFile(run);
 }
 
-void StandartApplication::UpdatePendingList(QString const& p_Added) {
+void StandartApplication::UpdatePendingList(QString const& p_Added)
+{
     QString const folder = Folder();
     if (folder.isEmpty())
         return;
@@ -82,7 +87,8 @@ void StandartApplication::UpdatePendingList(QString const& p_Added) {
 }
 
 QString StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                                       HTTP_DownloadFileRequest const& p_Request) {
+                                       HTTP_DownloadFileRequest const& p_Request)
+{
     QString const path = Folder() + p_Entry.Path;
     QString const part = path + QLatin1String(".part");
     if (QFile::exists(path))
@@ -103,7 +109,8 @@ QString StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Ent
     return {};
 }
 
-void StandartApplication::RemoveOldFile(QString const& p_Path) {
+void StandartApplication::RemoveOldFile(QString const& p_Path)
+{
     QFile file(p_Path);
     file.setPermissions(file.permissions() | PermissionBits::c_Write);
     if (!file.remove())
@@ -114,7 +121,8 @@ void StandartApplication::RemoveOldFile(QString const& p_Path) {
 
 void StandartApplication::RetryOrGiveUp(QString const& p_Reason,
                                         ApplicationManifestFileEntry const& p_Entry,
-                                        quint64 p_ContentLength) {
+                                        quint64 p_ContentLength)
+{
     // One budget for all files of the run.
     constexpr quint32 c_MostRestarts = 5;
 
@@ -133,7 +141,8 @@ void StandartApplication::RetryOrGiveUp(QString const& p_Reason,
     ++DownloadRetryCount;
 }
 
-void StandartApplication::ShowFileDone(HTTP_DownloadFileRequest const& p_Request) {
+void StandartApplication::ShowFileDone(HTTP_DownloadFileRequest const& p_Request)
+{
     auto& progress = UISetting.Download;
     progress.Current = DownloadedBytes;
     progress.Percent = PercentOf(progress.Current, progress.Total);
@@ -143,7 +152,8 @@ void StandartApplication::ShowFileDone(HTTP_DownloadFileRequest const& p_Request
     UISettingChanged = true;
 }
 
-void StandartApplication::GoOnWithNextFile(RunId p_Run) {
+void StandartApplication::GoOnWithNextFile(RunId p_Run)
+{
     ++CurrentDownloadIndex;
     if (CurrentDownloadIndex < FilesToDownload.size()) {
         ChooseServer(FilesToDownload[CurrentDownloadIndex]);

@@ -6,7 +6,8 @@
 
 namespace Varnholt::Launcher {
 
-std::vector<ApplicationManifestLocale> StandartApplication::GetAvailableLocales() const {
+std::vector<ApplicationManifestLocale> StandartApplication::GetAvailableLocales() const
+{
     QMutexLocker const lock(&RunMutex);
     std::vector<ApplicationManifestLocale> locales;
     locales.reserve(Manifest.Locales.size());
@@ -15,12 +16,14 @@ std::vector<ApplicationManifestLocale> StandartApplication::GetAvailableLocales(
     return locales;
 }
 
-QString StandartApplication::GetAppLocale() {
+QString StandartApplication::GetAppLocale()
+{
     return ReadSetting(SettingKey(".InstallLocale"), CurrentLauncherLocale().Code).toString();
 }
 
 void StandartApplication::PatchWoWTextFile(QString p_FilePath, QString p_Key, QString p_Line,
-                                           bool p_CreateIfMissing) {
+                                           bool p_CreateIfMissing)
+{
     TextFilePatch::Apply(p_FilePath, p_Key, p_Line, p_CreateIfMissing);
 }
 

@@ -9,7 +9,8 @@
 
 namespace Varnholt::Launcher {
 
-bool StandartApplication::IsGameRunning() {
+bool StandartApplication::IsGameRunning()
+{
     QString folder;
     {
         QMutexLocker const lock(&RunMutex);
@@ -25,7 +26,8 @@ bool StandartApplication::IsGameRunning() {
     return running;
 }
 
-void StandartApplication::FixPermissions() {
+void StandartApplication::FixPermissions()
+{
     QString const folder = Folder();
     if (folder.isEmpty())
         return;

@@ -6,7 +6,8 @@
 
 namespace Varnholt::Launcher {
 
-void StandartApplication::Install(QString const& p_Path, bool p_Flag) {
+void StandartApplication::Install(QString const& p_Path, bool p_Flag)
+{
     Application::Install(p_Path, p_Flag);
     WriteSetting(SettingKey(".Installed"), true);
     WriteSetting(SettingKey(".InstallFolder"), p_Path);
@@ -19,14 +20,16 @@ void StandartApplication::Install(QString const& p_Path, bool p_Flag) {
     OnManifestReceived();
 }
 
-void StandartApplication::Repair() {
+void StandartApplication::Repair()
+{
     if (!IsInstalled())
         return;
     IsFirstManifestBuild = true;
     OnManifestReceived();
 }
 
-void StandartApplication::AbortRepair() {
+void StandartApplication::AbortRepair()
+{
     SuspendDownload();
     GetInstallationPath();
     RemoveLists({PendingList::c_Casc, PendingList::c_Base, PendingList::c_Streamed});
@@ -35,7 +38,8 @@ void StandartApplication::AbortRepair() {
     OnManifestReceived();
 }
 
-void StandartApplication::RemoveLists(std::vector<QString> const& p_Names) {
+void StandartApplication::RemoveLists(std::vector<QString> const& p_Names)
+{
     QString const folder = Folder();
     if (folder.isEmpty())
         return;

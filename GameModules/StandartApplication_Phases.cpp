@@ -8,35 +8,43 @@
 
 namespace Varnholt::Launcher {
 
-void StandartApplication::OnManifestReceived_CheckStartDownload() {
+void StandartApplication::OnManifestReceived_CheckStartDownload()
+{
     CheckStartDownload(CurrentRun, &StandartApplication::RequestBaseSizes);
 }
 
-void StandartApplication::OnManifestReceived_StartDownload() {
+void StandartApplication::OnManifestReceived_StartDownload()
+{
     RequestBaseSizes(CurrentRun);
 }
 
-void StandartApplication::ProcessContentDownload() {
+void StandartApplication::ProcessContentDownload()
+{
     BeginBaseFiles(CurrentRun);
 }
 
-void StandartApplication::ProcessStreamedContentDownload(bool p_Wait) {
+void StandartApplication::ProcessStreamedContentDownload(bool p_Wait)
+{
     CompareStreamed(CurrentRun, p_Wait);
 }
 
-void StandartApplication::StartStreamedContentDownload(bool p_Wait) {
+void StandartApplication::StartStreamedContentDownload(bool p_Wait)
+{
     BeginStreamedFiles(CurrentRun, p_Wait);
 }
 
-void StandartApplication::StartStreamedContentDownload_CheckStartDownload() {
+void StandartApplication::StartStreamedContentDownload_CheckStartDownload()
+{
     CheckStartDownload(CurrentRun, &StandartApplication::FetchStreamedFiles);
 }
 
-void StandartApplication::AfterProcessStreamedContentDownload() {
+void StandartApplication::AfterProcessStreamedContentDownload()
+{
     EndRun(CurrentRun);
 }
 
-void StandartApplication::CheckStartDownload(RunId p_Run, RunStep p_Start) {
+void StandartApplication::CheckStartDownload(RunId p_Run, RunStep p_Start)
+{
     constexpr unsigned long c_PollMilliseconds = 100;
 
     bool const running = IsGameRunning();
@@ -62,11 +70,13 @@ void StandartApplication::CheckStartDownload(RunId p_Run, RunStep p_Start) {
     });
 }
 
-void StandartApplication::RequestBaseSizes(RunId p_Run) {
+void StandartApplication::RequestBaseSizes(RunId p_Run)
+{
     RequestSizes(p_Run, [this, p_Run] { BeginBaseFiles(p_Run); });
 }
 
-void StandartApplication::RequestSizes(RunId p_Run, std::function<void()> const& p_Next) {
+void StandartApplication::RequestSizes(RunId p_Run, std::function<void()> const& p_Next)
+{
     Entries files;
     {
         RunScope const scope(*this, p_Run);
@@ -89,7 +99,8 @@ void StandartApplication::RequestSizes(RunId p_Run, std::function<void()> const&
 }
 
 void StandartApplication::RequestSize(RunId p_Run, ApplicationManifestFileEntry const& p_Entry,
-                                      std::function<void()> const& p_Next) {
+                                      std::function<void()> const& p_Next)
+{
     if (!IsCurrentRun(p_Run))
         return;
     ChooseServer(p_Entry);
@@ -105,7 +116,8 @@ void StandartApplication::RequestSize(RunId p_Run, ApplicationManifestFileEntry 
     });
 }
 
-void StandartApplication::BeginBaseFiles(RunId p_Run) {
+void StandartApplication::BeginBaseFiles(RunId p_Run)
+{
     {
         RunScope const scope(*this, p_Run);
         if (!scope)
@@ -119,7 +131,8 @@ void StandartApplication::BeginBaseFiles(RunId p_Run) {
     CompareStreamed(p_Run, false);
 }
 
-void StandartApplication::CompareStreamed(RunId p_Run, bool p_Wait) {
+void StandartApplication::CompareStreamed(RunId p_Run, bool p_Wait)
+{
     RunScope const scope(*this, p_Run);
     if (!scope)
         return;
@@ -137,7 +150,8 @@ void StandartApplication::CompareStreamed(RunId p_Run, bool p_Wait) {
         });
 }
 
-void StandartApplication::BeginStreamedFiles(RunId p_Run, bool p_Wait) {
+void StandartApplication::BeginStreamedFiles(RunId p_Run, bool p_Wait)
+{
     {
         RunScope const scope(*this, p_Run);
         if (!scope)
@@ -151,7 +165,8 @@ void StandartApplication::BeginStreamedFiles(RunId p_Run, bool p_Wait) {
         FetchStreamedFiles(p_Run);
 }
 
-void StandartApplication::FetchStreamedFiles(RunId p_Run) {
+void StandartApplication::FetchStreamedFiles(RunId p_Run)
+{
     RunScope const scope(*this, p_Run);
     if (!scope)
         return;
@@ -160,7 +175,8 @@ void StandartApplication::FetchStreamedFiles(RunId p_Run) {
     BeginFiles(p_Run, QStringLiteral("Downloading streammed files..."));
 }
 
-void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText) {
+void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText)
+{
     UISetting.Download.Mode = 3;
     UISetting.Download.DetailText = p_DetailText;
     UISettingChanged = true;
@@ -175,7 +191,8 @@ void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText) {
     });
 }
 
-void StandartApplication::EndRun(RunId p_Run) {
+void StandartApplication::EndRun(RunId p_Run)
+{
     RunScope const scope(*this, p_Run);
     if (!scope)
         return;
@@ -183,15 +200,18 @@ void StandartApplication::EndRun(RunId p_Run) {
     FilesToDownload.clear();
 }
 
-void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry) {
+void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry)
+{
     ContentBaseUrl = MirrorChoice::BaseUrlFor(p_Entry, CdnHosts);
 }
 
-QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const {
+QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const
+{
     return ContentBaseUrl + AppId + QLatin1Char('/') + p_Entry.Location;
 }
 
-void StandartApplication::StartCurrentFile(RunId p_Run) {
+void StandartApplication::StartCurrentFile(RunId p_Run)
+{
     QString const folder = Folder();
     if (!IsCurrentRun(p_Run) || folder.isEmpty() || CurrentDownload != nullptr ||
         CurrentDownloadIndex >= FilesToDownload.size())

@@ -12,13 +12,15 @@
 
 namespace Varnholt::Launcher {
 
-void StandartApplication::Init() {
+void StandartApplication::Init()
+{
     UISetting.State = 0;
     UISettingChanged = true;
     EnqueueSync([this] { FetchVersion(); });
 }
 
-void StandartApplication::FetchVersion() {
+void StandartApplication::FetchVersion()
+{
     QString url = DefaultContentBaseUrl() + AppId + QLatin1String("/version.json");
     if (UseDevChannel())
         url = DefaultContentBaseUrl() + AppId + QLatin1String("/version_dev.json");
@@ -37,7 +39,8 @@ void StandartApplication::FetchVersion() {
     });
 }
 
-void StandartApplication::FetchManifest(QString const& p_Build) {
+void StandartApplication::FetchManifest(QString const& p_Build)
+{
     QString const url = DefaultContentBaseUrl() + AppId + QLatin1String("/builds/") + p_Build +
                         QLatin1String("/info.json");
     GetRemoteFileContent(url, [this](QString const&, QByteArray* p_Data) {
@@ -57,13 +60,15 @@ void StandartApplication::FetchManifest(QString const& p_Build) {
     });
 }
 
-void StandartApplication::FetchMirrors() {
+void StandartApplication::FetchMirrors()
+{
     GetRemoteFileContent(
         DefaultContentBaseUrl() + QLatin1String("cdns.info"),
         [this](QString const&, QByteArray* p_Data) { OnMirrorsReceived(*p_Data); });
 }
 
-void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data) {
+void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data)
+{
     // One line without an end: whatever stands between two blanks is a host name.
     CdnHosts = RemoteText(p_Data).split(QLatin1Char(' '));
     ContentBaseUrl = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));

@@ -10,7 +10,8 @@ namespace Varnholt::Launcher {
 
 namespace {
 
-void Replace(QString const& p_FilePath, QByteArray const& p_Content) {
+void Replace(QString const& p_FilePath, QByteArray const& p_Content)
+{
     QSaveFile file(p_FilePath);
     file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
@@ -19,7 +20,8 @@ void Replace(QString const& p_FilePath, QByteArray const& p_Content) {
     file.commit();
 }
 
-QStringList LinesWithout(QString const& p_FilePath, QString const& p_Key) {
+QStringList LinesWithout(QString const& p_FilePath, QString const& p_Key)
+{
     QStringList kept;
     QFile file(p_FilePath);
     if (!file.open(QIODevice::ReadOnly))
@@ -36,7 +38,8 @@ QStringList LinesWithout(QString const& p_FilePath, QString const& p_Key) {
 } // namespace
 
 void TextFilePatch::Apply(QString const& p_FilePath, QString const& p_Key, QString const& p_Line,
-                          bool p_CreateIfMissing) {
+                          bool p_CreateIfMissing)
+{
     if (!QFile::exists(p_FilePath)) {
         if (!p_CreateIfMissing)
             return;

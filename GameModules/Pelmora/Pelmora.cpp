@@ -3,15 +3,19 @@
 namespace Varnholt::Launcher {
 
 Pelmora::Pelmora()
-    : StandartApplication(QStringLiteral("Mists of Pandaria"), QStringLiteral("pelmora_app")) {}
+    : StandartApplication(QStringLiteral("Mists of Pandaria"), QStringLiteral("pelmora_app"))
+{
+}
 
-void Pelmora::Init() {
+void Pelmora::Init()
+{
     StandartApplication::Init();
 }
 
 void Pelmora::Uninit() {}
 
-QString Pelmora::GetRessource(ApplicationRessource::Type p_Type) {
+QString Pelmora::GetRessource(ApplicationRessource::Type p_Type)
+{
     switch (p_Type) {
     case ApplicationRessource::BackgroundImage:
         return QStringLiteral(":/app_pelmora_app/background.jpg");

@@ -13,7 +13,8 @@ namespace Varnholt::Launcher {
 namespace {
 
 /// False for any network or HTTP error, and for a redirect, whose body is not the file either.
-bool Succeeded(QNetworkReply const& p_Reply) {
+bool Succeeded(QNetworkReply const& p_Reply)
+{
     constexpr int c_FirstRedirect = 300;
     return p_Reply.error() == QNetworkReply::NoError &&
            p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() < c_FirstRedirect;
@@ -21,14 +22,16 @@ bool Succeeded(QNetworkReply const& p_Reply) {
 
 } // namespace
 
-void Pelmora::SetAppLocale(QString p_Code) {
+void Pelmora::SetAppLocale(QString p_Code)
+{
     WriteSetting(SettingKey(".InstallLocale"), p_Code);
     WriteConfigLine(QStringLiteral("locale"), QStringLiteral("SET locale \"%1\"").arg(p_Code));
     WriteConfigLine(QStringLiteral("installLocale"),
                     QStringLiteral("SET installLocale \"%1\"").arg(p_Code));
 }
 
-void Pelmora::AfterOnManifestReceived() {
+void Pelmora::AfterOnManifestReceived()
+{
     if (!IsInstalled())
         return;
     SetAppLocale(GetAppLocale());
@@ -47,7 +50,8 @@ void Pelmora::AfterOnManifestReceived() {
                              });
 }
 
-void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line) {
+void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line)
+{
     QString const folder = GetInstallationPath();
     if (folder.isEmpty()) // the file would be one of the current folder
         return;

@@ -13,22 +13,26 @@ Application::Application(QString const& p_Name, QString const& p_AppId)
     : Name(p_Name)
     , AppId(p_AppId)
     , NetworkManager(new QNetworkAccessManager(this))
-    , Link(std::make_shared<ApplicationLink>(*this)) {
+    , Link(std::make_shared<ApplicationLink>(*this))
+{
     // The record's pointer crosses threads in queued signals, under the name the signals spell.
     qRegisterMetaType<HTTP_DownloadFileRequest*>("HTTP_DownloadFileRequest*");
 }
 
-Application::~Application() {
+Application::~Application()
+{
     Link->Sever();
 }
 
-bool Application::IsGameRunning() {
+bool Application::IsGameRunning()
+{
     return false;
 }
 
 void Application::Install(QString const&, bool) {}
 
-bool Application::Start(QString, QString) {
+bool Application::Start(QString, QString)
+{
     return false;
 }
 
@@ -42,31 +46,37 @@ void Application::SuspendDownload() {}
 
 void Application::ResumeDownload() {}
 
-bool Application::IsCASCApp() {
+bool Application::IsCASCApp()
+{
     return false;
 }
 
 void Application::EnableCASC() {}
 
-std::vector<QString> Application::GetCustomIconAnimation() {
+std::vector<QString> Application::GetCustomIconAnimation()
+{
     return {};
 }
 
-int Application::GetCustomIconAnimationFramerate() {
+int Application::GetCustomIconAnimationFramerate()
+{
     return 0;
 }
 
-void Application::EnqueueSync(std::function<void()> p_Closure) {
+void Application::EnqueueSync(std::function<void()> p_Closure)
+{
     QMutexLocker const lock(&SyncQueueMutex);
     SyncQueue.push(std::move(p_Closure));
 }
 
-void Application::EnqueueAsync(std::function<void()> p_Closure) {
+void Application::EnqueueAsync(std::function<void()> p_Closure)
+{
     QMutexLocker const lock(&AsyncQueueMutex);
     AsyncQueue.push(std::move(p_Closure));
 }
 
-HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Path, bool p_Resume) {
+HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Path, bool p_Resume)
+{
     auto* const downloader = new ApplicationAsyncHttpDownloader;
     downloader->ErrorReporter = ErrorReporter;
     // By way of the application thread: behind everything that the download has posted there, so
@@ -93,15 +103,18 @@ HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Pat
     return downloader->Start(std::move(p_Url), std::move(p_Path), p_Resume);
 }
 
-void Application::AppInt_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request) {
+void Application::AppInt_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request)
+{
     Q_EMIT OnHTTPDownloadProgressUpdate(p_Request);
 }
 
-void Application::AppInt_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request) {
+void Application::AppInt_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request)
+{
     Q_EMIT OnHTTPDownloadProgressComplete(p_Request);
 }
 
-void Application::AppInt_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request) {
+void Application::AppInt_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request)
+{
     Q_EMIT OnHTTPDownloadRestarted(p_Request);
 }
 

@@ -24,16 +24,19 @@ constexpr int c_PartialContent = 206;
 
 } // namespace
 
-ApplicationAsyncHttpDownloader::ApplicationAsyncHttpDownloader() {
+ApplicationAsyncHttpDownloader::ApplicationAsyncHttpDownloader()
+{
     moveToThread(this);
 }
 
-ApplicationAsyncHttpDownloader::~ApplicationAsyncHttpDownloader() {
+ApplicationAsyncHttpDownloader::~ApplicationAsyncHttpDownloader()
+{
     delete Request;
 }
 
 HTTP_DownloadFileRequest* ApplicationAsyncHttpDownloader::Start(QString p_Url, QString p_Path,
-                                                                bool p_Resume) {
+                                                                bool p_Resume)
+{
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::Start << " << p_Url << " << "
                            << p_Path << " << " << p_Resume;
     QDir().mkpath(QFileInfo(p_Path).absolutePath());
@@ -59,7 +62,8 @@ HTTP_DownloadFileRequest* ApplicationAsyncHttpDownloader::Start(QString p_Url, Q
     return request;
 }
 
-void ApplicationAsyncHttpDownloader::run() {
+void ApplicationAsyncHttpDownloader::run()
+{
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::run";
     NetworkManager = new QNetworkAccessManager(this);
     if (StartDownload()) {
@@ -88,7 +92,8 @@ void ApplicationAsyncHttpDownloader::run() {
     FinishDispatcher(CleanUpClosure());
 }
 
-std::function<void()> ApplicationAsyncHttpDownloader::CleanUpClosure() {
+std::function<void()> ApplicationAsyncHttpDownloader::CleanUpClosure()
+{
     return [this] {
         // The margin counts from the end of run(): a backlog of clean-ups pays it once.
         constexpr qint64 c_MarginMilliseconds = 100;
@@ -101,7 +106,8 @@ std::function<void()> ApplicationAsyncHttpDownloader::CleanUpClosure() {
     };
 }
 
-bool ApplicationAsyncHttpDownloader::StartDownload() {
+bool ApplicationAsyncHttpDownloader::StartDownload()
+{
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::StartDownload";
     QNetworkRequest request(QUrl(Url, QUrl::TolerantMode));
     {
@@ -146,7 +152,8 @@ bool ApplicationAsyncHttpDownloader::StartDownload() {
     return true;
 }
 
-void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead() {
+void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead()
+{
     // The two pauses throttle the thread: blocks grow instead of becoming more.
     msleep(c_BlockPauseMilliseconds);
     QNetworkReply* const reply = Request->Reply;
@@ -159,7 +166,8 @@ void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead() {
     msleep(c_BlockPauseMilliseconds);
 }
 
-void ApplicationAsyncHttpDownloader::Append(QByteArray const& p_Bytes) {
+void ApplicationAsyncHttpDownloader::Append(QByteArray const& p_Bytes)
+{
     Current.ReceivedBytes += p_Bytes.size();
     bool const successful = AnswerIsSuccess();
     if (successful)
@@ -185,7 +193,8 @@ void ApplicationAsyncHttpDownloader::Append(QByteArray const& p_Bytes) {
     Request->BytesOnDisk = file.size();
 }
 
-void ApplicationAsyncHttpDownloader::SampleRate() {
+void ApplicationAsyncHttpDownloader::SampleRate()
+{
     qint64 const gained = Request->BytesOnDisk - Request->RateSampleBytes;
     Request->BytesPerSecond =
         RateClock::BytesPerSecond(gained, RateClock::Elapsed(Request->RateTimer));
@@ -193,7 +202,8 @@ void ApplicationAsyncHttpDownloader::SampleRate() {
     RateClock::Restart(Request->RateTimer);
 }
 
-void ApplicationAsyncHttpDownloader::HTTP_MedaDataChanged() {
+void ApplicationAsyncHttpDownloader::HTTP_MedaDataChanged()
+{
     QNetworkReply* const reply = Request->Reply;
     Request->ContentLength = reply->header(QNetworkRequest::ContentLengthHeader).toULongLong();
     if (Request->Aborted)
@@ -203,7 +213,8 @@ void ApplicationAsyncHttpDownloader::HTTP_MedaDataChanged() {
 }
 
 void ApplicationAsyncHttpDownloader::HTTP_OnProgressUpdate(qint64 p_CurrentBytes,
-                                                           qint64 p_TotalBytes) {
+                                                           qint64 p_TotalBytes)
+{
     // 32 bits on purpose: hosts have drawn this figure for years, wrong above 2 GiB as it is.
     auto divisor = static_cast<qint32>(Request->BaseBytes + p_TotalBytes);
     if (divisor == 0)

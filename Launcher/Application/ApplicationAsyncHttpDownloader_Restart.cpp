@@ -18,7 +18,8 @@ constexpr int c_FullStartOvers = 3;
 
 /// Milliseconds to wait before a restart, given how many in a row (this one included) follow an
 /// attempt without a byte of a successful answer: the first is free, then doubling up to a limit.
-int RestartPause(int p_FruitlessRestarts) {
+int RestartPause(int p_FruitlessRestarts)
+{
     constexpr int c_First = 250;
     constexpr int c_Longest = 5000;
     constexpr int c_MostDoublings = 5;
@@ -27,7 +28,8 @@ int RestartPause(int p_FruitlessRestarts) {
     return std::min(c_First << std::min(p_FruitlessRestarts - 2, c_MostDoublings), c_Longest);
 }
 
-QString ErrorName(QNetworkReply::NetworkError p_Error) {
+QString ErrorName(QNetworkReply::NetworkError p_Error)
+{
     QString name;
     QDebug(&name).nospace() << p_Error;
     return name;
@@ -35,21 +37,25 @@ QString ErrorName(QNetworkReply::NetworkError p_Error) {
 
 } // namespace
 
-int ApplicationAsyncHttpDownloader::StatusCode() const {
+int ApplicationAsyncHttpDownloader::StatusCode() const
+{
     return Request->Reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
 }
 
-bool ApplicationAsyncHttpDownloader::AnswerIsSuccess() const {
+bool ApplicationAsyncHttpDownloader::AnswerIsSuccess() const
+{
     int const status = StatusCode();
     return status >= 200 && status < 300;
 }
 
-bool ApplicationAsyncHttpDownloader::AttemptIsWhole() const {
+bool ApplicationAsyncHttpDownloader::AttemptIsWhole() const
+{
     return AnswerIsSuccess() && !Current.WriteFailed && Request->ContentLength > 0 &&
            Current.ReceivedBytes >= static_cast<qint64>(Request->ContentLength);
 }
 
-void ApplicationAsyncHttpDownloader::HTTP_OnError(QNetworkReply::NetworkError p_Error) {
+void ApplicationAsyncHttpDownloader::HTTP_OnError(QNetworkReply::NetworkError p_Error)
+{
     switch (p_Error) {
     case QNetworkReply::OperationCanceledError: // our own abort()
         return;
@@ -69,13 +75,15 @@ void ApplicationAsyncHttpDownloader::HTTP_OnError(QNetworkReply::NetworkError p_
     }
 }
 
-void ApplicationAsyncHttpDownloader::ArmRestart(std::function<void()> p_Action) {
+void ApplicationAsyncHttpDownloader::ArmRestart(std::function<void()> p_Action)
+{
     Request->Restarting = true;
     Request->RestartAction = std::move(p_Action);
     Request->Reply->abort();
 }
 
-void ApplicationAsyncHttpDownloader::HTTP_DownloadFinished() {
+void ApplicationAsyncHttpDownloader::HTTP_DownloadFinished()
+{
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::HTTP_DownloadFinished << "
                            << Request->Aborted.load() << " << " << Request->Resume << " << "
                            << Request->Restarting;
@@ -95,7 +103,8 @@ void ApplicationAsyncHttpDownloader::HTTP_DownloadFinished() {
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::HTTP_DownloadFinished end";
 }
 
-void ApplicationAsyncHttpDownloader::RestartWhenDue() {
+void ApplicationAsyncHttpDownloader::RestartWhenDue()
+{
     FruitlessRestarts = Current.BroughtBytes ? 0 : FruitlessRestarts + 1;
     int const pause = RestartPause(FruitlessRestarts);
     if (pause == 0)
@@ -104,12 +113,14 @@ void ApplicationAsyncHttpDownloader::RestartWhenDue() {
         RestartTimer->start(pause);
 }
 
-void ApplicationAsyncHttpDownloader::RunRestart() {
+void ApplicationAsyncHttpDownloader::RunRestart()
+{
     auto const action = Request->RestartAction; // a copy: the action may replace it
     action();
 }
 
-void ApplicationAsyncHttpDownloader::ContinueInPlace() {
+void ApplicationAsyncHttpDownloader::ContinueInPlace()
+{
     // Leaves the restart armed: the file is asked for once more behind its end, refused, and
     // fetched again as a whole, which heals whatever the drop has done to it.
     if (StartOvers >= c_FullStartOvers) {
@@ -125,7 +136,8 @@ void ApplicationAsyncHttpDownloader::ContinueInPlace() {
         EndTransfer();
 }
 
-void ApplicationAsyncHttpDownloader::StartOver() {
+void ApplicationAsyncHttpDownloader::StartOver()
+{
     qCWarning(LogDownload)
         << "ApplicationAsyncHttpDownloader::HTTP_OnError QNetworkReply::UnknownContentError "
            "removing file"
@@ -153,7 +165,8 @@ void ApplicationAsyncHttpDownloader::StartOver() {
 
 /// Called when a continued transfer is answered with the whole file: appended it would be wrong,
 /// and continued again it would be answered so for ever.
-void ApplicationAsyncHttpDownloader::RefuseWholeFile() {
+void ApplicationAsyncHttpDownloader::RefuseWholeFile()
+{
     if (StartOvers < c_FullStartOvers)
         return ArmRestart([this] { StartOver(); });
     // No start-over has brought it whole: what lies there cannot be continued from this server.
@@ -162,7 +175,8 @@ void ApplicationAsyncHttpDownloader::RefuseWholeFile() {
     Request->Reply->abort();
 }
 
-void ApplicationAsyncHttpDownloader::HonourAbort() {
+void ApplicationAsyncHttpDownloader::HonourAbort()
+{
     if (!Request->Aborted)
         return;
     if (RestartTimer->isActive()) {
@@ -175,7 +189,8 @@ void ApplicationAsyncHttpDownloader::HonourAbort() {
     }
 }
 
-void ApplicationAsyncHttpDownloader::EndTransfer() {
+void ApplicationAsyncHttpDownloader::EndTransfer()
+{
     Q_EMIT AsyncOnHTTPDownloadProgressComplete(Request);
     if (Request->Aborted)
         Request->AbortAcknowledged = true;

@@ -7,7 +7,8 @@
 
 namespace Varnholt::Launcher {
 
-bool ApplicationLink::Post(std::function<void(Application&)> p_Closure) {
+bool ApplicationLink::Post(std::function<void(Application&)> p_Closure)
+{
     QMutexLocker const lock(&TargetMutex);
     Application* const target = Target;
     if (target == nullptr)
@@ -18,7 +19,8 @@ bool ApplicationLink::Post(std::function<void(Application&)> p_Closure) {
     return true;
 }
 
-void ApplicationLink::Sever() {
+void ApplicationLink::Sever()
+{
     QMutexLocker const lock(&TargetMutex);
     Target = nullptr;
 }

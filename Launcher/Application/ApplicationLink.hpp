@@ -13,7 +13,9 @@ class Application;
 class ApplicationLink {
 public:
     explicit ApplicationLink(Application& p_Application)
-        : Target(&p_Application) {}
+        : Target(&p_Application)
+    {
+    }
 
     /// Runs the closure on the application's thread, after everything posted to it before. Any
     /// thread. \return false when the application is gone: the closure will not run

@@ -11,7 +11,8 @@ namespace Varnholt::Launcher {
 
 namespace {
 
-QString PlatformKey([[maybe_unused]] bool p_PreferSierra) {
+QString PlatformKey([[maybe_unused]] bool p_PreferSierra)
+{
 #ifdef VARNHOLT_CONTENT_PLATFORM_WIN
     return QStringLiteral("base_win");
 #else
@@ -25,7 +26,8 @@ QString PlatformKey([[maybe_unused]] bool p_PreferSierra) {
 #endif
 }
 
-std::map<QString, ApplicationManifestLocale> ReadLocales(QJsonArray const& p_Rows) {
+std::map<QString, ApplicationManifestLocale> ReadLocales(QJsonArray const& p_Rows)
+{
     std::map<QString, ApplicationManifestLocale> locales;
     for (QJsonValue const& row : p_Rows) {
         QJsonObject const object = row.toObject();
@@ -35,7 +37,8 @@ std::map<QString, ApplicationManifestLocale> ReadLocales(QJsonArray const& p_Row
     return locales;
 }
 
-ApplicationManifestFileEntry ReadEntry(QJsonObject const& p_Object) {
+ApplicationManifestFileEntry ReadEntry(QJsonObject const& p_Object)
+{
     ApplicationManifestFileEntry entry;
     entry.Location = p_Object[QLatin1String("location")].toString();
     entry.Path = p_Object[QLatin1String("path")].toString();
@@ -46,8 +49,8 @@ ApplicationManifestFileEntry ReadEntry(QJsonObject const& p_Object) {
 }
 
 std::vector<ApplicationManifestFileEntry>
-ReadEntries(QJsonArray const& p_Rows,
-            std::map<QString, ApplicationManifestLocale> const& p_Locales) {
+ReadEntries(QJsonArray const& p_Rows, std::map<QString, ApplicationManifestLocale> const& p_Locales)
+{
     std::vector<ApplicationManifestFileEntry> entries;
     entries.reserve(static_cast<std::size_t>(p_Rows.size()));
     for (QJsonValue const& row : p_Rows) {
@@ -68,7 +71,8 @@ ReadEntries(QJsonArray const& p_Rows,
 } // namespace
 
 ApplicationManifest ParseApplicationManifest(QByteArray const& p_Data, bool& p_Success,
-                                             bool p_PreferSierra) {
+                                             bool p_PreferSierra)
+{
     p_Success = false;
     ApplicationManifest manifest;
 

@@ -34,7 +34,8 @@ struct ApplicationUISetting {
         qint32 RateLogIndex = 0;  ///< next slot of the ring
 
         /// Adds a sample (bytes per second) to the ring and renews `AverageRate`.
-        void LogDownloadRate(quint64 p_BytesPerSecond) {
+        void LogDownloadRate(quint64 p_BytesPerSecond)
+        {
             auto const slots = static_cast<qint32>(std::size(RateLog));
             if (RateLogIndex >= slots)
                 RateLogIndex = 0;

@@ -11,7 +11,8 @@ namespace {
 /// Takes the record of a reply out of its map; null when the reply is not (or no longer) listed.
 template <typename Request>
 std::unique_ptr<Request> TakeRequest(std::map<QNetworkReply*, Request*>& p_Requests,
-                                     QRecursiveMutex& p_Mutex, QNetworkReply* p_Reply) {
+                                     QRecursiveMutex& p_Mutex, QNetworkReply* p_Reply)
+{
     QMutexLocker const lock(&p_Mutex);
     auto const found = p_Requests.find(p_Reply);
     if (found == p_Requests.end())
@@ -26,7 +27,8 @@ std::unique_ptr<Request> TakeRequest(std::map<QNetworkReply*, Request*>& p_Reque
 HTTP_GetRemotefileContentRequest*
 Application::GetRemoteFileContent(QString p_Url,
                                   std::function<void(QString, QByteArray*)> p_OnContent,
-                                  std::function<void(int)> p_OnError) {
+                                  std::function<void(int)> p_OnError)
+{
     auto* const request = new HTTP_GetRemotefileContentRequest;
     request->Url = p_Url;
     request->OnContent = std::move(p_OnContent);
@@ -50,7 +52,8 @@ Application::GetRemoteFileContent(QString p_Url,
     return request;
 }
 
-void Application::HTTP_GetContent_OnReadyRead() {
+void Application::HTTP_GetContent_OnReadyRead()
+{
     auto* const reply = static_cast<QNetworkReply*>(sender());
     QMutexLocker const lock(&ContentRequestsMutex);
     auto const found = ContentRequests.find(reply);
@@ -58,7 +61,8 @@ void Application::HTTP_GetContent_OnReadyRead() {
         found->second->Data += reply->readAll();
 }
 
-void Application::HTTP_GetContent_DownloadFinished() {
+void Application::HTTP_GetContent_DownloadFinished()
+{
     auto* const reply = static_cast<QNetworkReply*>(sender());
     auto const request = TakeRequest(ContentRequests, ContentRequestsMutex, reply);
     if (!request)
@@ -68,7 +72,8 @@ void Application::HTTP_GetContent_DownloadFinished() {
 }
 
 void Application::GetRemoteFileSize(QString p_Url,
-                                    std::function<void(QString, unsigned long long)> p_OnSize) {
+                                    std::function<void(QString, unsigned long long)> p_OnSize)
+{
     auto* const request = new HTTP_GetRemotefileContentSizeRequest;
     request->Url = p_Url;
     request->OnSize = std::move(p_OnSize);
@@ -80,7 +85,8 @@ void Application::GetRemoteFileSize(QString p_Url,
     ContentSizeRequests.emplace(reply, request);
 }
 
-void Application::HTTP_GetContentSize_MedaDataChanged() {
+void Application::HTTP_GetContentSize_MedaDataChanged()
+{
     auto* const reply = static_cast<QNetworkReply*>(sender());
     auto const request = TakeRequest(ContentSizeRequests, ContentSizeRequestsMutex, reply);
     if (!request)

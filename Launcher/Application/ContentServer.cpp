@@ -2,7 +2,8 @@
 
 namespace Varnholt::Launcher {
 
-QString DefaultContentBaseUrl() {
+QString DefaultContentBaseUrl()
+{
     QString url = qEnvironmentVariable("VARNHOLT_CONTENT_BASE_URL");
     if (url.isEmpty())
         url = QStringLiteral(VARNHOLT_CONTENT_BASE_URL);

@@ -4,7 +4,8 @@
 
 namespace Varnholt::Launcher {
 
-void HTTP_DownloadFileRequest::Abort() {
+void HTTP_DownloadFileRequest::Abort()
+{
     constexpr unsigned long c_PollMilliseconds = 10;
 
     Aborted = true;

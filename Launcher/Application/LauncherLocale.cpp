@@ -5,7 +5,8 @@
 
 namespace Varnholt::Launcher {
 
-std::array<LauncherLocale, 6> const& LauncherLocale::Table() {
+std::array<LauncherLocale, 6> const& LauncherLocale::Table()
+{
     static std::array<LauncherLocale, 6> const s_Table{{
         {0, QStringLiteral("English"), QStringLiteral("English"),
          QStringLiteral("Locales/locale_enUS.qm"), QStringLiteral("enUS")},
@@ -21,7 +22,8 @@ std::array<LauncherLocale, 6> const& LauncherLocale::Table() {
     return s_Table;
 }
 
-std::vector<LauncherLocale> LauncherLocale::Available() {
+std::vector<LauncherLocale> LauncherLocale::Available()
+{
     std::vector<LauncherLocale> available;
     std::copy_if(Table().begin(), Table().end(), std::back_inserter(available),
                  [](LauncherLocale const& p_Locale) { return !p_Locale.IsBlank(); });

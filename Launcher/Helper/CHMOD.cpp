@@ -12,7 +12,8 @@ namespace Varnholt::Launcher::Helper {
 namespace {
 
 /// A path for use between double quotes: there the shell still reads these four characters.
-std::string EscapedForDoubleQuotes(char const* p_Path) {
+std::string EscapedForDoubleQuotes(char const* p_Path)
+{
     std::string escaped;
     for (char const* c = p_Path; *c != '\0'; ++c) {
         if (*c == '"' || *c == '\\' || *c == '$' || *c == '`')
@@ -24,7 +25,8 @@ std::string EscapedForDoubleQuotes(char const* p_Path) {
 
 } // namespace
 
-int DoCHMOD(char const* p_Path, unsigned short p_Mode) {
+int DoCHMOD(char const* p_Path, unsigned short p_Mode)
+{
     int const result = chmod(p_Path, p_Mode);
     int const error = result == 0 ? 0 : errno;
 

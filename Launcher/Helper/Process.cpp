@@ -7,7 +7,8 @@ namespace Varnholt::Launcher::Helper::Process {
 
 namespace {
 
-QString Normalised(QString p_Line) {
+QString Normalised(QString p_Line)
+{
     return p_Line.remove(QLatin1Char('"'))
         .replace(QLatin1Char('\\'), QLatin1Char('/'))
         .toLower()
@@ -15,14 +16,16 @@ QString Normalised(QString p_Line) {
 }
 
 /// The launchers carry the game's folder in their command lines and are not the game.
-bool IsLauncher(QString const& p_Line) {
+bool IsLauncher(QString const& p_Line)
+{
     return p_Line.contains(QLatin1String("QuorvelLauncher.exe"), Qt::CaseInsensitive) ||
            p_Line.contains(QLatin1String("TesmidLauncher.exe"), Qt::CaseInsensitive);
 }
 
 } // namespace
 
-bool IsProcessRunningIn(QString p_Folder, QStringList p_Names, QString* p_MatchedLine) {
+bool IsProcessRunningIn(QString p_Folder, QStringList p_Names, QString* p_MatchedLine)
+{
     // A folder of nothing but blanks is searched for like any other.
     if (p_Folder.isEmpty())
         return false;
@@ -38,7 +41,8 @@ bool IsProcessRunningIn(QString p_Folder, QStringList p_Names, QString* p_Matche
 }
 
 bool IsProcessListed(QString const& p_ProcessList, QString const& p_Folder,
-                     QStringList const& p_Names, QString* p_MatchedLine) {
+                     QStringList const& p_Names, QString* p_MatchedLine)
+{
     constexpr int c_ShortestLine = 4;
     QString list = p_ProcessList;
     QTextStream lines(&list, QIODevice::ReadOnly);
