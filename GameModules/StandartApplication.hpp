@@ -198,10 +198,10 @@ protected:
     void UpdatePendingList(QString const& p_Added);
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
     /// again, in the words of the log
-    QString PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                      HTTP_DownloadFileRequest const& p_Request);
+    char const* PlaceFile(ApplicationManifestFileEntry const& p_Entry,
+                          HTTP_DownloadFileRequest const& p_Request);
     void RemoveOldFile(QString const& p_Path);
-    void RetryOrGiveUp(QString const& p_Reason, ApplicationManifestFileEntry const& p_Entry,
+    void RetryOrGiveUp(char const* p_Reason, ApplicationManifestFileEntry const& p_Entry,
                        quint64 p_ContentLength);
     void ShowFileDone(HTTP_DownloadFileRequest const& p_Request);
     void GoOnWithNextFile(RunId p_Run);

@@ -51,8 +51,7 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
         CurrentDownload = nullptr;
         return;
     }
-    // Copies: the list grows on a retry, and the host, when it is told of an error, may do
-    // anything.
+    // Copies: the list grows on a retry, and a host that is told of an error may do anything.
     ApplicationManifestFileEntry const entry = FilesToDownload[CurrentDownloadIndex];
     bool const aborted = p_Request->Aborted;
 
@@ -64,10 +63,10 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
         DownloadedBytes += static_cast<quint64>(p_Request->CurrentBytes);
     } else {
         DownloadedBytes += p_Request->ContentLength;
-        QString const reason = PlaceFile(entry, *p_Request);
+        char const* const reason = PlaceFile(entry, *p_Request);
         if (!IsCurrentRun(run))
             return;
-        if (!reason.isNull())
+        if (reason != nullptr)
             RetryOrGiveUp(reason, entry, p_Request->ContentLength);
     }
     ShowFileDone(*p_Request);
@@ -86,8 +85,8 @@ void StandartApplication::UpdatePendingList(QString const& p_Added)
                         FilesToDownload[CurrentDownloadIndex].Path, p_Added, ShouldContinue);
 }
 
-QString StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                                       HTTP_DownloadFileRequest const& p_Request)
+char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
+                                           HTTP_DownloadFileRequest const& p_Request)
 {
     QString const path = Folder() + p_Entry.Path;
     QString const part = path + QLatin1String(".part");
@@ -96,17 +95,17 @@ QString StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Ent
 
     FileDigest const digest = FileDigest::Of(part, ShouldContinue);
     if (!digest.Opened)
-        return QStringLiteral("(IO) Download restarted for ");
+        return "(IO) Download restarted for ";
     if (digest.Md5 != p_Entry.Md5) {
         // What cannot become the file by going on from its end would only cost further restarts.
         if (digest.Complete && !p_Request.Continuable)
             QFile::remove(part);
-        return QStringLiteral("(MD5) Download restarted for ");
+        return "(MD5) Download restarted for ";
     }
     if (!QFile::rename(part, path))
-        return QStringLiteral("(RENAME) Download restarted for ");
+        return "(RENAME) Download restarted for ";
     PermissionBits::ApplyToNewFile(path, p_Entry);
-    return {};
+    return nullptr;
 }
 
 void StandartApplication::RemoveOldFile(QString const& p_Path)
@@ -119,7 +118,7 @@ void StandartApplication::RemoveOldFile(QString const& p_Path)
                       false);
 }
 
-void StandartApplication::RetryOrGiveUp(QString const& p_Reason,
+void StandartApplication::RetryOrGiveUp(char const* p_Reason,
                                         ApplicationManifestFileEntry const& p_Entry,
                                         quint64 p_ContentLength)
 {
@@ -130,7 +129,7 @@ void StandartApplication::RetryOrGiveUp(QString const& p_Reason,
         qCWarning(LogDownload) << "(ToManyRetry) Download aborded for " << p_Entry.Location;
         return;
     }
-    qCWarning(LogDownload) << p_Reason.toUtf8().constData() << p_Entry.Location;
+    qCWarning(LogDownload) << p_Reason << p_Entry.Location;
     {
         QMutexLocker const lock(&RunMutex);
         FilesToDownload.push_back(p_Entry);
