@@ -25,7 +25,7 @@ void StandartApplication::Uninit() {}
 
 QString StandartApplication::GetInstallationPath()
 {
-    QString const path = ReadSetting(SettingKey(".InstallFolder"), QString()).toString();
+    QString path = ReadSetting(SettingKey(".InstallFolder"), QString()).toString();
     QMutexLocker const lock(&RunMutex);
     InstallationPath = path;
     return path;

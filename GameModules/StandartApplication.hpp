@@ -164,6 +164,7 @@ protected:
 
     void FetchVersion();
     void FetchManifest(QString const& p_Build);
+    void TakeOver(ApplicationManifest p_Manifest);
     void FetchMirrors();
     void OnMirrorsReceived(QByteArray const& p_Data);
 

@@ -46,11 +46,7 @@ void StandartApplication::FetchManifest(QString const& p_Build)
     GetRemoteFileContent(url, [this](QString const&, QByteArray* p_Data) {
         bool success = false;
         ApplicationManifest manifest = ParseApplicationManifest(*p_Data, success, false);
-        ManifestPaths::DropUnsafeEntries(manifest);
-        {
-            QMutexLocker const lock(&RunMutex);
-            Manifest = std::move(manifest);
-        }
+        TakeOver(std::move(manifest));
         if (success)
             EnqueueSync([this] { FetchMirrors(); });
         else
@@ -58,6 +54,13 @@ void StandartApplication::FetchManifest(QString const& p_Build)
                               QStringLiteral(" remote build infos."),
                           false);
     });
+}
+
+void StandartApplication::TakeOver(ApplicationManifest p_Manifest)
+{
+    ManifestPaths::DropUnsafeEntries(p_Manifest);
+    QMutexLocker const lock(&RunMutex);
+    Manifest = std::move(p_Manifest);
 }
 
 void StandartApplication::FetchMirrors()

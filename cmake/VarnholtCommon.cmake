@@ -4,8 +4,6 @@
 add_library(varnholt_common INTERFACE)
 add_library(Varnholt::Common ALIAS varnholt_common)
 
-target_compile_features(varnholt_common INTERFACE cxx_std_17)
-
 target_compile_options(varnholt_common INTERFACE
     -Wall
     -Wextra

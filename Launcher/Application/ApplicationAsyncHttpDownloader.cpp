@@ -16,7 +16,7 @@ namespace Varnholt::Launcher {
 namespace {
 
 /// Bounds what a fast server can pile up in memory while the two pauses of a block run.
-constexpr qint64 c_ReadBufferBytes = 16 * 1024 * 1024;
+constexpr qint64 c_ReadBufferBytes = qint64{16} * 1024 * 1024;
 constexpr unsigned long c_BlockPauseMilliseconds = 5;
 constexpr int c_RateSampleMilliseconds = 1000;
 constexpr int c_AbortWatchMilliseconds = 20;
