@@ -55,6 +55,18 @@ void StandartApplication::MarkManifestBuilt()
         WriteSetting(SettingKey(".ManifestBuilt"), true);
 }
 
+quint32 StandartApplication::PercentOf(quint64 p_Current, quint64 p_Total)
+{
+    return static_cast<quint32>(p_Current * 100 / (p_Total == 0 ? 1 : p_Total));
+}
+
+void StandartApplication::ReportFileError(QFileDevice const& p_File)
+{
+    ErrorReporter(QStringLiteral("File ") + p_File.fileName() + QStringLiteral(" error : ") +
+                      p_File.errorString(),
+                  false);
+}
+
 void StandartApplication::ClearStatusFlags()
 {
     UISetting.Download.StatusFlags = 0;
@@ -90,8 +102,16 @@ StandartApplication::RunId StandartApplication::BeginRun()
         CurrentDownload->Abort();
         SetTransferAside();
     }
+    return ReplaceList();
+}
+
+StandartApplication::RunId StandartApplication::ReplaceList()
+{
     QMutexLocker const lock(&RunMutex);
     FilesToDownload.clear();
+    FilesBegun = false;
+    StartAfterAbort = false;
+    ++ResumeTicket;
     return ++CurrentRun;
 }
 

@@ -3,6 +3,7 @@
 #include "Launcher/Application/Application.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
+#include <QFileDevice>
 #include <QMutex>
 #include <QString>
 #include <QStringList>
@@ -35,10 +36,12 @@ class ManifestComparison;
 ///             AfterProcessStreamedContentDownload            application thread
 /// \endverbatim
 ///
-/// There is one run at a time. Each step carries the id of its run; `OnManifestReceived()` begins a
-/// new one, and what is left of the older run then ends quietly wherever it is: closures return,
-/// its transfer is stopped, its completion is dropped. `RunMutex` guards what a worker and the
-/// application thread share; it is never held while a host callback or the network is called.
+/// A run brings one list of files down, base or streamed; there is one run at a time. Each step
+/// carries the id of its run. `OnManifestReceived()` begins a new one, as does the change to the
+/// streamed files, and what is left of the older run then ends quietly wherever it is: closures
+/// return, its transfer is stopped, its completion is dropped. `RunMutex` guards what a worker and
+/// the application thread share; it is never held while the network or, but for the pending lists'
+/// `ShouldContinue`, the host is called.
 class StandartApplication : public Application {
     Q_OBJECT
 
@@ -95,10 +98,14 @@ public:
     void Install(QString const& p_Path, bool p_Flag) override;
     void Repair() override;
     void AbortRepair() override;
+    void SuspendDownload() override;
+    void ResumeDownload() override; ///< also called on the worker, by its own poll
+    void Uninstall(bool p_Flag) override;
 
     // _Launch ______________________________________________________________________________
 
     bool IsGameRunning() override;
+    bool Start(QString p_Login, QString p_Password) override;
     /// Gives the manifest's files the permissions that their flags ask for. Application thread.
     void FixPermissions();
 
@@ -132,8 +139,8 @@ public:
     QStringList CdnHosts;
     QString InstallationPath; ///< cache of the host's setting
 
-    /// Guards `Manifest`, `FilesToDownload` and `InstallationPath` between the worker, which reads
-    /// and builds them, and the application thread, which replaces them.
+    /// Guards what stands above and is more than a number, between the worker, which reads and
+    /// builds it, and the application thread, which replaces it.
     mutable QRecursiveMutex RunMutex;
 
 protected:
@@ -151,14 +158,18 @@ protected:
         bool IsCurrent;
     };
 
-    /// Makes every older run end quietly and returns the id of the new one.
+    /// Stops what is left of the older run and returns the id of the new one. Application thread.
     RunId BeginRun();
+    /// The part of that which concerns the list only. Any thread.
+    RunId ReplaceList();
     bool IsCurrentRun(RunId p_Run) const { return CurrentRun == p_Run; }
     /// The installation folder ending in "/", or empty: then no file may be touched. Any thread.
     QString Folder() const;
     /// A host setting of this application.
     QString SettingKey(char const* p_Suffix) const;
     void MarkManifestBuilt();
+    static quint32 PercentOf(quint64 p_Current, quint64 p_Total);
+    void ReportFileError(QFileDevice const& p_File);
     void ClearStatusFlags();
     void ShowIdle();
 
@@ -191,6 +202,8 @@ protected:
     void FetchStreamedFiles(RunId p_Run);
     void BeginFiles(RunId p_Run, QString const& p_DetailText);
     void EndRun(RunId p_Run);
+    bool IsFilePending() const;
+    void PollResume(quint64 p_Ticket);
     void ChooseServer(ApplicationManifestFileEntry const& p_Entry);
     QString RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const;
     /// Starts the file at `CurrentDownloadIndex` unless a transfer is in flight.
@@ -207,10 +220,16 @@ protected:
     void ShowFileDone(HTTP_DownloadFileRequest const& p_Request);
     void GoOnWithNextFile(RunId p_Run);
     void RemoveLists(std::vector<QString> const& p_Names);
+    void DeleteGameFile(QString const& p_Path);
     /// Takes the transfer in flight out of the run: its signals will be ignored.
     void SetTransferAside();
 
     std::atomic<RunId> CurrentRun{0};
+    bool FilesBegun = false;      ///< a file of this run has been started, maybe by a resume
+    bool StartAfterAbort = false; ///< resumed before the aborted transfer's completion came
+    /// Grows with every suspension and every run: a resume that was asked for before is void.
+    std::atomic<quint64> ResumeTicket{1};
+    quint64 PolledTicket = 0; ///< of the resume that waits for host and game
     std::set<HTTP_DownloadFileRequest*> TransfersAside; ///< of replaced runs, still running
 };
 

@@ -11,15 +11,6 @@
 
 namespace Varnholt::Launcher {
 
-namespace {
-
-quint32 PercentOf(quint64 p_Current, quint64 p_Total)
-{
-    return static_cast<quint32>(p_Current * 100 / (p_Total == 0 ? 1 : p_Total));
-}
-
-} // namespace
-
 void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request)
 {
     constexpr int c_SampleMilliseconds = 500;
@@ -73,6 +64,9 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
     CurrentDownload = nullptr;
     if (!aborted)
         GoOnWithNextFile(run);
+    else if (StartAfterAbort)
+        EnqueueSync([this, run] { StartCurrentFile(run); });
+    StartAfterAbort = false;
 }
 
 void StandartApplication::UpdatePendingList(QString const& p_Added)
@@ -113,9 +107,7 @@ void StandartApplication::RemoveOldFile(QString const& p_Path)
     QFile file(p_Path);
     file.setPermissions(file.permissions() | PermissionBits::c_Write);
     if (!file.remove())
-        ErrorReporter(QStringLiteral("File ") + p_Path + QStringLiteral(" error : ") +
-                          file.errorString(),
-                      false);
+        ReportFileError(file);
 }
 
 void StandartApplication::RetryOrGiveUp(char const* p_Reason,

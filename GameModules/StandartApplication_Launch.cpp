@@ -6,6 +6,9 @@
 
 #include <QFile>
 #include <QMutexLocker>
+#include <QProcess>
+
+#include <algorithm>
 
 namespace Varnholt::Launcher {
 
@@ -36,6 +39,24 @@ void StandartApplication::FixPermissions()
         if (entry.Flags != 0 && QFile::exists(folder + entry.Path))
             PermissionBits::FixExistingFile(folder + entry.Path, entry);
     }
+}
+
+bool StandartApplication::Start(QString, QString)
+{
+    SuspendDownload();
+    FixPermissions();
+    QString const folder = Folder();
+    auto const executable = std::find_if(Manifest.Files.begin(), Manifest.Files.end(),
+                                         [](ApplicationManifestFileEntry const& p_Entry) {
+                                             return p_Entry.Has(c_GameExecutableFlag);
+                                         });
+    if (executable == Manifest.Files.end() || folder.isEmpty())
+        return false;
+    QString const path = folder + executable->Path;
+    qCWarning(LogLaunch) << "Start " << path;
+    // Handed to the system is started: whether it runs shows in IsGameRunning().
+    QProcess::startDetached(path, {QStringLiteral("-noautolaunch64bit")});
+    return true;
 }
 
 } // namespace Varnholt::Launcher

@@ -1,8 +1,12 @@
 #include "GameModules/StandartApplication.hpp"
 
 #include "GameModules/PendingList.hpp"
+#include "GameModules/PermissionBits.hpp"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QMutexLocker>
 
 namespace Varnholt::Launcher {
 
@@ -36,6 +40,45 @@ void StandartApplication::AbortRepair()
     IsFirstManifestBuild = false;
     MarkManifestBuilt();
     OnManifestReceived();
+}
+
+void StandartApplication::Uninstall(bool p_Flag)
+{
+    GetInstallationPath();
+    QString const folder = Folder();
+    if (p_Flag && !folder.isEmpty())
+        for (auto const* entries : {&Manifest.Files, &Manifest.StreamedFiles})
+            for (ApplicationManifestFileEntry const& entry : *entries)
+                DeleteGameFile(folder + entry.Path);
+
+    QString const prefix = SettingKey(".");
+    for (QString const& key : ListSettingKeys())
+        if (key.contains(prefix, Qt::CaseInsensitive))
+            RemoveSetting(key);
+    {
+        QMutexLocker const lock(&RunMutex);
+        FilesToDownload.clear();
+    }
+    SetTransferAside(); // it is not stopped, but what it still signals is nobody's
+    OnManifestReceived();
+}
+
+void StandartApplication::DeleteGameFile(QString const& p_Path)
+{
+    if (!QFile::exists(p_Path))
+        return;
+    QFile file(p_Path);
+    // Masked, not added to: a read-only file keeps no permission at all.
+    file.setPermissions(file.permissions() & PermissionBits::c_Write);
+    if (!file.remove())
+        ReportFileError(file);
+    // Takes away an empty folder that stands in the file's place; emptied parents stay.
+    QDir folder(QFileInfo(p_Path).absoluteFilePath());
+    if (folder
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                       QDir::Unsorted)
+            .isEmpty())
+        folder.removeRecursively();
 }
 
 void StandartApplication::RemoveLists(std::vector<QString> const& p_Names)

@@ -91,7 +91,8 @@ void StandartApplication::RequestSizes(RunId p_Run, std::function<void()> const&
         progress.DetailText = QStringLiteral("Requesting files size...");
         UISettingChanged = true;
         SizeRepliesReceived = 0;
-        CurrentDownloadIndex = 0;
+        if (!FilesBegun)
+            CurrentDownloadIndex = 0;
         files = FilesToDownload;
     }
     for (std::size_t i = 0; i < files.size() && ShouldContinue(); ++i)
@@ -180,15 +181,12 @@ void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText)
     UISetting.Download.Mode = 3;
     UISetting.Download.DetailText = p_DetailText;
     UISettingChanged = true;
+    if (FilesBegun) // by a resume, which the sizes have not kept waiting
+        return;
     CurrentDownloadIndex = 0;
     DownloadedBytes = 0;
-    // The server is chosen there too: only the application thread writes its address.
-    EnqueueSync([this, p_Run] {
-        if (!IsCurrentRun(p_Run) || FilesToDownload.empty())
-            return;
-        ChooseServer(FilesToDownload.front());
-        StartCurrentFile(p_Run);
-    });
+    ChooseServer(FilesToDownload.front());
+    EnqueueSync([this, p_Run] { StartCurrentFile(p_Run); });
 }
 
 void StandartApplication::EndRun(RunId p_Run)
@@ -202,6 +200,7 @@ void StandartApplication::EndRun(RunId p_Run)
 
 void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry)
 {
+    QMutexLocker const lock(&RunMutex);
     ContentBaseUrl = MirrorChoice::BaseUrlFor(p_Entry, CdnHosts);
 }
 
@@ -213,12 +212,17 @@ QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p
 void StandartApplication::StartCurrentFile(RunId p_Run)
 {
     QString const folder = Folder();
-    if (!IsCurrentRun(p_Run) || folder.isEmpty() || CurrentDownload != nullptr ||
-        CurrentDownloadIndex >= FilesToDownload.size())
+    if (!IsCurrentRun(p_Run) || folder.isEmpty() || !IsFilePending())
         return;
+    if (CurrentDownload != nullptr) {
+        // One transfer at a time; one that was stopped is followed when its completion comes.
+        StartAfterAbort = CurrentDownload->Aborted;
+        return;
+    }
     // A transfer of a replaced run may still write the very file that is about to be fetched.
     for (HTTP_DownloadFileRequest* const aside : TransfersAside)
         aside->Abort();
+    FilesBegun = true;
     ApplicationManifestFileEntry const& entry = FilesToDownload[CurrentDownloadIndex];
     CurrentDownload =
         DownloadFile(RemoteAddress(entry), folder + entry.Path + QLatin1String(".part"), true);

@@ -73,8 +73,11 @@ void StandartApplication::FetchMirrors()
 void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data)
 {
     // One line without an end: whatever stands between two blanks is a host name.
-    CdnHosts = RemoteText(p_Data).split(QLatin1Char(' '));
-    ContentBaseUrl = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));
+    {
+        QMutexLocker const lock(&RunMutex);
+        CdnHosts = RemoteText(p_Data).split(QLatin1Char(' '));
+        ContentBaseUrl = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));
+    }
     qCWarning(LogStartup) << "Selected CDN " << Name << " " << ContentBaseUrl;
 
     IsFirstManifestBuild = false;

@@ -17,6 +17,10 @@ public:
     void Init() override;
     void Uninit() override;
     QString GetRessource(ApplicationRessource::Type p_Type) override;
+    /// Prepares automatic login when both texts are given and the game does not run yet, then
+    /// starts the game. The credentials are written into the game's login screen file and nowhere
+    /// else; that file stays until the next start.
+    bool Start(QString p_Login, QString p_Password) override;
     /// Stores the code and writes it into the game's configuration file.
     void SetAppLocale(QString p_Code) override;
     /// Writes language and realm list into the configuration file of an installed game.

@@ -52,7 +52,8 @@ void Pelmora::AfterOnManifestReceived()
 
 void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line)
 {
-    QString const folder = GetInstallationPath();
+    GetInstallationPath();
+    QString const folder = Folder();
     if (folder.isEmpty()) // the file would be one of the current folder
         return;
     PatchWoWTextFile(folder + QLatin1String("WTF/Config.wtf"), p_Key, p_Line, true);

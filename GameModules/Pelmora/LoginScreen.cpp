@@ -1,0 +1,54 @@
+#include "GameModules/Pelmora/LoginScreen.hpp"
+
+#include <QFile>
+
+namespace Varnholt::Launcher {
+
+namespace {
+
+void RemoveIfPresent(QString const& p_Path)
+{
+    if (QFile::exists(p_Path))
+        QFile::remove(p_Path);
+}
+
+} // namespace
+
+LoginScreen::LoginScreen(QString const& p_Folder)
+    // "GlueXMl" is how the game spells its folder.
+    : Layout(p_Folder + QLatin1String("Interface/GlueXMl/AccountLogin.xml"))
+    , LayoutTemplate(Layout + QLatin1String(".origin"))
+    , Script(p_Folder + QLatin1String("Interface/GlueXMl/AccountLogin.lua"))
+    , ScriptTemplate(Script + QLatin1String(".origin"))
+{
+}
+
+void LoginScreen::Remove() const
+{
+    RemoveIfPresent(Layout);
+    RemoveIfPresent(Script);
+}
+
+void LoginScreen::Build(QString const& p_Login, QString const& p_Password) const
+{
+    if (!QFile::exists(LayoutTemplate) || !QFile::exists(ScriptTemplate) || p_Login.isEmpty() ||
+        p_Password.isEmpty())
+        return;
+    QFile::copy(LayoutTemplate, Layout);
+    QFile::copy(ScriptTemplate, Script);
+
+    QFile layout(Layout);
+    if (!layout.open(QIODevice::ReadOnly))
+        return;
+    QString text = QString::fromUtf8(layout.readAll());
+    layout.close();
+    text.replace(QLatin1String("{varnholt_autolog_login}"), p_Login);
+    text.replace(QLatin1String("{varnholt_autolog_password}"), p_Password);
+
+    // Before the credentials are in it: nobody else on this machine may read them.
+    layout.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    if (layout.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        layout.write(text.toUtf8());
+}
+
+} // namespace Varnholt::Launcher

@@ -1,0 +1,80 @@
+#include "GameModules/StandartApplication.hpp"
+
+#include "Launcher/Application/LogCategories.hpp"
+
+#include <QMutexLocker>
+#include <QThread>
+
+namespace Varnholt::Launcher {
+
+bool StandartApplication::IsFilePending() const
+{
+    QMutexLocker const lock(&RunMutex);
+    return CurrentDownloadIndex < FilesToDownload.size();
+}
+
+void StandartApplication::SuspendDownload()
+{
+    if (!IsFilePending())
+        return ShowIdle();
+    // Between two files nothing can be stopped: hosts call again until a transfer is in flight.
+    if (CurrentDownload == nullptr)
+        return;
+    StartAfterAbort = false;
+    ++ResumeTicket;
+    CurrentDownload->Abort();
+    NotifyDownloadFinished();
+    UISetting.Download.Mode = 4;
+    UISettingChanged = true;
+}
+
+void StandartApplication::ResumeDownload()
+{
+    RunId const run = CurrentRun;
+    quint64 const ticket = ResumeTicket;
+    if (!IsFilePending())
+        return ShowIdle();
+    auto& progress = UISetting.Download;
+    progress.Percent = 100;
+    bool const running = IsGameRunning();
+    progress.Mode = running ? 1 : 0;
+    UISettingChanged = true;
+    if (IsDownloadBlocked() || running)
+        return PollResume(ticket);
+
+    NotifyDownloadStarting();
+    RunScope const scope(*this, run);
+    if (!scope || !IsFilePending())
+        return;
+    progress.Mode = 3;
+    progress.Percent = PercentOf(progress.Current, progress.Total);
+    UISettingChanged = true;
+    ChooseServer(FilesToDownload[CurrentDownloadIndex]);
+    qCWarning(LogDownload) << "Selected CDN " << Name << " " << ContentBaseUrl;
+    EnqueueSync([this, run, ticket] {
+        if (ResumeTicket == ticket)
+            StartCurrentFile(run);
+    });
+}
+
+void StandartApplication::PollResume(quint64 p_Ticket)
+{
+    constexpr unsigned long c_PollMilliseconds = 100;
+
+    QMutexLocker const lock(&RunMutex);
+    if (PolledTicket == p_Ticket) // one poll is enough, however often a resume is asked for
+        return;
+    PolledTicket = p_Ticket;
+    EnqueueAsync([this, p_Ticket] {
+        QThread::msleep(c_PollMilliseconds);
+        {
+            QMutexLocker const poll(&RunMutex);
+            if (ResumeTicket != p_Ticket)
+                return;
+            PolledTicket = 0;
+        }
+        ResumeDownload();
+    });
+}
+
+} // namespace Varnholt::Launcher
