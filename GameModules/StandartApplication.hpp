@@ -187,8 +187,9 @@ protected:
                               Entries const& p_Entries);
     /// Makes a comparison's result the download list and writes the pending list when p_Recorded
     /// is not null; false when the run was replaced.
-    bool PublishList(RunId p_Run, Entries p_Files, QString const& p_ListPath,
-                     QStringList const* p_Recorded);
+    bool PublishList(RunId p_Run, Entries p_Files, bool p_Base, QStringList const* p_Recorded);
+    /// The pending list of the files being fetched, base or streamed.
+    QString CurrentListPath() const;
 
     // The steps of the phases, for one run.
     void CheckStartDownload(RunId p_Run, RunStep p_Start);

@@ -123,7 +123,7 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entri
     }
 
     bool const nothing = found.empty();
-    if (!PublishList(p_Run, std::move(found), list, p_FirstBuild ? &recorded : nullptr))
+    if (!PublishList(p_Run, std::move(found), true, p_FirstBuild ? &recorded : nullptr))
         return;
     if (nothing)
         CompareStreamed(p_Run, true);
@@ -149,7 +149,7 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
     }
 
     bool const nothing = found.empty();
-    if (!PublishList(p_Run, std::move(found), list, p_FirstBuild ? &recorded : nullptr))
+    if (!PublishList(p_Run, std::move(found), false, p_FirstBuild ? &recorded : nullptr))
         return;
     if (nothing)
         EnqueueSync([this, p_Run] { EndRun(p_Run); });
@@ -157,16 +157,22 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
         RequestSizes(p_Run, [this, p_Run, p_Wait] { BeginStreamedFiles(p_Run, p_Wait); });
 }
 
-bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, QString const& p_ListPath,
+bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, bool p_Base,
                                       QStringList const* p_Recorded)
 {
     RunScope const scope(*this, p_Run);
     if (!scope)
         return false;
+    IsDownloadingBase = p_Base;
     if (p_Recorded != nullptr)
-        PendingList::Write(p_ListPath, *p_Recorded);
+        PendingList::Write(CurrentListPath(), *p_Recorded);
     FilesToDownload = std::move(p_Files);
     return true;
+}
+
+QString StandartApplication::CurrentListPath() const
+{
+    return Folder() + (IsDownloadingBase ? PendingList::c_Base : PendingList::c_Streamed);
 }
 
 } // namespace Varnholt::Launcher

@@ -71,12 +71,10 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
 
 void StandartApplication::UpdatePendingList(QString const& p_Added)
 {
-    QString const folder = Folder();
-    if (folder.isEmpty())
+    if (Folder().isEmpty())
         return;
-    PendingList::Update(folder +
-                            (IsDownloadingBase ? PendingList::c_Base : PendingList::c_Streamed),
-                        FilesToDownload[CurrentDownloadIndex].Path, p_Added, ShouldContinue);
+    PendingList::Update(CurrentListPath(), FilesToDownload[CurrentDownloadIndex].Path, p_Added,
+                        ShouldContinue);
 }
 
 char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
