@@ -40,8 +40,7 @@ class ManifestComparison;
 /// carries the id of its run. `OnManifestReceived()` begins a new one, as does the change to the
 /// streamed files, and what is left of the older run then ends quietly wherever it is: closures
 /// return, its transfer is stopped, its completion is dropped. `RunMutex` guards what a worker and
-/// the application thread share; it is never held while the network or, but for the pending lists'
-/// `ShouldContinue`, the host is called.
+/// the application thread share; it is never held while the network or the host is called.
 class StandartApplication : public Application {
     Q_OBJECT
 
