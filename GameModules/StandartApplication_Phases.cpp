@@ -144,10 +144,11 @@ void StandartApplication::CompareStreamed(RunId p_Run, bool p_Wait)
     UISetting.Download.Current = 0;
     UISetting.Download.Mode = 5;
     UISettingChanged = true;
-    FilesToDownload.clear();
+    // What is left of the base files' run, a size answer above all, must not count here.
+    RunId const run = ReplaceList();
     EnqueueAsync(
-        [this, p_Run, firstBuild = IsFirstManifestBuild, p_Wait, entries = Manifest.StreamedFiles] {
-            CompareStreamedFiles(p_Run, firstBuild, p_Wait, entries);
+        [this, run, firstBuild = IsFirstManifestBuild, p_Wait, entries = Manifest.StreamedFiles] {
+            CompareStreamedFiles(run, firstBuild, p_Wait, entries);
         });
 }
 
