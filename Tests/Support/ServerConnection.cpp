@@ -1,0 +1,192 @@
+#include "Tests/Support/ServerConnection.hpp"
+
+#include <QTimer>
+#include <QUrl>
+
+#include <algorithm>
+#include <sys/socket.h>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+/// Between the headers, a body that is going to be cut, and the cut.
+constexpr int c_CutMilliseconds = 50;
+/// How much may wait in the socket: what a client does not take is not counted as sent.
+constexpr qint64 c_SocketBytes = 256 * 1024;
+
+} // namespace
+
+ServerConnection::ServerConnection(QTcpSocket& p_Socket, ServerScript& p_Script,
+                                   QElapsedTimer const& p_Clock, int p_Number, QObject* p_Parent)
+    : QObject(p_Parent)
+    , Socket(p_Socket)
+    , Script(p_Script)
+    , Clock(p_Clock)
+    , Number(p_Number)
+{
+    Socket.setParent(this);
+    connect(&Socket, &QTcpSocket::readyRead, this, [this] { ReadRequest(); });
+    connect(&Socket, &QTcpSocket::disconnected, this, [this] {
+        Now = Step::Ended;
+        deleteLater();
+    });
+    connect(&Socket, &QTcpSocket::bytesWritten, this, [this] {
+        if (Now == Step::Body && Plan.PieceBytes == 0)
+            SendBody();
+    });
+}
+
+void ServerConnection::ReadRequest()
+{
+    Input += Socket.readAll();
+    int const end = Input.indexOf("\r\n\r\n");
+    if (Now != Step::Reading || end < 0)
+        return;
+    QByteArray const head = Input.left(end);
+    Input.remove(0, end + 4);
+    if (!ParseRequest(head)) {
+        Socket.disconnectFromHost();
+        return;
+    }
+    Script.Record(Request);
+    Plan = Script.NextAnswer(Request.Path);
+    Bytes = Response::Of(Request, Plan, Script.File(Request.Path));
+    Position = 0;
+    IsAtGate = HasPassedGate = false;
+    Now = Step::BeforeHeaders;
+    Play();
+}
+
+bool ServerConnection::ParseRequest(QByteArray const& p_Head)
+{
+    QList<QByteArray> lines = p_Head.split('\n');
+    QList<QByteArray> const words = lines.takeFirst().trimmed().split(' ');
+    if (words.size() != 3)
+        return false;
+    Request = {};
+    Request.Milliseconds = Clock.elapsed();
+    Request.Connection = Number;
+    Request.Method = words[0];
+    Request.Target = words[1];
+    Request.Path = QUrl::fromPercentEncoding(Request.Target.split('?').first());
+    for (QByteArray const& line : lines) {
+        int const colon = line.indexOf(':');
+        Request.Headers.emplace_back(line.left(colon), line.mid(colon + 1).trimmed());
+    }
+    return true;
+}
+
+void ServerConnection::Retry()
+{
+    if (IsAtGate)
+        Play();
+}
+
+void ServerConnection::Play()
+{
+    if (Now == Step::Body)
+        return SendBody();
+    if (Plan.IsHeldBeforeHeaders && !MayPassGate())
+        return;
+    if (Plan.IsClosedBeforeHeaders)
+        return Socket.disconnectFromHost();
+    SendHead();
+}
+
+void ServerConnection::SendHead()
+{
+    Socket.write(Bytes.Head);
+    Now = Step::BeforeBody;
+    auto const body = [this] {
+        if (Now == Step::Ended)
+            return;
+        Now = Step::Body;
+        SendBody();
+    };
+    if (WillBeCut())
+        QTimer::singleShot(c_CutMilliseconds, this, body);
+    else
+        body();
+}
+
+void ServerConnection::SendBody()
+{
+    qint64 const end = BodyEnd();
+    while (Position < end && Socket.bytesToWrite() < c_SocketBytes) {
+        qint64 const most = Plan.PieceBytes > 0 ? Plan.PieceBytes : c_SocketBytes;
+        qint64 const sent =
+            Socket.write(Bytes.Body.constData() + Position, std::min(most, end - Position));
+        if (sent <= 0)
+            return;
+        Position += sent;
+        Script.CountBodyBytes(Request.Path, sent);
+        if (Plan.PieceBytes > 0)
+            break;
+    }
+    if (Position < end) {
+        if (Plan.PieceBytes > 0)
+            QTimer::singleShot(Plan.PauseMilliseconds, this, [this] {
+                if (Now == Step::Body)
+                    SendBody();
+            });
+        return;
+    }
+    if (!Plan.HeldAfter || HasPassedGate)
+        EndAnswer();
+    else if (MayPassGate())
+        SendBody();
+}
+
+bool ServerConnection::MayPassGate()
+{
+    if (!HasPassedGate)
+        HasPassedGate = Script.PassGate(Request.Path);
+    IsAtGate = !HasPassedGate;
+    return HasPassedGate;
+}
+
+void ServerConnection::EndAnswer()
+{
+    Now = Step::Ending;
+    if (WillBeCut()) {
+        QTimer::singleShot(c_CutMilliseconds, this, [this] { EndConnection(); });
+    } else if (Plan.AtEnd == Answer::End::Close) {
+        EndConnection();
+    } else {
+        Now = Step::Reading;
+        ReadRequest();
+    }
+}
+
+void ServerConnection::EndConnection()
+{
+    if (Plan.AtEnd != Answer::End::Reset)
+        return Socket.disconnectFromHost();
+    while (Socket.bytesToWrite() > 0 && Socket.waitForBytesWritten())
+        continue;
+    linger const atOnce{1, 0};
+    setsockopt(static_cast<int>(Socket.socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
+               sizeof(atOnce));
+    Socket.abort();
+}
+
+bool ServerConnection::WillBeCut() const
+{
+    if (Plan.AtEnd == Answer::End::KeepAlive)
+        return false;
+    return Plan.AtEnd == Answer::End::Reset || Plan.SentBytes != Answer::c_Everything ||
+           Plan.ClaimedLength.has_value();
+}
+
+qint64 ServerConnection::BodyEnd() const
+{
+    qint64 end = Bytes.Body.size();
+    if (Plan.SentBytes != Answer::c_Everything)
+        end = std::min(end, Plan.SentBytes);
+    if (Plan.HeldAfter && !HasPassedGate)
+        end = std::min(end, *Plan.HeldAfter);
+    return end;
+}
+
+} // namespace Varnholt::TestSupport

@@ -1,0 +1,109 @@
+#include "Tests/Support/ServerScript.hpp"
+
+#include <QMutexLocker>
+
+namespace Varnholt::TestSupport {
+
+void ServerScript::Serve(QString const& p_Path, QByteArray const& p_Bytes)
+{
+    QMutexLocker const lock(&Mutex);
+    Files[p_Path] = p_Bytes;
+}
+
+void ServerScript::Remove(QString const& p_Path)
+{
+    QMutexLocker const lock(&Mutex);
+    Files.remove(p_Path);
+}
+
+void ServerScript::Append(QString const& p_Path, Answer const& p_Answer)
+{
+    QMutexLocker const lock(&Mutex);
+    Rules[p_Path].Answers.push_back(p_Answer);
+}
+
+void ServerScript::SetForever(QString const& p_Path, Answer const& p_Answer)
+{
+    QMutexLocker const lock(&Mutex);
+    Rules[p_Path].Forever = p_Answer;
+}
+
+void ServerScript::ClearRule(QString const& p_Path)
+{
+    QMutexLocker const lock(&Mutex);
+    Rules.remove(p_Path);
+}
+
+std::optional<QByteArray> ServerScript::File(QString const& p_Path) const
+{
+    QMutexLocker const lock(&Mutex);
+    auto const found = Files.constFind(p_Path);
+    if (found == Files.constEnd())
+        return {};
+    return *found;
+}
+
+std::optional<Answer> ServerScript::TakeFrom(QString const& p_Path)
+{
+    auto const rule = Rules.find(p_Path);
+    if (rule == Rules.end())
+        return {};
+    if (rule->Answers.empty())
+        return rule->Forever;
+    Answer const answer = rule->Answers.front();
+    rule->Answers.pop_front();
+    return answer;
+}
+
+Answer ServerScript::NextAnswer(QString const& p_Path)
+{
+    QMutexLocker const lock(&Mutex);
+    if (auto answer = TakeFrom(p_Path))
+        return *answer;
+    if (auto answer = TakeFrom(QStringLiteral("*")))
+        return *answer;
+    return Answer::Normal();
+}
+
+void ServerScript::OpenGate(QString const& p_Path, int p_Times)
+{
+    QMutexLocker const lock(&Mutex);
+    Gates[p_Path] += p_Times;
+}
+
+bool ServerScript::PassGate(QString const& p_Path)
+{
+    QMutexLocker const lock(&Mutex);
+    int& openings = Gates[p_Path];
+    if (openings == 0)
+        return false;
+    --openings;
+    return true;
+}
+
+void ServerScript::Record(RecordedRequest p_Request)
+{
+    QMutexLocker const lock(&Mutex);
+    p_Request.Number = static_cast<int>(Seen.size());
+    Seen.push_back(std::move(p_Request));
+}
+
+std::vector<RecordedRequest> ServerScript::Requests() const
+{
+    QMutexLocker const lock(&Mutex);
+    return Seen;
+}
+
+void ServerScript::CountBodyBytes(QString const& p_Path, qint64 p_Bytes)
+{
+    QMutexLocker const lock(&Mutex);
+    SentBytes[p_Path] += p_Bytes;
+}
+
+qint64 ServerScript::BodyBytes(QString const& p_Path) const
+{
+    QMutexLocker const lock(&Mutex);
+    return SentBytes.value(p_Path);
+}
+
+} // namespace Varnholt::TestSupport
