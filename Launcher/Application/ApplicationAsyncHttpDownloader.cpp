@@ -154,6 +154,8 @@ bool ApplicationAsyncHttpDownloader::StartDownload()
 
 void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead()
 {
+    if (!IsFromCurrentReply())
+        return;
     // The two pauses throttle the thread: blocks grow instead of becoming more.
     msleep(c_BlockPauseMilliseconds);
     QNetworkReply* const reply = Request->Reply;
@@ -204,6 +206,8 @@ void ApplicationAsyncHttpDownloader::SampleRate()
 
 void ApplicationAsyncHttpDownloader::HTTP_MedaDataChanged()
 {
+    if (!IsFromCurrentReply())
+        return;
     QNetworkReply* const reply = Request->Reply;
     Request->ContentLength = reply->header(QNetworkRequest::ContentLengthHeader).toULongLong();
     if (Request->Aborted)
@@ -215,6 +219,8 @@ void ApplicationAsyncHttpDownloader::HTTP_MedaDataChanged()
 void ApplicationAsyncHttpDownloader::HTTP_OnProgressUpdate(qint64 p_CurrentBytes,
                                                            qint64 p_TotalBytes)
 {
+    if (!IsFromCurrentReply())
+        return;
     // 32 bits on purpose: hosts have drawn this figure for years, wrong above 2 GiB as it is.
     auto divisor = static_cast<qint32>(Request->BaseBytes + p_TotalBytes);
     if (divisor == 0)

@@ -109,6 +109,7 @@ private:
     void RunRestart();
     void HonourAbort();
     void EndTransfer();
+    bool IsFromCurrentReply() const;
     int StatusCode() const;
     bool AnswerIsSuccess() const;
     bool AttemptIsWhole() const; ///< everything that the answer promised has been written

@@ -37,6 +37,12 @@ QString ErrorName(QNetworkReply::NetworkError p_Error)
 
 } // namespace
 
+/// A reply that was aborted inside one of its signals goes on to emit what follows that signal.
+bool ApplicationAsyncHttpDownloader::IsFromCurrentReply() const
+{
+    return Request->Reply != nullptr && sender() == Request->Reply;
+}
+
 int ApplicationAsyncHttpDownloader::StatusCode() const
 {
     return Request->Reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -56,6 +62,8 @@ bool ApplicationAsyncHttpDownloader::AttemptIsWhole() const
 
 void ApplicationAsyncHttpDownloader::HTTP_OnError(QNetworkReply::NetworkError p_Error)
 {
+    if (!IsFromCurrentReply())
+        return;
     switch (p_Error) {
     case QNetworkReply::OperationCanceledError: // our own abort()
         return;
@@ -84,6 +92,8 @@ void ApplicationAsyncHttpDownloader::ArmRestart(std::function<void()> p_Action)
 
 void ApplicationAsyncHttpDownloader::HTTP_DownloadFinished()
 {
+    if (!IsFromCurrentReply())
+        return;
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::HTTP_DownloadFinished << "
                            << Request->Aborted.load() << " << " << Request->Resume << " << "
                            << Request->Restarting;
