@@ -147,7 +147,8 @@ public Q_SLOTS:
 public:
     // Host callback table. The flag of ErrorReporter is always false here; it, the settings
     // callbacks, CurrentLauncherLocale, IsDownloadBlocked, NotifyDownloadStarting and
-    // ShouldContinue may be called on the application thread, the worker or a download thread.
+    // ShouldContinue may be called on the application thread, the worker or a download thread. They
+    // must not wait for the application thread, which may be waiting for the caller.
     void (*ErrorReporter)(QString p_Message, bool p_Flag) = nullptr;
     QVariant (*ReadSetting)(QString p_Key, QVariant p_Default) = nullptr;
     void (*WriteSetting)(QString p_Key, QVariant p_Value) = nullptr;
