@@ -1,0 +1,65 @@
+#include "GameModules/ManifestPaths.hpp"
+#include "Tests/Support/LogCapture.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::Launcher {
+
+class ManifestPathsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void KnowsWhatLiesInsideTheFolder_data();
+    void KnowsWhatLiesInsideTheFolder();
+    void DropsUnsafeEntriesOfBothListsWithOneWarningEach();
+};
+
+void ManifestPathsTest::KnowsWhatLiesInsideTheFolder_data()
+{
+    QTest::addColumn<QString>("Path");
+    QTest::addColumn<bool>("Inside");
+    for (char const* const path : {"a", "Data/a.mpq", "a/../b", "./a", "..a", "a..", "...", ".a",
+                                   "a b", "a//b", "World of Warcraft.app/Contents/MacOS/x"})
+        QTest::newRow(path) << QString(path) << true;
+    for (char const* const path :
+         {"", ".", "..", "./", "/", "/etc/passwd", "//a", "../a", "a/../../b", "a/..", "./../a",
+          "\\a", "..\\a", "a\\..\\..\\b", "C:\\a", "c:/a", "C:", "Data/../../x"})
+        QTest::newRow(qPrintable(QString("outside: %1").arg(path))) << QString(path) << false;
+    QTest::newRow("NUL inside") << QString("a") + QChar(QChar::Null) + "b" << false;
+}
+
+void ManifestPathsTest::KnowsWhatLiesInsideTheFolder()
+{
+    QFETCH(QString, Path);
+    QFETCH(bool, Inside);
+    QCOMPARE(ManifestPaths::IsInsideFolder(Path), Inside);
+}
+
+void ManifestPathsTest::DropsUnsafeEntriesOfBothListsWithOneWarningEach()
+{
+    auto const entry = [](QString const& p_Path) {
+        ApplicationManifestFileEntry made;
+        made.Path = p_Path;
+        return made;
+    };
+    ApplicationManifest manifest;
+    manifest.Files = {entry("/etc/x"), entry("a"), entry("../b"), entry("c")};
+    manifest.StreamedFiles = {entry(""), entry("d")};
+
+    TestSupport::LogCapture const log;
+    ManifestPaths::DropUnsafeEntries(manifest);
+    QCOMPARE(manifest.Files.size(), std::size_t{2});
+    QCOMPARE(manifest.Files[0].Path, QString("a"));
+    QCOMPARE(manifest.Files[1].Path, QString("c"));
+    QCOMPARE(manifest.StreamedFiles.size(), std::size_t{1});
+    QCOMPARE(log.Messages().size(), std::size_t{3});
+    QCOMPARE(log.CountContaining("\"/etc/x\""), 1);
+    QCOMPARE(log.CountContaining("\"../b\""), 1);
+    QCOMPARE(log.Messages().front().Type, QtWarningMsg);
+    QCOMPARE(log.Messages().front().Category, QString("varnholt.startup"));
+}
+
+} // namespace Varnholt::Launcher
+
+QTEST_GUILESS_MAIN(Varnholt::Launcher::ManifestPathsTest)
+#include "tst_ManifestPaths.moc"
