@@ -1,0 +1,329 @@
+#include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/ScriptedServer.hpp"
+#include "Tests/Support/TestApplication.hpp"
+#include "Tests/Support/TestHost.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::Launcher {
+
+using TestSupport::Answer;
+using TestSupport::SampleContent;
+
+class StartupChainTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void InitReturnsAtOnceWithStateZero();
+    void EachStepIsAClosureOfTheApplicationThread();
+    void FetchesVersionManifestAndMirrorsInThisOrder();
+    void TheDevelopmentChannelChangesTheVersionFileOnly();
+    void ABuildThatIsNoTextAsksForTwoAdjacentSlashes_data();
+    void ABuildThatIsNoTextAsksForTwoAdjacentSlashes();
+    void AnUnusableVersionFileIsReportedAndEndsTheChain_data();
+    void AnUnusableVersionFileIsReportedAndEndsTheChain();
+    void AnUnusableManifestIsReportedAndEndsTheChain_data();
+    void AnUnusableManifestIsReportedAndEndsTheChain();
+    void AFailedManifestReplacesTheOldOne();
+    void MissingMirrorsGiveOneBlankHost_data();
+    void MissingMirrorsGiveOneBlankHost();
+    void TheMirrorListIsSplitAtEverySingleBlank();
+    void BothMirrorsAreDrawn();
+    void TheSelectedMirrorIsLogged();
+    void TheFirstManifestIsAFirstBuild();
+    void ALaterManifestIsNoFirstBuildAndWritesNothing();
+    void InitAgainRunsASecondChain();
+    void UnsafeEntriesAreDroppedOnceWithAWarning();
+    void TheVersionFileEndsAtANulByte();
+
+private:
+    static constexpr char c_VersionPath[] = "/test_app/version.json";
+    static constexpr char c_ManifestPath[] = "/test_app/builds/build_1/info.json";
+
+    QStringList RequestedPaths() const;
+    void RunInit();
+
+    std::unique_ptr<TestSupport::LogCapture> Log;
+    std::unique_ptr<TestSupport::ScriptedServer> Server;
+    std::unique_ptr<TestSupport::TestApplication> App;
+    std::unique_ptr<TestSupport::TestHost> Host;
+};
+
+void StartupChainTest::init()
+{
+    Log = std::make_unique<TestSupport::LogCapture>();
+    Server = std::make_unique<TestSupport::ScriptedServer>();
+    Server->BecomeDefaultContentServer();
+    App = std::make_unique<TestSupport::TestApplication>();
+    Host = std::make_unique<TestSupport::TestHost>(*App);
+    SampleContent("test_app").Add({"a", "a"}).Publish(*Server);
+}
+
+void StartupChainTest::cleanup()
+{
+    Host.reset();
+    App.reset();
+    Server.reset();
+    Log.reset();
+}
+
+QStringList StartupChainTest::RequestedPaths() const
+{
+    QStringList paths;
+    for (auto const& request : Server->Requests())
+        paths += QString::fromLatin1(request.Target);
+    return paths;
+}
+
+void StartupChainTest::RunInit()
+{
+    App->Init();
+    QVERIFY(Host->RunUntilIdle());
+}
+
+void StartupChainTest::InitReturnsAtOnceWithStateZero()
+{
+    App->UISetting.State = 2;
+    App->Init();
+    QCOMPARE(App->UISetting.State, 0);
+    QVERIFY(App->UISettingChanged);
+    QCOMPARE(Host->SyncCount(), std::size_t{1});
+    QCOMPARE(Server->Requests().size(), std::size_t{0});
+}
+
+void StartupChainTest::EachStepIsAClosureOfTheApplicationThread()
+{
+    App->Init();
+    // The host's closures decide when a step begins: nothing goes on without them.
+    for (int step = 1; step <= 3; ++step) {
+        QCOMPARE(Host->SyncCount(), std::size_t{1});
+        QVERIFY(Host->RunNextSync());
+        QCOMPARE(App->ContentRequests.size(), std::size_t{1});
+        QTRY_VERIFY_WITH_TIMEOUT(App->ContentRequests.empty(), TestSupport::TestHost::c_Timeout);
+        QCOMPARE(Server->Requests().size(), static_cast<std::size_t>(step));
+    }
+    // The last step goes on in its callback.
+    QCOMPARE(Host->SyncCount(), std::size_t{0});
+    QCOMPARE(App->ManifestHooks, 1);
+}
+
+void StartupChainTest::FetchesVersionManifestAndMirrorsInThisOrder()
+{
+    RunInit();
+    QCOMPARE(RequestedPaths(), QStringList({c_VersionPath, c_ManifestPath, "/cdns.info"}));
+    QCOMPARE(App->RemoteBuild, QString("build_1"));
+    QCOMPARE(App->Manifest.BuildStr, QString("Sample build"));
+    QCOMPARE(App->Manifest.Files.size(), std::size_t{1});
+    QCOMPARE(App->CdnHosts, QStringList(Server->Host()));
+    QCOMPARE(App->ContentBaseUrl, Server->BaseUrl());
+    QCOMPARE(App->ManifestHooks, 1);
+    QCOMPARE(Host->Errors(), QStringList());
+}
+
+void StartupChainTest::TheDevelopmentChannelChangesTheVersionFileOnly()
+{
+    Host->DevChannel = true;
+    Server->Serve("/test_app/version_dev.json", R"({"build": "build_1"})");
+    RunInit();
+    QCOMPARE(RequestedPaths(),
+             QStringList({"/test_app/version_dev.json", c_ManifestPath, "/cdns.info"}));
+}
+
+void StartupChainTest::ABuildThatIsNoTextAsksForTwoAdjacentSlashes_data()
+{
+    QTest::addColumn<QByteArray>("Version");
+    QTest::newRow("number") << QByteArray(R"({"build": 5})");
+    QTest::newRow("missing") << QByteArray("{}");
+    QTest::newRow("null") << QByteArray(R"({"build": null})");
+    QTest::newRow("empty") << QByteArray(R"({"build": ""})");
+}
+
+void StartupChainTest::ABuildThatIsNoTextAsksForTwoAdjacentSlashes()
+{
+    QFETCH(QByteArray, Version);
+    Server->Serve(c_VersionPath, Version);
+    RunInit();
+    QCOMPARE(RequestedPaths(), QStringList({c_VersionPath, "/test_app/builds//info.json"}));
+    QVERIFY(App->RemoteBuild.isEmpty());
+}
+
+void StartupChainTest::AnUnusableVersionFileIsReportedAndEndsTheChain_data()
+{
+    QTest::addColumn<int>("Status");
+    QTest::addColumn<QByteArray>("Body");
+    QTest::newRow("missing") << 404 << QByteArray("<html>not found</html>");
+    QTest::newRow("no JSON") << 200 << QByteArray("build_1");
+    QTest::newRow("array") << 200 << QByteArray("[\"build_1\"]");
+    QTest::newRow("empty") << 200 << QByteArray();
+    QTest::newRow("server error") << 500 << QByteArray();
+}
+
+void StartupChainTest::AnUnusableVersionFileIsReportedAndEndsTheChain()
+{
+    QFETCH(int, Status);
+    QFETCH(QByteArray, Body);
+    Server->Script(c_VersionPath).Always(Answer::Status(Status, Body));
+    RunInit();
+    QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote configuration."));
+    QCOMPARE(Host->ErrorFlags.load(), 0);
+    QCOMPARE(RequestedPaths(), QStringList(c_VersionPath));
+    QCOMPARE(App->UISetting.State, 0);
+    QCOMPARE(App->ManifestHooks, 0);
+}
+
+void StartupChainTest::AnUnusableManifestIsReportedAndEndsTheChain_data()
+{
+    AnUnusableVersionFileIsReportedAndEndsTheChain_data();
+}
+
+void StartupChainTest::AnUnusableManifestIsReportedAndEndsTheChain()
+{
+    QFETCH(int, Status);
+    QFETCH(QByteArray, Body);
+    Server->Script(c_ManifestPath).Always(Answer::Status(Status, Body));
+    RunInit();
+    QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote build infos."));
+    QCOMPARE(Host->ErrorFlags.load(), 0);
+    QCOMPARE(RequestedPaths(), QStringList({c_VersionPath, c_ManifestPath}));
+    QCOMPARE(App->UISetting.State, 0);
+    QCOMPARE(App->ManifestHooks, 0);
+    QVERIFY(Host->SettingKeys().isEmpty());
+}
+
+void StartupChainTest::AFailedManifestReplacesTheOldOne()
+{
+    RunInit();
+    QCOMPARE(App->Manifest.Files.size(), std::size_t{1});
+    QCOMPARE(App->GetAvailableLocales().size(), std::size_t{2});
+    Server->Serve(c_ManifestPath, "[]");
+    RunInit();
+    QVERIFY(App->Manifest.Files.empty());
+    QVERIFY(App->GetAvailableLocales().empty());
+}
+
+void StartupChainTest::MissingMirrorsGiveOneBlankHost_data()
+{
+    QTest::addColumn<bool>("Reachable");
+    QTest::newRow("empty file") << true;
+    QTest::newRow("server gone") << false;
+}
+
+void StartupChainTest::MissingMirrorsGiveOneBlankHost()
+{
+    QFETCH(bool, Reachable);
+    Server->Serve("/cdns.info", "");
+    if (!Reachable)
+        Server->Script("/cdns.info").Always(Answer::ClosedBeforeHeaders());
+    RunInit();
+    QCOMPARE(App->CdnHosts, QStringList(""));
+    QCOMPARE(App->ContentBaseUrl, QString("http:///"));
+    QCOMPARE(Host->Errors(), QStringList());
+    QCOMPARE(App->ManifestHooks, 1);
+}
+
+void StartupChainTest::TheMirrorListIsSplitAtEverySingleBlank()
+{
+    // One line without an end: a line end belongs to the last name, two blanks enclose a blank one.
+    Server->Serve("/cdns.info", "a  b c\n");
+    RunInit();
+    QCOMPARE(App->CdnHosts, QStringList({"a", "", "b", "c\n"}));
+    Server->Serve("/cdns.info", QByteArray("a b\0 c", 6));
+    RunInit();
+    QCOMPARE(App->CdnHosts, QStringList({"a", "b"}));
+}
+
+void StartupChainTest::BothMirrorsAreDrawn()
+{
+    constexpr int c_Draws = 100;
+    Server->Serve("/cdns.info", "first second");
+    std::srand(1);
+    std::map<QString, int> drawn;
+    for (int i = 0; i < c_Draws; ++i) {
+        App->Init();
+        int const before = App->ManifestHooks;
+        QVERIFY(Host->RunUntil([&] { return App->ManifestHooks == before + 1; }));
+        ++drawn[App->ContentBaseUrl];
+    }
+    QCOMPARE(drawn.size(), std::size_t{2});
+    // About even: outside of this a fair draw falls once in ten million times.
+    QVERIFY(drawn["http://first/"] > 23 && drawn["http://second/"] > 23);
+}
+
+void StartupChainTest::TheSelectedMirrorIsLogged()
+{
+    RunInit();
+    QString const text = QString("Selected CDN  \"Test Game\"   \"%1\"").arg(Server->BaseUrl());
+    QCOMPARE(Log->Texts("varnholt.startup"), QStringList(text));
+    for (auto const& message : Log->Messages())
+        QCOMPARE(message.Type, QtWarningMsg);
+}
+
+void StartupChainTest::TheFirstManifestIsAFirstBuild()
+{
+    App->OnManifestHook = [&] { QVERIFY(App->IsFirstManifestBuild); };
+    RunInit();
+    QVERIFY(App->IsFirstManifestBuild);
+    // True by the chain, then false because the game is not installed.
+    QCOMPARE(Host->SettingChanges(),
+             QStringList({"test_app.ManifestBuilt", "test_app.ManifestBuilt"}));
+    QCOMPARE(Host->Setting("test_app.ManifestBuilt"), QVariant(false));
+}
+
+void StartupChainTest::ALaterManifestIsNoFirstBuildAndWritesNothing()
+{
+    Host->SetSetting("test_app.ManifestBuilt", true);
+    Host->SetSetting("test_app.Installed", true);
+    QTemporaryDir const folder;
+    Host->SetSetting("test_app.InstallFolder", folder.path() + "/");
+    QFile file(folder.path() + "/a");
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("a") == 1);
+    file.close();
+    App->IsFirstManifestBuild = true;
+    RunInit();
+    QVERIFY(!App->IsFirstManifestBuild);
+    QCOMPARE(Host->SettingChanges(), QStringList());
+}
+
+void StartupChainTest::InitAgainRunsASecondChain()
+{
+    App->Init();
+    App->Init();
+    QVERIFY(Host->RunUntilIdle());
+    QCOMPARE(Server->Count(c_VersionPath), 2);
+    QCOMPARE(App->ManifestHooks, 2);
+}
+
+void StartupChainTest::UnsafeEntriesAreDroppedOnceWithAWarning()
+{
+    SampleContent("test_app")
+        .Add({"../outside", "x"})
+        .Add({"a", "a"})
+        .Add({"/absolute", "x"})
+        .Add({"", "x", 0, {}, true})
+        .Add({"b", "b", 0, {}, true})
+        .Publish(*Server);
+    RunInit();
+    QCOMPARE(App->Manifest.Files.size(), std::size_t{1});
+    QCOMPARE(App->Manifest.StreamedFiles.size(), std::size_t{1});
+    QCOMPARE(Log->CountContaining("Manifest entry dropped"), 3);
+    QCOMPARE(Log->CountContaining("\"../outside\""), 1);
+}
+
+void StartupChainTest::TheVersionFileEndsAtANulByte()
+{
+    Server->Serve(c_VersionPath, QByteArray("{\"build\": \"build_1\"}\0garbage", 28));
+    RunInit();
+    QCOMPARE(App->RemoteBuild, QString("build_1"));
+    Server->Serve(c_VersionPath, QByteArray("{\"build\": \"build\0_1\"}", 21));
+    RunInit();
+    QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote configuration."));
+}
+
+} // namespace Varnholt::Launcher
+
+QTEST_GUILESS_MAIN(Varnholt::Launcher::StartupChainTest)
+#include "tst_StartupChain.moc"
