@@ -1,0 +1,187 @@
+#include "Tests/Runs/Game.hpp"
+
+#include <QDir>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+QString const c_List = QStringLiteral("ToDownloadBase.db");
+
+/// Runs the comparison of the base files and returns what it has found.
+QStringList Compare(Game& p_Game, bool p_FirstBuild)
+{
+    p_Game.App.IsFirstManifestBuild = p_FirstBuild;
+    p_Game.App.OnManifestReceived();
+    p_Game.Host.RunNextAsync();
+    return p_Game.Listed();
+}
+
+} // namespace
+
+class ComparisonLeftOverTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void AFirstBuildRecordsFirstBuildOnlyFilesByteForByte();
+    void AFirstBuildReplacesAnOlderList();
+    void AFirstBuildWithNothingToRecordWritesAnEmptyList();
+    void AListThatCannotBeCreatedIsSilentlyNotWritten();
+    void ALaterBuildTakesItsFilesFromTheListAndLeavesItAsItIs();
+    void AListedFileIsFetchedAgainAlsoWhenItIsGood();
+    void AListedFileOfAnotherLocaleIsFetched();
+    void AListedFileThatTheGameRewritesIsFetchedOnlyWhenMissing();
+    void ALineThatNamesNoFileIsIgnored();
+    void AFileThatIsListedAlreadyIsNotListedTwice();
+    void AListMayNameAnyFileOfTheBuild();
+    void NamesWithBlanksAndAccentsAreFound();
+    void AListThatIsMissingIsSilentlyIgnored();
+    void AListThatCannotBeReadIsSilentlyIgnored();
+    void AFirstBuildDoesNotReadTheList();
+};
+
+void ComparisonLeftOverTest::AFirstBuildRecordsFirstBuildOnlyFilesByteForByte()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({QString::fromUtf8("Données/z b"), "z", 0x20}).Add({"plain", "p"});
+    game.Add({"good", "g", 0x20}).Add({"Data/a", "a", 0x21}).Add({"fr", "f", 0x20, "frFR"});
+    game.Publish().Install();
+    game.Put("good", "g");
+    Compare(game, true);
+    QCOMPARE(game.Read(c_List), QByteArray("Donn\xC3\xA9"
+                                           "es/z b\nData/a\n"));
+}
+
+void ComparisonLeftOverTest::AFirstBuildReplacesAnOlderList()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Publish().Install();
+    game.Put(c_List, "an older and longer list\nwith two lines\n");
+    Compare(game, true);
+    QCOMPARE(game.Read(c_List), QByteArray("a\n"));
+}
+
+void ComparisonLeftOverTest::AFirstBuildWithNothingToRecordWritesAnEmptyList()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a"}).Publish().Install();
+    game.Put(c_List, "old\n");
+    QCOMPARE(Compare(game, true), QStringList("a"));
+    QCOMPARE(game.Read(c_List), QByteArray(""));
+}
+
+void ComparisonLeftOverTest::AListThatCannotBeCreatedIsSilentlyNotWritten()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Publish().Install();
+    QVERIFY(QDir().mkpath(game.Path(c_List + "/folder in its place")));
+    int const messages = game.Log.Texts().size();
+    QCOMPARE(Compare(game, true), QStringList("a"));
+    QCOMPARE(game.Log.Texts().size(), messages);
+    QCOMPARE(game.Host.Errors(), QStringList());
+    QCOMPARE(game.Host.StartingCount.load(), 1);
+}
+
+void ComparisonLeftOverTest::ALaterBuildTakesItsFilesFromTheListAndLeavesItAsItIs()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Add({"b", "b", 0x20}).Add({"c", "c", 0x20}).Publish().Install();
+    game.Put(c_List, "c\na\n");
+    QCOMPARE(Compare(game, false), QStringList({"c", "a"}));
+    QCOMPARE(game.Read(c_List), QByteArray("c\na\n"));
+}
+
+// The list says that the file has not been placed; looking at it would cost what it saves.
+void ComparisonLeftOverTest::AListedFileIsFetchedAgainAlsoWhenItIsGood()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Publish().Install();
+    game.Put("a", "a");
+    game.Put(c_List, "a\n");
+    QCOMPARE(Compare(game, false), QStringList("a"));
+}
+
+void ComparisonLeftOverTest::AListedFileOfAnotherLocaleIsFetched()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"fr", "f", 0x20, "frFR"}).Publish().Install();
+    game.Put(c_List, "fr\n");
+    QCOMPARE(Compare(game, false), QStringList("fr"));
+}
+
+void ComparisonLeftOverTest::AListedFileThatTheGameRewritesIsFetchedOnlyWhenMissing()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"there", "t", 0xA0}).Add({"missing", "m", 0xA0}).Publish().Install();
+    game.Put("there", "rewritten");
+    game.Put(c_List, "there\nmissing\n");
+    QCOMPARE(Compare(game, false), QStringList("missing"));
+}
+
+void ComparisonLeftOverTest::ALineThatNamesNoFileIsIgnored()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Add({"streamed", "s", 0, {}, true}).Publish().Install();
+    game.Put(c_List, "gone\n\nA\n a\nstreamed\na\n../a\n");
+    QCOMPARE(Compare(game, false), QStringList("a"));
+}
+
+void ComparisonLeftOverTest::AFileThatIsListedAlreadyIsNotListedTwice()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"plain", "p"}).Add({"a", "a", 0x20}).Publish().Install();
+    game.Put(c_List, "plain\na\na\n");
+    QCOMPARE(Compare(game, false), QStringList({"plain", "a"}));
+}
+
+void ComparisonLeftOverTest::AListMayNameAnyFileOfTheBuild()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"plain", "p"}).Publish().Install();
+    game.Put("plain", "p");
+    game.Put(c_List, "plain\n");
+    QCOMPARE(Compare(game, false), QStringList("plain"));
+}
+
+void ComparisonLeftOverTest::NamesWithBlanksAndAccentsAreFound()
+{
+    Game game(TestHost::Worker::ByHand);
+    QString const name = QString::fromUtf8("Données/Été 1.MPQ ");
+    game.Add({name, "a", 0x20}).Publish().Install();
+    QCOMPARE(Compare(game, true), QStringList(name));
+    QCOMPARE(Compare(game, false), QStringList(name));
+}
+
+void ComparisonLeftOverTest::AListThatIsMissingIsSilentlyIgnored()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Add({"b", "b"}).Publish().Install();
+    QCOMPARE(Compare(game, false), QStringList("b"));
+    QVERIFY(!game.Has(c_List));
+}
+
+void ComparisonLeftOverTest::AListThatCannotBeReadIsSilentlyIgnored()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a", 0x20}).Add({"b", "b"}).Publish().Install();
+    QVERIFY(QDir().mkpath(game.Path(c_List)));
+    int const messages = game.Log.Texts().size();
+    QCOMPARE(Compare(game, false), QStringList("b"));
+    QCOMPARE(game.Log.Texts().size(), messages);
+    QCOMPARE(game.Host.Errors(), QStringList());
+}
+
+void ComparisonLeftOverTest::AFirstBuildDoesNotReadTheList()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"good", "g", 0x20}).Publish().Install();
+    game.Put("good", "g");
+    game.Put(c_List, "good\n");
+    QVERIFY(Compare(game, true).isEmpty());
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonLeftOverTest)
+#include "tst_ComparisonLeftOver.moc"

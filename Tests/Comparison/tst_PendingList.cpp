@@ -1,0 +1,188 @@
+#include "GameModules/PendingList.hpp"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+using Launcher::PendingList;
+
+bool Always()
+{
+    return true;
+}
+
+/// A list in a folder of its own.
+class ListFile {
+public:
+    QString Path() const { return Folder.filePath(QStringLiteral("list.db")); }
+
+    void Put(QByteArray const& p_Bytes) const
+    {
+        QFile file(Path());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(p_Bytes), qint64{p_Bytes.size()});
+    }
+
+    QByteArray Bytes() const
+    {
+        QFile file(Path());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+    }
+
+    QStringList Names() const
+    {
+        return QDir(Folder.path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir Folder;
+};
+
+} // namespace
+
+class PendingListTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void NamesOfTheListsAreFixed();
+    void OnePathPerLineInUtf8EndedByALineFeed();
+    void NothingPendingIsAnEmptyFile();
+    void WritingReplacesTheWholeListAndLeavesNothingElse();
+    void ReadingGivesTheLinesAsTheyAre();
+    void AListThatIsNotThereIsNotOpened();
+    void AStoppedReadingIsNotComplete();
+    void UpdatingStrikesEveryEqualLine();
+    void UpdatingPutsTheAddedLineLast();
+    void UpdatingCreatesAMissingList();
+    void AnUpdateWhoseReadingWasStoppedLeavesTheListAsItIs();
+    void AFailedWriteLeavesTheOldList();
+    void AReaderNeverSeesAHalfWrittenList();
+};
+
+void PendingListTest::NamesOfTheListsAreFixed()
+{
+    QCOMPARE(PendingList::c_Base, QString("ToDownloadBase.db"));
+    QCOMPARE(PendingList::c_Streamed, QString("ToDownload.db"));
+    QCOMPARE(PendingList::c_Casc, QString("ToDownloadCASC.db"));
+}
+
+void PendingListTest::OnePathPerLineInUtf8EndedByALineFeed()
+{
+    ListFile list;
+    QVERIFY(PendingList::Write(list.Path(), {"Data/a b.MPQ", QString::fromUtf8("Été/ñ"), "c"}));
+    QCOMPARE(list.Bytes(), QByteArray("Data/a b.MPQ\n\xC3\x89t\xC3\xA9/\xC3\xB1\nc\n"));
+}
+
+void PendingListTest::NothingPendingIsAnEmptyFile()
+{
+    ListFile list;
+    QVERIFY(PendingList::Write(list.Path(), {}));
+    QCOMPARE(list.Bytes(), QByteArray(""));
+}
+
+void PendingListTest::WritingReplacesTheWholeListAndLeavesNothingElse()
+{
+    ListFile list;
+    list.Put("a much longer list\nthan the new one\n");
+    QVERIFY(PendingList::Write(list.Path(), {"x"}));
+    QCOMPARE(list.Bytes(), QByteArray("x\n"));
+    QCOMPARE(list.Names(), QStringList("list.db"));
+}
+
+void PendingListTest::ReadingGivesTheLinesAsTheyAre()
+{
+    ListFile list;
+    list.Put("Data/a b\n leading and trailing \n\n\xC3\xA9\nwithout an end");
+    auto const content = PendingList::Read(list.Path(), Always);
+    QVERIFY(content.Opened);
+    QVERIFY(content.Complete);
+    QCOMPARE(content.Paths, QStringList({"Data/a b", " leading and trailing ", "",
+                                         QString::fromUtf8("é"), "without an end"}));
+}
+
+void PendingListTest::AListThatIsNotThereIsNotOpened()
+{
+    ListFile list;
+    auto const content = PendingList::Read(list.Path(), Always);
+    QVERIFY(!content.Opened);
+    QVERIFY(content.Paths.isEmpty());
+    QVERIFY(QDir().mkdir(list.Path()));
+    QVERIFY(!PendingList::Read(list.Path(), Always).Opened);
+}
+
+void PendingListTest::AStoppedReadingIsNotComplete()
+{
+    ListFile list;
+    list.Put("a\nb\nc\n");
+    int lines = 0;
+    auto const content = PendingList::Read(list.Path(), [&] { return ++lines <= 2; });
+    QVERIFY(!content.Complete);
+    QCOMPARE(content.Paths, QStringList({"a", "b"}));
+}
+
+void PendingListTest::UpdatingStrikesEveryEqualLine()
+{
+    ListFile list;
+    list.Put("a\nb\nA\na\nab\n");
+    PendingList::Update(list.Path(), "a", QString(), Always);
+    QCOMPARE(list.Bytes(), QByteArray("b\nA\nab\n"));
+}
+
+void PendingListTest::UpdatingPutsTheAddedLineLast()
+{
+    ListFile list;
+    list.Put("a\nb\n");
+    PendingList::Update(list.Path(), "a", "a", Always);
+    QCOMPARE(list.Bytes(), QByteArray("b\na\n"));
+}
+
+void PendingListTest::UpdatingCreatesAMissingList()
+{
+    ListFile list;
+    PendingList::Update(list.Path(), "a", QString(), Always);
+    QCOMPARE(list.Bytes(), QByteArray(""));
+    ListFile other;
+    PendingList::Update(other.Path(), "a", "a", Always);
+    QCOMPARE(other.Bytes(), QByteArray("a\n"));
+}
+
+// Written back as far as it was read, the list would lose the lines behind.
+void PendingListTest::AnUpdateWhoseReadingWasStoppedLeavesTheListAsItIs()
+{
+    ListFile list;
+    list.Put("a\nb\nc\n");
+    int lines = 0;
+    PendingList::Update(list.Path(), "a", "a", [&] { return ++lines <= 1; });
+    QCOMPARE(list.Bytes(), QByteArray("a\nb\nc\n"));
+}
+
+void PendingListTest::AFailedWriteLeavesTheOldList()
+{
+    ListFile list;
+    QVERIFY(QDir().mkpath(list.Path() + "/inside"));
+    QVERIFY(!PendingList::Write(list.Path(), {"x"}));
+    QVERIFY(QFileInfo(list.Path() + "/inside").isDir());
+    QCOMPARE(list.Names(), QStringList("list.db"));
+}
+
+// The file that a reader holds open is never the one that is being written.
+void PendingListTest::AReaderNeverSeesAHalfWrittenList()
+{
+    ListFile list;
+    list.Put("old a\nold b\n");
+    QFile reader(list.Path());
+    QVERIFY(reader.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QVERIFY(PendingList::Write(list.Path(), {"new"}));
+    QCOMPARE(reader.readAll(), QByteArray("old a\nold b\n"));
+    QCOMPARE(list.Bytes(), QByteArray("new\n"));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::PendingListTest)
+#include "tst_PendingList.moc"

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/ScriptedServer.hpp"
+#include "Tests/Support/TestApplication.hpp"
+#include "Tests/Support/TestHost.hpp"
+
+#include <QByteArray>
+#include <QFileDevice>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <functional>
+
+namespace Varnholt::TestSupport {
+
+/// A game with everything around it: a content server, a module that knows the build, a host, a
+/// folder. The module is installed in the folder when the test says so.
+///
+/// \code
+/// Game game(TestHost::Worker::ByHand);
+/// game.Add({"a", "content of a"}).Publish().Install();
+/// game.App.OnManifestReceived();
+/// game.Host.RunNextAsync(); // the comparison
+/// \endcode
+class Game {
+public:
+    explicit Game(TestHost::Worker p_Worker = TestHost::Worker::Running);
+    ~Game();
+    Game(Game const&) = delete;
+    Game& operator=(Game const&) = delete;
+
+    /// Adds a file to the build.
+    Game& Add(SampleFile const& p_File);
+    /// Serves the build and hands its manifest and the only mirror, the server, to the module.
+    Game& Publish();
+    /// Makes the settings say that the game is installed in the folder.
+    Game& Install();
+    /// Publishes, installs and begins a run, as a first build or a later one.
+    void Begin(bool p_FirstBuild = true);
+    /// Runs until the module has nothing left to do.
+    [[nodiscard]] bool Finish() { return Host.RunUntilIdle(); }
+    /// Runs until a request of a file's path has reached the server so many times.
+    [[nodiscard]] bool RunUntilRequested(QString const& p_File, int p_Times);
+    /// Runs until a transfer is in flight and so many bytes of it lie on the disk.
+    [[nodiscard]] bool RunUntilPart(QString const& p_File, qint64 p_Bytes);
+
+    /// The absolute path of a file of the game.
+    QString Path(QString const& p_File) const { return Folder + p_File; }
+    /// Writes a file of the game, with its folders.
+    void Put(QString const& p_File, QByteArray const& p_Bytes) const;
+    /// The bytes of a file of the game; null when it cannot be read.
+    QByteArray Read(QString const& p_File) const;
+    bool Has(QString const& p_File) const;
+    /// Permission bits as chmod() writes them; -1 without the file.
+    int Mode(QString const& p_File) const;
+    /// Names of the files in the folder and below, in alphabetical order.
+    QStringList FilesOnDisk() const;
+
+    /// Paths of the download list.
+    QStringList Listed() const;
+    /// Paths of the build's files in the order of the server's requests for them.
+    QStringList Requested(ScriptedServer const& p_Server) const;
+    QStringList Requested() const { return Requested(Server); }
+    /// How many requests for a file have reached the server.
+    int Requests(QString const& p_File) const;
+
+    /// Answers the module's `ShouldContinue` from now on; called with the number of the question,
+    /// from 1. On whatever thread asks.
+    void AnswerContinue(std::function<bool(int)> p_Answer);
+
+    LogCapture Log;
+    QTemporaryDir Temporary;
+    QString Folder; ///< ends in "/"
+    ScriptedServer Server;
+    SampleContent Content{QStringLiteral("test_app")};
+    TestApplication App;
+    TestHost Host;
+};
+
+/// The whole content of a file; null when it cannot be read.
+QByteArray ContentOf(QString const& p_Path);
+
+} // namespace Varnholt::TestSupport
