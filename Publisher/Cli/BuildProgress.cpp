@@ -1,0 +1,74 @@
+#include "Publisher/Cli/BuildProgress.hpp"
+
+#include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/Interruption.hpp"
+#include "Publisher/Failure.hpp"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+constexpr qint64 c_ShowMilliseconds = 100;
+/// What shells report for a program that a signal has ended, less the signal's number.
+constexpr int c_SignalStatus = 128;
+
+} // namespace
+
+BuildProgress::BuildProgress()
+    : m_IsTerminal(::isatty(STDERR_FILENO) == 1)
+{
+}
+
+BuildProgress::~BuildProgress()
+{
+    Clear();
+}
+
+void BuildProgress::PhaseStarted(QString const& p_Name, qint64 p_Bytes)
+{
+    std::lock_guard const lock(m_Mutex);
+    m_Phase = p_Name;
+    m_Total = p_Bytes;
+    m_Read = 0;
+    m_SinceShown.start();
+}
+
+void BuildProgress::BytesRead(qint64 p_Bytes)
+{
+    if (int const signal = Interruption::Signal())
+        throw Failure(QStringLiteral("interrupted, nothing was published"),
+                      c_SignalStatus + signal);
+    m_Read += p_Bytes;
+    std::unique_lock const lock(m_Mutex, std::try_to_lock);
+    if (m_IsTerminal && lock.owns_lock() && m_SinceShown.elapsed() >= c_ShowMilliseconds)
+        Show();
+}
+
+void BuildProgress::Warned(QString const& p_Sentence)
+{
+    Clear();
+    ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: warning: ") + p_Sentence);
+}
+
+void BuildProgress::Show()
+{
+    m_SinceShown.start();
+    qint64 const read = m_Read;
+    qint64 const percent = m_Total > 0 ? read * 100 / m_Total : 100;
+    QString const line = QStringLiteral("\r%1 %2 %  %3 of %4\x1b[K")
+                             .arg(m_Phase, QString::number(percent), ConsoleText::Bytes(read),
+                                  ConsoleText::Bytes(m_Total));
+    std::fputs(line.toUtf8().constData(), stderr);
+    std::fflush(stderr);
+}
+
+void BuildProgress::Clear()
+{
+    if (m_IsTerminal)
+        std::fputs("\r\x1b[K", stderr);
+}
+
+} // namespace Varnholt::Publisher

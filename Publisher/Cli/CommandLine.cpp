@@ -1,0 +1,45 @@
+#include "Publisher/Cli/CommandLine.hpp"
+
+#include "Publisher/Cli/BuildCommand.hpp"
+#include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/ServeCommand.hpp"
+#include "Publisher/Failure.hpp"
+
+#include <CLI/CLI.hpp>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+int Report(QString const& p_Cause, int p_Status)
+{
+    ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: ") + p_Cause);
+    return p_Status;
+}
+
+} // namespace
+
+int RunCommandLine(int p_Count, char const* const* p_Arguments)
+{
+    CLI::App program("Publishes a game so that any web server with byte ranges can serve it",
+                     "varnholt-publish");
+    program.set_version_flag("--version", VARNHOLT_VERSION);
+    program.require_subcommand(1);
+    program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
+    BuildCommand const build(program);
+    ServeCommand const serve(program);
+    try {
+        program.parse(p_Count, p_Arguments);
+        return build.IsChosen() ? build.Run() : serve.Run();
+    } catch (CLI::Success const& help) {
+        return program.exit(help);
+    } catch (CLI::ParseError const& error) {
+        return Report(QString::fromUtf8(error.what()), Failure::c_Usage);
+    } catch (Failure const& failure) {
+        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus());
+    } catch (std::exception const& error) {
+        return Report(QString::fromUtf8(error.what()), Failure::c_Other);
+    }
+}
+
+} // namespace Varnholt::Publisher

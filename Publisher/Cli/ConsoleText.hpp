@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+namespace Varnholt::Publisher::ConsoleText {
+
+/// Writes one line as UTF-8, in one piece, and flushes it. Any thread.
+void PrintLine(QString const& p_Line);
+void PrintErrorLine(QString const& p_Line);
+
+/// "1.5 MB"; powers of 1000.
+QString Bytes(qint64 p_Bytes);
+
+} // namespace Varnholt::Publisher::ConsoleText

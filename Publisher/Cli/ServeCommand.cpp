@@ -1,0 +1,88 @@
+#include "Publisher/Cli/ServeCommand.hpp"
+
+#include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/StaticServer.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <future>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+/// How long answers and idle connections may keep the program once it is to end.
+constexpr std::chrono::milliseconds c_Grace{500};
+constexpr std::chrono::milliseconds c_StopEvery{20};
+
+sigset_t EndingSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+/// \return false when the server is still at work after the grace period
+bool StopInTime(StaticServer& p_Server, std::future<void> const& p_Running)
+{
+    auto const end = std::chrono::steady_clock::now() + c_Grace;
+    do {
+        // Again and again: the server may not even have started to run.
+        p_Server.Stop();
+        if (p_Running.wait_for(c_StopEvery) == std::future_status::ready)
+            return true;
+    } while (std::chrono::steady_clock::now() < end);
+    return false;
+}
+
+} // namespace
+
+ServeCommand::ServeCommand(CLI::App& p_Program)
+    : m_Command(p_Program.add_subcommand("serve", "Serve a published tree for trials"))
+{
+    m_Command->footer(
+        "Example:\n"
+        "  varnholt-publish serve --root /srv/www --port 8080\n"
+        "\n"
+        "Ends on SIGINT (Ctrl+C) and SIGTERM. Requests are logged on standard error:\n"
+        "method, path, range, status.\n");
+    m_Command->add_option("--root", m_Root, "Folder of the published tree")->required();
+    m_Command->add_option("--address", m_Address, "Address to listen on")->capture_default_str();
+    m_Command->add_option("--port", m_Port, "Port to listen on; 0 chooses a free one")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    m_Command->add_flag("--quiet", m_Quiet, "Do not log requests");
+}
+
+bool ServeCommand::IsChosen() const
+{
+    return m_Command->parsed();
+}
+
+int ServeCommand::Run() const
+{
+    // Before any thread starts, so that all of them leave these signals to sigwait.
+    sigset_t const signals = EndingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+
+    QString const root = QString::fromStdString(m_Root);
+    StaticServer server(root, m_Quiet ? StaticServer::RequestLog() : ConsoleText::PrintErrorLine);
+    QString const url = server.Listen(QString::fromStdString(m_Address), m_Port);
+    std::future<void> const running = std::async(std::launch::async, [&server] { server.Run(); });
+    ConsoleText::PrintLine(QStringLiteral("Serving %1 at %2").arg(root, url));
+
+    int signal = 0;
+    sigwait(&signals, &signal);
+    // An idle connection would hold the program for seconds, a client that has stopped reading for
+    // a minute; there is nothing to save.
+    if (!StopInTime(server, running))
+        std::_Exit(EXIT_SUCCESS);
+    return 0;
+}
+
+} // namespace Varnholt::Publisher

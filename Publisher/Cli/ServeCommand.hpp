@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace Varnholt::Publisher {
+
+/// `varnholt-publish serve`
+class ServeCommand {
+public:
+    /// Adds the command and its options; p_Program keeps a reference to this object.
+    explicit ServeCommand(CLI::App& p_Program);
+
+    bool IsChosen() const;
+
+    /// Serves until SIGINT or SIGTERM. Ends the program itself when a client keeps a connection
+    /// busy.
+    /// \return exit status
+    /// \throws Failure
+    int Run() const;
+
+private:
+    CLI::App* m_Command;
+    std::string m_Root;
+    std::string m_Address = "127.0.0.1";
+    int m_Port = 8080;
+    bool m_Quiet = false;
+};
+
+} // namespace Varnholt::Publisher

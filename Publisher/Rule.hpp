@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Publisher/GlobPattern.hpp"
+
+#include <QString>
+
+#include <optional>
+
+namespace Varnholt::Publisher {
+
+/// What a rules file says about the paths that match a pattern; an empty property leaves that
+/// property as earlier rules set it.
+struct Rule {
+    GlobPattern Match;
+    std::optional<qint32> Flags;
+    std::optional<QString> Locale;
+    std::optional<bool> Streamed;
+    std::optional<bool> Excluded;
+};
+
+} // namespace Varnholt::Publisher

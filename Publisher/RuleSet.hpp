@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Publisher/FileTreatment.hpp"
+#include "Publisher/Rule.hpp"
+
+#include <QString>
+
+#include <map>
+#include <vector>
+
+namespace Varnholt::Publisher {
+
+/// The rules of a build and the languages that it offers.
+struct RuleSet {
+    std::vector<Rule> Rules;
+    std::map<QString, QString> Locales; ///< display name by tag
+
+    /// Asks every rule in order; a later one overrides an earlier one property by property.
+    FileTreatment TreatmentOf(QString const& p_Path) const;
+};
+
+} // namespace Varnholt::Publisher

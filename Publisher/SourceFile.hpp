@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+
+namespace Varnholt::Publisher {
+
+/// A file of the source folder as the scan found it.
+struct SourceFile {
+    QString Path;                   ///< relative to the source folder, "/" between components
+    std::filesystem::path Location; ///< where it lies on this machine
+    qint64 Size = 0;                ///< bytes
+    std::filesystem::file_time_type Modified;
+};
+
+} // namespace Varnholt::Publisher

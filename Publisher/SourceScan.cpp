@@ -1,0 +1,118 @@
+#include "Publisher/SourceScan.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/NativePath.hpp"
+#include "Publisher/PathChecks.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Publisher {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsAtOrBelow(fs::path const& p_Path, fs::path const& p_Folder)
+{
+    return std::mismatch(p_Folder.begin(), p_Folder.end(), p_Path.begin(), p_Path.end()).first ==
+           p_Folder.end();
+}
+
+Failure FailureOf(QString const& p_Path, std::error_code const& p_Error)
+{
+    return Failure(p_Path + QStringLiteral(": cannot be read: ") +
+                   QString::fromStdString(p_Error.message()));
+}
+
+} // namespace
+
+SourceScan::SourceScan(QString const& p_Folder, Wanted p_Wanted)
+    : m_Root(NativePath::From(p_Folder))
+    , m_Wanted(std::move(p_Wanted))
+{
+}
+
+std::vector<SourceFile> SourceScan::Run()
+{
+    QString const shown = NativePath::ToText(m_Root);
+    std::error_code error;
+    fs::path const root = fs::canonical(m_Root, error);
+    if (error)
+        throw Failure(shown + QStringLiteral(": the source folder does not exist"));
+    if (!fs::is_directory(root))
+        throw Failure(shown + QStringLiteral(": the source is not a folder"));
+    m_Root = root;
+    m_Files.clear();
+    ScanFolder(m_Root, std::string());
+    if (m_Files.empty())
+        throw Failure(shown + QStringLiteral(": the source holds no file to publish"));
+
+    PathChecks::CheckCollisions(m_Files);
+    std::sort(m_Files.begin(), m_Files.end(), [](SourceFile const& p_One, SourceFile const& p_Two) {
+        return p_One.Path.toUtf8() < p_Two.Path.toUtf8();
+    });
+    return std::move(m_Files);
+}
+
+void SourceScan::ScanFolder(fs::path const& p_Folder, std::string const& p_Prefix)
+{
+    std::error_code error;
+    m_OpenFolders.push_back(fs::canonical(p_Folder, error));
+    fs::directory_iterator entry;
+    if (!error)
+        entry = fs::directory_iterator(p_Folder, error);
+    while (!error && entry != fs::directory_iterator()) {
+        ScanEntry(*entry, p_Prefix + entry->path().filename().string());
+        entry.increment(error);
+    }
+    if (error)
+        throw FailureOf(NativePath::ToText(p_Folder), error);
+    m_OpenFolders.pop_back();
+}
+
+void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const& p_Path)
+{
+    std::error_code error;
+    bool const isLink = p_Entry.is_symlink(error);
+    QString const path = QString::fromStdString(p_Path);
+    if (!isLink && p_Entry.is_directory(error)) {
+        ScanFolder(p_Entry.path(), p_Path + '/');
+        return;
+    }
+    if (!m_Wanted(path))
+        return;
+    if (isLink) {
+        CheckLink(p_Entry.path(), path);
+        if (p_Entry.is_directory(error)) {
+            ScanFolder(p_Entry.path(), p_Path + '/');
+            return;
+        }
+    }
+    PathChecks::CheckPath(QByteArray::fromStdString(p_Path));
+    if (!p_Entry.is_regular_file(error))
+        throw Failure(path + QStringLiteral(": is neither a file nor a folder"));
+
+    SourceFile file{path, p_Entry.path(), 0, {}};
+    file.Size = static_cast<qint64>(fs::file_size(file.Location, error));
+    if (!error)
+        file.Modified = fs::last_write_time(file.Location, error);
+    if (error)
+        throw FailureOf(path, error);
+    m_Files.push_back(file);
+}
+
+void SourceScan::CheckLink(fs::path const& p_Link, QString const& p_Path) const
+{
+    std::error_code error;
+    fs::path const target = fs::canonical(p_Link, error);
+    if (error)
+        throw Failure(p_Path + QStringLiteral(": the symbolic link leads nowhere"));
+    if (!IsAtOrBelow(target, m_Root))
+        throw Failure(p_Path +
+                      QStringLiteral(": the symbolic link leads out of the source folder"));
+    if (std::find(m_OpenFolders.begin(), m_OpenFolders.end(), target) != m_OpenFolders.end())
+        throw Failure(p_Path +
+                      QStringLiteral(": the symbolic link leads to a folder that holds it"));
+}
+
+} // namespace Varnholt::Publisher

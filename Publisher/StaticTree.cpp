@@ -1,0 +1,33 @@
+#include "Publisher/StaticTree.hpp"
+
+#include "Publisher/Failure.hpp"
+
+#include <QFileInfo>
+
+namespace Varnholt::Publisher {
+
+StaticTree::StaticTree(QString const& p_Root)
+{
+    QFileInfo const root(p_Root);
+    if (!root.isDir())
+        throw Failure(p_Root + QStringLiteral(": the folder to serve does not exist"));
+    m_Root = root.canonicalFilePath();
+    if (!m_Root.endsWith(QLatin1Char('/')))
+        m_Root += QLatin1Char('/');
+}
+
+QString StaticTree::FileOf(QByteArray const& p_Path) const
+{
+    if (!p_Path.startsWith('/') || p_Path.contains('\0'))
+        return QString();
+    for (QByteArray const& name : p_Path.split('/')) {
+        if (name == "..")
+            return QString();
+    }
+    QFileInfo const file(m_Root + QString::fromUtf8(p_Path.mid(1)));
+    // Links inside the folder are served, links that leave it are not.
+    QString const path = file.canonicalFilePath();
+    return file.isFile() && path.startsWith(m_Root) ? path : QString();
+}
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace Varnholt::Publisher {
+
+/// Returns when everything that was written to the file system of a folder is on its disk, so that
+/// a power failure cannot keep what is done next and lose what was done before.
+void StorageSync(QString const& p_Folder);
+
+} // namespace Varnholt::Publisher

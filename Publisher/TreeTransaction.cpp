@@ -1,0 +1,156 @@
+#include "Publisher/TreeTransaction.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/NativePath.hpp"
+#include "Publisher/StorageSync.hpp"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace Varnholt::Publisher {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void WriteFile(QString const& p_Path, QByteArray const& p_Content)
+{
+    QFile file(p_Path);
+    bool const written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                         file.write(p_Content) == p_Content.size() && file.flush();
+    if (!written)
+        throw Failure(p_Path + QStringLiteral(": cannot be written: ") + file.errorString());
+}
+
+} // namespace
+
+TreeTransaction::TreeTransaction(QString const& p_Root)
+    : m_Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
+    , m_Staging(m_Root + QStringLiteral("/.varnholt-publish.new"))
+    , m_Lock(std::make_unique<QLockFile>(m_Root + QStringLiteral("/.varnholt-publish.lock")))
+{
+    // A run takes as long as it takes; the lock of a program that died is recognised by its id.
+    m_Lock->setStaleLockTime(0);
+    try {
+        Open();
+    } catch (Failure const&) {
+        Undo();
+        throw;
+    }
+}
+
+TreeTransaction::~TreeTransaction()
+{
+    if (!m_Committed)
+        Undo();
+}
+
+void TreeTransaction::Open()
+{
+    MakeFolder(m_Root);
+    if (!m_Lock->tryLock()) {
+        bool const taken = m_Lock->error() == QLockFile::LockFailedError;
+        throw Failure(m_Root + (taken ? QStringLiteral(": another run is publishing there")
+                                      : QStringLiteral(": the output folder cannot be written")));
+    }
+    // What a run that was killed has left behind.
+    QDir(m_Staging).removeRecursively();
+    if (!QDir().mkdir(m_Staging))
+        throw Failure(m_Staging + QStringLiteral(": the folder cannot be made"));
+}
+
+QString TreeTransaction::NewFile()
+{
+    return m_Staging + QLatin1Char('/') + QString::number(m_NewFiles++);
+}
+
+void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
+{
+    m_Moves.push_back({p_NewFile, p_Target, std::nullopt, false});
+}
+
+void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
+{
+    QString const file = NewFile();
+    WriteFile(file, p_Content);
+    Add(file, p_Target);
+}
+
+void TreeTransaction::Commit()
+{
+    StorageSync(m_Root);
+    for (Move& move : m_Moves) {
+        if (&move == &m_Moves.back())
+            StorageSync(m_Root);
+        Perform(move);
+    }
+    m_Committed = true;
+    QDir(m_Staging).removeRecursively();
+    m_Lock->unlock();
+    StorageSync(m_Root);
+}
+
+void TreeTransaction::Perform(Move& p_Move)
+{
+    MakeFolder(QFileInfo(p_Move.Target).path());
+    QFileInfo const target(p_Move.Target);
+    if (target.exists()) {
+        QFile file(p_Move.Target);
+        if (!target.isFile() || !file.open(QIODevice::ReadOnly))
+            throw Failure(p_Move.Target + QStringLiteral(": is not a file that can be replaced"));
+        p_Move.Replaced = file.readAll();
+    }
+    std::error_code error;
+    fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);
+    if (error) {
+        throw Failure(p_Move.Target + QStringLiteral(": cannot be written: ") +
+                      QString::fromStdString(error.message()));
+    }
+    p_Move.Done = true;
+}
+
+void TreeTransaction::MakeFolder(QString const& p_Folder)
+{
+    QFileInfo const info(p_Folder);
+    if (info.isDir())
+        return;
+    if (info.exists())
+        throw Failure(p_Folder + QStringLiteral(": is not a folder"));
+    MakeFolder(info.path());
+    if (!QDir().mkdir(p_Folder))
+        throw Failure(p_Folder + QStringLiteral(": the folder cannot be made"));
+    m_MadeFolders.push_back(p_Folder);
+}
+
+void TreeTransaction::Undo()
+{
+    for (auto move = m_Moves.rbegin(); move != m_Moves.rend(); ++move) {
+        if (move->Done)
+            Undo(*move);
+    }
+    // Without the lock the folder of new files is another run's.
+    if (m_Lock->isLocked()) {
+        QDir(m_Staging).removeRecursively();
+        m_Lock->unlock();
+    }
+    for (auto folder = m_MadeFolders.rbegin(); folder != m_MadeFolders.rend(); ++folder)
+        QDir().rmdir(*folder);
+}
+
+void TreeTransaction::Undo(Move const& p_Move)
+{
+    std::error_code error;
+    if (!p_Move.Replaced) {
+        fs::remove(NativePath::From(p_Move.Target), error);
+        return;
+    }
+    try {
+        WriteFile(p_Move.NewFile, *p_Move.Replaced);
+        fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);
+    } catch (Failure const&) {
+        // Nothing better is left to do: the failure that brought us here is the one to report.
+    }
+}
+
+} // namespace Varnholt::Publisher

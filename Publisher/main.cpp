@@ -1,0 +1,12 @@
+#include "Publisher/Cli/CommandLine.hpp"
+
+#include <QCoreApplication>
+#include <QTextCodec>
+
+int main(int p_Count, char* p_Arguments[])
+{
+    QCoreApplication const application(p_Count, p_Arguments);
+    // File names are UTF-8 whatever the locale says: a publishing job often runs in none at all.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    return Varnholt::Publisher::RunCommandLine(p_Count, p_Arguments);
+}
