@@ -7,7 +7,8 @@
 
 namespace Varnholt::TestSupport {
 
-/// The built plug-in, loaded as a launcher loads it. Deletes the module and unloads the library.
+/// The built plug-in, loaded as a launcher loads it. Deletes the module; the library stays, as Qt
+/// keeps every plug-in.
 ///
 /// The module's class has its code in the library: call its virtual functions and use its public
 /// members; anything else runs the test program's own copy of the code on it, which does the same.
