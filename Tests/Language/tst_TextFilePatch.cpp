@@ -1,0 +1,210 @@
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/TestApplication.hpp"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <unistd.h>
+
+namespace Varnholt::Launcher {
+
+using TestSupport::ReadFile;
+using TestSupport::WriteFile;
+
+class TextFilePatchTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void AMissingFileStaysMissing();
+    void ACreatedFileHasNoFinalNewline();
+    void ACreatedFileIsUtf8AndGetsItsFolders();
+    void PatchesALine_data();
+    void PatchesALine();
+    void TheNewLineIsTheLastOne();
+    void LinesOfOtherLettersSurviveInTheLocalEncoding();
+    void AFileThatCannotBeWrittenStaysAsItWas();
+    void AFileOfAReadOnlyFolderIsWrittenInPlace();
+    void AnUnreadableFileIsReplacedByTheLine();
+    void TheFileIsReplacedAsAWhole();
+    void ASymbolicLinkIsFollowed();
+    void TheModeIsKept();
+    void NothingIsLogged();
+
+private:
+    void Patch(QString const& p_Key, QString const& p_Line, bool p_Create = true)
+    {
+        App.PatchWoWTextFile(Path, p_Key, p_Line, p_Create);
+    }
+
+    TestSupport::TestApplication App;
+    std::unique_ptr<QTemporaryDir> Folder;
+    QString Path;
+};
+
+void TextFilePatchTest::init()
+{
+    Folder = std::make_unique<QTemporaryDir>();
+    Path = Folder->path() + "/Config.wtf";
+}
+
+void TextFilePatchTest::AMissingFileStaysMissing()
+{
+    Path = Folder->path() + "/WTF/Config.wtf";
+    Patch("key", "line", false);
+    QVERIFY(!QFile::exists(Folder->path() + "/WTF"));
+}
+
+void TextFilePatchTest::ACreatedFileHasNoFinalNewline()
+{
+    // The game has always been given its first line so.
+    Patch("key", "SET key \"1\"");
+    QCOMPARE(ReadFile(Path), QByteArray("SET key \"1\""));
+    Patch("other", "SET other \"2\"");
+    QCOMPARE(ReadFile(Path), QByteArray("SET key \"1\"\nSET other \"2\"\n"));
+}
+
+void TextFilePatchTest::ACreatedFileIsUtf8AndGetsItsFolders()
+{
+    Path = Folder->path() + "/a/b c/Config.wtf";
+    Patch("key", QString::fromUtf8("é€"));
+    QCOMPARE(ReadFile(Path), QByteArray("é€"));
+}
+
+void TextFilePatchTest::PatchesALine_data()
+{
+    QTest::addColumn<QByteArray>("Before");
+    QTest::addColumn<QString>("Key");
+    QTest::addColumn<QByteArray>("After");
+    QTest::newRow("appends") << QByteArray("a\nb\n") << "key" << QByteArray("a\nb\nNEW\n");
+    QTest::newRow("replaces") << QByteArray("a\nkey 1\nb\n") << "key" << QByteArray("a\nb\nNEW\n");
+    QTest::newRow("every line") << QByteArray("key\na\nkey\n") << "key" << QByteArray("a\nNEW\n");
+    QTest::newRow("no final newline") << QByteArray("a\nb") << "key" << QByteArray("a\nb\nNEW\n");
+    QTest::newRow("empty file") << QByteArray("") << "key" << QByteArray("NEW\n");
+    QTest::newRow("blank lines stay")
+        << QByteArray("\na\n\n") << "key" << QByteArray("\na\n\nNEW\n");
+    // The key is searched anywhere in a line, in any letter case.
+    QTest::newRow("letter case") << QByteArray("SET KEY\na\n") << "key" << QByteArray("a\nNEW\n");
+    QTest::newRow("inside a word") << QByteArray("SET textLocale \"1\"\nSET gxWindow \"1\"\n")
+                                   << "locale" << QByteArray("SET gxWindow \"1\"\nNEW\n");
+    QTest::newRow("inside a value")
+        << QByteArray("SET path \"C:/Locale/x\"\na\n") << "locale" << QByteArray("a\nNEW\n");
+    QTest::newRow("CRLF") << QByteArray("a\r\nkey\r\nb\r\n") << "key" << QByteArray("a\nb\nNEW\n");
+    QTest::newRow("blanks stay") << QByteArray("  a \t\n") << "key" << QByteArray("  a \t\nNEW\n");
+}
+
+void TextFilePatchTest::PatchesALine()
+{
+    QFETCH(QByteArray, Before);
+    QFETCH(QString, Key);
+    QFETCH(QByteArray, After);
+    for (bool const create : {false, true}) {
+        QVERIFY(WriteFile(Path, Before));
+        Patch(Key, "NEW", create);
+        QCOMPARE(ReadFile(Path), After);
+    }
+}
+
+void TextFilePatchTest::TheNewLineIsTheLastOne()
+{
+    QVERIFY(WriteFile(Path, "SET locale \"a\"\nb\n"));
+    Patch("locale", "SET locale \"frFR\"");
+    Patch("installLocale", "SET installLocale \"frFR\"");
+    QCOMPARE(ReadFile(Path), QByteArray("b\nSET locale \"frFR\"\nSET installLocale \"frFR\"\n"));
+    // The first of the two drops the other's line.
+    Patch("locale", "SET locale \"enUS\"");
+    QCOMPARE(ReadFile(Path), QByteArray("b\nSET locale \"enUS\"\n"));
+}
+
+void TextFilePatchTest::LinesOfOtherLettersSurviveInTheLocalEncoding()
+{
+    QVERIFY(WriteFile(Path, "SET name \"Zoé €\"\n"));
+    Patch("key", QString::fromUtf8("ü"));
+    QCOMPARE(ReadFile(Path), QByteArray("SET name \"Zoé €\"\nü\n"));
+}
+
+void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
+{
+    QVERIFY(QDir().mkpath(Path)); // a folder of this name, which no user can write to
+    Patch("key", "line");
+    QVERIFY(QFileInfo(Path).isDir());
+    QCOMPARE(QDir(Folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1);
+    QVERIFY(QDir().rmdir(Path));
+
+    if (TestSupport::IsRoot())
+        QSKIP("root writes to read-only files");
+    QVERIFY(WriteFile(Path, "key\n"));
+    QVERIFY(TestSupport::SetMode(Path, 0444));
+    Patch("key", "line");
+    QCOMPARE(ReadFile(Path), QByteArray("key\n"));
+}
+
+void TextFilePatchTest::AFileOfAReadOnlyFolderIsWrittenInPlace()
+{
+    if (TestSupport::IsRoot())
+        QSKIP("root writes to read-only folders");
+    QVERIFY(WriteFile(Path, "key 1\na\n"));
+    QVERIFY(TestSupport::SetMode(Folder->path(), 0555));
+    Patch("key", "line");
+    QVERIFY(TestSupport::SetMode(Folder->path(), 0755));
+    QCOMPARE(ReadFile(Path), QByteArray("a\nline\n"));
+}
+
+void TextFilePatchTest::AnUnreadableFileIsReplacedByTheLine()
+{
+    if (TestSupport::IsRoot())
+        QSKIP("root reads everything");
+    QVERIFY(WriteFile(Path, "a\n"));
+    QVERIFY(TestSupport::SetMode(Path, 0200));
+    Patch("key", "line");
+    QVERIFY(TestSupport::SetMode(Path, 0600));
+    QCOMPARE(ReadFile(Path), QByteArray("line\n"));
+}
+
+void TextFilePatchTest::TheFileIsReplacedAsAWhole()
+{
+    // A second name of the old file keeps the old content when the new file takes its place; the
+    // game never reads a configuration that is half written.
+    QString const second = Folder->path() + "/second";
+    QVERIFY(WriteFile(Path, "a\n"));
+    QCOMPARE(link(Path.toUtf8().constData(), second.toUtf8().constData()), 0);
+    Patch("key", "line");
+    QCOMPARE(ReadFile(Path), QByteArray("a\nline\n"));
+    QCOMPARE(ReadFile(second), QByteArray("a\n"));
+    QCOMPARE(QDir(Folder->path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+}
+
+void TextFilePatchTest::ASymbolicLinkIsFollowed()
+{
+    QString const target = Folder->path() + "/target";
+    QVERIFY(WriteFile(target, "a\n"));
+    QVERIFY(QFile::link(target, Path));
+    Patch("key", "line");
+    QVERIFY(QFileInfo(Path).isSymLink());
+    QCOMPARE(ReadFile(target), QByteArray("a\nline\n"));
+}
+
+void TextFilePatchTest::TheModeIsKept()
+{
+    QVERIFY(WriteFile(Path, "a\n"));
+    QVERIFY(TestSupport::SetMode(Path, 0640));
+    Patch("key", "line");
+    QCOMPARE(TestSupport::ModeOf(Path), 0640);
+}
+
+void TextFilePatchTest::NothingIsLogged()
+{
+    TestSupport::LogCapture const log;
+    Patch("key", "line");
+    Patch("key", "line");
+    Path = Folder->path();
+    Patch("key", "line");
+    QCOMPARE(log.Texts(), QStringList());
+}
+
+} // namespace Varnholt::Launcher
+
+QTEST_GUILESS_MAIN(Varnholt::Launcher::TextFilePatchTest)
+#include "tst_TextFilePatch.moc"
