@@ -1,0 +1,123 @@
+#include "Launcher/Helper/Process.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::Launcher {
+
+using Helper::Process::IsProcessListed;
+
+namespace {
+
+QStringList const c_Names{"wow.exe", "wow-64.exe", "macos/world of warcraft"};
+
+} // namespace
+
+class ProcessListTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void FindsAGameOfTheFolder_data();
+    void FindsAGameOfTheFolder();
+    void TellsTheNormalisedLine();
+    void TheLineIsLeftAloneWithoutAMatch();
+    void TheFirstMatchingLineIsTold();
+    void ANullLineChangesNothing();
+    void WithoutNamesNothingMatches();
+};
+
+void ProcessListTest::FindsAGameOfTheFolder_data()
+{
+    QTest::addColumn<QString>("Line");
+    QTest::addColumn<QString>("Folder");
+    QTest::addColumn<bool>("Expected");
+
+    QTest::newRow("bundle") << "u 1 /Games/Pelmora/World of Warcraft.app/Contents/MacOS/"
+                               "World of Warcraft -noautolaunch64bit"
+                            << "/Games/Pelmora/" << true;
+    QTest::newRow("Windows path") << R"(u 1 "C:\Games\Pelmora\Wow-64.exe" -x)"
+                                  << "C:/Games/Pelmora/" << true;
+    QTest::newRow("32 bits") << "u 1 /games/wow.exe"
+                             << "/games/" << true;
+    QTest::newRow("letter case") << "u 1 /GAMES/WOW-64.EXE"
+                                 << "/games/" << true;
+    QTest::newRow("folder's letter case") << "u 1 /games/wow-64.exe"
+                                          << "/GAMES/" << true;
+    QTest::newRow("folder in the environment") << "u 1 wow-64.exe PWD=/games/"
+                                               << "/games/" << true;
+    QTest::newRow("quote inside the folder") << R"(u 1 /ga"mes/wow-64.exe)"
+                                             << "/games/" << true;
+
+    QTest::newRow("other folder") << "u 1 /elsewhere/Wow-64.exe"
+                                  << "/games/" << false;
+    QTest::newRow("other program") << "u 1 /games/editor"
+                                   << "/games/" << false;
+    QTest::newRow("empty line") << ""
+                                << "/games/" << false;
+    QTest::newRow("nothing but blanks") << "        "
+                                        << " " << false;
+    // The launchers' command lines carry the folder and the game's name too.
+    QTest::newRow("first launcher") << "u 1 /games/QuorvelLauncher.exe wow-64.exe"
+                                    << "/games/" << false;
+    QTest::newRow("second launcher") << R"(u 1 C:\games\TESMIDLAUNCHER.EXE wow-64.exe)"
+                                     << "games/" << false;
+    // The line is normalised, the folder is not.
+    QTest::newRow("backslashes in the folder") << R"(u 1 C:\games\wow-64.exe)"
+                                               << R"(C:\games\)" << false;
+    // A folder of nothing but blanks is searched for like any other.
+    QTest::newRow("folder of blanks") << "u 1   wow-64.exe"
+                                      << "  " << true;
+    QTest::newRow("folder of blanks, not there") << "u 1 wow-64.exe"
+                                                 << "  " << false;
+    // Below four characters a line is nothing; with four it is searched.
+    QTest::newRow("three characters") << " abc "
+                                      << "a" << false;
+}
+
+void ProcessListTest::FindsAGameOfTheFolder()
+{
+    QFETCH(QString, Line);
+    QFETCH(QString, Folder);
+    QFETCH(bool, Expected);
+    QString const list = "USER PID COMMAND\nroot 1 /sbin/init\n" + Line + "\nroot 9 ps auxwwwe\n";
+    QCOMPARE(IsProcessListed(list, Folder, c_Names, nullptr), Expected);
+    QCOMPARE(IsProcessListed(Line, Folder, c_Names, nullptr), Expected);
+}
+
+void ProcessListTest::TellsTheNormalisedLine()
+{
+    QString line = "before";
+    QVERIFY(
+        IsProcessListed("  U 1 \"C:\\Games\\Wow-64.exe\" -X \t\n", "c:/games/", c_Names, &line));
+    QCOMPARE(line, QString("u 1 c:/games/wow-64.exe -x"));
+}
+
+void ProcessListTest::TheLineIsLeftAloneWithoutAMatch()
+{
+    QString line = "before";
+    QVERIFY(!IsProcessListed("u 1 /games/editor\n", "/games/", c_Names, &line));
+    QCOMPARE(line, QString("before"));
+}
+
+void ProcessListTest::TheFirstMatchingLineIsTold()
+{
+    QString line;
+    QVERIFY(IsProcessListed("1 /games/editor\n2 /games/wow.exe\n3 /games/wow-64.exe\n", "/games/",
+                            c_Names, &line));
+    QCOMPARE(line, QString("2 /games/wow.exe"));
+}
+
+void ProcessListTest::ANullLineChangesNothing()
+{
+    QVERIFY(IsProcessListed("abcd", "a", {"abcd"}, nullptr));
+    QVERIFY(!IsProcessListed("abc", "a", {"abc"}, nullptr));
+}
+
+void ProcessListTest::WithoutNamesNothingMatches()
+{
+    QVERIFY(!IsProcessListed("u 1 /games/wow.exe\n", "/games/", {}, nullptr));
+}
+
+} // namespace Varnholt::Launcher
+
+QTEST_GUILESS_MAIN(Varnholt::Launcher::ProcessListTest)
+#include "tst_ProcessList.moc"
