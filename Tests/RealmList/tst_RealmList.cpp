@@ -8,8 +8,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-Q_DECLARE_METATYPE(Varnholt::TestSupport::Answer)
-
 namespace Varnholt::Launcher {
 
 using TestSupport::Answer;

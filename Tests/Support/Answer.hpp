@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMetaType>
 
 #include <optional>
 #include <utility>
@@ -73,3 +74,5 @@ public:
 };
 
 } // namespace Varnholt::TestSupport
+
+Q_DECLARE_METATYPE(Varnholt::TestSupport::Answer)
