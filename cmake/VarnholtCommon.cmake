@@ -15,6 +15,8 @@ target_compile_options(varnholt_common INTERFACE
     -fvisibility=hidden
     -fvisibility-inlines-hidden
     $<$<BOOL:${VARNHOLT_WERROR}>:-Werror>
+    # Unique symbols would pin a loaded module in memory, images and all.
+    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
 )
 
 target_compile_definitions(varnholt_common INTERFACE
