@@ -1,0 +1,128 @@
+#include "Host/Core/Failure.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+namespace Varnholt::Host {
+
+namespace {
+
+constexpr int c_NetworkStatus = 5;
+
+struct Row {
+    FailureKind Kind;
+    char const* Identifier;
+    int ExitStatus;
+    char const* Sentence; ///< {s} is the subject, {d} the detail
+    char const* Remedy;
+};
+
+constexpr Row c_Table[] = {
+    {FailureKind::Other, "other", 1, "{s}: {d}", "try again"},
+    {FailureKind::NotInstalled, "not-installed", 1, "{s} is not installed", "install it first"},
+    {FailureKind::LocaleNotOffered, "locale-not-offered", 2,
+     "the build does not offer the language \"{s}\"", "choose one of: {d}"},
+    {FailureKind::ModuleMissing, "module-missing", 9, "there is no module file {s}",
+     "check its name, or install the module again"},
+    {FailureKind::ModuleForeign, "module-foreign", 9, "the file {s} is not a launcher module ({d})",
+     "choose another module file"},
+    {FailureKind::ModuleUnloadable, "module-unloadable", 9, "the module {s} cannot be loaded ({d})",
+     "install what it lacks, or the module again"},
+    {FailureKind::ServerUnreachable, "server-unreachable", c_NetworkStatus,
+     "{s} cannot be fetched ({d})",
+     "check the network connection and the server's address, then try again"},
+    {FailureKind::ServerRefusal, "server-refusal", c_NetworkStatus,
+     "the server does not give {s} ({d})",
+     "check the server's address, or try again when the server is in order"},
+    {FailureKind::ServerSilent, "server-silent", c_NetworkStatus,
+     "nothing more arrives from {s} ({d})", "check the network connection, then try again"},
+    {FailureKind::ContentInvalid, "content-invalid", c_NetworkStatus,
+     "what the server gives as {s} is not usable ({d})",
+     "check the server's address, or try again when the server is in order"},
+    {FailureKind::BuildEmpty, "build-empty", 1, "the build {s} holds no files for this platform",
+     "ask who publishes it"},
+    {FailureKind::FilesUnreachable, "files-unreachable", c_NetworkStatus, "{s} ({d})",
+     "check the network connection and run \"update\"; everything else is in place and kept"},
+    {FailureKind::FilesGivenUp, "files-given-up", 4, "{s} ({d})",
+     "run \"update\" again; everything else is in place and kept"},
+    {FailureKind::DiskFull, "disk-full", 6, "the volume of {s} is too full ({d})",
+     "free some space, then try again; what has arrived is kept"},
+    {FailureKind::InstalledElsewhere, "installed-elsewhere", 7,
+     "the game is already installed in {s}",
+     "update it there, or confirm (--yes) that it shall be installed anew"},
+    {FailureKind::FolderMissing, "folder-missing", 7, "the installation folder {s} does not exist",
+     "connect its drive, or install again"},
+    {FailureKind::FolderIsFile, "folder-is-file", 7, "{s} is a file, not a folder",
+     "choose another folder"},
+    {FailureKind::FolderForbidden, "folder-forbidden", 7, "{s} is no folder for a game ({d})",
+     "choose a folder of its own"},
+    {FailureKind::FolderForeign, "folder-foreign", 7, "the folder {s} holds other files",
+     "choose an empty folder, or confirm (--yes) that the game shall go there"},
+    {FailureKind::FolderUnwritable, "folder-unwritable", 7,
+     "the folder {s} cannot be written ({d})", "change its permissions or choose another folder"},
+    {FailureKind::FolderBlocksFile, "folder-blocks-file", 7,
+     "a folder stands where the file {s} belongs", "move that folder away, then try again"},
+    {FailureKind::FileUnwritable, "file-unwritable", 7, "the file {s} cannot be written ({d})",
+     "remove what stands in its way or change the permissions, then try again"},
+    {FailureKind::SettingsUnwritable, "settings-unwritable", 7,
+     "the settings file {s} cannot be written", "change its permissions or choose another file"},
+    {FailureKind::FolderLocked, "folder-locked", 8, "another program works in the folder {s}",
+     "wait for it to end, then try again"},
+};
+
+Row const& RowOf(FailureKind p_Kind)
+{
+    auto const row = std::find_if(std::begin(c_Table), std::end(c_Table),
+                                  [p_Kind](Row const& p_Row) { return p_Row.Kind == p_Kind; });
+    return row == std::end(c_Table) ? c_Table[0] : *row;
+}
+
+/// Replaces both marks in one pass over the template, so that a path holding "{d}" stays itself.
+QString Fill(char const* p_Template, Failure const& p_Failure)
+{
+    QString const text = QString::fromUtf8(p_Template);
+    QString filled;
+    for (int i = 0; i < text.size(); ++i) {
+        QStringRef const mark = text.midRef(i, 3);
+        if (mark == QLatin1String("{s}"))
+            filled += p_Failure.Subject;
+        else if (mark == QLatin1String("{d}"))
+            filled +=
+                p_Failure.Detail.isEmpty() ? QStringLiteral("cause unknown") : p_Failure.Detail;
+        else {
+            filled += text[i];
+            continue;
+        }
+        i += 2;
+    }
+    return filled;
+}
+
+} // namespace
+
+QString Failure::Identifier() const
+{
+    return QString::fromLatin1(RowOf(Kind).Identifier);
+}
+
+int Failure::ExitStatus() const
+{
+    return RowOf(Kind).ExitStatus;
+}
+
+QString Failure::Sentence() const
+{
+    return Fill(RowOf(Kind).Sentence, *this);
+}
+
+QString Failure::Remedy() const
+{
+    return Fill(RowOf(Kind).Remedy, *this);
+}
+
+bool Failure::IsNetwork() const
+{
+    return ExitStatus() == c_NetworkStatus;
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Host/Core/FailureKind.hpp"
+
+#include <QMetaType>
+#include <QString>
+
+namespace Varnholt::Host {
+
+/// Why something was not done, ready to be told: one sentence, what to do, and an exit status.
+struct Failure {
+    FailureKind Kind = FailureKind::Other;
+    QString Subject; ///< the file, folder or address concerned
+    QString Detail;  ///< the cause, as far as it is known; may be empty
+
+    /// A word for programs, the same in every version: "disk-full".
+    QString Identifier() const;
+    /// 1 other, 2 usage, 3 update available, 4 files wrong or given up, 5 network, 6 disk full,
+    /// 7 permission or path, 8 game running or folder locked, 9 module cannot be loaded,
+    /// 130 interrupted and resumable.
+    int ExitStatus() const;
+    /// What failed, without a full stop.
+    QString Sentence() const;
+    /// What to do about it, as the end of a sentence.
+    QString Remedy() const;
+    /// True for what may pass by itself: trying again later makes sense.
+    bool IsNetwork() const;
+};
+
+} // namespace Varnholt::Host
+
+Q_DECLARE_METATYPE(Varnholt::Host::Failure)

@@ -1,0 +1,105 @@
+#include "Host/Core/FileDiagnosis.hpp"
+
+#include "Host/Core/ByteText.hpp"
+#include "Host/Core/FolderCheck.hpp"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+QString Named(FileDiagnosis::Entries const& p_Missing)
+{
+    constexpr std::size_t c_MostNamed = 10;
+
+    if (p_Missing.size() == 1)
+        return QStringLiteral("the file %1 could not be fetched").arg(p_Missing.front().Path);
+    QStringList names;
+    for (std::size_t i = 0; i < std::min(p_Missing.size(), c_MostNamed); ++i)
+        names += p_Missing[i].Path;
+    if (p_Missing.size() > c_MostNamed)
+        names += QStringLiteral("and %1 more").arg(p_Missing.size() - c_MostNamed);
+    return QStringLiteral("%1 files could not be fetched: %2")
+        .arg(p_Missing.size())
+        .arg(names.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkJournal const& p_Journal,
+                             std::function<qint64(QString const&)> p_FreeBytes)
+    : Folder(std::move(p_Folder))
+    , Journal(p_Journal)
+    , FreeBytes(std::move(p_FreeBytes))
+{
+}
+
+Failure FileDiagnosis::Explain(Entries const& p_Missing) const
+{
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing)
+        if (auto const failure = WhatStandsInTheWay(entry.Path))
+            return *failure;
+    if (auto const failure = FullDisk(p_Missing))
+        return *failure;
+
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
+        auto const note = Journal.FailureOfFile(entry.Location);
+        if (!note)
+            continue;
+        auto const kind =
+            note->IsUnreachable() ? FailureKind::FilesUnreachable : FailureKind::FilesGivenUp;
+        return {kind, Named(p_Missing), QStringLiteral("%1 for %2").arg(note->Cause(), note->Url)};
+    }
+    return {FailureKind::FilesGivenUp, Named(p_Missing),
+            QStringLiteral("what the server gave is not what the build announces")};
+}
+
+std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) const
+{
+    QString const path = Folder + p_Path;
+    if (QFileInfo(path).isDir())
+        return Failure{FailureKind::FolderBlocksFile, path, {}};
+    QString const part = path + QLatin1String(".part");
+    if (QFileInfo(part).isDir())
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("a folder stands at %1").arg(part)};
+    if (QFileInfo::exists(part) && !QFile(part).open(QIODevice::WriteOnly | QIODevice::Append))
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("%1 cannot be opened").arg(part)};
+
+    QString above = QFileInfo(path).path();
+    while (!QFileInfo::exists(above) && above.size() > Folder.size())
+        above = QFileInfo(above).path();
+    if (!QFileInfo(above).isDir())
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("%1 is no folder").arg(above)};
+    auto const unwritable = FolderCheck::ForWriting(above);
+    // A full disk refuses new files too, and is told better elsewhere.
+    return unwritable && FreeBytes(Folder) != 0 ? unwritable : std::nullopt;
+}
+
+std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
+{
+    constexpr qint64 c_NearlyNothing = 64 * 1024;
+
+    qint64 const free = FreeBytes(Folder);
+    if (free < 0)
+        return std::nullopt;
+    qint64 needed = 0;
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
+        qint64 const there = QFileInfo(Folder + entry.Path + QLatin1String(".part")).size();
+        needed += std::max<qint64>(0, static_cast<qint64>(Journal.SizeOf(entry.Location)) - there);
+    }
+    if (free >= needed && free >= c_NearlyNothing)
+        return std::nullopt;
+    return Failure{
+        FailureKind::DiskFull, Folder,
+        QStringLiteral("%1 are free, %2 more are needed")
+            .arg(ByteText(static_cast<quint64>(free)), ByteText(static_cast<quint64>(needed)))};
+}
+
+} // namespace Varnholt::Host

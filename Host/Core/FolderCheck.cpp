@@ -1,0 +1,75 @@
+#include "Host/Core/FolderCheck.hpp"
+
+#include "GameModules/PendingList.hpp"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+namespace Varnholt::Host::FolderCheck {
+
+namespace {
+
+/// The folder itself, or the nearest one above it that exists.
+QString NearestExisting(QString p_Path)
+{
+    while (!QFileInfo::exists(p_Path) && !QDir(p_Path).isRoot()) {
+        QString const above = QFileInfo(p_Path).path();
+        if (above == p_Path)
+            break;
+        p_Path = above;
+    }
+    return p_Path;
+}
+
+bool IsSame(QString const& p_Path, QString const& p_Other)
+{
+    QString const path = QFileInfo(p_Path).canonicalFilePath();
+    return !path.isEmpty() && path == QFileInfo(p_Other).canonicalFilePath();
+}
+
+bool HoldsForeignFiles(QString const& p_Folder)
+{
+    QDir const folder(p_Folder);
+    bool const ours = folder.exists(Launcher::PendingList::c_Base) ||
+                      folder.exists(Launcher::PendingList::c_Streamed);
+    return !ours && !folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+} // namespace
+
+QString Normalized(QString const& p_Folder)
+{
+    QString folder = QDir::cleanPath(QDir::current().absoluteFilePath(p_Folder));
+    if (!folder.endsWith(QLatin1Char('/')))
+        folder += QLatin1Char('/');
+    return folder;
+}
+
+std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known, bool p_Confirmed)
+{
+    QString const folder = QDir::cleanPath(p_Folder);
+    QString const nearest = NearestExisting(folder);
+    if (!QFileInfo(nearest).isDir())
+        return Failure{FailureKind::FolderIsFile, nearest, {}};
+    if (IsSame(folder, QDir::rootPath()))
+        return Failure{FailureKind::FolderForbidden, folder, QStringLiteral("it is the root")};
+    if (IsSame(folder, QDir::homePath()))
+        return Failure{FailureKind::FolderForbidden, folder,
+                       QStringLiteral("it is your home folder")};
+    bool const known = !p_Known.isEmpty() && IsSame(folder, p_Known);
+    if (nearest == folder && !known && !p_Confirmed && HoldsForeignFiles(folder))
+        return Failure{FailureKind::FolderForeign, folder, {}};
+    return ForWriting(nearest);
+}
+
+std::optional<Failure> ForWriting(QString const& p_Folder)
+{
+    // The permission bits tell little: mounts, quotas and access lists decide too.
+    QTemporaryFile probe(QDir(p_Folder).filePath(QStringLiteral(".varnholt-XXXXXX")));
+    if (probe.open())
+        return std::nullopt;
+    return Failure{FailureKind::FolderUnwritable, QDir::cleanPath(p_Folder), probe.errorString()};
+}
+
+} // namespace Varnholt::Host::FolderCheck

@@ -1,0 +1,32 @@
+#include "Host/Core/HostOptions.hpp"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+#include <QStorageInfo>
+
+namespace Varnholt::Host {
+
+QString HostOptions::DefaultModuleFile()
+{
+#ifdef Q_OS_MACOS
+    QString const name = QStringLiteral("../plugins/libPelmora.dylib");
+#else
+    QString const name = QStringLiteral("../plugins/libPelmora.so");
+#endif
+    return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).filePath(name));
+}
+
+QString HostOptions::DefaultSettingsFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/varnholt/host.ini");
+}
+
+qint64 HostOptions::VolumeFreeBytes(QString const& p_Path)
+{
+    QStorageInfo const volume(p_Path);
+    return volume.isValid() ? volume.bytesAvailable() : -1;
+}
+
+} // namespace Varnholt::Host

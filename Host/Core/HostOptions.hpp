@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace Varnholt::Host {
+
+/// What a program may choose about a session. The initial values are those of a plain start.
+struct HostOptions {
+    QString ModuleFile;   ///< absolute; empty: `DefaultModuleFile()`
+    QString SettingsFile; ///< absolute; empty: `DefaultSettingsFile()`
+    QString ContentUrl;   ///< content server instead of the module's own; empty: none
+    bool UseDevChannel = false;
+    int StallMilliseconds = 60'000;     ///< a transfer without a byte for so long is given up
+    int RetryPauseMilliseconds = 1'000; ///< before a stopped run is begun again; doubles each time
+    /// Bytes that may still be written to the volume of a path. Module thread.
+    std::function<qint64(QString const&)> FreeBytes = VolumeFreeBytes;
+
+    /// The module beside the program: ../plugins/libPelmora.so.
+    static QString DefaultModuleFile();
+    static QString DefaultSettingsFile();
+    /// -1 when the volume is not known.
+    static qint64 VolumeFreeBytes(QString const& p_Path);
+};
+
+} // namespace Varnholt::Host

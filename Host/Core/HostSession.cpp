@@ -1,0 +1,58 @@
+#include "Host/Core/HostSession.hpp"
+
+#include "Host/Core/ModuleHost.hpp"
+
+#include <QCoreApplication>
+#include <QDir>
+
+namespace Varnholt::Host {
+
+HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
+    : QObject(p_Parent)
+    , Settings(p_Options.SettingsFile.isEmpty() ? HostOptions::DefaultSettingsFile()
+                                                : p_Options.SettingsFile)
+    , Host(new ModuleHost(p_Options, Settings))
+{
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+    if (!p_Options.ContentUrl.isEmpty())
+        qputenv("VARNHOLT_CONTENT_BASE_URL", p_Options.ContentUrl.toUtf8());
+
+    Host->moveToThread(&ModuleThread);
+    connect(Host, &ModuleHost::Loaded, this, &HostSession::Opened);
+    connect(Host, &ModuleHost::LoadFailed, this, &HostSession::OpenFailed);
+    connect(Host, &ModuleHost::StatusRead, this, &HostSession::StatusRead);
+    connect(Host, &ModuleHost::Progressed, this, &HostSession::Progressed);
+    connect(Host, &ModuleHost::Noticed, this, &HostSession::Noticed);
+    connect(Host, &ModuleHost::Ended, this, &HostSession::Ended);
+    connect(Host, &ModuleHost::Closed, Host, &QObject::deleteLater);
+    connect(Host, &QObject::destroyed, &ModuleThread, &QThread::quit, Qt::DirectConnection);
+    ModuleThread.setObjectName(QStringLiteral("module"));
+    ModuleThread.start();
+}
+
+HostSession::~HostSession()
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host] { host->Close(); }, Qt::QueuedConnection);
+    ModuleThread.wait();
+}
+
+void HostSession::Open()
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host] { host->Load(); }, Qt::QueuedConnection);
+}
+
+void HostSession::ReadStatus()
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host] { host->ReadStatus(); }, Qt::QueuedConnection);
+}
+
+void HostSession::Start(RunRequest const& p_Request)
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host, p_Request] { host->Start(p_Request); }, Qt::QueuedConnection);
+}
+
+} // namespace Varnholt::Host

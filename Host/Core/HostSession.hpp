@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Host/Core/Failure.hpp"
+#include "Host/Core/HostOptions.hpp"
+#include "Host/Core/HostSettings.hpp"
+#include "Host/Core/InstallStatus.hpp"
+#include "Host/Core/ModuleInfo.hpp"
+#include "Host/Core/RunRequest.hpp"
+#include "Host/Core/RunResult.hpp"
+#include "Host/Core/RunSnapshot.hpp"
+
+#include <QObject>
+#include <QThread>
+
+namespace Varnholt::Host {
+
+class ModuleHost;
+
+/// A module at work, as a program sees it. Requests return at once; what comes of them arrives by
+/// signals on the thread of the session. One session at a time in a process.
+///
+/// The process's current folder becomes the program's own: the module takes an installation in the
+/// current folder for one beside the launcher and moves it one level down, which must not happen to
+/// a user who stands in the game folder. Make relative paths absolute before.
+class HostSession : public QObject {
+    Q_OBJECT
+
+public:
+    explicit HostSession(HostOptions const& p_Options, QObject* p_Parent = nullptr);
+    /// Stops a transfer, keeping what has arrived, and waits for the threads.
+    ~HostSession() override;
+
+    /// Loads the module; answered by `Opened` or `OpenFailed`.
+    void Open();
+    /// Answered by `StatusRead`, without network.
+    void ReadStatus();
+    /// Answered by any number of `Progressed` and `Noticed`, and one `Ended`.
+    void Start(RunRequest const& p_Request);
+
+Q_SIGNALS:
+    void Opened(ModuleInfo p_Info);
+    void OpenFailed(Failure p_Failure);
+    void StatusRead(InstallStatus p_Status);
+    void Progressed(RunSnapshot p_Snapshot);
+    void Noticed(QString p_Text);
+    void Ended(RunResult p_Result);
+
+private:
+    HostSettings Settings;
+    QThread ModuleThread;
+    ModuleHost* Host; ///< lives on the module thread
+};
+
+} // namespace Varnholt::Host

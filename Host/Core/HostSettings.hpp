@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QMutex>
+#include <QSettings>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+namespace Varnholt::Host {
+
+/// The settings store of host and module, an INI file. All operations from any thread.
+class HostSettings {
+public:
+    /// \param p_File absolute; its folder is created
+    explicit HostSettings(QString const& p_File);
+
+    QVariant Value(QString const& p_Key, QVariant const& p_Default = {}) const;
+    void SetValue(QString const& p_Key, QVariant const& p_Value);
+    QStringList Keys() const;
+    void Remove(QString const& p_Key);
+    /// Writes what has changed. \return false when the file cannot be read or written
+    bool Flush();
+    QString File() const { return Store.fileName(); }
+
+private:
+    mutable QMutex StoreMutex;
+    QSettings Store;
+};
+
+} // namespace Varnholt::Host

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Host/Core/AsyncWorker.hpp"
+#include "Host/Core/HostEnvironment.hpp"
+#include "Host/Core/HostOptions.hpp"
+#include "Host/Core/InstallRecord.hpp"
+#include "Host/Core/InstallStatus.hpp"
+#include "Host/Core/ModuleInfo.hpp"
+#include "Host/Core/ModuleLoader.hpp"
+#include "Host/Core/NetworkJournal.hpp"
+#include "Host/Core/QueuePump.hpp"
+#include "Host/Core/RunControl.hpp"
+#include "Host/Core/RunWatch.hpp"
+#include "Host/Core/TransferLedger.hpp"
+
+#include <QDeadlineTimer>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace Varnholt::Host {
+
+/// Everything that lives on the module thread: the module's object, the pump of its closures, and
+/// what watches it. `HostSession` is what programs use.
+class ModuleHost : public QObject {
+    Q_OBJECT
+
+public:
+    ModuleHost(HostOptions p_Options, HostSettings& p_Settings);
+    ~ModuleHost() override;
+
+    void Load();
+    void ReadStatus();
+    void Start(RunRequest const& p_Request);
+    /// Ends what is under way, deletes the module and emits `Closed`.
+    void Close();
+
+Q_SIGNALS:
+    void Loaded(ModuleInfo p_Info);
+    void LoadFailed(Failure p_Failure);
+    void StatusRead(InstallStatus p_Status);
+    void Progressed(RunSnapshot p_Snapshot);
+    void Noticed(QString p_Text);
+    void Ended(RunResult p_Result);
+    void Closed();
+
+private:
+    bool IsLoaded() const { return Loader.Application() != nullptr; }
+    void Assemble();
+    void Turn();
+    void OnError(QString const& p_Message);
+    void CloseWhenRested();
+    void FinishClose();
+
+    HostOptions Options;
+    HostSettings& Settings;
+    RunGate Gate;
+    HostEnvironment Environment;
+    ModuleLoader Loader;
+    QTimer TurnTimer;
+    bool Closing = false;
+    QDeadlineTimer CloseDeadline;
+
+    // In the order of their needs; all null until the module is loaded.
+    std::unique_ptr<InstallRecord> Record;
+    std::unique_ptr<QueuePump> Pump;
+    std::unique_ptr<AsyncWorker> Worker;
+    std::unique_ptr<TransferLedger> Ledger;
+    std::unique_ptr<NetworkJournal> Journal;
+    std::unique_ptr<RunWatch> Watch;
+    std::unique_ptr<RunControl> Control;
+};
+
+} // namespace Varnholt::Host

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QMetaType>
+#include <QPair>
+#include <QString>
+#include <QVector>
+
+namespace Varnholt::Host {
+
+/// What a module says about itself.
+struct ModuleInfo {
+    QString File;
+    QString Name;
+    QString AppId;
+    QString MetaDataName;
+    QString Version;
+    QVector<QPair<QString, QString>> Presentation; ///< what it is, and the module's value
+    QVector<QPair<QString, QString>> Images;       ///< what it is, and its resource path
+};
+
+} // namespace Varnholt::Host
+
+Q_DECLARE_METATYPE(Varnholt::Host::ModuleInfo)

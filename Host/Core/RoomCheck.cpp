@@ -1,0 +1,55 @@
+#include "Host/Core/RoomCheck.hpp"
+
+#include "Host/Core/ByteText.hpp"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
+{
+    return {
+        FailureKind::DiskFull, p_Folder,
+        QStringLiteral("%1 are free, %2 more are needed")
+            .arg(ByteText(static_cast<quint64>(p_Free)), ByteText(static_cast<quint64>(p_Needed)))};
+}
+
+} // namespace
+
+RoomCheck::RoomCheck(std::function<qint64(QString const&)> p_FreeBytes)
+    : FreeBytes(std::move(p_FreeBytes))
+{
+}
+
+std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entries const& p_Files,
+                                                 quint64 p_TotalBytes) const
+{
+    qint64 needed = static_cast<qint64>(p_TotalBytes);
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
+        QString const path = p_Folder + entry.Path;
+        needed -= QFileInfo(path).isFile() ? QFileInfo(path).size() : 0;
+        needed -= QFileInfo(path + QLatin1String(".part")).size();
+    }
+    qint64 const free = FreeBytes(p_Folder);
+    if (free < 0 || needed <= free)
+        return std::nullopt;
+    return Full(p_Folder, free, needed);
+}
+
+std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,
+                                                   quint64 p_RemainingBytes) const
+{
+    constexpr qint64 c_NearlyNothing = 64 * 1024;
+
+    qint64 const free = FreeBytes(p_Folder);
+    qint64 const remaining = static_cast<qint64>(p_RemainingBytes);
+    if (free < 0 || free >= std::min(c_NearlyNothing, remaining))
+        return std::nullopt;
+    return Full(p_Folder, free, remaining);
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,309 @@
+#include "Host/Core/RunControl.hpp"
+
+#include "Host/Core/FileDiagnosis.hpp"
+#include "Host/Core/FolderCheck.hpp"
+#include "Host/Core/MissingFiles.hpp"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMutexLocker>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+constexpr int c_MostPasses = 5;
+
+bool IsAboutLocales(RunRequest const& p_Request)
+{
+    return p_Request.Kind == RunRequest::Type::ListLocales ||
+           p_Request.Kind == RunRequest::Type::ChooseLocale;
+}
+
+} // namespace
+
+RunControl::RunControl(RunContext const& p_Context)
+    : Context(p_Context)
+    , Reader(p_Context.Module, p_Context.Journal)
+    , Room(p_Context.Options.FreeBytes)
+    , Stall(p_Context.Options.StallMilliseconds)
+{
+    Clock.start();
+}
+
+void RunControl::Begin(RunRequest const& p_Request)
+{
+    if (CurrentStep != Step::Idle)
+        return;
+    Request = p_Request;
+    Result = {};
+    Result.Transfers = Context.Ledger.Count();
+    PumpHeld = false;
+    HasInstalled = false;
+    WantsEveryFile = p_Request.Kind == RunRequest::Type::Repair || Context.Record.IsUnfinished();
+    Attempts = Passes = 0;
+    LastMissing = std::numeric_limits<std::size_t>::max();
+    Pending.reset();
+    Told.clear();
+    Context.Journal.Clear();
+    if (auto const failure = Preconditions())
+        return Fail(*failure);
+    StartUp();
+}
+
+std::optional<Failure> RunControl::Preconditions()
+{
+    InstallRecord const& record = Context.Record;
+    if (IsAboutLocales(Request))
+        return std::nullopt;
+    if (Request.Kind == RunRequest::Type::Install) {
+        QString const folder = FolderCheck::Normalized(Request.Argument);
+        if (record.IsInstalled() && record.Folder() != folder && !Request.Confirmed)
+            return Failure{FailureKind::InstalledElsewhere, record.Folder(), {}};
+        return FolderCheck::ForInstall(folder, record.Folder(), Request.Confirmed);
+    }
+    if (!record.IsInstalled())
+        return Failure{FailureKind::NotInstalled, Context.Module.GetName(), {}};
+    // An absent drive must not lead to a second installation at its mount point.
+    if (!QFileInfo(record.Folder()).isDir())
+        return Failure{FailureKind::FolderMissing, record.Folder(), {}};
+    if (auto const failure = FolderCheck::ForWriting(record.Folder()))
+        return failure;
+    return LockFolder(record.Folder());
+}
+
+std::optional<Failure> RunControl::LockFolder(QString const& p_Folder)
+{
+    Lock = std::make_unique<QLockFile>(p_Folder + QStringLiteral(".varnholt-host.lock"));
+    Lock->setStaleLockTime(0); // a run takes hours; only a lock whose owner has died is stale
+    if (Lock->tryLock() || Lock->error() != QLockFile::LockFailedError)
+        return std::nullopt;
+    Lock.reset();
+    return Failure{FailureKind::FolderLocked, p_Folder, {}};
+}
+
+void RunControl::StartUp()
+{
+    CurrentStep = Step::StartingUp;
+    Context.Watch.Reset();
+    Stall.Reset();
+    bool const chainGoesOn = Request.Kind == RunRequest::Type::Update && !WantsEveryFile;
+    if (chainGoesOn)
+        Context.Gate.Open();
+    else
+        Context.Gate.Close();
+    Context.Module.DownloadRetryCount = 0;
+    LastDead = Context.Journal.DeadMirrors().size();
+    Context.Module.Init();
+}
+
+void RunControl::OnConnected()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    Result.Build = module.Manifest.BuildStr;
+    Context.Watch.Reset();
+    Stall.Reset();
+    if (IsAboutLocales(Request))
+        return AnswerLocales();
+    if (module.Manifest.Files.empty() && module.Manifest.StreamedFiles.empty())
+        return Fail({FailureKind::BuildEmpty, module.RemoteBuild, {}});
+    QString const locale = module.GetAppLocale();
+    if (!module.Manifest.Locales.empty() && module.Manifest.Locales.count(locale) == 0)
+        NoticeOnce(QStringLiteral("The build does not offer the language %1; its files are left "
+                                  "out until another one is chosen.")
+                       .arg(locale));
+
+    CurrentStep = Step::Running;
+    if (Request.Kind == RunRequest::Type::Install && !HasInstalled) {
+        if (auto const failure = BeginInstall())
+            Fail(*failure);
+    } else if (WantsEveryFile || Context.Record.CompletedBuild() != module.RemoteBuild) {
+        // The ordinary comparison trusts the pending lists for streamed files and for those of a
+        // first build only; they know nothing of another build's.
+        BeginRepair();
+    }
+}
+
+std::optional<Failure> RunControl::BeginInstall()
+{
+    QString const folder = FolderCheck::Normalized(Request.Argument);
+    if (!QDir().mkpath(folder))
+        return Failure{FailureKind::FolderUnwritable, folder,
+                       QStringLiteral("it cannot be created")};
+    if (auto const failure = FolderCheck::ForWriting(folder))
+        return failure;
+    if (auto const failure = LockFolder(folder))
+        return failure;
+    HasInstalled = true;
+    WantsEveryFile = true;
+    Context.Record.MarkUnfinished();
+    Context.Gate.Open();
+    Context.Module.Install(folder, false);
+    return std::nullopt;
+}
+
+void RunControl::BeginRepair()
+{
+    WantsEveryFile = true;
+    Context.Record.MarkUnfinished();
+    Context.Gate.Open();
+    Context.Module.Repair();
+}
+
+void RunControl::AnswerLocales()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    Result.Locales = module.GetAvailableLocales();
+    if (Request.Kind == RunRequest::Type::ChooseLocale) {
+        QStringList tags;
+        for (auto const& locale : Result.Locales)
+            tags += locale.Tag;
+        if (!tags.contains(Request.Argument))
+            return Fail(
+                {FailureKind::LocaleNotOffered, Request.Argument, tags.join(QStringLiteral(", "))});
+        // The lists of what is missing were made for the language before.
+        if (Context.Record.IsInstalled() && module.GetAppLocale() != Request.Argument)
+            Context.Record.MarkUnfinished();
+        module.SetAppLocale(Request.Argument);
+    }
+    Finish();
+}
+
+void RunControl::BeforePump()
+{
+    if (CurrentStep == Step::Idle)
+        return;
+    CleanMirrors();
+    if (CurrentStep == Step::Running)
+        CheckRoom(Reader.Phase());
+}
+
+void RunControl::AfterPump()
+{
+    if (CurrentStep == Step::StartingUp) {
+        if (Context.Module.UISetting.State != 0)
+            OnConnected();
+        else if (Context.Watch.Observe())
+            OnStartUpFailed();
+    } else if (CurrentStep == Step::Running && Context.Watch.Observe()) {
+        OnQuiet();
+    }
+    if (CurrentStep == Step::StartingUp || CurrentStep == Step::Running)
+        WatchForStall(CurrentPhase());
+    ShowProgress();
+}
+
+/// Called when the module has fallen silent: finds out where it stopped.
+void RunControl::OnQuiet()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    Context.Watch.Reset();
+    int mode = 0;
+    Launcher::StandartApplication::Entries stopped;
+    {
+        QMutexLocker const lock(&module.RunMutex);
+        mode = module.UISetting.Download.Mode;
+        if (module.CurrentDownloadIndex < module.FilesToDownload.size())
+            stopped = {module.FilesToDownload[module.CurrentDownloadIndex]};
+    }
+    if (Pending) {
+        Failure const failure = *Pending;
+        Pending.reset();
+        if (failure.IsNetwork())
+            return Retry(failure);
+        return Fail(failure);
+    }
+    if (mode == 2 && !stopped.empty()) {
+        // One query without an answer and the size pass never ends.
+        auto const note = Context.Journal.LatestFailure();
+        return Retry(note ? ExplainFetch(*note)
+                          : Failure{FailureKind::ServerSilent, module.ContentBaseUrl, {}});
+    }
+    if (!stopped.empty())
+        return Fail(
+            FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(stopped));
+    Verify();
+}
+
+void RunControl::Verify()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    auto const missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
+    if (missing.empty())
+        return Finish();
+
+    // The module has one budget of repetitions for all files: one bad file takes it from the rest.
+    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing ||
+                         Context.Journal.DeadMirrors().size() > LastDead;
+    bool const isSettled =
+        WantsEveryFile && missing.size() == 1 && Context.Journal.DeadMirrors().size() <= LastDead;
+    if (mayHelp && !isSettled && ++Passes < c_MostPasses) {
+        LastMissing = WantsEveryFile ? missing.size() : LastMissing;
+        LastDead = Context.Journal.DeadMirrors().size();
+        module.DownloadRetryCount = 0;
+        return BeginRepair();
+    }
+    Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(missing));
+}
+
+void RunControl::Finish()
+{
+    if (!IsAboutLocales(Request))
+        Context.Record.MarkComplete(Context.Module.RemoteBuild);
+    End();
+}
+
+void RunControl::Fail(Failure const& p_Failure)
+{
+    Result.Problem = p_Failure;
+    // What the module has queued must not begin behind the user's back.
+    PumpHeld = true;
+    Context.Gate.Close();
+    Context.Module.SuspendDownload();
+    End();
+}
+
+void RunControl::End()
+{
+    Result.Transfers = Context.Ledger.Count() - Result.Transfers;
+    Result.Folder = Folder();
+    Result.Locale = Context.Module.GetAppLocale();
+    Context.Gate.Close();
+    Lock.reset();
+    CurrentStep = Step::Idle;
+    RunSnapshot last;
+    last.Phase = Result.Problem ? RunPhase::Failed : RunPhase::Finished;
+    LastSnapshot = last;
+    Q_EMIT Progressed(last);
+    Q_EMIT Ended(Result);
+}
+
+RunPhase RunControl::CurrentPhase() const
+{
+    if (CurrentStep == Step::Idle)
+        return RunPhase::Idle;
+    return CurrentStep == Step::Running ? Reader.Phase() : RunPhase::Connecting;
+}
+
+void RunControl::ShowProgress()
+{
+    constexpr qint64 c_IntervalMilliseconds = 100;
+
+    if (CurrentStep == Step::Idle)
+        return;
+    RunPhase const phase = CurrentPhase();
+    qint64 const now = Clock.elapsed();
+    if (phase == LastSnapshot.Phase && now - LastShown < c_IntervalMilliseconds)
+        return;
+    LastShown = now;
+    Context.Module.UISettingChanged = false;
+    RunSnapshot const snapshot = Reader.Read(phase, now);
+    if (snapshot == LastSnapshot)
+        return;
+    LastSnapshot = snapshot;
+    Q_EMIT Progressed(snapshot);
+}
+
+} // namespace Varnholt::Host

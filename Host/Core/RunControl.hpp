@@ -1,0 +1,101 @@
+#pragma once
+
+#include "Host/Core/ProgressReader.hpp"
+#include "Host/Core/RoomCheck.hpp"
+#include "Host/Core/RunContext.hpp"
+#include "Host/Core/RunRequest.hpp"
+#include "Host/Core/RunResult.hpp"
+#include "Host/Core/RunSnapshot.hpp"
+#include "Host/Core/StallWatch.hpp"
+
+#include <QElapsedTimer>
+#include <QLockFile>
+#include <QObject>
+
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace Varnholt::Host {
+
+/// Drives the module through one request after another and judges the outcome. Module thread.
+///
+/// The module starts comparing and downloading as soon as its start-up chain has ended. When
+/// something else is wanted, the gate is closed until then: what it starts ends at once, and is
+/// replaced by what is wanted.
+class RunControl : public QObject {
+    Q_OBJECT
+
+public:
+    explicit RunControl(RunContext const& p_Context);
+
+    /// Nothing happens while another request is under way.
+    void Begin(RunRequest const& p_Request);
+    /// Called in each turn before the module's closures are run.
+    void BeforePump();
+    /// Called in each turn after the module's closures were run.
+    void AfterPump();
+    /// True when the module's closures must not be run: a run was stopped.
+    bool HoldsPump() const { return PumpHeld; }
+
+Q_SIGNALS:
+    void Progressed(RunSnapshot p_Snapshot);
+    /// Something went wrong that the run goes on after.
+    void Noticed(QString p_Text);
+    void Ended(RunResult p_Result);
+
+private:
+    enum class Step { Idle, StartingUp, Running, Pausing };
+
+    std::optional<Failure> Preconditions();
+    std::optional<Failure> LockFolder(QString const& p_Folder);
+    void StartUp();
+    void OnConnected();
+    void AnswerLocales();
+    std::optional<Failure> BeginInstall();
+    void BeginRepair();
+    void OnQuiet();
+    void Verify();
+    void Finish();
+    void Fail(Failure const& p_Failure);
+    void End();
+    void ShowProgress();
+    RunPhase CurrentPhase() const;
+    QString Folder() const { return Context.Record.Folder(); }
+
+    // _Faults
+    void OnStartUpFailed();
+    void Retry(Failure const& p_Failure);
+    void CheckRoom(RunPhase p_Phase);
+    void WatchForStall(RunPhase p_Phase);
+    void StopSilentReplies();
+    void CleanMirrors();
+    void NoticeOnce(QString const& p_Text);
+    Failure ExplainFetch(FetchNote const& p_Note) const;
+    std::size_t CountMissing() const;
+
+    RunContext Context;
+    ProgressReader Reader;
+    RoomCheck Room;
+    StallWatch Stall;
+    QElapsedTimer Clock;
+    std::unique_ptr<QLockFile> Lock;
+    RunRequest Request;
+    RunResult Result;
+    Step CurrentStep = Step::Idle;
+    bool PumpHeld = false;
+    bool WantsEveryFile = false; ///< the pending lists are not to be trusted
+    bool HasInstalled = false;
+    int Attempts = 0; ///< repetitions since the last file arrived
+    std::size_t LastMissing = 0;
+    int Passes = 0;
+    int LastDead = 0;               ///< dead mirrors when the pass began
+    std::optional<Failure> Pending; ///< why the transfer was stopped, told when it has ended
+    std::set<QString> Told;
+    RunSnapshot LastSnapshot;
+    qint64 LastShown = 0;
+    RunPhase LastPhase = RunPhase::Idle;
+    qint64 RoomChecked = 0;
+};
+
+} // namespace Varnholt::Host

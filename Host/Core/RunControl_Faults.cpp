@@ -1,0 +1,189 @@
+#include "Host/Core/RunControl.hpp"
+
+#include "Host/Core/MirrorFilter.hpp"
+#include "Host/Core/MissingFiles.hpp"
+
+#include <QMutexLocker>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+constexpr int c_MostAttempts = 5;
+
+/// The replies of a request map that have not ended.
+template <typename Map>
+std::vector<QNetworkReply*> Unfinished(Map const& p_Requests, QRecursiveMutex& p_Mutex)
+{
+    QMutexLocker const lock(&p_Mutex);
+    std::vector<QNetworkReply*> replies;
+    for (auto const& row : p_Requests)
+        if (!row.first->isFinished())
+            replies.push_back(row.first);
+    return replies;
+}
+
+} // namespace
+
+Failure RunControl::ExplainFetch(FetchNote const& p_Note) const
+{
+    if (p_Note.TimedOut)
+        return {FailureKind::ServerSilent, p_Note.Url, p_Note.Cause()};
+    if (p_Note.IsUnreachable())
+        return {FailureKind::ServerUnreachable, p_Note.Url, p_Note.Cause()};
+    if (!p_Note.IsSuccess())
+        return {FailureKind::ServerRefusal, p_Note.Url, p_Note.Cause()};
+    return {FailureKind::ContentInvalid, p_Note.Url,
+            QStringLiteral("it is damaged, or a page of another kind")};
+}
+
+void RunControl::OnStartUpFailed()
+{
+    auto const note = Context.Journal.Latest();
+    Failure failure{FailureKind::Other, QStringLiteral("the start"),
+                    QStringLiteral("the module ended it without a word")};
+    if (note)
+        failure = ExplainFetch(*note);
+    if (note && Context.Module.RemoteBuild.isEmpty() &&
+        note->Url.endsWith(QLatin1String("/builds//info.json"))) {
+        QString const version = Context.Options.UseDevChannel ? QStringLiteral("version_dev.json")
+                                                              : QStringLiteral("version.json");
+        failure = {FailureKind::ContentInvalid,
+                   QString(note->Url).replace(QLatin1String("builds//info.json"), version),
+                   QStringLiteral("it names no build")};
+    }
+    // A server that has never answered is told at once; one that has may come back.
+    if (Attempts > 0)
+        Retry(failure);
+    else
+        Fail(failure);
+}
+
+void RunControl::Retry(Failure const& p_Failure)
+{
+    std::size_t const missing = CountMissing();
+    if (missing < LastMissing && Attempts > 0)
+        Attempts = 0;
+    LastMissing = missing;
+    if (Attempts >= c_MostAttempts)
+        return Fail(p_Failure);
+    int const pause = Context.Options.RetryPauseMilliseconds << Attempts;
+    ++Attempts;
+    Q_EMIT Noticed(QStringLiteral("%1; trying again (%2 of %3).")
+                       .arg(p_Failure.Sentence())
+                       .arg(Attempts)
+                       .arg(c_MostAttempts));
+    CurrentStep = Step::Pausing;
+    QTimer::singleShot(pause, this, [this] {
+        if (CurrentStep == Step::Pausing)
+            StartUp();
+    });
+}
+
+std::size_t RunControl::CountMissing() const
+{
+    return MissingFiles(Context.Module.Manifest, Folder(), Context.Module.GetAppLocale()).size();
+}
+
+/// Called before the module's closures are run, so that a list that does not fit is refused before
+/// its first file is begun.
+void RunControl::CheckRoom(RunPhase p_Phase)
+{
+    constexpr qint64 c_IntervalMilliseconds = 1'000;
+
+    bool const begins = p_Phase != LastPhase;
+    LastPhase = p_Phase;
+    if (!IsDownloading(p_Phase) || Pending)
+        return;
+    Launcher::StandartApplication& module = Context.Module;
+    std::optional<Failure> failure;
+    if (begins) {
+        RoomCheck::Entries files;
+        {
+            QMutexLocker const lock(&module.RunMutex);
+            files = module.FilesToDownload;
+        }
+        failure = Room.BeforeDownload(Folder(), files, module.UISetting.Download.Total);
+        RoomChecked = Clock.elapsed();
+    } else if (Clock.elapsed() - RoomChecked >= c_IntervalMilliseconds) {
+        failure = Room.WhileDownloading(Folder(), Reader.RemainingBytes());
+        RoomChecked = Clock.elapsed();
+    }
+    if (failure)
+        Fail(*failure);
+}
+
+void RunControl::WatchForStall(RunPhase p_Phase)
+{
+    bool const usesNetwork = p_Phase == RunPhase::Connecting || p_Phase == RunPhase::AskingSizes ||
+                             IsDownloading(p_Phase);
+    if (!usesNetwork)
+        return Stall.Reset();
+
+    Launcher::StandartApplication& module = Context.Module;
+    quint64 received = 0;
+    {
+        QMutexLocker const lock(&module.ContentRequestsMutex);
+        for (auto const& row : module.ContentRequests)
+            received += static_cast<quint64>(row.second->Data.size()) + 1;
+    }
+    quint64 const transfer = module.CurrentDownload == nullptr
+                                 ? 0
+                                 : static_cast<quint64>(module.CurrentDownload->BytesOnDisk) + 1;
+    if (!Stall.Observe(Clock.elapsed(),
+                       {static_cast<quint64>(p_Phase), module.CurrentDownloadIndex,
+                        module.SizeRepliesReceived, received, transfer, Context.Ledger.Count()}))
+        return;
+    if (!IsDownloading(p_Phase))
+        return StopSilentReplies();
+    if (module.CurrentDownload == nullptr)
+        return;
+    QString const url = module.CurrentDownload->Url;
+    Context.Journal.NoteTimeout(url);
+    Pending = Failure{FailureKind::ServerSilent, url, QStringLiteral("no answer in time")};
+    module.SuspendDownload();
+}
+
+void RunControl::StopSilentReplies()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    auto replies = Unfinished(module.ContentRequests, module.ContentRequestsMutex);
+    auto const queries = Unfinished(module.ContentSizeRequests, module.ContentSizeRequestsMutex);
+    replies.insert(replies.end(), queries.begin(), queries.end());
+    for (QNetworkReply* const reply : replies) {
+        Context.Journal.ExpectTimeout(*reply);
+        reply->abort();
+    }
+}
+
+/// Called before the module draws a mirror: it has no way to tell a dead one from a living.
+void RunControl::CleanMirrors()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    if (auto const note = Context.Journal.FailureOf(QStringLiteral("/realmlist.info")))
+        NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
+                       .arg(ExplainFetch(*note).Sentence()));
+    if (module.CdnHosts.isEmpty())
+        return;
+    if (auto const note = Context.Journal.FailureOf(QStringLiteral("/cdns.info"))) {
+        NoticeOnce(QStringLiteral("%1; the files come from the default server.")
+                       .arg(ExplainFetch(*note).Sentence()));
+        module.CdnHosts.clear(); // what was read as names is the page of an error
+        return;
+    }
+    if (MirrorFilter::IsForeign(module.CdnHosts))
+        NoticeOnce(QStringLiteral("The list of mirrors is damaged; the files come from the default "
+                                  "server."));
+    module.CdnHosts = MirrorFilter::Apply(module.CdnHosts, Context.Journal.DeadMirrors());
+}
+
+void RunControl::NoticeOnce(QString const& p_Text)
+{
+    if (Told.insert(p_Text).second)
+        Q_EMIT Noticed(p_Text);
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+namespace Varnholt::Host {
+
+/// Where a run stands.
+enum class RunPhase {
+    Idle,
+    Connecting,
+    Comparing,
+    WaitingForHost,
+    WaitingForGame,
+    AskingSizes,
+    DownloadingBase,
+    ComparingStreamed,
+    DownloadingStreamed,
+    Suspended,
+    Finished,
+    Failed,
+};
+
+/// The phase in words, "downloading base files".
+QString PhaseText(RunPhase p_Phase);
+
+/// True while files arrive: the figures of a snapshot are bytes then.
+bool IsDownloading(RunPhase p_Phase);
+
+} // namespace Varnholt::Host

@@ -1,0 +1,46 @@
+#include "Host/Core/TransferLedger.hpp"
+
+#include <QMutexLocker>
+
+namespace Varnholt::Host {
+
+TransferLedger::TransferLedger(Launcher::Application& p_Application)
+{
+    // By name and at once: the object's class is the module's own, and the signal comes from the
+    // download thread itself.
+    connect(&p_Application, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
+            SLOT(OnComplete(HTTP_DownloadFileRequest*)), Qt::DirectConnection);
+    p_Application.OnDownloadRetired =
+        [this, previous = p_Application.OnDownloadRetired](HTTP_DownloadFileRequest* p_Request) {
+            if (previous)
+                previous(p_Request);
+            OnRetired(p_Request);
+        };
+}
+
+bool TransferLedger::IsEmpty() const
+{
+    QMutexLocker const lock(&Mutex);
+    return Ending.empty();
+}
+
+quint32 TransferLedger::Count() const
+{
+    QMutexLocker const lock(&Mutex);
+    return Ended;
+}
+
+void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
+{
+    QMutexLocker const lock(&Mutex);
+    Ending.insert(p_Request);
+    ++Ended;
+}
+
+void TransferLedger::OnRetired(HTTP_DownloadFileRequest* p_Request)
+{
+    QMutexLocker const lock(&Mutex);
+    Ending.erase(p_Request);
+}
+
+} // namespace Varnholt::Host

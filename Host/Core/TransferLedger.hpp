@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Launcher/Application/Application.hpp"
+
+#include <QMutex>
+#include <QObject>
+
+#include <set>
+
+namespace Varnholt::Host {
+
+using Launcher::HTTP_DownloadFileRequest; // the slot must be spelled as the signal is
+
+/// Knows the downloads that have ended but whose threads have not been given to the worker yet: a
+/// run is over, and the module may be deleted, only when there are none. Lives on the module
+/// thread.
+class TransferLedger : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TransferLedger(Launcher::Application& p_Application);
+
+    bool IsEmpty() const;
+    /// Transfers that have ended since the start.
+    quint32 Count() const;
+
+private Q_SLOTS:
+    /// Called on the download thread.
+    void OnComplete(HTTP_DownloadFileRequest* p_Request);
+
+private:
+    void OnRetired(HTTP_DownloadFileRequest* p_Request);
+
+    mutable QMutex Mutex;
+    std::set<HTTP_DownloadFileRequest*> Ending;
+    quint32 Ended = 0;
+};
+
+} // namespace Varnholt::Host
