@@ -15,11 +15,10 @@ void RemoveIfPresent(QString const& p_Path)
 } // namespace
 
 LoginScreen::LoginScreen(QString const& p_Folder)
-    // "GlueXMl" is how the game spells its folder.
-    : Layout(p_Folder + QLatin1String("Interface/GlueXMl/AccountLogin.xml"))
-    , LayoutTemplate(Layout + QLatin1String(".origin"))
-    , Script(p_Folder + QLatin1String("Interface/GlueXMl/AccountLogin.lua"))
-    , ScriptTemplate(Script + QLatin1String(".origin"))
+    : Layout(p_Folder + QLatin1String(c_Layout))
+    , LayoutTemplate(Layout + QLatin1String(c_TemplateSuffix))
+    , Script(p_Folder + QLatin1String(c_Script))
+    , ScriptTemplate(Script + QLatin1String(c_TemplateSuffix))
 {
 }
 

@@ -7,6 +7,11 @@ namespace Varnholt::Launcher {
 /// The login screen files of the game, which log a player in by themselves while they exist.
 class LoginScreen {
 public:
+    /// In the installation folder. "GlueXMl" is how the game spells its folder.
+    static constexpr char const* c_Layout = "Interface/GlueXMl/AccountLogin.xml";
+    static constexpr char const* c_Script = "Interface/GlueXMl/AccountLogin.lua";
+    static constexpr char const* c_TemplateSuffix = ".origin";
+
     /// \param p_Folder installation folder, ends in "/"
     explicit LoginScreen(QString const& p_Folder);
 

@@ -68,6 +68,19 @@ constexpr Row c_Table[] = {
      "the settings file {s} cannot be written", "change its permissions or choose another file"},
     {FailureKind::FolderLocked, "folder-locked", 8, "another program works in the folder {s}",
      "wait for it to end, then try again"},
+    {FailureKind::GameRunning, "game-running", 8, "the game in {s} is running",
+     "quit it, then try again"},
+    {FailureKind::ExecutableUnknown, "executable-unknown", 1,
+     "the build {s} names no program to start", "ask who publishes it"},
+    {FailureKind::ExecutableMissing, "executable-missing", 4,
+     "the game cannot be started: {s} is missing", "run \"repair\""},
+    {FailureKind::ExecutableUnusable, "executable-unusable", 7,
+     "the game cannot be started: {s} is no program that you may run",
+     "change its permissions, or run \"repair\""},
+    {FailureKind::FilesNotRemoved, "files-not-removed", 7,
+     "the game is uninstalled, but files remain in {s}: {d}", "remove them by hand"},
+    {FailureKind::Interrupted, "interrupted", 130, "interrupted",
+     "give the same command again to go on; what has arrived is kept"},
 };
 
 Row const& RowOf(FailureKind p_Kind)

@@ -28,6 +28,12 @@ enum class FailureKind {
     FileUnwritable,
     SettingsUnwritable,
     FolderLocked,
+    GameRunning,
+    ExecutableUnknown,
+    ExecutableMissing,
+    ExecutableUnusable,
+    FilesNotRemoved,
+    Interrupted,
 };
 
 } // namespace Varnholt::Host

@@ -61,7 +61,7 @@ Launcher::LauncherLocale CurrentLauncherLocale()
 
 bool IsDownloadBlocked()
 {
-    return Ask(true, [](HostEnvironment& p_Host) { return !p_Host.Gate.IsOpen(); });
+    return Ask(true, [](HostEnvironment& p_Host) { return !p_Host.Gate.IsOpenForDownload(); });
 }
 
 void NotifyDownloadStarting()

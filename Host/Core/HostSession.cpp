@@ -55,4 +55,22 @@ void HostSession::Start(RunRequest const& p_Request)
         Host, [host = Host, p_Request] { host->Start(p_Request); }, Qt::QueuedConnection);
 }
 
+void HostSession::Pause()
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host] { host->Pause(); }, Qt::QueuedConnection);
+}
+
+void HostSession::Continue()
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host] { host->Continue(); }, Qt::QueuedConnection);
+}
+
+void HostSession::Interrupt()
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host] { host->Interrupt(); }, Qt::QueuedConnection);
+}
+
 } // namespace Varnholt::Host

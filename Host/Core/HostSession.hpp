@@ -36,6 +36,13 @@ public:
     void ReadStatus();
     /// Answered by any number of `Progressed` and `Noticed`, and one `Ended`.
     void Start(RunRequest const& p_Request);
+    /// Stops the transfer of the run under way, or the first one it begins, until `Continue`.
+    /// What has arrived is kept. The phase becomes `Suspended` when it holds.
+    void Pause();
+    /// Goes on with a paused run.
+    void Continue();
+    /// Ends the run under way with the failure `Interrupted`; what has arrived is kept.
+    void Interrupt();
 
 Q_SIGNALS:
     void Opened(ModuleInfo p_Info);

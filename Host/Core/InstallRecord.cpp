@@ -42,6 +42,12 @@ void InstallRecord::MarkComplete(QString const& p_Build)
     Settings.Remove(HostKey("unfinished"));
 }
 
+void InstallRecord::Forget()
+{
+    Settings.Remove(HostKey("build"));
+    Settings.Remove(HostKey("unfinished"));
+}
+
 QString InstallRecord::CompletedBuild() const
 {
     return Settings.Value(HostKey("build")).toString();

@@ -24,6 +24,8 @@ public:
     /// \param p_Build the version file's build, all of whose files are in place
     void MarkComplete(QString const& p_Build);
     QString CompletedBuild() const;
+    /// Removes the host's own keys; the module removes its own when it uninstalls.
+    void Forget();
 
 private:
     QString ModuleKey(char const* p_Suffix) const { return AppId + QLatin1String(p_Suffix); }

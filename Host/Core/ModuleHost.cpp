@@ -130,6 +130,24 @@ void ModuleHost::Start(RunRequest const& p_Request)
         Control->Begin(p_Request);
 }
 
+void ModuleHost::Pause()
+{
+    if (IsLoaded() && !Closing)
+        Control->Pause();
+}
+
+void ModuleHost::Continue()
+{
+    if (IsLoaded() && !Closing)
+        Control->Continue();
+}
+
+void ModuleHost::Interrupt()
+{
+    if (IsLoaded() && !Closing)
+        Control->Interrupt();
+}
+
 void ModuleHost::Turn()
 {
     if (Closing)

@@ -33,6 +33,9 @@ public:
     void Load();
     void ReadStatus();
     void Start(RunRequest const& p_Request);
+    void Pause();
+    void Continue();
+    void Interrupt();
     /// Ends what is under way, deletes the module and emits `Closed`.
     void Close();
 

@@ -9,6 +9,8 @@
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace Varnholt::Host {
 
@@ -43,6 +45,7 @@ void RunControl::Begin(RunRequest const& p_Request)
     PumpHeld = false;
     HasInstalled = false;
     WantsEveryFile = p_Request.Kind == RunRequest::Type::Repair || Context.Record.IsUnfinished();
+    Paused = false;
     Attempts = Passes = 0;
     LastMissing = std::numeric_limits<std::size_t>::max();
     Pending.reset();
@@ -50,7 +53,11 @@ void RunControl::Begin(RunRequest const& p_Request)
     Context.Journal.Clear();
     if (auto const failure = Preconditions())
         return Fail(*failure);
-    StartUp();
+    bool const needsBuild = Request.Kind != RunRequest::Type::Uninstall || Request.DeletesFiles;
+    if (needsBuild)
+        StartUp();
+    else
+        BeginUninstall();
 }
 
 std::optional<Failure> RunControl::Preconditions()
@@ -58,6 +65,10 @@ std::optional<Failure> RunControl::Preconditions()
     InstallRecord const& record = Context.Record;
     if (IsAboutLocales(Request))
         return std::nullopt;
+    if (Request.Kind == RunRequest::Type::Play)
+        return PlayPreconditions();
+    if (Request.Kind == RunRequest::Type::Uninstall)
+        return UninstallPreconditions();
     if (Request.Kind == RunRequest::Type::Install) {
         QString const folder = FolderCheck::Normalized(Request.Argument);
         if (record.IsInstalled() && record.Folder() != folder && !Request.Confirmed)
@@ -107,6 +118,8 @@ void RunControl::OnConnected()
     Stall.Reset();
     if (IsAboutLocales(Request))
         return AnswerLocales();
+    if (Request.Kind == RunRequest::Type::Uninstall)
+        return BeginUninstall();
     if (module.Manifest.Files.empty() && module.Manifest.StreamedFiles.empty())
         return Fail({FailureKind::BuildEmpty, module.RemoteBuild, {}});
     QString const locale = module.GetAppLocale();
@@ -114,6 +127,8 @@ void RunControl::OnConnected()
         NoticeOnce(QStringLiteral("The build does not offer the language %1; its files are left "
                                   "out until another one is chosen.")
                        .arg(locale));
+    if (Request.Kind == RunRequest::Type::Play)
+        return Settle([this] { Play(); });
 
     CurrentStep = Step::Running;
     if (Request.Kind == RunRequest::Type::Install && !HasInstalled) {
@@ -152,32 +167,16 @@ void RunControl::BeginRepair()
     Context.Module.Repair();
 }
 
-void RunControl::AnswerLocales()
-{
-    Launcher::StandartApplication& module = Context.Module;
-    Result.Locales = module.GetAvailableLocales();
-    if (Request.Kind == RunRequest::Type::ChooseLocale) {
-        QStringList tags;
-        for (auto const& locale : Result.Locales)
-            tags += locale.Tag;
-        if (!tags.contains(Request.Argument))
-            return Fail(
-                {FailureKind::LocaleNotOffered, Request.Argument, tags.join(QStringLiteral(", "))});
-        // The lists of what is missing were made for the language before.
-        if (Context.Record.IsInstalled() && module.GetAppLocale() != Request.Argument)
-            Context.Record.MarkUnfinished();
-        module.SetAppLocale(Request.Argument);
-    }
-    Finish();
-}
-
 void RunControl::BeforePump()
 {
     if (CurrentStep == Step::Idle)
         return;
     CleanMirrors();
-    if (CurrentStep == Step::Running)
-        CheckRoom(Reader.Phase());
+    if (CurrentStep != Step::Running)
+        return;
+    CheckRoom(Reader.Phase());
+    if (Paused)
+        StopTransfer();
 }
 
 void RunControl::AfterPump()
@@ -187,12 +186,22 @@ void RunControl::AfterPump()
             OnConnected();
         else if (Context.Watch.Observe())
             OnStartUpFailed();
-    } else if (CurrentStep == Step::Running && Context.Watch.Observe()) {
+    } else if (CurrentStep == Step::Settling && Context.Watch.Observe()) {
+        Context.Watch.Reset();
+        std::exchange(AfterSettling, nullptr)();
+    } else if (CurrentStep == Step::Running && !IsSuspended() && Context.Watch.Observe()) {
         OnQuiet();
     }
     if (CurrentStep == Step::StartingUp || CurrentStep == Step::Running)
         WatchForStall(CurrentPhase());
     ShowProgress();
+}
+
+void RunControl::Settle(std::function<void()> p_Next)
+{
+    Context.Watch.Reset();
+    AfterSettling = std::move(p_Next);
+    CurrentStep = Step::Settling;
 }
 
 /// Called when the module has fallen silent: finds out where it stopped.
@@ -250,7 +259,8 @@ void RunControl::Verify()
 
 void RunControl::Finish()
 {
-    if (!IsAboutLocales(Request))
+    if (Request.Kind == RunRequest::Type::Install || Request.Kind == RunRequest::Type::Update ||
+        Request.Kind == RunRequest::Type::Repair)
         Context.Record.MarkComplete(Context.Module.RemoteBuild);
     End();
 }
@@ -271,6 +281,9 @@ void RunControl::End()
     Result.Folder = Folder();
     Result.Locale = Context.Module.GetAppLocale();
     Context.Gate.Close();
+    Context.Gate.Release();
+    Paused = false;
+    AfterSettling = nullptr;
     Lock.reset();
     CurrentStep = Step::Idle;
     RunSnapshot last;
@@ -284,7 +297,10 @@ RunPhase RunControl::CurrentPhase() const
 {
     if (CurrentStep == Step::Idle)
         return RunPhase::Idle;
-    return CurrentStep == Step::Running ? Reader.Phase() : RunPhase::Connecting;
+    if (CurrentStep != Step::Running)
+        return RunPhase::Connecting;
+    RunPhase const phase = Reader.Phase();
+    return Paused && phase == RunPhase::WaitingForHost ? RunPhase::Suspended : phase;
 }
 
 void RunControl::ShowProgress()

@@ -12,6 +12,7 @@
 #include <QLockFile>
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -38,6 +39,12 @@ public:
     /// True when the module's closures must not be run: a run was stopped.
     bool HoldsPump() const { return PumpHeld; }
 
+    /// Stops the transfer in flight, or else the next one, until `Continue`.
+    void Pause();
+    void Continue();
+    /// Ends the request under way; nothing that has arrived is lost.
+    void Interrupt();
+
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
     /// Something went wrong that the run goes on after.
@@ -45,15 +52,16 @@ Q_SIGNALS:
     void Ended(RunResult p_Result);
 
 private:
-    enum class Step { Idle, StartingUp, Running, Pausing };
+    enum class Step { Idle, StartingUp, Settling, Running, BackingOff };
 
     std::optional<Failure> Preconditions();
     std::optional<Failure> LockFolder(QString const& p_Folder);
     void StartUp();
     void OnConnected();
-    void AnswerLocales();
     std::optional<Failure> BeginInstall();
     void BeginRepair();
+    /// Calls p_Next once the module has fallen silent.
+    void Settle(std::function<void()> p_Next);
     void OnQuiet();
     void Verify();
     void Finish();
@@ -62,6 +70,19 @@ private:
     void ShowProgress();
     RunPhase CurrentPhase() const;
     QString Folder() const { return Context.Record.Folder(); }
+
+    // _Pause
+    bool IsSuspended() const;
+    void StopTransfer();
+
+    // _Commands
+    std::optional<Failure> PlayPreconditions();
+    std::optional<Failure> UninstallPreconditions();
+    void AnswerLocales();
+    void BeginUninstall();
+    void FinishUninstall(QString const& p_Folder);
+    void Play();
+    void JudgeLogin(bool p_WasRunning);
 
     // _Faults
     void OnStartUpFailed();
@@ -83,7 +104,9 @@ private:
     RunRequest Request;
     RunResult Result;
     Step CurrentStep = Step::Idle;
+    std::function<void()> AfterSettling;
     bool PumpHeld = false;
+    bool Paused = false;
     bool WantsEveryFile = false; ///< the pending lists are not to be trusted
     bool HasInstalled = false;
     int Attempts = 0; ///< repetitions since the last file arrived

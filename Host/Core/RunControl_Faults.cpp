@@ -76,9 +76,9 @@ void RunControl::Retry(Failure const& p_Failure)
                        .arg(p_Failure.Sentence())
                        .arg(Attempts)
                        .arg(c_MostAttempts));
-    CurrentStep = Step::Pausing;
+    CurrentStep = Step::BackingOff;
     QTimer::singleShot(pause, this, [this] {
-        if (CurrentStep == Step::Pausing)
+        if (CurrentStep == Step::BackingOff)
             StartUp();
     });
 }
@@ -166,6 +166,7 @@ void RunControl::CleanMirrors()
     if (auto const note = Context.Journal.FailureOf(QStringLiteral("/realmlist.info")))
         NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
                        .arg(ExplainFetch(*note).Sentence()));
+    QMutexLocker const lock(&module.RunMutex);
     if (module.CdnHosts.isEmpty())
         return;
     if (auto const note = Context.Journal.FailureOf(QStringLiteral("/cdns.info"))) {

@@ -9,10 +9,15 @@ class RunGate {
 public:
     void Open() { Opened = true; }
     void Close() { Opened = false; }
+    /// A held gate lets the module compare, and begin no download.
+    void Hold() { Held = true; }
+    void Release() { Held = false; }
     bool IsOpen() const { return Opened; }
+    bool IsOpenForDownload() const { return Opened && !Held; }
 
 private:
     std::atomic<bool> Opened{false};
+    std::atomic<bool> Held{false};
 };
 
 } // namespace Varnholt::Host

@@ -11,13 +11,17 @@ struct RunRequest {
         Install,
         Update,
         Repair,      ///< compare every file, whatever the pending lists say
+        Uninstall,   ///< forget the installation, with or without its files
+        Play,        ///< start the game, logged in when account and password are given
         ListLocales, ///< ask the build for its languages; fetches no file
         ChooseLocale,
     };
 
     Type Kind = Type::Update;
-    QString Argument;       ///< the folder (absolute) of an install, the code of a language
-    bool Confirmed = false; ///< the user has agreed to what would be refused otherwise
+    QString Argument; ///< folder (absolute) of an install, code of a language, account to log in
+    QString Password; ///< of that account
+    bool DeletesFiles = false; ///< an uninstallation removes the build's files too
+    bool Confirmed = false;    ///< the user has agreed to what would be refused otherwise
 };
 
 } // namespace Varnholt::Host

@@ -1,0 +1,46 @@
+#include "Host/Core/RunControl.hpp"
+
+namespace Varnholt::Host {
+
+void RunControl::Pause()
+{
+    if (CurrentStep == Step::Idle)
+        return;
+    Paused = true;
+    Context.Gate.Hold();
+}
+
+void RunControl::Continue()
+{
+    if (!Paused)
+        return;
+    bool const stopped = IsSuspended();
+    Paused = false;
+    Context.Gate.Release();
+    Context.Watch.Reset();
+    Stall.Reset();
+    if (CurrentStep == Step::Running && stopped)
+        Context.Module.ResumeDownload();
+}
+
+void RunControl::Interrupt()
+{
+    if (CurrentStep != Step::Idle)
+        Fail({FailureKind::Interrupted, {}, {}});
+}
+
+bool RunControl::IsSuspended() const
+{
+    return Paused && Reader.Phase() == RunPhase::Suspended;
+}
+
+/// Called in each turn of a paused run: between two files nothing can be stopped, but the next one
+/// can, as soon as it has begun.
+void RunControl::StopTransfer()
+{
+    Launcher::HTTP_DownloadFileRequest const* const transfer = Context.Module.CurrentDownload;
+    if (transfer != nullptr && !transfer->Aborted)
+        Context.Module.SuspendDownload();
+}
+
+} // namespace Varnholt::Host
