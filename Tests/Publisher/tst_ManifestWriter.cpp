@@ -1,0 +1,176 @@
+#include "Launcher/Application/ApplicationManifest.hpp"
+#include "Publisher/FlagNames.hpp"
+#include "Publisher/ManifestWriter.hpp"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+QString const c_FirstMd5 = QStringLiteral("0CC175B9C0F1B6A831C399E269772661");
+QString const c_SecondMd5 = QStringLiteral("92EB5FFEE6AE2FEC3AD71C777531578F");
+std::map<QString, QString> const c_Locales{{"frFR", "Français"}, {"enUS", "English"}};
+
+/// The platform whose files the module of this build reads.
+constexpr ContentPlatform c_OwnPlatform =
+    Launcher::c_GameExecutableFlag == Launcher::ApplicationManifestFileEntry::MacGameExecutable
+        ? ContentPlatform::Mac
+        : ContentPlatform::Windows;
+
+BuildFile File(QString const& p_Path, QString const& p_Md5, FileTreatment const& p_Treatment = {})
+{
+    BuildFile file;
+    file.Source.Path = p_Path;
+    file.Treatment = p_Treatment;
+    file.Md5 = p_Md5;
+    return file;
+}
+
+QByteArray Written(std::vector<BuildFile> const& p_Files,
+                   ContentPlatform p_Platform = ContentPlatform::Mac)
+{
+    return ManifestWriter::Write({"18414", "5.4.8 (18414)", 18414}, c_Locales, p_Files, p_Platform);
+}
+
+QJsonObject Object(QByteArray const& p_Manifest)
+{
+    return QJsonDocument::fromJson(p_Manifest).object();
+}
+
+} // namespace
+
+class ManifestWriterTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void WritesExactlyThis();
+    void NamesTheBaseListAfterThePlatform_data();
+    void NamesTheBaseListAfterThePlatform();
+    void PutsStreamedFilesAtTheTopLevelOnly();
+    void WritesFlagsAndLocaleOnlyWhereThereAreAny();
+    void KeepsTheOrderOfTheFiles();
+    void ClientsReadBackWhatWasWritten();
+    void ClientsFindTheGamesExecutable();
+};
+
+void ManifestWriterTest::WritesExactlyThis()
+{
+    QByteArray const manifest = Written({
+        File("Game", c_FirstMd5, {6, "", false, false}),
+        File("Data/frFR/a.mpq", c_SecondMd5, {0, "frFR", false, false}),
+        File("Data/music.mpq", c_SecondMd5, {0x80, "", true, false}),
+    });
+    QByteArray const expected =
+        "{\"available_locales\":[{\"name\":\"English\",\"tag\":\"enUS\"},"
+        "{\"name\":\"Français\",\"tag\":\"frFR\"}],"
+        "\"build_id\":\"18414\",\"build_number\":18414,\"build_str\":\"5.4.8 (18414)\","
+        "\"content\":{\"base_mac\":["
+        "{\"flags\":6,\"location\":\"files/0C/0CC175B9C0F1B6A831C399E269772661\","
+        "\"md5\":\"0CC175B9C0F1B6A831C399E269772661\",\"path\":\"Game\"},"
+        "{\"locale\":\"frFR\",\"location\":\"files/92/92EB5FFEE6AE2FEC3AD71C777531578F\","
+        "\"md5\":\"92EB5FFEE6AE2FEC3AD71C777531578F\",\"path\":\"Data/frFR/a.mpq\"}]},"
+        "\"streamed_content\":["
+        "{\"flags\":128,\"location\":\"files/92/92EB5FFEE6AE2FEC3AD71C777531578F\","
+        "\"md5\":\"92EB5FFEE6AE2FEC3AD71C777531578F\",\"path\":\"Data/music.mpq\"}]}";
+    QCOMPARE(manifest, expected);
+}
+
+void ManifestWriterTest::NamesTheBaseListAfterThePlatform_data()
+{
+    QTest::addColumn<bool>("windows");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("mac") << false << "base_mac";
+    QTest::newRow("win") << true << "base_win";
+}
+
+void ManifestWriterTest::NamesTheBaseListAfterThePlatform()
+{
+    QFETCH(bool, windows);
+    QFETCH(QString, key);
+    QJsonObject const content =
+        Object(Written({File("a", c_FirstMd5)},
+                       windows ? ContentPlatform::Windows : ContentPlatform::Mac))["content"]
+            .toObject();
+    QCOMPARE(content.keys(), QStringList(key));
+    QCOMPARE(content[key].toArray().size(), 1);
+}
+
+void ManifestWriterTest::PutsStreamedFilesAtTheTopLevelOnly()
+{
+    QJsonObject const manifest =
+        Object(Written({File("a", c_FirstMd5, {0, "", true, false}), File("b", c_SecondMd5)}));
+    QJsonArray const streamed = manifest["streamed_content"].toArray();
+    QCOMPARE(streamed.size(), 1);
+    QCOMPARE(streamed[0].toObject()["path"].toString(), QString("a"));
+    QJsonObject const content = manifest["content"].toObject();
+    QCOMPARE(content.keys(), QStringList("base_mac"));
+    QCOMPARE(content["base_mac"].toArray().size(), 1);
+    QCOMPARE(content["base_mac"].toArray()[0].toObject()["path"].toString(), QString("b"));
+}
+
+void ManifestWriterTest::WritesFlagsAndLocaleOnlyWhereThereAreAny()
+{
+    QJsonObject const manifest = Object(Written({File("a", c_FirstMd5)}));
+    QJsonObject const file = manifest["content"].toObject()["base_mac"].toArray()[0].toObject();
+    QCOMPARE(file.keys(), QStringList({"location", "md5", "path"}));
+}
+
+void ManifestWriterTest::KeepsTheOrderOfTheFiles()
+{
+    QJsonObject const manifest =
+        Object(Written({File("c", c_FirstMd5), File("a", c_FirstMd5), File("b", c_SecondMd5)}));
+    QStringList paths;
+    for (auto const& value : manifest["content"].toObject()["base_mac"].toArray())
+        paths += value.toObject()["path"].toString();
+    QCOMPARE(paths, QStringList({"c", "a", "b"}));
+}
+
+void ManifestWriterTest::ClientsReadBackWhatWasWritten()
+{
+    QString const path = QString::fromUtf8("Data/Été \"1\"\\日本.mpq");
+    QByteArray const bytes =
+        Written({File(path, c_FirstMd5, {0x21, "frFR", false, false}), File("b", c_SecondMd5),
+                 File("s", c_SecondMd5, {2, "", true})},
+                c_OwnPlatform);
+    bool success = false;
+    Launcher::ApplicationManifest const manifest =
+        Launcher::ParseApplicationManifest(bytes, success, false);
+    QVERIFY(success);
+    QCOMPARE(manifest.BuildId, QString("18414"));
+    QCOMPARE(manifest.BuildStr, QString("5.4.8 (18414)"));
+    QCOMPARE(manifest.BuildNumber, 18414);
+    QCOMPARE(manifest.Locales.size(), c_Locales.size());
+    QCOMPARE(manifest.Locales.at("frFR").Name, QString::fromUtf8("Français"));
+    QCOMPARE(manifest.Files.size(), std::size_t{2});
+    QCOMPARE(manifest.Files[0].Path, path);
+    QCOMPARE(manifest.Files[0].Md5, c_FirstMd5);
+    QCOMPARE(manifest.Files[0].Location, QString("files/0C/") + c_FirstMd5);
+    QCOMPARE(manifest.Files[0].Flags, 0x21);
+    QCOMPARE(manifest.Files[0].Locale, QString("frFR"));
+    QCOMPARE(manifest.Files[1].Flags, 0);
+    QCOMPARE(manifest.Files[1].Locale, QString(""));
+    QCOMPARE(manifest.StreamedFiles.size(), std::size_t{1});
+    QCOMPARE(manifest.StreamedFiles[0].Path, QString("s"));
+    QCOMPARE(manifest.StreamedFiles[0].Flags, 2);
+}
+
+void ManifestWriterTest::ClientsFindTheGamesExecutable()
+{
+    auto const flag = FlagNames::Flag("game-executable", c_OwnPlatform);
+    QVERIFY(flag);
+    bool success = false;
+    Launcher::ApplicationManifest const manifest = Launcher::ParseApplicationManifest(
+        Written({File("Game", c_FirstMd5, {*flag, "", false, false})}, c_OwnPlatform), success,
+        false);
+    QCOMPARE(manifest.Files.size(), std::size_t{1});
+    QVERIFY(manifest.Files[0].Has(Launcher::c_GameExecutableFlag));
+}
+
+} // namespace Varnholt::Publisher
+
+QTEST_GUILESS_MAIN(Varnholt::Publisher::ManifestWriterTest)
+#include "tst_ManifestWriter.moc"

@@ -1,0 +1,170 @@
+#include "Publisher/OptionChecks.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::Publisher {
+
+using TestSupport::CaughtFailure;
+using TestSupport::FailureOf;
+
+namespace {
+
+PublishOptions Good()
+{
+    PublishOptions options;
+    options.Build.Id = "18414";
+    return options;
+}
+
+CaughtFailure Check(PublishOptions const& p_Options)
+{
+    return FailureOf([&] { OptionChecks::Check(p_Options); });
+}
+
+} // namespace
+
+class OptionChecksTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void PartsOfAddressesNeedNoEscaping_data();
+    void PartsOfAddressesNeedNoEscaping();
+    void TakesHostNames_data();
+    void TakesHostNames();
+    void RefusesWhatIsNoHostName_data();
+    void RefusesWhatIsNoHostName();
+    void OneBadHostOfSeveralIsRefused();
+    void TheRealmListIsOneLine_data();
+    void TheRealmListIsOneLine();
+};
+
+void OptionChecksTest::PartsOfAddressesNeedNoEscaping_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("good");
+    for (char const* const value : {"18414", "5.4.8_x-1", "a", "-a", "A.b"})
+        QTest::newRow(value) << QString(value) << true;
+    for (char const* const value :
+         {"", ".", "..", ".a", "a/b", "a b", "a?", "a#", "a%20", "a\\b", "a\n", "../x"})
+        QTest::newRow(qPrintable(QString("bad: %1").arg(value))) << QString(value) << false;
+    QTest::newRow("bad: accent") << QString::fromUtf8("é") << false;
+}
+
+void OptionChecksTest::PartsOfAddressesNeedNoEscaping()
+{
+    QFETCH(QString, value);
+    QFETCH(bool, good);
+    PublishOptions build = Good();
+    build.Build.Id = value;
+    PublishOptions app = Good();
+    app.AppId = value;
+    for (auto const& [failure, option] :
+         {std::pair(Check(build), "--build"), std::pair(Check(app), "--app-id")}) {
+        QCOMPARE(failure.Sentence.isNull(), good);
+        if (good)
+            continue;
+        QVERIFY(failure.Sentence.startsWith(QString("%1 \"%2\": ").arg(option, value)));
+        QCOMPARE(failure.ExitStatus, Failure::c_Usage);
+    }
+}
+
+void OptionChecksTest::TakesHostNames_data()
+{
+    QTest::addColumn<QString>("host");
+    for (char const* const host : {"cdn1.example.net", "cdn1.example.net:8080", "127.0.0.1:80",
+                                   "localhost", "[::1]", "[2001:db8::1]:65535", "a_b-c"})
+        QTest::newRow(host) << QString(host);
+}
+
+void OptionChecksTest::TakesHostNames()
+{
+    QFETCH(QString, host);
+    PublishOptions options = Good();
+    options.Hosts = QStringList(host);
+    QCOMPARE(Check(options).Sentence, QString());
+}
+
+void OptionChecksTest::RefusesWhatIsNoHostName_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("nothing") << ""
+                             << "a host name is empty";
+    QTest::newRow("scheme") << "http://a.example"
+                            << "give the host name without a scheme";
+    QTest::newRow("path") << "a.example/files"
+                          << "a host name holds no slash";
+    QTest::newRow("final slash") << "a.example/"
+                                 << "a host name holds no slash";
+    QTest::newRow("blank inside") << "a b"
+                                  << "a host name holds no blank";
+    QTest::newRow("blank in front") << " a"
+                                    << "a host name holds no blank";
+    QTest::newRow("blank behind") << "a "
+                                  << "a host name holds no blank";
+    QTest::newRow("line end") << "a\n"
+                              << "a host name holds no blank";
+    QTest::newRow("tab") << "a\tb"
+                         << "a host name holds no blank";
+    QString const other = "is not a host name with or without a port";
+    QTest::newRow("no port") << "a:" << other;
+    QTest::newRow("word as port") << "a:http" << other;
+    QTest::newRow("port too high") << "a:65536" << other;
+    QTest::newRow("address without brackets") << "::1" << other;
+    QTest::newRow("user") << "user@a" << other;
+    QTest::newRow("accent") << QString::fromUtf8("é.example") << other;
+}
+
+void OptionChecksTest::RefusesWhatIsNoHostName()
+{
+    QFETCH(QString, host);
+    QFETCH(QString, cause);
+    PublishOptions options = Good();
+    options.Hosts = QStringList(host);
+    CaughtFailure const failure = Check(options);
+    QCOMPARE(failure.Sentence, QString("--hosts \"%1\": %2").arg(host, cause));
+    QCOMPARE(failure.ExitStatus, Failure::c_Usage);
+}
+
+void OptionChecksTest::OneBadHostOfSeveralIsRefused()
+{
+    PublishOptions options = Good();
+    options.Hosts = QStringList({"a", "b", "", "c"});
+    QCOMPARE(Check(options).Sentence, QString("--hosts \"\": a host name is empty"));
+}
+
+void OptionChecksTest::TheRealmListIsOneLine_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("cause");
+    QString const line =
+        "--realmlist: the address must not hold a line break or another control character";
+    QTest::newRow("name") << "logon.example.net"
+                          << "";
+    QTest::newRow("name and port") << "logon.example.net:3724"
+                                   << "";
+    QTest::newRow("nothing") << ""
+                             << "--realmlist \"\": the address is empty";
+    QTest::newRow("quote") << "a\"b"
+                           << "--realmlist \"a\"b\": the address must not hold a quote";
+    QTest::newRow("line feed") << "a\nb" << line;
+    QTest::newRow("final line feed") << "a\n" << line;
+    QTest::newRow("carriage return") << "a\rb" << line;
+    QTest::newRow("NUL") << QString("a") + QChar(QChar::Null) << line;
+    QTest::newRow("line separator") << QString("a") + QChar(QChar::LineSeparator) << line;
+}
+
+void OptionChecksTest::TheRealmListIsOneLine()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, cause);
+    PublishOptions options = Good();
+    options.RealmListAddress = address;
+    QCOMPARE(Check(options).Sentence, cause);
+}
+
+} // namespace Varnholt::Publisher
+
+QTEST_GUILESS_MAIN(Varnholt::Publisher::OptionChecksTest)
+#include "tst_OptionChecks.moc"

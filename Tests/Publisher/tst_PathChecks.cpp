@@ -1,0 +1,161 @@
+#include "GameModules/ManifestPaths.hpp"
+#include "Publisher/PathChecks.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::Publisher {
+
+using TestSupport::FailureOf;
+
+namespace {
+
+SourceFile File(char const* p_Path)
+{
+    SourceFile file;
+    file.Path = QString::fromUtf8(p_Path);
+    return file;
+}
+
+} // namespace
+
+class PathChecksTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void TakesOrdinaryPaths_data();
+    void TakesOrdinaryPaths();
+    void RefusesWhatClientsCannotTake_data();
+    void RefusesWhatClientsCannotTake();
+    void RefusesWhateverTheModuleDrops_data();
+    void RefusesWhateverTheModuleDrops();
+    void RefusesNamesThatLeaveNoRoomForThePartFile();
+    void ANameThatIsShownHoldsNoControlCharacter();
+    void FindsFilesThatAreOneWithoutLetterCase_data();
+    void FindsFilesThatAreOneWithoutLetterCase();
+    void DifferentFilesDoNotCollide();
+};
+
+void PathChecksTest::TakesOrdinaryPaths_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    for (char const* const path :
+         {"a", "Data/a b.mpq", "Pandaria.app/Contents/MacOS/x", "Été/日本.txt", ".hidden",
+          "a.partial", "part", "Data/ToDownload.db", "ToDownload.db.bak", "a..b/c", "100%?#.txt"})
+        QTest::newRow(path) << QByteArray(path);
+}
+
+void PathChecksTest::TakesOrdinaryPaths()
+{
+    QFETCH(QByteArray, path);
+    QCOMPARE(FailureOf([&] { PathChecks::CheckPath(path); }).Sentence, QString());
+}
+
+void PathChecksTest::RefusesWhatClientsCannotTake_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QString>("cause");
+    QString const list = "clients keep a list of their own under this name";
+    QString const part = "clients use names that end in \".part\" for unfinished files";
+    QString const control = "the name holds a control character";
+    QString const utf8 = "the name is not valid UTF-8";
+    QTest::newRow("base list") << QByteArray("ToDownloadBase.db") << list;
+    QTest::newRow("streamed list") << QByteArray("ToDownload.db") << list;
+    QTest::newRow("other list") << QByteArray("ToDownloadCASC.db") << list;
+    QTest::newRow("list in other case") << QByteArray("todownload.DB") << list;
+    QTest::newRow("part") << QByteArray("Data/a.part") << part;
+    QTest::newRow("part in other case") << QByteArray("Data/a.PART") << part;
+    QTest::newRow("line end") << QByteArray("a\nb") << control;
+    QTest::newRow("delete") << QByteArray("a\x7f") << control;
+    QTest::newRow("C1 control") << QByteArray("a\xc2\x9b") << control;
+    QTest::newRow("Latin-1") << QByteArray("\xe9t\xe9") << utf8;
+    QTest::newRow("cut sequence") << QByteArray("a\xc3") << utf8;
+    QTest::newRow("surrogate") << QByteArray("a\xed\xa0\x80") << utf8;
+    QTest::newRow("overlong") << QByteArray("a\xc0\xaf") << utf8;
+}
+
+void PathChecksTest::RefusesWhatClientsCannotTake()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QString, cause);
+    QString const sentence = FailureOf([&] { PathChecks::CheckPath(path); }).Sentence;
+    QVERIFY2(sentence.endsWith(": " + cause), qPrintable(sentence));
+}
+
+void PathChecksTest::RefusesWhateverTheModuleDrops_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    for (char const* const path : {"C:\\a", "c:", "\\a", "a\\..\\..\\b", "..\\a"})
+        QTest::newRow(path) << QByteArray(path);
+}
+
+void PathChecksTest::RefusesWhateverTheModuleDrops()
+{
+    QFETCH(QByteArray, path);
+    QVERIFY(!Launcher::ManifestPaths::IsInsideFolder(QString::fromUtf8(path)));
+    QCOMPARE(FailureOf([&] { PathChecks::CheckPath(path); }).Sentence,
+             QString::fromUtf8(path) +
+                 ": clients drop the path, since it may lead out of the game folder");
+}
+
+void PathChecksTest::RefusesNamesThatLeaveNoRoomForThePartFile()
+{
+    auto const refused = [](QByteArray const& p_Path) {
+        return FailureOf([&] { PathChecks::CheckPath(p_Path); })
+            .Sentence.endsWith(": the name is too long for a client that appends \".part\" to it");
+    };
+    QVERIFY(!refused("Data/" + QByteArray(250, 'a')));
+    QVERIFY(refused("Data/" + QByteArray(251, 'a')));
+    QVERIFY(!refused(QByteArray("é").repeated(125)));
+    QVERIFY(refused(QByteArray("é").repeated(126)));
+    QVERIFY(!refused(QByteArray(255, 'a') + "/b"));
+    QVERIFY(refused(QByteArray(256, 'a') + "/b"));
+}
+
+void PathChecksTest::ANameThatIsShownHoldsNoControlCharacter()
+{
+    QString const sentence = FailureOf([] { PathChecks::CheckPath("a\x1b[2Jb\n"); }).Sentence;
+    QCOMPARE(sentence, QString("a?[2Jb?: the name holds a control character"));
+}
+
+void PathChecksTest::FindsFilesThatAreOneWithoutLetterCase_data()
+{
+    QTest::addColumn<QByteArray>("one");
+    QTest::addColumn<QByteArray>("two");
+    QTest::newRow("case of the name") << QByteArray("Data/a") << QByteArray("Data/A");
+    QTest::newRow("case of the folder") << QByteArray("Data/a") << QByteArray("DATA/a");
+    QTest::newRow("accents") << QByteArray("\xc3\x89") << QByteArray("\xc3\xa9");
+    QTest::newRow("spelling of accents") << QByteArray("\xc3\xa9") << QByteArray("e\xcc\x81");
+    QTest::newRow("a folder beside a file") << QByteArray("data") << QByteArray("Data/a");
+    QTest::newRow("a folder deeper down") << QByteArray("a/B") << QByteArray("A/b/c/d");
+}
+
+void PathChecksTest::FindsFilesThatAreOneWithoutLetterCase()
+{
+    QFETCH(QByteArray, one);
+    QFETCH(QByteArray, two);
+    SourceFile const first = File(one);
+    SourceFile const second = File(two);
+    QString const sentence = FailureOf([&] {
+                                 PathChecks::CheckCollisions({File("other"), first, second});
+                             }).Sentence;
+    QVERIFY2(sentence.contains(first.Path), qPrintable(sentence));
+    QString const folder = second.Path.section('/', 0, first.Path.count('/'));
+    QVERIFY2(sentence.contains(folder), qPrintable(sentence));
+    QVERIFY(!FailureOf([&] { PathChecks::CheckCollisions({second, first}); }).Sentence.isEmpty());
+}
+
+void PathChecksTest::DifferentFilesDoNotCollide()
+{
+    QCOMPARE(FailureOf([] {
+                 PathChecks::CheckCollisions({File("Data/a"), File("Data/b"), File("Data2/a"),
+                                              File("a"), File("Data/é"), File("Data/e"),
+                                              File("Datab")});
+             }).Sentence,
+             QString());
+}
+
+} // namespace Varnholt::Publisher
+
+QTEST_GUILESS_MAIN(Varnholt::Publisher::PathChecksTest)
+#include "tst_PathChecks.moc"

@@ -1,0 +1,147 @@
+#include "Publisher/RuleSetReader.hpp"
+#include "Publisher/TextPosition.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace Varnholt::Publisher {
+
+using TestSupport::CaughtFailure;
+using TestSupport::FailureOf;
+
+class RuleSetErrorsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void APlaceInATextIsCountedInCharacters_data();
+    void APlaceInATextIsCountedInCharacters();
+    void BrokenJsonIsReportedWithLineAndColumn_data();
+    void BrokenJsonIsReportedWithLineAndColumn();
+    void WhatIsNotUnderstoodIsAnError_data();
+    void WhatIsNotUnderstoodIsAnError();
+    void AMissingFileIsReported();
+};
+
+void RuleSetErrorsTest::APlaceInATextIsCountedInCharacters_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<int>("line");
+    QTest::addColumn<int>("column");
+    QTest::newRow("start") << QByteArray("ab") << 0 << 1 << 1;
+    QTest::newRow("in the first line") << QByteArray("ab\nc") << 1 << 1 << 2;
+    QTest::newRow("the line end") << QByteArray("ab\nc") << 2 << 1 << 3;
+    QTest::newRow("the second line") << QByteArray("ab\nc") << 3 << 2 << 1;
+    QTest::newRow("after two bytes") << QByteArray("é!") << 2 << 1 << 2;
+    QTest::newRow("after four bytes") << QByteArray("\n😀!") << 5 << 2 << 2;
+    QTest::newRow("beyond the end") << QByteArray("a\nbc") << 99 << 2 << 3;
+    QTest::newRow("before the start") << QByteArray("a\nbc") << -1 << 1 << 1;
+}
+
+void RuleSetErrorsTest::APlaceInATextIsCountedInCharacters()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(int, offset);
+    QFETCH(int, line);
+    QFETCH(int, column);
+    TextPosition const position = TextPosition::At(text, offset);
+    QCOMPARE(position.Line, line);
+    QCOMPARE(position.Column, column);
+}
+
+void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("place");
+    QTest::newRow("a value that is none")
+        << QByteArray("{\n  \"rules\": [\n    {\"match\": x}\n]}") << "line 3, column 15";
+    QTest::newRow("a value that is none, after an accent")
+        << QByteArray("{\"é\": x}") << "line 1, column 7";
+    // The JSON reader stops behind the bracket that it did not expect.
+    QTest::newRow("a colon that is missing")
+        << QByteArray("{\n\"rules\" []}") << "line 2, column 10";
+    QTest::newRow("more after the end") << QByteArray("{}\n\nx") << "line 3, column 1";
+}
+
+void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, place);
+    QTemporaryDir const folder;
+    QString const file = folder.filePath("rules.json");
+    QVERIFY(TestSupport::WriteFile(file, text));
+    CaughtFailure const failure =
+        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
+    QVERIFY2(failure.Sentence.startsWith(file + ": " + place + ": "), qPrintable(failure.Sentence));
+    QCOMPARE(failure.ExitStatus, Failure::c_Other);
+}
+
+void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("sentence");
+    auto const add = [](char const* p_Text, char const* p_Sentence) {
+        QTest::newRow(p_Text) << QByteArray(p_Text) << QString(p_Sentence);
+    };
+    add("[]", "the top level must be a JSON object");
+    add(R"({"rule": []})", "unknown key \"rule\"; the keys are rules, locales");
+    add(R"({"rules": {}})", "\"rules\": must be an array of objects");
+    add(R"({"rules": null})", "\"rules\": must be an array of objects");
+    add(R"({"rules": [{"match": "a"}, 5]})", "rules[1]: must be an object");
+    add(R"({"rules": [{"streamed": true}]})", "rules[0]: has no \"match\"");
+    add(R"({"rules": [{"match": 1}]})", "rules[0]: \"match\": must hold text");
+    add(R"({"rules": [{"match": ""}]})", "rules[0]: the pattern \"\" is empty");
+    add(R"({"rules": [{"match": "/a"}]})", "rules[0]: the pattern \"/a\" starts with \"/\", but "
+                                           "paths are relative to the source folder");
+    add(R"({"rules": [{"match": "a", "flag": []}]})",
+        "rules[0]: unknown key \"flag\"; the keys are match, flags, locale, streamed, exclude");
+    add(R"({"rules": [{"match": "a", "flags": "executable"}]})",
+        "rules[0]: \"flags\": must be an array of flag names");
+    add(R"({"rules": [{"match": "a", "flags": [2]}]})", "rules[0]: \"flags\": must hold text");
+    add(R"({"rules": [{"match": "a", "flags": ["Executable"]}]})",
+        "rules[0]: \"flags\": unknown flag name \"Executable\"; the names are read-only, "
+        "executable, game-executable, first-build-only, default-server-only, keep-if-present");
+    add(R"({"rules": [{"match": "a", "locale": null}]})", "rules[0]: \"locale\": must hold text");
+    add(R"({"rules": [{"match": "a", "locale": "frFR"}]})",
+        "rules[0]: the locale \"frFR\" is not declared: add it to \"locales\" or give it with "
+        "--locales");
+    add(R"({"locales": {"frFR": "F"}, "rules": [{"match": "a", "locale": "frfr"}]})",
+        "rules[0]: the locale \"frfr\" is not declared: add it to \"locales\" or give it with "
+        "--locales");
+    add(R"({"rules": [{"match": "a", "streamed": "yes"}]})",
+        "rules[0]: \"streamed\": must be true or false");
+    add(R"({"rules": [{"match": "a", "exclude": 1}]})",
+        "rules[0]: \"exclude\": must be true or false");
+    add(R"({"locales": ["frFR"]})", "\"locales\": must be an object of names by tag");
+    add(R"({"locales": {"": "F"}})", "\"locales\": holds an empty tag");
+    add(R"({"locales": {"frFR": 1}})", "\"locales\": \"frFR\": must hold text");
+}
+
+void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, sentence);
+    QTemporaryDir const folder;
+    QString const file = folder.filePath("rules.json");
+    QVERIFY(TestSupport::WriteFile(file, text));
+    CaughtFailure const failure =
+        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
+    QCOMPARE(failure.Sentence, file + ": " + sentence);
+}
+
+void RuleSetErrorsTest::AMissingFileIsReported()
+{
+    QTemporaryDir const folder;
+    QString const file = folder.filePath("none.json");
+    CaughtFailure const failure =
+        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
+    QVERIFY2(failure.Sentence.startsWith(file + ": cannot be read: "),
+             qPrintable(failure.Sentence));
+}
+
+} // namespace Varnholt::Publisher
+
+QTEST_GUILESS_MAIN(Varnholt::Publisher::RuleSetErrorsTest)
+#include "tst_RuleSetErrors.moc"
