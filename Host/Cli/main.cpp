@@ -1,7 +1,12 @@
+#include "Host/Cli/CommandLine.hpp"
+
 #include <QCoreApplication>
+#include <QTextCodec>
 
 int main(int p_Count, char** p_Arguments)
 {
     QCoreApplication const application(p_Count, p_Arguments);
-    return 0;
+    // File names are UTF-8 wherever this runs, also where the locale says nothing of the kind.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    return Varnholt::Host::RunCommandLine(p_Count, p_Arguments);
 }

@@ -7,12 +7,27 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+/// Queued connections look the types up by the names that the signals give them.
+void RegisterTypes()
+{
+    qRegisterMetaType<Failure>("Failure");
+    qRegisterMetaType<InstallStatus>("InstallStatus");
+    qRegisterMetaType<ModuleInfo>("ModuleInfo");
+    qRegisterMetaType<RunResult>("RunResult");
+    qRegisterMetaType<RunSnapshot>("RunSnapshot");
+}
+
+} // namespace
+
 HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
     : QObject(p_Parent)
     , Settings(p_Options.SettingsFile.isEmpty() ? HostOptions::DefaultSettingsFile()
                                                 : p_Options.SettingsFile)
     , Host(new ModuleHost(p_Options, Settings))
 {
+    RegisterTypes();
     QDir::setCurrent(QCoreApplication::applicationDirPath());
     if (!p_Options.ContentUrl.isEmpty())
         qputenv("VARNHOLT_CONTENT_BASE_URL", p_Options.ContentUrl.toUtf8());

@@ -1,0 +1,131 @@
+#include "Host/Cli/Console.hpp"
+
+#include <QMutexLocker>
+
+#include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace Varnholt::Host {
+
+namespace {
+
+constexpr char c_Red[] = "31";
+constexpr char c_Bold[] = "1";
+
+void Write(std::FILE* p_File, QString const& p_Text)
+{
+    QByteArray const bytes = p_Text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), p_File);
+    std::fflush(p_File);
+}
+
+bool IsCapable()
+{
+    return ::isatty(STDERR_FILENO) == 1 && qgetenv("TERM") != "dumb" && !qgetenv("TERM").isEmpty();
+}
+
+bool WantsColors(Color p_Colors)
+{
+    if (p_Colors == Color::Auto)
+        return IsCapable() && qEnvironmentVariableIsEmpty("NO_COLOR");
+    return p_Colors == Color::Always;
+}
+
+/// Standard error is written as UTF-8; what a locale of another kind would show is no text.
+bool IsUtf8Locale()
+{
+    for (char const* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        QByteArray const value = qgetenv(name).toLower();
+        if (!value.isEmpty())
+            return value.contains("utf-8") || value.contains("utf8");
+    }
+    return false;
+}
+
+} // namespace
+
+Console::Console(Color p_Colors, bool p_Quiet)
+    : Quiet(p_Quiet)
+    , Redraws(IsCapable())
+    , UsesColors(WantsColors(p_Colors))
+    , Unicode(IsUtf8Locale())
+{
+}
+
+Console::~Console()
+{
+    ShowStatus({});
+}
+
+void Console::Result(QString const& p_Line)
+{
+    QMutexLocker const lock(&OutputMutex);
+    if (!Status.isEmpty())
+        Write(stderr, QStringLiteral("\r\x1b[K"));
+    Write(stdout, p_Line + QLatin1Char('\n'));
+    DrawStatus();
+}
+
+void Console::Note(QString const& p_Line)
+{
+    if (!Quiet)
+        WriteAbove(p_Line);
+}
+
+void Console::Error(QString const& p_Sentence, QString const& p_Remedy)
+{
+    QString line = Colored(QStringLiteral("varnholt-host: "), c_Bold) + Colored(p_Sentence, c_Red);
+    if (!p_Remedy.isEmpty())
+        line += QStringLiteral("; ") + p_Remedy;
+    WriteAbove(line + QLatin1Char('.'));
+}
+
+void Console::Log(QString const& p_Line)
+{
+    WriteAbove(p_Line);
+}
+
+void Console::ShowStatus(QString const& p_Line)
+{
+    QMutexLocker const lock(&OutputMutex);
+    if (!Redraws || (Status.isEmpty() && p_Line.isEmpty()))
+        return;
+    Status = p_Line;
+    if (Status.isEmpty())
+        Write(stderr, QStringLiteral("\r\x1b[K"));
+    DrawStatus();
+}
+
+int Console::Width() const
+{
+    constexpr int c_UsualWidth = 80;
+
+    winsize size{};
+    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    return c_UsualWidth;
+}
+
+void Console::WriteAbove(QString const& p_Line)
+{
+    QMutexLocker const lock(&OutputMutex);
+    QString const clear = Status.isEmpty() ? QString() : QStringLiteral("\r\x1b[K");
+    Write(stderr, clear + p_Line + QLatin1Char('\n'));
+    DrawStatus();
+}
+
+void Console::DrawStatus()
+{
+    // One column stays free: some terminals go to the next line when the last one is filled.
+    if (!Status.isEmpty())
+        Write(stderr, QLatin1Char('\r') + Status.left(Width() - 1) + QStringLiteral("\x1b[K"));
+}
+
+QString Console::Colored(QString const& p_Text, char const* p_Code) const
+{
+    return UsesColors ? QStringLiteral("\x1b[%1m%2\x1b[0m").arg(QLatin1String(p_Code), p_Text)
+                      : p_Text;
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,106 @@
+#include "Host/Cli/ProgressText.hpp"
+
+#include "Host/Core/ByteText.hpp"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace Varnholt::Host::ProgressText {
+
+namespace {
+
+/// Of files while they are counted, of bytes while they arrive; negative when there is no measure.
+int Permille(RunSnapshot const& p_Snapshot)
+{
+    constexpr quint64 c_Whole = 1000;
+
+    bool const bytes = IsDownloading(p_Snapshot.Phase);
+    quint64 const total = bytes ? p_Snapshot.BytesTotal : p_Snapshot.FileCount;
+    quint64 const done = bytes ? p_Snapshot.BytesDone : p_Snapshot.FileNumber;
+    return total == 0 ? -1 : static_cast<int>(std::min(done, total) * c_Whole / total);
+}
+
+QString Figures(RunSnapshot const& p_Snapshot)
+{
+    QStringList figures;
+    if (p_Snapshot.BytesTotal > 0)
+        figures += QStringLiteral("%1 of %2")
+                       .arg(ByteText(p_Snapshot.BytesDone), ByteText(p_Snapshot.BytesTotal));
+    if (p_Snapshot.Rate > 0)
+        figures += QStringLiteral("%1/s").arg(ByteText(p_Snapshot.Rate));
+    if (p_Snapshot.Remaining >= 0)
+        figures += QStringLiteral("%1 left").arg(Duration(p_Snapshot.Remaining));
+    return figures.join(QStringLiteral(", "));
+}
+
+QString DrawnBar(int p_Permille, int p_Cells, bool p_Unicode)
+{
+    constexpr int c_Whole = 1000;
+
+    int const filled = p_Permille * p_Cells / c_Whole;
+    QChar const full = p_Unicode ? QChar(0x2588) : QLatin1Char('#');
+    QChar const empty = p_Unicode ? QChar(0x2591) : QLatin1Char('-');
+    return QString(filled, full) + QString(p_Cells - filled, empty);
+}
+
+} // namespace
+
+QString Duration(qint64 p_Seconds)
+{
+    constexpr qint64 c_Minute = 60;
+    constexpr qint64 c_Hour = 60 * c_Minute;
+
+    qint64 const hours = p_Seconds / c_Hour;
+    qint64 const minutes = p_Seconds % c_Hour / c_Minute;
+    QString const seconds = QStringLiteral("%1").arg(p_Seconds % c_Minute, 2, 10, QLatin1Char('0'));
+    if (hours == 0)
+        return QStringLiteral("%1:%2").arg(minutes).arg(seconds);
+    return QStringLiteral("%1:%2:%3").arg(hours).arg(minutes, 2, 10, QLatin1Char('0')).arg(seconds);
+}
+
+QString Line(RunSnapshot const& p_Snapshot)
+{
+    QString line = PhaseText(p_Snapshot.Phase);
+    QStringList parts;
+    if (p_Snapshot.FileCount > 0) {
+        QString file =
+            QStringLiteral("file %1 of %2").arg(p_Snapshot.FileNumber).arg(p_Snapshot.FileCount);
+        if (!p_Snapshot.File.isEmpty())
+            file += QStringLiteral(" (%1)").arg(p_Snapshot.File);
+        parts += file;
+    }
+    QString const figures = Figures(p_Snapshot);
+    if (!figures.isEmpty())
+        parts += figures;
+    if (!p_Snapshot.Mirror.isEmpty())
+        parts += QStringLiteral("from %1").arg(p_Snapshot.Mirror);
+    return parts.isEmpty() ? line : line + QStringLiteral(": ") + parts.join(QStringLiteral(", "));
+}
+
+QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode)
+{
+    constexpr int c_MostCells = 30;
+    constexpr int c_FewestCells = 10;
+
+    QString line = PhaseText(p_Snapshot.Phase);
+    int const permille = Permille(p_Snapshot);
+    if (permille < 0)
+        return line.left(p_Width);
+    line += QStringLiteral("  %1/%2").arg(p_Snapshot.FileNumber).arg(p_Snapshot.FileCount);
+    QString const percent = QStringLiteral(" %1 %").arg(permille / 10, 3);
+    QString const figures = Figures(p_Snapshot);
+    QString const tail = figures.isEmpty() ? percent : percent + QStringLiteral("  ") + figures;
+
+    int const room = p_Width - line.size() - tail.size() - 2;
+    int const cells = std::min(c_MostCells, room);
+    line += cells < c_FewestCells
+                ? tail
+                : QStringLiteral("  ") + DrawnBar(permille, cells, p_Unicode) + tail;
+    int const left = p_Width - line.size() - 2;
+    if (!p_Snapshot.File.isEmpty() && left >= c_FewestCells)
+        line += QStringLiteral("  ") + p_Snapshot.File.right(left);
+    return line.left(p_Width);
+}
+
+} // namespace Varnholt::Host::ProgressText

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Host/Core/RunSnapshot.hpp"
+
+#include <QString>
+
+/// A snapshot in words. No output of its own.
+namespace Varnholt::Host::ProgressText {
+
+/// Seconds as "0:05", "12:34" or "1:02:03".
+QString Duration(qint64 p_Seconds);
+
+/// The whole story in one line, for a log: "downloading base files: file 12 of 312 (a/b.MPQ),
+/// 1.2 GiB of 2.6 GiB, 12 MiB/s, 1:23 left".
+QString Line(RunSnapshot const& p_Snapshot);
+
+/// A line of a terminal with a bar, not longer than p_Width columns. What matters less is left out
+/// when there is not enough room.
+QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode);
+
+} // namespace Varnholt::Host::ProgressText

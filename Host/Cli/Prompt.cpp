@@ -1,0 +1,83 @@
+#include "Host/Cli/Prompt.hpp"
+
+#include <QByteArray>
+
+#include <cstdio>
+#include <termios.h>
+#include <unistd.h>
+
+namespace Varnholt::Host::Prompt {
+
+namespace {
+
+/// No echo of what is typed on a terminal for as long as it lives.
+class Silence {
+public:
+    Silence()
+    {
+        if (::tcgetattr(STDIN_FILENO, &Former) != 0)
+            return;
+        termios silent = Former;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        Changed = ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) == 0;
+    }
+    ~Silence()
+    {
+        if (!Changed)
+            return;
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &Former);
+        std::fputc('\n', stderr); // the one that was typed was not shown
+    }
+    Silence(Silence const&) = delete;
+    Silence& operator=(Silence const&) = delete;
+
+private:
+    termios Former{};
+    bool Changed = false;
+};
+
+void Ask(QString const& p_Question)
+{
+    std::fputs(p_Question.toUtf8().constData(), stderr);
+    std::fflush(stderr);
+}
+
+/// Byte by byte: what follows the line is not this program's to take.
+std::optional<QString> ReadLine()
+{
+    QByteArray line;
+    char byte = 0;
+    ssize_t read = 0;
+    while ((read = ::read(STDIN_FILENO, &byte, 1)) == 1 && byte != '\n')
+        line += byte;
+    if (read < 0 || (read == 0 && line.isEmpty()))
+        return std::nullopt;
+    if (line.endsWith('\r'))
+        line.chop(1);
+    return QString::fromUtf8(line);
+}
+
+} // namespace
+
+bool IsInteractive()
+{
+    return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool Confirm(QString const& p_Question)
+{
+    Ask(p_Question + QStringLiteral(" [y/N] "));
+    QString const answer = ReadLine().value_or(QString()).trimmed().toLower();
+    return answer == QLatin1String("y") || answer == QLatin1String("yes");
+}
+
+std::optional<QString> Password(QString const& p_Question)
+{
+    if (!IsInteractive())
+        return ReadLine();
+    Silence const silence;
+    Ask(p_Question);
+    return ReadLine();
+}
+
+} // namespace Varnholt::Host::Prompt

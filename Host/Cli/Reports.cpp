@@ -1,0 +1,112 @@
+#include "Host/Cli/Reports.hpp"
+
+#include <QImageReader>
+
+#include <algorithm>
+
+namespace Varnholt::Host::Reports {
+
+namespace {
+
+using Rows = QVector<QPair<QString, QString>>;
+
+QStringList Table(Rows const& p_Rows)
+{
+    int width = 0;
+    for (auto const& row : p_Rows)
+        width = std::max(width, row.first.size());
+    QStringList lines;
+    for (auto const& row : p_Rows)
+        lines += row.first.left(1).toUpper() +
+                 (row.first.mid(1) + QLatin1Char(':')).leftJustified(width + 1) + row.second;
+    return lines;
+}
+
+QString ImageText(QString const& p_Path)
+{
+    QSize const size = QImageReader(p_Path).size();
+    return size.isValid()
+               ? QStringLiteral("%1 (%2 x %3)").arg(p_Path).arg(size.width()).arg(size.height())
+               : QStringLiteral("%1 (not an image)").arg(p_Path);
+}
+
+QString Files(quint32 p_Count)
+{
+    return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
+}
+
+QString FetchSummary(RunResult const& p_Result, QString const& p_Name)
+{
+    QString const fetched = p_Result.Transfers == 0
+                                ? QStringLiteral("nothing had to be fetched")
+                                : Files(p_Result.Transfers) + QStringLiteral(" fetched");
+    return QStringLiteral("%1, build %2, is complete in %3 (%4)")
+        .arg(p_Name, p_Result.Build, p_Result.Folder, fetched);
+}
+
+} // namespace
+
+QStringList Info(ModuleInfo const& p_Info)
+{
+    Rows rows{{QStringLiteral("Module"), p_Info.File},
+              {QStringLiteral("Game"), p_Info.Name},
+              {QStringLiteral("Identifier"), p_Info.AppId},
+              {QStringLiteral("Plug-in"), p_Info.MetaDataName},
+              {QStringLiteral("Version"), p_Info.Version}};
+    rows += p_Info.Presentation;
+    for (auto const& image : p_Info.Images)
+        rows.append({image.first, ImageText(image.second)});
+    return Table(rows);
+}
+
+QStringList Status(InstallStatus const& p_Status)
+{
+    if (!p_Status.IsInstalled)
+        return {QStringLiteral("%1 is not installed").arg(p_Status.Name)};
+    QString state = QStringLiteral("complete");
+    if (!p_Status.FolderExists)
+        state = QStringLiteral("its folder does not exist");
+    else if (p_Status.IsUnfinished)
+        state = QStringLiteral("not complete; \"update\" fetches the rest");
+    else if (p_Status.Build.isEmpty())
+        state = QStringLiteral("not known; \"update\" looks at it");
+    Rows rows{{QStringLiteral("Game"), p_Status.Name},
+              {QStringLiteral("Folder"), p_Status.Folder},
+              {QStringLiteral("State"), state},
+              {QStringLiteral("Language"), p_Status.Locale}};
+    if (!p_Status.Build.isEmpty())
+        rows.append({QStringLiteral("Last complete build"), p_Status.Build});
+    if (int const pending = p_Status.PendingBase + p_Status.PendingStreamed)
+        rows.append({QStringLiteral("Listed as pending"), Files(static_cast<quint32>(pending))});
+    return Table(rows);
+}
+
+QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name)
+{
+    switch (p_Request.Kind) {
+    case RunRequest::Type::Install:
+    case RunRequest::Type::Update:
+    case RunRequest::Type::Repair:
+        return {FetchSummary(p_Result, p_Name)};
+    case RunRequest::Type::Uninstall:
+        return {p_Request.DeletesFiles
+                    ? QStringLiteral("%1 is uninstalled; files that are not of the game stayed")
+                          .arg(p_Name)
+                    : QStringLiteral("%1 is uninstalled; its files stayed").arg(p_Name)};
+    case RunRequest::Type::Play:
+        return {QStringLiteral("%1 was started").arg(p_Name)};
+    case RunRequest::Type::ChooseLocale:
+        return {QStringLiteral("The language is %1; \"update\" fetches its files")
+                    .arg(p_Result.Locale)};
+    case RunRequest::Type::ListLocales:
+        break;
+    }
+    QStringList lines;
+    for (auto const& locale : p_Result.Locales)
+        lines += QStringLiteral("%1 %2  %3")
+                     .arg(locale.Tag == p_Result.Locale ? QStringLiteral("*") : QStringLiteral(" "),
+                          locale.Tag, locale.Name);
+    return lines;
+}
+
+} // namespace Varnholt::Host::Reports

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Host/Core/InstallStatus.hpp"
+#include "Host/Core/ModuleInfo.hpp"
+#include "Host/Core/RunRequest.hpp"
+#include "Host/Core/RunResult.hpp"
+
+#include <QStringList>
+
+/// The results of commands as lines for people. No output of their own.
+namespace Varnholt::Host::Reports {
+
+QStringList Info(ModuleInfo const& p_Info);
+QStringList Status(InstallStatus const& p_Status);
+/// Of a run that has not failed.
+QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name);
+
+} // namespace Varnholt::Host::Reports

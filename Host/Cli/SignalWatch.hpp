@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+namespace Varnholt::Host {
+
+/// Turns the signals of the system into those of Qt. One at a time in a process.
+///
+/// A second request to end does not wait for the first one's outcome: it ends the program at once,
+/// with status 130.
+class SignalWatch : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SignalWatch(QObject* p_Parent = nullptr);
+    ~SignalWatch() override;
+
+    /// True from the first request to end on, also before `EndRequested` was delivered.
+    static bool IsEndRequested();
+
+Q_SIGNALS:
+    void EndRequested();    ///< SIGINT, SIGTERM or SIGHUP
+    void ToggleRequested(); ///< SIGUSR1
+
+private:
+    void Deliver();
+
+    int Pipe[2] = {-1, -1};
+    QSocketNotifier* Notifier = nullptr;
+};
+
+} // namespace Varnholt::Host
