@@ -16,6 +16,12 @@ namespace {
                   Failure::c_Usage);
 }
 
+void CheckFolder(QString const& p_Option, QString const& p_Value)
+{
+    if (p_Value.isEmpty())
+        Fail(p_Option, p_Value, QStringLiteral("the folder's name is empty"));
+}
+
 /// A part of an address is inserted as it is by clients, so it must need no escaping.
 void CheckAddressPart(QString const& p_Option, QString const& p_Value)
 {
@@ -69,6 +75,8 @@ void CheckRealmList(QString const& p_Address)
 
 void Check(PublishOptions const& p_Options)
 {
+    CheckFolder(QStringLiteral("--source"), p_Options.Source);
+    CheckFolder(QStringLiteral("--output"), p_Options.Output);
     CheckAddressPart(QStringLiteral("--build"), p_Options.Build.Id);
     CheckAddressPart(QStringLiteral("--app-id"), p_Options.AppId);
     if (p_Options.Hosts) {

@@ -4,8 +4,8 @@
 
 namespace Varnholt::Publisher::OptionChecks {
 
-/// Refuses values that would end up in addresses or text files and break them there. Looks at no
-/// file.
+/// Refuses values that would end up in addresses or text files and break them there, and folders
+/// without a name. Looks at no file.
 /// \throws Failure with the status of a usage error, naming the option
 void Check(PublishOptions const& p_Options);
 

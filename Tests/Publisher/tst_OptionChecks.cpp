@@ -13,6 +13,8 @@ namespace {
 PublishOptions Good()
 {
     PublishOptions options;
+    options.Source = "source";
+    options.Output = "output";
     options.Build.Id = "18414";
     return options;
 }
