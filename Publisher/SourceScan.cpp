@@ -47,10 +47,10 @@ std::vector<SourceFile> SourceScan::Run()
     if (m_Files.empty())
         throw Failure(shown + QStringLiteral(": the source holds no file to publish"));
 
-    PathChecks::CheckCollisions(m_Files);
     std::sort(m_Files.begin(), m_Files.end(), [](SourceFile const& p_One, SourceFile const& p_Two) {
         return p_One.Path.toUtf8() < p_Two.Path.toUtf8();
     });
+    PathChecks::CheckCollisions(m_Files);
     return std::move(m_Files);
 }
 
