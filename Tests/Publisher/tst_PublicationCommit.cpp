@@ -1,0 +1,116 @@
+#include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Publisher/MoveWatch.hpp"
+#include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+class PublicationCommitTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void TheVersionFileChangesLastAndInOneStep();
+    void AReaderOfTheOldVersionFileKeepsIt();
+    void WhatCannotBeReplacedTakesEverythingBack_data();
+    void WhatCannotBeReplacedTakesEverythingBack();
+    void DamagedContentIsReported();
+    void APublishedBuildNeverChanges();
+};
+
+void PublicationCommitTest::TheVersionFileChangesLastAndInOneStep()
+{
+    PublishedGame game;
+    game.Options.Hosts = QStringList("old");
+    game.Publish();
+    game.Put("Data/new", "new content");
+    game.Options.Hosts = QStringList("new");
+    game.Options.RealmListAddress = "new";
+    // Folders that exist can be watched from the start.
+    QString const content = PublishedGame::ContentPath("new content");
+    QVERIFY(QDir().mkpath(QFileInfo(game.OutputPath(content)).path()));
+    QVERIFY(QDir().mkpath(game.OutputPath("pelmora_app/builds/build_2")));
+    MoveWatch watch(game.Options.Output,
+                    {"", "pelmora_app/", "pelmora_app/builds/build_2/", content.left(21)});
+    game.Publish("build_2");
+    QCOMPARE(watch.Changes(),
+             QStringList({"moved " + content, "moved pelmora_app/builds/build_2/info.json",
+                          "moved cdns.info", "moved pelmora_app/realmlist.info",
+                          "moved pelmora_app/version.json"}));
+}
+
+void PublicationCommitTest::AReaderOfTheOldVersionFileKeepsIt()
+{
+    PublishedGame game;
+    game.Publish();
+    QFile version(game.OutputPath("pelmora_app/version.json"));
+    QVERIFY(version.open(QIODevice::ReadOnly));
+    game.Publish("build_2");
+    QCOMPARE(version.readAll(), QByteArray("{\"build\":\"build_1\"}"));
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
+}
+
+void PublicationCommitTest::WhatCannotBeReplacedTakesEverythingBack_data()
+{
+    QTest::addColumn<QString>("path");
+    for (char const* const path : {"pelmora_app/version.json", "pelmora_app/realmlist.info",
+                                   "cdns.info", "pelmora_app/builds/build_2/info.json"})
+        QTest::newRow(path) << QString(path);
+}
+
+/// A folder stands where the file must go, which is seen when the files before it are in place.
+void PublicationCommitTest::WhatCannotBeReplacedTakesEverythingBack()
+{
+    QFETCH(QString, path);
+    PublishedGame game;
+    game.Options.Hosts = QStringList("old");
+    game.Options.RealmListAddress = "old";
+    game.Publish();
+    QFile::remove(game.OutputPath(path));
+    QVERIFY(WriteFile(game.OutputPath(path + "/inside"), "x"));
+    Tree const before = game.Published();
+    game.Put("Data/new", "new content");
+    game.Options.Hosts = QStringList("new");
+    game.Options.RealmListAddress = "new";
+    game.Options.Build.Id = "build_2";
+    QCOMPARE(game.FailureSentence(),
+             game.OutputPath(path) + ": is not a file that can be replaced");
+    QCOMPARE(game.Published(), before);
+}
+
+void PublicationCommitTest::DamagedContentIsReported()
+{
+    PublishedGame game;
+    game.Publish();
+    QString const content = game.OutputPath(PublishedGame::ContentPath("the game"));
+    QVERIFY(WriteFile(content, "the"));
+    Tree const before = game.Published();
+    game.Options.Build.Id = "build_2";
+    QCOMPARE(game.FailureSentence(), content + ": the content file is damaged (3 bytes, not 8): "
+                                               "remove it and publish again");
+    QCOMPARE(game.Published(), before);
+    QVERIFY(QFile::remove(content));
+    QVERIFY(QDir().mkpath(content));
+    QCOMPARE(game.FailureSentence(), content + ": stands where a content file must go");
+    QVERIFY(QDir().rmdir(content));
+    QCOMPARE(game.FailureSentence(), QString());
+    QCOMPARE(ReadFile(content), QByteArray("the game"));
+}
+
+void PublicationCommitTest::APublishedBuildNeverChanges()
+{
+    PublishedGame game;
+    game.Publish();
+    Tree const before = game.Published();
+    game.Put("Data/new", "new content");
+    QCOMPARE(game.FailureSentence(), game.OutputPath("pelmora_app/builds/build_1/info.json") +
+                                         ": this build is already published with other content: "
+                                         "choose another --build");
+    QCOMPARE(game.Published(), before);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::PublicationCommitTest)
+#include "tst_PublicationCommit.moc"

@@ -1,0 +1,152 @@
+#include "Publisher/ParallelFor.hpp"
+#include "Publisher/TreeTransaction.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QSet>
+#include <QSysInfo>
+#include <QtTest>
+
+#include <mutex>
+
+namespace Varnholt::TestSupport {
+
+using Publisher::TreeTransaction;
+
+class TreeTransactionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void CommitPutsEverythingInPlace();
+    void NothingIsSeenBeforeTheCommit();
+    void WithoutACommitNothingStays();
+    void AFailedCommitBringsBackWhatWasReplaced();
+    void AFailedCommitRemovesTheFoldersItMade();
+    void ASecondTransactionIsRefusedAndHarmsNothing();
+    void TheLockOfADeadProgramIsTakenOver();
+    void NewFilesHaveNamesOfTheirOwn();
+
+private:
+    QString Path(QString const& p_Path) const { return Root + '/' + p_Path; }
+
+    std::unique_ptr<QTemporaryDir> Folder;
+    QString Root;
+};
+
+void TreeTransactionTest::init()
+{
+    Folder = std::make_unique<QTemporaryDir>();
+    Root = Folder->filePath("deep/tree");
+}
+
+void TreeTransactionTest::CommitPutsEverythingInPlace()
+{
+    QVERIFY(WriteFile(Path("old"), "old"));
+    TreeTransaction tree(Root);
+    QString const file = tree.NewFile();
+    QVERIFY(WriteFile(file, "written"));
+    tree.Add(file, Path("a/b/written"));
+    tree.AddText("text", Path("a/text"));
+    tree.AddText("new", Path("old"));
+    tree.Commit();
+    Tree const expected{
+        {"a/", {}}, {"a/b/", {}}, {"a/b/written", "written"}, {"a/text", "text"}, {"old", "new"}};
+    QCOMPARE(TreeOf(Root), expected);
+}
+
+void TreeTransactionTest::NothingIsSeenBeforeTheCommit()
+{
+    QVERIFY(WriteFile(Path("old"), "old"));
+    TreeTransaction tree(Root);
+    tree.AddText("text", Path("a/text"));
+    tree.AddText("new", Path("old"));
+    QVERIFY(!QFileInfo::exists(Path("a")));
+    QCOMPARE(ReadFile(Path("old")), QByteArray("old"));
+}
+
+void TreeTransactionTest::WithoutACommitNothingStays()
+{
+    {
+        TreeTransaction tree(Root);
+        QVERIFY(QFileInfo(Root).isDir());
+        tree.AddText("text", Path("a/text"));
+    }
+    QCOMPARE(TreeOf(Folder->path()), Tree());
+}
+
+void TreeTransactionTest::AFailedCommitBringsBackWhatWasReplaced()
+{
+    QVERIFY(WriteFile(Path("old"), "old"));
+    QVERIFY(WriteFile(Path("folder/inside"), "x"));
+    Tree const before = TreeOf(Root);
+    {
+        TreeTransaction tree(Root);
+        tree.AddText("new", Path("old"));
+        tree.AddText("newer", Path("old"));
+        tree.AddText("text", Path("new"));
+        tree.AddText("in the way", Path("folder"));
+        QCOMPARE(FailureOf([&] { tree.Commit(); }).Sentence,
+                 Path("folder") + ": is not a file that can be replaced");
+    }
+    QCOMPARE(TreeOf(Root), before);
+}
+
+void TreeTransactionTest::AFailedCommitRemovesTheFoldersItMade()
+{
+    QVERIFY(WriteFile(Path("file"), "x"));
+    Tree const before = TreeOf(Root);
+    {
+        TreeTransaction tree(Root);
+        tree.AddText("text", Path("a/b/c/text"));
+        tree.AddText("below a file", Path("file/text"));
+        QCOMPARE(FailureOf([&] { tree.Commit(); }).Sentence, Path("file") + ": is not a folder");
+    }
+    QCOMPARE(TreeOf(Root), before);
+}
+
+void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
+{
+    TreeTransaction tree(Root);
+    tree.AddText("text", Path("text"));
+    QCOMPARE(FailureOf([this] { TreeTransaction const other(Root); }).Sentence,
+             Root + ": another run is publishing there");
+    tree.Commit();
+    QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+    QCOMPARE(FailureOf([this] { TreeTransaction const next(Root); }).Sentence, QString());
+}
+
+void TreeTransactionTest::TheLockOfADeadProgramIsTakenOver()
+{
+    // No process has a number of this size.
+    QVERIFY(
+        WriteFile(Path(".varnholt-publish.lock"),
+                  "999999999\nvarnholt-publish\n" + QSysInfo::machineHostName().toUtf8() + "\n"));
+    QVERIFY(WriteFile(Path(".varnholt-publish.new/0"), "remains"));
+    TreeTransaction tree(Root);
+    tree.AddText("text", Path("text"));
+    tree.Commit();
+    QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+}
+
+void TreeTransactionTest::NewFilesHaveNamesOfTheirOwn()
+{
+    TreeTransaction tree(Root);
+    std::mutex mutex;
+    QSet<QString> names;
+    Publisher::ParallelFor(200, [&](std::size_t) {
+        QString const name = tree.NewFile();
+        std::lock_guard const lock(mutex);
+        names.insert(name);
+    });
+    QCOMPARE(names.size(), 200);
+    for (QString const& name : qAsConst(names))
+        QVERIFY(name.startsWith(Root + '/'));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::TreeTransactionTest)
+#include "tst_TreeTransaction.moc"
