@@ -120,6 +120,15 @@ void StaticServer::Implementation::SetUpAnswers()
             }
             return HandlerResponse::Handled;
         });
+    // The library announces the parts of several ranges, but the whole file is what it gets.
+    Server.set_post_routing_handler(
+        [](httplib::Request const& p_Request, httplib::Response& p_Response) {
+            if (p_Request.ranges.size() > 1 && p_Response.status == 200) {
+                p_Response.headers.erase("Content-Type");
+                p_Response.set_header("Content-Type",
+                                      ContentType(QString::fromStdString(p_Request.path)));
+            }
+        });
     if (Log) {
         Server.set_logger(
             [this](httplib::Request const& p_Request, httplib::Response const& p_Response) {
