@@ -24,4 +24,16 @@ QString BaseUrlFor(ApplicationManifestFileEntry const& p_Entry, QStringList cons
     return host.isEmpty() ? DefaultContentBaseUrl() : BaseUrlOf(host);
 }
 
+bool MayServe(QString const& p_BaseUrl, ApplicationManifestFileEntry const& p_Entry,
+              QStringList const& p_Hosts)
+{
+    bool const byMirror = !p_Entry.Has(ApplicationManifestFileEntry::DefaultServerOnly);
+    if (byMirror)
+        for (QString const& host : p_Hosts)
+            if (!host.isEmpty() && p_BaseUrl == BaseUrlOf(host))
+                return true;
+    bool const byDefault = !byMirror || p_Hosts.isEmpty() || p_Hosts.contains(QString());
+    return byDefault && p_BaseUrl == DefaultContentBaseUrl();
+}
+
 } // namespace Varnholt::Launcher::MirrorChoice

@@ -18,4 +18,8 @@ QString BaseUrlOf(QString const& p_Host);
 /// mirrors was empty).
 QString BaseUrlFor(ApplicationManifestFileEntry const& p_Entry, QStringList const& p_Hosts);
 
+/// Whether `BaseUrlFor` could have given this server.
+bool MayServe(QString const& p_BaseUrl, ApplicationManifestFileEntry const& p_Entry,
+              QStringList const& p_Hosts);
+
 } // namespace Varnholt::Launcher::MirrorChoice

@@ -225,6 +225,9 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
         aside->Abort();
     FilesBegun = true;
     ApplicationManifestFileEntry const& entry = FilesToDownload[CurrentDownloadIndex];
+    // A question for another file's size may have changed the server since it was chosen.
+    if (!MirrorChoice::MayServe(ContentBaseUrl, entry, CdnHosts))
+        ChooseServer(entry);
     CurrentDownload =
         DownloadFile(RemoteAddress(entry), folder + entry.Path + QLatin1String(".part"), true);
 }

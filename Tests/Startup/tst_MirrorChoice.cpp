@@ -17,6 +17,7 @@ private Q_SLOTS:
     void ABlankHostIsReplacedByTheDefaultServer();
     void EntriesOfTheDefaultServerNeverGoToAMirror();
     void EveryDrawIsFresh();
+    void OnlyWhatCouldHaveBeenChosenMayServe();
 };
 
 void MirrorChoiceTest::init()
@@ -67,6 +68,24 @@ void MirrorChoiceTest::EveryDrawIsFresh()
     for (int i = 0; i < 1000; ++i)
         ++drawn[MirrorChoice::BaseUrlFor({}, {"a", "b"})];
     QVERIFY(drawn["http://a/"] > 400 && drawn["http://b/"] > 400);
+}
+
+void MirrorChoiceTest::OnlyWhatCouldHaveBeenChosenMayServe()
+{
+    using MirrorChoice::MayServe;
+    QStringList const hosts{"a", "b"};
+    QVERIFY(MayServe("http://a/", {}, hosts));
+    QVERIFY(MayServe("http://b/", {}, hosts));
+    QVERIFY(!MayServe("http://c/", {}, hosts));
+    QVERIFY(!MayServe("http://default/", {}, hosts));
+    QVERIFY(MayServe("http://default/", {}, {}));
+    QVERIFY(MayServe("http://default/", {}, {"a", ""}));
+    QVERIFY(!MayServe("http:///", {}, {""}));
+    QVERIFY(MayServe("http://default/", {}, {"default"}));
+    ApplicationManifestFileEntry entry;
+    entry.Flags = 0x40;
+    QVERIFY(MayServe("http://default/", entry, hosts));
+    QVERIFY(!MayServe("http://a/", entry, hosts));
 }
 
 } // namespace Varnholt::Launcher
