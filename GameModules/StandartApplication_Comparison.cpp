@@ -167,6 +167,11 @@ bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, bool p_Base,
     if (p_Recorded != nullptr)
         PendingList::Write(CurrentListPath(), *p_Recorded);
     FilesToDownload = std::move(p_Files);
+    if (!FilesToDownload.empty()) {
+        // A resume can begin with the files before the sizes are known.
+        CurrentDownloadIndex = 0;
+        DownloadedBytes = 0;
+    }
     return true;
 }
 
