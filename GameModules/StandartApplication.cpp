@@ -15,8 +15,10 @@ StandartApplication::StandartApplication(QString const& p_Name, QString const& p
             SLOT(App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)));
     // Also for a download that gave no completion because its file could not be opened.
     OnDownloadRetired = [this](HTTP_DownloadFileRequest* p_Request) {
-        if (CurrentDownload == p_Request)
+        if (CurrentDownload == p_Request) {
             CurrentDownload = nullptr;
+            FollowAbortedTransfer();
+        }
         TransfersAside.erase(p_Request);
     };
 }

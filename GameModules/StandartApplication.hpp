@@ -206,8 +206,14 @@ protected:
     void PollResume(quint64 p_Ticket);
     void ChooseServer(ApplicationManifestFileEntry const& p_Entry);
     QString RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const;
+    /// Queues the start of the current file. A suspension that stops a transfer until then, or has
+    /// come since the ticket was taken, voids it.
+    void QueueStart(RunId p_Run) { QueueStart(p_Run, ResumeTicket); }
+    void QueueStart(RunId p_Run, quint64 p_Ticket);
     /// Starts the file at `CurrentDownloadIndex` unless a transfer is in flight.
     void StartCurrentFile(RunId p_Run);
+    /// Called when a transfer has ended by an abort: follows it if a resume has come meanwhile.
+    void FollowAbortedTransfer();
 
     void UpdatePendingList(QString const& p_Added);
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
@@ -226,8 +232,8 @@ protected:
 
     std::atomic<RunId> CurrentRun{0};
     bool FilesBegun = false;      ///< a file of this run has been started, maybe by a resume
-    bool StartAfterAbort = false; ///< resumed before the aborted transfer's completion came
-    /// Grows with every suspension and every run: a resume that was asked for before is void.
+    bool StartAfterAbort = false; ///< resumed before the aborted transfer's end was handled
+    /// Grows with every suspension and every run: a start that was asked for before is void.
     std::atomic<quint64> ResumeTicket{1};
     quint64 PolledTicket = 0; ///< of the resume that waits for host and game
     std::set<HTTP_DownloadFileRequest*> TransfersAside; ///< of replaced runs, still running

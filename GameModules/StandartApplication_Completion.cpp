@@ -62,11 +62,10 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
     }
     ShowFileDone(*p_Request);
     CurrentDownload = nullptr;
-    if (!aborted)
+    if (aborted)
+        FollowAbortedTransfer();
+    else
         GoOnWithNextFile(run);
-    else if (StartAfterAbort)
-        EnqueueSync([this, run] { StartCurrentFile(run); });
-    StartAfterAbort = false;
 }
 
 void StandartApplication::UpdatePendingList(QString const& p_Added)
@@ -147,7 +146,7 @@ void StandartApplication::GoOnWithNextFile(RunId p_Run)
     if (CurrentDownloadIndex < FilesToDownload.size()) {
         ChooseServer(FilesToDownload[CurrentDownloadIndex]);
         qCWarning(LogDownload) << "Selected CDN " << Name << " " << ContentBaseUrl;
-        EnqueueSync([this, p_Run] { StartCurrentFile(p_Run); });
+        QueueStart(p_Run);
         return;
     }
     if (IsDownloadingBase) {

@@ -179,15 +179,20 @@ void StandartApplication::FetchStreamedFiles(RunId p_Run)
 
 void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText)
 {
-    UISetting.Download.Mode = 3;
-    UISetting.Download.DetailText = p_DetailText;
+    constexpr int c_Suspended = 4;
+
+    auto& progress = UISetting.Download;
+    progress.DetailText = p_DetailText;
     UISettingChanged = true;
-    if (FilesBegun) // by a resume, which the sizes have not kept waiting
+    // A resume was not kept waiting by the sizes, and may have been followed by a suspension.
+    if (!FilesBegun || progress.Mode != c_Suspended)
+        progress.Mode = 3;
+    if (FilesBegun)
         return;
     CurrentDownloadIndex = 0;
     DownloadedBytes = 0;
     ChooseServer(FilesToDownload.front());
-    EnqueueSync([this, p_Run] { StartCurrentFile(p_Run); });
+    QueueStart(p_Run);
 }
 
 void StandartApplication::EndRun(RunId p_Run)
@@ -210,6 +215,14 @@ QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p
     return ContentBaseUrl + AppId + QLatin1Char('/') + p_Entry.Location;
 }
 
+void StandartApplication::QueueStart(RunId p_Run, quint64 p_Ticket)
+{
+    EnqueueSync([this, p_Run, p_Ticket] {
+        if (ResumeTicket == p_Ticket)
+            StartCurrentFile(p_Run);
+    });
+}
+
 void StandartApplication::StartCurrentFile(RunId p_Run)
 {
     QString const folder = Folder();
@@ -230,6 +243,13 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
         ChooseServer(entry);
     CurrentDownload =
         DownloadFile(RemoteAddress(entry), folder + entry.Path + QLatin1String(".part"), true);
+}
+
+void StandartApplication::FollowAbortedTransfer()
+{
+    if (StartAfterAbort)
+        QueueStart(CurrentRun);
+    StartAfterAbort = false;
 }
 
 } // namespace Varnholt::Launcher

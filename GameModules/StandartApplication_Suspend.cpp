@@ -20,10 +20,17 @@ void StandartApplication::SuspendDownload()
     // Between two files nothing can be stopped: hosts call again until a transfer is in flight.
     if (CurrentDownload == nullptr)
         return;
+    RunId const run = CurrentRun;
     StartAfterAbort = false;
-    ++ResumeTicket;
+    {
+        // A poll that starts at this moment shows its mode before, or not at all.
+        QMutexLocker const lock(&RunMutex);
+        ++ResumeTicket;
+    }
     CurrentDownload->Abort();
     NotifyDownloadFinished();
+    if (!IsCurrentRun(run))
+        return;
     UISetting.Download.Mode = 4;
     UISettingChanged = true;
 }
@@ -44,17 +51,14 @@ void StandartApplication::ResumeDownload()
 
     NotifyDownloadStarting();
     RunScope const scope(*this, run);
-    if (!scope || !IsFilePending())
+    if (!scope || ResumeTicket != ticket || !IsFilePending())
         return;
     progress.Mode = 3;
     progress.Percent = PercentOf(progress.Current, progress.Total);
     UISettingChanged = true;
     ChooseServer(FilesToDownload[CurrentDownloadIndex]);
     qCWarning(LogDownload) << "Selected CDN " << Name << " " << ContentBaseUrl;
-    EnqueueSync([this, run, ticket] {
-        if (ResumeTicket == ticket)
-            StartCurrentFile(run);
-    });
+    QueueStart(run, ticket);
 }
 
 void StandartApplication::PollResume(quint64 p_Ticket)
