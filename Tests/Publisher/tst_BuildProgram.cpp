@@ -1,0 +1,309 @@
+#include "Tests/Publisher/ProgramRun.hpp"
+#include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QtTest>
+
+#include <csignal>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+using Preparation = std::function<void(PublishedGame& p_Game)>;
+
+/// The arguments that publish a game.
+QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {})
+{
+    return QStringList({"build", "--source", p_Game.Options.Source, "--output",
+                        p_Game.Options.Output, "--build", "build_1", "--rules",
+                        p_Game.Options.RulesFile}) +
+           p_More;
+}
+
+/// A file that takes so long to read that a run cannot be over before it is interrupted; holes take
+/// no room on the disk.
+[[nodiscard]] bool PutEndlessFile(PublishedGame const& p_Game)
+{
+    p_Game.Put("endless", "");
+    return QFile::resize(p_Game.SourcePath("endless"), Q_INT64_C(200'000'000'000));
+}
+
+bool IsAtWork(PublishedGame const& p_Game)
+{
+    return QFileInfo::exists(p_Game.OutputPath(".varnholt-publish.new"));
+}
+
+} // namespace
+
+} // namespace Varnholt::TestSupport
+
+Q_DECLARE_METATYPE(Varnholt::TestSupport::Preparation)
+
+namespace Varnholt::TestSupport {
+
+class BuildProgramTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void PublishesAndTellsWhatItDid();
+    void EveryOptionReachesTheTree();
+    void TheNameIsTheBuildUnlessItIsGiven();
+    void NamesAreUtf8WhateverTheLocale();
+    void AWarningDoesNotFailIt();
+    void AFailureIsOneSentenceThatNamesTheFile_data();
+    void AFailureIsOneSentenceThatNamesTheFile();
+    void AWrongCallIsAUsageError_data();
+    void AWrongCallIsAUsageError();
+    void HelpNamesEveryOption_data();
+    void HelpNamesEveryOption();
+    void TellsItsVersion();
+    void AnInterruptionPublishesNothing_data();
+    void AnInterruptionPublishesNothing();
+    void AKilledRunDoesNotStopTheNext();
+};
+
+void BuildProgramTest::PublishesAndTellsWhatItDid()
+{
+    PublishedGame game;
+    game.Put("Music/a", "abc");
+    game.AddRules("{\"match\": \"Music/**\", \"streamed\": true}");
+    ProgramResult const result = RunProgram(Arguments(game));
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Errors, QByteArray());
+    QList<QByteArray> const lines = result.Output.split('\n');
+    QCOMPARE(lines.size(), 6);
+    QCOMPARE(lines[0], "Published build build_1 in " + game.Options.Output.toUtf8());
+    QCOMPARE(lines[1], QByteArray("files        2 (1 streamed)"));
+    QCOMPARE(lines[2], QByteArray("bytes        11"));
+    QCOMPARE(lines[3], QByteArray("new content  11 bytes in 2 files"));
+    QVERIFY(lines[4].startsWith("rate         "));
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
+}
+
+void BuildProgramTest::EveryOptionReachesTheTree()
+{
+    PublishedGame game;
+    ProgramResult const result = RunProgram(Arguments(
+        game, {"--name", "Build one", "--number", "17", "--locales",
+               QString::fromUtf8("frFR=Français,enUS=English"), "--hosts", "a,b:81", "--realmlist",
+               "logon.example", "--app-id", "other_app", "--platform", "win", "--dev"}));
+    QCOMPARE(result.Errors, QByteArray());
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(game.Read("cdns.info"), QByteArray("a b:81"));
+    QCOMPARE(game.Read("other_app/realmlist.info"), QByteArray("SET realmlist \"logon.example\""));
+    QCOMPARE(game.Read("other_app/version_dev.json"), QByteArray("{\"build\":\"build_1\"}"));
+    QByteArray const manifest = game.Read("other_app/builds/build_1/info.json");
+    for (char const* const text :
+         {"\"build_str\":\"Build one\"", "\"build_number\":17", "\"base_win\":[",
+          "{\"name\":\"English\",\"tag\":\"enUS\"},{\"name\":\"Français\",\"tag\":\"frFR\"}"})
+        QVERIFY2(manifest.contains(text), text);
+}
+
+void BuildProgramTest::TheNameIsTheBuildUnlessItIsGiven()
+{
+    PublishedGame game;
+    QCOMPARE(RunProgram(Arguments(game)).Status, 0);
+    QByteArray const manifest = game.Read("pelmora_app/builds/build_1/info.json");
+    QVERIFY(manifest.contains("\"build_number\":0,\"build_str\":\"build_1\""));
+}
+
+void BuildProgramTest::NamesAreUtf8WhateverTheLocale()
+{
+    PublishedGame game;
+    game.Put(QString::fromUtf8("Été/日本"), "x");
+    game.Options.Output = game.Temporary.filePath(QString::fromUtf8("öffentlich"));
+    ProgramResult const result = RunProgram(Arguments(game), {{"LC_ALL", "C"}, {"LANG", "C"}});
+    QCOMPARE(result.Status, 0);
+    QVERIFY(result.Output.contains("öffentlich"));
+    QVERIFY(game.Read("pelmora_app/builds/build_1/info.json").contains("\"path\":\"Été/日本\""));
+    QCOMPARE(game.Read(PublishedGame::ContentPath("x")), QByteArray("x"));
+}
+
+void BuildProgramTest::AWarningDoesNotFailIt()
+{
+    PublishedGame game;
+    game.SetRules("{\"rules\":[{\"match\": \"Game\", \"flags\": [\"game-executable\"]}]}");
+    ProgramResult const result = RunProgram(Arguments(game));
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Errors,
+             QByteArray("varnholt-publish: warning: Game: the game's executable has no flag "
+                        "executable, so clients cannot start it\n"));
+}
+
+void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
+{
+    QTest::addColumn<Preparation>("prepare");
+    QTest::addColumn<QByteArray>("sentence");
+    auto const add = [](char const* p_Name, char const* p_Sentence, Preparation const& p_Prepare) {
+        QTest::newRow(p_Name) << p_Prepare << QByteArray(p_Sentence);
+    };
+    add("no source", "source: the source folder does not exist",
+        [](PublishedGame& p_Game) { QDir(p_Game.Options.Source).removeRecursively(); });
+    add("no rules", "rules.json: cannot be read: ", [](PublishedGame& p_Game) {
+        QFile::remove(p_Game.Options.RulesFile);
+    });
+    add("broken rules", "rules.json: line 2, column 10: ", [](PublishedGame& p_Game) {
+        p_Game.SetRules("{\n\"rules\": x}");
+    });
+    add("a name of the clients", "Data/a.part: clients use names",
+        [](PublishedGame& p_Game) { p_Game.Put("Data/a.part", "x"); });
+    add("a link that leaves", "link: the symbolic link leads out of the source folder",
+        [](PublishedGame& p_Game) { QFile::link("/", p_Game.SourcePath("link")); });
+    add("names that differ in case", "DATA/a and Data/a differ only in letter case",
+        [](PublishedGame& p_Game) {
+            p_Game.Put("Data/a", "x");
+            p_Game.Put("DATA/a", "x");
+        });
+    add("a folder for the version", "version.json: is not a file that can be replaced",
+        [](PublishedGame& p_Game) {
+            QDir().mkpath(p_Game.OutputPath("pelmora_app/version.json"));
+        });
+}
+
+void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile()
+{
+    QFETCH(Preparation, prepare);
+    QFETCH(QByteArray, sentence);
+    PublishedGame game;
+    prepare(game);
+    ProgramResult const result = RunProgram(Arguments(game));
+    QCOMPARE(result.Status, 1);
+    QCOMPARE(result.Output, QByteArray());
+    QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
+    QVERIFY2(result.Errors.contains(sentence), result.Errors.constData());
+    QCOMPARE(result.Errors.count('\n'), 1);
+    QVERIFY(result.Errors.endsWith('\n'));
+}
+
+void BuildProgramTest::AWrongCallIsAUsageError_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("text");
+    auto const add = [](QStringList const& p_Arguments, char const* p_Text) {
+        QTest::newRow(qPrintable("called with " + p_Arguments.join(' ')))
+            << p_Arguments << QByteArray(p_Text);
+    };
+    QStringList const good{"build", "--source", "s", "--output", "o", "--build", "b"};
+    add({}, "subcommand");
+    add({"publish"}, "publish");
+    add({"build"}, "--source");
+    add(good.mid(0, 5), "--build");
+    add(good + QStringList("--bogus"), "--bogus");
+    add(good + QStringList("extra"), "extra");
+    add(good + QStringList({"--number", "x"}), "--number");
+    add(good + QStringList({"--number", "-1"}), "--number");
+    add(good + QStringList({"--number", "2147483648"}), "--number");
+    add(good + QStringList({"--platform", "linux"}), "--platform");
+    add(good + QStringList({"--hosts", "http://a"}), "--hosts \"http://a\": give the host name");
+    add(good + QStringList({"--hosts", "a,b c"}), "--hosts \"b c\": a host name holds no blank");
+    add(good + QStringList({"--hosts", "a,"}), "--hosts \"\": a host name is empty");
+    add(good + QStringList({"--hosts", ""}), "--hosts \"\": a host name is empty");
+    add(good + QStringList({"--realmlist", "a\nb"}), "--realmlist: the address must not hold");
+    add(good + QStringList({"--locales", "frFR"}), "--locales \"frFR\": write TAG=NAME");
+    add(good + QStringList({"--locales", "=F"}), "--locales \"=F\": write TAG=NAME");
+    add(good + QStringList({"--locales", "a=A,a=B"}), "--locales: the tag a is given twice");
+    add(good + QStringList({"--app-id", "../x"}), "--app-id \"../x\": use letters");
+    add({"build", "--source", "s", "--output", "o", "--build", "a/b"}, "--build \"a/b\": use");
+    add({"build", "--source", "s", "--output", "", "--build", "b"}, "--output \"\": the folder");
+}
+
+void BuildProgramTest::AWrongCallIsAUsageError()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, text);
+    ProgramResult const result = RunProgram(arguments);
+    QCOMPARE(result.Status, 2);
+    QCOMPARE(result.Output, QByteArray());
+    QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
+    QVERIFY2(result.Errors.contains(text), result.Errors.constData());
+    QCOMPARE(result.Errors.count('\n'), 1);
+}
+
+void BuildProgramTest::HelpNamesEveryOption_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("words");
+    QTest::newRow("program") << QStringList("--help") << QStringList({"build", "serve", "COMMAND"});
+    QTest::newRow("build") << QStringList({"build", "--help"})
+                           << QStringList({"--source",         "--output",
+                                           "--build",          "--name",
+                                           "--number",         "--rules",
+                                           "--locales",        "--hosts",
+                                           "--realmlist",      "--app-id",
+                                           "--platform",       "--dev",
+                                           "pelmora_app",      "read-only",
+                                           "executable",       "game-executable",
+                                           "first-build-only", "default-server-only",
+                                           "keep-if-present",  QString::fromUtf8("Français")});
+    QTest::newRow("serve") << QStringList({"serve", "--help"})
+                           << QStringList({"--root", "--address", "--port", "--quiet", "8080"});
+}
+
+void BuildProgramTest::HelpNamesEveryOption()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, words);
+    ProgramResult const result = RunProgram(arguments);
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Errors, QByteArray());
+    for (QString const& word : words)
+        QVERIFY2(result.Output.contains(word.toUtf8()), qPrintable(word));
+}
+
+void BuildProgramTest::TellsItsVersion()
+{
+    ProgramResult const result = RunProgram({"--version"});
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Output, QByteArray(VARNHOLT_PROJECT_VERSION "\n"));
+}
+
+void BuildProgramTest::AnInterruptionPublishesNothing_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void BuildProgramTest::AnInterruptionPublishesNothing()
+{
+    QFETCH(int, signal);
+    PublishedGame game;
+    QCOMPARE(RunProgram(Arguments(game)).Status, 0);
+    Tree const before = game.Published();
+    QVERIFY(PutEndlessFile(game));
+    ProgramRun run(Arguments(game).replaceInStrings("build_1", "build_2"));
+    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    run.Signal(signal);
+    ProgramResult const result = run.Finish();
+    QCOMPARE(result.Status, 128 + signal);
+    QCOMPARE(result.Output, QByteArray());
+    QCOMPARE(result.Errors, QByteArray("varnholt-publish: interrupted, nothing was published\n"));
+    QCOMPARE(game.Published(), before);
+}
+
+void BuildProgramTest::AKilledRunDoesNotStopTheNext()
+{
+    PublishedGame game;
+    QVERIFY(PutEndlessFile(game));
+    ProgramRun run(Arguments(game));
+    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    ProgramResult const second = RunProgram(Arguments(game));
+    QCOMPARE(second.Status, 1);
+    QVERIFY2(second.Errors.contains(": another run is publishing there"),
+             second.Errors.constData());
+    run.Signal(SIGKILL);
+    QCOMPARE(run.Finish().Status, -1);
+    QVERIFY(IsAtWork(game));
+    QVERIFY(game.Read("pelmora_app/version.json").isNull());
+    QVERIFY(QFile::remove(game.SourcePath("endless")));
+    ProgramResult const next = RunProgram(Arguments(game));
+    QCOMPARE(next.Errors, QByteArray());
+    QCOMPARE(next.Status, 0);
+    QVERIFY(!IsAtWork(game));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::BuildProgramTest)
+#include "tst_BuildProgram.moc"

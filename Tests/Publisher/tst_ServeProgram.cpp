@@ -1,0 +1,153 @@
+#include "Tests/Publisher/ProgramRun.hpp"
+#include "Tests/Publisher/ServingThread.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+namespace Varnholt::TestSupport {
+
+class ServeProgramTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void AnswersOnAFreePortAndEndsOnASignal_data();
+    void AnswersOnAFreePortAndEndsOnASignal();
+    void TellsWhereItServes();
+    void LogsRequestsUnlessItIsToBeQuiet();
+    void ASignalRightAtTheStartEndsIt();
+    void AClientThatStopsReadingDoesNotKeepIt();
+    void AFailureIsOneSentence_data();
+    void AFailureIsOneSentence();
+
+private:
+    QStringList Arguments(QStringList const& p_More = {}) const
+    {
+        return QStringList({"serve", "--root", Folder.path(), "--port", "0"}) + p_More;
+    }
+    /// The port of the line that tells where the program serves.
+    static quint16 PortOf(QByteArray const& p_Line)
+    {
+        return static_cast<quint16>(QUrl(QString::fromUtf8(p_Line.split(' ').last())).port(0));
+    }
+
+    QTemporaryDir Folder;
+};
+
+void ServeProgramTest::initTestCase()
+{
+    QVERIFY(WriteFile(Folder.filePath("ten"), "0123456789"));
+    QVERIFY(WriteFile(Folder.filePath("huge"), QByteArray(50'000'000, 'x')));
+}
+
+void ServeProgramTest::AnswersOnAFreePortAndEndsOnASignal_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void ServeProgramTest::AnswersOnAFreePortAndEndsOnASignal()
+{
+    QFETCH(int, signal);
+    ProgramRun run(Arguments());
+    quint16 const port = PortOf(run.ReadLine());
+    QVERIFY(port != 0);
+    QCOMPARE(Ask(port, "GET /ten").Body, QByteArray("0123456789"));
+    QCOMPARE(AskRange(port, "GET /ten", "bytes=7-").Body, QByteArray("789"));
+    QCOMPARE(Ask(port, "GET /none").Status, 404);
+    run.Signal(signal);
+    QCOMPARE(run.Finish().Status, 0);
+    QCOMPARE(Ask(port, "GET /ten").Status, 0);
+}
+
+void ServeProgramTest::TellsWhereItServes()
+{
+    ProgramRun run(Arguments());
+    QByteArray const line = run.ReadLine();
+    QRegularExpression const expected(
+        QRegularExpression::anchoredPattern("Serving " + QRegularExpression::escape(Folder.path()) +
+                                            " at http://127\\.0\\.0\\.1:[1-9][0-9]*/"));
+    QVERIFY2(expected.match(QString::fromUtf8(line)).hasMatch(), line.constData());
+}
+
+void ServeProgramTest::LogsRequestsUnlessItIsToBeQuiet()
+{
+    for (bool const quiet : {false, true}) {
+        ProgramRun run(Arguments(quiet ? QStringList("--quiet") : QStringList()));
+        quint16 const port = PortOf(run.ReadLine());
+        QCOMPARE(AskRange(port, "GET /ten", "bytes=7-").Status, 206);
+        run.Signal(SIGTERM);
+        ProgramResult const result = run.Finish();
+        QCOMPARE(result.Status, 0);
+        QCOMPARE(result.Output, QByteArray());
+        QCOMPARE(result.Errors, QByteArray(quiet ? "" : "GET /ten bytes=7- 206\n"));
+    }
+}
+
+void ServeProgramTest::ASignalRightAtTheStartEndsIt()
+{
+    ProgramRun run(Arguments());
+    QVERIFY(!run.ReadLine().isEmpty());
+    run.Signal(SIGTERM);
+    QCOMPARE(run.Finish().Status, 0);
+}
+
+void ServeProgramTest::AClientThatStopsReadingDoesNotKeepIt()
+{
+    ProgramRun run(Arguments());
+    QTcpSocket socket;
+    socket.setReadBufferSize(1000);
+    socket.connectToHost("127.0.0.1", PortOf(run.ReadLine()));
+    socket.write("GET /huge HTTP/1.1\r\nHost: a\r\n\r\n");
+    QVERIFY(socket.waitForReadyRead(30000));
+    run.Signal(SIGINT);
+    QCOMPARE(run.Finish().Status, 0);
+}
+
+void ServeProgramTest::AFailureIsOneSentence_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("text");
+    QString const none = Folder.filePath("none");
+    QTest::newRow("no root") << QStringList("serve") << 2 << QByteArray("--root");
+    QTest::newRow("a root that is not there") << QStringList({"serve", "--root", none}) << 1
+                                              << none.toUtf8() + ": the folder to serve does not";
+    QTest::newRow("port too high")
+        << QStringList({"serve", "--root", none, "--port", "65536"}) << 2 << QByteArray("--port");
+    QTest::newRow("no port") << QStringList({"serve", "--root", none, "--port", "x"}) << 2
+                             << QByteArray("--port");
+    QTest::newRow("an address of elsewhere") << Arguments({"--address", "192.0.2.1"}) << 1
+                                             << QByteArray("cannot listen on 192.0.2.1 port 0: ");
+    auto* const other = new QTcpServer(this);
+    QVERIFY(other->listen(QHostAddress::LocalHost));
+    QString const port = QString::number(other->serverPort());
+    QTest::newRow("a taken port") << QStringList({"serve", "--root", Folder.path(), "--port", port})
+                                  << 1 << "cannot listen on 127.0.0.1 port " + port.toUtf8() + ": ";
+}
+
+void ServeProgramTest::AFailureIsOneSentence()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    QFETCH(QByteArray, text);
+    ProgramResult const result = RunProgram(arguments);
+    QCOMPARE(result.Status, status);
+    QCOMPARE(result.Output, QByteArray());
+    QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
+    QVERIFY2(result.Errors.contains(text), result.Errors.constData());
+    QCOMPARE(result.Errors.count('\n'), 1);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::ServeProgramTest)
+#include "tst_ServeProgram.moc"
