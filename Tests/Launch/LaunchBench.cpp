@@ -1,0 +1,84 @@
+#include "Tests/Launch/LaunchBench.hpp"
+
+#include "Tests/Support/FileTools.hpp"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace Varnholt::TestSupport {
+
+using Launcher::ApplicationManifestFileEntry;
+
+char const* const LaunchBench::c_Layout = "Interface/GlueXMl/AccountLogin.xml";
+char const* const LaunchBench::c_Script = "Interface/GlueXMl/AccountLogin.lua";
+char const* const LaunchBench::c_LayoutTemplate = "Interface/GlueXMl/AccountLogin.xml.origin";
+char const* const LaunchBench::c_ScriptTemplate = "Interface/GlueXMl/AccountLogin.lua.origin";
+char const* const LaunchBench::c_Executable =
+    "World of Warcraft.app/Contents/MacOS/World of Warcraft";
+
+LaunchBench::LaunchBench()
+    : Folder(QDir(Temporary.path()).canonicalPath() + QLatin1String("/My Game/"))
+    , Game(Folder + QLatin1String(c_Executable))
+    , Host(App, TestHost::Worker::ByHand)
+{
+    Host.SetSetting(QStringLiteral("pelmora_app.Installed"), true);
+    Host.SetSetting(QStringLiteral("pelmora_app.InstallFolder"), Folder);
+    Game.Write();
+    AddEntry(QString::fromLatin1(c_Executable), Launcher::c_GameExecutableFlag);
+}
+
+LaunchBench::~LaunchBench()
+{
+    if (QFileInfo const executable(Game.Path); executable.isFile() && executable.isExecutable())
+        static_cast<void>(RunUntilStarted(LoggedStarts()));
+}
+
+void LaunchBench::AddEntry(QString const& p_Path, qint32 p_Flags)
+{
+    ApplicationManifestFileEntry entry;
+    entry.Path = p_Path;
+    entry.Flags = p_Flags;
+    App.Manifest.Files.push_back(entry);
+}
+
+void LaunchBench::PutTemplates()
+{
+    Put(c_LayoutTemplate, "login {varnholt_autolog_login} password {varnholt_autolog_password} .");
+    Put(c_ScriptTemplate, "script {varnholt_autolog_login}");
+}
+
+void LaunchBench::PutLiveFiles()
+{
+    Put(c_Layout, "layout of before");
+    Put(c_Script, "script of before");
+}
+
+bool LaunchBench::RunUntilStarted(int p_Times)
+{
+    return Host.RunUntil([&] { return Game.Starts().size() >= p_Times; });
+}
+
+bool LaunchBench::Has(QString const& p_File) const
+{
+    return QFile::exists(Path(p_File));
+}
+
+QByteArray LaunchBench::Read(QString const& p_File) const
+{
+    return ReadFile(Path(p_File));
+}
+
+void LaunchBench::Put(QString const& p_File, QByteArray const& p_Bytes) const
+{
+    if (!WriteFile(Path(p_File), p_Bytes))
+        qFatal("cannot write %s", qPrintable(Path(p_File)));
+}
+
+void LaunchBench::MakeFolder(QString const& p_Name) const
+{
+    if (!QDir().mkpath(Path(p_Name)))
+        qFatal("cannot make %s", qPrintable(Path(p_Name)));
+}
+
+} // namespace Varnholt::TestSupport
