@@ -6,9 +6,9 @@
 
 #include <CLI/CLI.hpp>
 #include <QDir>
+#include <QUrl>
 
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -21,6 +21,36 @@ constexpr int c_UsageStatus = 2;
 QString Text(std::string const& p_Text)
 {
     return QString::fromUtf8(p_Text.c_str(), static_cast<int>(p_Text.size()));
+}
+
+/// Refuses what an unset variable of a script leaves behind: it must not become the folder of this
+/// program, or the settings of the user.
+std::string WhyNotText(std::string const& p_Text)
+{
+    return p_Text.empty() ? "it is empty" : "";
+}
+
+std::string WhyNotServer(std::string const& p_Text)
+{
+    QUrl const url(Text(p_Text), QUrl::StrictMode);
+    bool const isHttp =
+        url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    bool const isPlain = !url.hasQuery() && !url.hasFragment();
+    return url.isValid() && isHttp && isPlain && !url.host().isEmpty()
+               ? ""
+               : "\"" + p_Text + "\" is no server address like http://HOST[:PORT]/";
+}
+
+CLI::Validator NotEmpty()
+{
+    return {WhyNotText, ""};
+}
+
+Color ColorsNamed(std::string const& p_Name)
+{
+    if (p_Name == "always")
+        return Color::Always;
+    return p_Name == "never" ? Color::Never : Color::Auto;
 }
 
 /// The session changes the current folder.
@@ -49,16 +79,15 @@ private:
 
     CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
     std::vector<std::pair<CLI::App*, std::function<void(Choice&)>>> Commands;
-    std::string Module, Settings, ContentUrl, Folder, Code, Account;
-    Color Colors = Color::Auto;
+    std::string Module, Settings, ContentUrl, Folder, Code, Account, Colors;
     bool DevChannel = false, Yes = false, Quiet = false, Verbose = false, DeletesFiles = false;
 };
 
 Parser::Parser()
 {
     Program.set_version_flag("--version", VARNHOLT_VERSION);
-    Program.require_subcommand(1);
-    Program.fallthrough(); // options may stand behind the command
+    Program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
+    Program.fallthrough();            // options may stand behind the command
     Program.footer(
         "\"varnholt-host COMMAND --help\" explains a command.\n"
         "Ctrl-C stops a download, which the same command resumes; SIGUSR1 pauses and resumes it.\n"
@@ -82,23 +111,23 @@ CLI::App* Parser::Add(std::string const& p_Name, std::string const& p_Help,
 
 void Parser::AddOptions()
 {
-    std::map<std::string, Color> const colors{
-        {"auto", Color::Auto}, {"always", Color::Always}, {"never", Color::Never}};
-
     Program.add_option("--module", Module, "Module to load (default: the one beside this program)")
+        ->check(NotEmpty())
         ->type_name("FILE");
     Program.add_option("--settings", Settings, "Settings file of host and module")
+        ->check(NotEmpty())
         ->type_name("FILE");
     Program
         .add_option("--content-url", ContentUrl,
                     "Content server instead of the module's own, http://HOST[:PORT]/")
+        ->check(CLI::Validator(WhyNotServer, ""))
         ->type_name("URL");
     Program.add_flag("--dev-channel", DevChannel, "Use the build of the development channel");
     Program.add_flag("-y,--yes", Yes, "Answer every question with yes");
     Program.add_flag("-q,--quiet", Quiet, "Show results and failures only");
     Program.add_flag("-v,--verbose", Verbose, "Show the module's log");
     Program.add_option("--color", Colors, "Colours: auto, always or never")
-        ->transform(CLI::CheckedTransformer(colors, CLI::ignore_case))
+        ->check(CLI::IsMember({"auto", "always", "never"}))
         ->type_name("WHEN");
 }
 
@@ -119,6 +148,7 @@ void Parser::AddRunCommands()
         })
         ->add_option("folder", Folder, "Folder of the game; created when it does not exist")
         ->required()
+        ->check(NotEmpty())
         ->type_name("DIR");
     Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
     Add("repair", "Compare every file with the build, and fetch what differs", "repair",
@@ -136,6 +166,7 @@ void Parser::AddLocaleCommands()
             p_Choice.Request.Argument = Text(Code);
         })
         ->add_option("code", Code, "Language to choose, of those that \"locales\" lists")
+        ->check(NotEmpty())
         ->type_name("CODE");
 }
 
@@ -149,6 +180,7 @@ void Parser::AddGameCommands()
     play->add_option("--account", Account,
                      "Account to log in; its password is asked for, or read from standard input "
                      "when that is no terminal")
+        ->check(NotEmpty())
         ->type_name("NAME");
 
     CLI::App* const uninstall =
@@ -163,6 +195,8 @@ void Parser::AddGameCommands()
 Choice Parser::Parse(int p_Count, char const* const* p_Arguments)
 {
     Program.parse(p_Count, p_Arguments);
+    if (Program.get_subcommands().empty())
+        throw CLI::RequiredError("A command");
     Choice choice;
     choice.Chosen = Choice::Command::Run;
     for (auto const& [command, choose] : Commands)
@@ -173,7 +207,7 @@ Choice Parser::Parse(int p_Count, char const* const* p_Arguments)
     choice.Options.ContentUrl = Text(ContentUrl);
     choice.Options.UseDevChannel = DevChannel;
     choice.Request.Confirmed = Yes;
-    choice.Colors = Colors;
+    choice.Colors = ColorsNamed(Colors);
     choice.Quiet = Quiet;
     choice.Verbose = Verbose;
     return choice;
