@@ -1,0 +1,128 @@
+#include "Tests/Host/HostGame.hpp"
+
+#include "Tests/Support/FileTools.hpp"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QSettings>
+
+namespace Varnholt::TestSupport {
+
+HostGame::HostGame()
+    : Base(QDir(Temporary.path()).canonicalPath() + QLatin1Char('/'))
+    , Folder(Base + QString::fromUtf8("Jeux été/Game/"))
+    , SettingsFile(Base + QStringLiteral("settings/host.ini"))
+{
+}
+
+HostGame& HostGame::AddFiles()
+{
+    constexpr qint32 c_FirstBuildOnly = 0x20;
+
+    Content.Add({"Data/base.MPQ", SampleContent::Bytes(60000, 1)})
+        .Add({"Data/first build.MPQ", SampleContent::Bytes(30000, 2), c_FirstBuildOnly})
+        .Add({"Data/enUS/locale.MPQ", SampleContent::Bytes(2000, 3), 0, "enUS"})
+        .Add({"Data/frFR/locale.MPQ", SampleContent::Bytes(2100, 4), 0, "frFR"})
+        .Add({"readme.txt", "read me"})
+        .Add({"Data/streamed 1.MPQ", SampleContent::Bytes(9000, 5), 0, {}, true})
+        .Add({"Data/streamed 2.MPQ", SampleContent::Bytes(8000, 6), 0, {}, true});
+    return *this;
+}
+
+HostGame& HostGame::Publish()
+{
+    Content.Publish(Server);
+    return *this;
+}
+
+void HostGame::PutInstalled()
+{
+    for (SampleFile const& file : Content.Files)
+        if (file.Locale.isEmpty() || file.Locale == QLatin1String("enUS"))
+            Put(file.Path, file.Bytes);
+    SetSetting("pelmora_app.Installed", true);
+    SetSetting("pelmora_app.InstallFolder", Folder);
+    SetSetting("pelmora_app.ManifestBuilt", true);
+    SetSetting("host/pelmora_app/build", Content.Build);
+}
+
+bool HostGame::Has(QString const& p_File) const
+{
+    return QFile::exists(Path(p_File));
+}
+
+QByteArray HostGame::Read(QString const& p_File) const
+{
+    return ReadFile(Path(p_File));
+}
+
+void HostGame::Put(QString const& p_File, QByteArray const& p_Bytes) const
+{
+    if (!WriteFile(Path(p_File), p_Bytes))
+        qFatal("cannot write %s", qPrintable(Path(p_File)));
+}
+
+QStringList HostGame::Wrong(QString const& p_Locale) const
+{
+    QStringList wrong;
+    for (SampleFile const& file : Content.Files) {
+        bool const wanted = file.Locale.isEmpty() || file.Locale == p_Locale;
+        if (wanted ? !Has(file.Path) || Read(file.Path) != file.Bytes : Has(file.Path))
+            wrong += file.Path;
+    }
+    return wrong;
+}
+
+QStringList HostGame::FilesOnDisk() const
+{
+    QStringList names;
+    QDirIterator files(Folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext())
+        names += files.next().mid(Folder.size());
+    names.sort();
+    return names;
+}
+
+QStringList HostGame::Requested() const
+{
+    QString const prefix = Content.ServerPath(QString());
+    QStringList paths;
+    for (RecordedRequest const& request : Server.Requests())
+        if (static_cast<std::size_t>(request.Number) >= Forgotten &&
+            request.Path.startsWith(prefix))
+            paths += request.Path.mid(prefix.size());
+    paths.sort();
+    return paths;
+}
+
+int HostGame::Requests(QString const& p_File) const
+{
+    return Server.Count(Content.ServerPath(p_File));
+}
+
+QVariant HostGame::Setting(QString const& p_Key) const
+{
+    return QSettings(SettingsFile, QSettings::IniFormat).value(p_Key);
+}
+
+void HostGame::SetSetting(QString const& p_Key, QVariant const& p_Value) const
+{
+    QDir().mkpath(QFileInfo(SettingsFile).path());
+    QSettings settings(SettingsFile, QSettings::IniFormat);
+    settings.setIniCodec("UTF-8");
+    settings.setValue(p_Key, p_Value);
+}
+
+QStringList HostGame::SettingKeys() const
+{
+    QStringList keys = QSettings(SettingsFile, QSettings::IniFormat).allKeys();
+    keys.sort();
+    return keys;
+}
+
+bool HostGame::IsMarkedUnfinished() const
+{
+    return Setting("host/pelmora_app/unfinished").toBool();
+}
+
+} // namespace Varnholt::TestSupport

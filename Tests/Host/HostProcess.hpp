@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Tests/Host/HostGame.hpp"
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace Varnholt::TestSupport {
+
+/// How a program ended and what it said.
+struct Outcome {
+    int Status = -1; ///< -1: it crashed or was killed
+    QString Out;
+    QString Err;
+};
+
+/// The built varnholt-host at work on a game, with its settings and its server.
+///
+/// \code
+/// QCOMPARE(HostProcess(game, {"install", game.Folder}).Finish().Status, 0);
+/// \endcode
+class HostProcess {
+public:
+    /// Starts it. \param p_Arguments command and options; settings and server are named before them
+    HostProcess(HostGame const& p_Game, QStringList const& p_Arguments);
+    /// Starts it with options of settings and server of the test's own.
+    HostProcess(HostGame const& p_Game, QStringList const& p_Options,
+                QStringList const& p_Arguments);
+    /// Kills it when it still runs.
+    ~HostProcess();
+    HostProcess(HostProcess const&) = delete;
+    HostProcess& operator=(HostProcess const&) = delete;
+
+    /// Gives it this input and waits for its end; fails the whole program when there is none.
+    Outcome Finish(QByteArray const& p_Input = {});
+    /// Waits until standard error, all that was said so far, holds the text.
+    [[nodiscard]] bool WaitForErr(QString const& p_Text);
+    /// Waits while it runs. \return false when the condition never held or the program ended
+    [[nodiscard]] bool WaitUntil(std::function<bool()> const& p_Condition);
+    void Signal(int p_Signal) const;
+    qint64 ProcessId() const { return Process.processId(); }
+
+    static QString Program() { return QString::fromUtf8(VARNHOLT_HOST_PROGRAM); }
+    /// Options that name settings and server of a game.
+    static QStringList Options(HostGame const& p_Game);
+    /// An environment in which nothing of the user's is found.
+    static QProcessEnvironment Environment(HostGame const& p_Game);
+
+private:
+    void Start(HostGame const& p_Game, QStringList const& p_Arguments);
+    void Take();
+
+    QProcess Process;
+    QByteArray Out;
+    QByteArray Err;
+};
+
+} // namespace Varnholt::TestSupport
