@@ -13,8 +13,9 @@ namespace Varnholt::TestSupport {
 /// the modifiers: `Answer::Truncated(100).With("X-A", "1")`.
 ///
 /// Byte counts are bytes of the body that this answer sends, after a range was applied. A body that
-/// will be cut comes 50 ms after its headers and is cut 50 ms later: a client that gets all in one
-/// piece reports the cut only most of the time.
+/// will be cut is sent when the client has read its headers, and an answer ends with its connection
+/// when the client has read it all: one that gets everything in one piece reports a cut only most
+/// of the time, and may ask again for what it has.
 class Answer {
 public:
     enum class End { KeepAlive, Close, Reset };

@@ -1,5 +1,7 @@
 #include "Tests/Support/ServerConnection.hpp"
 
+#include "Tests/Support/PeerBuffer.hpp"
+
 #include <QTimer>
 #include <QUrl>
 
@@ -10,8 +12,6 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
-/// Between the headers, a body that is going to be cut, and the cut.
-constexpr int c_CutMilliseconds = 50;
 /// How much may wait in the socket: what a client does not take is not counted as sent.
 constexpr qint64 c_SocketBytes = 256 * 1024;
 
@@ -105,7 +105,7 @@ void ServerConnection::SendHead()
         SendBody();
     };
     if (WillBeCut())
-        QTimer::singleShot(c_CutMilliseconds, this, body);
+        WhenRead(body);
     else
         body();
 }
@@ -149,14 +149,10 @@ bool ServerConnection::MayPassGate()
 void ServerConnection::EndAnswer()
 {
     Now = Step::Ending;
-    if (WillBeCut()) {
-        QTimer::singleShot(c_CutMilliseconds, this, [this] { EndConnection(); });
-    } else if (Plan.AtEnd == Answer::End::Close) {
-        EndConnection();
-    } else {
-        Now = Step::Reading;
-        ReadRequest();
-    }
+    if (Plan.AtEnd != Answer::End::KeepAlive)
+        return WhenRead([this] { EndConnection(); });
+    Now = Step::Reading;
+    ReadRequest();
 }
 
 void ServerConnection::EndConnection()
@@ -169,6 +165,18 @@ void ServerConnection::EndConnection()
     setsockopt(static_cast<int>(Socket.socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
                sizeof(atOnce));
     Socket.abort();
+}
+
+void ServerConnection::WhenRead(std::function<void()> p_Next)
+{
+    constexpr int c_LookMilliseconds = 5;
+
+    if (PeerHasReadAll(Socket))
+        return p_Next();
+    QTimer::singleShot(c_LookMilliseconds, this, [this, p_Next] {
+        if (Now != Step::Ended)
+            WhenRead(p_Next);
+    });
 }
 
 bool ServerConnection::WillBeCut() const

@@ -9,6 +9,8 @@
 #include <QObject>
 #include <QTcpSocket>
 
+#include <functional>
+
 namespace Varnholt::TestSupport {
 
 /// One connection of a scripted server: reads requests one after another and plays their answers.
@@ -36,6 +38,8 @@ private:
     void EndConnection();
     bool MayPassGate();
     bool WillBeCut() const;
+    /// Calls p_Next when the client has read what was sent; never when it has gone.
+    void WhenRead(std::function<void()> p_Next);
     qint64 BodyEnd() const;
 
     QTcpSocket& Socket;
