@@ -123,7 +123,7 @@ QString RuleSetReader::ReadMatch(QJsonObject const& p_Rule, QString const& p_Pla
 {
     if (!p_Rule.contains(c_Match))
         Fail(p_Place, QStringLiteral("has no \"match\""));
-    QString const text = ReadText(p_Rule[c_Match], KeyIn(p_Place, c_Match));
+    QString text = ReadText(p_Rule[c_Match], KeyIn(p_Place, c_Match));
     QString const problem = GlobPattern::Problem(text);
     if (!problem.isEmpty())
         Fail(p_Place, QStringLiteral("the pattern %1 %2").arg(Quoted(text), problem));
@@ -135,7 +135,7 @@ qint32 RuleSetReader::ReadFlags(QJsonValue const& p_Value, QString const& p_Plac
     if (!p_Value.isArray())
         Fail(p_Place, QStringLiteral("must be an array of flag names"));
     qint32 flags = 0;
-    for (QJsonValue const& value : p_Value.toArray()) {
+    for (auto const& value : p_Value.toArray()) {
         QString const name = ReadText(value, p_Place);
         std::optional<qint32> const flag = FlagNames::Flag(name, m_Platform);
         if (!flag) {

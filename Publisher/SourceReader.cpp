@@ -12,7 +12,7 @@ namespace Varnholt::Publisher::SourceReader {
 
 namespace {
 
-constexpr std::size_t c_BlockBytes = 256 * 1024;
+constexpr std::size_t c_BlockBytes = 256UL * 1024;
 
 bool IsAsScanned(SourceFile const& p_File)
 {

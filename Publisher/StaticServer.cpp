@@ -18,7 +18,7 @@ namespace Varnholt::Publisher {
 
 namespace {
 
-constexpr std::size_t c_BlockBytes = 256 * 1024;
+constexpr std::size_t c_BlockBytes = 256UL * 1024;
 constexpr int c_WriteTimeoutSeconds = 60; ///< a client may rest that long in the middle of a file
 constexpr std::size_t c_RequestsPerConnection = 10000;
 
