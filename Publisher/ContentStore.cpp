@@ -7,7 +7,7 @@
 namespace Varnholt::Publisher {
 
 ContentStore::ContentStore(QString const& p_Folder)
-    : m_Folder(p_Folder)
+    : Folder(p_Folder)
 {
 }
 
@@ -18,7 +18,7 @@ QString ContentStore::LocationOf(QString const& p_Md5)
 
 QString ContentStore::PathOf(QString const& p_Md5) const
 {
-    return m_Folder + QLatin1Char('/') + LocationOf(p_Md5);
+    return Folder + QLatin1Char('/') + LocationOf(p_Md5);
 }
 
 bool ContentStore::Holds(BuildFile const& p_File) const

@@ -24,7 +24,7 @@ public:
     bool Holds(BuildFile const& p_File) const;
 
 private:
-    QString m_Folder;
+    QString Folder;
 };
 
 } // namespace Varnholt::Publisher

@@ -18,14 +18,14 @@ public:
     /// cause and, where there is one, the cure
     explicit Failure(QString const& p_Sentence, int p_ExitStatus = c_Other)
         : std::runtime_error(p_Sentence.toStdString())
-        , m_ExitStatus(p_ExitStatus)
+        , Status(p_ExitStatus)
     {
     }
 
-    int ExitStatus() const { return m_ExitStatus; }
+    int ExitStatus() const { return Status; }
 
 private:
-    int m_ExitStatus;
+    int Status;
 };
 
 } // namespace Varnholt::Publisher

@@ -7,9 +7,9 @@ GlobPattern::GlobPattern(QString const& p_Text)
     QVector<uint> const text = p_Text.toUcs4();
     for (int i = 0; i < text.size(); ++i) {
         if (text[i] == '?') {
-            m_Tokens.push_back({Kind::OneCharacter, 0});
+            Tokens.push_back({Kind::OneCharacter, 0});
         } else if (text[i] != '*') {
-            m_Tokens.push_back({Kind::Character, text[i]});
+            Tokens.push_back({Kind::Character, text[i]});
         } else {
             int const start = i;
             while (i + 1 < text.size() && text[i + 1] == '*')
@@ -17,13 +17,13 @@ GlobPattern::GlobPattern(QString const& p_Text)
             bool const atStart = start == 0 || text[start - 1] == '/';
             bool const beforeSlash = i + 1 < text.size() && text[i + 1] == '/';
             if (i == start) {
-                m_Tokens.push_back({Kind::InComponent, 0});
+                Tokens.push_back({Kind::InComponent, 0});
             } else if (atStart && beforeSlash) {
                 // Takes its "/" along, so that "**/name" also matches a bare "name".
-                m_Tokens.push_back({Kind::WholeComponents, 0});
+                Tokens.push_back({Kind::WholeComponents, 0});
                 ++i;
             } else {
-                m_Tokens.push_back({Kind::AcrossComponents, 0});
+                Tokens.push_back({Kind::AcrossComponents, 0});
             }
         }
     }
@@ -33,9 +33,9 @@ void GlobPattern::Enter(std::size_t p_State, std::vector<bool>& p_States) const
 {
     for (;;) {
         p_States[p_State] = true;
-        if (p_State == m_Tokens.size())
+        if (p_State == Tokens.size())
             return;
-        Kind const kind = m_Tokens[p_State].TokenKind;
+        Kind const kind = Tokens[p_State].TokenKind;
         if (kind == Kind::Character || kind == Kind::OneCharacter)
             return;
         ++p_State;
@@ -45,12 +45,12 @@ void GlobPattern::Enter(std::size_t p_State, std::vector<bool>& p_States) const
 std::vector<bool> GlobPattern::Step(std::vector<bool> const& p_States, uint p_Character) const
 {
     std::vector<bool> next(p_States.size(), false);
-    for (std::size_t i = 0; i < m_Tokens.size(); ++i) {
+    for (std::size_t i = 0; i < Tokens.size(); ++i) {
         if (!p_States[i])
             continue;
-        switch (m_Tokens[i].TokenKind) {
+        switch (Tokens[i].TokenKind) {
         case Kind::Character:
-            if (p_Character == m_Tokens[i].Character)
+            if (p_Character == Tokens[i].Character)
                 Enter(i + 1, next);
             break;
         case Kind::OneCharacter:
@@ -77,7 +77,7 @@ std::vector<bool> GlobPattern::Step(std::vector<bool> const& p_States, uint p_Ch
 
 bool GlobPattern::Matches(QString const& p_Path) const
 {
-    std::vector<bool> states(m_Tokens.size() + 1, false);
+    std::vector<bool> states(Tokens.size() + 1, false);
     Enter(0, states);
     for (uint const character : p_Path.toUcs4())
         states = Step(states, character);

@@ -37,7 +37,7 @@ private:
     void Enter(std::size_t p_State, std::vector<bool>& p_States) const;
     std::vector<bool> Step(std::vector<bool> const& p_States, uint p_Character) const;
 
-    std::vector<Token> m_Tokens;
+    std::vector<Token> Tokens;
 };
 
 } // namespace Varnholt::Publisher

@@ -14,17 +14,17 @@ namespace {
 class Share {
 public:
     Share(std::size_t p_Count, std::function<void(std::size_t)> const& p_Work)
-        : m_Count(p_Count)
-        , m_Work(p_Work)
-        , m_FailedIndex(p_Count)
+        : Count(p_Count)
+        , Work(p_Work)
+        , FailedIndex(p_Count)
     {
     }
 
     void RunOnThisThread()
     {
-        for (std::size_t i = m_Next++; i < m_Count && !m_Failed; i = m_Next++) {
+        for (std::size_t i = Next++; i < Count && !Failed; i = Next++) {
             try {
-                m_Work(i);
+                Work(i);
             } catch (...) {
                 Keep(i, std::current_exception());
             }
@@ -33,28 +33,28 @@ public:
 
     void ThrowFailure() const
     {
-        if (m_Exception)
-            std::rethrow_exception(m_Exception);
+        if (Exception)
+            std::rethrow_exception(Exception);
     }
 
 private:
     void Keep(std::size_t p_Index, std::exception_ptr const& p_Exception)
     {
-        std::lock_guard const lock(m_Mutex);
-        m_Failed = true;
-        if (p_Index < m_FailedIndex) {
-            m_FailedIndex = p_Index;
-            m_Exception = p_Exception;
+        std::lock_guard const lock(Mutex);
+        Failed = true;
+        if (p_Index < FailedIndex) {
+            FailedIndex = p_Index;
+            Exception = p_Exception;
         }
     }
 
-    std::size_t const m_Count;
-    std::function<void(std::size_t)> const& m_Work;
-    std::atomic<std::size_t> m_Next{0};
-    std::atomic<bool> m_Failed{false};
-    std::mutex m_Mutex;
-    std::size_t m_FailedIndex;
-    std::exception_ptr m_Exception;
+    std::size_t const Count;
+    std::function<void(std::size_t)> const& Work;
+    std::atomic<std::size_t> Next{0};
+    std::atomic<bool> Failed{false};
+    std::mutex Mutex;
+    std::size_t FailedIndex;
+    std::exception_ptr Exception;
 };
 
 } // namespace

@@ -61,10 +61,10 @@ qint64 TotalBytes(std::vector<BuildFile> const& p_Files)
 } // namespace
 
 Publication::Publication(PublishOptions const& p_Options, PublicationObserver& p_Observer)
-    : m_Options(p_Options)
-    , m_Observer(p_Observer)
-    , m_AppFolder(p_Options.Output + QLatin1Char('/') + p_Options.AppId)
-    , m_Store(m_AppFolder)
+    : Options(p_Options)
+    , Observer(p_Observer)
+    , AppFolder(p_Options.Output + QLatin1Char('/') + p_Options.AppId)
+    , Store(AppFolder)
 {
 }
 
@@ -72,55 +72,54 @@ PublicationSummary Publication::Run()
 {
     QElapsedTimer timer;
     timer.start();
-    m_Summary = PublicationSummary();
+    Summary = PublicationSummary();
 
-    OptionChecks::Check(m_Options);
+    OptionChecks::Check(Options);
     CheckFolders();
     RuleSet const rules = ReadRules();
     std::vector<BuildFile> files = ListFiles(rules);
     CheckGameExecutable(files);
 
-    TreeTransaction tree(m_Options.Output);
+    TreeTransaction tree(Options.Output);
     Hash(files);
     AddContent(files, tree);
-    AddManifest(ManifestWriter::Write(m_Options.Build, rules.Locales, files, m_Options.Platform),
-                tree);
+    AddManifest(ManifestWriter::Write(Options.Build, rules.Locales, files, Options.Platform), tree);
     AddServerFiles(tree);
     AddVersion(tree);
     tree.Commit();
 
-    m_Summary.Files = static_cast<int>(files.size());
-    m_Summary.StreamedFiles =
+    Summary.Files = static_cast<int>(files.size());
+    Summary.StreamedFiles =
         static_cast<int>(std::count_if(files.begin(), files.end(), [](BuildFile const& p_File) {
             return p_File.Treatment.Streamed;
         }));
-    m_Summary.Bytes = TotalBytes(files);
-    m_Summary.Milliseconds = timer.elapsed();
-    return m_Summary;
+    Summary.Bytes = TotalBytes(files);
+    Summary.Milliseconds = timer.elapsed();
+    return Summary;
 }
 
 void Publication::CheckFolders() const
 {
-    if (IsAtOrBelow(m_Options.Output, m_Options.Source)) {
-        throw Failure(m_Options.Output +
+    if (IsAtOrBelow(Options.Output, Options.Source)) {
+        throw Failure(Options.Output +
                       QStringLiteral(": the output folder must not be inside the source folder"));
     }
-    if (IsAtOrBelow(m_Options.Source, m_AppFolder)) {
-        throw Failure(m_Options.Source +
+    if (IsAtOrBelow(Options.Source, AppFolder)) {
+        throw Failure(Options.Source +
                       QStringLiteral(": the source folder must not be inside published content"));
     }
 }
 
 RuleSet Publication::ReadRules() const
 {
-    if (m_Options.RulesFile.isEmpty())
-        return RuleSet{{}, m_Options.Locales};
-    return RuleSetReader(m_Options.RulesFile, m_Options.Platform).Read(m_Options.Locales);
+    if (Options.RulesFile.isEmpty())
+        return RuleSet{{}, Options.Locales};
+    return RuleSetReader(Options.RulesFile, Options.Platform).Read(Options.Locales);
 }
 
 std::vector<BuildFile> Publication::ListFiles(RuleSet const& p_Rules) const
 {
-    SourceScan scan(m_Options.Source, [&p_Rules](QString const& p_Path) {
+    SourceScan scan(Options.Source, [&p_Rules](QString const& p_Path) {
         return !p_Rules.TreatmentOf(p_Path).Excluded;
     });
     std::vector<BuildFile> files;
@@ -131,7 +130,7 @@ std::vector<BuildFile> Publication::ListFiles(RuleSet const& p_Rules) const
 
 void Publication::CheckGameExecutable(std::vector<BuildFile> const& p_Files) const
 {
-    qint32 const flag = FlagNames::GameExecutable(m_Options.Platform);
+    qint32 const flag = FlagNames::GameExecutable(Options.Platform);
     BuildFile const* found = nullptr;
     for (BuildFile const& file : p_Files) {
         if ((file.Treatment.Flags & flag) == 0)
@@ -148,26 +147,26 @@ void Publication::CheckGameExecutable(std::vector<BuildFile> const& p_Files) con
         found = &file;
     }
     if (!found) {
-        throw Failure(m_Options.Source +
+        throw Failure(Options.Source +
                       QStringLiteral(": no file has the flag game-executable: give it to the "
                                      "game's executable in the rules file"));
     }
     auto const executable = Launcher::ApplicationManifestFileEntry::Executable;
-    if (m_Options.Platform == ContentPlatform::Mac && (found->Treatment.Flags & executable) == 0) {
-        m_Observer.Warned(found->Source.Path +
-                          QStringLiteral(": the game's executable has no flag executable, so "
-                                         "clients cannot start it"));
+    if (Options.Platform == ContentPlatform::Mac && (found->Treatment.Flags & executable) == 0) {
+        Observer.Warned(found->Source.Path +
+                        QStringLiteral(": the game's executable has no flag executable, so "
+                                       "clients cannot start it"));
     }
 }
 
 void Publication::Hash(std::vector<BuildFile>& p_Files)
 {
-    m_Observer.PhaseStarted(QStringLiteral("Hashing"), TotalBytes(p_Files));
+    Observer.PhaseStarted(QStringLiteral("Hashing"), TotalBytes(p_Files));
     std::vector<std::size_t> const order = LargestFirst(p_Files);
     ParallelFor(order.size(), [&](std::size_t p_Index) {
         BuildFile& file = p_Files[order[p_Index]];
         file.Md5 = SourceReader::Read(
-            file.Source, [this](char const*, qint64 p_Bytes) { m_Observer.BytesRead(p_Bytes); });
+            file.Source, [this](char const*, qint64 p_Bytes) { Observer.BytesRead(p_Bytes); });
     });
 }
 
@@ -176,21 +175,21 @@ void Publication::AddContent(std::vector<BuildFile> const& p_Files, TreeTransact
     std::vector<BuildFile> missing;
     QSet<QString> known;
     for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !m_Store.Holds(file))
+        if (!known.contains(file.Md5) && !Store.Holds(file))
             missing.push_back(file);
         known.insert(file.Md5);
     }
-    m_Summary.NewContentFiles = static_cast<int>(missing.size());
-    m_Summary.NewContentBytes = TotalBytes(missing);
+    Summary.NewContentFiles = static_cast<int>(missing.size());
+    Summary.NewContentBytes = TotalBytes(missing);
 
-    m_Observer.PhaseStarted(QStringLiteral("Copying"), m_Summary.NewContentBytes);
+    Observer.PhaseStarted(QStringLiteral("Copying"), Summary.NewContentBytes);
     std::vector<QString> copies(missing.size());
     ParallelFor(missing.size(), [&](std::size_t p_Index) {
         copies[p_Index] = p_Tree.NewFile();
         CopyTo(copies[p_Index], missing[p_Index]);
     });
     for (std::size_t i = 0; i < missing.size(); ++i)
-        p_Tree.Add(copies[i], m_Store.PathOf(missing[i].Md5));
+        p_Tree.Add(copies[i], Store.PathOf(missing[i].Md5));
 }
 
 void Publication::CopyTo(QString const& p_Target, BuildFile const& p_File)
@@ -205,7 +204,7 @@ void Publication::CopyTo(QString const& p_Target, BuildFile const& p_File)
     QString const md5 = SourceReader::Read(p_File.Source, [&](char const* p_Data, qint64 p_Bytes) {
         if (target.write(p_Data, p_Bytes) != p_Bytes)
             fail();
-        m_Observer.BytesRead(p_Bytes);
+        Observer.BytesRead(p_Bytes);
     });
     // Published bytes are what the manifest says, also when the file's times and size say nothing.
     if (md5 != p_File.Md5)
@@ -214,8 +213,7 @@ void Publication::CopyTo(QString const& p_Target, BuildFile const& p_File)
 
 void Publication::AddManifest(QByteArray const& p_Manifest, TreeTransaction& p_Tree) const
 {
-    QString const path =
-        QStringLiteral("%1/builds/%2/info.json").arg(m_AppFolder, m_Options.Build.Id);
+    QString const path = QStringLiteral("%1/builds/%2/info.json").arg(AppFolder, Options.Build.Id);
     if (!QFileInfo(path).isFile()) {
         p_Tree.AddText(p_Manifest, path);
         return;
@@ -231,26 +229,25 @@ void Publication::AddManifest(QByteArray const& p_Manifest, TreeTransaction& p_T
 
 void Publication::AddServerFiles(TreeTransaction& p_Tree) const
 {
-    QString const hosts = m_Options.Output + QStringLiteral("/cdns.info");
-    if (m_Options.Hosts || !QFileInfo(hosts).isFile()) {
-        QStringList const names = m_Options.Hosts.value_or(QStringList{c_DefaultHost});
+    QString const hosts = Options.Output + QStringLiteral("/cdns.info");
+    if (Options.Hosts || !QFileInfo(hosts).isFile()) {
+        QStringList const names = Options.Hosts.value_or(QStringList{c_DefaultHost});
         // One blank between the names and nothing after the last: clients trim nothing.
         p_Tree.AddText(names.join(QLatin1Char(' ')).toUtf8(), hosts);
     }
-    if (m_Options.RealmListAddress) {
+    if (Options.RealmListAddress) {
         // Clients put the whole content into the game's configuration as one line.
-        QString const line =
-            QStringLiteral("SET realmlist \"%1\"").arg(*m_Options.RealmListAddress);
-        p_Tree.AddText(line.toUtf8(), m_AppFolder + QStringLiteral("/realmlist.info"));
+        QString const line = QStringLiteral("SET realmlist \"%1\"").arg(*Options.RealmListAddress);
+        p_Tree.AddText(line.toUtf8(), AppFolder + QStringLiteral("/realmlist.info"));
     }
 }
 
 void Publication::AddVersion(TreeTransaction& p_Tree) const
 {
-    QString const name = m_Options.DevChannel ? QStringLiteral("/version_dev.json")
-                                              : QStringLiteral("/version.json");
-    QJsonObject const version{{QStringLiteral("build"), m_Options.Build.Id}};
-    p_Tree.AddText(QJsonDocument(version).toJson(QJsonDocument::Compact), m_AppFolder + name);
+    QString const name =
+        Options.DevChannel ? QStringLiteral("/version_dev.json") : QStringLiteral("/version.json");
+    QJsonObject const version{{QStringLiteral("build"), Options.Build.Id}};
+    p_Tree.AddText(QJsonDocument(version).toJson(QJsonDocument::Compact), AppFolder + name);
 }
 
 } // namespace Varnholt::Publisher

@@ -37,11 +37,11 @@ private:
     void AddServerFiles(TreeTransaction& p_Tree) const;
     void AddVersion(TreeTransaction& p_Tree) const;
 
-    PublishOptions const& m_Options;
-    PublicationObserver& m_Observer;
-    QString m_AppFolder;
-    ContentStore m_Store;
-    PublicationSummary m_Summary;
+    PublishOptions const& Options;
+    PublicationObserver& Observer;
+    QString AppFolder;
+    ContentStore Store;
+    PublicationSummary Summary;
 };
 
 } // namespace Varnholt::Publisher

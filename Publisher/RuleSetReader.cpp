@@ -33,8 +33,8 @@ QString KeyIn(QString const& p_Place, QString const& p_Key)
 } // namespace
 
 RuleSetReader::RuleSetReader(QString const& p_FileName, ContentPlatform p_Platform)
-    : m_FileName(p_FileName)
-    , m_Platform(p_Platform)
+    : FileName(p_FileName)
+    , Platform(p_Platform)
 {
 }
 
@@ -67,9 +67,9 @@ RuleSet RuleSetReader::Read(std::map<QString, QString> const& p_Locales) const
 
 QJsonObject RuleSetReader::ReadDocument() const
 {
-    QFile file(m_FileName);
+    QFile file(FileName);
     if (!file.open(QIODevice::ReadOnly))
-        throw Failure(m_FileName + QStringLiteral(": cannot be read: ") + file.errorString());
+        throw Failure(FileName + QStringLiteral(": cannot be read: ") + file.errorString());
     QByteArray const text = file.readAll();
 
     QJsonParseError error{};
@@ -80,7 +80,7 @@ QJsonObject RuleSetReader::ReadDocument() const
              error.errorString());
     }
     if (!document.isObject())
-        throw Failure(m_FileName + QStringLiteral(": the top level must be a JSON object"));
+        throw Failure(FileName + QStringLiteral(": the top level must be a JSON object"));
     return document.object();
 }
 
@@ -137,7 +137,7 @@ qint32 RuleSetReader::ReadFlags(QJsonValue const& p_Value, QString const& p_Plac
     qint32 flags = 0;
     for (auto const& value : p_Value.toArray()) {
         QString const name = ReadText(value, p_Place);
-        std::optional<qint32> const flag = FlagNames::Flag(name, m_Platform);
+        std::optional<qint32> const flag = FlagNames::Flag(name, Platform);
         if (!flag) {
             Fail(p_Place, QStringLiteral("unknown flag name %1; the names are %2")
                               .arg(Quoted(name), FlagNames::All().join(QStringLiteral(", "))));
@@ -174,7 +174,7 @@ void RuleSetReader::CheckKeys(QJsonObject const& p_Object, QStringList const& p_
 
 void RuleSetReader::Fail(QString const& p_Place, QString const& p_Cause) const
 {
-    QStringList parts{m_FileName, p_Place, p_Cause};
+    QStringList parts{FileName, p_Place, p_Cause};
     parts.removeAll(QString());
     throw Failure(parts.join(QStringLiteral(": ")));
 }

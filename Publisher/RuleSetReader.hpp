@@ -35,8 +35,8 @@ private:
                    QString const& p_Place) const;
     [[noreturn]] void Fail(QString const& p_Place, QString const& p_Cause) const;
 
-    QString m_FileName;
-    ContentPlatform m_Platform;
+    QString FileName;
+    ContentPlatform Platform;
 };
 
 } // namespace Varnholt::Publisher

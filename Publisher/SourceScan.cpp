@@ -27,37 +27,37 @@ Failure FailureOf(QString const& p_Path, std::error_code const& p_Error)
 } // namespace
 
 SourceScan::SourceScan(QString const& p_Folder, Wanted p_Wanted)
-    : m_Root(NativePath::From(p_Folder))
-    , m_Wanted(std::move(p_Wanted))
+    : Root(NativePath::From(p_Folder))
+    , IsWanted(std::move(p_Wanted))
 {
 }
 
 std::vector<SourceFile> SourceScan::Run()
 {
-    QString const shown = NativePath::ToText(m_Root);
+    QString const shown = NativePath::ToText(Root);
     std::error_code error;
-    fs::path const root = fs::canonical(m_Root, error);
+    fs::path const root = fs::canonical(Root, error);
     if (error)
         throw Failure(shown + QStringLiteral(": the source folder does not exist"));
     if (!fs::is_directory(root))
         throw Failure(shown + QStringLiteral(": the source is not a folder"));
-    m_Root = root;
-    m_Files.clear();
-    ScanFolder(m_Root, std::string());
-    if (m_Files.empty())
+    Root = root;
+    Files.clear();
+    ScanFolder(Root, std::string());
+    if (Files.empty())
         throw Failure(shown + QStringLiteral(": the source holds no file to publish"));
 
-    std::sort(m_Files.begin(), m_Files.end(), [](SourceFile const& p_One, SourceFile const& p_Two) {
+    std::sort(Files.begin(), Files.end(), [](SourceFile const& p_One, SourceFile const& p_Two) {
         return p_One.Path.toUtf8() < p_Two.Path.toUtf8();
     });
-    PathChecks::CheckCollisions(m_Files);
-    return std::move(m_Files);
+    PathChecks::CheckCollisions(Files);
+    return std::move(Files);
 }
 
 void SourceScan::ScanFolder(fs::path const& p_Folder, std::string const& p_Prefix)
 {
     std::error_code error;
-    m_OpenFolders.push_back(fs::canonical(p_Folder, error));
+    OpenFolders.push_back(fs::canonical(p_Folder, error));
     fs::directory_iterator entry;
     if (!error)
         entry = fs::directory_iterator(p_Folder, error);
@@ -67,7 +67,7 @@ void SourceScan::ScanFolder(fs::path const& p_Folder, std::string const& p_Prefi
     }
     if (error)
         throw FailureOf(NativePath::ToText(p_Folder), error);
-    m_OpenFolders.pop_back();
+    OpenFolders.pop_back();
 }
 
 void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const& p_Path)
@@ -79,7 +79,7 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
         ScanFolder(p_Entry.path(), p_Path + '/');
         return;
     }
-    if (!m_Wanted(path))
+    if (!IsWanted(path))
         return;
     if (isLink) {
         CheckLink(p_Entry.path(), path);
@@ -98,7 +98,7 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
         file.Modified = fs::last_write_time(file.Location, error);
     if (error)
         throw FailureOf(path, error);
-    m_Files.push_back(file);
+    Files.push_back(file);
 }
 
 void SourceScan::CheckLink(fs::path const& p_Link, QString const& p_Path) const
@@ -107,10 +107,10 @@ void SourceScan::CheckLink(fs::path const& p_Link, QString const& p_Path) const
     fs::path const target = fs::canonical(p_Link, error);
     if (error)
         throw Failure(p_Path + QStringLiteral(": the symbolic link leads nowhere"));
-    if (!IsAtOrBelow(target, m_Root))
+    if (!IsAtOrBelow(target, Root))
         throw Failure(p_Path +
                       QStringLiteral(": the symbolic link leads out of the source folder"));
-    if (std::find(m_OpenFolders.begin(), m_OpenFolders.end(), target) != m_OpenFolders.end())
+    if (std::find(OpenFolders.begin(), OpenFolders.end(), target) != OpenFolders.end())
         throw Failure(p_Path +
                       QStringLiteral(": the symbolic link leads to a folder that holds it"));
 }

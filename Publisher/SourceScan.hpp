@@ -27,10 +27,10 @@ private:
     void ScanEntry(std::filesystem::directory_entry const& p_Entry, std::string const& p_Path);
     void CheckLink(std::filesystem::path const& p_Link, QString const& p_Path) const;
 
-    std::filesystem::path m_Root;
-    Wanted m_Wanted;
-    std::vector<std::filesystem::path> m_OpenFolders; ///< canonical, from the root to the current
-    std::vector<SourceFile> m_Files;
+    std::filesystem::path Root;
+    Wanted IsWanted;
+    std::vector<std::filesystem::path> OpenFolders; ///< canonical, from the root to the current
+    std::vector<SourceFile> Files;
 };
 
 } // namespace Varnholt::Publisher

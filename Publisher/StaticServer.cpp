@@ -46,28 +46,28 @@ QString Printable(std::string const& p_Text)
 class FilePart {
 public:
     FilePart(std::unique_ptr<QFile> p_File, ByteRange const& p_Range)
-        : m_File(std::move(p_File))
-        , m_Remaining(p_Range.Length)
+        : File(std::move(p_File))
+        , Remaining(p_Range.Length)
     {
-        m_File->seek(p_Range.Offset);
+        File->seek(p_Range.Offset);
     }
 
     bool WriteNext(httplib::DataSink& p_Sink)
     {
-        m_Block.resize(std::min(c_BlockBytes, static_cast<std::size_t>(m_Remaining)));
-        qint64 const bytes = m_File->read(m_Block.data(), static_cast<qint64>(m_Block.size()));
-        if (bytes <= 0 || !p_Sink.write(m_Block.data(), static_cast<std::size_t>(bytes)))
+        Block.resize(std::min(c_BlockBytes, static_cast<std::size_t>(Remaining)));
+        qint64 const bytes = File->read(Block.data(), static_cast<qint64>(Block.size()));
+        if (bytes <= 0 || !p_Sink.write(Block.data(), static_cast<std::size_t>(bytes)))
             return false;
-        m_Remaining -= bytes;
-        if (m_Remaining == 0)
+        Remaining -= bytes;
+        if (Remaining == 0)
             p_Sink.done();
         return true;
     }
 
 private:
-    std::unique_ptr<QFile> m_File;
-    qint64 m_Remaining;
-    std::vector<char> m_Block;
+    std::unique_ptr<QFile> File;
+    qint64 Remaining;
+    std::vector<char> Block;
 };
 
 } // namespace
@@ -189,7 +189,7 @@ void StaticServer::Implementation::WriteLog(httplib::Request const& p_Request,
 }
 
 StaticServer::StaticServer(QString const& p_Root, RequestLog p_Log)
-    : m_Implementation(std::make_unique<Implementation>(p_Root, std::move(p_Log)))
+    : Details(std::make_unique<Implementation>(p_Root, std::move(p_Log)))
 {
 }
 
@@ -201,8 +201,8 @@ QString StaticServer::Listen(QString const& p_Address, int p_Port)
     int port = p_Port;
     errno = 0;
     if (p_Port == 0)
-        port = m_Implementation->Server.bind_to_any_port(address);
-    else if (!m_Implementation->Server.bind_to_port(address, p_Port))
+        port = Details->Server.bind_to_any_port(address);
+    else if (!Details->Server.bind_to_port(address, p_Port))
         port = -1;
     if (port < 0) {
         int const error = errno;
@@ -219,12 +219,12 @@ QString StaticServer::Listen(QString const& p_Address, int p_Port)
 
 void StaticServer::Run()
 {
-    m_Implementation->Server.listen_after_bind();
+    Details->Server.listen_after_bind();
 }
 
 void StaticServer::Stop()
 {
-    m_Implementation->Server.stop();
+    Details->Server.stop();
 }
 
 } // namespace Varnholt::Publisher

@@ -35,7 +35,7 @@ public:
 
 private:
     class Implementation;
-    std::unique_ptr<Implementation> m_Implementation;
+    std::unique_ptr<Implementation> Details;
 };
 
 } // namespace Varnholt::Publisher

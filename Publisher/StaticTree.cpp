@@ -11,9 +11,9 @@ StaticTree::StaticTree(QString const& p_Root)
     QFileInfo const root(p_Root);
     if (!root.isDir())
         throw Failure(p_Root + QStringLiteral(": the folder to serve does not exist"));
-    m_Root = root.canonicalFilePath();
-    if (!m_Root.endsWith(QLatin1Char('/')))
-        m_Root += QLatin1Char('/');
+    Root = root.canonicalFilePath();
+    if (!Root.endsWith(QLatin1Char('/')))
+        Root += QLatin1Char('/');
 }
 
 QString StaticTree::FileOf(QByteArray const& p_Path) const
@@ -24,10 +24,10 @@ QString StaticTree::FileOf(QByteArray const& p_Path) const
         if (name == "..")
             return QString();
     }
-    QFileInfo const file(m_Root + QString::fromUtf8(p_Path.mid(1)));
+    QFileInfo const file(Root + QString::fromUtf8(p_Path.mid(1)));
     // Links inside the folder are served, links that leave it are not.
     QString const path = file.canonicalFilePath();
-    return file.isFile() && path.startsWith(m_Root) ? path : QString();
+    return file.isFile() && path.startsWith(Root) ? path : QString();
 }
 
 } // namespace Varnholt::Publisher

@@ -17,7 +17,7 @@ public:
     QString FileOf(QByteArray const& p_Path) const;
 
 private:
-    QString m_Root; ///< canonical, ends with "/"
+    QString Root; ///< canonical, ends with "/"
 };
 
 } // namespace Varnholt::Publisher

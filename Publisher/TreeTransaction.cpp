@@ -26,12 +26,12 @@ void WriteFile(QString const& p_Path, QByteArray const& p_Content)
 } // namespace
 
 TreeTransaction::TreeTransaction(QString const& p_Root)
-    : m_Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
-    , m_Staging(m_Root + QStringLiteral("/.varnholt-publish.new"))
-    , m_Lock(std::make_unique<QLockFile>(m_Root + QStringLiteral("/.varnholt-publish.lock")))
+    : Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
+    , Staging(Root + QStringLiteral("/.varnholt-publish.new"))
+    , Lock(std::make_unique<QLockFile>(Root + QStringLiteral("/.varnholt-publish.lock")))
 {
     // A run takes as long as it takes; the lock of a program that died is recognised by its id.
-    m_Lock->setStaleLockTime(0);
+    Lock->setStaleLockTime(0);
     try {
         Open();
     } catch (Failure const&) {
@@ -42,32 +42,32 @@ TreeTransaction::TreeTransaction(QString const& p_Root)
 
 TreeTransaction::~TreeTransaction()
 {
-    if (!m_Committed)
+    if (!Committed)
         Undo();
 }
 
 void TreeTransaction::Open()
 {
-    MakeFolder(m_Root);
-    if (!m_Lock->tryLock()) {
-        bool const taken = m_Lock->error() == QLockFile::LockFailedError;
-        throw Failure(m_Root + (taken ? QStringLiteral(": another run is publishing there")
-                                      : QStringLiteral(": the output folder cannot be written")));
+    MakeFolder(Root);
+    if (!Lock->tryLock()) {
+        bool const taken = Lock->error() == QLockFile::LockFailedError;
+        throw Failure(Root + (taken ? QStringLiteral(": another run is publishing there")
+                                    : QStringLiteral(": the output folder cannot be written")));
     }
     // What a run that was killed has left behind.
-    QDir(m_Staging).removeRecursively();
-    if (!QDir().mkdir(m_Staging))
-        throw Failure(m_Staging + QStringLiteral(": the folder cannot be made"));
+    QDir(Staging).removeRecursively();
+    if (!QDir().mkdir(Staging))
+        throw Failure(Staging + QStringLiteral(": the folder cannot be made"));
 }
 
 QString TreeTransaction::NewFile()
 {
-    return m_Staging + QLatin1Char('/') + QString::number(m_NewFiles++);
+    return Staging + QLatin1Char('/') + QString::number(NewFiles++);
 }
 
 void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
 {
-    m_Moves.push_back({p_NewFile, p_Target, std::nullopt, false});
+    Moves.push_back({p_NewFile, p_Target, std::nullopt, false});
 }
 
 void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
@@ -79,16 +79,16 @@ void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Targ
 
 void TreeTransaction::Commit()
 {
-    StorageSync(m_Root);
-    for (Move& move : m_Moves) {
-        if (&move == &m_Moves.back())
-            StorageSync(m_Root);
+    StorageSync(Root);
+    for (Move& move : Moves) {
+        if (&move == &Moves.back())
+            StorageSync(Root);
         Perform(move);
     }
-    m_Committed = true;
-    QDir(m_Staging).removeRecursively();
-    m_Lock->unlock();
-    StorageSync(m_Root);
+    Committed = true;
+    QDir(Staging).removeRecursively();
+    Lock->unlock();
+    StorageSync(Root);
 }
 
 void TreeTransaction::Perform(Move& p_Move)
@@ -120,21 +120,21 @@ void TreeTransaction::MakeFolder(QString const& p_Folder)
     MakeFolder(info.path());
     if (!QDir().mkdir(p_Folder))
         throw Failure(p_Folder + QStringLiteral(": the folder cannot be made"));
-    m_MadeFolders.push_back(p_Folder);
+    MadeFolders.push_back(p_Folder);
 }
 
 void TreeTransaction::Undo()
 {
-    for (auto move = m_Moves.rbegin(); move != m_Moves.rend(); ++move) {
+    for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) {
         if (move->Done)
             Undo(*move);
     }
     // Without the lock the folder of new files is another run's.
-    if (m_Lock->isLocked()) {
-        QDir(m_Staging).removeRecursively();
-        m_Lock->unlock();
+    if (Lock->isLocked()) {
+        QDir(Staging).removeRecursively();
+        Lock->unlock();
     }
-    for (auto folder = m_MadeFolders.rbegin(); folder != m_MadeFolders.rend(); ++folder)
+    for (auto folder = MadeFolders.rbegin(); folder != MadeFolders.rend(); ++folder)
         QDir().rmdir(*folder);
 }
 

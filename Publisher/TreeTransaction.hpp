@@ -53,13 +53,13 @@ private:
     void Undo();
     void Undo(Move const& p_Move);
 
-    QString m_Root;
-    QString m_Staging;
-    std::unique_ptr<QLockFile> m_Lock;
-    std::atomic<quint64> m_NewFiles{0};
-    std::vector<Move> m_Moves;
-    std::vector<QString> m_MadeFolders; ///< in the order of their making
-    bool m_Committed = false;
+    QString Root;
+    QString Staging;
+    std::unique_ptr<QLockFile> Lock;
+    std::atomic<quint64> NewFiles{0};
+    std::vector<Move> Moves;
+    std::vector<QString> MadeFolders; ///< in the order of their making
+    bool Committed = false;
 };
 
 } // namespace Varnholt::Publisher

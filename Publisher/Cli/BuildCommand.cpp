@@ -13,9 +13,9 @@
 namespace Varnholt::Publisher {
 
 BuildCommand::BuildCommand(CLI::App& p_Program)
-    : m_Command(p_Program.add_subcommand("build", "Publish a game folder as a new build"))
+    : Command(p_Program.add_subcommand("build", "Publish a game folder as a new build"))
 {
-    m_Command->footer(
+    Command->footer(
         "Example:\n"
         "  varnholt-publish build --source Game --output /srv/www --build 18414 \\\n"
         "      --name \"5.4.8 (18414)\" --number 18414 --rules rules.json \\\n"
@@ -36,31 +36,31 @@ BuildCommand::BuildCommand(CLI::App& p_Program)
 
 void BuildCommand::AddOptions()
 {
-    m_Command->add_option("--source", m_Source, "Folder that holds the game")->required();
-    m_Command->add_option("--output", m_Output, "Folder of the published tree")->required();
-    m_Command->add_option("--build", m_Build, "The build's name in addresses, never used before")
+    Command->add_option("--source", Source, "Folder that holds the game")->required();
+    Command->add_option("--output", Output, "Folder of the published tree")->required();
+    Command->add_option("--build", Build, "The build's name in addresses, never used before")
         ->required();
-    m_Command->add_option("--name", m_Name, "The build's name for people (default: as --build)");
-    m_Command->add_option("--number", m_Number, "The build's number (default: 0)")
+    Command->add_option("--name", Name, "The build's name for people (default: as --build)");
+    Command->add_option("--number", Number, "The build's number (default: 0)")
         ->check(CLI::Range(0, std::numeric_limits<int>::max()));
-    m_Command->add_option("--rules", m_Rules, "Rules file (JSON)");
-    m_Command->add_option("--locales", m_Locales,
-                          "Languages on offer, TAG=NAME,..., added to those of the rules file");
-    m_Command->add_option("--hosts", m_Hosts,
-                          "Servers that hold the content, HOST[:PORT],... (default: those "
-                          "published before, or 127.0.0.1:8080)");
-    m_Command->add_option("--realmlist", m_RealmList,
-                          "Address of the login server (default: the one published before)");
-    m_Command->add_option("--app-id", m_AppId, "Application identifier")->capture_default_str();
-    m_Command->add_option("--platform", m_Platform, "System of the clients")
+    Command->add_option("--rules", Rules, "Rules file (JSON)");
+    Command->add_option("--locales", LocaleList,
+                        "Languages on offer, TAG=NAME,..., added to those of the rules file");
+    Command->add_option("--hosts", Hosts,
+                        "Servers that hold the content, HOST[:PORT],... (default: those "
+                        "published before, or 127.0.0.1:8080)");
+    Command->add_option("--realmlist", RealmList,
+                        "Address of the login server (default: the one published before)");
+    Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
+    Command->add_option("--platform", Platform, "System of the clients")
         ->check(CLI::IsMember({"mac", "win"}))
         ->capture_default_str();
-    m_Command->add_flag("--dev", m_Dev, "Offer the build on the development channel only");
+    Command->add_flag("--dev", Dev, "Offer the build on the development channel only");
 }
 
 bool BuildCommand::IsChosen() const
 {
-    return m_Command->parsed();
+    return Command->parsed();
 }
 
 int BuildCommand::Run() const
@@ -79,29 +79,29 @@ int BuildCommand::Run() const
 PublishOptions BuildCommand::Options() const
 {
     PublishOptions options;
-    options.Source = QString::fromStdString(m_Source);
-    options.Output = QString::fromStdString(m_Output);
-    options.Build.Id = QString::fromStdString(m_Build);
-    options.Build.Name = QString::fromStdString(m_Name.empty() ? m_Build : m_Name);
-    options.Build.Number = m_Number;
-    options.RulesFile = QString::fromStdString(m_Rules);
+    options.Source = QString::fromStdString(Source);
+    options.Output = QString::fromStdString(Output);
+    options.Build.Id = QString::fromStdString(Build);
+    options.Build.Name = QString::fromStdString(Name.empty() ? Build : Name);
+    options.Build.Number = Number;
+    options.RulesFile = QString::fromStdString(Rules);
     options.Locales = Locales();
-    if (m_Command->count("--hosts") > 0)
-        options.Hosts = QString::fromStdString(m_Hosts).split(QLatin1Char(','));
-    if (m_Command->count("--realmlist") > 0)
-        options.RealmListAddress = QString::fromStdString(m_RealmList);
-    options.AppId = QString::fromStdString(m_AppId);
-    options.Platform = m_Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
-    options.DevChannel = m_Dev;
+    if (Command->count("--hosts") > 0)
+        options.Hosts = QString::fromStdString(Hosts).split(QLatin1Char(','));
+    if (Command->count("--realmlist") > 0)
+        options.RealmListAddress = QString::fromStdString(RealmList);
+    options.AppId = QString::fromStdString(AppId);
+    options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
+    options.DevChannel = Dev;
     return options;
 }
 
 std::map<QString, QString> BuildCommand::Locales() const
 {
     std::map<QString, QString> locales;
-    if (m_Command->count("--locales") == 0)
+    if (Command->count("--locales") == 0)
         return locales;
-    for (QString const& item : QString::fromStdString(m_Locales).split(QLatin1Char(','))) {
+    for (QString const& item : QString::fromStdString(LocaleList).split(QLatin1Char(','))) {
         int const sign = item.indexOf(QLatin1Char('='));
         if (sign <= 0 || sign + 1 == item.size()) {
             throw Failure(

@@ -30,19 +30,19 @@ private:
     std::map<QString, QString> Locales() const;
     static void PrintSummary(PublishOptions const& p_Options, PublicationSummary const& p_Summary);
 
-    CLI::App* m_Command;
-    std::string m_Source;
-    std::string m_Output;
-    std::string m_Build;
-    std::string m_Name;
-    int m_Number = 0;
-    std::string m_Rules;
-    std::string m_Locales;
-    std::string m_Hosts;
-    std::string m_RealmList;
-    std::string m_AppId = "pelmora_app";
-    std::string m_Platform = "mac";
-    bool m_Dev = false;
+    CLI::App* Command;
+    std::string Source;
+    std::string Output;
+    std::string Build;
+    std::string Name;
+    int Number = 0;
+    std::string Rules;
+    std::string LocaleList;
+    std::string Hosts;
+    std::string RealmList;
+    std::string AppId = "pelmora_app";
+    std::string Platform = "mac";
+    bool Dev = false;
 };
 
 } // namespace Varnholt::Publisher

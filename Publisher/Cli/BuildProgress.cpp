@@ -18,7 +18,7 @@ constexpr int c_SignalStatus = 128;
 } // namespace
 
 BuildProgress::BuildProgress()
-    : m_IsTerminal(::isatty(STDERR_FILENO) == 1)
+    : IsTerminal(::isatty(STDERR_FILENO) == 1)
 {
 }
 
@@ -29,11 +29,11 @@ BuildProgress::~BuildProgress()
 
 void BuildProgress::PhaseStarted(QString const& p_Name, qint64 p_Bytes)
 {
-    std::lock_guard const lock(m_Mutex);
-    m_Phase = p_Name;
-    m_Total = p_Bytes;
-    m_Read = 0;
-    m_SinceShown.start();
+    std::lock_guard const lock(Mutex);
+    Phase = p_Name;
+    Total = p_Bytes;
+    Read = 0;
+    SinceShown.start();
 }
 
 void BuildProgress::BytesRead(qint64 p_Bytes)
@@ -41,9 +41,9 @@ void BuildProgress::BytesRead(qint64 p_Bytes)
     if (int const signal = Interruption::Signal())
         throw Failure(QStringLiteral("interrupted, nothing was published"),
                       c_SignalStatus + signal);
-    m_Read += p_Bytes;
-    std::unique_lock const lock(m_Mutex, std::try_to_lock);
-    if (m_IsTerminal && lock.owns_lock() && m_SinceShown.elapsed() >= c_ShowMilliseconds)
+    Read += p_Bytes;
+    std::unique_lock const lock(Mutex, std::try_to_lock);
+    if (IsTerminal && lock.owns_lock() && SinceShown.elapsed() >= c_ShowMilliseconds)
         Show();
 }
 
@@ -55,19 +55,19 @@ void BuildProgress::Warned(QString const& p_Sentence)
 
 void BuildProgress::Show()
 {
-    m_SinceShown.start();
-    qint64 const read = m_Read;
-    qint64 const percent = m_Total > 0 ? read * 100 / m_Total : 100;
+    SinceShown.start();
+    qint64 const read = Read;
+    qint64 const percent = Total > 0 ? read * 100 / Total : 100;
     QString const line = QStringLiteral("\r%1 %2 %  %3 of %4\x1b[K")
-                             .arg(m_Phase, QString::number(percent), ConsoleText::Bytes(read),
-                                  ConsoleText::Bytes(m_Total));
+                             .arg(Phase, QString::number(percent), ConsoleText::Bytes(read),
+                                  ConsoleText::Bytes(Total));
     std::fputs(line.toUtf8().constData(), stderr);
     std::fflush(stderr);
 }
 
 void BuildProgress::Clear()
 {
-    if (m_IsTerminal)
+    if (IsTerminal)
         std::fputs("\r\x1b[K", stderr);
 }
 

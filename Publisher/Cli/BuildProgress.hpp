@@ -25,12 +25,12 @@ private:
     void Show();
     void Clear();
 
-    bool m_IsTerminal;
-    std::atomic<qint64> m_Read{0};
-    std::mutex m_Mutex; ///< of what follows
-    QString m_Phase;
-    qint64 m_Total = 0;
-    QElapsedTimer m_SinceShown;
+    bool IsTerminal;
+    std::atomic<qint64> Read{0};
+    std::mutex Mutex; ///< of what follows
+    QString Phase;
+    qint64 Total = 0;
+    QElapsedTimer SinceShown;
 };
 
 } // namespace Varnholt::Publisher

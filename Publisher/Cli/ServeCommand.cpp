@@ -43,25 +43,24 @@ bool StopInTime(StaticServer& p_Server, std::future<void> const& p_Running)
 } // namespace
 
 ServeCommand::ServeCommand(CLI::App& p_Program)
-    : m_Command(p_Program.add_subcommand("serve", "Serve a published tree for trials"))
+    : Command(p_Program.add_subcommand("serve", "Serve a published tree for trials"))
 {
-    m_Command->footer(
-        "Example:\n"
-        "  varnholt-publish serve --root /srv/www --port 8080\n"
-        "\n"
-        "Ends on SIGINT (Ctrl+C) and SIGTERM. Requests are logged on standard error:\n"
-        "method, path, range, status.\n");
-    m_Command->add_option("--root", m_Root, "Folder of the published tree")->required();
-    m_Command->add_option("--address", m_Address, "Address to listen on")->capture_default_str();
-    m_Command->add_option("--port", m_Port, "Port to listen on; 0 chooses a free one")
+    Command->footer("Example:\n"
+                    "  varnholt-publish serve --root /srv/www --port 8080\n"
+                    "\n"
+                    "Ends on SIGINT (Ctrl+C) and SIGTERM. Requests are logged on standard error:\n"
+                    "method, path, range, status.\n");
+    Command->add_option("--root", Root, "Folder of the published tree")->required();
+    Command->add_option("--address", Address, "Address to listen on")->capture_default_str();
+    Command->add_option("--port", Port, "Port to listen on; 0 chooses a free one")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    m_Command->add_flag("--quiet", m_Quiet, "Do not log requests");
+    Command->add_flag("--quiet", Quiet, "Do not log requests");
 }
 
 bool ServeCommand::IsChosen() const
 {
-    return m_Command->parsed();
+    return Command->parsed();
 }
 
 int ServeCommand::Run() const
@@ -70,9 +69,9 @@ int ServeCommand::Run() const
     sigset_t const signals = EndingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
-    QString const root = QString::fromStdString(m_Root);
-    StaticServer server(root, m_Quiet ? StaticServer::RequestLog() : ConsoleText::PrintErrorLine);
-    QString const url = server.Listen(QString::fromStdString(m_Address), m_Port);
+    QString const root = QString::fromStdString(Root);
+    StaticServer server(root, Quiet ? StaticServer::RequestLog() : ConsoleText::PrintErrorLine);
+    QString const url = server.Listen(QString::fromStdString(Address), Port);
     std::future<void> const running = std::async(std::launch::async, [&server] { server.Run(); });
     ConsoleText::PrintLine(QStringLiteral("Serving %1 at %2").arg(root, url));
 

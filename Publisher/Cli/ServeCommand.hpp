@@ -23,11 +23,11 @@ public:
     int Run() const;
 
 private:
-    CLI::App* m_Command;
-    std::string m_Root;
-    std::string m_Address = "127.0.0.1";
-    int m_Port = 8080;
-    bool m_Quiet = false;
+    CLI::App* Command;
+    std::string Root;
+    std::string Address = "127.0.0.1";
+    int Port = 8080;
+    bool Quiet = false;
 };
 
 } // namespace Varnholt::Publisher
