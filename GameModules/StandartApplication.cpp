@@ -104,6 +104,8 @@ StandartApplication::RunId StandartApplication::BeginRun()
         CurrentDownload->Abort();
         SetTransferAside();
     }
+    // Silent, they would keep the few connections that a server is given from the new run.
+    DropSizeQueries();
     return ReplaceList();
 }
 

@@ -149,6 +149,7 @@ void StandartApplication::GoOnWithNextFile(RunId p_Run)
         QueueStart(p_Run);
         return;
     }
+    DropSizeQueries(); // of a run whose files a resume has fetched before their sizes came
     if (IsDownloadingBase) {
         CompareStreamed(p_Run, false);
         return;

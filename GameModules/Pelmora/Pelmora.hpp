@@ -27,7 +27,10 @@ public:
     void AfterOnManifestReceived() override;
 
 private:
+    void FetchRealmList();
     void WriteConfigLine(QString const& p_Key, QString const& p_Line);
+
+    HTTP_GetRemotefileContentRequest* RealmListRequest = nullptr; ///< in flight, not owned
 };
 
 } // namespace Varnholt::Launcher

@@ -6,8 +6,6 @@
 
 #include <QNetworkReply>
 
-#include <memory>
-
 namespace Varnholt::Launcher {
 
 namespace {
@@ -32,17 +30,25 @@ void Pelmora::SetAppLocale(QString p_Code)
 
 void Pelmora::AfterOnManifestReceived()
 {
+    // Silent, they would pile up and keep the few connections that a server is given from all else.
+    if (RealmListRequest != nullptr)
+        RealmListRequest->Reply->abort();
     if (!IsInstalled())
         return;
     SetAppLocale(GetAppLocale());
+    FetchRealmList();
+}
 
-    auto const request = std::make_shared<HTTP_GetRemotefileContentRequest*>(nullptr);
-    *request =
+void Pelmora::FetchRealmList()
+{
+    RealmListRequest =
         GetRemoteFileContent(DefaultContentBaseUrl() + AppId + QLatin1String("/realmlist.info"),
-                             [this, request](QString const&, QByteArray* p_Data) {
+                             [this](QString const&, QByteArray* p_Data) {
+                                 QNetworkReply const& reply = *RealmListRequest->Reply;
+                                 RealmListRequest = nullptr;
                                  // What a failed fetch brings is not content: the game keeps the
                                  // line it has.
-                                 if (!Succeeded(*(*request)->Reply))
+                                 if (!Succeeded(reply))
                                      return;
                                  QString const line = RemoteText(*p_Data);
                                  qCWarning(LogLanguage) << GetName() << " Realmlist : " << line;

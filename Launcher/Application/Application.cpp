@@ -22,6 +22,11 @@ Application::Application(QString const& p_Name, QString const& p_AppId)
 Application::~Application()
 {
     Link->Sever();
+    // Of fetches in flight, and of size queries that failed: nobody else ends them.
+    for (auto const& row : ContentRequests)
+        delete row.second;
+    for (auto const& row : ContentSizeRequests)
+        delete row.second;
 }
 
 bool Application::IsGameRunning()

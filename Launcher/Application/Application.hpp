@@ -121,6 +121,9 @@ public:
     void GetRemoteFileSize(QString p_Url,
                            std::function<void(QString, unsigned long long)> p_OnSize);
 
+    /// Ends the size queries that have no answer yet; they never call back. Application thread only.
+    void DropSizeQueries();
+
     /// Downloads a file on a thread of its own. Application thread only.
     /// \param p_Path local destination; its folder is created
     /// \param p_Resume true: continue what lies at the destination; false: remove it first

@@ -97,4 +97,20 @@ void Application::HTTP_GetContentSize_MedaDataChanged()
     reply->deleteLater();
 }
 
+void Application::DropSizeQueries()
+{
+    std::vector<QNetworkReply*> unanswered;
+    {
+        QMutexLocker const lock(&ContentSizeRequestsMutex);
+        for (auto const& row : ContentSizeRequests)
+            if (!row.first->isFinished())
+                unanswered.push_back(row.first);
+    }
+    for (QNetworkReply* const reply : unanswered) {
+        TakeRequest(ContentSizeRequests, ContentSizeRequestsMutex, reply);
+        reply->abort();
+        reply->deleteLater();
+    }
+}
+
 } // namespace Varnholt::Launcher
