@@ -1,0 +1,116 @@
+#include "Tests/Endurance/EnduringGame.hpp"
+#include "Tests/Runs/Game.hpp"
+
+#include <QtTest>
+
+#include <memory>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+/// So many connections a server is given at the same time.
+constexpr int c_Connections = 6;
+
+} // namespace
+
+/// What a server has never answered must not stand in the way of what is asked of it later.
+class SilentServerTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void SizesThatNeverCameDoNotHoldUpTheNextRun();
+    void SizesThatNeverCameDoNotHoldUpTheStreamedFiles();
+    void AnUninstalledGameKeepsNoQueryOpen();
+    void ARealmListThatNeverCameDoesNotHoldUpTheNextRun();
+    void QueriesAndFetchesGoWithTheApplication();
+
+private:
+    /// As many files as there are connections, their sizes never told.
+    static void AddFilesOfUnknownSize(Game& p_Game);
+};
+
+void SilentServerTest::AddFilesOfUnknownSize(Game& p_Game)
+{
+    for (int i = 0; i < c_Connections; ++i) {
+        QString const name = QString("file %1").arg(i);
+        p_Game.Add({name, SampleContent::Bytes(500, quint32(i + 1)), 0x20});
+        p_Game.Server.Script(p_Game.Content.ServerPath(name)).Then(Answer::SilentBeforeHeaders());
+    }
+}
+
+void SilentServerTest::SizesThatNeverCameDoNotHoldUpTheNextRun()
+{
+    Game game;
+    AddFilesOfUnknownSize(game);
+    game.Begin();
+    QVERIFY(game.Host.RunUntil([&] { return game.Requested().size() == c_Connections; }));
+    game.App.Repair();
+    QVERIFY(game.Finish());
+    for (SampleFile const& file : game.Content.Files)
+        QCOMPARE(game.Read(file.Path), file.Bytes);
+}
+
+void SilentServerTest::SizesThatNeverCameDoNotHoldUpTheStreamedFiles()
+{
+    Game game;
+    AddFilesOfUnknownSize(game);
+    game.Add({"streamed", "s", 0, {}, true}).Begin();
+    QVERIFY(game.Host.RunUntil([&] { return game.Requested().size() == c_Connections; }));
+    game.App.ResumeDownload(); // does not wait for the sizes
+    QVERIFY(game.Host.RunUntil([&] { return game.Host.FinishedCount == 1; }));
+    QCOMPARE(game.Read("streamed"), QByteArray("s"));
+}
+
+void SilentServerTest::AnUninstalledGameKeepsNoQueryOpen()
+{
+    Game game;
+    AddFilesOfUnknownSize(game);
+    game.Begin();
+    QVERIFY(game.Host.RunUntil([&] { return game.Requested().size() == c_Connections; }));
+    game.App.Uninstall(false);
+    QVERIFY(game.Host.RunUntil([&] { return game.Server.OpenConnections() == 0; }));
+    QVERIFY(game.App.ContentSizeRequests.empty());
+}
+
+void SilentServerTest::ARealmListThatNeverCameDoesNotHoldUpTheNextRun()
+{
+    EnduringGame game(TestHost::Worker::Running);
+    QVERIFY(game.Begin());
+    game.Server.Script(game.Content.RealmListPath()).Always(Answer::SilentBeforeHeaders());
+    game.App.Install(game.Folder, false);
+    for (int i = 1; i <= c_Connections; ++i) {
+        QVERIFY(
+            game.RunUntil([&] { return game.Server.Count(game.Content.RealmListPath()) == i; }));
+        game.App.Repair();
+    }
+    QVERIFY(game.RunUntil([&] { return game.Host.FinishedCount == 1; }));
+    QCOMPARE(game.App.ContentRequests.size(), std::size_t{1});
+    game.Server.ClearScript(game.Content.RealmListPath());
+    game.App.Repair();
+    QVERIFY(game.Finish());
+    QCOMPARE(game.Faults(), QStringList());
+}
+
+void SilentServerTest::QueriesAndFetchesGoWithTheApplication()
+{
+    LogCapture const log;
+    ScriptedServer server;
+    server.Script("/closed").Always(Answer::ClosedBeforeHeaders());
+    server.Script("/silent").Always(Answer::SilentBeforeHeaders());
+    auto const held = std::make_shared<int>(0);
+    {
+        TestApplication app;
+        app.GetRemoteFileSize(server.Url("/closed"), [held](QString const&, unsigned long long) {});
+        app.GetRemoteFileSize(server.Url("/silent"), [held](QString const&, unsigned long long) {});
+        app.GetRemoteFileContent(server.Url("/silent"), [held](QString const&, QByteArray*) {});
+        QTRY_COMPARE(server.Count("/silent"), 2);
+        QCOMPARE(held.use_count(), 4L);
+    }
+    QCOMPARE(held.use_count(), 1L);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::SilentServerTest)
+#include "tst_SilentServer.moc"
