@@ -83,14 +83,16 @@ bool UseDevChannel()
 
 } // namespace
 
-bool Install(Launcher::Application& p_Application, HostEnvironment& p_Environment)
+bool Claim(HostEnvironment& p_Environment)
 {
-    {
-        QWriteLocker const lock(&g_EnvironmentLock);
-        if (g_Environment != nullptr)
-            return false;
+    QWriteLocker const lock(&g_EnvironmentLock);
+    if (g_Environment == nullptr)
         g_Environment = &p_Environment;
-    }
+    return g_Environment == &p_Environment;
+}
+
+void Install(Launcher::Application& p_Application)
+{
     p_Application.ErrorReporter = ErrorReporter;
     p_Application.ReadSetting = ReadSetting;
     p_Application.WriteSetting = WriteSetting;
@@ -102,7 +104,6 @@ bool Install(Launcher::Application& p_Application, HostEnvironment& p_Environmen
     p_Application.NotifyDownloadFinished = NotifyDownloadFinished;
     p_Application.ShouldContinue = ShouldContinue;
     p_Application.UseDevChannel = UseDevChannel;
-    return true;
 }
 
 void Remove(HostEnvironment& p_Environment)

@@ -9,9 +9,13 @@
 /// the whole process. Without an environment the callbacks answer what stops a module soonest.
 namespace Varnholt::Host::HostCallbacks {
 
-/// Makes the environment the process's own and fills in every callback.
+/// Makes the environment the process's own: before a module is loaded, since a second loading
+/// gives the first one's object.
 /// \return false when another environment is in place already
-bool Install(Launcher::Application& p_Application, HostEnvironment& p_Environment);
+bool Claim(HostEnvironment& p_Environment);
+
+/// Fills in every callback.
+void Install(Launcher::Application& p_Application);
 
 /// Returns when no callback uses the environment any more.
 void Remove(HostEnvironment& p_Environment);

@@ -52,16 +52,18 @@ void ModuleHost::Load()
     }
     QString const file =
         Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
-    if (auto const failure = Loader.Load(file)) {
-        Q_EMIT LoadFailed(*failure);
-        return;
-    }
-    Assemble();
-    if (!HostCallbacks::Install(*Loader.Application(), Environment)) {
+    if (!HostCallbacks::Claim(Environment)) {
         Q_EMIT LoadFailed({FailureKind::ModuleUnloadable, file,
                            QStringLiteral("another session of this program uses a module")});
         return;
     }
+    if (auto const failure = Loader.Load(file)) {
+        HostCallbacks::Remove(Environment);
+        Q_EMIT LoadFailed(*failure);
+        return;
+    }
+    Assemble();
+    HostCallbacks::Install(*Loader.Application());
     Worker->start();
     TurnTimer.start();
     Q_EMIT Loaded(Loader.Info());
