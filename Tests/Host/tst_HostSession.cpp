@@ -1,0 +1,402 @@
+#include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/ScopedCurrentFolder.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+using Host::RunPhase;
+using Host::RunSnapshot;
+
+namespace {
+
+/// What the figures of a run must never do; empty when they do not.
+QString FaultOf(std::vector<RunSnapshot> const& p_Snapshots)
+{
+    RunSnapshot before;
+    for (RunSnapshot const& snapshot : p_Snapshots) {
+        QString const phase = PhaseText(snapshot.Phase);
+        if (snapshot.BytesDone > snapshot.BytesTotal)
+            return phase + QStringLiteral(": more bytes than there are");
+        if (snapshot.FileNumber > snapshot.FileCount)
+            return phase + QStringLiteral(": more files than there are");
+        if (!IsDownloading(snapshot.Phase) && snapshot.BytesTotal != 0)
+            return phase + QStringLiteral(": bytes without a download");
+        bool const sameFigures =
+            snapshot.Phase == before.Phase && snapshot.FileCount == before.FileCount;
+        if (sameFigures && snapshot.FileNumber < before.FileNumber)
+            return phase + QStringLiteral(": the number of the file fell");
+        if (snapshot.Phase == before.Phase && snapshot.BytesDone < before.BytesDone)
+            return phase + QStringLiteral(": the bytes fell");
+        before = snapshot;
+    }
+    return {};
+}
+
+/// True when the phases come in this order; phases of the order may be left out.
+bool AreInOrder(std::vector<RunPhase> const& p_Phases, std::vector<RunPhase> const& p_Order)
+{
+    auto next = p_Order.begin();
+    for (RunPhase const phase : p_Phases) {
+        next = std::find(next, p_Order.end(), phase);
+        if (next == p_Order.end())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+class HostSessionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void AnInstallationBringsEverything();
+    void ThePhasesComeInOrderAndTheLastTellsTheEnd();
+    void TheFiguresOfAPhaseNeverFall();
+    void WhatLiesThereOfAFileCountsAsDone();
+    void ADownloadIsShownWithItsFileItsMirrorAndItsRate();
+    void EveryRunEndsExactlyOnce();
+    void ARequestDuringARunIsNotHeard();
+    void OneSessionServesManyRequests();
+    void ASessionAfterAnotherLoadsTheModuleAgain();
+    void ASecondSessionBesideTheFirstIsRefused();
+
+    void AnUpdateOfACompleteGameFetchesNothing();
+    void AnUpdateBringsWhatIsMissingOrDamaged();
+    void ARepairFindsWhatAnUpdateTrusts();
+    void AnUpdateBringsAnotherBuildWithItsStreamedFiles();
+    void AnUpdateOfNothingIsRefused();
+    void AnInstallationElsewhereWantsAConfirmation();
+    void AnInstallationMayBeginAnewInItsFolder();
+    void ABuildWithoutFilesIsNoGame();
+    void AUserInTheGameFolderDoesNotMoveTheGame();
+};
+
+void HostSessionTest::AnInstallationBringsEverything()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Info->Name, QString("Mists of Pandaria"));
+    QVERIFY(!game.Status().IsInstalled);
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Result().Build, QString("Sample build"));
+    QCOMPARE(game.Result().Folder, game.Folder);
+    QCOMPARE(game.Result().Transfers, 6u);
+    QCOMPARE(game.Notices, QStringList());
+
+    Host::InstallStatus const status = game.Status();
+    QVERIFY(status.IsInstalled && status.FolderExists && !status.IsUnfinished);
+    QCOMPARE(status.Folder, game.Folder);
+    QCOMPARE(status.Build, QString("build_1"));
+    QCOMPARE(status.PendingBase + status.PendingStreamed, 0);
+    for (QString const& file : game.FilesOnDisk())
+        QVERIFY2(!file.endsWith(".part") && !file.contains("varnholt"), qPrintable(file));
+}
+
+void HostSessionTest::ThePhasesComeInOrderAndTheLastTellsTheEnd()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    QString const streamed = game.Content.ServerPath("Data/streamed 1.MPQ");
+    for (QString const& path : {base, streamed})
+        game.Server.Script(path).Then(Answer().Held(), 2); // its size, and itself
+    game.Server.Script("/pelmora_app/version.json").Then(Answer().Held());
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPhase(RunPhase::Connecting));
+    game.Server.OpenGate("/pelmora_app/version.json");
+    QVERIFY(game.WaitForPhase(RunPhase::AskingSizes));
+    game.Server.OpenGate(base);
+    QVERIFY(game.WaitForPhase(RunPhase::DownloadingBase));
+    game.Server.OpenGate(base);
+    QVERIFY(game.WaitForPhase(RunPhase::AskingSizes));
+    game.Server.OpenGate(streamed);
+    QVERIFY(game.WaitForPhase(RunPhase::DownloadingStreamed));
+    game.Server.OpenGate(streamed);
+    QCOMPARE(game.End(), QString("done"));
+    QVERIFY(AreInOrder(game.Phases(), {RunPhase::Connecting, RunPhase::Comparing,
+                                       RunPhase::WaitingForHost, RunPhase::AskingSizes,
+                                       RunPhase::DownloadingBase, RunPhase::ComparingStreamed,
+                                       RunPhase::AskingSizes, RunPhase::DownloadingStreamed,
+                                       RunPhase::ComparingStreamed, RunPhase::Finished}));
+    QCOMPARE(game.Phases().back(), RunPhase::Finished);
+}
+
+void HostSessionTest::TheFiguresOfAPhaseNeverFall()
+{
+    SessionGame game;
+    game.AddFiles();
+    for (int i = 0; i < 20; ++i)
+        game.Content.Add({QString("Data/more %1").arg(i), SampleContent::Bytes(20000, i + 10)});
+    game.Publish();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    QString const readme = game.Content.ServerPath("readme.txt");
+    // A cut that is resumed, and a file that comes wrong at first.
+    game.Server.Script(base).Then(Answer::Normal()).Then(Answer::Truncated(40000));
+    game.Server.Script(base).Then(Answer::SilentAfter(5000));
+    game.Server.Script(readme).Then(Answer::Normal()).Then(Answer().Body("damaged"));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForBytes(45000));
+    game.Server.OpenGate(base);
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(FaultOf(game.Snapshots), QString());
+}
+
+void HostSessionTest::WhatLiesThereOfAFileCountsAsDone()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
+    game.Put("Data/base.MPQ.part", game.Content.Files[0].Bytes.left(30000));
+    game.Server.Script(base).Then(Answer::Normal()).Then(Answer::SilentAfter(5000));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Update);
+    QVERIFY(game.WaitForBytes(35000));
+    QCOMPARE(game.Snapshots.back().BytesTotal, quint64(60000));
+    game.Server.OpenGate(base);
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Server.Requests(base).back().Header("Range"), QByteArray("bytes=30000-"));
+    QCOMPARE(FaultOf(game.Snapshots), QString());
+}
+
+void HostSessionTest::ADownloadIsShownWithItsFileItsMirrorAndItsRate()
+{
+    SessionGame game;
+    ScriptedServer mirror;
+    game.AddFiles();
+    game.Content.Publish(game.Server, {&mirror});
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    mirror.Script(path).Then(Answer::Normal());
+    mirror.Script(path).Always(Answer::Drip(600, 10)); // a second at least
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitUntil([&] { return !game.Snapshots.empty() && game.Snapshots.back().Rate; }));
+    RunSnapshot const snapshot = game.Snapshots.back();
+    QCOMPARE(snapshot.Phase, RunPhase::DownloadingBase);
+    QCOMPARE(snapshot.File, QString("Data/base.MPQ"));
+    QCOMPARE(snapshot.Mirror, mirror.Host());
+    QCOMPARE(snapshot.FileNumber, 1u);
+    QCOMPARE(snapshot.FileCount, 4u);
+    QCOMPARE(snapshot.BytesTotal, quint64(60000 + 30000 + 2000 + 7));
+    QVERIFY(snapshot.Remaining >= 0);
+}
+
+void HostSessionTest::EveryRunEndsExactlyOnce()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    game.Status(); // what was on its way has arrived
+    QCOMPARE(game.Results.size(), std::size_t(1));
+    std::size_t const said = game.Snapshots.size();
+    game.Session().Interrupt();
+    game.Session().Pause();
+    game.Session().Continue();
+    game.Status();
+    QCOMPARE(game.Results.size(), std::size_t(1));
+    QCOMPARE(game.Snapshots.size(), said);
+
+    QCOMPARE(game.Run(RequestType::ChooseLocale, "xxXX"), QString("locale-not-offered"));
+    game.Status();
+    QCOMPARE(game.Results.size(), std::size_t(1));
+    QCOMPARE(game.Phases().back(), RunPhase::Failed);
+}
+
+void HostSessionTest::ARequestDuringARunIsNotHeard()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const version = game.Content.VersionPath();
+    game.Server.Script(version).Then(Answer().Held());
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPhase(RunPhase::Connecting));
+    Host::RunRequest other;
+    other.Kind = RequestType::Uninstall;
+    game.Session().Start(other);
+    game.Server.OpenGate(version);
+    QCOMPARE(game.End(), QString("done"));
+    game.Status();
+    QCOMPARE(game.Results.size(), std::size_t(1));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::OneSessionServesManyRequests()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("not-installed"));
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Run(RequestType::ListLocales), QString("done"));
+    QCOMPARE(game.Run(RequestType::Repair), QString("done"));
+    QCOMPARE(game.Result().Transfers, 0u);
+    QCOMPARE(game.Run(RequestType::Uninstall), QString("done"));
+    QCOMPARE(game.Run(RequestType::Update), QString("not-installed"));
+    QCOMPARE(game.Install(), QString("done")); // of the files that stayed
+    QCOMPARE(game.Result().Transfers, 0u);
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ASessionAfterAnotherLoadsTheModuleAgain()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QVERIFY(game.Open());
+    QVERIFY(game.Status().IsInstalled);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+}
+
+void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    SessionGame other;
+    QVERIFY(!other.Open());
+    QCOMPARE(other.OpenFailure->Identifier(), QString("module-unloadable"));
+    other.Close();
+    qputenv("VARNHOLT_CONTENT_BASE_URL", game.Server.BaseUrl().toUtf8());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::AnUpdateOfACompleteGameFetchesNothing()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Result().Transfers, 0u);
+    QCOMPARE(game.Requested(), QStringList());
+    QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostSessionTest::AnUpdateBringsWhatIsMissingOrDamaged()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
+    game.Put("readme.txt", "damaged");
+    QVERIFY(QFile::remove(game.Path("Data/first build.MPQ"))); // trusted by the module
+    QVERIFY(QFile::remove(game.Path("Data/streamed 2.MPQ")));  // as well
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Result().Transfers, 4u);
+}
+
+void HostSessionTest::ARepairFindsWhatAnUpdateTrusts()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QStringList const trusted{"Data/first build.MPQ", "Data/streamed 1.MPQ"};
+    for (QString const& file : trusted)
+        game.Put(file, "damaged");
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), trusted);
+    QCOMPARE(game.Run(RequestType::Repair), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Result().Transfers, 2u);
+}
+
+void HostSessionTest::AnUpdateBringsAnotherBuildWithItsStreamedFiles()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    game.Content.Build = QStringLiteral("build_2");
+    for (SampleFile& file : game.Content.Files)
+        if (file.Path.contains("streamed 1") || file.Path.contains("first"))
+            file.Bytes += "of build 2";
+    game.Content.Add({"Data/new.MPQ", "new"}).Add({"Data/new streamed.MPQ", "s", 0, {}, true});
+    game.Publish();
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Result().Transfers, 4u);
+    QCOMPARE(game.Status().Build, QString("build_2"));
+}
+
+void HostSessionTest::AnUpdateOfNothingIsRefused()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    for (RequestType const kind :
+         {RequestType::Update, RequestType::Repair, RequestType::Play, RequestType::Uninstall})
+        QCOMPARE(game.Run(kind), QString("not-installed"));
+    QCOMPARE(game.Sentence(), QString("Mists of Pandaria is not installed"));
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+}
+
+void HostSessionTest::AnInstallationElsewhereWantsAConfirmation()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QString const former = game.Folder;
+    QVERIFY(game.Open());
+    Host::RunRequest request;
+    request.Kind = RequestType::Install;
+    request.Argument = game.Base + "Other/";
+    QCOMPARE(game.Run(request), QString("installed-elsewhere"));
+    QVERIFY2(game.Sentence().endsWith(former), qPrintable(game.Sentence()));
+    QVERIFY(!QFileInfo::exists(request.Argument));
+    request.Confirmed = true;
+    QCOMPARE(game.Run(request), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    game.Folder = request.Argument;
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Status().Folder, request.Argument);
+}
+
+void HostSessionTest::AnInstallationMayBeginAnewInItsFolder()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put("Data/streamed 1.MPQ", "damaged");
+    game.Put("readme.txt", "damaged");
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Result().Transfers, 2u);
+}
+
+void HostSessionTest::ABuildWithoutFilesIsNoGame()
+{
+    SessionGame game;
+    game.Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("build-empty"));
+    QVERIFY(!game.Status().IsInstalled);
+    QVERIFY(!QFileInfo::exists(game.Folder));
+}
+
+void HostSessionTest::AUserInTheGameFolderDoesNotMoveTheGame()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::remove(game.Path("readme.txt")));
+    ScopedCurrentFolder const current(game.Folder);
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Result().Folder, game.Folder);
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostSessionTest)
+#include "tst_HostSession.moc"
