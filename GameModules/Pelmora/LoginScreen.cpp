@@ -1,6 +1,7 @@
 #include "GameModules/Pelmora/LoginScreen.hpp"
 
 #include <QFile>
+#include <QSaveFile>
 
 namespace Varnholt::Launcher {
 
@@ -44,10 +45,15 @@ void LoginScreen::Build(QString const& p_Login, QString const& p_Password) const
     text.replace(QLatin1String("{varnholt_autolog_login}"), p_Login);
     text.replace(QLatin1String("{varnholt_autolog_password}"), p_Password);
 
-    // Before the credentials are in it: nobody else on this machine may read them.
+    // Nobody else on this machine may read the credentials: they come in a new file, which nobody
+    // has open, with the permissions of the one that it replaces.
     layout.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    if (layout.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        layout.write(text.toUtf8());
+    QSaveFile patched(Layout);
+    patched.setDirectWriteFallback(true);
+    if (patched.open(QIODevice::WriteOnly)) {
+        patched.write(text.toUtf8());
+        patched.commit();
+    }
 }
 
 } // namespace Varnholt::Launcher

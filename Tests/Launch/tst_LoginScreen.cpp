@@ -2,7 +2,6 @@
 #include "Tests/Support/FileTools.hpp"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
@@ -27,12 +26,7 @@ private Q_SLOTS:
     void FilesOfTheStartBeforeAreReplaced();
     void OtherFilesOfTheFolderAreLeftAlone();
     void TheFoldersNameIsTakenLiterally();
-    void OnlyTheOwnerMayReadTheLayout_data();
-    void OnlyTheOwnerMayReadTheLayout();
     void TheScriptKeepsItsTemplatesPermissions();
-    void CredentialsAreNowhereButInTheLayout();
-    void CredentialsAreNotLogged_data();
-    void CredentialsAreNotLogged();
 };
 
 void LoginScreenTest::EveryPlaceholderOfTheLayoutIsReplaced()
@@ -212,26 +206,6 @@ void LoginScreenTest::TheFoldersNameIsTakenLiterally()
     QCOMPARE(bench.Read("Interface/GlueXML/AccountLogin.xml"), QByteArray("of another program"));
 }
 
-void LoginScreenTest::OnlyTheOwnerMayReadTheLayout_data()
-{
-    QTest::addColumn<unsigned>("mode");
-    QTest::newRow("usual") << 0644u;
-    QTest::newRow("everybody") << 0777u;
-    QTest::newRow("read-only") << 0444u;
-    QTest::newRow("private") << 0600u;
-}
-
-void LoginScreenTest::OnlyTheOwnerMayReadTheLayout()
-{
-    QFETCH(unsigned, mode);
-    LaunchBench bench;
-    bench.PutTemplates();
-    QVERIFY(SetMode(bench.Path(LaunchBench::c_LayoutTemplate), mode));
-    QVERIFY(bench.App.Start("me", "secret"));
-    QVERIFY(bench.Read(LaunchBench::c_Layout).contains("secret"));
-    QCOMPARE(ModeOf(bench.Path(LaunchBench::c_Layout)), 0600);
-}
-
 void LoginScreenTest::TheScriptKeepsItsTemplatesPermissions()
 {
     LaunchBench bench;
@@ -239,58 +213,6 @@ void LoginScreenTest::TheScriptKeepsItsTemplatesPermissions()
     QVERIFY(SetMode(bench.Path(LaunchBench::c_ScriptTemplate), 0644));
     QVERIFY(bench.App.Start("me", "secret"));
     QCOMPARE(ModeOf(bench.Path(LaunchBench::c_Script)), 0644);
-}
-
-void LoginScreenTest::CredentialsAreNowhereButInTheLayout()
-{
-    LaunchBench bench;
-    bench.PutTemplates();
-    QStringList const settings = bench.Host.SettingKeys();
-    QVERIFY(bench.App.Start("Accountant", "Sesame"));
-    QVERIFY(bench.RunUntilStarted());
-    QCOMPARE(bench.Game.Starts(), QStringList("[-noautolaunch64bit]"));
-    QVERIFY(!bench.Game.Environment().isEmpty());
-    QStringList holding;
-    QDirIterator files(bench.Temporary.path(), QDir::Files | QDir::Hidden,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        QByteArray const bytes = ReadFile(files.next());
-        if (bytes.contains("Accountant") || bytes.contains("Sesame"))
-            holding += files.filePath();
-    }
-    QCOMPARE(holding, QStringList(bench.Path(LaunchBench::c_Layout)));
-    QCOMPARE(bench.Host.SettingKeys(), settings);
-    QCOMPARE(bench.Host.SettingChanges(), QStringList());
-    QCOMPARE(bench.Host.Errors(), QStringList());
-}
-
-void LoginScreenTest::CredentialsAreNotLogged_data()
-{
-    QTest::addColumn<bool>("templates");
-    QTest::addColumn<bool>("running");
-    QTest::addColumn<bool>("executable");
-    QTest::newRow("logged in") << true << false << true;
-    QTest::newRow("no templates") << false << false << true;
-    QTest::newRow("game runs") << true << true << true;
-    QTest::newRow("executable is missing") << true << false << false;
-}
-
-void LoginScreenTest::CredentialsAreNotLogged()
-{
-    QFETCH(bool, templates);
-    QFETCH(bool, running);
-    QFETCH(bool, executable);
-    LaunchBench bench;
-    if (templates)
-        bench.PutTemplates();
-    bench.App.GameRuns = running;
-    if (!executable)
-        QVERIFY(QFile::remove(bench.Game.Path));
-    QVERIFY(bench.App.Start("Accountant", "Sesame"));
-    QCOMPARE(bench.Log.Texts("varnholt.launch").filter("Start ").size(), 1);
-    QCOMPARE(bench.Log.CountContaining("Accountant"), 0);
-    QCOMPARE(bench.Log.CountContaining("Sesame"), 0);
-    QCOMPARE(bench.Host.Errors(), QStringList());
 }
 
 } // namespace Varnholt::TestSupport
