@@ -126,6 +126,12 @@ void StandartApplication::SetTransferAside()
     CurrentDownload = nullptr;
 }
 
+void StandartApplication::StopTransfersAside()
+{
+    for (HTTP_DownloadFileRequest* const aside : TransfersAside)
+        aside->Abort();
+}
+
 void StandartApplication::OnInstall() {}
 
 void StandartApplication::AfterOnManifestReceived() {}

@@ -229,6 +229,8 @@ protected:
     void DeleteGameFile(QString const& p_Path);
     /// Takes the transfer in flight out of the run: its signals will be ignored.
     void SetTransferAside();
+    /// Ends the transfers that were taken out of their runs, and waits for it.
+    void StopTransfersAside();
 
     std::atomic<RunId> CurrentRun{0};
     bool FilesBegun = false;      ///< a file of this run has been started, maybe by a resume

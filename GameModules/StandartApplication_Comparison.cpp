@@ -34,6 +34,8 @@ void StandartApplication::OnManifestReceived()
     SettleFolder();
     bool const installed = IsInstalled();
     if (installed) {
+        // One that an uninstallation has let go could wait for a silent server for ever.
+        StopTransfersAside();
         ShowComparison(Manifest.Files.size());
     } else {
         UISetting.State = 1;

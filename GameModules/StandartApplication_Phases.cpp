@@ -234,8 +234,7 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
         return;
     }
     // A transfer of a replaced run may still write the very file that is about to be fetched.
-    for (HTTP_DownloadFileRequest* const aside : TransfersAside)
-        aside->Abort();
+    StopTransfersAside();
     FilesBegun = true;
     ApplicationManifestFileEntry const& entry = FilesToDownload[CurrentDownloadIndex];
     // A question for another file's size may have changed the server since it was chosen.

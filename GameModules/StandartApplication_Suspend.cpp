@@ -15,6 +15,8 @@ bool StandartApplication::IsFilePending() const
 
 void StandartApplication::SuspendDownload()
 {
+    // The last thing that a host asks for: nothing may be left running behind it.
+    StopTransfersAside();
     if (!IsFilePending())
         return ShowIdle();
     // Between two files nothing can be stopped: hosts call again until a transfer is in flight.

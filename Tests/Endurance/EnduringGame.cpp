@@ -35,7 +35,9 @@ EnduringGame::EnduringGame(TestHost::Worker p_Worker)
 
 EnduringGame::~EnduringGame()
 {
+    // As a launcher ends, a failed test's too.
     Host.StopWorker();
+    App.SuspendDownload();
 }
 
 void EnduringGame::AddFiles()
@@ -168,6 +170,11 @@ QString EnduringGame::Describe() const
                  .arg(App.TransfersAside.size())
                  .arg(App.SyncQueue.size())
                  .arg(App.AsyncQueue.size());
+    for (auto const& row : App.ContentRequests)
+        lines += QStringLiteral("waits for %1, asked for %2 times, finished %3")
+                     .arg(row.second->Url)
+                     .arg(Server.Count(QUrl(row.second->Url).path()))
+                     .arg(row.first->isFinished());
     if (auto const* const transfer = App.CurrentDownload)
         lines += QStringLiteral("in flight: %1, %2 bytes, aborted %3, acknowledged %4")
                      .arg(transfer->Url)

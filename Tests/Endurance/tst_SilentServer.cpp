@@ -24,8 +24,12 @@ private Q_SLOTS:
     void AnUninstalledGameKeepsNoQueryOpen();
     void ARealmListThatNeverCameDoesNotHoldUpTheNextRun();
     void QueriesAndFetchesGoWithTheApplication();
+    void ATransferLetGoEndsWithTheNextInstallation();
+    void ATransferLetGoEndsWithASuspension();
 
 private:
+    /// A game that was uninstalled in the middle of a transfer which brings nothing more.
+    [[nodiscard]] static bool LetTransferGo(Game& p_Game);
     /// As many files as there are connections, their sizes never told.
     static void AddFilesOfUnknownSize(Game& p_Game);
 };
@@ -108,6 +112,42 @@ void SilentServerTest::QueriesAndFetchesGoWithTheApplication()
         QCOMPARE(held.use_count(), 4L);
     }
     QCOMPARE(held.use_count(), 1L);
+}
+
+bool SilentServerTest::LetTransferGo(Game& p_Game)
+{
+    constexpr int c_Arrived = 100;
+    p_Game.Add({"a", SampleContent::Bytes(500)});
+    p_Game.Server.Script(p_Game.Content.ServerPath("a"))
+        .Then(Answer::Normal())
+        .Then(Answer::SilentAfter(c_Arrived));
+    p_Game.Begin();
+    if (!p_Game.RunUntilPart("a", c_Arrived))
+        return false;
+    p_Game.App.Uninstall(false);
+    return p_Game.App.TransfersAside.size() == 1;
+}
+
+void SilentServerTest::ATransferLetGoEndsWithTheNextInstallation()
+{
+    Game game;
+    QVERIFY(LetTransferGo(game));
+    game.Put("a", SampleContent::Bytes(500)); // so that there is nothing to fetch
+    game.App.Install(game.Folder, false);
+    QVERIFY(game.Host.RunUntil([&] { return game.App.TransfersAside.empty(); }));
+    QVERIFY(game.Finish());
+    QCOMPARE(game.Requests("a"), 2);
+}
+
+void SilentServerTest::ATransferLetGoEndsWithASuspension()
+{
+    Game game;
+    QVERIFY(LetTransferGo(game));
+    auto const* const transfer = *game.App.TransfersAside.begin();
+    QVERIFY(!transfer->Aborted);
+    game.App.SuspendDownload();
+    QVERIFY(transfer->AbortAcknowledged);
+    QVERIFY(game.Host.RunUntil([&] { return game.App.TransfersAside.empty(); }));
 }
 
 } // namespace Varnholt::TestSupport
