@@ -20,10 +20,11 @@ void Handle(QtMsgType p_Type, QMessageLogContext const& p_Context, QString const
 } // namespace
 
 MessageLog::MessageLog(Console& p_Console, bool p_Verbose)
+    : Former(qInstallMessageHandler(nullptr))
 {
     g_Console = &p_Console;
     g_Verbose = p_Verbose;
-    Former = qInstallMessageHandler(Handle);
+    qInstallMessageHandler(Handle);
 }
 
 MessageLog::~MessageLog()

@@ -84,7 +84,7 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
 
 std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
 {
-    constexpr qint64 c_NearlyNothing = 64 * 1024;
+    constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
     qint64 const free = FreeBytes(Folder);
     if (free < 0)

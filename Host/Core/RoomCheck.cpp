@@ -43,7 +43,7 @@ std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entrie
 std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,
                                                    quint64 p_RemainingBytes) const
 {
-    constexpr qint64 c_NearlyNothing = 64 * 1024;
+    constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
     qint64 const free = FreeBytes(p_Folder);
     qint64 const remaining = static_cast<qint64>(p_RemainingBytes);

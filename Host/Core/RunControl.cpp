@@ -51,7 +51,7 @@ void RunControl::Begin(RunRequest const& p_Request)
     Pending.reset();
     Told.clear();
     Context.Journal.Clear();
-    if (auto const failure = Preconditions())
+    if (auto failure = Preconditions())
         return Fail(*failure);
     bool const needsBuild = Request.Kind != RunRequest::Type::Uninstall || Request.DeletesFiles;
     if (needsBuild)
@@ -80,7 +80,7 @@ std::optional<Failure> RunControl::Preconditions()
     // An absent drive must not lead to a second installation at its mount point.
     if (!QFileInfo(record.Folder()).isDir())
         return Failure{FailureKind::FolderMissing, record.Folder(), {}};
-    if (auto const failure = FolderCheck::ForWriting(record.Folder()))
+    if (auto failure = FolderCheck::ForWriting(record.Folder()))
         return failure;
     return LockFolder(record.Folder());
 }
@@ -132,7 +132,7 @@ void RunControl::OnConnected()
 
     CurrentStep = Step::Running;
     if (Request.Kind == RunRequest::Type::Install && !HasInstalled) {
-        if (auto const failure = BeginInstall())
+        if (auto failure = BeginInstall())
             Fail(*failure);
     } else if (WantsEveryFile || Context.Record.CompletedBuild() != module.RemoteBuild) {
         // The ordinary comparison trusts the pending lists for streamed files and for those of a
@@ -147,9 +147,9 @@ std::optional<Failure> RunControl::BeginInstall()
     if (!QDir().mkpath(folder))
         return Failure{FailureKind::FolderUnwritable, folder,
                        QStringLiteral("it cannot be created")};
-    if (auto const failure = FolderCheck::ForWriting(folder))
+    if (auto failure = FolderCheck::ForWriting(folder))
         return failure;
-    if (auto const failure = LockFolder(folder))
+    if (auto failure = LockFolder(folder))
         return failure;
     HasInstalled = true;
     WantsEveryFile = true;
