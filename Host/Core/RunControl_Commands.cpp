@@ -3,6 +3,7 @@
 #include "GameModules/Pelmora/LoginScreen.hpp"
 
 #include <QFileInfo>
+#include <QMutexLocker>
 
 #include <algorithm>
 
@@ -60,7 +61,10 @@ std::optional<Failure> RunControl::UninstallPreconditions()
         return std::nullopt;
     }
     if (Request.DeletesFiles) {
-        Context.Module.GetInstallationPath();
+        {
+            QMutexLocker const lock(&Context.Module.RunMutex);
+            Context.Module.InstallationPath = record.Folder();
+        }
         if (Context.Module.IsGameRunning())
             return Failure{FailureKind::GameRunning, record.Folder(), {}};
     }
@@ -114,17 +118,20 @@ void RunControl::Play()
     QFileInfo program(Folder() + executable->Path);
     if (!program.exists())
         return Fail({FailureKind::ExecutableMissing, program.filePath(), {}});
+    if (!program.isFile())
+        return Fail({FailureKind::ExecutableUnusable, program.filePath(), {}});
     if (Context.Record.IsUnfinished())
         NoticeOnce(QStringLiteral("The game is not complete; run \"update\" if it does not work."));
 
     Context.Gate.Hold();
     Context.Gate.Open(); // or the module would leave the permissions as they are
-    module.FixPermissions();
-    program.refresh();
-    if (!program.isFile() || !program.isExecutable())
-        return Fail({FailureKind::ExecutableUnusable, program.filePath(), {}});
     bool const wasRunning = module.IsGameRunning();
     module.Start(Request.Argument, Request.Password);
+    program.refresh();
+    if (!program.isExecutable()) {
+        module.Start({}, {}); // takes the account's files away
+        return Fail({FailureKind::ExecutableUnusable, program.filePath(), {}});
+    }
     Context.Gate.Close();
     JudgeLogin(wasRunning);
     Finish();
