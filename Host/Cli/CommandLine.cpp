@@ -91,8 +91,9 @@ Parser::Parser()
     Program.footer(
         "\"varnholt-host COMMAND --help\" explains a command.\n"
         "Ctrl-C stops a download, which the same command resumes; SIGUSR1 pauses and resumes it.\n"
-        "Exit status: 0 done, 1 other failure, 2 usage, 4 files given up, 5 network, 6 disk full,\n"
-        "7 permission or path, 8 game running or folder in use, 9 module cannot be loaded,\n"
+        "Exit status: 0 done, 1 other failure, 2 usage, 3 update available,\n"
+        "4 files wrong or given up, 5 network, 6 disk full, 7 permission or path, 8 game running "
+        "or folder in use, 9 module cannot be loaded,\n"
         "130 interrupted.\n");
     AddOptions();
     AddRunCommands();
@@ -150,9 +151,15 @@ void Parser::AddRunCommands()
         ->required()
         ->check(NotEmpty())
         ->type_name("DIR");
+    Add("check", "Show what an update would fetch, and why; changes nothing", "check",
+        run(RunRequest::Type::Check));
     Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
     Add("repair", "Compare every file with the build, and fetch what differs", "repair",
         run(RunRequest::Type::Repair));
+    Add("verify", "Compare every file with the build; changes nothing", "verify",
+        run(RunRequest::Type::Verify));
+    Add("mirrors", "Ask each mirror whether it is in order", "mirrors",
+        run(RunRequest::Type::AskMirrors));
 }
 
 void Parser::AddLocaleCommands()

@@ -110,6 +110,8 @@ void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
     View.Clear();
+    for (QString const& line : Reports::Findings(p_Result))
+        Output.Result(line);
     if (p_Result.Problem)
         return Fail(*p_Result.Problem);
     PrintResults(Reports::Success(Chosen.Request, p_Result, GameName));

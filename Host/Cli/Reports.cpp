@@ -1,5 +1,7 @@
 #include "Host/Cli/Reports.hpp"
 
+#include "Host/Core/ByteText.hpp"
+
 #include <QImageReader>
 
 #include <algorithm>
@@ -81,6 +83,27 @@ QStringList Status(InstallStatus const& p_Status)
     return Table(rows);
 }
 
+QStringList Findings(RunResult const& p_Result)
+{
+    constexpr int c_CauseWidth = 10;
+    constexpr int c_SizeWidth = 10;
+
+    QStringList lines;
+    for (FileFinding const& finding : p_Result.Findings) {
+        QString const size =
+            finding.Bytes < 0 ? QString() : ByteText(static_cast<quint64>(finding.Bytes));
+        lines += finding.CauseText().leftJustified(c_CauseWidth) + size.rightJustified(c_SizeWidth) +
+                 QStringLiteral("  ") + finding.Path;
+    }
+    for (MirrorReport const& report : p_Result.Mirrors) {
+        QString const state = report.IsInOrder()
+                                  ? QStringLiteral("in order, %1 ms").arg(report.Milliseconds)
+                                  : report.Cause;
+        lines += QStringLiteral("%1  %2").arg(report.Host, state);
+    }
+    return lines;
+}
+
 QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name)
 {
     switch (p_Request.Kind) {
@@ -88,6 +111,12 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
     case RunRequest::Type::Update:
     case RunRequest::Type::Repair:
         return {FetchSummary(p_Result, p_Name)};
+    case RunRequest::Type::Check:
+        return {QStringLiteral("%1, build %2, is up to date").arg(p_Name, p_Result.Build)};
+    case RunRequest::Type::Verify:
+        return {QStringLiteral("every file of %1, build %2, is right").arg(p_Name, p_Result.Build)};
+    case RunRequest::Type::AskMirrors:
+        return {};
     case RunRequest::Type::Uninstall:
         return {p_Request.DeletesFiles
                     ? QStringLiteral("%1 is uninstalled; files that are not of the game stayed")

@@ -12,6 +12,8 @@ namespace Varnholt::Host::Reports {
 
 QStringList Info(ModuleInfo const& p_Info);
 QStringList Status(InstallStatus const& p_Status);
+/// What an inspection has found, whether it has failed or not.
+QStringList Findings(RunResult const& p_Result);
 /// Of a run that has not failed.
 QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name);
 

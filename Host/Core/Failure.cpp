@@ -79,6 +79,12 @@ constexpr Row c_Table[] = {
      "change its permissions, or run \"repair\""},
     {FailureKind::FilesNotRemoved, 7, "files-not-removed",
      "the game is uninstalled, but files remain in {s}: {d}", "remove them by hand"},
+    {FailureKind::UpdateAvailable, 3, "update-available", "{s} of build {d} are to be fetched",
+     "run \"update\""},
+    {FailureKind::FilesWrong, 4, "files-wrong", "{s} are not as build {d} wants them",
+     "run \"repair\""},
+    {FailureKind::MirrorsWrong, c_NetworkStatus, "mirrors-wrong",
+     "{s} servers are not in order ({d})", "tell who runs them"},
     {FailureKind::Interrupted, 130, "interrupted", "interrupted",
      "give the same command again to go on; what has arrived is kept"},
 };

@@ -33,6 +33,9 @@ enum class FailureKind {
     ExecutableMissing,
     ExecutableUnusable,
     FilesNotRemoved,
+    UpdateAvailable,
+    FilesWrong,
+    MirrorsWrong,
     Interrupted,
 };
 

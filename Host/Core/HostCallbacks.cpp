@@ -34,13 +34,18 @@ void ErrorReporter(QString p_Message, bool)
 
 QVariant ReadSetting(QString p_Key, QVariant p_Default)
 {
-    return Ask(p_Default,
-               [&](HostEnvironment& p_Host) { return p_Host.Settings.Value(p_Key, p_Default); });
+    return Ask(p_Default, [&](HostEnvironment& p_Host) {
+        bool const hidden = p_Host.Gate.IsPreview() && p_Key.endsWith(QLatin1String(".Installed"));
+        return hidden ? p_Default : p_Host.Settings.Value(p_Key, p_Default);
+    });
 }
 
 void WriteSetting(QString p_Key, QVariant p_Value)
 {
-    Tell([&](HostEnvironment& p_Host) { p_Host.Settings.SetValue(p_Key, p_Value); });
+    Tell([&](HostEnvironment& p_Host) {
+        if (!p_Host.Gate.IsPreview())
+            p_Host.Settings.SetValue(p_Key, p_Value);
+    });
 }
 
 QStringList ListSettingKeys()
@@ -50,7 +55,10 @@ QStringList ListSettingKeys()
 
 void RemoveSetting(QString p_Key)
 {
-    Tell([&](HostEnvironment& p_Host) { p_Host.Settings.Remove(p_Key); });
+    Tell([&](HostEnvironment& p_Host) {
+        if (!p_Host.Gate.IsPreview())
+            p_Host.Settings.Remove(p_Key);
+    });
 }
 
 Launcher::LauncherLocale CurrentLauncherLocale()

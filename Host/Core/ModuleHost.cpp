@@ -171,6 +171,7 @@ void ModuleHost::Close()
     if (!TurnTimer.isActive())
         return FinishClose();
     CloseDeadline.setRemainingTime(c_MostMilliseconds);
+    Control->Interrupt();
     Loader.Application()->SuspendDownload();
     // A fetch that is cut off leaves its record behind.
     std::vector<QNetworkReply*> replies;

@@ -35,6 +35,12 @@ RunControl::RunControl(RunContext const& p_Context)
     Clock.start();
 }
 
+RunControl::~RunControl()
+{
+    if (Examiner)
+        Examiner->Stop();
+}
+
 void RunControl::Begin(RunRequest const& p_Request)
 {
     if (CurrentStep != Step::Idle)
@@ -46,6 +52,7 @@ void RunControl::Begin(RunRequest const& p_Request)
     HasInstalled = false;
     WantsEveryFile = p_Request.Kind == RunRequest::Type::Repair || Context.Record.IsUnfinished();
     Paused = false;
+    Context.Gate.SetPreview(IsInspection(Request) || Request.Kind == RunRequest::Type::ListLocales);
     Attempts = Passes = 0;
     LastMissing = std::numeric_limits<std::size_t>::max();
     Pending.reset();
@@ -65,6 +72,8 @@ std::optional<Failure> RunControl::Preconditions()
     InstallRecord const& record = Context.Record;
     if (IsAboutLocales(Request))
         return std::nullopt;
+    if (IsInspection(Request))
+        return InspectionPreconditions();
     if (Request.Kind == RunRequest::Type::Play)
         return PlayPreconditions();
     if (Request.Kind == RunRequest::Type::Uninstall)
@@ -120,6 +129,8 @@ void RunControl::OnConnected()
         return AnswerLocales();
     if (Request.Kind == RunRequest::Type::Uninstall)
         return BeginUninstall();
+    if (Request.Kind == RunRequest::Type::AskMirrors)
+        return Settle([this] { AskMirrors(); });
     if (module.Manifest.Files.empty() && module.Manifest.StreamedFiles.empty())
         return Fail({FailureKind::BuildEmpty, module.RemoteBuild, {}});
     QString const locale = module.GetAppLocale();
@@ -129,6 +140,8 @@ void RunControl::OnConnected()
                        .arg(locale));
     if (Request.Kind == RunRequest::Type::Play)
         return Settle([this] { Play(); });
+    if (IsInspection(Request))
+        return Settle([this] { BeginInspection(); });
 
     CurrentStep = Step::Running;
     if (Request.Kind == RunRequest::Type::Install && !HasInstalled) {
@@ -189,6 +202,8 @@ void RunControl::AfterPump()
     } else if (CurrentStep == Step::Settling && Context.Watch.Observe()) {
         Context.Watch.Reset();
         std::exchange(AfterSettling, nullptr)();
+    } else if (CurrentStep == Step::Inspecting && !Survey && !Mirrors && Examiner->IsFinished()) {
+        OnInspected();
     } else if (CurrentStep == Step::Running && !IsSuspended() && Context.Watch.Observe()) {
         OnQuiet();
     }
@@ -284,6 +299,12 @@ void RunControl::End()
     Context.Gate.Release();
     Paused = false;
     AfterSettling = nullptr;
+    if (Examiner)
+        Examiner->Stop();
+    Examiner.reset();
+    Survey.reset();
+    Mirrors.reset();
+    Context.Gate.SetPreview(false);
     Lock.reset();
     CurrentStep = Step::Idle;
     RunSnapshot last;
@@ -297,6 +318,8 @@ RunPhase RunControl::CurrentPhase() const
 {
     if (CurrentStep == Step::Idle)
         return RunPhase::Idle;
+    if (CurrentStep == Step::Inspecting)
+        return InspectionSnapshot().Phase;
     if (CurrentStep != Step::Running)
         return RunPhase::Connecting;
     RunPhase const phase = Reader.Phase();
@@ -315,7 +338,8 @@ void RunControl::ShowProgress()
         return;
     LastShown = now;
     Context.Module.UISettingChanged = false;
-    RunSnapshot const snapshot = Reader.Read(phase, now);
+    RunSnapshot const snapshot =
+        CurrentStep == Step::Inspecting ? InspectionSnapshot() : Reader.Read(phase, now);
     if (snapshot == LastSnapshot)
         return;
     LastSnapshot = snapshot;

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "Host/Core/Inspection.hpp"
+#include "Host/Core/MirrorCheck.hpp"
 #include "Host/Core/ProgressReader.hpp"
 #include "Host/Core/RoomCheck.hpp"
 #include "Host/Core/RunContext.hpp"
 #include "Host/Core/RunRequest.hpp"
 #include "Host/Core/RunResult.hpp"
 #include "Host/Core/RunSnapshot.hpp"
+#include "Host/Core/SizeSurvey.hpp"
 #include "Host/Core/StallWatch.hpp"
 
 #include <QElapsedTimer>
@@ -29,6 +32,7 @@ class RunControl : public QObject {
 
 public:
     explicit RunControl(RunContext const& p_Context);
+    ~RunControl() override;
 
     /// Nothing happens while another request is under way.
     void Begin(RunRequest const& p_Request);
@@ -52,7 +56,7 @@ Q_SIGNALS:
     void Ended(RunResult p_Result);
 
 private:
-    enum class Step { Idle, StartingUp, Settling, Running, BackingOff };
+    enum class Step { Idle, StartingUp, Settling, Running, Inspecting, BackingOff };
 
     std::optional<Failure> Preconditions();
     std::optional<Failure> LockFolder(QString const& p_Folder);
@@ -84,6 +88,16 @@ private:
     void Play();
     void JudgeLogin(bool p_WasRunning);
 
+    // _Inspection
+    static bool IsInspection(RunRequest const& p_Request);
+    std::optional<Failure> InspectionPreconditions() const;
+    void BeginInspection();
+    void OnInspected();
+    void OnSized();
+    void AskMirrors();
+    void OnMirrorsAsked();
+    RunSnapshot InspectionSnapshot() const;
+
     // _Faults
     void OnStartUpFailed();
     void Retry(Failure const& p_Failure);
@@ -105,6 +119,9 @@ private:
     RunResult Result;
     Step CurrentStep = Step::Idle;
     std::function<void()> AfterSettling;
+    std::shared_ptr<Inspection> Examiner; ///< shared with the worker
+    std::unique_ptr<SizeSurvey> Survey;
+    std::unique_ptr<MirrorCheck> Mirrors;
     bool PumpHeld = false;
     bool Paused = false;
     bool WantsEveryFile = false; ///< the pending lists are not to be trusted

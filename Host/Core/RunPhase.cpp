@@ -9,6 +9,8 @@ QString PhaseText(RunPhase p_Phase)
         return QStringLiteral("idle");
     case RunPhase::Connecting:
         return QStringLiteral("connecting");
+    case RunPhase::AskingMirrors:
+        return QStringLiteral("asking the mirrors");
     case RunPhase::Comparing:
         return QStringLiteral("comparing files");
     case RunPhase::WaitingForHost:

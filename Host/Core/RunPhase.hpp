@@ -8,6 +8,7 @@ namespace Varnholt::Host {
 enum class RunPhase {
     Idle,
     Connecting,
+    AskingMirrors,
     Comparing,
     WaitingForHost,
     WaitingForGame,

@@ -11,6 +11,9 @@ struct RunRequest {
         Install,
         Update,
         Repair,      ///< compare every file, whatever the pending lists say
+        Check,       ///< find out what an update would fetch; changes nothing
+        Verify,      ///< compare every file; changes nothing
+        AskMirrors,  ///< find out which servers of content are in order; changes nothing
         Uninstall,   ///< forget the installation, with or without its files
         Play,        ///< start the game, logged in when account and password are given
         ListLocales, ///< ask the build for its languages; fetches no file

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Host/Core/Failure.hpp"
+#include "Host/Core/FileFinding.hpp"
+#include "Host/Core/MirrorReport.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QMetaType>
@@ -19,6 +21,8 @@ struct RunResult {
     quint32 Transfers = 0; ///< files fetched, repeated ones counted again
     QString Locale;        ///< the chosen language
     std::vector<Launcher::ApplicationManifestLocale> Locales; ///< what the build offers
+    std::vector<FileFinding> Findings; ///< files that are not as the build wants them
+    std::vector<MirrorReport> Mirrors; ///< the default server first
 };
 
 } // namespace Varnholt::Host

@@ -1,0 +1,64 @@
+#include "Host/Core/SizeSurvey.hpp"
+
+#include <QFileInfo>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, Servers p_Servers, QString p_Folder)
+    : Files(std::move(p_Findings))
+    , From(std::move(p_Servers))
+    , Folder(std::move(p_Folder))
+{
+}
+
+void SizeSurvey::Begin()
+{
+    constexpr int c_Parallel = 6;
+
+    if (Files.empty()) {
+        QMetaObject::invokeMethod(this, &SizeSurvey::Finished, Qt::QueuedConnection);
+        return;
+    }
+    for (int i = 0; i < c_Parallel; ++i)
+        AskNext();
+}
+
+void SizeSurvey::AskNext()
+{
+    constexpr int c_TimeoutMilliseconds = 30'000;
+
+    if (Next >= Files.size())
+        return;
+    std::size_t const index = Next++;
+    FileFinding const& file = Files[index];
+    QNetworkRequest request(
+        QUrl((file.IsDefaultServerOnly ? From.Default : From.Mirror) + file.Location));
+    request.setTransferTimeout(c_TimeoutMilliseconds);
+    QNetworkReply* const reply = Manager.head(request);
+    connect(reply, &QNetworkReply::finished, this, [this, index, reply] {
+        OnAnswer(index, *reply);
+        reply->deleteLater();
+    });
+}
+
+void SizeSurvey::OnAnswer(std::size_t p_Index, QNetworkReply& p_Reply)
+{
+    FileFinding& file = Files[p_Index];
+    bool known = false;
+    qint64 const size = p_Reply.header(QNetworkRequest::ContentLengthHeader).toLongLong(&known);
+    if (p_Reply.error() == QNetworkReply::NoError && known) {
+        qint64 const there = QFileInfo(Folder + file.Path + QLatin1String(".part")).size();
+        file.Bytes = std::max<qint64>(0, size - there);
+    }
+    if (++Answers == Files.size())
+        Q_EMIT Finished();
+    else
+        AskNext();
+}
+
+} // namespace Varnholt::Host
