@@ -16,13 +16,20 @@ struct Choice {
         Info,
         Status,
         CurrentLocale,
+        Config, ///< `ConfigKey` and `ConfigValue`, null when not given
+        Pause,
+        Resume,
         Run, ///< `Request` says which
     };
 
     Command Chosen = Command::Status;
     RunRequest Request;
     HostOptions Options;
-    Color Colors = Color::Auto;
+    QString ConfigKey;
+    QString ConfigValue;
+    QString LogFile;   ///< absolute; empty: none
+    QString ColorName; ///< empty when not given
+    bool Json = false;
     bool Quiet = false;
     bool Verbose = false;
 };

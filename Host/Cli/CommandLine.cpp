@@ -1,16 +1,17 @@
 #include "Host/Cli/CommandLine.hpp"
 
+#include "Host/Cli/CommandParser.hpp"
+#include "Host/Cli/ConfigCommand.hpp"
 #include "Host/Cli/Console.hpp"
+#include "Host/Cli/JsonPresenter.hpp"
 #include "Host/Cli/MessageLog.hpp"
 #include "Host/Cli/Program.hpp"
+#include "Host/Cli/TextPresenter.hpp"
+#include "Host/Core/ControlSocket.hpp"
 
-#include <CLI/CLI.hpp>
 #include <QDir>
-#include <QUrl>
 
-#include <functional>
-#include <string>
-#include <vector>
+#include <memory>
 
 namespace Varnholt::Host {
 
@@ -18,213 +19,90 @@ namespace {
 
 constexpr int c_UsageStatus = 2;
 
-QString Text(std::string const& p_Text)
+Color ColorsNamed(QString const& p_Name)
 {
-    return QString::fromUtf8(p_Text.c_str(), static_cast<int>(p_Text.size()));
-}
-
-/// Refuses what an unset variable of a script leaves behind: it must not become the folder of this
-/// program, or the settings of the user.
-std::string WhyNotText(std::string const& p_Text)
-{
-    return p_Text.empty() ? "it is empty" : "";
-}
-
-std::string WhyNotServer(std::string const& p_Text)
-{
-    QUrl const url(Text(p_Text), QUrl::StrictMode);
-    bool const isHttp =
-        url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    bool const isPlain = !url.hasQuery() && !url.hasFragment();
-    return url.isValid() && isHttp && isPlain && !url.host().isEmpty()
-               ? ""
-               : "\"" + p_Text + "\" is no server address like http://HOST[:PORT]/";
-}
-
-CLI::Validator NotEmpty()
-{
-    return {WhyNotText, ""};
-}
-
-Color ColorsNamed(std::string const& p_Name)
-{
-    if (p_Name == "always")
+    if (p_Name == QLatin1String("always"))
         return Color::Always;
-    return p_Name == "never" ? Color::Never : Color::Auto;
+    return p_Name == QLatin1String("never") ? Color::Never : Color::Auto;
 }
 
-/// The session changes the current folder.
-QString Absolute(std::string const& p_Path)
+/// Fills in from the settings what neither the command line nor the environment gives.
+void Complete(Choice& p_Choice, HostSettings const& p_Settings)
 {
-    return p_Path.empty() ? QString()
-                          : QDir::cleanPath(QDir::current().absoluteFilePath(Text(p_Path)));
-}
-
-/// The commands and options, as CLI11 fills them in.
-class Parser {
-public:
-    Parser();
-
-    /// Throws what CLI11 throws.
-    Choice Parse(int p_Count, char const* const* p_Arguments);
-    int Exit(CLI::Success const& p_Help) { return Program.exit(p_Help); }
-
-private:
-    CLI::App* Add(std::string const& p_Name, std::string const& p_Help,
-                  std::string const& p_Example, std::function<void(Choice&)> p_Choose);
-    void AddOptions();
-    void AddRunCommands();
-    void AddLocaleCommands();
-    void AddGameCommands();
-
-    CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
-    std::vector<std::pair<CLI::App*, std::function<void(Choice&)>>> Commands;
-    std::string Module, Settings, ContentUrl, Folder, Code, Account, Colors;
-    bool DevChannel = false, Yes = false, Quiet = false, Verbose = false, DeletesFiles = false;
-};
-
-Parser::Parser()
-{
-    Program.set_version_flag("--version", VARNHOLT_VERSION);
-    Program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
-    Program.fallthrough();            // options may stand behind the command
-    Program.footer(
-        "\"varnholt-host COMMAND --help\" explains a command.\n"
-        "Ctrl-C stops a download, which the same command resumes; SIGUSR1 pauses and resumes it.\n"
-        "Exit status: 0 done, 1 other failure, 2 usage, 3 update available,\n"
-        "4 files wrong or given up, 5 network, 6 disk full, 7 permission or path, 8 game running "
-        "or folder in use, 9 module cannot be loaded,\n"
-        "130 interrupted.\n");
-    AddOptions();
-    AddRunCommands();
-    AddLocaleCommands();
-    AddGameCommands();
-}
-
-CLI::App* Parser::Add(std::string const& p_Name, std::string const& p_Help,
-                      std::string const& p_Example, std::function<void(Choice&)> p_Choose)
-{
-    CLI::App* const command = Program.add_subcommand(p_Name, p_Help);
-    command->footer("Example:\n  varnholt-host " + p_Example + "\n");
-    Commands.emplace_back(command, std::move(p_Choose));
-    return command;
-}
-
-void Parser::AddOptions()
-{
-    Program.add_option("--module", Module, "Module to load (default: the one beside this program)")
-        ->check(NotEmpty())
-        ->type_name("FILE");
-    Program.add_option("--settings", Settings, "Settings file of host and module")
-        ->check(NotEmpty())
-        ->type_name("FILE");
-    Program
-        .add_option("--content-url", ContentUrl,
-                    "Content server instead of the module's own, http://HOST[:PORT]/")
-        ->check(CLI::Validator(WhyNotServer, ""))
-        ->type_name("URL");
-    Program.add_flag("--dev-channel", DevChannel, "Use the build of the development channel");
-    Program.add_flag("-y,--yes", Yes, "Answer every question with yes");
-    Program.add_flag("-q,--quiet", Quiet, "Show results and failures only");
-    Program.add_flag("-v,--verbose", Verbose, "Show the module's log");
-    Program.add_option("--color", Colors, "Colours: auto, always or never")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->type_name("WHEN");
-}
-
-void Parser::AddRunCommands()
-{
-    auto const run = [](RunRequest::Type p_Kind) {
-        return [p_Kind](Choice& p_Choice) { p_Choice.Request.Kind = p_Kind; };
+    auto const absolute = [](QString const& p_Path) {
+        return p_Path.isEmpty() ? p_Path
+                                : QDir::cleanPath(QDir::current().absoluteFilePath(p_Path));
     };
-    Add("info", "Show what the module says about itself", "info",
-        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Info; });
-    Add("status", "Show what is installed, without asking a server", "status",
-        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Status; });
-    Add("install", "Install the game into a folder, or go on with an installation",
-        "install ~/Games/Game",
-        [this](Choice& p_Choice) {
-            p_Choice.Request.Kind = RunRequest::Type::Install;
-            p_Choice.Request.Argument = Absolute(Folder);
-        })
-        ->add_option("folder", Folder, "Folder of the game; created when it does not exist")
-        ->required()
-        ->check(NotEmpty())
-        ->type_name("DIR");
-    Add("check", "Show what an update would fetch, and why; changes nothing", "check",
-        run(RunRequest::Type::Check));
-    Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
-    Add("repair", "Compare every file with the build, and fetch what differs", "repair",
-        run(RunRequest::Type::Repair));
-    Add("verify", "Compare every file with the build; changes nothing", "verify",
-        run(RunRequest::Type::Verify));
-    Add("mirrors", "Ask each mirror whether it is in order", "mirrors",
-        run(RunRequest::Type::AskMirrors));
+    auto const fill = [&](QString& p_Option, char const* p_Key) {
+        if (p_Option.isEmpty())
+            p_Option = ConfigCommand::Value(p_Settings, QLatin1String(p_Key));
+    };
+    fill(p_Choice.Options.ModuleFile, "module");
+    fill(p_Choice.Options.ContentUrl, "content-url");
+    fill(p_Choice.LogFile, "log-file");
+    fill(p_Choice.ColorName, "color");
+    p_Choice.Options.ModuleFile = absolute(p_Choice.Options.ModuleFile);
+    p_Choice.LogFile = absolute(p_Choice.LogFile);
+    p_Choice.Options.UseDevChannel |=
+        ConfigCommand::Flag(p_Settings, QStringLiteral("dev-channel"));
 }
 
-void Parser::AddLocaleCommands()
+int RunConfig(Choice const& p_Choice, HostSettings& p_Settings, Console& p_Console,
+              Presenter& p_Presenter)
 {
-    Add("locales", "List the languages that the build offers", "locales",
-        [](Choice& p_Choice) { p_Choice.Request.Kind = RunRequest::Type::ListLocales; });
-    Add("locale", "Show the game's language, or choose it", "locale frFR",
-        [this](Choice& p_Choice) {
-            p_Choice.Chosen = Code.empty() ? Choice::Command::CurrentLocale : Choice::Command::Run;
-            p_Choice.Request.Kind = RunRequest::Type::ChooseLocale;
-            p_Choice.Request.Argument = Text(Code);
-        })
-        ->add_option("code", Code, "Language to choose, of those that \"locales\" lists")
-        ->check(NotEmpty())
-        ->type_name("CODE");
+    std::optional<Failure> failure;
+    if (p_Choice.ConfigKey.isEmpty())
+        for (QString const& line : ConfigCommand::List(p_Settings))
+            p_Console.Result(line);
+    else if (p_Choice.ConfigValue.isNull() && ConfigCommand::Keys().contains(p_Choice.ConfigKey))
+        p_Console.Result(ConfigCommand::Value(p_Settings, p_Choice.ConfigKey));
+    else
+        failure = ConfigCommand::Set(p_Settings, p_Choice.ConfigKey, p_Choice.ConfigValue);
+    if (!failure)
+        return EXIT_SUCCESS;
+    p_Presenter.ShowFailure(*failure);
+    return failure->ExitStatus();
 }
 
-void Parser::AddGameCommands()
+int SendWord(QString const& p_SettingsFile, ControlSocket::Word p_Word, Presenter& p_Presenter)
 {
-    CLI::App* const play =
-        Add("play", "Start the game", "play --account me@example.net", [this](Choice& p_Choice) {
-            p_Choice.Request.Kind = RunRequest::Type::Play;
-            p_Choice.Request.Argument = Text(Account);
-        });
-    play->add_option("--account", Account,
-                     "Account to log in; its password is asked for, or read from standard input "
-                     "when that is no terminal")
-        ->check(NotEmpty())
-        ->type_name("NAME");
-
-    CLI::App* const uninstall =
-        Add("uninstall", "Forget the installation", "uninstall", [this](Choice& p_Choice) {
-            p_Choice.Request.Kind = RunRequest::Type::Uninstall;
-            p_Choice.Request.DeletesFiles = DeletesFiles;
-        });
-    uninstall->add_flag("--delete-files", DeletesFiles,
-                        "Delete the game's files too; what is not of the game stays");
+    auto const failure = ControlSocket::Send(p_SettingsFile, p_Word);
+    if (!failure)
+        return EXIT_SUCCESS;
+    p_Presenter.ShowFailure(*failure);
+    return failure->ExitStatus();
 }
 
-Choice Parser::Parse(int p_Count, char const* const* p_Arguments)
+int Run(Choice p_Choice)
 {
-    Program.parse(p_Count, p_Arguments);
-    if (Program.get_subcommands().empty())
-        throw CLI::RequiredError("A command");
-    Choice choice;
-    choice.Chosen = Choice::Command::Run;
-    for (auto const& [command, choose] : Commands)
-        if (command->parsed())
-            choose(choice);
-    choice.Options.ModuleFile = Absolute(Module);
-    choice.Options.SettingsFile = Absolute(Settings);
-    choice.Options.ContentUrl = Text(ContentUrl);
-    choice.Options.UseDevChannel = DevChannel;
-    choice.Request.Confirmed = Yes;
-    choice.Colors = ColorsNamed(Colors);
-    choice.Quiet = Quiet;
-    choice.Verbose = Verbose;
-    return choice;
+    if (p_Choice.Options.SettingsFile.isEmpty())
+        p_Choice.Options.SettingsFile = HostOptions::DefaultSettingsFile();
+    HostSettings settings(p_Choice.Options.SettingsFile);
+    Complete(p_Choice, settings);
+
+    Console console(ColorsNamed(p_Choice.ColorName), p_Choice.Quiet);
+    MessageLog const log(console, p_Choice.Verbose, p_Choice.LogFile);
+    std::unique_ptr<Presenter> presenter = std::make_unique<TextPresenter>(console);
+    if (p_Choice.Json)
+        presenter = std::make_unique<JsonPresenter>(console);
+
+    switch (p_Choice.Chosen) {
+    case Choice::Command::Config:
+        return RunConfig(p_Choice, settings, console, *presenter);
+    case Choice::Command::Pause:
+        return SendWord(settings.File(), ControlSocket::Word::Pause, *presenter);
+    case Choice::Command::Resume:
+        return SendWord(settings.File(), ControlSocket::Word::Resume, *presenter);
+    default:
+        return Program(p_Choice, *presenter).Run();
+    }
 }
 
 } // namespace
 
 int RunCommandLine(int p_Count, char const* const* p_Arguments)
 {
-    Parser parser;
+    CommandParser parser;
     Choice choice;
     try {
         choice = parser.Parse(p_Count, p_Arguments);
@@ -236,9 +114,7 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
                    QStringLiteral("\"varnholt-host --help\" lists commands and options"));
         return c_UsageStatus;
     }
-    Console console(choice.Colors, choice.Quiet);
-    MessageLog const log(console, choice.Verbose);
-    return Program(choice, console).Run();
+    return Run(std::move(choice));
 }
 
 } // namespace Varnholt::Host

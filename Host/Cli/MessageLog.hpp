@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 
 namespace Varnholt::Host {
@@ -11,7 +12,8 @@ class Console;
 class MessageLog {
 public:
     /// \param p_Verbose show everything; otherwise only what ends the program
-    MessageLog(Console& p_Console, bool p_Verbose);
+    /// \param p_File everything is appended to it, with the time; empty: to none
+    MessageLog(Console& p_Console, bool p_Verbose, QString const& p_File);
     ~MessageLog();
     MessageLog(MessageLog const&) = delete;
     MessageLog& operator=(MessageLog const&) = delete;

@@ -1,8 +1,6 @@
 #include "Host/Cli/Program.hpp"
 
-#include "Host/Cli/Console.hpp"
 #include "Host/Cli/Prompt.hpp"
-#include "Host/Cli/Reports.hpp"
 
 #include <QCoreApplication>
 
@@ -10,15 +8,13 @@ namespace Varnholt::Host {
 
 namespace {
 
-constexpr int c_UsageStatus = 2;
 constexpr int c_InterruptedStatus = 130;
 
 } // namespace
 
-Program::Program(Choice p_Choice, Console& p_Console)
+Program::Program(Choice p_Choice, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
-    , Output(p_Console)
-    , View(p_Console)
+    , Output(p_Output)
 {
     connect(&Signals, &SignalWatch::EndRequested, this, &Program::OnEndRequested);
     connect(&Signals, &SignalWatch::ToggleRequested, this, &Program::OnToggleRequested);
@@ -31,13 +27,12 @@ int Program::Run()
     connect(Session.get(), &HostSession::OpenFailed, this, &Program::Fail);
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
     connect(Session.get(), &HostSession::Progressed, this,
-            [this](RunSnapshot const& p_Snapshot) { View.Show(p_Snapshot); });
+            [this](RunSnapshot const& p_Snapshot) { Output.ShowProgress(p_Snapshot); });
     connect(Session.get(), &HostSession::Noticed, this,
-            [this](QString const& p_Text) { Output.Note(p_Text); });
+            [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
     connect(Session.get(), &HostSession::Ended, this, &Program::OnEnded);
     Session->Open();
     int const status = QCoreApplication::exec();
-    View.Clear();
     Session.reset(); // stops what is under way, and waits for it
     return status;
 }
@@ -46,8 +41,10 @@ void Program::OnOpened(ModuleInfo const& p_Info)
 {
     GameName = p_Info.Name;
     RunRequest const& request = Chosen.Request;
-    if (Chosen.Chosen == Choice::Command::Info)
-        return PrintResults(Reports::Info(p_Info));
+    if (Chosen.Chosen == Choice::Command::Info) {
+        Output.ShowInfo(p_Info);
+        return Quit(EXIT_SUCCESS);
+    }
     bool const asks =
         (request.Kind == RunRequest::Type::Play && !request.Argument.isEmpty()) ||
         (request.Kind == RunRequest::Type::Uninstall && request.DeletesFiles && !request.Confirmed);
@@ -58,10 +55,13 @@ void Program::OnOpened(ModuleInfo const& p_Info)
 
 void Program::OnStatus(InstallStatus const& p_Status)
 {
-    if (Chosen.Chosen == Choice::Command::Status)
-        return PrintResults(Reports::Status(p_Status));
-    if (Chosen.Chosen == Choice::Command::CurrentLocale)
-        return PrintResults({p_Status.Locale});
+    if (Chosen.Chosen != Choice::Command::Run) {
+        if (Chosen.Chosen == Choice::Command::Status)
+            Output.ShowStatus(p_Status);
+        else
+            Output.ShowLocale(p_Status.Locale);
+        return Quit(EXIT_SUCCESS);
+    }
     // Nobody is asked about a game that is not there.
     if (p_Status.IsInstalled && !AskUser(p_Status))
         return;
@@ -79,22 +79,19 @@ bool Program::AskUser(InstallStatus const& p_Status)
             return false;
         }
         if (!password || password->isEmpty())
-            Output.Note(
+            Output.ShowNotice(
                 QStringLiteral("No password was given; the game does not log in by itself."));
         request.Password = password.value_or(QString());
         return true;
     }
     if (!Prompt::IsInteractive()) {
-        Output.Error(QStringLiteral("the files in %1 are deleted only when that is confirmed")
-                         .arg(p_Status.Folder),
-                     QStringLiteral("add --yes"));
-        Quit(c_UsageStatus);
+        Fail({FailureKind::ConfirmationMissing, p_Status.Folder, {}});
         return false;
     }
     request.Confirmed = Prompt::Confirm(
         QStringLiteral("Delete the files of %1 in %2?").arg(p_Status.Name, p_Status.Folder));
     if (!request.Confirmed) {
-        Output.Note(QStringLiteral("Nothing was deleted."));
+        Output.ShowNotice(QStringLiteral("Nothing was deleted."));
         Quit(SignalWatch::IsEndRequested() ? c_InterruptedStatus : EXIT_FAILURE);
     }
     return request.Confirmed;
@@ -103,49 +100,60 @@ bool Program::AskUser(InstallStatus const& p_Status)
 void Program::StartRun()
 {
     IsRunning = true;
+    RunRequest::Type const kind = Chosen.Request.Kind;
+    if (kind == RunRequest::Type::Install || kind == RunRequest::Type::Update ||
+        kind == RunRequest::Type::Repair)
+        Listen();
     Session->Start(Chosen.Request);
+}
+
+void Program::Listen()
+{
+    Control = std::make_unique<ControlSocket>(Chosen.Options.SettingsFile);
+    connect(Control.get(), &ControlSocket::Received, this, [this](ControlSocket::Word p_Word) {
+        SetPaused(p_Word == ControlSocket::Word::Pause);
+    });
+    if (!Control->Listen())
+        Control.reset(); // another run has it, and will tell about the folder that it holds
 }
 
 void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
-    View.Clear();
-    for (QString const& line : Reports::Findings(p_Result))
-        Output.Result(line);
+    Control.reset();
+    Output.ShowResult(Chosen.Request, p_Result, GameName);
     if (p_Result.Problem)
         return Fail(*p_Result.Problem);
-    PrintResults(Reports::Success(Chosen.Request, p_Result, GameName));
+    Quit(EXIT_SUCCESS);
 }
 
 void Program::OnEndRequested()
 {
     if (!IsRunning)
         return Quit(c_InterruptedStatus);
-    Output.Note(QStringLiteral("Stopping; press Ctrl-C again to stop at once."));
+    Output.ShowNotice(QStringLiteral("Stopping; press Ctrl-C again to stop at once."));
     Session->Interrupt();
 }
 
 void Program::OnToggleRequested()
 {
-    if (!IsRunning)
+    SetPaused(!IsPaused);
+}
+
+void Program::SetPaused(bool p_Paused)
+{
+    if (!IsRunning || p_Paused == IsPaused)
         return;
-    IsPaused = !IsPaused;
+    IsPaused = p_Paused;
     if (IsPaused)
         Session->Pause();
     else
         Session->Continue();
 }
 
-void Program::PrintResults(QStringList const& p_Lines)
-{
-    for (QString const& line : p_Lines)
-        Output.Result(line);
-    Quit(EXIT_SUCCESS);
-}
-
 void Program::Fail(Failure const& p_Failure)
 {
-    Output.Error(p_Failure.Sentence(), p_Failure.Remedy());
+    Output.ShowFailure(p_Failure);
     Quit(p_Failure.ExitStatus());
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "Host/Cli/Choice.hpp"
-#include "Host/Cli/ProgressView.hpp"
+#include "Host/Cli/Presenter.hpp"
 #include "Host/Cli/SignalWatch.hpp"
+#include "Host/Core/ControlSocket.hpp"
 #include "Host/Core/HostSession.hpp"
 
 #include <QObject>
@@ -11,14 +12,12 @@
 
 namespace Varnholt::Host {
 
-class Console;
-
 /// One command from the loading of the module to its result.
 class Program : public QObject {
     Q_OBJECT
 
 public:
-    Program(Choice p_Choice, Console& p_Console);
+    Program(Choice p_Choice, Presenter& p_Output);
 
     /// Runs the event loop. \return the exit status
     int Run();
@@ -32,15 +31,17 @@ private:
     /// Asks what must be asked; false when the program has come to its end with that.
     bool AskUser(InstallStatus const& p_Status);
     void StartRun();
-    void PrintResults(QStringList const& p_Lines);
+    /// Takes words from other programs while a download is under way.
+    void Listen();
+    void SetPaused(bool p_Paused);
     void Fail(Failure const& p_Failure);
     void Quit(int p_Status);
 
     Choice Chosen;
-    Console& Output;
-    ProgressView View;
+    Presenter& Output;
     SignalWatch Signals;
     std::unique_ptr<HostSession> Session;
+    std::unique_ptr<ControlSocket> Control;
     QString GameName;
     bool IsRunning = false;
     bool IsPaused = false;

@@ -92,8 +92,8 @@ QStringList Findings(RunResult const& p_Result)
     for (FileFinding const& finding : p_Result.Findings) {
         QString const size =
             finding.Bytes < 0 ? QString() : ByteText(static_cast<quint64>(finding.Bytes));
-        lines += finding.CauseText().leftJustified(c_CauseWidth) + size.rightJustified(c_SizeWidth) +
-                 QStringLiteral("  ") + finding.Path;
+        lines += finding.CauseText().leftJustified(c_CauseWidth) +
+                 size.rightJustified(c_SizeWidth) + QStringLiteral("  ") + finding.Path;
     }
     for (MirrorReport const& report : p_Result.Mirrors) {
         QString const state = report.IsInOrder()

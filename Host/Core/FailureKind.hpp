@@ -36,6 +36,10 @@ enum class FailureKind {
     UpdateAvailable,
     FilesWrong,
     MirrorsWrong,
+    NothingRunning,
+    OptionUnknown,
+    OptionInvalid,
+    ConfirmationMissing,
     Interrupted,
 };
 

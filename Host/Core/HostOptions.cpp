@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QStandardPaths>
 #include <QStorageInfo>
+#include <QUrl>
 
 namespace Varnholt::Host {
 
@@ -21,6 +22,15 @@ QString HostOptions::DefaultSettingsFile()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            QStringLiteral("/varnholt/host.ini");
+}
+
+bool HostOptions::IsContentUrl(QString const& p_Text)
+{
+    QUrl const url(p_Text, QUrl::StrictMode);
+    bool const isHttp =
+        url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    return url.isValid() && isHttp && !url.hasQuery() && !url.hasFragment() &&
+           !url.host().isEmpty();
 }
 
 qint64 HostOptions::VolumeFreeBytes(QString const& p_Path)

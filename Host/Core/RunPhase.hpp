@@ -21,6 +21,9 @@ enum class RunPhase {
     Failed,
 };
 
+/// The phase as a word for programs, the same in every version: "downloading-base".
+QString PhaseName(RunPhase p_Phase);
+
 /// The phase in words, "downloading base files".
 QString PhaseText(RunPhase p_Phase);
 

@@ -1,0 +1,219 @@
+#include "Host/Cli/CommandParser.hpp"
+
+#include "Host/Cli/ConfigCommand.hpp"
+
+#include <QDir>
+
+namespace Varnholt::Host {
+
+namespace {
+
+QString Text(std::string const& p_Text)
+{
+    return QString::fromUtf8(p_Text.c_str(), static_cast<int>(p_Text.size()));
+}
+
+/// Refuses what an unset variable of a script leaves behind: it must not become the folder of this
+/// program, or the settings of the user.
+std::string WhyNotText(std::string const& p_Text)
+{
+    return p_Text.empty() ? "it is empty" : "";
+}
+
+std::string WhyNotServer(std::string const& p_Text)
+{
+    return HostOptions::IsContentUrl(Text(p_Text))
+               ? ""
+               : "\"" + p_Text + "\" is no server address like http://HOST[:PORT]/";
+}
+
+CLI::Validator NotEmpty()
+{
+    return {WhyNotText, ""};
+}
+
+/// The session changes the current folder.
+QString Absolute(std::string const& p_Path)
+{
+    return p_Path.empty() ? QString()
+                          : QDir::cleanPath(QDir::current().absoluteFilePath(Text(p_Path)));
+}
+
+} // namespace
+
+CommandParser::CommandParser()
+{
+    Program.set_version_flag("--version", VARNHOLT_VERSION);
+    Program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
+    Program.fallthrough();            // options may stand behind the command
+    Program.footer(
+        "\"varnholt-host COMMAND --help\" explains a command.\n"
+        "Ctrl-C stops a download, which the same command resumes; SIGUSR1 pauses and resumes it.\n"
+        "Exit status: 0 done, 1 other failure, 2 usage, 3 update available,\n"
+        "4 files wrong or given up, 5 network, 6 disk full, 7 permission or path, 8 game running "
+        "or folder in use, 9 module cannot be loaded,\n"
+        "130 interrupted.\n");
+    AddOptions();
+    AddRunCommands();
+    AddLocaleCommands();
+    AddGameCommands();
+    AddControlCommands();
+}
+
+CLI::App* CommandParser::Add(std::string const& p_Name, std::string const& p_Help,
+                             std::string const& p_Example, std::function<void(Choice&)> p_Choose)
+{
+    CLI::App* const command = Program.add_subcommand(p_Name, p_Help);
+    command->footer("Example:\n  varnholt-host " + p_Example + "\n");
+    Commands.emplace_back(command, std::move(p_Choose));
+    return command;
+}
+
+void CommandParser::AddOptions()
+{
+    Program.add_option("--module", Module, "Module to load (default: the one beside this program)")
+        ->check(NotEmpty())
+        ->envname("VARNHOLT_MODULE")
+        ->type_name("FILE");
+    Program.add_option("--settings", Settings, "Settings file of host and module")
+        ->check(NotEmpty())
+        ->envname("VARNHOLT_SETTINGS")
+        ->type_name("FILE");
+    Program
+        .add_option("--content-url", ContentUrl,
+                    "Content server instead of the module's own, http://HOST[:PORT]/")
+        ->check(CLI::Validator(WhyNotServer, ""))
+        ->envname("VARNHOLT_CONTENT_URL")
+        ->type_name("URL");
+    Program.add_flag("--dev-channel", DevChannel, "Use the build of the development channel")
+        ->envname("VARNHOLT_DEV_CHANNEL");
+    Program.add_flag("-y,--yes", Yes, "Answer every question with yes")->envname("VARNHOLT_YES");
+    Program.add_flag("--json", Json, "Write one JSON object per line, for programs")
+        ->envname("VARNHOLT_JSON");
+    Program.add_flag("-q,--quiet", Quiet, "Show results and failures only")
+        ->envname("VARNHOLT_QUIET");
+    Program.add_flag("-v,--verbose", Verbose, "Show the module's log")->envname("VARNHOLT_VERBOSE");
+    Program.add_option("--log-file", LogFile, "Append the module's log to a file")
+        ->check(NotEmpty())
+        ->envname("VARNHOLT_LOG_FILE")
+        ->type_name("FILE");
+    Program.add_option("--color", Colors, "Colours: auto, always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->envname("VARNHOLT_COLOR")
+        ->type_name("WHEN");
+}
+
+void CommandParser::AddRunCommands()
+{
+    auto const run = [](RunRequest::Type p_Kind) {
+        return [p_Kind](Choice& p_Choice) { p_Choice.Request.Kind = p_Kind; };
+    };
+    Add("info", "Show what the module says about itself", "info",
+        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Info; });
+    Add("status", "Show what is installed, without asking a server", "status",
+        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Status; });
+    Add("install", "Install the game into a folder, or go on with an installation",
+        "install ~/Games/Game",
+        [this](Choice& p_Choice) {
+            p_Choice.Request.Kind = RunRequest::Type::Install;
+            p_Choice.Request.Argument = Absolute(Folder);
+        })
+        ->add_option("folder", Folder, "Folder of the game; created when it does not exist")
+        ->required()
+        ->check(NotEmpty())
+        ->type_name("DIR");
+    Add("check", "Show what an update would fetch, and why; changes nothing", "check",
+        run(RunRequest::Type::Check));
+    Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
+    Add("repair", "Compare every file with the build, and fetch what differs", "repair",
+        run(RunRequest::Type::Repair));
+    Add("verify", "Compare every file with the build; changes nothing", "verify",
+        run(RunRequest::Type::Verify));
+    Add("mirrors", "Ask each mirror whether it is in order", "mirrors",
+        run(RunRequest::Type::AskMirrors));
+}
+
+void CommandParser::AddLocaleCommands()
+{
+    Add("locales", "List the languages that the build offers", "locales",
+        [](Choice& p_Choice) { p_Choice.Request.Kind = RunRequest::Type::ListLocales; });
+    Add("locale", "Show the game's language, or choose it", "locale frFR",
+        [this](Choice& p_Choice) {
+            p_Choice.Chosen = Code.empty() ? Choice::Command::CurrentLocale : Choice::Command::Run;
+            p_Choice.Request.Kind = RunRequest::Type::ChooseLocale;
+            p_Choice.Request.Argument = Text(Code);
+        })
+        ->add_option("code", Code, "Language to choose, of those that \"locales\" lists")
+        ->check(NotEmpty())
+        ->type_name("CODE");
+}
+
+void CommandParser::AddGameCommands()
+{
+    CLI::App* const play =
+        Add("play", "Start the game", "play --account me@example.net", [this](Choice& p_Choice) {
+            p_Choice.Request.Kind = RunRequest::Type::Play;
+            p_Choice.Request.Argument = Text(Account);
+        });
+    play->add_option("--account", Account,
+                     "Account to log in; its password is asked for, or read from standard input "
+                     "when that is no terminal")
+        ->check(NotEmpty())
+        ->type_name("NAME");
+
+    CLI::App* const uninstall =
+        Add("uninstall", "Forget the installation", "uninstall", [this](Choice& p_Choice) {
+            p_Choice.Request.Kind = RunRequest::Type::Uninstall;
+            p_Choice.Request.DeletesFiles = DeletesFiles;
+        });
+    uninstall->add_flag("--delete-files", DeletesFiles,
+                        "Delete the game's files too; what is not of the game stays");
+}
+
+void CommandParser::AddControlCommands()
+{
+    Add("pause", "Pause the download of another varnholt-host", "pause",
+        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Pause; });
+    Add("resume", "Go on with a paused download", "resume",
+        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Resume; });
+    CLI::App* const config =
+        Add("config", "List, show or change what the settings file keeps of the options",
+            "config content-url http://content.example.net/", [this](Choice& p_Choice) {
+                p_Choice.Chosen = Choice::Command::Config;
+                p_Choice.ConfigKey = Text(ConfigKey);
+                if (ConfigValueOption->count() > 0)
+                    p_Choice.ConfigValue = QLatin1String("") + Text(ConfigValue);
+            });
+    config
+        ->add_option("key", ConfigKey,
+                     "One of: " + ConfigCommand::Keys().join(QStringLiteral(", ")).toStdString())
+        ->type_name("KEY");
+    ConfigValueOption =
+        config->add_option("value", ConfigValue, "The new value; an empty one removes it")
+            ->type_name("VALUE");
+}
+
+Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
+{
+    Program.parse(p_Count, p_Arguments);
+    if (Program.get_subcommands().empty())
+        throw CLI::RequiredError("A command");
+    Choice choice;
+    choice.Chosen = Choice::Command::Run;
+    for (auto const& [command, choose] : Commands)
+        if (command->parsed())
+            choose(choice);
+    choice.Options.ModuleFile = Absolute(Module);
+    choice.Options.SettingsFile = Absolute(Settings);
+    choice.Options.ContentUrl = Text(ContentUrl);
+    choice.Options.UseDevChannel = DevChannel;
+    choice.Request.Confirmed = Yes;
+    choice.ColorName = Text(Colors);
+    choice.LogFile = Absolute(LogFile);
+    choice.Json = Json;
+    choice.Quiet = Quiet;
+    choice.Verbose = Verbose;
+    return choice;
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Host/Cli/Choice.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Varnholt::Host {
+
+/// The commands and options of the program. Each option that is no question of one command can also
+/// stand in the environment, as VARNHOLT_ and its name.
+class CommandParser {
+public:
+    CommandParser();
+
+    /// Throws what CLI11 throws.
+    Choice Parse(int p_Count, char const* const* p_Arguments);
+    /// Prints help or version. \return the exit status
+    int Exit(CLI::Success const& p_Help) { return Program.exit(p_Help); }
+
+private:
+    CLI::App* Add(std::string const& p_Name, std::string const& p_Help,
+                  std::string const& p_Example, std::function<void(Choice&)> p_Choose);
+    void AddOptions();
+    void AddRunCommands();
+    void AddLocaleCommands();
+    void AddGameCommands();
+    void AddControlCommands();
+
+    CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
+    std::vector<std::pair<CLI::App*, std::function<void(Choice&)>>> Commands;
+    std::string Module, Settings, ContentUrl, Folder, Code, Account, Colors, LogFile;
+    std::string ConfigKey, ConfigValue;
+    CLI::Option* ConfigValueOption = nullptr;
+    bool DevChannel = false, Yes = false, Json = false, Quiet = false, Verbose = false;
+    bool DeletesFiles = false;
+};
+
+} // namespace Varnholt::Host

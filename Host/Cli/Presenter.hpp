@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Host/Core/Failure.hpp"
+#include "Host/Core/InstallStatus.hpp"
+#include "Host/Core/ModuleInfo.hpp"
+#include "Host/Core/RunRequest.hpp"
+#include "Host/Core/RunResult.hpp"
+#include "Host/Core/RunSnapshot.hpp"
+
+#include <QString>
+
+namespace Varnholt::Host {
+
+/// Tells what a command does and comes to, in one form or another.
+class Presenter {
+public:
+    virtual ~Presenter() = default;
+
+    virtual void ShowInfo(ModuleInfo const& p_Info) = 0;
+    virtual void ShowStatus(InstallStatus const& p_Status) = 0;
+    virtual void ShowLocale(QString const& p_Locale) = 0;
+    virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
+    /// Something that a user may want to know.
+    virtual void ShowNotice(QString const& p_Text) = 0;
+    /// The findings of a run, and that it has succeeded if it has; a failure follows otherwise.
+    virtual void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
+                            QString const& p_Game) = 0;
+    virtual void ShowFailure(Failure const& p_Failure) = 0;
+};
+
+} // namespace Varnholt::Host

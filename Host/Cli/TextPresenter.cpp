@@ -1,0 +1,60 @@
+#include "Host/Cli/TextPresenter.hpp"
+
+#include "Host/Cli/Console.hpp"
+#include "Host/Cli/Reports.hpp"
+
+namespace Varnholt::Host {
+
+TextPresenter::TextPresenter(Console& p_Console)
+    : Output(p_Console)
+    , View(p_Console)
+{
+}
+
+void TextPresenter::ShowInfo(ModuleInfo const& p_Info)
+{
+    Print(Reports::Info(p_Info));
+}
+
+void TextPresenter::ShowStatus(InstallStatus const& p_Status)
+{
+    Print(Reports::Status(p_Status));
+}
+
+void TextPresenter::ShowLocale(QString const& p_Locale)
+{
+    Print({p_Locale});
+}
+
+void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
+{
+    View.Show(p_Snapshot);
+}
+
+void TextPresenter::ShowNotice(QString const& p_Text)
+{
+    Output.Note(p_Text);
+}
+
+void TextPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
+                               QString const& p_Game)
+{
+    View.Clear();
+    Print(Reports::Findings(p_Result));
+    if (!p_Result.Problem)
+        Print(Reports::Success(p_Request, p_Result, p_Game));
+}
+
+void TextPresenter::ShowFailure(Failure const& p_Failure)
+{
+    View.Clear();
+    Output.Error(p_Failure.Sentence(), p_Failure.Remedy());
+}
+
+void TextPresenter::Print(QStringList const& p_Lines)
+{
+    for (QString const& line : p_Lines)
+        Output.Result(line);
+}
+
+} // namespace Varnholt::Host

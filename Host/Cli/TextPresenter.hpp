@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Host/Cli/Presenter.hpp"
+#include "Host/Cli/ProgressView.hpp"
+
+namespace Varnholt::Host {
+
+class Console;
+
+/// For people.
+class TextPresenter : public Presenter {
+public:
+    explicit TextPresenter(Console& p_Console);
+
+    void ShowInfo(ModuleInfo const& p_Info) override;
+    void ShowStatus(InstallStatus const& p_Status) override;
+    void ShowLocale(QString const& p_Locale) override;
+    void ShowProgress(RunSnapshot const& p_Snapshot) override;
+    void ShowNotice(QString const& p_Text) override;
+    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
+                    QString const& p_Game) override;
+    void ShowFailure(Failure const& p_Failure) override;
+
+private:
+    void Print(QStringList const& p_Lines);
+
+    Console& Output;
+    ProgressView View;
+};
+
+} // namespace Varnholt::Host

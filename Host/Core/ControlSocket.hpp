@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Host/Core/Failure.hpp"
+
+#include <QLocalServer>
+#include <QObject>
+#include <QString>
+
+#include <optional>
+
+namespace Varnholt::Host {
+
+/// Lets one program speak to another that is at work with the same settings file. A word per
+/// connection, answered by "ok"; only the same user's programs get through.
+class ControlSocket : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Word { Pause, Resume };
+
+    /// \param p_SettingsFile absolute
+    explicit ControlSocket(QString const& p_SettingsFile, QObject* p_Parent = nullptr);
+
+    /// \return false when another program listens already, or the system does not allow it
+    bool Listen();
+
+    /// Sends a word to the program that listens, and waits for the answer.
+    static std::optional<Failure> Send(QString const& p_SettingsFile, Word p_Word);
+
+Q_SIGNALS:
+    void Received(Varnholt::Host::ControlSocket::Word p_Word);
+
+private:
+    static QString Name(QString const& p_SettingsFile);
+    void OnConnection();
+    void Answer(QLocalSocket& p_Client);
+
+    QString Path;
+    QLocalServer Server;
+};
+
+} // namespace Varnholt::Host
