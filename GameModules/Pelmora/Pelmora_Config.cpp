@@ -32,7 +32,7 @@ void Pelmora::AfterOnManifestReceived()
 {
     // Silent, they would pile up and keep the few connections that a server is given from all else.
     if (RealmListRequest != nullptr)
-        RealmListRequest->Reply->abort();
+        AbortFetch(*RealmListRequest);
     if (!IsInstalled())
         return;
     SetAppLocale(GetAppLocale());

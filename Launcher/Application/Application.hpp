@@ -123,6 +123,8 @@ public:
 
     /// Ends the size queries that have no answer yet; they never call back. Application thread only.
     void DropSizeQueries();
+    /// Ends a fetch in flight: its callback is called now. Application thread only.
+    void AbortFetch(HTTP_GetRemotefileContentRequest const& p_Request);
 
     /// Downloads a file on a thread of its own. Application thread only.
     /// \param p_Path local destination; its folder is created
@@ -192,6 +194,9 @@ public:
     /// Called on the application thread for each download, after everything that it posted has been
     /// handled and before its record is given up.
     std::function<void(HTTP_DownloadFileRequest*)> OnDownloadRetired;
+
+private:
+    void RenewConnections();
 
 protected:
     /// What download threads hold on to instead of the application, which may go before them.

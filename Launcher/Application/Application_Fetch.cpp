@@ -4,6 +4,8 @@
 #include <QNetworkRequest>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace Varnholt::Launcher {
 
 namespace {
@@ -111,6 +113,25 @@ void Application::DropSizeQueries()
         reply->abort();
         reply->deleteLater();
     }
+    if (!unanswered.empty())
+        RenewConnections();
+}
+
+void Application::AbortFetch(HTTP_GetRemotefileContentRequest const& p_Request)
+{
+    p_Request.Reply->abort();
+    RenewConnections();
+}
+
+/// Qt 5 tries a request again when its connection was closed before any header. When it is aborted
+/// at that moment, the connection is lost for good and the next request may wait on it for ever.
+void Application::RenewConnections()
+{
+    bool const unanswered =
+        std::any_of(ContentSizeRequests.begin(), ContentSizeRequests.end(),
+                    [](auto const& p_Row) { return !p_Row.first->isFinished(); });
+    if (ContentRequests.empty() && !unanswered)
+        NetworkManager->clearConnectionCache();
 }
 
 } // namespace Varnholt::Launcher

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void AnUninstalledGameKeepsNoQueryOpen();
     void ARealmListThatNeverCameDoesNotHoldUpTheNextRun();
     void QueriesAndFetchesGoWithTheApplication();
+    void WhatFollowsDroppedQueriesTakesNewConnections_data();
+    void WhatFollowsDroppedQueriesTakesNewConnections();
     void ATransferLetGoEndsWithTheNextInstallation();
     void ATransferLetGoEndsWithASuspension();
 
@@ -112,6 +114,41 @@ void SilentServerTest::QueriesAndFetchesGoWithTheApplication()
         QCOMPARE(held.use_count(), 4L);
     }
     QCOMPARE(held.use_count(), 1L);
+}
+
+void SilentServerTest::WhatFollowsDroppedQueriesTakesNewConnections_data()
+{
+    QTest::addColumn<bool>("query");
+    QTest::newRow("size query") << true;
+    QTest::newRow("fetch") << false;
+}
+
+/// Qt may have lost the old ones, in a moment that no test can hit: between the end of a connection
+/// before any header and its own second try.
+void SilentServerTest::WhatFollowsDroppedQueriesTakesNewConnections()
+{
+    QFETCH(bool, query);
+    ScriptedServer server;
+    TestApplication app;
+    server.Script("/silent").Always(Answer::SilentBeforeHeaders());
+    int answers = 0;
+    auto const count = [&answers](QString const&, QByteArray*) { ++answers; };
+    app.GetRemoteFileContent(server.Url("/a"), count);
+    app.GetRemoteFileContent(server.Url("/b"), count);
+    QTRY_COMPARE(answers, 2);
+    Launcher::HTTP_GetRemotefileContentRequest* fetch = nullptr;
+    if (query)
+        app.GetRemoteFileSize(server.Url("/silent"), [](QString const&, unsigned long long) {});
+    else
+        fetch = app.GetRemoteFileContent(server.Url("/silent"), [](QString const&, QByteArray*) {});
+    QTRY_COMPARE(server.Count("/silent"), 1);
+    if (query)
+        app.DropSizeQueries();
+    else
+        app.AbortFetch(*fetch);
+    QTRY_COMPARE(server.OpenConnections(), 0);
+    app.GetRemoteFileContent(server.Url("/a"), count);
+    QTRY_COMPARE(answers, 3);
 }
 
 bool SilentServerTest::LetTransferGo(Game& p_Game)
