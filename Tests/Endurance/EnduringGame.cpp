@@ -153,6 +153,15 @@ ProcessUsage EnduringGame::SettledUsage(ProcessUsage const& p_Expected)
     return ProcessUsage::Now();
 }
 
+QString EnduringGame::Asked(QString const& p_Url) const
+{
+    QString const path = QUrl(p_Url).path();
+    return QStringLiteral("%1, asked for %2 and %3 times")
+        .arg(p_Url)
+        .arg(Server.Count(path))
+        .arg(Mirror.Count(path));
+}
+
 QString EnduringGame::Describe() const
 {
     QStringList lines;
@@ -171,10 +180,10 @@ QString EnduringGame::Describe() const
                  .arg(App.SyncQueue.size())
                  .arg(App.AsyncQueue.size());
     for (auto const& row : App.ContentRequests)
-        lines += QStringLiteral("waits for %1, asked for %2 times, finished %3")
-                     .arg(row.second->Url)
-                     .arg(Server.Count(QUrl(row.second->Url).path()))
-                     .arg(row.first->isFinished());
+        lines += QStringLiteral("waits for ") + Asked(row.second->Url);
+    for (auto const& row : App.ContentSizeRequests)
+        if (!row.first->isFinished())
+            lines += QStringLiteral("waits for the size of ") + Asked(row.second->Url);
     if (auto const* const transfer = App.CurrentDownload)
         lines += QStringLiteral("in flight: %1, %2 bytes, aborted %3, acknowledged %4")
                      .arg(transfer->Url)

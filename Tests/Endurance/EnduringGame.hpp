@@ -67,6 +67,7 @@ public:
     TestHost Host;
 
 private:
+    QString Asked(QString const& p_Url) const;
     void AddFiles();
     void InstallProcessList() const;
 

@@ -222,14 +222,25 @@ QString RandomCaller::Heal()
     // A resumed transfer may be one that has fallen silent for good.
     if (choice != 1 && !Game.Finish())
         return QStringLiteral("does not come to an end\n") + Describe();
-    Do(QStringLiteral("last repair"), [&] {
+    QString wrong = Repair();
+    // With its restarts used up, a file that was spoilt before is given up, and clean the next
+    // time.
+    if (!wrong.isEmpty() && Game.Log.CountContaining(QStringLiteral("(ToManyRetry)")) > 0)
+        wrong = Repair();
+    Game.Log.Clear();
+    return wrong;
+}
+
+QString RandomCaller::Repair()
+{
+    Game.Log.Clear();
+    Do(QStringLiteral("last repair"), [this] {
         Game.App.Repair();
         return QString();
     });
     if (!Game.Finish())
         return QStringLiteral("the repair does not come to an end\n") + Describe();
     QStringList const faults = Game.Faults();
-    Game.Log.Clear();
     return faults.isEmpty() ? QString() : faults.join(QLatin1Char('\n')) + '\n' + Describe();
 }
 

@@ -49,6 +49,7 @@ private:
     QString Start();
     QString Pump(int p_Most, std::function<bool()> const& p_Condition);
     QString WaitForEnd();
+    QString Repair();
     QString ChangeHost();
     void CalmHost();
 

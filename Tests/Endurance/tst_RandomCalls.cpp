@@ -44,7 +44,7 @@ private:
 void RandomCallsTest::initTestCase()
 {
     constexpr int c_Seed = 20240607;
-    constexpr int c_Calls = 3000;
+    constexpr int c_Calls = 2500;
     Seed = static_cast<quint32>(NumberFrom("VARNHOLT_TEST_SEED", c_Seed));
     Calls = NumberFrom("VARNHOLT_TEST_CALLS", c_Calls);
     std::printf("VARNHOLT_TEST_SEED=%u VARNHOLT_TEST_CALLS=%d\n", Seed, Calls);
