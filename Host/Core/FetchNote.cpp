@@ -61,6 +61,7 @@ QString FetchNote::Cause() const
     case QNetworkReply::ConnectionRefusedError:
         return QStringLiteral("connection refused");
     case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::OperationCanceledError: // by the module, which answers a closed one so
         return QStringLiteral("connection closed before the end");
     case QNetworkReply::HostNotFoundError:
         return QStringLiteral("host not found");

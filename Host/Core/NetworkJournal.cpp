@@ -31,6 +31,8 @@ void NetworkJournal::NoteDownloadError(QString const& p_Url, int p_Error)
     note.Url = p_Url;
     note.Error = p_Error;
     Add(note);
+    // Refusing a file is as bad as not being there: the next one comes from another mirror.
+    Dead.insert(QUrl(p_Url).authority());
 }
 
 void NetworkJournal::NoteTimeout(QString const& p_Url)

@@ -40,7 +40,7 @@ public:
     std::optional<FetchNote> FailureOfFile(QString const& p_Location) const;
     /// The size that a server gave for a file, by its location; 0 when unknown.
     quint64 SizeOf(QString const& p_Location) const;
-    /// Hosts, with port, that could not be reached.
+    /// Hosts, with port, that could not be reached or have refused a file.
     QSet<QString> const& DeadMirrors() const { return Dead; }
 
 private:

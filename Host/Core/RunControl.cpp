@@ -207,8 +207,10 @@ void RunControl::AfterPump()
     } else if (CurrentStep == Step::Running && !IsSuspended() && Context.Watch.Observe()) {
         OnQuiet();
     }
-    if (CurrentStep == Step::StartingUp || CurrentStep == Step::Running)
+    if (CurrentStep == Step::StartingUp || CurrentStep == Step::Running) {
         WatchForStall(CurrentPhase());
+        WatchForDrops(CurrentPhase());
+    }
     ShowProgress();
 }
 
@@ -241,7 +243,7 @@ void RunControl::OnQuiet()
     }
     if (mode == 2 && !stopped.empty()) {
         // One query without an answer and the size pass never ends.
-        auto const note = Context.Journal.LatestFailure();
+        auto const note = UnansweredSize();
         return Retry(note ? ExplainFetch(*note)
                           : Failure{FailureKind::ServerSilent, module.ContentBaseUrl, {}});
     }
@@ -274,6 +276,7 @@ void RunControl::Verify()
 
 void RunControl::Finish()
 {
+    NoticeRealmList();
     if (Request.Kind == RunRequest::Type::Install || Request.Kind == RunRequest::Type::Update ||
         Request.Kind == RunRequest::Type::Repair)
         Context.Record.MarkComplete(Context.Module.RemoteBuild);

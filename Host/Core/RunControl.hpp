@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/DropWatch.hpp"
 #include "Host/Core/Inspection.hpp"
 #include "Host/Core/MirrorCheck.hpp"
 #include "Host/Core/ProgressReader.hpp"
@@ -103,9 +104,13 @@ private:
     void Retry(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);
     void WatchForStall(RunPhase p_Phase);
+    void WatchForDrops(RunPhase p_Phase);
+    void GiveUpTransfer(Failure const& p_Failure);
     void StopSilentReplies();
     void CleanMirrors();
+    void NoticeRealmList();
     void NoticeOnce(QString const& p_Text);
+    std::optional<FetchNote> UnansweredSize() const;
     Failure ExplainFetch(FetchNote const& p_Note) const;
     std::size_t CountMissing() const;
 
@@ -113,6 +118,7 @@ private:
     ProgressReader Reader;
     RoomCheck Room;
     StallWatch Stall;
+    DropWatch Drops;
     QElapsedTimer Clock;
     std::unique_ptr<QLockFile> Lock;
     RunRequest Request;

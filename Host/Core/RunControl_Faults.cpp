@@ -83,6 +83,16 @@ void RunControl::Retry(Failure const& p_Failure)
     });
 }
 
+std::optional<FetchNote> RunControl::UnansweredSize() const
+{
+    QMutexLocker const lock(&Context.Module.RunMutex);
+    for (auto const& entry : Context.Module.FilesToDownload)
+        if (auto const note = Context.Journal.FailureOfFile(entry.Location);
+            note && (note->IsUnreachable() || note->TimedOut))
+            return note;
+    return std::nullopt;
+}
+
 std::size_t RunControl::CountMissing() const
 {
     return MissingFiles(Context.Module.Manifest, Folder(), Context.Module.GetAppLocale()).size();
@@ -143,8 +153,29 @@ void RunControl::WatchForStall(RunPhase p_Phase)
         return;
     QString const url = module.CurrentDownload->Url;
     Context.Journal.NoteTimeout(url);
-    Pending = Failure{FailureKind::ServerSilent, url, QStringLiteral("no answer in time")};
-    module.SuspendDownload();
+    GiveUpTransfer({FailureKind::ServerSilent, url, QStringLiteral("no answer in time")});
+}
+
+void RunControl::WatchForDrops(RunPhase p_Phase)
+{
+    Launcher::StandartApplication const& module = Context.Module;
+    if (!IsDownloading(p_Phase) || module.CurrentDownload == nullptr || Pending)
+        return;
+    quint64 const bytes = static_cast<quint64>(module.CurrentDownload->BytesOnDisk);
+    if (!Drops.Observe(Context.Ledger.Restarts(), {Context.Ledger.Count(), bytes}))
+        return;
+    QString const url = module.CurrentDownload->Url;
+    // A refused connection is in the journal; of a closed one nothing is reported.
+    if (!Context.Journal.LatestFailure() || Context.Journal.LatestFailure()->Url != url)
+        Context.Journal.NoteDownloadError(url, QNetworkReply::RemoteHostClosedError);
+    GiveUpTransfer(ExplainFetch(*Context.Journal.LatestFailure()));
+}
+
+/// Stops the transfer in flight; its end is judged by p_Failure.
+void RunControl::GiveUpTransfer(Failure const& p_Failure)
+{
+    Pending = p_Failure;
+    Context.Module.SuspendDownload();
 }
 
 void RunControl::StopSilentReplies()
@@ -163,9 +194,6 @@ void RunControl::StopSilentReplies()
 void RunControl::CleanMirrors()
 {
     Launcher::StandartApplication& module = Context.Module;
-    if (auto const note = Context.Journal.FailureOf(QStringLiteral("/realmlist.info")))
-        NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
-                       .arg(ExplainFetch(*note).Sentence()));
     QMutexLocker const lock(&module.RunMutex);
     if (module.CdnHosts.isEmpty())
         return;
@@ -179,6 +207,14 @@ void RunControl::CleanMirrors()
         NoticeOnce(QStringLiteral("The list of mirrors is damaged; the files come from the default "
                                   "server."));
     module.CdnHosts = MirrorFilter::Apply(module.CdnHosts, Context.Journal.DeadMirrors());
+}
+
+/// Called at the end only: a run that was begun again has asked for the list again.
+void RunControl::NoticeRealmList()
+{
+    if (auto const note = Context.Journal.FailureOf(QStringLiteral("/realmlist.info")))
+        NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
+                       .arg(ExplainFetch(*note).Sentence()));
 }
 
 void RunControl::NoticeOnce(QString const& p_Text)

@@ -10,6 +10,8 @@ TransferLedger::TransferLedger(Launcher::Application& p_Application)
     // download thread itself.
     connect(&p_Application, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
             SLOT(OnComplete(HTTP_DownloadFileRequest*)), Qt::DirectConnection);
+    connect(&p_Application, SIGNAL(OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)), this,
+            SLOT(OnRestarted()), Qt::DirectConnection);
     p_Application.OnDownloadRetired =
         [this, previous = p_Application.OnDownloadRetired](HTTP_DownloadFileRequest* p_Request) {
             if (previous)
@@ -30,11 +32,23 @@ quint32 TransferLedger::Count() const
     return Ended;
 }
 
+quint32 TransferLedger::Restarts() const
+{
+    QMutexLocker const lock(&Mutex);
+    return Restarted;
+}
+
 void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
 {
     QMutexLocker const lock(&Mutex);
     Ending.insert(p_Request);
     ++Ended;
+}
+
+void TransferLedger::OnRestarted()
+{
+    QMutexLocker const lock(&Mutex);
+    ++Restarted;
 }
 
 void TransferLedger::OnRetired(HTTP_DownloadFileRequest* p_Request)

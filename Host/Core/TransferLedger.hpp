@@ -23,10 +23,13 @@ public:
     bool IsEmpty() const;
     /// Transfers that have ended since the start.
     quint32 Count() const;
+    /// How often, since the start, a transfer was begun anew by itself.
+    quint32 Restarts() const;
 
 private Q_SLOTS:
     /// Called on the download thread.
     void OnComplete(HTTP_DownloadFileRequest* p_Request);
+    void OnRestarted();
 
 private:
     void OnRetired(HTTP_DownloadFileRequest* p_Request);
@@ -34,6 +37,7 @@ private:
     mutable QMutex Mutex;
     std::set<HTTP_DownloadFileRequest*> Ending;
     quint32 Ended = 0;
+    quint32 Restarted = 0;
 };
 
 } // namespace Varnholt::Host
