@@ -87,8 +87,8 @@ QString SessionGame::Run(Host::RunRequest const& p_Request)
 QString SessionGame::End()
 {
     if (!WaitUntil([this] { return !Results.empty(); }))
-        qFatal("the run does not end; it is %s",
-               Snapshots.empty() ? "silent" : qPrintable(PhaseText(Snapshots.back().Phase)));
+        return QStringLiteral("still ") +
+               (Snapshots.empty() ? QStringLiteral("silent") : PhaseText(Snapshots.back().Phase));
     return Result().Problem ? Result().Problem->Identifier() : QStringLiteral("done");
 }
 

@@ -32,7 +32,7 @@ public:
     /// Starts, waits for the end and tells how it ended: "done", or the identifier of the failure.
     QString Run(RequestType p_Kind, QString const& p_Argument = {});
     QString Run(Host::RunRequest const& p_Request);
-    /// Waits for the end of what was started; tells how it ended.
+    /// Waits for the end of what was started; tells how it ended, or "still" and the phase.
     QString End();
     /// Installs into the folder. \return how it ended
     QString Install() { return Run(RequestType::Install, Folder); }

@@ -1,4 +1,5 @@
 #include "Host/Core/ByteText.hpp"
+#include "Host/Core/DropWatch.hpp"
 #include "Host/Core/RateMeter.hpp"
 #include "Host/Core/RunPhase.hpp"
 #include "Host/Core/StallWatch.hpp"
@@ -27,6 +28,9 @@ private Q_SLOTS:
     void FiguresThatStandStillAreAStallOnceThenTheClockStartsAnew();
     void AnyOneOfTheFiguresKeepsItAlive();
     void AResetGivesTheWholeTimeAgain();
+
+    void ThreeRestartsWithoutAByteAreTooMany();
+    void ARestartThatBringsBytesBeginsTheCountAnew();
 
     void EveryPhaseHasItsOwnWords();
     void OnlyTheDownloadPhasesCountBytes();
@@ -142,6 +146,29 @@ void HostFiguresTest::AResetGivesTheWholeTimeAgain()
     watch.Reset();
     QVERIFY(!watch.Observe(1500, {1}));
     QVERIFY(watch.Observe(2500, {1}));
+}
+
+void HostFiguresTest::ThreeRestartsWithoutAByteAreTooMany()
+{
+    DropWatch watch;
+    QVERIFY(!watch.Observe(10, {1, 500}));
+    QVERIFY(!watch.Observe(12, {1, 500}));
+    QVERIFY(watch.Observe(13, {1, 500}));
+    QVERIFY(!watch.Observe(13, {1, 500}));
+    QVERIFY(!watch.Observe(15, {1, 500}));
+    QVERIFY(watch.Observe(16, {1, 500}));
+}
+
+void HostFiguresTest::ARestartThatBringsBytesBeginsTheCountAnew()
+{
+    DropWatch watch;
+    QVERIFY(!watch.Observe(0, {1, 500}));
+    QVERIFY(!watch.Observe(2, {1, 500}));
+    QVERIFY(!watch.Observe(3, {1, 501}));
+    QVERIFY(!watch.Observe(5, {1, 501}));
+    QVERIFY(!watch.Observe(6, {2, 501})); // another transfer
+    QVERIFY(!watch.Observe(8, {2, 501}));
+    QVERIFY(watch.Observe(9, {2, 501}));
 }
 
 void HostFiguresTest::EveryPhaseHasItsOwnWords()

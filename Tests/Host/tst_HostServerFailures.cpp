@@ -1,0 +1,205 @@
+#include "Tests/Host/SessionGame.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+QByteArray const c_Page = "<html> <body>Some page of a hotel's network</body> </html>\n";
+
+Answer Bytes(QByteArray const& p_Bytes)
+{
+    return Answer().Body(p_Bytes);
+}
+
+} // namespace
+
+/// What a host makes of servers that do not give its files.
+class HostServerFailuresTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void AFileThatCannotBeHadIsNamedAndTheRestArrives_data();
+    void AFileThatCannotBeHadIsNamedAndTheRestArrives();
+    void AFileWhoseServerClosesEachTimeIsGivenUp();
+    void ASizeThatCannotBeHadIsNamedAndAskedForAgain();
+    void ASizeThatComesLateIsWaitedFor();
+    void AStalledTransferGoesOnWhereItStopped();
+    void ADeadMirrorAmongLivingOnesIsAvoided();
+    void AMirrorThatRefusesAmongLivingOnesIsAvoided();
+    void AServerThatGoesAwayIsToldAndNothingIsLost();
+};
+
+void HostServerFailuresTest::AFileThatCannotBeHadIsNamedAndTheRestArrives_data()
+{
+    QTest::addColumn<Answer>("size");
+    QTest::addColumn<Answer>("content");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("404") << Answer::Status(404, c_Page) << Answer::Status(404, c_Page)
+                         << "HTTP status 404 for http://";
+    QTest::newRow("404 after its size")
+        << Answer::Normal() << Answer::Status(404, c_Page) << "HTTP status 404 for http://";
+    QTest::newRow("403") << Answer::Normal() << Answer::Status(403, "")
+                         << "HTTP status 403 for http://";
+    QTest::newRow("a page") << Bytes(c_Page) << Bytes(c_Page) << "not what the build announces";
+    QTest::newRow("wrong bytes") << Answer::Normal() << Bytes(QByteArray(60000, 'x'))
+                                 << "not what the build announces";
+    QTest::newRow("nothing") << Answer::Normal() << Bytes("") << "not what the build announces";
+}
+
+void HostServerFailuresTest::AFileThatCannotBeHadIsNamedAndTheRestArrives()
+{
+    QFETCH(Answer, size);
+    QFETCH(Answer, content);
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const file = QStringLiteral("Data/base.MPQ");
+    QString const path = game.Content.ServerPath(file);
+    game.Server.Script(path).Then(size).Always(content);
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("files-given-up"));
+    QCOMPARE(game.Result().Problem->ExitStatus(), 4);
+    QVERIFY2(game.Sentence().contains(file), qPrintable(game.Sentence()));
+    QFETCH(QString, cause);
+    QVERIFY2(game.Sentence().contains(cause), qPrintable(game.Sentence()));
+    QCOMPARE(game.Wrong(), QStringList(file));
+    QVERIFY(game.IsMarkedUnfinished());
+
+    game.Server.ClearScript(path);
+    game.ForgetRequests();
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Requested(), QStringList({file, file})); // its size, and itself
+    QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostServerFailuresTest::AFileWhoseServerClosesEachTimeIsGivenUp()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Put("ToDownload.db", "");
+    game.Put("readme.txt", "read me");
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::Truncated(20000));
+    game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("server-unreachable"));
+    QCOMPARE(game.Result().Problem->ExitStatus(), 5);
+    QCOMPARE(game.Sentence(),
+             game.Server.Url(path) + " cannot be fetched (connection closed before the end)");
+    QCOMPARE(game.Read("readme.txt"), QByteArray("read me"));
+    QCOMPARE(game.Read("Data/base.MPQ.part"), game.Content.Files[0].Bytes.left(20000));
+    game.Server.ClearScript(path);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=20000-"));
+}
+
+void HostServerFailuresTest::ASizeThatCannotBeHadIsNamedAndAskedForAgain()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const path = game.Content.ServerPath("readme.txt");
+    game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("server-unreachable"));
+    QVERIFY2(game.Sentence().contains(game.Server.Url(path)), qPrintable(game.Sentence()));
+    QVERIFY2(game.Notices.size() == 5, qPrintable(game.Notices.join("\n")));
+    QVERIFY2(game.Notices[4].endsWith("; trying again (5 of 5)."), qPrintable(game.Notices[4]));
+
+    game.Server.ClearScript(path);
+    game.Server.Script(path).Then(Answer::ClosedBeforeHeaders(), 4);
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostServerFailuresTest::ASizeThatComesLateIsWaitedFor()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Options.StallMilliseconds = 1000;
+    QString const path = game.Content.ServerPath("readme.txt");
+    game.Server.Script(path).Then(Answer::SilentBeforeHeaders());
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QVERIFY2(
+        game.Notices.value(0).contains("readme.txt (no answer in time); trying again (1 of 5)"),
+        qPrintable(game.Notices.value(0)));
+}
+
+void HostServerFailuresTest::AStalledTransferGoesOnWhereItStopped()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Options.StallMilliseconds = 1000;
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(25000));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=25000-"));
+    QVERIFY2(game.Notices.value(0).contains(game.Server.Url(path) + " (no answer in time)"),
+             qPrintable(game.Notices.value(0)));
+}
+
+void HostServerFailuresTest::ADeadMirrorAmongLivingOnesIsAvoided()
+{
+    SessionGame game;
+    game.AddFiles();
+    for (int i = 0; i < 20; ++i)
+        game.Content.Add({QString("Data/more %1").arg(i), QByteArray(100 + i, 'x')});
+    ScriptedServer dead;
+    ScriptedServer alive;
+    game.Content.Publish(game.Server, {&dead, &alive});
+    dead.Stop();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostServerFailuresTest::AMirrorThatRefusesAmongLivingOnesIsAvoided()
+{
+    SessionGame game;
+    game.AddFiles();
+    for (int i = 0; i < 100; ++i)
+        game.Content.Add({QString("Data/more %1").arg(i), QByteArray(100 + i, 'x')});
+    ScriptedServer refusing;
+    ScriptedServer alive;
+    game.Content.Publish(game.Server, {&refusing, &alive});
+    refusing.Script("*").Always(Answer::Status(403, c_Page));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostServerFailuresTest::AServerThatGoesAwayIsToldAndNothingIsLost()
+{
+    SessionGame game;
+    game.AddFiles();
+    ScriptedServer mirror;
+    game.Content.Publish(game.Server, {&mirror});
+    QString const first = game.Content.ServerPath("Data/first build.MPQ");
+    mirror.Script(first).Then(Answer::Normal()).Then(Answer::SilentAfter(10000));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
+    mirror.Stop();
+    QCOMPARE(game.End(), QString("server-unreachable"));
+    QCOMPARE(game.Result().Problem->ExitStatus(), 5);
+    QVERIFY2(game.Sentence().contains(mirror.Host()), qPrintable(game.Sentence()));
+    QVERIFY(game.Has("Data/base.MPQ"));
+
+    ScriptedServer another;
+    game.Content.Publish(game.Server, {&another});
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(another.Requests(first).back().Header("Range"), QByteArray("bytes=10000-"));
+    QCOMPARE(another.Count(game.Content.ServerPath("Data/base.MPQ")), 0);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostServerFailuresTest)
+#include "tst_HostServerFailures.moc"
