@@ -2,7 +2,6 @@
 
 #include "Host/Core/FileDiagnosis.hpp"
 #include "Host/Core/FolderCheck.hpp"
-#include "Host/Core/MissingFiles.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -15,8 +14,6 @@
 namespace Varnholt::Host {
 
 namespace {
-
-constexpr int c_MostPasses = 5;
 
 bool IsAboutLocales(RunRequest const& p_Request)
 {
@@ -251,27 +248,6 @@ void RunControl::OnQuiet()
         return Fail(
             FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(stopped));
     Verify();
-}
-
-void RunControl::Verify()
-{
-    Launcher::StandartApplication& module = Context.Module;
-    auto const missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
-    if (missing.empty())
-        return Finish();
-
-    // The module has one budget of repetitions for all files: one bad file takes it from the rest.
-    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing ||
-                         Context.Journal.DeadMirrors().size() > LastDead;
-    bool const isSettled =
-        WantsEveryFile && missing.size() == 1 && Context.Journal.DeadMirrors().size() <= LastDead;
-    if (mayHelp && !isSettled && ++Passes < c_MostPasses) {
-        LastMissing = WantsEveryFile ? missing.size() : LastMissing;
-        LastDead = Context.Journal.DeadMirrors().size();
-        module.DownloadRetryCount = 0;
-        return BeginRepair();
-    }
-    Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(missing));
 }
 
 void RunControl::Finish()

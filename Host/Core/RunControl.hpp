@@ -68,7 +68,6 @@ private:
     /// Calls p_Next once the module has fallen silent.
     void Settle(std::function<void()> p_Next);
     void OnQuiet();
-    void Verify();
     void Finish();
     void Fail(Failure const& p_Failure);
     void End();
@@ -100,6 +99,7 @@ private:
     RunSnapshot InspectionSnapshot() const;
 
     // _Faults
+    void Verify();
     void OnStartUpFailed();
     void Retry(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);
