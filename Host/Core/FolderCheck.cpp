@@ -41,6 +41,8 @@ bool HoldsForeignFiles(QString const& p_Folder)
 QString Normalized(QString const& p_Folder)
 {
     QString folder = QDir::cleanPath(QDir::current().absoluteFilePath(p_Folder));
+    while (folder == QLatin1String("/..") || folder.startsWith(QLatin1String("/../")))
+        folder.remove(0, 3); // above the root is the root
     if (!folder.endsWith(QLatin1Char('/')))
         folder += QLatin1Char('/');
     return folder;
