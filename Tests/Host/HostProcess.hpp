@@ -18,6 +18,14 @@ struct Outcome {
     QString Err;
 };
 
+/// One line on standard error: the program's name, what failed, what to do about it.
+inline bool IsOneSentence(QString const& p_Err)
+{
+    return p_Err.startsWith(QLatin1String("varnholt-host: ")) &&
+           p_Err.endsWith(QLatin1String(".\n")) && p_Err.count(QLatin1Char('\n')) == 1 &&
+           p_Err.contains(QLatin1String("; "));
+}
+
 /// The built varnholt-host at work on a game, with its settings and its server.
 ///
 /// \code

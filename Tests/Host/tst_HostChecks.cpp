@@ -213,6 +213,8 @@ void HostChecksTest::FoldersAreMadeAbsoluteAndEndInASlash()
     QCOMPARE(FolderCheck::Normalized("./a/../game//"), here + "/game/");
     QCOMPARE(FolderCheck::Normalized("/x/y/"), QString("/x/y/"));
     QCOMPARE(FolderCheck::Normalized("/"), QString("/"));
+    QCOMPARE(FolderCheck::Normalized("/a/../../.."), QString("/"));
+    QCOMPARE(FolderCheck::Normalized("/../..a/x"), QString("/..a/x/"));
 }
 
 void HostChecksTest::ANewFolderIsAllowedAndNotCreatedYet()

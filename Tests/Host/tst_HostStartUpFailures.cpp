@@ -14,13 +14,6 @@ Answer Bytes(QByteArray const& p_Bytes)
     return Answer().Body(p_Bytes);
 }
 
-/// One line: the program's name, what failed, what to do.
-bool IsOneSentence(QString const& p_Err)
-{
-    return p_Err.startsWith("varnholt-host: ") && p_Err.endsWith(".\n") && p_Err.count('\n') == 1 &&
-           p_Err.contains("; ");
-}
-
 } // namespace
 
 /// What a host tells of a server whose few small files are not in order.

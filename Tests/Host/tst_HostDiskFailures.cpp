@@ -1,0 +1,267 @@
+#include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
+
+#include <QDir>
+#include <QtTest>
+
+#include <atomic>
+#ifdef Q_OS_LINUX
+#include <sys/mount.h>
+#endif
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+/// A volume of its own, as long as it lives.
+class SmallVolume {
+public:
+    SmallVolume(QString const& p_Folder, char const* p_Size)
+        : Folder(p_Folder.toUtf8())
+    {
+        QDir().mkpath(p_Folder);
+#ifdef Q_OS_LINUX
+        Mounted = ::mount("tmpfs", Folder.constData(), "tmpfs", 0,
+                          (QByteArray("size=") + p_Size).constData()) == 0;
+#else
+        Q_UNUSED(p_Size);
+#endif
+    }
+    ~SmallVolume()
+    {
+#ifdef Q_OS_LINUX
+        if (Mounted)
+            ::umount2(Folder.constData(), MNT_DETACH);
+#endif
+    }
+    SmallVolume(SmallVolume const&) = delete;
+    SmallVolume& operator=(SmallVolume const&) = delete;
+
+    bool IsMounted() const
+    {
+        return Mounted;
+    }
+
+private:
+    QByteArray Folder;
+    bool Mounted = false;
+};
+
+} // namespace
+
+/// Full disks, and what stands in the way of a file.
+class HostDiskFailuresTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void AGameThatDoesNotFitIsRefusedBeforeItsFirstByte();
+    void WhatIsThereAlreadyMakesItFit();
+    void StreamedFilesThatDoNotFitLeaveTheBaseFiles();
+    void ADiskThatFillsUpStopsTheTransferAndKeepsIt();
+    void ARealVolumeThatIsTooSmallIsRefused();
+    void ARealVolumeThatFillsUpLosesNothing();
+    void WhatStandsInAFilesPlaceIsNamedAndTheRestArrives_data();
+    void WhatStandsInAFilesPlaceIsNamedAndTheRestArrives();
+    void APartialFileThatCannotBeWrittenIsNamed();
+    void AFolderBelowThatCannotBeWrittenIsNamed();
+};
+
+void HostDiskFailuresTest::AGameThatDoesNotFitIsRefusedBeforeItsFirstByte()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    std::atomic<qint64> free{60000 + 30000 + 2000 + 6};
+    game.Options.FreeBytes = [&](QString const&) { return free.load(); };
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("disk-full"));
+    QCOMPARE(game.Sentence(), "the volume of " + game.Folder +
+                                  " is too full (89.8 KiB are free, 89.9 KiB more are needed)");
+    QCOMPARE(game.Result().Problem->ExitStatus(), 6);
+    QCOMPARE(game.Requests("Data/base.MPQ"), 1); // its size
+    QVERIFY(!game.Has("Data/base.MPQ.part"));
+    ++free;
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostDiskFailuresTest::WhatIsThereAlreadyMakesItFit()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Put("ToDownload.db", "");
+    game.Put("Data/base.MPQ.part", game.Content.Files[0].Bytes.left(50000));
+    game.Put("Data/first build.MPQ", QByteArray(30000, 'x'));
+    game.Options.FreeBytes = [](QString const&) { return 2000 + 7 + 10000 + 17000; };
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostDiskFailuresTest::StreamedFilesThatDoNotFitLeaveTheBaseFiles()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Options.FreeBytes = [&](QString const&) {
+        return game.Has("readme.txt") ? qint64(16999) : qint64(1'000'000);
+    };
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("disk-full"));
+    QCOMPARE(game.Wrong(), QStringList({"Data/streamed 1.MPQ", "Data/streamed 2.MPQ"}));
+    QVERIFY(game.IsMarkedUnfinished());
+}
+
+void HostDiskFailuresTest::ADiskThatFillsUpStopsTheTransferAndKeepsIt()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    std::atomic<qint64> free{1'000'000};
+    game.Options.FreeBytes = [&](QString const&) { return free.load(); };
+    QString const path = game.Content.ServerPath("Data/first build.MPQ");
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(10000));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
+    free = 100;
+    QCOMPARE(game.End(), QString("disk-full"));
+    QCOMPARE(game.Read("Data/first build.MPQ.part"), game.Content.Files[1].Bytes.left(10000));
+    QCOMPARE(game.Read("Data/base.MPQ"), game.Content.Files[0].Bytes);
+    free = 1'000'000;
+    game.ForgetRequests();
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=10000-"));
+    QVERIFY(!game.Requested().contains("Data/base.MPQ"));
+}
+
+void HostDiskFailuresTest::ARealVolumeThatIsTooSmallIsRefused()
+{
+    SessionGame game;
+    SmallVolume const volume(game.Folder, "64k");
+    if (!volume.IsMounted())
+        QSKIP("this user may not mount a small volume");
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("disk-full"));
+    QVERIFY(!game.Has("Data/base.MPQ.part"));
+}
+
+void HostDiskFailuresTest::ARealVolumeThatFillsUpLosesNothing()
+{
+    SessionGame game;
+    SmallVolume const volume(game.Folder, "400k");
+    if (!volume.IsMounted())
+        QSKIP("this user may not mount a small volume");
+    game.AddFiles().Publish();
+    // Nothing is known of the room beforehand: the write itself fails.
+    game.Options.FreeBytes = [&](QString const& p_Path) {
+        qint64 const free = Host::HostOptions::VolumeFreeBytes(p_Path);
+        return game.Has("other") && free > 0 ? qint64(-1) : free;
+    };
+    QString const path = game.Content.ServerPath("Data/first build.MPQ");
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(10000));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
+    QFile other(game.Path("other"));
+    QVERIFY(other.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    while (other.write(QByteArray(4096, 'x')) == 4096)
+        continue;
+    game.Server.OpenGate(path);
+    QCOMPARE(game.End(), QString("disk-full"));
+    QCOMPARE(game.Read("Data/base.MPQ"), game.Content.Files[0].Bytes);
+    QByteArray const part = game.Read("Data/first build.MPQ.part");
+    QVERIFY(part.size() >= 10000);
+    QCOMPARE(part, game.Content.Files[1].Bytes.left(part.size()));
+    other.close();
+    QVERIFY(other.remove());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostDiskFailuresTest::WhatStandsInAFilesPlaceIsNamedAndTheRestArrives_data()
+{
+    QTest::addColumn<QString>("file");    ///< that is put
+    QTest::addColumn<QString>("blocked"); ///< of the build
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("a folder") << "Data/streamed 1.MPQ/x"
+                              << "Data/streamed 1.MPQ"
+                              << "folder-blocks-file"
+                              << "a folder stands where the file %1Data/streamed 1.MPQ belongs";
+    QTest::newRow("a folder at the partial file")
+        << "Data/streamed 1.MPQ.part/x"
+        << "Data/streamed 1.MPQ"
+        << "file-unwritable"
+        << "the file %1Data/streamed 1.MPQ cannot be written (a folder stands at "
+           "%1Data/streamed 1.MPQ.part)";
+    QTest::newRow("a file at a folder of it")
+        << "Data/enUS"
+        << "Data/enUS/locale.MPQ"
+        << "file-unwritable"
+        << "the file %1Data/enUS/locale.MPQ cannot be written (%1Data/enUS is no folder)";
+}
+
+void HostDiskFailuresTest::WhatStandsInAFilesPlaceIsNamedAndTheRestArrives()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, blocked);
+    QFETCH(QString, sentence);
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QDir(game.Path("Data/enUS")).removeRecursively());
+    QVERIFY(QFile::remove(game.Path("readme.txt")));
+    QVERIFY(QFile::remove(game.Path("Data/streamed 1.MPQ")));
+    game.Put(file, "of the user");
+    QVERIFY(game.Open());
+    QTEST(game.Run(RequestType::Update), "kind");
+    QCOMPARE(game.Sentence(), sentence.replace("%1", game.Folder));
+    QCOMPARE(game.Result().Problem->ExitStatus(), 7);
+    QCOMPARE(game.Read(file), QByteArray("of the user"));
+
+    QFile::remove(game.Path(file));
+    QDir().rmdir(QFileInfo(game.Path(file)).path());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostDiskFailuresTest::APartialFileThatCannotBeWrittenIsNamed()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    OrdinaryUser const user;
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::remove(game.Path("readme.txt")));
+    QString const part = game.Path("readme.txt.part");
+    game.Put("readme.txt.part", "re");
+    QVERIFY(SetMode(part, 0444));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("file-unwritable"));
+    QVERIFY2(game.Sentence().contains(part), qPrintable(game.Sentence()));
+    QVERIFY(SetMode(part, 0644));
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostDiskFailuresTest::AFolderBelowThatCannotBeWrittenIsNamed()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    OrdinaryUser const user;
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::remove(game.Path("Data/enUS/locale.MPQ")));
+    QVERIFY(SetMode(game.Path("Data/enUS"), 0555));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("folder-unwritable"));
+    QVERIFY2(game.Sentence().contains(game.Path("Data/enUS")), qPrintable(game.Sentence()));
+    QVERIFY(SetMode(game.Path("Data/enUS"), 0755));
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostDiskFailuresTest)
+#include "tst_HostDiskFailures.moc"

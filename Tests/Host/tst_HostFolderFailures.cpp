@@ -1,0 +1,274 @@
+#include "Tests/Host/HostProcess.hpp"
+#include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/ScopedVariable.hpp"
+
+#include <QDir>
+#include <QLibraryInfo>
+#include <QLockFile>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+/// What a host tells of folders, settings and modules that it cannot use, before it asks a server.
+class HostFolderFailuresTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void AnUnusableFolderIsNamed_data();
+    void AnUnusableFolderIsNamed();
+    void OtherFilesInAFolderStayWhenTheUserConfirms();
+    void AFolderThatCannotBeWrittenIsNamed();
+    void AGameFolderThatCannotBeWrittenIsNotUpdated();
+    void AnAbsentGameFolderIsNotCreatedAgain();
+    void AFolderThatAnotherHostWorksInIsLeftAlone();
+    void ALockWhoseOwnerHasDiedIsTakenOver();
+    void TheLockGoesWithTheRun();
+    void SettingsThatCannotBeWrittenAreNamed_data();
+    void SettingsThatCannotBeWrittenAreNamed();
+    void AModuleThatIsNoneIsNamed_data();
+    void AModuleThatIsNoneIsNamed();
+};
+
+void HostFolderFailuresTest::AnUnusableFolderIsNamed_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("a file") << "a file"
+                            << "%1a file is a file, not a folder";
+    QTest::newRow("below a file") << "a file/x/y"
+                                  << "%1a file is a file, not a folder";
+    QTest::newRow("the root") << "/"
+                              << "/ is no folder for a game (it is the root)";
+    QTest::newRow("the root in disguise") << "home/../../../../../../.."
+                                          << "/ is no folder for a game (it is the root)";
+    QTest::newRow("the home folder") << "home"
+                                     << "%1home is no folder for a game (it is your home folder)";
+    QTest::newRow("a link to it") << "link"
+                                  << "%1link is no folder for a game (it is your home folder)";
+    QTest::newRow("other files") << "photos"
+                                 << "the folder %1photos holds other files";
+    QTest::newRow("no folder at all")
+        << "/proc/game"
+        << "the folder /proc cannot be written (No such file or directory)";
+}
+
+void HostFolderFailuresTest::AnUnusableFolderIsNamed()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, sentence);
+    HostGame game;
+    game.AddFiles().Publish();
+    QVERIFY(WriteFile(game.Base + "a file", "x"));
+    QVERIFY(WriteFile(game.Base + "photos/1.jpg", "x"));
+    QVERIFY(QDir().mkpath(game.Base + "home"));
+    QVERIFY(QFile::link(game.Base + "home", game.Base + "link"));
+    Outcome const outcome = HostProcess(game, {"-q", "install", folder}).Finish();
+    QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
+    QVERIFY2(outcome.Err.contains(sentence.replace("%1", game.Base) + "; "),
+             qPrintable(outcome.Err));
+    QCOMPARE(outcome.Out, QString());
+    QCOMPARE(outcome.Status, 7);
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+    QVERIFY(!game.SettingKeys().contains("pelmora_app.Installed"));
+}
+
+void HostFolderFailuresTest::OtherFilesInAFolderStayWhenTheUserConfirms()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    game.Put("photos/1.jpg", "x");
+    Outcome const outcome = HostProcess(game, {"-q", "--yes", "install", game.Folder}).Finish();
+    QCOMPARE(outcome.Err, QString());
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Read("photos/1.jpg"), QByteArray("x"));
+}
+
+void HostFolderFailuresTest::AFolderThatCannotBeWrittenIsNamed()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    OrdinaryUser const user;
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const parent = game.Base + "fixed";
+    QVERIFY(QDir().mkpath(parent));
+    QVERIFY(SetMode(parent, 0555));
+    QVERIFY(game.Open());
+    for (QString const& folder : {parent, parent + "/new/game/"}) {
+        QCOMPARE(game.Run(RequestType::Install, folder), QString("folder-unwritable"));
+        QCOMPARE(game.Sentence(), QString("the folder %1 cannot be written (Permission denied)")
+                                      .arg(QDir::cleanPath(parent)));
+        QCOMPARE(game.Result().Problem->ExitStatus(), 7);
+    }
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+    QVERIFY(SetMode(parent, 0755));
+}
+
+void HostFolderFailuresTest::AGameFolderThatCannotBeWrittenIsNotUpdated()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    OrdinaryUser const user;
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::remove(game.Path("readme.txt")));
+    QVERIFY(SetMode(game.Folder, 0555));
+    QVERIFY(game.Open());
+    for (RequestType const kind : {RequestType::Update, RequestType::Repair})
+        QCOMPARE(game.Run(kind), QString("folder-unwritable"));
+    QVERIFY2(game.Sentence().contains(game.Folder.chopped(1)), qPrintable(game.Sentence()));
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+    QVERIFY(SetMode(game.Folder, 0755));
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostFolderFailuresTest::AnAbsentGameFolderIsNotCreatedAgain()
+{
+    HostGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QDir(game.Folder).removeRecursively());
+    for (QString const& command : {QString("update"), QString("repair"), QString("play")}) {
+        Outcome const outcome = HostProcess(game, {"-q", command}).Finish();
+        QCOMPARE(outcome.Err, "varnholt-host: the installation folder " + game.Folder +
+                                  " does not exist; connect its drive, or install again.\n");
+        QCOMPARE(outcome.Status, 7);
+    }
+    QVERIFY(!QFileInfo::exists(game.Folder));
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+}
+
+void HostFolderFailuresTest::AFolderThatAnotherHostWorksInIsLeftAlone()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script(base).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    HostProcess first(game, {"install", game.Folder});
+    QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
+    game.ForgetRequests();
+    for (QStringList const& command :
+         {QStringList{"install", game.Folder}, QStringList("update"), QStringList("repair"),
+          QStringList("play"), QStringList{"uninstall", "--delete-files", "--yes"}}) {
+        Outcome const outcome = HostProcess(game, QStringList("-q") + command).Finish();
+        QCOMPARE(outcome.Err, "varnholt-host: another program works in the folder " + game.Folder +
+                                  "; wait for it to end, then try again.\n");
+        QCOMPARE(outcome.Status, 8);
+    }
+    QCOMPARE(game.Requested(), QStringList());
+    game.Server.OpenGate(base);
+    QCOMPARE(first.Finish().Status, 0);
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostFolderFailuresTest::ALockWhoseOwnerHasDiedIsTakenOver()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script(base).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    {
+        HostProcess first(game, {"install", game.Folder});
+        QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
+    } // killed
+    QVERIFY(game.Has(".varnholt-host.lock"));
+    Outcome const outcome = HostProcess(game, {"-q", "install", game.Folder}).Finish();
+    QCOMPARE(outcome.Err, QString());
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(game.Wrong(), QStringList());
+    QVERIFY(!game.Has(".varnholt-host.lock"));
+}
+
+void HostFolderFailuresTest::TheLockGoesWithTheRun()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(game.Open());
+    QLockFile lock(game.Path(".varnholt-host.lock"));
+    QVERIFY(lock.tryLock());
+    QCOMPARE(game.Run(RequestType::Update), QString("folder-locked"));
+    lock.unlock();
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QVERIFY(lock.tryLock());
+}
+
+void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("a folder") << "home";
+    QTest::newRow("below a file") << "a file/host.ini";
+    QTest::newRow("nowhere") << "/proc/varnholt/host.ini";
+}
+
+void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed()
+{
+    QFETCH(QString, file);
+    HostGame game;
+    game.AddFiles().Publish();
+    QVERIFY(WriteFile(game.Base + "a file", "x"));
+    QVERIFY(QDir().mkpath(game.Base + "home"));
+    for (QStringList const& command :
+         {QStringList("status"), QStringList{"install", game.Folder}}) {
+        Outcome const outcome =
+            HostProcess(game, {"--settings", file, "--content-url", game.Server.BaseUrl()}, command)
+                .Finish();
+        QCOMPARE(outcome.Err, "varnholt-host: the settings file " + QDir(game.Base).filePath(file) +
+                                  " cannot be written; change its permissions or choose another "
+                                  "file.\n");
+        QCOMPARE(outcome.Status, 7);
+    }
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+    QVERIFY(!QFileInfo::exists(game.Folder));
+}
+
+void HostFolderFailuresTest::AModuleThatIsNoneIsNamed_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("missing") << "nothing.so"
+                             << "there is no module file %1";
+    QTest::newRow("a folder") << "home"
+                              << "there is no module file %1";
+    QTest::newRow("a text") << "text.so"
+                            << "the file %1 is not a launcher module (it is no plug-in)";
+    QTest::newRow("an empty file") << "empty.so"
+                                   << "the file %1 is not a launcher module (it is no plug-in)";
+    QTest::newRow("a cut module") << "cut.so"
+                                  << "the file %1 is not a launcher module (it is no plug-in)";
+    QTest::newRow("another plug-in")
+        << QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/imageformats/libqjpeg.so"
+        << "the file %1 is not a launcher module (its interface is \"org.qt-project.";
+}
+
+void HostFolderFailuresTest::AModuleThatIsNoneIsNamed()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, sentence);
+    HostGame game;
+    QVERIFY(QDir().mkpath(game.Base + "home"));
+    QVERIFY(WriteFile(game.Base + "text.so", "no module"));
+    QVERIFY(WriteFile(game.Base + "empty.so", ""));
+    QByteArray const module = ReadFile(QString::fromUtf8(VARNHOLT_PLUGIN_FILE));
+    QVERIFY(WriteFile(game.Base + "cut.so", module.left(module.size() / 2)));
+    QString const path = QDir(game.Base).filePath(file);
+    if (QDir::isAbsolutePath(file) && !QFileInfo::exists(file))
+        QSKIP("this plug-in is not installed");
+    for (char const* const command : {"info", "update"}) {
+        Outcome const outcome =
+            HostProcess(game, {"--settings", game.SettingsFile, "--module", file}, {command})
+                .Finish();
+        QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
+        QVERIFY2(outcome.Err.contains(QString(sentence).replace("%1", path)),
+                 qPrintable(outcome.Err));
+        QCOMPARE(outcome.Out, QString());
+        QCOMPARE(outcome.Status, 9);
+    }
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostFolderFailuresTest)
+#include "tst_HostFolderFailures.moc"
