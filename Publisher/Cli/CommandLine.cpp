@@ -2,6 +2,7 @@
 
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/DiffCommand.hpp"
 #include "Publisher/Cli/ServeCommand.hpp"
 #include "Publisher/Failure.hpp"
 
@@ -28,8 +29,11 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
     program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
     BuildCommand const build(program);
     ServeCommand const serve(program);
+    DiffCommand const diff(program);
     try {
         program.parse(p_Count, p_Arguments);
+        if (diff.IsChosen())
+            return diff.Run();
         return build.IsChosen() ? build.Run() : serve.Run();
     } catch (CLI::Success const& help) {
         return program.exit(help);

@@ -1,0 +1,175 @@
+#include "Publisher/Cli/DiffCommand.hpp"
+
+#include "Publisher/Cli/ConsoleText.hpp"
+
+#include <CLI/CLI.hpp>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <array>
+#include <optional>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+using Change = FileDifference::Change;
+
+/// What a client asks for before the first file: version, manifest, hosts, realm list.
+constexpr int c_OpeningRequests = 4;
+/// A client asks each file's size, then for the file.
+constexpr int c_RequestsPerFile = 2;
+
+/// So that their bytes can be counted whatever the game's size.
+constexpr int c_MostPlayers = 10'000'000;
+
+struct ChangeText {
+    Change Kind;
+    char const* Name;
+    char const* Sign; ///< before the path; null: paths are not listed
+};
+
+constexpr std::array<ChangeText, 4> c_Changes{{
+    {Change::New, "new", "+"},
+    {Change::Changed, "changed", "~"},
+    {Change::Removed, "removed", "-"},
+    {Change::Same, "same", nullptr},
+}};
+
+ChangeText const& TextOf(Change p_Kind)
+{
+    for (ChangeText const& text : c_Changes) {
+        if (text.Kind == p_Kind)
+            return text;
+    }
+    return c_Changes.back();
+}
+
+qint64 Requests(BuildDifference const& p_Difference)
+{
+    qint64 const files = p_Difference.Fetched(false).Files + p_Difference.Fetched(true).Files;
+    return c_OpeningRequests + c_RequestsPerFile * files;
+}
+
+QString Figures(FileTotal const& p_Total)
+{
+    return QStringLiteral("%1 files, %2 bytes").arg(p_Total.Files).arg(p_Total.Bytes);
+}
+
+void PrintObject(QJsonObject const& p_Object)
+{
+    ConsoleText::PrintLine(
+        QString::fromUtf8(QJsonDocument(p_Object).toJson(QJsonDocument::Compact)));
+}
+
+QJsonObject ObjectOf(FileTotal const& p_Total)
+{
+    return {{QStringLiteral("files"), p_Total.Files}, {QStringLiteral("bytes"), p_Total.Bytes}};
+}
+
+} // namespace
+
+DiffCommand::DiffCommand(CLI::App& p_Program)
+    : Command(p_Program.add_subcommand("diff", "Show what clients fetch between two builds"))
+{
+    Command->footer(
+        "Example:\n"
+        "  varnholt-publish diff --output /srv/www --locale enUS 18414 18500\n"
+        "\n"
+        "With one build only: what a new installation fetches.\n"
+        "New files are marked with \"+\", changed ones with \"~\", removed ones, which\n"
+        "clients leave where they are, with \"-\". A changed file that has the flag\n"
+        "keep-if-present is not fetched by those who have it.\n");
+    Command->add_option("--output", Output, "Folder of the published tree")->required();
+    Command->add_option("builds", Builds, "[OLD] NEW")->required()->expected(1, 2);
+    Command->add_option("--locale", Locale,
+                        "Count what a client of this language fetches (default: all languages)");
+    Command->add_option("--players", Players, "Tell what so many clients fetch together")
+        ->check(CLI::Range(1, c_MostPlayers));
+    Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
+    Command->add_flag("--json", Json, "One JSON object per line: each file, then a summary");
+}
+
+bool DiffCommand::IsChosen() const
+{
+    return Command->parsed();
+}
+
+int DiffCommand::Run() const
+{
+    PublishedTree const tree(QString::fromStdString(Output), QString::fromStdString(AppId));
+    std::optional<PublishedBuild> old;
+    if (Builds.size() > 1)
+        old = tree.ReadBuild(QString::fromStdString(Builds.front()));
+    BuildDifference const difference(tree, old ? &*old : nullptr,
+                                     tree.ReadBuild(QString::fromStdString(Builds.back())),
+                                     QString::fromStdString(Locale));
+    if (Json)
+        PrintJson(difference);
+    else
+        PrintText(difference);
+    return 0;
+}
+
+void DiffCommand::PrintText(BuildDifference const& p_Difference) const
+{
+    using ConsoleText::PrintLine;
+    for (FileDifference const& file : p_Difference.Files()) {
+        char const* const sign = TextOf(file.Kind).Sign;
+        if (sign) {
+            PrintLine(QStringLiteral("%1 %2 %3 bytes")
+                          .arg(QLatin1String(sign), file.File.Path, QString::number(file.Bytes)));
+        }
+    }
+    for (ChangeText const& text : c_Changes) {
+        PrintLine(QString::fromLatin1(text.Name).leftJustified(10) +
+                  Figures(p_Difference.Total(text.Kind)));
+    }
+    FileTotal const base = p_Difference.Fetched(false);
+    FileTotal const streamed = p_Difference.Fetched(true);
+    qint64 const requests = Requests(p_Difference);
+    PrintLine(QStringLiteral("To fetch by one client:"));
+    PrintLine(QStringLiteral("base      ") + Figures(base));
+    PrintLine(QStringLiteral("streamed  ") + Figures(streamed));
+    PrintLine(QStringLiteral("requests  %1").arg(requests));
+    if (Players > 0) {
+        PrintLine(QStringLiteral("To fetch by %1 clients:").arg(Players));
+        PrintLine(QStringLiteral("bytes     %1").arg((base.Bytes + streamed.Bytes) * Players));
+        PrintLine(QStringLiteral("requests  %1").arg(requests * Players));
+    }
+}
+
+void DiffCommand::PrintJson(BuildDifference const& p_Difference) const
+{
+    for (FileDifference const& file : p_Difference.Files()) {
+        QJsonObject object{{QStringLiteral("type"), QStringLiteral("file")},
+                           {QStringLiteral("change"), QLatin1String(TextOf(file.Kind).Name)},
+                           {QStringLiteral("path"), file.File.Path},
+                           {QStringLiteral("bytes"), file.Bytes},
+                           {QStringLiteral("md5"), file.File.Md5},
+                           {QStringLiteral("streamed"), file.File.Streamed},
+                           {QStringLiteral("fetched"), file.IsFetched}};
+        if (!file.File.Locale.isEmpty())
+            object.insert(QStringLiteral("locale"), file.File.Locale);
+        PrintObject(object);
+    }
+    FileTotal const base = p_Difference.Fetched(false);
+    FileTotal const streamed = p_Difference.Fetched(true);
+    QJsonObject summary{{QStringLiteral("type"), QStringLiteral("summary")},
+                        {QStringLiteral("base"), ObjectOf(base)},
+                        {QStringLiteral("streamed"), ObjectOf(streamed)},
+                        {QStringLiteral("requests"), Requests(p_Difference)}};
+    for (ChangeText const& text : c_Changes)
+        summary.insert(QLatin1String(text.Name), ObjectOf(p_Difference.Total(text.Kind)));
+    if (Players > 0) {
+        // As text: a million times a game is more than a number of JSON holds exactly.
+        summary.insert(QStringLiteral("players"), Players);
+        summary.insert(QStringLiteral("playersBytes"),
+                       QString::number((base.Bytes + streamed.Bytes) * Players));
+        summary.insert(QStringLiteral("playersRequests"),
+                       QString::number(Requests(p_Difference) * Players));
+    }
+    PrintObject(summary);
+}
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,288 @@
+#include "Tests/Publisher/ProgramRun.hpp"
+#include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/SampleContent.hpp"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+QByteArray const c_Locales = "{\"enUS\": \"English\", \"frFR\": \"French\"}";
+QByteArray const c_Rules = "{\"match\": \"enUS/**\", \"locale\": \"enUS\"}, "
+                           "{\"match\": \"frFR/**\", \"locale\": \"frFR\"}, {\"match\": "
+                           "\"Music/**\", \"streamed\": true}, "
+                           "{\"match\": \"kept*\", \"flags\": [\"keep-if-present\"]}, "
+                           "{\"match\": \"first*\", \"flags\": [\"first-build-only\"]}";
+
+} // namespace
+
+class DiffProgramTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void ListsWhatDiffersAndCountsWhatIsFetched();
+    void CountsForOneLanguage();
+    void OneBuildIsANewInstallation();
+    void CountsForManyPlayers();
+    void EqualBuildsFetchNothing();
+    void JsonIsOneObjectPerLine();
+    void JsonHoldsEveryFileAndASummary();
+    void AFileThatChangesItsLanguageIsNewToTheOther();
+    void ReadsBuildsForWindows();
+    void AFailureIsOneSentence_data();
+    void AFailureIsOneSentence();
+    void HelpHasAnExample();
+
+private:
+    ProgramResult Diff(QStringList const& p_Arguments) const
+    {
+        return RunProgram(QStringList({"diff", "--output", Game.Options.Output}) + p_Arguments);
+    }
+    /// The lines of a run that must succeed.
+    QList<QByteArray> Lines(QStringList const& p_Arguments) const
+    {
+        ProgramResult const result = Diff(p_Arguments);
+        return result.Status == 0 && result.Errors.isEmpty() ? result.Output.split('\n')
+                                                             : QList<QByteArray>();
+    }
+
+    PublishedGame Game;
+};
+
+void DiffProgramTest::initTestCase()
+{
+    Game.AddRules(c_Rules, c_Locales);
+    Game.Put("same", "1");
+    Game.Put("changed", "12");
+    Game.Put("removed", "123");
+    Game.Put("kept changed", "1234");
+    Game.Put("first changed", "12345");
+    Game.Put("enUS/changed", "en");
+    Game.Put("Music/changed", "old music");
+    Game.Put("Music/same", "same music");
+    Game.Publish("build_1");
+    Game.Put("changed", QByteArray(20, 'x'));
+    QVERIFY(QFile::remove(Game.SourcePath("removed")));
+    Game.Put("kept changed", QByteArray(300, 'x'));
+    Game.Put("kept new", QByteArray(4000, 'x'));
+    Game.Put("first changed", QByteArray(50000, 'x'));
+    Game.Put("enUS/changed", QByteArray(600000, 'x'));
+    Game.Put("frFR/new", QByteArray(700000, 'x'));
+    Game.Put("Music/changed", QByteArray(8000000, 'x'));
+    Game.Publish("build_2");
+}
+
+void DiffProgramTest::ListsWhatDiffersAndCountsWhatIsFetched()
+{
+    QCOMPARE(Diff({"build_1", "build_2"}).Output, QByteArray("~ Music/changed 8000000 bytes\n"
+                                                             "~ changed 20 bytes\n"
+                                                             "~ enUS/changed 600000 bytes\n"
+                                                             "~ first changed 50000 bytes\n"
+                                                             "+ frFR/new 700000 bytes\n"
+                                                             "~ kept changed 300 bytes\n"
+                                                             "+ kept new 4000 bytes\n"
+                                                             "- removed 3 bytes\n"
+                                                             "new       2 files, 704000 bytes\n"
+                                                             "changed   5 files, 8650320 bytes\n"
+                                                             "removed   1 files, 3 bytes\n"
+                                                             "same      3 files, 19 bytes\n"
+                                                             "To fetch by one client:\n"
+                                                             "base      5 files, 1354020 bytes\n"
+                                                             "streamed  1 files, 8000000 bytes\n"
+                                                             "requests  16\n"));
+}
+
+void DiffProgramTest::CountsForOneLanguage()
+{
+    auto const english = Lines({"--locale", "enUS", "build_1", "build_2"});
+    QVERIFY(english.contains("~ enUS/changed 600000 bytes"));
+    QVERIFY(!english.contains("+ frFR/new 700000 bytes"));
+    QVERIFY(english.contains("base      4 files, 654020 bytes"));
+    auto const french = Lines({"--locale", "frFR", "build_1", "build_2"});
+    QVERIFY(!french.contains("~ enUS/changed 600000 bytes"));
+    QVERIFY(french.contains("+ frFR/new 700000 bytes"));
+    QVERIFY(french.contains("base      4 files, 754020 bytes"));
+    QVERIFY(french.contains("streamed  1 files, 8000000 bytes"));
+}
+
+void DiffProgramTest::OneBuildIsANewInstallation()
+{
+    auto const lines = Lines({"build_1", "--locale", "frFR"});
+    QVERIFY(lines.contains("+ kept changed 4 bytes"));
+    QVERIFY(lines.contains("new       8 files, 42 bytes"));
+    QVERIFY(lines.contains("changed   0 files, 0 bytes"));
+    QVERIFY(lines.contains("base      6 files, 23 bytes"));
+    QVERIFY(lines.contains("streamed  2 files, 19 bytes"));
+    QVERIFY(lines.contains("requests  20"));
+}
+
+void DiffProgramTest::CountsForManyPlayers()
+{
+    auto const lines = Lines({"build_2", "--players", "10000000"});
+    QVERIFY(lines.contains("To fetch by 10000000 clients:"));
+    QVERIFY(lines.contains("bytes     93543390000000"));
+    QVERIFY(lines.contains("requests  240000000"));
+}
+
+void DiffProgramTest::EqualBuildsFetchNothing()
+{
+    auto const lines = Lines({"build_2", "build_2"});
+    QVERIFY(lines.contains("same      10 files, 9354339 bytes"));
+    QVERIFY(lines.contains("base      0 files, 0 bytes"));
+    QVERIFY(lines.contains("streamed  0 files, 0 bytes"));
+    // A client still asks what is current.
+    QVERIFY(lines.contains("requests  4"));
+}
+
+void DiffProgramTest::JsonIsOneObjectPerLine()
+{
+    QList<QByteArray> lines = Lines({"build_1", "build_2", "--json"});
+    QVERIFY(!lines.isEmpty());
+    QCOMPARE(lines.takeLast(), QByteArray());
+    QCOMPARE(lines.size(), 12);
+    for (QByteArray const& line : lines)
+        QVERIFY2(QJsonDocument::fromJson(line).isObject(), line.constData());
+}
+
+void DiffProgramTest::JsonHoldsEveryFileAndASummary()
+{
+    auto const lines = Lines({"build_1", "build_2", "--json", "--players", "3"});
+    auto const object = [&lines](int p_Line) {
+        return QJsonDocument::fromJson(lines.value(p_Line)).object();
+    };
+    QJsonObject const kept{{"type", "file"},
+                           {"change", "changed"},
+                           {"path", "kept changed"},
+                           {"bytes", 300},
+                           {"md5", SampleContent::Md5(QByteArray(300, 'x'))},
+                           {"streamed", false},
+                           {"fetched", false}};
+    QCOMPARE(object(7), kept);
+    QCOMPARE(object(6)["locale"].toString(), QString("frFR"));
+    QCOMPARE(object(2)["change"].toString(), QString("same"));
+    QCOMPARE(object(2)["streamed"].toBool(), true);
+    QJsonObject const summary{{"type", "summary"},
+                              {"new", QJsonObject{{"files", 2}, {"bytes", 704000}}},
+                              {"changed", QJsonObject{{"files", 5}, {"bytes", 8650320}}},
+                              {"removed", QJsonObject{{"files", 1}, {"bytes", 3}}},
+                              {"same", QJsonObject{{"files", 3}, {"bytes", 19}}},
+                              {"base", QJsonObject{{"files", 5}, {"bytes", 1354020}}},
+                              {"streamed", QJsonObject{{"files", 1}, {"bytes", 8000000}}},
+                              {"requests", 16},
+                              {"players", 3},
+                              {"playersBytes", "28062060"},
+                              {"playersRequests", "48"}};
+    QCOMPARE(object(11), summary);
+}
+
+void DiffProgramTest::AFileThatChangesItsLanguageIsNewToTheOther()
+{
+    PublishedGame game;
+    game.Put("speech", "hello");
+    game.AddRules("{\"match\": \"speech\", \"locale\": \"enUS\"}", c_Locales);
+    game.Publish("a");
+    game.AddRules("", c_Locales);
+    game.Publish("b");
+    auto const run = [&game](QString const& p_Locale) {
+        return RunProgram({"diff", "--output", game.Options.Output, "a", "b", "--locale", p_Locale})
+            .Output;
+    };
+    QVERIFY(run("frFR").startsWith("+ speech 5 bytes\n"));
+    QVERIFY(run("enUS").startsWith("new       0 files"));
+}
+
+void DiffProgramTest::ReadsBuildsForWindows()
+{
+    PublishedGame game;
+    game.Options.Platform = Publisher::ContentPlatform::Windows;
+    game.Publish("a");
+    ProgramResult const result = RunProgram({"diff", "--output", game.Options.Output, "a"});
+    QVERIFY2(result.Output.startsWith("+ Game 8 bytes\n"), result.Output.constData());
+}
+
+void DiffProgramTest::AFailureIsOneSentence_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("text");
+    QString const& output = Game.Options.Output;
+    QTest::newRow("no build") << QStringList({"diff", "--output", output}) << 2 << "builds";
+    QTest::newRow("three builds") << QStringList({"diff", "--output", output, "a", "b", "c"}) << 2
+                                  << "argument";
+    QTest::newRow("no tree") << QStringList({"diff", "build_1"}) << 2 << "--output";
+    QTest::newRow("a folder without builds")
+        << QStringList({"diff", "--output", Game.Options.Source, "build_1"}) << 1
+        << Game.Options.Source + ": no build of pelmora_app is published there";
+    QTest::newRow("another application")
+        << QStringList({"diff", "--output", output, "build_1", "--app-id", "other"}) << 1
+        << "no build of other is published there";
+    QTest::newRow("an unknown build")
+        << QStringList({"diff", "--output", output, "build_1", "build_9"}) << 1
+        << "builds/build_9/info.json: there is no build build_9";
+    QTest::newRow("a language that is not on offer")
+        << QStringList({"diff", "--output", output, "build_1", "--locale", "deDE"}) << 2
+        << "--locale \"deDE\": build build_1 does not offer this language";
+    QTest::newRow("no players") << QStringList(
+                                       {"diff", "--output", output, "build_1", "--players", "0"})
+                                << 2 << "--players";
+
+    QString const damaged = Game.Temporary.filePath("damaged");
+    QDir().mkpath(damaged + "/pelmora_app/builds/lost");
+    for (auto const& [build, manifest] :
+         {std::pair("text", "hello"), std::pair("empty", "{}"),
+          std::pair("list", "{\"content\": {\"base_mac\": []}}"),
+          std::pair("file", "{\"content\": {\"base_mac\": [{\"path\": \"a\"}]}}"),
+          std::pair("locale",
+                    "{\"content\": {\"base_mac\": [{\"path\": \"a\", \"location\": \"b\", "
+                    "\"md5\": \"0123456789ABCDEF0123456789ABCDEF\", \"locale\": \"deDE\"}]}}"),
+          std::pair(
+              "lost",
+              "{\"content\": {\"base_mac\": [{\"path\": \"a\", \"location\": \"b\", "
+              "\"md5\": \"0123456789ABCDEF0123456789ABCDEF\"}]}, \"streamed_content\": []}")}) {
+        QVERIFY(WriteFile(damaged + "/pelmora_app/builds/" + build + "/info.json", manifest));
+    }
+    auto const inDamaged = [&](char const* p_Build, QString const& p_Text) {
+        QTest::newRow(p_Build) << QStringList({"diff", "--output", damaged, p_Build}) << 1
+                               << damaged + "/pelmora_app/" + p_Text;
+    };
+    inDamaged("text", "builds/text/info.json: is no manifest: illegal value");
+    inDamaged("empty", "builds/empty/info.json: is no manifest: it has no list of base files");
+    inDamaged("list", "builds/list/info.json: is no manifest: it has no list of streamed files");
+    inDamaged("file", "builds/file/info.json: is no manifest: a file lacks its path");
+    inDamaged("locale", "builds/locale/info.json: is no manifest: a is of the language deDE");
+    inDamaged("lost", "b: the content of a is missing");
+}
+
+void DiffProgramTest::AFailureIsOneSentence()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    QFETCH(QString, text);
+    ProgramResult const result = RunProgram(arguments);
+    QCOMPARE(result.Status, status);
+    QCOMPARE(result.Output, QByteArray());
+    QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
+    QVERIFY2(result.Errors.contains(text.toUtf8()), result.Errors.constData());
+    QCOMPARE(result.Errors.count('\n'), 1);
+}
+
+void DiffProgramTest::HelpHasAnExample()
+{
+    ProgramResult const result = RunProgram({"diff", "--help"});
+    QCOMPARE(result.Status, 0);
+    for (char const* const text : {"varnholt-publish diff --output", "--locale", "--players",
+                                   "--json", "--app-id", "[OLD] NEW"})
+        QVERIFY2(result.Output.contains(text), text);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::DiffProgramTest)
+#include "tst_DiffProgram.moc"
