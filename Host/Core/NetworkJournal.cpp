@@ -14,6 +14,8 @@ NetworkJournal::NetworkJournal(QNetworkAccessManager& p_Manager, QString p_AppId
 
 void NetworkJournal::OnFinished(QNetworkReply& p_Reply)
 {
+    if (Ignored.remove(&p_Reply))
+        return;
     FetchNote note;
     note.Url = p_Reply.request().url().toString(QUrl::PrettyDecoded);
     note.Error = p_Reply.error();
@@ -46,6 +48,11 @@ void NetworkJournal::NoteTimeout(QString const& p_Url)
 void NetworkJournal::ExpectTimeout(QNetworkReply const& p_Reply)
 {
     TimedOut.insert(&p_Reply);
+}
+
+void NetworkJournal::Ignore(QNetworkReply const& p_Reply)
+{
+    Ignored.insert(&p_Reply);
 }
 
 void NetworkJournal::Add(FetchNote const& p_Note)

@@ -27,6 +27,8 @@ public:
     void NoteTimeout(QString const& p_Url);
     /// The reply is about to be aborted for that reason; it is noted so when it ends.
     void ExpectTimeout(QNetworkReply const& p_Reply);
+    /// The reply is about to be aborted since nobody wants it any more.
+    void Ignore(QNetworkReply const& p_Reply);
     /// Forgets failures and sizes, not the dead mirrors.
     void Clear();
 
@@ -50,6 +52,7 @@ private:
 
     QString AppId;
     QSet<QNetworkReply const*> TimedOut; ///< being aborted
+    QSet<QNetworkReply const*> Ignored;  ///< being aborted
     QHash<QString, FetchNote> Failures;  ///< by location
     QHash<QString, quint64> Sizes;       ///< by location
     QSet<QString> Dead;

@@ -266,6 +266,7 @@ void RunControl::Fail(Failure const& p_Failure)
     PumpHeld = true;
     Context.Gate.Close();
     Context.Module.SuspendDownload();
+    AbandonReplies();
     End();
 }
 

@@ -106,7 +106,9 @@ private:
     void WatchForStall(RunPhase p_Phase);
     void WatchForDrops(RunPhase p_Phase);
     void GiveUpTransfer(Failure const& p_Failure);
+    std::vector<QNetworkReply*> UnfinishedReplies() const;
     void StopSilentReplies();
+    void AbandonReplies();
     void CleanMirrors();
     void NoticeRealmList();
     void NoticeOnce(QString const& p_Text);

@@ -5,6 +5,7 @@
 #include "Host/Core/MissingFiles.hpp"
 
 #include <QMutexLocker>
+#include <QNetworkAccessManager>
 #include <QTimer>
 
 #include <algorithm>
@@ -201,16 +202,36 @@ void RunControl::GiveUpTransfer(Failure const& p_Failure)
     Context.Module.SuspendDownload();
 }
 
-void RunControl::StopSilentReplies()
+std::vector<QNetworkReply*> RunControl::UnfinishedReplies() const
 {
     Launcher::StandartApplication& module = Context.Module;
     auto replies = Unfinished(module.ContentRequests, module.ContentRequestsMutex);
     auto const queries = Unfinished(module.ContentSizeRequests, module.ContentSizeRequestsMutex);
     replies.insert(replies.end(), queries.begin(), queries.end());
-    for (QNetworkReply* const reply : replies) {
+    return replies;
+}
+
+void RunControl::StopSilentReplies()
+{
+    for (QNetworkReply* const reply : UnfinishedReplies()) {
         Context.Journal.ExpectTimeout(*reply);
         reply->abort();
     }
+    // Qt may lose the connection of a request that is aborted.
+    Context.Module.NetworkManager->clearConnectionCache();
+}
+
+/// Called at the end of a run that has failed: what still hangs must not answer into the next one,
+/// nor keep it from being over.
+void RunControl::AbandonReplies()
+{
+    auto const replies = UnfinishedReplies();
+    for (QNetworkReply* const reply : replies) {
+        Context.Journal.Ignore(*reply);
+        reply->abort();
+    }
+    if (!replies.empty())
+        Context.Module.NetworkManager->clearConnectionCache();
 }
 
 /// Called before the module draws a mirror: it has no way to tell a dead one from a living.
