@@ -1,0 +1,274 @@
+#include "Tests/Host/HostProcess.hpp"
+#include "Tests/Host/SessionGame.hpp"
+
+#include <QtTest>
+
+#include <csignal>
+
+namespace Varnholt::TestSupport {
+
+using Host::RunPhase;
+
+namespace {
+
+QString const c_Base = QStringLiteral("Data/base.MPQ");
+QString const c_FirstBuild = QStringLiteral("Data/first build.MPQ");
+QString const c_Streamed = QStringLiteral("Data/streamed 1.MPQ");
+
+/// Lets a run stand still within a file's content.
+void HoldContent(SessionGame& p_Game, QString const& p_File, qint64 p_Bytes)
+{
+    p_Game.Server.Script(p_Game.Content.ServerPath(p_File))
+        .Then(Answer::Normal()) // its size
+        .Then(Answer::SilentAfter(p_Bytes));
+}
+
+void Open(SessionGame& p_Game, QString const& p_File, int p_Times = 1)
+{
+    p_Game.Server.OpenGate(p_Game.Content.ServerPath(p_File), p_Times);
+}
+
+} // namespace
+
+/// Pauses and what follows them.
+class HostPauseTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void APauseWhileConnectingHolds();
+    void APauseWhileComparingHolds();
+    void APauseWhileAskingSizesHolds();
+    void APauseWithinAFileKeepsItsBytes_data();
+    void APauseWithinAFileKeepsItsBytes();
+    void APauseBeforeTheAnswerHolds();
+    void APauseAtTheEndOfAFileHolds();
+    void QuickPausesAndContinuationsComeToTheEnd();
+    void APauseWhileWaitingToTryAgainHolds();
+    void APauseOfAPlayedGameDoesNotOutliveItsRun();
+    void TheUsersSignalPausesAndContinues();
+
+private:
+    static void HoldsFor(SessionGame& p_Game);
+};
+
+/// Fails the test when the paused run ends or asks for anything.
+void HostPauseTest::HoldsFor(SessionGame& p_Game)
+{
+    constexpr int c_Rounds = 10;
+
+    QVERIFY(p_Game.WaitForPhase(RunPhase::Suspended));
+    std::size_t const requests = p_Game.Server.Requests().size();
+    std::size_t const snapshots = p_Game.Snapshots.size();
+    for (int i = 0; i < c_Rounds; ++i) {
+        p_Game.Status();
+        QTest::qWait(10); // so that a run that goes on is seen in most of the rounds
+    }
+    QCOMPARE(p_Game.Results.size(), std::size_t(0));
+    QCOMPARE(p_Game.Server.Requests().size(), requests);
+    QCOMPARE(p_Game.Snapshots.size(), snapshots);
+}
+
+void HostPauseTest::APauseWhileConnectingHolds()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const version = game.Content.VersionPath();
+    game.Server.Script(version).Then(Answer().Held());
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPhase(RunPhase::Connecting));
+    game.Session().Pause();
+    game.Server.OpenGate(version);
+    HoldsFor(game);
+    QCOMPARE(game.Requested(), QStringList());
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APauseWhileComparingHolds()
+{
+    constexpr int c_BigFile = 40'000'000;
+
+    SessionGame game;
+    game.Content.Add({"big", QByteArray(c_BigFile, 'x')});
+    game.AddFiles().Publish().PutInstalled();
+    game.Put("readme.txt", "damaged");
+    QVERIFY(game.Open());
+    game.Start(RequestType::Update);
+    QVERIFY(game.WaitForPhase(RunPhase::Comparing));
+    game.Session().Pause();
+    HoldsFor(game);
+    QCOMPARE(game.Requested(), QStringList());
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APauseWhileAskingSizesHolds()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Server.Script(game.Content.ServerPath(c_Base))
+        .Then(Answer().Held())
+        .Then(Answer::SilentAfter(100));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPhase(RunPhase::AskingSizes));
+    QVERIFY(game.WaitUntil([&] { return game.Requests(c_Base) == 1; }));
+    game.Session().Pause();
+    game.Status(); // the pause has come first
+    Open(game, c_Base);
+    HoldsFor(game);
+    QVERIFY(!game.Has(c_Base));
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APauseWithinAFileKeepsItsBytes_data()
+{
+    QTest::addColumn<QString>("file");
+    for (QString const& file : {c_Base, c_FirstBuild, c_Streamed})
+        QTest::newRow(qPrintable(file)) << file;
+}
+
+void HostPauseTest::APauseWithinAFileKeepsItsBytes()
+{
+    QFETCH(QString, file);
+    SessionGame game;
+    game.AddFiles().Publish();
+    HoldContent(game, file, 5000);
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart(file, 5000));
+    game.Session().Pause();
+    HoldsFor(game);
+    QVERIFY(game.WaitForPart(file, 5000));
+    QVERIFY(game.IsMarkedUnfinished());
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Server.Requests(game.Content.ServerPath(file)).back().Header("Range"),
+             QByteArray("bytes=5000-"));
+    QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostPauseTest::APauseBeforeTheAnswerHolds()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Server.Script(game.Content.ServerPath(c_FirstBuild))
+        .Then(Answer::Normal())
+        .Then(Answer::SilentBeforeHeaders());
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitUntil([&] { return game.Requests(c_FirstBuild) == 2; }));
+    game.Session().Pause();
+    HoldsFor(game);
+    QVERIFY(!game.Has(c_FirstBuild));
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APauseAtTheEndOfAFileHolds()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    HoldContent(game, c_Base, 59'000);
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart(c_Base, 59'000));
+    Open(game, c_Base);
+    QVERIFY(game.WaitUntil([&] { return game.Has(c_Base); })); // the next one begins about now
+    game.Session().Pause();
+    QVERIFY(game.WaitUntil([&] {
+        return !game.Results.empty() || game.Snapshots.back().Phase == RunPhase::Suspended;
+    }));
+    if (game.Results.empty()) {
+        HoldsFor(game);
+        game.Session().Continue();
+    }
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::QuickPausesAndContinuationsComeToTheEnd()
+{
+    SessionGame game;
+    game.AddFiles();
+    for (int i = 0; i < 10; ++i)
+        game.Content.Add({QString("Data/more %1").arg(i), SampleContent::Bytes(50000, 20 + i)});
+    game.Publish();
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    for (int i = 0; i < 40; ++i) {
+        game.Session().Pause();
+        game.Session().Pause();
+        if (i % 3 == 0)
+            game.Status();
+        game.Session().Continue();
+        if (i % 2 == 0)
+            game.Status();
+        game.Session().Continue();
+    }
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APauseWhileWaitingToTryAgainHolds()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Options.RetryPauseMilliseconds = 300;
+    game.Server.Script(game.Content.ServerPath("readme.txt"))
+        .Then(Answer::ClosedBeforeHeaders(), 2);
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitUntil([&] { return !game.Notices.isEmpty(); }));
+    game.Session().Pause();
+    HoldsFor(game);
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APauseOfAPlayedGameDoesNotOutliveItsRun()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const version = game.Content.VersionPath();
+    game.Server.Script(version).Then(Answer().Held());
+    QVERIFY(game.Open());
+    game.Start(RequestType::ListLocales);
+    QVERIFY(game.WaitForPhase(RunPhase::Connecting));
+    game.Session().Pause(); // no transfer to pause
+    game.Server.OpenGate(version);
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::TheUsersSignalPausesAndContinues()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    QString const path = game.Content.ServerPath(c_Base);
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    HostProcess host(game, {"install", game.Folder});
+    QVERIFY(host.WaitUntil([&] { return game.Read(c_Base + ".part").size() == 20000; }));
+    host.Signal(SIGUSR1);
+    QVERIFY(host.WaitForErr("\nsuspended\n"));
+    QCOMPARE(game.Server.Count(path), 2);
+    host.Signal(SIGUSR1);
+    Outcome const outcome = host.Finish();
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=20000-"));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostPauseTest)
+#include "tst_HostPause.moc"
