@@ -47,15 +47,15 @@ void Complete(Choice& p_Choice, HostSettings const& p_Settings)
         ConfigCommand::Flag(p_Settings, QStringLiteral("dev-channel"));
 }
 
-int RunConfig(Choice const& p_Choice, HostSettings& p_Settings, Console& p_Console,
-              Presenter& p_Presenter)
+int RunConfig(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Presenter)
 {
     std::optional<Failure> failure;
     if (p_Choice.ConfigKey.isEmpty())
-        for (QString const& line : ConfigCommand::List(p_Settings))
-            p_Console.Result(line);
+        for (QString const& key : ConfigCommand::SetKeys(p_Settings))
+            p_Presenter.ShowOption(key, ConfigCommand::Value(p_Settings, key), true);
     else if (p_Choice.ConfigValue.isNull() && ConfigCommand::Keys().contains(p_Choice.ConfigKey))
-        p_Console.Result(ConfigCommand::Value(p_Settings, p_Choice.ConfigKey));
+        p_Presenter.ShowOption(p_Choice.ConfigKey,
+                               ConfigCommand::Value(p_Settings, p_Choice.ConfigKey), false);
     else
         failure = ConfigCommand::Set(p_Settings, p_Choice.ConfigKey, p_Choice.ConfigValue);
     if (!failure)
@@ -88,7 +88,7 @@ int Run(Choice p_Choice)
 
     switch (p_Choice.Chosen) {
     case Choice::Command::Config:
-        return RunConfig(p_Choice, settings, console, *presenter);
+        return RunConfig(p_Choice, settings, *presenter);
     case Choice::Command::Pause:
         return SendWord(settings.File(), ControlSocket::Word::Pause, *presenter);
     case Choice::Command::Resume:

@@ -2,6 +2,8 @@
 
 #include "Host/Core/HostOptions.hpp"
 
+#include <algorithm>
+
 namespace Varnholt::Host::ConfigCommand {
 
 namespace {
@@ -58,15 +60,14 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
     return std::nullopt;
 }
 
-QStringList List(HostSettings const& p_Settings)
+QStringList SetKeys(HostSettings const& p_Settings)
 {
-    QStringList lines;
-    for (QString const& key : Keys()) {
-        QString const value = Value(p_Settings, key);
-        if (!value.isEmpty())
-            lines += QStringLiteral("%1=%2").arg(key, value);
-    }
-    return lines;
+    QStringList keys = Keys();
+    keys.erase(
+        std::remove_if(keys.begin(), keys.end(),
+                       [&](QString const& p_Key) { return Value(p_Settings, p_Key).isEmpty(); }),
+        keys.end());
+    return keys;
 }
 
 } // namespace Varnholt::Host::ConfigCommand

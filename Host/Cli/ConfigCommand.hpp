@@ -21,7 +21,7 @@ bool Flag(HostSettings const& p_Settings, QString const& p_Key);
 
 /// \param p_Value an empty one removes the key
 std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QString const& p_Value);
-/// One "key=value" per line: those that are set, or the one that is asked for.
-QStringList List(HostSettings const& p_Settings);
+/// The keys that are set.
+QStringList SetKeys(HostSettings const& p_Settings);
 
 } // namespace Varnholt::Host::ConfigCommand

@@ -89,6 +89,11 @@ void JsonPresenter::ShowLocale(QString const& p_Locale)
     Write("locale", {{QStringLiteral("locale"), p_Locale}});
 }
 
+void JsonPresenter::ShowOption(QString const& p_Key, QString const& p_Value, bool /*p_IsListed*/)
+{
+    Write("option", {{QStringLiteral("key"), p_Key}, {QStringLiteral("value"), p_Value}});
+}
+
 void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
 {
     constexpr qint64 c_IntervalMilliseconds = 500;

@@ -18,6 +18,7 @@ public:
     void ShowInfo(ModuleInfo const& p_Info) override;
     void ShowStatus(InstallStatus const& p_Status) override;
     void ShowLocale(QString const& p_Locale) override;
+    void ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed) override;
     /// At most twice a second within a phase.
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
     void ShowNotice(QString const& p_Text) override;

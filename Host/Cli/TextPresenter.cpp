@@ -26,6 +26,11 @@ void TextPresenter::ShowLocale(QString const& p_Locale)
     Print({p_Locale});
 }
 
+void TextPresenter::ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed)
+{
+    Print({p_IsListed ? QStringLiteral("%1=%2").arg(p_Key, p_Value) : p_Value});
+}
+
 void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
 {
     View.Show(p_Snapshot);
