@@ -102,7 +102,6 @@ void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     if (!isNew && !SinceProgress.hasExpired(c_IntervalMilliseconds))
         return;
     Phase = p_Snapshot.Phase;
-    SinceProgress.start();
     QJsonObject object{{QStringLiteral("phase"), PhaseName(p_Snapshot.Phase)},
                        {QStringLiteral("fileNumber"), static_cast<qint64>(p_Snapshot.FileNumber)},
                        {QStringLiteral("fileCount"), static_cast<qint64>(p_Snapshot.FileCount)},
@@ -116,6 +115,7 @@ void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     if (p_Snapshot.Remaining >= 0)
         object.insert(QStringLiteral("eta"), p_Snapshot.Remaining);
     Write("progress", object);
+    SinceProgress.start(); // behind the line: its own time decides how often lines come
 }
 
 void JsonPresenter::ShowNotice(QString const& p_Text)
