@@ -27,8 +27,9 @@ struct Choice {
     HostOptions Options;
     QString ConfigKey;
     QString ConfigValue;
-    QString LogFile;   ///< absolute; empty: none
-    QString ColorName; ///< empty when not given
+    QString LogFile;             ///< absolute; empty: none
+    QString ColorName;           ///< empty when not given
+    bool IsChannelGiven = false; ///< whether `Options.UseDevChannel` is the user's word
     bool Json = false;
     bool Quiet = false;
     bool Verbose = false;

@@ -43,8 +43,9 @@ void Complete(Choice& p_Choice, HostSettings const& p_Settings)
     fill(p_Choice.ColorName, "color");
     p_Choice.Options.ModuleFile = absolute(p_Choice.Options.ModuleFile);
     p_Choice.LogFile = absolute(p_Choice.LogFile);
-    p_Choice.Options.UseDevChannel |=
-        ConfigCommand::Flag(p_Settings, QStringLiteral("dev-channel"));
+    if (!p_Choice.IsChannelGiven)
+        p_Choice.Options.UseDevChannel =
+            ConfigCommand::Flag(p_Settings, QStringLiteral("dev-channel"));
 }
 
 int RunConfig(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Presenter)

@@ -85,8 +85,9 @@ void CommandParser::AddOptions()
         ->check(CLI::Validator(WhyNotServer, ""))
         ->envname("VARNHOLT_CONTENT_URL")
         ->type_name("URL");
-    Program.add_flag("--dev-channel", DevChannel, "Use the build of the development channel")
-        ->envname("VARNHOLT_DEV_CHANNEL");
+    DevChannelOption =
+        Program.add_flag("--dev-channel", DevChannel, "Use the build of the development channel")
+            ->envname("VARNHOLT_DEV_CHANNEL");
     Program.add_flag("-y,--yes", Yes, "Answer every question with yes")->envname("VARNHOLT_YES");
     Program.add_flag("--json", Json, "Write one JSON object per line, for programs")
         ->envname("VARNHOLT_JSON");
@@ -207,6 +208,7 @@ Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
     choice.Options.SettingsFile = Absolute(Settings);
     choice.Options.ContentUrl = Text(ContentUrl);
     choice.Options.UseDevChannel = DevChannel;
+    choice.IsChannelGiven = DevChannelOption->count() > 0;
     choice.Request.Confirmed = Yes;
     choice.ColorName = Text(Colors);
     choice.LogFile = Absolute(LogFile);

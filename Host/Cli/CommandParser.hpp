@@ -36,6 +36,7 @@ private:
     std::string Module, Settings, ContentUrl, Folder, Code, Account, Colors, LogFile;
     std::string ConfigKey, ConfigValue;
     CLI::Option* ConfigValueOption = nullptr;
+    CLI::Option* DevChannelOption = nullptr;
     bool DevChannel = false, Yes = false, Json = false, Quiet = false, Verbose = false;
     bool DeletesFiles = false;
 };
