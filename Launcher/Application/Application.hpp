@@ -198,6 +198,8 @@ public:
 private:
     void RenewConnections();
 
+    bool MayHaveLostConnections = false; ///< by an abort
+
 protected:
     /// What download threads hold on to instead of the application, which may go before them.
     std::shared_ptr<ApplicationLink> Link;

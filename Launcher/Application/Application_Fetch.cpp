@@ -113,13 +113,14 @@ void Application::DropSizeQueries()
         reply->abort();
         reply->deleteLater();
     }
-    if (!unanswered.empty())
-        RenewConnections();
+    MayHaveLostConnections |= !unanswered.empty();
+    RenewConnections();
 }
 
 void Application::AbortFetch(HTTP_GetRemotefileContentRequest const& p_Request)
 {
     p_Request.Reply->abort();
+    MayHaveLostConnections = true;
     RenewConnections();
 }
 
@@ -127,11 +128,13 @@ void Application::AbortFetch(HTTP_GetRemotefileContentRequest const& p_Request)
 /// at that moment, the connection is lost for good and the next request may wait on it for ever.
 void Application::RenewConnections()
 {
-    bool const unanswered =
-        std::any_of(ContentSizeRequests.begin(), ContentSizeRequests.end(),
-                    [](auto const& p_Row) { return !p_Row.first->isFinished(); });
-    if (ContentRequests.empty() && !unanswered)
-        NetworkManager->clearConnectionCache();
+    bool const inFlight = !ContentRequests.empty() ||
+                          std::any_of(ContentSizeRequests.begin(), ContentSizeRequests.end(),
+                                      [](auto const& p_Row) { return !p_Row.first->isFinished(); });
+    if (!MayHaveLostConnections || inFlight)
+        return;
+    NetworkManager->clearConnectionCache();
+    MayHaveLostConnections = false;
 }
 
 } // namespace Varnholt::Launcher

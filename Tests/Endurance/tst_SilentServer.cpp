@@ -26,6 +26,7 @@ private Q_SLOTS:
     void QueriesAndFetchesGoWithTheApplication();
     void WhatFollowsDroppedQueriesTakesNewConnections_data();
     void WhatFollowsDroppedQueriesTakesNewConnections();
+    void ConnectionsInUseAreRenewedWhenTheyAreFree();
     void ATransferLetGoEndsWithTheNextInstallation();
     void ATransferLetGoEndsWithASuspension();
 
@@ -149,6 +150,24 @@ void SilentServerTest::WhatFollowsDroppedQueriesTakesNewConnections()
     QTRY_COMPARE(server.OpenConnections(), 0);
     app.GetRemoteFileContent(server.Url("/a"), count);
     QTRY_COMPARE(answers, 3);
+}
+
+void SilentServerTest::ConnectionsInUseAreRenewedWhenTheyAreFree()
+{
+    ScriptedServer server;
+    TestApplication app;
+    server.Script("/silent").Always(Answer::SilentBeforeHeaders());
+    int answers = 0;
+    app.GetRemoteFileContent(server.Url("/silent"),
+                             [&](QString const&, QByteArray*) { ++answers; });
+    app.GetRemoteFileSize(server.Url("/silent"), [](QString const&, unsigned long long) {});
+    QTRY_COMPARE(server.Count("/silent"), 2);
+    app.DropSizeQueries();
+    server.OpenGate("/silent");
+    QTRY_COMPARE(answers, 1);
+    QTRY_COMPARE(server.OpenConnections(), 1);
+    app.DropSizeQueries(); // none, but another chance
+    QTRY_COMPARE(server.OpenConnections(), 0);
 }
 
 bool SilentServerTest::LetTransferGo(Game& p_Game)
