@@ -4,6 +4,7 @@
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
 #include "Publisher/Cli/ServeCommand.hpp"
+#include "Publisher/Cli/VerifyCommand.hpp"
 #include "Publisher/Failure.hpp"
 
 #include <CLI/CLI.hpp>
@@ -30,10 +31,13 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
     BuildCommand const build(program);
     ServeCommand const serve(program);
     DiffCommand const diff(program);
+    VerifyCommand const verify(program);
     try {
         program.parse(p_Count, p_Arguments);
         if (diff.IsChosen())
             return diff.Run();
+        if (verify.IsChosen())
+            return verify.Run();
         return build.IsChosen() ? build.Run() : serve.Run();
     } catch (CLI::Success const& help) {
         return program.exit(help);

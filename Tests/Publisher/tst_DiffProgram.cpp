@@ -215,7 +215,7 @@ void DiffProgramTest::AFailureIsOneSentence_data()
     QString const& output = Game.Options.Output;
     QTest::newRow("no build") << QStringList({"diff", "--output", output}) << 2 << "builds";
     QTest::newRow("three builds") << QStringList({"diff", "--output", output, "a", "b", "c"}) << 2
-                                  << "argument";
+                                  << "At Most 2";
     QTest::newRow("no tree") << QStringList({"diff", "build_1"}) << 2 << "--output";
     QTest::newRow("a folder without builds")
         << QStringList({"diff", "--output", Game.Options.Source, "build_1"}) << 1

@@ -118,7 +118,8 @@ Response Response::Of(RecordedRequest const& p_Request, Answer const& p_Answer,
     headers.insert(headers.end(), p_Answer.ExtraHeaders.begin(), p_Answer.ExtraHeaders.end());
 
     Response response;
-    response.Body = body;
+    if (p_Request.Method != "HEAD")
+        response.Body = body;
     response.Head = "HTTP/1.1 " + QByteArray::number(status) + ' ' + ReasonOf(status) + "\r\n";
     for (auto const& header : headers)
         response.Head += header.first + ": " + header.second + "\r\n";

@@ -1,0 +1,74 @@
+#include "Publisher/Cli/VerifyCommand.hpp"
+
+#include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Failure.hpp"
+#include "Publisher/ServerVerification.hpp"
+#include "Publisher/TreeVerification.hpp"
+
+#include <CLI/CLI.hpp>
+
+namespace Varnholt::Publisher {
+
+VerifyCommand::VerifyCommand(CLI::App& p_Program)
+    : Command(p_Program.add_subcommand("verify", "Look whether clients get what was published"))
+{
+    Command->footer("Examples:\n"
+                    "  varnholt-publish verify --output /srv/www\n"
+                    "  varnholt-publish verify --url http://content.example.net/ --all\n"
+                    "\n"
+                    "With --output every content file of the builds that the version files name\n"
+                    "is read. With --url the server, and each mirror of its host list, is asked\n"
+                    "for the manifests and for the size of every file; a sample, or with --all\n"
+                    "each file, is read whole and its end once more as a range.\n"
+                    "Each defect is one sentence on standard error; the exit status is then 1.\n");
+    auto* const output = Command->add_option("--output", Output, "Folder of a published tree");
+    auto* const url = Command->add_option("--url", Url, "Address of the default content server");
+    output->excludes(url);
+    auto* const sample =
+        Command->add_option("--sample", Sample, "Files to read whole on each server")
+            ->check(CLI::Range(0, 1'000'000))
+            ->needs(url)
+            ->capture_default_str();
+    Command->add_flag("--all", ReadsAll, "Read every file whole on each server")
+        ->needs(url)
+        ->excludes(sample);
+    Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
+}
+
+bool VerifyCommand::IsChosen() const
+{
+    return Command->parsed();
+}
+
+int VerifyCommand::Run() const
+{
+    VerificationSummary const summary = Verify();
+    for (QString const& defect : summary.Defects)
+        ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: ") + defect);
+    QString const servers = summary.Servers.isEmpty()
+                                ? QString()
+                                : QStringLiteral(" on %1 servers").arg(summary.Servers.size());
+    ConsoleText::PrintLine(QStringLiteral("Builds %1: %2 files looked at%3, %4 of them read, %5 "
+                                          "defects")
+                               .arg(summary.Builds.isEmpty()
+                                        ? QStringLiteral("none")
+                                        : summary.Builds.join(QStringLiteral(", ")))
+                               .arg(summary.Files)
+                               .arg(servers)
+                               .arg(summary.FilesRead)
+                               .arg(summary.Defects.size()));
+    return summary.Defects.isEmpty() ? 0 : Failure::c_Other;
+}
+
+VerificationSummary VerifyCommand::Verify() const
+{
+    QString const appId = QString::fromStdString(AppId);
+    if (!Url.empty())
+        return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll}).Run();
+    if (Output.empty())
+        throw Failure(QStringLiteral("verify: give --output or --url"), Failure::c_Usage);
+    PublishedTree const tree(QString::fromStdString(Output), appId);
+    return TreeVerification(tree).Run();
+}
+
+} // namespace Varnholt::Publisher

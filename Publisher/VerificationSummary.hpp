@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+
+namespace Varnholt::Publisher {
+
+/// What a verification has found.
+struct VerificationSummary {
+    QStringList Builds;
+    QStringList Servers; ///< that were asked; none for a tree
+    int Files = 0;       ///< looked at, of all servers together
+    int FilesRead = 0;   ///< of these, every byte
+    QStringList Defects; ///< one sentence each
+};
+
+} // namespace Varnholt::Publisher
