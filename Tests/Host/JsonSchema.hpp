@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+
+namespace Varnholt::TestSupport {
+
+/// A JSON schema with the few words that our own use: type, enum, minimum, required, properties,
+/// additionalProperties, oneOf. Any other word is a fault of every value.
+class JsonSchema {
+public:
+    explicit JsonSchema(QJsonObject p_Schema)
+        : Root(std::move(p_Schema))
+    {
+    }
+    /// Fails the whole program when the file is no object.
+    static JsonSchema FromFile(QString const& p_File);
+
+    /// What is wrong with a value, with the place; empty when nothing is.
+    QString Fault(QJsonValue const& p_Value) const { return Fault(p_Value, Root, {}); }
+    QJsonObject const& Words() const { return Root; }
+
+private:
+    static QString Fault(QJsonValue const& p_Value, QJsonObject const& p_Schema,
+                         QString const& p_Place);
+    static QString FaultOfObject(QJsonObject const& p_Value, QJsonObject const& p_Schema,
+                                 QString const& p_Place);
+    static QString FaultOfChoice(QJsonValue const& p_Value, QJsonObject const& p_Schema,
+                                 QString const& p_Place);
+
+    QJsonObject Root;
+};
+
+} // namespace Varnholt::TestSupport
