@@ -78,6 +78,8 @@ public:
         Client.set_follow_location(false);
     }
 
+    RemoteAnswer Get(QString const& p_Path, httplib::Headers const& p_Headers, Sink const& p_Sink);
+
     std::string PathOf(QString const& p_Path) const { return Prefix + p_Path.toStdString(); }
 
     httplib::Headers const Headers{{"Accept-Encoding", "gzip, deflate"}};
@@ -86,6 +88,25 @@ public:
 private:
     std::string Prefix;
 };
+
+RemoteAnswer RemoteServer::Implementation::Get(QString const& p_Path,
+                                               httplib::Headers const& p_Headers,
+                                               Sink const& p_Sink)
+{
+    RemoteAnswer answer;
+    httplib::Result const result = Client.Get(
+        PathOf(p_Path), p_Headers,
+        [&answer](httplib::Response const& p_Response) {
+            answer = AnswerOf(p_Response);
+            return true;
+        },
+        [&p_Sink](char const* p_Data, std::size_t p_Bytes) {
+            p_Sink(p_Data, p_Bytes);
+            return true;
+        });
+    answer.Error = TextOf(result.error());
+    return answer;
+}
 
 RemoteServer::RemoteServer(QString const& p_BaseUrl)
 {
@@ -116,26 +137,15 @@ RemoteAnswer RemoteServer::Get(QString const& p_Path, QByteArray const& p_Range,
     httplib::Headers headers = Details->Headers;
     if (!p_Range.isEmpty())
         headers.emplace("Range", p_Range.toStdString());
-    RemoteAnswer answer;
-    httplib::Result const result = Details->Client.Get(
-        Details->PathOf(p_Path), headers,
-        [&answer](httplib::Response const& p_Response) {
-            answer = AnswerOf(p_Response);
-            return true;
-        },
-        [&p_Sink](char const* p_Data, std::size_t p_Bytes) {
-            p_Sink(p_Data, p_Bytes);
-            return true;
-        });
-    answer.Error = TextOf(result.error());
-    return answer;
+    return Details->Get(p_Path, headers, p_Sink);
 }
 
 RemoteAnswer RemoteServer::Fetch(QString const& p_Path, QByteArray& p_Body)
 {
     p_Body.clear();
+    httplib::Headers const plain{{"Accept-Encoding", "identity"}};
     RemoteAnswer const answer =
-        Get(p_Path, QByteArray(), [&p_Body](char const* p_Data, std::size_t p_Bytes) {
+        Details->Get(p_Path, plain, [&p_Body](char const* p_Data, std::size_t p_Bytes) {
             p_Body.append(p_Data, static_cast<int>(p_Bytes));
         });
     if (!answer.Problem(200).isEmpty())

@@ -36,7 +36,7 @@ public:
     RemoteAnswer Head(QString const& p_Path);
     /// \param p_Range "bytes=1-", empty for the whole file
     RemoteAnswer Get(QString const& p_Path, QByteArray const& p_Range, Sink const& p_Sink);
-    /// Gets a small file. p_Body is empty after a failure.
+    /// Gets a small file, uncompressed. p_Body is empty after a failure.
     RemoteAnswer Fetch(QString const& p_Path, QByteArray& p_Body);
 
 private:

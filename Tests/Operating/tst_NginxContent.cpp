@@ -1,0 +1,190 @@
+#include "Publisher/ServerVerification.hpp"
+#include "Tests/Operating/NginxServer.hpp"
+#include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Publisher/ServingThread.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/SampleContent.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+QByteArray const c_AcceptGzip = "Accept-Encoding: gzip, deflate\r\n";
+/// A text, so that a server which compresses anything compresses it.
+QByteArray const c_Data = QByteArray("a line of text\n").repeated(10000);
+
+QByteArray GetOf(QString const& p_Path)
+{
+    return "GET /" + p_Path.toUtf8();
+}
+
+QByteArray GetOfData()
+{
+    return GetOf(PublishedGame::ContentPath(c_Data));
+}
+
+} // namespace
+
+/// docs/nginx/content.conf
+class NginxContentTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void GivesEveryFileAsPublished();
+    void GivesRanges_data();
+    void GivesRanges();
+    void ContentIsNotCompressed();
+    void ManifestsAreCompressedForThoseWhoCan();
+    void TellsHowLongAnAnswerHolds_data();
+    void TellsHowLongAnAnswerHolds();
+    void GivesNothingElse_data();
+    void GivesNothingElse();
+    void IsWhatVerificationWants();
+
+private:
+    PublishedGame Game;
+    std::unique_ptr<NginxServer> Server;
+};
+
+void NginxContentTest::initTestCase()
+{
+    Game.Put("Data/text", c_Data);
+    Game.Put("empty", "");
+    for (int i = 0; i < 100; ++i)
+        Game.Put(QString("Data/%1").arg(i),
+                 SampleContent::Bytes(1000, static_cast<quint32>(i + 1)));
+    Game.Options.RealmListAddress = "logon.example.net";
+    Game.Options.DevChannel = true;
+    Game.Publish();
+    Game.Options.DevChannel = false;
+    Game.Publish();
+    Server = std::make_unique<NginxServer>(
+        "content.conf",
+        NginxServer::Replacements{{"root /srv/www;", "root " + Game.Options.Output + ';'}});
+}
+
+void NginxContentTest::GivesEveryFileAsPublished()
+{
+    int files = 0;
+    for (auto const& [path, bytes] : Game.Published()) {
+        if (path.endsWith('/'))
+            continue;
+        HttpReply const reply = Ask(Server->Port(), GetOf(path));
+        QCOMPARE(reply.Status, 200);
+        QCOMPARE(reply.Body, bytes);
+        QCOMPARE(reply.Header("Content-Length").toInt(), bytes.size());
+        ++files;
+    }
+    QCOMPARE(files, 108);
+}
+
+void NginxContentTest::GivesRanges_data()
+{
+    QTest::addColumn<QByteArray>("range");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("contentRange");
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("rest") << QByteArray("bytes=149990-") << 206
+                          << QByteArray("bytes 149990-149999/150000") << c_Data.right(10);
+    QTest::newRow("from the start")
+        << QByteArray("bytes=0-") << 206 << QByteArray("bytes 0-149999/150000") << c_Data;
+    QTest::newRow("middle") << QByteArray("bytes=100000-100009") << 206
+                            << QByteArray("bytes 100000-100009/150000") << c_Data.mid(100000, 10);
+    QTest::newRow("behind the end")
+        << QByteArray("bytes=150000-") << 416 << QByteArray("bytes */150000") << QByteArray();
+}
+
+void NginxContentTest::GivesRanges()
+{
+    QFETCH(QByteArray, range);
+    QFETCH(int, status);
+    QFETCH(QByteArray, contentRange);
+    QFETCH(QByteArray, body);
+    HttpReply const reply =
+        Ask(Server->Port(), GetOfData(), c_AcceptGzip + "Range: " + range + "\r\n");
+    QCOMPARE(reply.Status, status);
+    QCOMPARE(reply.Header("Content-Range"), contentRange);
+    if (status == 206)
+        QCOMPARE(reply.Body, body);
+}
+
+void NginxContentTest::ContentIsNotCompressed()
+{
+    HttpReply const reply = Ask(Server->Port(), GetOfData(), c_AcceptGzip);
+    QCOMPARE(reply.Header("Content-Encoding"), QByteArray());
+    QCOMPARE(reply.Header("Accept-Ranges"), QByteArray("bytes"));
+    QCOMPARE(reply.Body, c_Data);
+}
+
+void NginxContentTest::ManifestsAreCompressedForThoseWhoCan()
+{
+    QByteArray const get = GetOf("pelmora_app/builds/build_1/info.json");
+    QCOMPARE(Ask(Server->Port(), get, c_AcceptGzip).Header("Content-Encoding"), QByteArray("gzip"));
+    QCOMPARE(Ask(Server->Port(), get).Header("Content-Encoding"), QByteArray());
+}
+
+void NginxContentTest::TellsHowLongAnAnswerHolds_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("content") << PublishedGame::ContentPath(c_Data)
+                             << QByteArray("public, max-age=31536000, immutable");
+    QTest::newRow("manifest") << "pelmora_app/builds/build_1/info.json"
+                              << QByteArray("public, max-age=86400");
+    QTest::newRow("version") << "pelmora_app/version.json" << QByteArray("public, max-age=60");
+    QTest::newRow("development") << "pelmora_app/version_dev.json"
+                                 << QByteArray("public, max-age=60");
+    QTest::newRow("hosts") << "cdns.info" << QByteArray("public, max-age=300");
+    QTest::newRow("realm list") << "pelmora_app/realmlist.info"
+                                << QByteArray("public, max-age=300");
+}
+
+void NginxContentTest::TellsHowLongAnAnswerHolds()
+{
+    QFETCH(QString, path);
+    QFETCH(QByteArray, value);
+    QCOMPARE(Ask(Server->Port(), GetOf(path)).Header("Cache-Control"), value);
+    QCOMPARE(AskRange(Server->Port(), GetOf(path), "bytes=1-").Header("Cache-Control"), value);
+}
+
+void NginxContentTest::GivesNothingElse_data()
+{
+    QTest::addColumn<QString>("path");
+    for (char const* const path :
+         {"", "pelmora_app", "pelmora_app/",
+          "pelmora_app/files/00/00000000000000000000000000000000",
+          "pelmora_app/builds/none/info.json", "pelmora_app/builds/", "other/version.json",
+          ".varnholt-publish.new/x", "notes.txt", "pelmora_app/version.json.old"})
+        QTest::newRow(qPrintable(QString("/%1").arg(path))) << QString(path);
+}
+
+void NginxContentTest::GivesNothingElse()
+{
+    QFETCH(QString, path);
+    for (char const* const present :
+         {".varnholt-publish.new/x", "notes.txt", "pelmora_app/version.json.old"})
+        QVERIFY(WriteFile(Game.OutputPath(present), "secret"));
+    HttpReply const reply = Ask(Server->Port(), GetOf(path));
+    QVERIFY2(reply.Status == 404 || reply.Status == 403 || reply.Status == 301,
+             reply.Headers.constData());
+    QVERIFY(!reply.Body.contains("secret"));
+    QCOMPARE(reply.Header("Cache-Control"), QByteArray());
+}
+
+void NginxContentTest::IsWhatVerificationWants()
+{
+    QVERIFY(WriteFile(Game.OutputPath("cdns.info"), Server->Host().toUtf8()));
+    auto const summary =
+        Publisher::ServerVerification({Server->BaseUrl(), "pelmora_app", 0, true}).Run();
+    QCOMPARE(summary.Defects, QStringList());
+    QCOMPARE(summary.FilesRead, 103);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::NginxContentTest)
+#include "tst_NginxContent.moc"
