@@ -1,6 +1,7 @@
 #include "Host/Core/RunControl.hpp"
 
 #include "GameModules/Pelmora/LoginScreen.hpp"
+#include "Host/Core/FolderSweep.hpp"
 
 #include <QFileInfo>
 #include <QMutexLocker>
@@ -85,8 +86,10 @@ void RunControl::FinishUninstall(QString const& p_Folder)
     constexpr int c_MostNamed = 3;
 
     QStringList remaining;
-    if (Request.DeletesFiles)
+    if (Request.DeletesFiles) {
+        FolderSweep::Run(Context.Module.Manifest, p_Folder);
         remaining = RemainingFiles(Context.Module.Manifest, p_Folder);
+    }
     if (remaining.isEmpty())
         return Finish();
     QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));
@@ -147,16 +150,18 @@ void RunControl::JudgeLogin(bool p_WasRunning)
     if (p_WasRunning)
         return NoticeOnce(QStringLiteral("The game was running already; the new one does not log "
                                          "in by itself."));
-    for (char const* const name : {LoginScreen::c_Layout, LoginScreen::c_Script}) {
-        QFileInfo const screen(Folder() + QLatin1String(name));
-        if (screen.exists())
-            continue;
-        QFileInfo const origin(screen.filePath() + QLatin1String(LoginScreen::c_TemplateSuffix));
-        return NoticeOnce(QStringLiteral("The game does not log in by itself: %1 %2.")
-                              .arg(origin.filePath(), origin.isFile()
-                                                          ? QStringLiteral("cannot be copied")
-                                                          : QStringLiteral("is missing")));
-    }
+    // Without one template the module copies neither.
+    char const* const names[] = {LoginScreen::c_Layout, LoginScreen::c_Script};
+    for (bool const copied : {false, true})
+        for (char const* const name : names) {
+            QString const screen = Folder() + QLatin1String(name);
+            QString const origin = screen + QLatin1String(LoginScreen::c_TemplateSuffix);
+            if (QFileInfo::exists(copied ? screen : origin))
+                continue;
+            return NoticeOnce(QStringLiteral("The game does not log in by itself: %1 %2.")
+                                  .arg(origin, copied ? QStringLiteral("cannot be copied")
+                                                      : QStringLiteral("is missing")));
+        }
     if (IsMarkup(Request.Argument) || IsMarkup(Request.Password))
         NoticeOnce(QStringLiteral("The account name or the password holds characters that the "
                                   "login screen may misread; log in by hand if it does."));
