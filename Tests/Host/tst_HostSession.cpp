@@ -1,5 +1,4 @@
 #include "Tests/Host/SessionGame.hpp"
-#include "Tests/Support/ScopedCurrentFolder.hpp"
 
 #include <QtTest>
 
@@ -61,16 +60,6 @@ private Q_SLOTS:
     void OneSessionServesManyRequests();
     void ASessionAfterAnotherLoadsTheModuleAgain();
     void ASecondSessionBesideTheFirstIsRefused();
-
-    void AnUpdateOfACompleteGameFetchesNothing();
-    void AnUpdateBringsWhatIsMissingOrDamaged();
-    void ARepairFindsWhatAnUpdateTrusts();
-    void AnUpdateBringsAnotherBuildWithItsStreamedFiles();
-    void AnUpdateOfNothingIsRefused();
-    void AnInstallationElsewhereWantsAConfirmation();
-    void AnInstallationMayBeginAnewInItsFolder();
-    void ABuildWithoutFilesIsNoGame();
-    void AUserInTheGameFolderDoesNotMoveTheGame();
 };
 
 void HostSessionTest::AnInstallationBringsEverything()
@@ -269,130 +258,6 @@ void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
     other.Close();
     qputenv("VARNHOLT_CONTENT_BASE_URL", game.Server.BaseUrl().toUtf8());
     QCOMPARE(game.Install(), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-}
-
-void HostSessionTest::AnUpdateOfACompleteGameFetchesNothing()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QCOMPARE(game.Result().Transfers, 0u);
-    QCOMPARE(game.Requested(), QStringList());
-    QVERIFY(!game.IsMarkedUnfinished());
-}
-
-void HostSessionTest::AnUpdateBringsWhatIsMissingOrDamaged()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
-    game.Put("readme.txt", "damaged");
-    QVERIFY(QFile::remove(game.Path("Data/first build.MPQ"))); // trusted by the module
-    QVERIFY(QFile::remove(game.Path("Data/streamed 2.MPQ")));  // as well
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Result().Transfers, 4u);
-}
-
-void HostSessionTest::ARepairFindsWhatAnUpdateTrusts()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QStringList const trusted{"Data/first build.MPQ", "Data/streamed 1.MPQ"};
-    for (QString const& file : trusted)
-        game.Put(file, "damaged");
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QCOMPARE(game.Wrong(), trusted);
-    QCOMPARE(game.Run(RequestType::Repair), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Result().Transfers, 2u);
-}
-
-void HostSessionTest::AnUpdateBringsAnotherBuildWithItsStreamedFiles()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    game.Content.Build = QStringLiteral("build_2");
-    for (SampleFile& file : game.Content.Files)
-        if (file.Path.contains("streamed 1") || file.Path.contains("first"))
-            file.Bytes += "of build 2";
-    game.Content.Add({"Data/new.MPQ", "new"}).Add({"Data/new streamed.MPQ", "s", 0, {}, true});
-    game.Publish();
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Result().Transfers, 4u);
-    QCOMPARE(game.Status().Build, QString("build_2"));
-}
-
-void HostSessionTest::AnUpdateOfNothingIsRefused()
-{
-    SessionGame game;
-    game.AddFiles().Publish();
-    QVERIFY(game.Open());
-    for (RequestType const kind :
-         {RequestType::Update, RequestType::Repair, RequestType::Play, RequestType::Uninstall})
-        QCOMPARE(game.Run(kind), QString("not-installed"));
-    QCOMPARE(game.Sentence(), QString("Mists of Pandaria is not installed"));
-    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
-}
-
-void HostSessionTest::AnInstallationElsewhereWantsAConfirmation()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QString const former = game.Folder;
-    QVERIFY(game.Open());
-    Host::RunRequest request;
-    request.Kind = RequestType::Install;
-    request.Argument = game.Base + "Other/";
-    QCOMPARE(game.Run(request), QString("installed-elsewhere"));
-    QVERIFY2(game.Sentence().endsWith(former), qPrintable(game.Sentence()));
-    QVERIFY(!QFileInfo::exists(request.Argument));
-    request.Confirmed = true;
-    QCOMPARE(game.Run(request), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-    game.Folder = request.Argument;
-    QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Status().Folder, request.Argument);
-}
-
-void HostSessionTest::AnInstallationMayBeginAnewInItsFolder()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    game.Put("Data/streamed 1.MPQ", "damaged");
-    game.Put("readme.txt", "damaged");
-    QVERIFY(game.Open());
-    QCOMPARE(game.Install(), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Result().Transfers, 2u);
-}
-
-void HostSessionTest::ABuildWithoutFilesIsNoGame()
-{
-    SessionGame game;
-    game.Publish();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Install(), QString("build-empty"));
-    QVERIFY(!game.Status().IsInstalled);
-    QVERIFY(!QFileInfo::exists(game.Folder));
-}
-
-void HostSessionTest::AUserInTheGameFolderDoesNotMoveTheGame()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QVERIFY(QFile::remove(game.Path("readme.txt")));
-    ScopedCurrentFolder const current(game.Folder);
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QCOMPARE(game.Result().Folder, game.Folder);
     QCOMPARE(game.Wrong(), QStringList());
 }
 
