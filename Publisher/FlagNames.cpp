@@ -36,6 +36,16 @@ std::optional<qint32> Flag(QString const& p_Name, ContentPlatform p_Platform)
     return std::nullopt;
 }
 
+QStringList NamesOf(qint32 p_Flags, ContentPlatform p_Platform)
+{
+    QStringList names;
+    for (NamedFlag const& flag : c_Flags) {
+        if ((p_Flags & (p_Platform == ContentPlatform::Mac ? flag.Mac : flag.Windows)) != 0)
+            names += QString::fromLatin1(flag.Name);
+    }
+    return names;
+}
+
 qint32 GameExecutable(ContentPlatform p_Platform)
 {
     return p_Platform == ContentPlatform::Mac ? Entry::MacGameExecutable

@@ -1,31 +1,21 @@
 #include "Publisher/Publication.hpp"
 
-#include "Launcher/Application/ApplicationManifest.hpp"
+#include "Publisher/ContentStore.hpp"
 #include "Publisher/Failure.hpp"
-#include "Publisher/FlagNames.hpp"
-#include "Publisher/ManifestWriter.hpp"
 #include "Publisher/NativePath.hpp"
 #include "Publisher/OptionChecks.hpp"
 #include "Publisher/ParallelFor.hpp"
-#include "Publisher/RuleSetReader.hpp"
+#include "Publisher/SourceListing.hpp"
 #include "Publisher/SourceReader.hpp"
-#include "Publisher/SourceScan.hpp"
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSet>
 
 #include <algorithm>
 
 namespace Varnholt::Publisher {
 
 namespace {
-
-/// Where `varnholt-publish serve` listens by default, and where clients look by default.
-QString const c_DefaultHost = QStringLiteral("127.0.0.1:8080");
 
 bool IsAtOrBelow(QString const& p_Path, QString const& p_Folder)
 {
@@ -38,24 +28,19 @@ bool IsAtOrBelow(QString const& p_Path, QString const& p_Folder)
     return canonical(p_Path).startsWith(canonical(p_Folder));
 }
 
-/// Large files first, so that no core is left alone with one at the end.
-std::vector<std::size_t> LargestFirst(std::vector<BuildFile> const& p_Files)
+/// The files that have to be read, large ones first, so that no core is left alone with one at the
+/// end.
+std::vector<std::size_t> UnhashedLargestFirst(std::vector<BuildFile> const& p_Files)
 {
-    std::vector<std::size_t> order(p_Files.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = i;
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < p_Files.size(); ++i) {
+        if (p_Files[i].Md5.isEmpty())
+            order.push_back(i);
+    }
     std::stable_sort(order.begin(), order.end(), [&](std::size_t p_One, std::size_t p_Two) {
         return p_Files[p_One].Source.Size > p_Files[p_Two].Source.Size;
     });
     return order;
-}
-
-qint64 TotalBytes(std::vector<BuildFile> const& p_Files)
-{
-    qint64 bytes = 0;
-    for (BuildFile const& file : p_Files)
-        bytes += file.Source.Size;
-    return bytes;
 }
 
 } // namespace
@@ -64,7 +49,8 @@ Publication::Publication(PublishOptions const& p_Options, PublicationObserver& p
     : Options(p_Options)
     , Observer(p_Observer)
     , AppFolder(p_Options.Output + QLatin1Char('/') + p_Options.AppId)
-    , Store(AppFolder)
+    , Mark(p_Options.Output)
+    , Index(Mark.PrivatePath(p_Options.AppId + QStringLiteral(".index")), p_Options.Source)
 {
 }
 
@@ -76,24 +62,29 @@ PublicationSummary Publication::Run()
 
     OptionChecks::Check(Options);
     CheckFolders();
-    RuleSet const rules = ReadRules();
-    std::vector<BuildFile> files = ListFiles(rules);
-    CheckGameExecutable(files);
+    RuleSet const rules = SourceListing::ReadRules(Options);
+    Scanned = std::filesystem::file_time_type::clock::now();
+    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options.Source, rules);
+    SourceListing::CheckGameExecutable(Options, files, Observer);
 
-    TreeTransaction tree(Options.Output);
+    // A run that may turn out to change nothing does not touch the tree before.
+    std::unique_ptr<TreeTransaction> tree;
+    if (!Options.DryRun && !Options.IfChanged)
+        tree = std::make_unique<TreeTransaction>(Options.Output);
     Hash(files);
-    AddContent(files, tree);
-    AddManifest(ManifestWriter::Write(Options.Build, rules.Locales, files, Options.Platform), tree);
-    AddServerFiles(tree);
-    AddVersion(tree);
-    tree.Commit();
-
-    Summary.Files = static_cast<int>(files.size());
-    Summary.StreamedFiles =
-        static_cast<int>(std::count_if(files.begin(), files.end(), [](BuildFile const& p_File) {
-            return p_File.Treatment.Streamed;
-        }));
-    Summary.Bytes = TotalBytes(files);
+    PublicationPlan const plan(Options, rules, files);
+    Count(files, plan);
+    if (Options.IfChanged)
+        Summary.UnchangedBuild = plan.UnchangedBuild(rules, files);
+    if (Summary.UnchangedBuild.isNull()) {
+        if (Options.DryRun) {
+            Summary.WouldWrite = plan.TreeFiles();
+        } else {
+            if (!tree)
+                tree = std::make_unique<TreeTransaction>(Options.Output);
+            Write(plan, files, *tree);
+        }
+    }
     Summary.Milliseconds = timer.elapsed();
     return Summary;
 }
@@ -108,61 +99,18 @@ void Publication::CheckFolders() const
         throw Failure(Options.Source +
                       QStringLiteral(": the source folder must not be inside published content"));
     }
-}
-
-RuleSet Publication::ReadRules() const
-{
-    if (Options.RulesFile.isEmpty())
-        return RuleSet{{}, Options.Locales};
-    return RuleSetReader(Options.RulesFile, Options.Platform).Read(Options.Locales);
-}
-
-std::vector<BuildFile> Publication::ListFiles(RuleSet const& p_Rules) const
-{
-    SourceScan scan(Options.Source, [&p_Rules](QString const& p_Path) {
-        return !p_Rules.TreatmentOf(p_Path).Excluded;
-    });
-    std::vector<BuildFile> files;
-    for (SourceFile const& source : scan.Run())
-        files.push_back({source, p_Rules.TreatmentOf(source.Path), QString()});
-    return files;
-}
-
-void Publication::CheckGameExecutable(std::vector<BuildFile> const& p_Files) const
-{
-    qint32 const flag = FlagNames::GameExecutable(Options.Platform);
-    BuildFile const* found = nullptr;
-    for (BuildFile const& file : p_Files) {
-        if ((file.Treatment.Flags & flag) == 0)
-            continue;
-        if (file.Treatment.Streamed) {
-            throw Failure(file.Source.Path +
-                          QStringLiteral(": the game's executable must not be streamed"));
-        }
-        if (found) {
-            throw Failure(QStringLiteral("%1 and %2 both have the flag game-executable: a build "
-                                         "has exactly one")
-                              .arg(found->Source.Path, file.Source.Path));
-        }
-        found = &file;
-    }
-    if (!found) {
-        throw Failure(Options.Source +
-                      QStringLiteral(": no file has the flag game-executable: give it to the "
-                                     "game's executable in the rules file"));
-    }
-    auto const executable = Launcher::ApplicationManifestFileEntry::Executable;
-    if (Options.Platform == ContentPlatform::Mac && (found->Treatment.Flags & executable) == 0) {
-        Observer.Warned(found->Source.Path +
-                        QStringLiteral(": the game's executable has no flag executable, so "
-                                       "clients cannot start it"));
-    }
+    Mark.CheckMayPublish();
 }
 
 void Publication::Hash(std::vector<BuildFile>& p_Files)
 {
-    Observer.PhaseStarted(QStringLiteral("Hashing"), TotalBytes(p_Files));
-    std::vector<std::size_t> const order = LargestFirst(p_Files);
+    if (Options.ReadIndex)
+        TakeFromIndex(p_Files);
+    std::vector<std::size_t> const order = UnhashedLargestFirst(p_Files);
+    qint64 bytes = 0;
+    for (std::size_t const index : order)
+        bytes += p_Files[index].Source.Size;
+    Observer.PhaseStarted(QStringLiteral("Hashing"), bytes);
     ParallelFor(order.size(), [&](std::size_t p_Index) {
         BuildFile& file = p_Files[order[p_Index]];
         file.Md5 = SourceReader::Read(
@@ -170,26 +118,52 @@ void Publication::Hash(std::vector<BuildFile>& p_Files)
     });
 }
 
-void Publication::AddContent(std::vector<BuildFile> const& p_Files, TreeTransaction& p_Tree)
+void Publication::TakeFromIndex(std::vector<BuildFile>& p_Files)
 {
-    std::vector<BuildFile> missing;
-    QSet<QString> known;
-    for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !Store.Holds(file))
-            missing.push_back(file);
-        known.insert(file.Md5);
+    if (Index.FillIn(p_Files) == HashIndex::State::Damaged) {
+        Observer.Warned(Index.FileName() +
+                        QStringLiteral(": the index is damaged, so every file is read again"));
     }
-    Summary.NewContentFiles = static_cast<int>(missing.size());
-    Summary.NewContentBytes = TotalBytes(missing);
+    for (BuildFile const& file : p_Files) {
+        if (file.Md5.isEmpty())
+            continue;
+        FromIndex.insert(file.Source.Path);
+        ++Summary.IndexedFiles;
+        Summary.IndexedBytes += file.Source.Size;
+    }
+}
 
+void Publication::Write(PublicationPlan const& p_Plan, std::vector<BuildFile> const& p_Files,
+                        TreeTransaction& p_Tree)
+{
+    // First of all, so that whatever is left of a run is known as the publisher's own.
+    if (!Mark.IsThere())
+        p_Tree.AddText(TreeMark::Text(), Mark.Path());
+    if (Options.WriteIndex) {
+        QString const index = p_Tree.NewFile();
+        Index.Write(index, p_Files, Scanned);
+        p_Tree.Add(index, Index.FileName());
+    }
+    WriteContent(p_Plan.Content, p_Tree);
+    for (PublicationPlan::Text const& text : p_Plan.Manifest)
+        p_Tree.AddText(text.Content, text.Target);
+    for (PublicationPlan::Text const& text : p_Plan.ServerFiles)
+        p_Tree.AddText(text.Content, text.Target);
+    p_Tree.AddText(p_Plan.Version.Content, p_Plan.Version.Target);
+    p_Tree.Commit();
+}
+
+void Publication::WriteContent(std::vector<BuildFile> const& p_Missing, TreeTransaction& p_Tree)
+{
     Observer.PhaseStarted(QStringLiteral("Copying"), Summary.NewContentBytes);
-    std::vector<QString> copies(missing.size());
-    ParallelFor(missing.size(), [&](std::size_t p_Index) {
+    std::vector<QString> copies(p_Missing.size());
+    ParallelFor(p_Missing.size(), [&](std::size_t p_Index) {
         copies[p_Index] = p_Tree.NewFile();
-        CopyTo(copies[p_Index], missing[p_Index]);
+        CopyTo(copies[p_Index], p_Missing[p_Index]);
     });
-    for (std::size_t i = 0; i < missing.size(); ++i)
-        p_Tree.Add(copies[i], Store.PathOf(missing[i].Md5));
+    ContentStore const store(AppFolder);
+    for (std::size_t i = 0; i < p_Missing.size(); ++i)
+        p_Tree.Add(copies[i], store.PathOf(p_Missing[i].Md5));
 }
 
 void Publication::CopyTo(QString const& p_Target, BuildFile const& p_File)
@@ -207,47 +181,25 @@ void Publication::CopyTo(QString const& p_Target, BuildFile const& p_File)
         Observer.BytesRead(p_Bytes);
     });
     // Published bytes are what the manifest says, also when the file's times and size say nothing.
-    if (md5 != p_File.Md5)
-        throw Failure(SourceReader::ChangedText(p_File.Source));
-}
-
-void Publication::AddManifest(QByteArray const& p_Manifest, TreeTransaction& p_Tree) const
-{
-    QString const path = QStringLiteral("%1/builds/%2/info.json").arg(AppFolder, Options.Build.Id);
-    if (!QFileInfo(path).isFile()) {
-        p_Tree.AddText(p_Manifest, path);
+    if (md5 == p_File.Md5)
         return;
+    if (FromIndex.contains(p_File.Source.Path)) {
+        throw Failure(p_File.Source.Path +
+                      QStringLiteral(": the file changed since it was indexed, but not its time: "
+                                     "publish with --rehash"));
     }
-    // Clients may be in the middle of this build, so it stays as it is.
-    QFile published(path);
-    if (!published.open(QIODevice::ReadOnly) || published.readAll() != p_Manifest) {
-        throw Failure(QStringLiteral("%1: this build is already published with other content: "
-                                     "choose another --build")
-                          .arg(path));
-    }
+    throw Failure(SourceReader::ChangedText(p_File.Source));
 }
 
-void Publication::AddServerFiles(TreeTransaction& p_Tree) const
+void Publication::Count(std::vector<BuildFile> const& p_Files, PublicationPlan const& p_Plan)
 {
-    QString const hosts = Options.Output + QStringLiteral("/cdns.info");
-    if (Options.Hosts || !QFileInfo(hosts).isFile()) {
-        QStringList const names = Options.Hosts.value_or(QStringList{c_DefaultHost});
-        // One blank between the names and nothing after the last: clients trim nothing.
-        p_Tree.AddText(names.join(QLatin1Char(' ')).toUtf8(), hosts);
+    Summary.Files = static_cast<int>(p_Files.size());
+    for (BuildFile const& file : p_Files) {
+        Summary.Bytes += file.Source.Size;
+        Summary.StreamedFiles += file.Treatment.Streamed ? 1 : 0;
     }
-    if (Options.RealmListAddress) {
-        // Clients put the whole content into the game's configuration as one line.
-        QString const line = QStringLiteral("SET realmlist \"%1\"").arg(*Options.RealmListAddress);
-        p_Tree.AddText(line.toUtf8(), AppFolder + QStringLiteral("/realmlist.info"));
-    }
-}
-
-void Publication::AddVersion(TreeTransaction& p_Tree) const
-{
-    QString const name =
-        Options.DevChannel ? QStringLiteral("/version_dev.json") : QStringLiteral("/version.json");
-    QJsonObject const version{{QStringLiteral("build"), Options.Build.Id}};
-    p_Tree.AddText(QJsonDocument(version).toJson(QJsonDocument::Compact), AppFolder + name);
+    Summary.NewContentFiles = static_cast<int>(p_Plan.Content.size());
+    Summary.NewContentBytes = p_Plan.ContentBytes();
 }
 
 } // namespace Varnholt::Publisher

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "Publisher/BuildFile.hpp"
-#include "Publisher/ContentStore.hpp"
+#include "Publisher/HashIndex.hpp"
 #include "Publisher/PublicationObserver.hpp"
+#include "Publisher/PublicationPlan.hpp"
 #include "Publisher/PublicationSummary.hpp"
 #include "Publisher/PublishOptions.hpp"
-#include "Publisher/RuleSet.hpp"
+#include "Publisher/TreeMark.hpp"
 #include "Publisher/TreeTransaction.hpp"
+
+#include <QSet>
 
 #include <vector>
 
@@ -27,20 +30,21 @@ public:
 
 private:
     void CheckFolders() const;
-    RuleSet ReadRules() const;
-    std::vector<BuildFile> ListFiles(RuleSet const& p_Rules) const;
-    void CheckGameExecutable(std::vector<BuildFile> const& p_Files) const;
     void Hash(std::vector<BuildFile>& p_Files);
-    void AddContent(std::vector<BuildFile> const& p_Files, TreeTransaction& p_Tree);
+    void TakeFromIndex(std::vector<BuildFile>& p_Files);
+    void Write(PublicationPlan const& p_Plan, std::vector<BuildFile> const& p_Files,
+               TreeTransaction& p_Tree);
+    void WriteContent(std::vector<BuildFile> const& p_Missing, TreeTransaction& p_Tree);
     void CopyTo(QString const& p_Target, BuildFile const& p_File);
-    void AddManifest(QByteArray const& p_Manifest, TreeTransaction& p_Tree) const;
-    void AddServerFiles(TreeTransaction& p_Tree) const;
-    void AddVersion(TreeTransaction& p_Tree) const;
+    void Count(std::vector<BuildFile> const& p_Files, PublicationPlan const& p_Plan);
 
     PublishOptions const& Options;
     PublicationObserver& Observer;
     QString AppFolder;
-    ContentStore Store;
+    TreeMark Mark;
+    HashIndex Index;
+    std::filesystem::file_time_type Scanned;
+    QSet<QString> FromIndex; ///< paths
     PublicationSummary Summary;
 };
 

@@ -23,6 +23,10 @@ struct PublishOptions {
     QString AppId = QStringLiteral("pelmora_app");
     ContentPlatform Platform = ContentPlatform::Mac;
     bool DevChannel = false; ///< only clients on the development channel get this build
+    bool ReadIndex = true;   ///< take the digests of unchanged files from the index
+    bool WriteIndex = true;  ///< renew the index
+    bool DryRun = false;     ///< change nothing, only answer what would be written
+    bool IfChanged = false; ///< publish nothing when the channel's build is what would be published
 };
 
 } // namespace Varnholt::Publisher

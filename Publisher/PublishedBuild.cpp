@@ -56,6 +56,8 @@ PublishedBuild PublishedBuild::Parse(QByteArray const& p_Manifest, QString const
     QJsonObject const root = document.object();
     PublishedBuild build;
     build.Id = root[QLatin1String("build_id")].toString();
+    build.Name = root[QLatin1String("build_str")].toString();
+    build.Number = root[QLatin1String("build_number")].toInt();
     for (QJsonValue const& row : root[QLatin1String("available_locales")].toArray()) {
         QJsonObject const locale = row.toObject();
         build.Locales[locale[QLatin1String("tag")].toString()] =

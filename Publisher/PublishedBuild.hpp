@@ -27,6 +27,8 @@ struct PublishedFile {
 /// A build as its manifest tells it, of either platform.
 struct PublishedBuild {
     QString Id;
+    QString Name; ///< shown to people
+    qint32 Number = 0;
     std::map<QString, QString> Locales; ///< display names by tag
     std::vector<PublishedFile> Files;   ///< base files first
 

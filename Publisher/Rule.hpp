@@ -16,6 +16,8 @@ struct Rule {
     std::optional<QString> Locale;
     std::optional<bool> Streamed;
     std::optional<bool> Excluded;
+    QString Pattern; ///< as it is written
+    int Line = 0;    ///< of the rules file, from 1
 };
 
 } // namespace Varnholt::Publisher

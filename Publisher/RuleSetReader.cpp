@@ -2,6 +2,7 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/FlagNames.hpp"
+#include "Publisher/RuleLines.hpp"
 #include "Publisher/TextPosition.hpp"
 
 #include <QFile>
@@ -40,7 +41,8 @@ RuleSetReader::RuleSetReader(QString const& p_FileName, ContentPlatform p_Platfo
 
 RuleSet RuleSetReader::Read(std::map<QString, QString> const& p_Locales) const
 {
-    QJsonObject const document = ReadDocument();
+    QByteArray const text = ReadText();
+    QJsonObject const document = ParseDocument(text);
     CheckKeys(document, {c_Rules, c_Locales}, QString());
 
     RuleSet set;
@@ -51,9 +53,11 @@ RuleSet RuleSetReader::Read(std::map<QString, QString> const& p_Locales) const
     if (!rules.isArray() && !rules.isUndefined())
         Fail(Quoted(c_Rules), QStringLiteral("must be an array of objects"));
     QJsonArray const array = rules.toArray();
+    std::vector<int> const lines = RuleLines(text);
     for (int i = 0; i < array.size(); ++i) {
         QString const place = QStringLiteral("rules[%1]").arg(i);
-        Rule const rule = ReadRule(array[i], place);
+        Rule rule = ReadRule(array[i], place);
+        rule.Line = lines.at(static_cast<std::size_t>(i));
         QString const locale = rule.Locale.value_or(QString());
         if (!locale.isEmpty() && set.Locales.count(locale) == 0) {
             Fail(place, QStringLiteral("the locale %1 is not declared: add it to \"locales\" or "
@@ -65,17 +69,20 @@ RuleSet RuleSetReader::Read(std::map<QString, QString> const& p_Locales) const
     return set;
 }
 
-QJsonObject RuleSetReader::ReadDocument() const
+QByteArray RuleSetReader::ReadText() const
 {
     QFile file(FileName);
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(FileName + QStringLiteral(": cannot be read: ") + file.errorString());
-    QByteArray const text = file.readAll();
+    return file.readAll();
+}
 
+QJsonObject RuleSetReader::ParseDocument(QByteArray const& p_Text) const
+{
     QJsonParseError error{};
-    QJsonDocument const document = QJsonDocument::fromJson(text, &error);
+    QJsonDocument const document = QJsonDocument::fromJson(p_Text, &error);
     if (error.error != QJsonParseError::NoError) {
-        TextPosition const position = TextPosition::At(text, error.offset);
+        TextPosition const position = TextPosition::At(p_Text, error.offset);
         Fail(QStringLiteral("line %1, column %2").arg(position.Line).arg(position.Column),
              error.errorString());
     }
@@ -107,7 +114,8 @@ Rule RuleSetReader::ReadRule(QJsonValue const& p_Value, QString const& p_Place) 
     QJsonObject const object = p_Value.toObject();
     CheckKeys(object, {c_Match, c_Flags, c_Locale, c_Streamed, c_Exclude}, p_Place);
 
-    Rule rule{GlobPattern(ReadMatch(object, p_Place)), {}, {}, {}, {}};
+    QString const pattern = ReadMatch(object, p_Place);
+    Rule rule{GlobPattern(pattern), {}, {}, {}, {}, pattern, 0};
     if (object.contains(c_Flags))
         rule.Flags = ReadFlags(object[c_Flags], KeyIn(p_Place, c_Flags));
     if (object.contains(c_Locale))

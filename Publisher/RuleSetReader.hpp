@@ -23,7 +23,8 @@ public:
     RuleSet Read(std::map<QString, QString> const& p_Locales) const;
 
 private:
-    QJsonObject ReadDocument() const;
+    QByteArray ReadText() const;
+    QJsonObject ParseDocument(QByteArray const& p_Text) const;
     std::map<QString, QString> ReadLocales(QJsonObject const& p_Document) const;
     Rule ReadRule(QJsonValue const& p_Value, QString const& p_Place) const;
     QString ReadMatch(QJsonObject const& p_Rule, QString const& p_Place) const;

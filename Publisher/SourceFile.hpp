@@ -12,6 +12,7 @@ struct SourceFile {
     std::filesystem::path Location; ///< where it lies on this machine
     qint64 Size = 0;                ///< bytes
     std::filesystem::file_time_type Modified;
+    quint64 Inode = 0; ///< tells it from another file that took its place
 };
 
 } // namespace Varnholt::Publisher

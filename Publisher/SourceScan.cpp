@@ -5,6 +5,9 @@
 #include "Publisher/PathChecks.hpp"
 
 #include <algorithm>
+#include <cerrno>
+
+#include <sys/stat.h>
 
 namespace Varnholt::Publisher {
 
@@ -92,12 +95,16 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
     if (!p_Entry.is_regular_file(error))
         throw Failure(path + QStringLiteral(": is neither a file nor a folder"));
 
-    SourceFile file{path, p_Entry.path(), 0, {}};
+    SourceFile file{path, p_Entry.path(), 0, {}, 0};
     file.Size = static_cast<qint64>(fs::file_size(file.Location, error));
     if (!error)
         file.Modified = fs::last_write_time(file.Location, error);
+    struct stat status = {};
+    if (!error && ::stat(file.Location.c_str(), &status) != 0)
+        error = std::error_code(errno, std::generic_category());
     if (error)
         throw FailureOf(path, error);
+    file.Inode = status.st_ino;
     Files.push_back(file);
 }
 

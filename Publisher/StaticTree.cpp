@@ -1,6 +1,7 @@
 #include "Publisher/StaticTree.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/TreeMark.hpp"
 
 #include <QFileInfo>
 
@@ -21,7 +22,8 @@ QString StaticTree::FileOf(QByteArray const& p_Path) const
     if (!p_Path.startsWith('/') || p_Path.contains('\0'))
         return QString();
     for (QByteArray const& name : p_Path.split('/')) {
-        if (name == "..")
+        // What the publisher notes down for itself is nothing that a client could rely on.
+        if (name == ".." || TreeMark::IsPrivate(QString::fromUtf8(name)))
             return QString();
     }
     QFileInfo const file(Root + QString::fromUtf8(p_Path.mid(1)));

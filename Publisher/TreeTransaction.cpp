@@ -3,6 +3,7 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/NativePath.hpp"
 #include "Publisher/StorageSync.hpp"
+#include "Publisher/TreeMark.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -27,11 +28,9 @@ void WriteFile(QString const& p_Path, QByteArray const& p_Content)
 
 TreeTransaction::TreeTransaction(QString const& p_Root)
     : Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
-    , Staging(Root + QStringLiteral("/.varnholt-publish.new"))
-    , Lock(std::make_unique<QLockFile>(Root + QStringLiteral("/.varnholt-publish.lock")))
+    , Staging(TreeMark(Root).PrivatePath(QStringLiteral("new")))
+    , Lock(Root)
 {
-    // A run takes as long as it takes; the lock of a program that died is recognised by its id.
-    Lock->setStaleLockTime(0);
     try {
         Open();
     } catch (Failure const&) {
@@ -49,11 +48,7 @@ TreeTransaction::~TreeTransaction()
 void TreeTransaction::Open()
 {
     MakeFolder(Root);
-    if (!Lock->tryLock()) {
-        bool const taken = Lock->error() == QLockFile::LockFailedError;
-        throw Failure(Root + (taken ? QStringLiteral(": another run is publishing there")
-                                    : QStringLiteral(": the output folder cannot be written")));
-    }
+    Lock.Take();
     // What a run that was killed has left behind.
     QDir(Staging).removeRecursively();
     if (!QDir().mkdir(Staging))
@@ -87,7 +82,7 @@ void TreeTransaction::Commit()
     }
     Committed = true;
     QDir(Staging).removeRecursively();
-    Lock->unlock();
+    Lock.Release();
     StorageSync(Root);
 }
 
@@ -130,9 +125,9 @@ void TreeTransaction::Undo()
             Undo(*move);
     }
     // Without the lock the folder of new files is another run's.
-    if (Lock->isLocked()) {
+    if (Lock.IsTaken()) {
         QDir(Staging).removeRecursively();
-        Lock->unlock();
+        Lock.Release();
     }
     for (auto folder = MadeFolders.rbegin(); folder != MadeFolders.rend(); ++folder)
         QDir().rmdir(*folder);

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Publisher/TreeLock.hpp"
+
 #include <QByteArray>
-#include <QLockFile>
 #include <QString>
 
 #include <atomic>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -55,7 +55,7 @@ private:
 
     QString Root;
     QString Staging;
-    std::unique_ptr<QLockFile> Lock;
+    TreeLock Lock;
     std::atomic<quint64> NewFiles{0};
     std::vector<Move> Moves;
     std::vector<QString> MadeFolders; ///< in the order of their making

@@ -1,9 +1,9 @@
 #include "Publisher/Cli/BuildCommand.hpp"
 
 #include "Publisher/Cli/BuildProgress.hpp"
-#include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/BuildReport.hpp"
 #include "Publisher/Cli/Interruption.hpp"
-#include "Publisher/Failure.hpp"
+#include "Publisher/Cli/LocaleOption.hpp"
 #include "Publisher/Publication.hpp"
 
 #include <CLI/CLI.hpp>
@@ -30,7 +30,11 @@ BuildCommand::BuildCommand(CLI::App& p_Program)
         "             {\"match\": \"**/.DS_Store\", \"exclude\": true}]}\n"
         "Flags: read-only, executable, game-executable, first-build-only,\n"
         "       default-server-only, keep-if-present\n"
-        "Exactly one file has the flag game-executable.\n");
+        "Exactly one file has the flag game-executable.\n"
+        "\n"
+        "Digests are kept in an index in the output folder; a file whose path, size, time\n"
+        "and inode are as they were is not read again.\n"
+        "The output folder is new, empty, or was made by this program.\n");
     AddOptions();
 }
 
@@ -56,6 +60,12 @@ void BuildCommand::AddOptions()
         ->check(CLI::IsMember({"mac", "win"}))
         ->capture_default_str();
     Command->add_flag("--dev", Dev, "Offer the build on the development channel only");
+    Command->add_flag("--rehash", Rehash, "Read every file, whatever the index says, and renew it");
+    Command->add_flag("--no-index", NoIndex, "Read every file and leave the index as it is");
+    Command->add_flag("--dry-run", DryRun, "Only tell what would be written");
+    Command->add_flag("--if-changed", IfChanged,
+                      "Publish nothing when the build on offer already equals the source");
+    Command->add_flag("--json", Json, "One JSON object per line");
 }
 
 bool BuildCommand::IsChosen() const
@@ -72,7 +82,11 @@ int BuildCommand::Run() const
         BuildProgress progress;
         summary = Publication(options, progress).Run();
     }
-    PrintSummary(options, summary);
+    BuildReport const report(options, summary);
+    if (Json)
+        report.PrintJson();
+    else
+        report.PrintText();
     return 0;
 }
 
@@ -85,7 +99,8 @@ PublishOptions BuildCommand::Options() const
     options.Build.Name = QString::fromStdString(Name.empty() ? Build : Name);
     options.Build.Number = Number;
     options.RulesFile = QString::fromStdString(Rules);
-    options.Locales = Locales();
+    if (Command->count("--locales") > 0)
+        options.Locales = ParseLocales(QString::fromStdString(LocaleList));
     if (Command->count("--hosts") > 0)
         options.Hosts = QString::fromStdString(Hosts).split(QLatin1Char(','));
     if (Command->count("--realmlist") > 0)
@@ -93,45 +108,11 @@ PublishOptions BuildCommand::Options() const
     options.AppId = QString::fromStdString(AppId);
     options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
     options.DevChannel = Dev;
+    options.ReadIndex = !NoIndex && !Rehash;
+    options.WriteIndex = !NoIndex;
+    options.DryRun = DryRun;
+    options.IfChanged = IfChanged;
     return options;
-}
-
-std::map<QString, QString> BuildCommand::Locales() const
-{
-    std::map<QString, QString> locales;
-    if (Command->count("--locales") == 0)
-        return locales;
-    for (QString const& item : QString::fromStdString(LocaleList).split(QLatin1Char(','))) {
-        int const sign = item.indexOf(QLatin1Char('='));
-        if (sign <= 0 || sign + 1 == item.size()) {
-            throw Failure(
-                QStringLiteral("--locales \"%1\": write TAG=NAME, such as frFR=Français").arg(item),
-                Failure::c_Usage);
-        }
-        if (!locales.emplace(item.left(sign), item.mid(sign + 1)).second) {
-            throw Failure(
-                QStringLiteral("--locales: the tag %1 is given twice").arg(item.left(sign)),
-                Failure::c_Usage);
-        }
-    }
-    return locales;
-}
-
-void BuildCommand::PrintSummary(PublishOptions const& p_Options,
-                                PublicationSummary const& p_Summary)
-{
-    using namespace ConsoleText;
-    qint64 const milliseconds = qMax<qint64>(1, p_Summary.Milliseconds);
-    PrintLine(QStringLiteral("Published build %1 in %2").arg(p_Options.Build.Id, p_Options.Output));
-    PrintLine(QStringLiteral("files        %1 (%2 streamed)")
-                  .arg(QString::number(p_Summary.Files), QString::number(p_Summary.StreamedFiles)));
-    PrintLine(QStringLiteral("bytes        %1").arg(p_Summary.Bytes));
-    PrintLine(QStringLiteral("new content  %1 bytes in %2 files")
-                  .arg(QString::number(p_Summary.NewContentBytes),
-                       QString::number(p_Summary.NewContentFiles)));
-    PrintLine(QStringLiteral("rate         %1/s (%2 s)")
-                  .arg(Bytes(p_Summary.Bytes * 1000 / milliseconds),
-                       QString::number(static_cast<double>(milliseconds) / 1000, 'f', 1)));
 }
 
 } // namespace Varnholt::Publisher

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "Publisher/PublicationSummary.hpp"
 #include "Publisher/PublishOptions.hpp"
 
-#include <map>
 #include <string>
 
 namespace CLI {
@@ -27,8 +25,6 @@ public:
 private:
     void AddOptions();
     PublishOptions Options() const;
-    std::map<QString, QString> Locales() const;
-    static void PrintSummary(PublishOptions const& p_Options, PublicationSummary const& p_Summary);
 
     CLI::App* Command;
     std::string Source;
@@ -43,6 +39,11 @@ private:
     std::string AppId = "pelmora_app";
     std::string Platform = "mac";
     bool Dev = false;
+    bool NoIndex = false;
+    bool Rehash = false;
+    bool DryRun = false;
+    bool IfChanged = false;
+    bool Json = false;
 };
 
 } // namespace Varnholt::Publisher

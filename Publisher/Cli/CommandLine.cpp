@@ -3,6 +3,10 @@
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
+#include "Publisher/Cli/ListCommand.hpp"
+#include "Publisher/Cli/PruneCommand.hpp"
+#include "Publisher/Cli/RollbackCommand.hpp"
+#include "Publisher/Cli/RulesCommand.hpp"
 #include "Publisher/Cli/ServeCommand.hpp"
 #include "Publisher/Cli/VerifyCommand.hpp"
 #include "Publisher/Failure.hpp"
@@ -19,6 +23,15 @@ int Report(QString const& p_Cause, int p_Status)
     return p_Status;
 }
 
+/// Runs the one command that was called.
+template <typename... Commands>
+int RunChosen(Commands const&... p_Commands)
+{
+    int status = 0;
+    (void)((p_Commands.IsChosen() && (status = p_Commands.Run(), true)) || ...);
+    return status;
+}
+
 } // namespace
 
 int RunCommandLine(int p_Count, char const* const* p_Arguments)
@@ -32,13 +45,13 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
     ServeCommand const serve(program);
     DiffCommand const diff(program);
     VerifyCommand const verify(program);
+    RulesCommand const rules(program);
+    ListCommand const list(program);
+    RollbackCommand const rollback(program);
+    PruneCommand const prune(program);
     try {
         program.parse(p_Count, p_Arguments);
-        if (diff.IsChosen())
-            return diff.Run();
-        if (verify.IsChosen())
-            return verify.Run();
-        return build.IsChosen() ? build.Run() : serve.Run();
+        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune);
     } catch (CLI::Success const& help) {
         return program.exit(help);
     } catch (CLI::ParseError const& error) {

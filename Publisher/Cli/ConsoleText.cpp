@@ -1,5 +1,6 @@
 #include "Publisher/Cli/ConsoleText.hpp"
 
+#include <QJsonDocument>
 #include <QLocale>
 
 #include <cstdio>
@@ -25,6 +26,11 @@ void PrintLine(QString const& p_Line)
 void PrintErrorLine(QString const& p_Line)
 {
     Print(stderr, p_Line);
+}
+
+void PrintJson(QJsonObject const& p_Object)
+{
+    PrintLine(QString::fromUtf8(QJsonDocument(p_Object).toJson(QJsonDocument::Compact)));
 }
 
 QString Bytes(qint64 p_Bytes)

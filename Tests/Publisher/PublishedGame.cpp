@@ -7,6 +7,9 @@
 
 #include <QDirIterator>
 
+#include <chrono>
+#include <filesystem>
+
 namespace Varnholt::TestSupport {
 
 namespace {
@@ -94,6 +97,24 @@ Publisher::PublicationSummary PublishedGame::Publish(QString const& p_Build)
 QString PublishedGame::FailureSentence()
 {
     return FailureOf([this] { Publish(); }).Sentence;
+}
+
+Tree PublishedGame::Published() const
+{
+    Tree tree = TreeOf(Options.Output);
+    tree.erase(".varnholt-publish.tree");
+    tree.erase(IndexName());
+    return tree;
+}
+
+void PublishedGame::Age() const
+{
+    using namespace std::chrono_literals;
+    auto const then = std::filesystem::file_time_type::clock::now() - 1h;
+    for (auto const& [path, content] : TreeOf(Options.Source)) {
+        if (!path.endsWith('/'))
+            std::filesystem::last_write_time(SourcePath(path).toStdString(), then);
+    }
 }
 
 QByteArray PublishedGame::Read(QString const& p_Path) const

@@ -51,8 +51,11 @@ public:
 
     QString SourcePath(QString const& p_Path) const { return Options.Source + '/' + p_Path; }
     QString OutputPath(QString const& p_Path) const { return Options.Output + '/' + p_Path; }
-    /// The published tree.
-    Tree Published() const { return TreeOf(Options.Output); }
+    /// The published tree, without what the publisher notes down for itself.
+    Tree Published() const;
+    QString IndexName() const { return ".varnholt-publish." + Options.AppId + ".index"; }
+    /// Makes every source file an hour old: a file that was just written is not indexed.
+    void Age() const;
     QByteArray Read(QString const& p_Path) const;
     /// Where content lies in the tree.
     static QString ContentPath(QByteArray const& p_Content);

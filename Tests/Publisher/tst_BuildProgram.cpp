@@ -72,12 +72,13 @@ void BuildProgramTest::PublishesAndTellsWhatItDid()
     QCOMPARE(result.Status, 0);
     QCOMPARE(result.Errors, QByteArray());
     QList<QByteArray> const lines = result.Output.split('\n');
-    QCOMPARE(lines.size(), 6);
+    QCOMPARE(lines.size(), 7);
     QCOMPARE(lines[0], "Published build build_1 in " + game.Options.Output.toUtf8());
     QCOMPARE(lines[1], QByteArray("files        2 (1 streamed)"));
     QCOMPARE(lines[2], QByteArray("bytes        11"));
-    QCOMPARE(lines[3], QByteArray("new content  11 bytes in 2 files"));
-    QVERIFY(lines[4].startsWith("rate         "));
+    QCOMPARE(lines[3], QByteArray("from index   0 bytes in 0 files"));
+    QCOMPARE(lines[4], QByteArray("new content  11 bytes in 2 files"));
+    QVERIFY(lines[5].startsWith("rate         "));
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
 }
 
@@ -157,8 +158,12 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
         });
     add("a folder for the version", "version.json: is not a file that can be replaced",
         [](PublishedGame& p_Game) {
+            p_Game.Publish("build_0");
+            QFile::remove(p_Game.OutputPath("pelmora_app/version.json"));
             QDir().mkpath(p_Game.OutputPath("pelmora_app/version.json"));
         });
+    add("a folder of others", "output: the output folder is not empty and no published tree",
+        [](PublishedGame& p_Game) { QDir().mkpath(p_Game.OutputPath("holiday pictures")); });
 }
 
 void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile()
@@ -206,6 +211,13 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
     add(good + QStringList({"--app-id", "../x"}), "--app-id \"../x\": use letters");
     add({"build", "--source", "s", "--output", "o", "--build", "a/b"}, "--build \"a/b\": use");
     add({"build", "--source", "s", "--output", "", "--build", "b"}, "--output \"\": the folder");
+    add({"rules"}, "--source");
+    add({"rules", "--source", "s", "--platform", "x"}, "--platform");
+    add({"list"}, "--output");
+    add({"rollback", "--output", "o"}, "--build");
+    add({"prune", "--output", "o"}, "--keep or --build is required");
+    add({"prune", "--output", "o", "--keep", "0"}, "--keep");
+    add({"prune", "--output", "o", "--keep", "1", "--build", "b"}, "--keep");
 }
 
 void BuildProgramTest::AWrongCallIsAUsageError()
@@ -224,7 +236,23 @@ void BuildProgramTest::HelpNamesEveryOption_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QStringList>("words");
-    QTest::newRow("program") << QStringList("--help") << QStringList({"build", "serve", "COMMAND"});
+    QTest::newRow("program") << QStringList("--help")
+                             << QStringList({"build", "serve", "rules", "list", "rollback", "prune",
+                                             "COMMAND"});
+    QTest::newRow("rules") << QStringList({"rules", "--help"})
+                           << QStringList({"Example", "--source", "--rules", "--explain",
+                                           "--locales", "--platform", "--json"});
+    QTest::newRow("list") << QStringList({"list", "--help"})
+                          << QStringList({"Example", "--output", "--app-id", "--json"});
+    QTest::newRow("rollback") << QStringList({"rollback", "--help"})
+                              << QStringList({"Example", "--output", "--build", "--dev", "--app-id",
+                                              "--json"});
+    QTest::newRow("prune") << QStringList({"prune", "--help"})
+                           << QStringList({"Example", "--output", "--keep", "--build", "--dry-run",
+                                           "--app-id", "--json"});
+    QTest::newRow("what the build may skip")
+        << QStringList({"build", "--help"})
+        << QStringList({"--rehash", "--no-index", "--dry-run", "--if-changed", "--json"});
     QTest::newRow("build") << QStringList({"build", "--help"})
                            << QStringList({"--source",         "--output",
                                            "--build",          "--name",

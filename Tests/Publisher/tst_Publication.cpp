@@ -262,14 +262,15 @@ void PublicationTest::WindowsClientsGetTheirOwnListAndFlag()
 void PublicationTest::FilesOfOthersInTheOutputFolderStay()
 {
     PublishedGame game;
+    game.Publish();
     QVERIFY(WriteFile(game.OutputPath("index.html"), "site"));
     QVERIFY(WriteFile(game.OutputPath("other_app/version.json"), "{}"));
     QVERIFY(WriteFile(game.OutputPath("pelmora_app/notes.txt"), "notes"));
-    game.Publish();
+    game.Publish("build_2");
     QCOMPARE(game.Read("index.html"), QByteArray("site"));
     QCOMPARE(game.Read("other_app/version.json"), QByteArray("{}"));
     QCOMPARE(game.Read("pelmora_app/notes.txt"), QByteArray("notes"));
-    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
 }
 
 void PublicationTest::RemainsOfAKilledRunAreRemoved()

@@ -29,8 +29,8 @@ private:
 void StaticTreeTest::initTestCase()
 {
     Root = QFileInfo(Folder.path()).canonicalFilePath() + "/tree";
-    for (char const* const path :
-         {"tree/a", "tree/Data/b c", "tree/é", "tree/100%25", "tree/..a", "secret", "tree2/secret"})
+    for (char const* const path : {"tree/a", "tree/Data/b c", "tree/é", "tree/100%25", "tree/..a",
+                                   "tree/.varnholt-publish.tree", "secret", "tree2/secret"})
         QVERIFY(WriteFile(Folder.filePath(QString::fromUtf8(path)), path));
     QVERIFY(QFile::link("a", Root + "/inside"));
     QVERIFY(QFile::link("../secret", Root + "/outside"));
@@ -81,7 +81,9 @@ void StaticTreeTest::FindsNothingElse_data()
                                       "/a/",
                                       "/a/b",
                                       "\\a",
-                                      "/%61"})
+                                      "/%61",
+                                      "/.varnholt-publish.tree",
+                                      "/./.varnholt-publish.tree"})
         QTest::newRow(qPrintable(QString("path %1").arg(request))) << QByteArray(request);
     QTest::newRow("absolute") << QByteArray("/") + Folder.filePath("secret").toUtf8();
     QTest::newRow("NUL") << QByteArray("/a\0", 3);

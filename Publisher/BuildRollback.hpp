@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+namespace Varnholt::Publisher {
+
+/// Which build a channel is to offer.
+struct RollbackOptions {
+    QString Output;
+    QString AppId;
+    QString Build;
+    bool DevChannel = false;
+};
+
+/// Makes a channel offer a build that is published already.
+/// \return the build that it offered before; null when that cannot be told
+/// \throws Failure for a build that is not there, or not completely; nothing has changed then
+QString RollBack(RollbackOptions const& p_Options);
+
+} // namespace Varnholt::Publisher

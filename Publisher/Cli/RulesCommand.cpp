@@ -1,0 +1,153 @@
+#include "Publisher/Cli/RulesCommand.hpp"
+
+#include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/LocaleOption.hpp"
+#include "Publisher/Failure.hpp"
+#include "Publisher/FlagNames.hpp"
+#include "Publisher/SourceListing.hpp"
+
+#include <CLI/CLI.hpp>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include <vector>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+struct Property {
+    QString Name;
+    QJsonValue Value;
+    Rule const* Decided; ///< null: no rule did
+};
+
+std::vector<Property> PropertiesOf(RuleSet const& p_Rules, QString const& p_Path,
+                                   ContentPlatform p_Platform)
+{
+    FileTreatment const treatment = p_Rules.TreatmentOf(p_Path);
+    RuleExplanation const decided = p_Rules.Explain(p_Path);
+    QStringList const flags = FlagNames::NamesOf(treatment.Flags, p_Platform);
+    return {{QStringLiteral("flags"), QJsonArray::fromStringList(flags), decided.Flags},
+            {QStringLiteral("locale"), treatment.Locale, decided.Locale},
+            {QStringLiteral("streamed"), treatment.Streamed, decided.Streamed},
+            {QStringLiteral("exclude"), treatment.Excluded, decided.Excluded}};
+}
+
+QString TextOf(QJsonValue const& p_Value)
+{
+    if (p_Value.isBool())
+        return p_Value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    QString const text = p_Value.isArray()
+                             ? p_Value.toVariant().toStringList().join(QStringLiteral(", "))
+                             : p_Value.toString();
+    return text.isEmpty() ? QStringLiteral("none") : text;
+}
+
+bool IsPlain(QJsonValue const& p_Value)
+{
+    return p_Value == QJsonValue(false) || p_Value == QJsonValue(QString()) ||
+           p_Value == QJsonValue(QJsonArray());
+}
+
+} // namespace
+
+RulesCommand::RulesCommand(CLI::App& p_Program)
+    : Command(p_Program.add_subcommand("rules", "Show what the rules make of a game folder"))
+{
+    Command->footer("Examples:\n"
+                    "  varnholt-publish rules --source Game --rules rules.json\n"
+                    "  varnholt-publish rules --source Game --rules rules.json \\\n"
+                    "      --explain Data/frFR/locale.MPQ\n"
+                    "\n"
+                    "Lists every file with its properties or, for one path, names the rule that\n"
+                    "decided each of them. Publishes nothing.\n");
+    Command->add_option("--source", Source, "Folder that holds the game")->required();
+    Command->add_option("--rules", Rules, "Rules file (JSON)");
+    Command->add_option("--explain", Path, "A file's path in the source folder");
+    Command->add_option("--locales", LocaleList,
+                        "Languages on offer, TAG=NAME,..., added to those of the rules file");
+    Command->add_option("--platform", Platform, "System of the clients")
+        ->check(CLI::IsMember({"mac", "win"}))
+        ->capture_default_str();
+    Command->add_flag("--json", Json, "One JSON object per line");
+}
+
+bool RulesCommand::IsChosen() const
+{
+    return Command->parsed();
+}
+
+int RulesCommand::Run() const
+{
+    RuleSet const rules = SourceListing::ReadRules(Options());
+    if (Command->count("--explain") > 0)
+        Explain(rules);
+    else
+        ListFiles(rules);
+    return 0;
+}
+
+PublishOptions RulesCommand::Options() const
+{
+    PublishOptions options;
+    options.Source = QString::fromStdString(Source);
+    options.RulesFile = QString::fromStdString(Rules);
+    options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
+    if (Command->count("--locales") > 0)
+        options.Locales = ParseLocales(QString::fromStdString(LocaleList));
+    return options;
+}
+
+void RulesCommand::ListFiles(RuleSet const& p_Rules) const
+{
+    PublishOptions const options = Options();
+    for (BuildFile const& file : SourceListing::AllFiles(options.Source, p_Rules)) {
+        QJsonObject object{{QStringLiteral("type"), QStringLiteral("file")},
+                           {QStringLiteral("path"), file.Source.Path}};
+        QStringList words;
+        for (Property const& property : PropertiesOf(p_Rules, file.Source.Path, options.Platform)) {
+            object.insert(property.Name, property.Value);
+            if (!IsPlain(property.Value))
+                words += property.Name + QLatin1Char('=') + TextOf(property.Value);
+        }
+        if (Json)
+            ConsoleText::PrintJson(object);
+        else
+            ConsoleText::PrintLine(
+                (QStringList(file.Source.Path) + words).join(QStringLiteral("  ")));
+    }
+}
+
+void RulesCommand::Explain(RuleSet const& p_Rules) const
+{
+    PublishOptions const options = Options();
+    QString const path = QDir::cleanPath(QString::fromStdString(Path));
+    if (QDir::isAbsolutePath(path) || path.startsWith(QStringLiteral("../")) ||
+        !QFileInfo(options.Source + QLatin1Char('/') + path).isFile())
+        throw Failure(path + QStringLiteral(": the source folder holds no such file"));
+    for (Property const& property : PropertiesOf(p_Rules, path, options.Platform)) {
+        QJsonObject object{{QStringLiteral("type"), QStringLiteral("property")},
+                           {QStringLiteral("path"), path},
+                           {QStringLiteral("property"), property.Name},
+                           {QStringLiteral("value"), property.Value}};
+        QString line = property.Name.leftJustified(10) + TextOf(property.Value);
+        if (property.Decided) {
+            object.insert(QStringLiteral("file"), options.RulesFile);
+            object.insert(QStringLiteral("line"), property.Decided->Line);
+            object.insert(QStringLiteral("match"), property.Decided->Pattern);
+            line += QStringLiteral("  (%1, line %2: \"%3\")")
+                        .arg(options.RulesFile, QString::number(property.Decided->Line),
+                             property.Decided->Pattern);
+        } else {
+            line += QStringLiteral("  (no rule)");
+        }
+        if (Json)
+            ConsoleText::PrintJson(object);
+        else
+            ConsoleText::PrintLine(line);
+    }
+}
+
+} // namespace Varnholt::Publisher
