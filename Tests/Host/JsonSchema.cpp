@@ -38,11 +38,12 @@ QString UnknownWord(QJsonObject const& p_Schema)
 
 } // namespace
 
-JsonSchema JsonSchema::FromFile(QString const& p_File)
+JsonSchema JsonSchema::OfHost()
 {
-    QJsonDocument const document = QJsonDocument::fromJson(ReadFile(p_File));
+    QString const file = QStringLiteral(VARNHOLT_DOCUMENTS "/host-json.schema.json");
+    QJsonDocument const document = QJsonDocument::fromJson(ReadFile(file));
     if (!document.isObject())
-        qFatal("%s is no JSON object", qPrintable(p_File));
+        qFatal("%s is no JSON object", qPrintable(file));
     return JsonSchema(document.object());
 }
 

@@ -14,8 +14,8 @@ public:
         : Root(std::move(p_Schema))
     {
     }
-    /// Fails the whole program when the file is no object.
-    static JsonSchema FromFile(QString const& p_File);
+    /// The one of the host's lines; fails the whole program when there is none.
+    static JsonSchema OfHost();
 
     /// What is wrong with a value, with the place; empty when nothing is.
     QString Fault(QJsonValue const& p_Value) const { return Fault(p_Value, Root, {}); }

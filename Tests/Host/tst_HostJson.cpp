@@ -1,97 +1,16 @@
-#include "Host/Core/Failure.hpp"
-#include "Host/Core/FileFinding.hpp"
-#include "Host/Core/RunPhase.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Host/JsonSchema.hpp"
-#include "Tests/Support/FileTools.hpp"
 
 #include <QDateTime>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
-
-namespace {
-
-QString Document(char const* p_Name)
-{
-    return QStringLiteral(VARNHOLT_DOCUMENTS "/") + QLatin1String(p_Name);
-}
-
-JsonSchema Schema()
-{
-    return JsonSchema::FromFile(Document("host-json.schema.json"));
-}
-
-/// The values that the schema allows for a key of a type.
-QStringList Allowed(QString const& p_Type, QString const& p_Key)
-{
-    for (QJsonValue const& schema : Schema().Words()["oneOf"].toArray())
-        if (schema["title"].toString() == p_Type)
-            return schema["properties"][p_Key]["enum"].toVariant().toStringList();
-    return {};
-}
-
-/// First columns of the table of the document whose heading begins so; the others behind a "|".
-QStringList Table(QString const& p_Heading)
-{
-    QStringList rows;
-    bool within = false;
-    for (QString const& line :
-         QString::fromUtf8(ReadFile(Document("host-json.md"))).split(QLatin1Char('\n'))) {
-        if (line.startsWith(QStringLiteral("| %1 |").arg(p_Heading)))
-            within = true;
-        else if (!line.startsWith(QLatin1String("| ")))
-            within = false;
-        else if (within && line.startsWith(QLatin1String("| `")))
-            rows += line;
-    }
-    return rows;
-}
-
-/// A name of an enumeration's value behind the last one stands for none.
-template <typename Name>
-QStringList NamesUntil(QString const& p_None, int p_First, Name const& p_Name)
-{
-    QStringList names;
-    for (int i = p_First; p_Name(i) != p_None; ++i)
-        names += p_Name(i);
-    return names;
-}
-
-QStringList Phases()
-{
-    auto const name = [](int p_Index) { return PhaseName(static_cast<Host::RunPhase>(p_Index)); };
-    return QStringList(name(0)) + NamesUntil(name(0), 1, name);
-}
-
-std::vector<Host::Failure> Failures()
-{
-    std::vector<Host::Failure> failures(1);
-    for (int i = 1;; ++i) {
-        Host::Failure const failure{static_cast<Host::FailureKind>(i), {}, {}};
-        if (failure.Identifier() == failures.front().Identifier())
-            return failures;
-        failures.push_back(failure);
-    }
-}
-
-} // namespace
 
 class HostJsonTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void TheSchemaNamesThePhasesOfTheProgram();
-    void TheSchemaNamesTheErrorsOfTheProgram();
-    void TheSchemaNamesTheCausesOfTheProgram();
-    void TheDocumentNamesPhasesAndErrorsWithTheirStatus();
-    void TheExamplesOfTheDocumentFitTheSchema();
-    void TheSchemaRefusesWhatItDoesNotSay_data();
-    void TheSchemaRefusesWhatItDoesNotSay();
-
     void EveryCommandWritesWhatTheSchemaSays_data();
     void EveryCommandWritesWhatTheSchemaSays();
     void ARunIsToldFromItsPhasesToItsResult();
@@ -102,101 +21,6 @@ private Q_SLOTS:
     void TheLogStaysOutOfStandardOutput();
     void AUsageErrorLeavesStandardOutputEmpty();
 };
-
-void HostJsonTest::TheSchemaNamesThePhasesOfTheProgram()
-{
-    QVERIFY(Phases().size() > 10);
-    QCOMPARE(Allowed("progress", "phase"), Phases());
-}
-
-void HostJsonTest::TheSchemaNamesTheErrorsOfTheProgram()
-{
-    QStringList identifiers;
-    QStringList statuses;
-    for (Host::Failure const& failure : Failures()) {
-        identifiers += failure.Identifier();
-        statuses += QString::number(failure.ExitStatus());
-    }
-    QStringList allowed = Allowed("error", "exitStatus");
-    for (QStringList* const list : {&statuses, &allowed})
-        list->sort();
-    statuses.removeDuplicates();
-    QVERIFY(identifiers.contains("interrupted"));
-    QCOMPARE(Allowed("error", "error"), identifiers);
-    QCOMPARE(allowed, statuses);
-}
-
-void HostJsonTest::TheSchemaNamesTheCausesOfTheProgram()
-{
-    auto const name = [](int p_Index) {
-        Host::FileFinding finding;
-        finding.Why = static_cast<Host::FileFinding::Cause>(p_Index);
-        return finding.CauseText();
-    };
-    QCOMPARE(Allowed("finding", "cause"), NamesUntil(QString(), 0, name));
-}
-
-void HostJsonTest::TheDocumentNamesPhasesAndErrorsWithTheirStatus()
-{
-    QStringList errors;
-    for (Host::Failure const& failure : Failures())
-        errors +=
-            QStringLiteral("| `%1` | %2 |").arg(failure.Identifier()).arg(failure.ExitStatus());
-    QStringList documented;
-    for (QString const& row : Table("Error"))
-        documented += row.section(QLatin1Char('|'), 0, 2) + QLatin1Char('|');
-    QCOMPARE(documented, errors);
-
-    QStringList phases;
-    for (QString const& row : Table("Phase"))
-        phases += row.section(QLatin1Char('`'), 1, 1);
-    QCOMPARE(phases, Phases());
-}
-
-void HostJsonTest::TheExamplesOfTheDocumentFitTheSchema()
-{
-    QString const text = QString::fromUtf8(ReadFile(Document("host-json.md")));
-    QStringList types;
-    for (QString const& line : text.split(QLatin1Char('\n'))) {
-        if (!line.startsWith(QLatin1Char('{')))
-            continue;
-        QJsonObject const example = QJsonDocument::fromJson(line.toUtf8()).object();
-        QCOMPARE(Schema().Fault(example), QString());
-        types += example["type"].toString();
-    }
-    QStringList known;
-    for (QJsonValue const& schema : Schema().Words()["oneOf"].toArray())
-        known += schema["title"].toString();
-    QCOMPARE(types, known);
-}
-
-void HostJsonTest::TheSchemaRefusesWhatItDoesNotSay_data()
-{
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QJsonValue>("value");
-    QTest::newRow("a missing key") << "bytes" << QJsonValue(QJsonValue::Undefined);
-    QTest::newRow("an unknown key") << "colour" << QJsonValue("red");
-    QTest::newRow("an unknown phase") << "phase" << QJsonValue("flying");
-    QTest::newRow("a text for a figure") << "bytes" << QJsonValue("1");
-    QTest::newRow("a negative figure") << "eta" << QJsonValue(-1);
-    QTest::newRow("a part of a byte") << "rate" << QJsonValue(1.5);
-    QTest::newRow("an unknown type") << "type" << QJsonValue("news");
-    QTest::newRow("another type") << "type" << QJsonValue("notice");
-}
-
-void HostJsonTest::TheSchemaRefusesWhatItDoesNotSay()
-{
-    QFETCH(QString, key);
-    QFETCH(QJsonValue, value);
-    QJsonObject line{{"type", "progress"}, {"time", "now"}, {"phase", "idle"}, {"fileNumber", 0},
-                     {"fileCount", 0},     {"bytes", 0},    {"total", 0},      {"rate", 0}};
-    QCOMPARE(Schema().Fault(line), QString());
-    line[key] = value;
-    if (value.isUndefined())
-        line.remove(key);
-    QVERIFY(!Schema().Fault(line).isEmpty());
-    QVERIFY(!JsonSchema({{"pattern", "a*"}}).Fault(line).isEmpty());
-}
 
 void HostJsonTest::EveryCommandWritesWhatTheSchemaSays_data()
 {
@@ -249,7 +73,7 @@ void HostJsonTest::EveryCommandWritesWhatTheSchemaSays()
     QCOMPARE(outcome.Status, status);
     JsonReport const report(outcome.Out);
     QCOMPARE(report.Foreign, QStringList());
-    JsonSchema const schema = Schema();
+    JsonSchema const schema = JsonSchema::OfHost();
     for (QJsonObject const& line : report.Lines)
         QVERIFY2(schema.Fault(line).isEmpty(), qPrintable(schema.Fault(line)));
     QCOMPARE(report.Last()["type"].toString(), last);
