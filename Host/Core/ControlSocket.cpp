@@ -41,14 +41,12 @@ QString ControlSocket::Name(QString const& p_SettingsFile)
 
 bool ControlSocket::Listen()
 {
-    if (Server.listen(Path))
-        return true;
-    // What a program that was killed has left behind takes no connection.
+    // A server with access options takes a name over from the one that listens there.
     QLocalSocket probe;
     probe.connectToServer(Path);
     if (probe.waitForConnected(c_WaitMilliseconds))
         return false;
-    QLocalServer::removeServer(Path);
+    QLocalServer::removeServer(Path); // what a program that was killed has left behind
     return Server.listen(Path);
 }
 
