@@ -1,0 +1,270 @@
+#include "Tests/Host/HostProcess.hpp"
+#include "Tests/Host/JsonReport.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestHost.hpp"
+
+#include <QDir>
+#include <QLocalSocket>
+#include <QtTest>
+
+#include <csignal>
+
+namespace Varnholt::TestSupport {
+
+/// Words from one program to another that downloads.
+class HostControlTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void ADownloadIsPausedAndResumedByAnotherProgram();
+    void AWordThatChangesNothingIsTakenToo();
+    void ASignalResumesWhatAWordHasPaused();
+    void APausedDownloadCanBeEnded();
+    void WithoutADownloadThereIsNobodyToSpeakTo_data();
+    void WithoutADownloadThereIsNobodyToSpeakTo();
+    void ACommandThatDoesNotDownloadTakesNoWord();
+    void TheSocketGoesWithTheRunAndIsTheUsersOwn();
+    void AKilledDownloadStandsInNobodysWay();
+    void WordsForOtherSettingsDoNothing();
+    void OtherWordsDoNothing_data();
+    void OtherWordsDoNothing();
+    void AWordMayComeInPieces();
+    void ASecondRunLeavesTheFirstItsEar();
+
+private:
+    Outcome Run(QStringList const& p_Arguments) const
+    {
+        return HostProcess(*Game, p_Arguments).Finish();
+    }
+    /// An installation that stands still in the middle of a file.
+    std::unique_ptr<HostProcess> Begin() const;
+    QStringList Sockets() const
+    {
+        return QDir(RunFolder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    }
+    /// Sends the pieces to the program at work. \return its answer, until it hangs up
+    QByteArray Say(QList<QByteArray> const& p_Pieces) const;
+    QString File() const { return Game->Content.ServerPath("Data/base.MPQ"); }
+
+    static constexpr int c_Half = 30000;
+    std::unique_ptr<HostGame> Game;
+    std::unique_ptr<ScopedVariable> Runtime;
+    QString RunFolder;
+};
+
+void HostControlTest::init()
+{
+    Game = std::make_unique<HostGame>();
+    Game->AddFiles().Publish();
+    Game->Server.Script(File()).Then(Answer::Normal()); // its size
+    Game->Server.Script(File()).Then(Answer::SilentAfter(c_Half));
+    RunFolder = Game->Base + "run";
+    QVERIFY(QDir().mkpath(RunFolder));
+    QVERIFY(SetMode(RunFolder, 0700));
+    Runtime = std::make_unique<ScopedVariable>("XDG_RUNTIME_DIR", RunFolder.toUtf8());
+}
+
+void HostControlTest::cleanup()
+{
+    Runtime.reset();
+    Game.reset();
+}
+
+std::unique_ptr<HostProcess> HostControlTest::Begin() const
+{
+    auto process = std::make_unique<HostProcess>(*Game, QStringList{"install", Game->Folder});
+    if (!process->WaitUntil(
+            [&] { return QFileInfo(Game->Path("Data/base.MPQ.part")).size() == c_Half; }))
+        qFatal("the download does not begin");
+    return process;
+}
+
+QByteArray HostControlTest::Say(QList<QByteArray> const& p_Pieces) const
+{
+    QLocalSocket socket;
+    socket.connectToServer(RunFolder + '/' + Sockets().value(0));
+    if (!socket.waitForConnected(TestHost::c_Timeout))
+        return "nobody";
+    for (QByteArray const& piece : p_Pieces) {
+        socket.write(piece);
+        socket.waitForBytesWritten(TestHost::c_Timeout);
+    }
+    if (socket.state() != QLocalSocket::UnconnectedState)
+        socket.waitForDisconnected(TestHost::c_Timeout);
+    return socket.readAll();
+}
+
+void HostControlTest::ADownloadIsPausedAndResumedByAnotherProgram()
+{
+    auto const process = Begin();
+    Outcome const pause = Run({"pause"});
+    QCOMPARE(pause.Err + pause.Out, QString());
+    QCOMPARE(pause.Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+    int const requests = Game->Server.Count(File());
+    QCOMPARE(Run({"resume"}).Status, 0);
+    QVERIFY(process->WaitUntil([&] { return Game->Server.Count(File()) > requests; }));
+    QCOMPARE(Game->Server.Requests(File()).back().Header("Range"),
+             "bytes=" + QByteArray::number(c_Half) + '-');
+    QCOMPARE(process->Finish().Status, 0);
+    QCOMPARE(Game->Wrong(), QStringList());
+}
+
+void HostControlTest::AWordThatChangesNothingIsTakenToo()
+{
+    auto const process = Begin();
+    QCOMPARE(Run({"resume"}).Status, 0);
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+    QCOMPARE(Run({"resume"}).Status, 0);
+    QCOMPARE(process->Finish().Status, 0);
+    QCOMPARE(Game->Wrong(), QStringList());
+}
+
+void HostControlTest::ASignalResumesWhatAWordHasPaused()
+{
+    auto const process = Begin();
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+    process->Signal(SIGUSR1);
+    QCOMPARE(process->Finish().Status, 0);
+    QCOMPARE(Game->Wrong(), QStringList());
+}
+
+void HostControlTest::APausedDownloadCanBeEnded()
+{
+    auto const process = Begin();
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+    process->Signal(SIGTERM);
+    QCOMPARE(process->Finish().Status, 130);
+    QCOMPARE(QFileInfo(Game->Path("Data/base.MPQ.part")).size(), qint64(c_Half));
+    QCOMPARE(Run({"-q", "update"}).Status, 0);
+    QCOMPARE(Game->Wrong(), QStringList());
+}
+
+void HostControlTest::WithoutADownloadThereIsNobodyToSpeakTo_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::newRow("pause") << "pause";
+    QTest::newRow("resume") << "resume";
+}
+
+void HostControlTest::WithoutADownloadThereIsNobodyToSpeakTo()
+{
+    QFETCH(QString, word);
+    Outcome const outcome = Run({word});
+    QCOMPARE(outcome.Err, "varnholt-host: no download is under way with the settings " +
+                              Game->SettingsFile + "; start one first.\n");
+    QCOMPARE(outcome.Out, QString());
+    QCOMPARE(outcome.Status, 1);
+    QCOMPARE(JsonReport(Run({"--json", word}).Out).Last()["error"].toString(),
+             QString("nothing-running"));
+}
+
+void HostControlTest::ACommandThatDoesNotDownloadTakesNoWord()
+{
+    QString const manifest = Game->Content.ManifestPath();
+    Game->Server.Script(manifest).Always(Answer::SilentBeforeHeaders());
+    HostProcess process(*Game, {"locales"});
+    QVERIFY(process.WaitUntil([&] { return Game->Server.Count(manifest) > 0; }));
+    QCOMPARE(Run({"pause"}).Status, 1);
+}
+
+void HostControlTest::TheSocketGoesWithTheRunAndIsTheUsersOwn()
+{
+    auto const process = Begin();
+    QCOMPARE(Sockets().size(), 1);
+    QCOMPARE(ModeOf(RunFolder + '/' + Sockets().at(0)) & 077, 0);
+    Game->Server.OpenGate(File());
+    QCOMPARE(process->Finish().Status, 0);
+    QCOMPARE(Sockets(), QStringList());
+}
+
+void HostControlTest::AKilledDownloadStandsInNobodysWay()
+{
+    {
+        auto const process = Begin();
+        process->Signal(SIGKILL);
+        QCOMPARE(process->Finish().Status, -1);
+    }
+    QCOMPARE(Sockets().size(), 1);
+    QCOMPARE(Run({"pause"}).Status, 1);
+
+    QVERIFY(QFile::remove(Game->Path("Data/base.MPQ.part")));
+    Game->Server.Script(File()).Then(Answer::Normal());
+    Game->Server.Script(File()).Then(Answer::SilentAfter(c_Half));
+    auto const process = Begin();
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+    QCOMPARE(Run({"resume"}).Status, 0);
+    QCOMPARE(process->Finish().Status, 0);
+    QCOMPARE(Sockets(), QStringList());
+}
+
+void HostControlTest::WordsForOtherSettingsDoNothing()
+{
+    auto const process = Begin();
+    HostProcess other(*Game, {"--settings", Game->Base + "settings/other.ini"}, {"pause"});
+    QCOMPARE(other.Finish().Status, 1);
+    Game->Server.OpenGate(File());
+    Outcome const outcome = process->Finish();
+    QCOMPARE(outcome.Status, 0);
+    QVERIFY2(!outcome.Err.contains("suspended"), qPrintable(outcome.Err));
+}
+
+void HostControlTest::OtherWordsDoNothing_data()
+{
+    QTest::addColumn<QByteArray>("words");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("an unknown word") << QByteArray("fly\n") << QByteArray("unknown\n");
+    QTest::newRow("a longer word") << QByteArray("pausefor\n") << QByteArray("unknown\n");
+    QTest::newRow("another case") << QByteArray("PAUSE\n") << QByteArray("unknown\n");
+    QTest::newRow("nothing") << QByteArray("\n") << QByteArray("unknown\n");
+    QTest::newRow("zeros") << QByteArray(8, '\0') + '\n' << QByteArray("unknown\n");
+    QTest::newRow("a long line") << QByteArray(5000, 'x') + '\n' << QByteArray("unknown\n");
+    QTest::newRow("no end") << QByteArray(5000, 'x') << QByteArray("");
+}
+
+void HostControlTest::OtherWordsDoNothing()
+{
+    QFETCH(QByteArray, words);
+    QFETCH(QByteArray, answer);
+    auto const process = Begin();
+    QByteArray const said = Say({words});
+    // Of a line that comes in pieces its beginning alone can be too long.
+    QVERIFY2(said == answer || (words.size() > 1000 && said.isEmpty()), said.constData());
+    Game->Server.OpenGate(File());
+    Outcome const outcome = process->Finish();
+    QCOMPARE(outcome.Status, 0);
+    QVERIFY2(!outcome.Err.contains("suspended"), qPrintable(outcome.Err));
+}
+
+void HostControlTest::AWordMayComeInPieces()
+{
+    auto const process = Begin();
+    QCOMPARE(Say({"pa", "us", "e\n"}), QByteArray("ok\n"));
+    QVERIFY(process->WaitForErr("suspended\n"));
+    QCOMPARE(Say({"resume\n"}), QByteArray("ok\n"));
+    QCOMPARE(process->Finish().Status, 0);
+}
+
+void HostControlTest::ASecondRunLeavesTheFirstItsEar()
+{
+    auto const process = Begin();
+    QCOMPARE(Run({"-q", "update"}).Status, 8);
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+    QCOMPARE(Run({"resume"}).Status, 0);
+    QCOMPARE(process->Finish().Status, 0);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostControlTest)
+#include "tst_HostControl.moc"
