@@ -10,6 +10,8 @@ namespace Varnholt::Launcher {
 
 namespace {
 
+constexpr qint64 c_SizeQueryBuffer = 4096;
+
 /// Takes the record of a reply out of its map; null when the reply is not (or no longer) listed.
 template <typename Request>
 std::unique_ptr<Request> TakeRequest(std::map<QNetworkReply*, Request*>& p_Requests,
@@ -82,6 +84,8 @@ void Application::GetRemoteFileSize(QString p_Url,
 
     QMutexLocker const lock(&ContentSizeRequestsMutex);
     QNetworkReply* const reply = NetworkManager->get(QNetworkRequest(QUrl(p_Url)));
+    // The headers are enough: unbounded, a large file would arrive while this thread is busy.
+    reply->setReadBufferSize(c_SizeQueryBuffer);
     connect(reply, SIGNAL(metaDataChanged()), this, SLOT(HTTP_GetContentSize_MedaDataChanged()));
     request->Reply = reply;
     ContentSizeRequests.emplace(reply, request);

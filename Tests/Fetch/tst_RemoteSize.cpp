@@ -23,6 +23,7 @@ private Q_SLOTS:
     void AnUnreadableLengthIsZero();
     void SizesAbove32BitsArrive();
     void TheBodyIsNotRead();
+    void NoBodyGathersWhileTheApplicationIsBusy();
     void AnErrorPagesLengthIsASize();
     void AnUnreachableServerGivesNoCallbackAndStaysListed();
     void AServerThatClosesBeforeItsHeadersGivesNoCallback();
@@ -118,6 +119,17 @@ void RemoteSizeTest::TheBodyIsNotRead()
     // The connection is given up: a body is never fetched to its end for its size.
     QVERIFY(Host->RunUntil([&] { return Server->OpenConnections() == 0; }));
     QVERIFY(Server->BodyBytes("/a") < c_Bytes);
+}
+
+void RemoteSizeTest::NoBodyGathersWhileTheApplicationIsBusy()
+{
+    constexpr qint64 c_Most = 16 * 1024;
+    Server->Serve("/a", "content");
+    App->GetRemoteFileSize(Server->Url("/a"), [](QString const&, unsigned long long) {});
+    qint64 const buffer = App->ContentSizeRequests.begin()->first->readBufferSize();
+    // 0 would be no bound at all.
+    QVERIFY(buffer > 0 && buffer <= c_Most);
+    QVERIFY(Host->RunUntilIdle());
 }
 
 void RemoteSizeTest::AnErrorPagesLengthIsASize()
