@@ -2,6 +2,8 @@
 
 #include "Host/Core/HostOptions.hpp"
 
+#include <QDir>
+
 #include <algorithm>
 
 namespace Varnholt::Host::ConfigCommand {
@@ -11,6 +13,17 @@ namespace {
 QString StoreKey(QString const& p_Key)
 {
     return QStringLiteral("options/") + p_Key;
+}
+
+bool IsFile(QString const& p_Key)
+{
+    return p_Key == QLatin1String("module") || p_Key == QLatin1String("log-file");
+}
+
+/// A name is meant in the folder in which it is given, not in that of a later run.
+QString Absolute(QString const& p_Name)
+{
+    return QDir::cleanPath(QDir::current().absoluteFilePath(p_Name));
 }
 
 bool IsValid(QString const& p_Key, QString const& p_Value)
@@ -54,7 +67,7 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
     if (p_Value.isEmpty())
         p_Settings.Remove(StoreKey(p_Key));
     else
-        p_Settings.SetValue(StoreKey(p_Key), p_Value);
+        p_Settings.SetValue(StoreKey(p_Key), IsFile(p_Key) ? Absolute(p_Value) : p_Value);
     if (!p_Settings.Flush())
         return Failure{FailureKind::SettingsUnwritable, p_Settings.File(), {}};
     return std::nullopt;
