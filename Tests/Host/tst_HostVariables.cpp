@@ -1,0 +1,229 @@
+#include "Tests/Host/HostProcess.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/ScopedVariable.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+/// The options of the environment, and which of several comes first.
+class HostVariablesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { Game = std::make_unique<HostGame>(); }
+    void cleanup() { Game.reset(); }
+
+    void TheCommandLineComesBeforeTheEnvironmentBeforeTheSettings();
+    void TheChannelIsTheOneThatIsGivenFirst_data();
+    void TheChannelIsTheOneThatIsGivenFirst();
+    void EachOptionHasItsVariable_data();
+    void EachOptionHasItsVariable();
+    void TheVariableOfTheSettingsNamesThem();
+    void TheVariableOfTheLogFileNamesIt();
+    void AnEmptyVariableIsNone_data();
+    void AnEmptyVariableIsNone();
+    void ABadVariableIsAUsageError_data();
+    void ABadVariableIsAUsageError();
+
+private:
+    Outcome Run(QStringList const& p_Arguments) const
+    {
+        return HostProcess(*Game, p_Arguments).Finish();
+    }
+    /// Without options that name settings and server.
+    Outcome RunPlainly(QStringList const& p_Arguments) const
+    {
+        return HostProcess(*Game, QStringList(), p_Arguments).Finish();
+    }
+
+    std::unique_ptr<HostGame> Game;
+};
+
+void HostVariablesTest::TheCommandLineComesBeforeTheEnvironmentBeforeTheSettings()
+{
+    Game->AddFiles();
+    ScriptedServer ofSettings;
+    ScriptedServer ofEnvironment;
+    ScriptedServer ofCommandLine;
+    auto const asked = [&] {
+        QString servers;
+        for (ScriptedServer const* const server : {&ofSettings, &ofEnvironment, &ofCommandLine})
+            servers += QString::number(server->Count(Game->Content.VersionPath()));
+        return servers;
+    };
+    for (ScriptedServer* const server : {&ofSettings, &ofEnvironment, &ofCommandLine})
+        Game->Content.Publish(*server);
+    Game->SetSetting("options/content-url", ofSettings.BaseUrl());
+    QStringList const locales{"--settings", Game->SettingsFile, "locales"};
+    QCOMPARE(RunPlainly(locales).Status, 0);
+    QCOMPARE(asked(), QString("100"));
+    ScopedVariable const variable("VARNHOLT_CONTENT_URL", ofEnvironment.BaseUrl().toUtf8());
+    QCOMPARE(RunPlainly(locales).Status, 0);
+    QCOMPARE(asked(), QString("110"));
+    QCOMPARE(RunPlainly(locales + QStringList{"--content-url", ofCommandLine.BaseUrl()}).Status, 0);
+    QCOMPARE(asked(), QString("111"));
+}
+
+void HostVariablesTest::TheChannelIsTheOneThatIsGivenFirst_data()
+{
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<bool>("isDevelopment");
+    QTest::newRow("nothing") << ""
+                             << ""
+                             << "" << false;
+    QTest::newRow("kept") << "true"
+                          << ""
+                          << "" << true;
+    QTest::newRow("kept as false") << "false"
+                                   << ""
+                                   << "" << false;
+    QTest::newRow("variable") << ""
+                              << "true"
+                              << "" << true;
+    QTest::newRow("variable over settings") << "true"
+                                            << "false"
+                                            << "" << false;
+    QTest::newRow("the other way") << "false"
+                                   << "1"
+                                   << "" << true;
+    QTest::newRow("option") << ""
+                            << ""
+                            << "--dev-channel" << true;
+    QTest::newRow("option over variable") << "true"
+                                          << "true"
+                                          << "--dev-channel=false" << false;
+    QTest::newRow("option over settings") << "false"
+                                          << "false"
+                                          << "--dev-channel" << true;
+}
+
+void HostVariablesTest::TheChannelIsTheOneThatIsGivenFirst()
+{
+    QFETCH(QString, kept);
+    QFETCH(QString, variable);
+    QFETCH(QString, option);
+    QFETCH(bool, isDevelopment);
+    Game->AddFiles().Publish();
+    Game->Server.Serve("/pelmora_app/version_dev.json", "{\"build\":\"build_1\"}");
+    if (!kept.isEmpty())
+        Game->SetSetting("options/dev-channel", kept);
+    ScopedVariable const channel("VARNHOLT_DEV_CHANNEL", variable.toUtf8());
+    QStringList arguments("locales");
+    if (!option.isEmpty())
+        arguments += option;
+    QCOMPARE(Run(arguments).Status, 0);
+    QCOMPARE(Game->Server.Count("/pelmora_app/version_dev.json"), isDevelopment ? 1 : 0);
+    QCOMPARE(Game->Server.Count(Game->Content.VersionPath()), isDevelopment ? 0 : 1);
+}
+
+void HostVariablesTest::EachOptionHasItsVariable_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QStringList>("command");
+    auto const row = [](char const* p_Variable, char const* p_Value, char const* p_Option,
+                        QStringList const& p_Command) {
+        QTest::newRow(p_Variable) << QByteArray(p_Variable) << p_Value << p_Option << p_Command;
+    };
+    row("VARNHOLT_MODULE", "nothing.so", "--module=nothing.so", {"status"});
+    row("VARNHOLT_YES", "true", "--yes", {"uninstall", "--delete-files"});
+    row("VARNHOLT_JSON", "true", "--json", {"config"});
+    row("VARNHOLT_QUIET", "true", "--quiet", {"locales"});
+    row("VARNHOLT_VERBOSE", "true", "--verbose", {"locales", "-q"});
+    row("VARNHOLT_COLOR", "always", "--color=always", {"pause"});
+    row("VARNHOLT_CONTENT_URL", "http://127.0.0.1:1/", "--content-url=http://127.0.0.1:1/",
+        {"locales"});
+}
+
+/// The variable does what the option does, and that is not what happens without both.
+void HostVariablesTest::EachOptionHasItsVariable()
+{
+    QFETCH(QByteArray, variable);
+    QFETCH(QString, value);
+    QFETCH(QString, option);
+    QFETCH(QStringList, command);
+    Game->AddFiles().Publish();
+    Game->SetSetting("options/color", "never");
+    auto const run = [&](QStringList const& p_Arguments, QString const& p_Value) {
+        ScopedVariable const scoped(variable.constData(), p_Value.toUtf8());
+        ScopedVariable const server("VARNHOLT_CONTENT_BASE_URL", Game->Server.BaseUrl().toUtf8());
+        Game->PutInstalled();
+        Outcome const outcome =
+            HostProcess(*Game, {"--settings", Game->SettingsFile}, p_Arguments).Finish();
+        QString said = QStringLiteral("%1 %2 %3")
+                           .arg(outcome.Status)
+                           .arg(outcome.Out, outcome.Err)
+                           .remove(QRegularExpression("\"time\":\"[^\"]*\""));
+        return said.replace(QRegularExpression("[\\d.]+ ms"), "ms");
+    };
+    QString const without = run(command, "");
+    QString const withOption = run(command + QStringList(option), "");
+    QVERIFY(withOption != without);
+    QCOMPARE(run(command, value), withOption);
+}
+
+void HostVariablesTest::TheVariableOfTheSettingsNamesThem()
+{
+    Game->AddFiles().PutInstalled();
+    ScopedVariable const variable("VARNHOLT_SETTINGS", Game->SettingsFile.toUtf8());
+    QVERIFY(RunPlainly({"status"}).Out.contains(Game->Folder));
+    QStringList const other{"status", "--settings", Game->Base + "other.ini"};
+    QCOMPARE(RunPlainly(other).Out, QString("Mists of Pandaria is not installed\n"));
+}
+
+void HostVariablesTest::TheVariableOfTheLogFileNamesIt()
+{
+    Game->AddFiles().Publish();
+    ScopedVariable const variable("VARNHOLT_LOG_FILE", "of the variable.log");
+    QCOMPARE(Run({"-q", "locales"}).Status, 0);
+    QVERIFY(ReadFile(Game->Base + "of the variable.log").contains("[varnholt."));
+}
+
+void HostVariablesTest::AnEmptyVariableIsNone_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+    for (char const* const name :
+         {"VARNHOLT_MODULE", "VARNHOLT_SETTINGS", "VARNHOLT_CONTENT_URL", "VARNHOLT_DEV_CHANNEL",
+          "VARNHOLT_YES", "VARNHOLT_JSON", "VARNHOLT_QUIET", "VARNHOLT_VERBOSE",
+          "VARNHOLT_LOG_FILE", "VARNHOLT_COLOR"})
+        QTest::newRow(name) << QByteArray(name);
+}
+
+void HostVariablesTest::AnEmptyVariableIsNone()
+{
+    QFETCH(QByteArray, variable);
+    ScopedVariable const scoped(variable.constData(), "");
+    Outcome const outcome = RunPlainly({"status"});
+    QCOMPARE(outcome.Err, QString());
+    QCOMPARE(outcome.Out, QString("Mists of Pandaria is not installed\n"));
+}
+
+void HostVariablesTest::ABadVariableIsAUsageError_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+    QTest::addColumn<QByteArray>("value");
+    QTest::newRow("server") << QByteArray("VARNHOLT_CONTENT_URL") << QByteArray("content.example");
+    QTest::newRow("colour") << QByteArray("VARNHOLT_COLOR") << QByteArray("pink");
+    QTest::newRow("channel") << QByteArray("VARNHOLT_DEV_CHANNEL") << QByteArray("maybe");
+    QTest::newRow("json") << QByteArray("VARNHOLT_JSON") << QByteArray("maybe");
+}
+
+void HostVariablesTest::ABadVariableIsAUsageError()
+{
+    QFETCH(QByteArray, variable);
+    QFETCH(QByteArray, value);
+    ScopedVariable const scoped(variable.constData(), value);
+    Outcome const outcome = RunPlainly({"status"});
+    QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
+    QCOMPARE(outcome.Out, QString());
+    QCOMPARE(outcome.Status, 2);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostVariablesTest)
+#include "tst_HostVariables.moc"
