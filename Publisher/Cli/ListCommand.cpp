@@ -2,7 +2,7 @@
 
 #include "Publisher/BuildCatalog.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
-#include "Publisher/TreeMark.hpp"
+#include "Publisher/PublishedTree.hpp"
 
 #include <CLI/CLI.hpp>
 #include <QJsonArray>
@@ -69,8 +69,10 @@ bool ListCommand::IsChosen() const
 int ListCommand::Run() const
 {
     QString const output = QString::fromStdString(Output);
-    TreeMark(output).CheckIsTree();
-    BuildCatalog const catalog(output, QString::fromStdString(AppId));
+    QString const appId = QString::fromStdString(AppId);
+    // A mirror's copy can be listed too.
+    PublishedTree const tree(output, appId);
+    BuildCatalog const catalog(output, appId);
     for (QString const& id : catalog.Builds()) {
         CatalogedBuild const build = catalog.Read(id);
         QStringList const channels = ChannelsOf(catalog, id);

@@ -123,6 +123,8 @@ void RulesCommand::ListFiles(RuleSet const& p_Rules) const
 void RulesCommand::Explain(RuleSet const& p_Rules) const
 {
     PublishOptions const options = Options();
+    if (Path.empty())
+        throw Failure(QStringLiteral("--explain \"\": the path is empty"), Failure::c_Usage);
     QString const path = QDir::cleanPath(QString::fromStdString(Path));
     if (QDir::isAbsolutePath(path) || path.startsWith(QStringLiteral("../")) ||
         !QFileInfo(options.Source + QLatin1Char('/') + path).isFile())

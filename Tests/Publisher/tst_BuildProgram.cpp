@@ -213,6 +213,7 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
     add({"build", "--source", "s", "--output", "", "--build", "b"}, "--output \"\": the folder");
     add({"rules"}, "--source");
     add({"rules", "--source", "s", "--platform", "x"}, "--platform");
+    add({"rules", "--source", "s", "--explain", ""}, "--explain \"\": the path is empty");
     add({"list"}, "--output");
     add({"rollback", "--output", "o"}, "--build");
     add({"prune", "--output", "o"}, "--keep or --build is required");

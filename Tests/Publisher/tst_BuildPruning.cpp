@@ -1,0 +1,244 @@
+#include "Publisher/BuildPruning.hpp"
+#include "Publisher/BuildRollback.hpp"
+#include "Publisher/TreeTransaction.hpp"
+#include "Tests/Publisher/BuildSeries.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+using Publisher::BuildPruning;
+using Publisher::PruneOptions;
+using Publisher::PruneSummary;
+using Publisher::RollBack;
+
+namespace {
+
+PruneOptions Keep(PublishedGame const& p_Game, int p_Builds)
+{
+    return {p_Game.Options.Output, p_Game.Options.AppId, p_Builds, {}, false};
+}
+
+PruneOptions Remove(PublishedGame const& p_Game, QStringList const& p_Builds)
+{
+    return {p_Game.Options.Output, p_Game.Options.AppId, {}, p_Builds, false};
+}
+
+QString SentenceOf(PruneOptions const& p_Options)
+{
+    return FailureOf([&] { BuildPruning(p_Options).Run(); }).Sentence;
+}
+
+} // namespace
+
+class BuildPruningTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void KeepsTheNewestBuilds();
+    void RemovesNamedBuilds();
+    void WhatIsOnOfferStays();
+    void ABuildOnOfferCannotBeNamed();
+    void AnUnknownBuildRemovesNothing();
+    void ContentThatAnInterruptedRunLeftIsRemoved();
+    void AnUnreadableManifestRemovesNothing();
+    void AnUnreadableVersionFileRemovesNothing();
+    void FilesOfOthersStay();
+    void OtherApplicationsStay();
+    void ADryRunRemovesNothing();
+    void AFolderOfOthersIsRefused();
+    void ARunOfAnotherIsNotDisturbed();
+    void WhatWasRemovedCanBePublishedAgain();
+};
+
+void BuildPruningTest::KeepsTheNewestBuilds()
+{
+    BuildSeries const game(4);
+    Tree expected = game.Published();
+    PruneSummary const summary = BuildPruning(Keep(game, 2)).Run();
+    QCOMPARE(summary.Builds, QStringList({"build_1", "build_2"}));
+    QCOMPARE(summary.KeptBuilds, 2);
+    QCOMPARE(summary.ContentFiles, 2);
+    QCOMPARE(summary.ContentBytes, 2 * BuildSeries::Own(1).size());
+    for (int const build : {1, 2}) {
+        expected.erase("pelmora_app/builds/" + BuildSeries::Name(build) + '/');
+        expected.erase("pelmora_app/builds/" + BuildSeries::Name(build) + "/info.json");
+        expected.erase(BuildSeries::OwnPath(build));
+        expected.erase(BuildSeries::OwnPath(build).left(21));
+    }
+    QCOMPARE(game.Published(), expected);
+    QVERIFY(BuildPruning(Keep(game, 2)).Run().Builds.isEmpty());
+    QVERIFY(BuildPruning(Keep(game, 9)).Run().Builds.isEmpty());
+    QVERIFY(game.IsWhole(3));
+    QVERIFY(game.IsWhole(4));
+}
+
+void BuildPruningTest::RemovesNamedBuilds()
+{
+    BuildSeries const game(4);
+    PruneSummary const summary =
+        BuildPruning(Remove(game, {"build_3", "build_1", "build_3"})).Run();
+    QCOMPARE(summary.Builds, QStringList({"build_3", "build_1"}));
+    QCOMPARE(summary.ContentFiles, 2);
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_2", "build_4"}));
+    QVERIFY(game.IsWhole(2));
+    QVERIFY(game.IsWhole(4));
+    QVERIFY(!game.HasOwn(1));
+    QVERIFY(!game.HasOwn(3));
+}
+
+void BuildPruningTest::WhatIsOnOfferStays()
+{
+    BuildSeries const game(4);
+    RollBack({game.Options.Output, "pelmora_app", "build_1", false});
+    RollBack({game.Options.Output, "pelmora_app", "build_2", true});
+    QCOMPARE(BuildPruning(Keep(game, 1)).Run().Builds, QStringList("build_3"));
+    for (int const build : {1, 2, 4})
+        QVERIFY(game.IsWhole(build));
+    QVERIFY(!game.HasOwn(3));
+}
+
+void BuildPruningTest::ABuildOnOfferCannotBeNamed()
+{
+    BuildSeries const game(3);
+    RollBack({game.Options.Output, "pelmora_app", "build_2", true});
+    Tree const before = game.Published();
+    for (int const build : {2, 3}) {
+        QCOMPARE(SentenceOf(Remove(game, {"build_1", BuildSeries::Name(build)})),
+                 QString("%1: the build %2 is on offer and cannot be removed")
+                     .arg(game.Manifest(build), BuildSeries::Name(build)));
+        QCOMPARE(game.Published(), before);
+    }
+}
+
+void BuildPruningTest::AnUnknownBuildRemovesNothing()
+{
+    BuildSeries const game(2);
+    Tree const before = game.Published();
+    for (char const* const name : {"build_9", "", "..", "../builds/build_1"}) {
+        QCOMPARE(SentenceOf(Remove(game, {"build_1", name})),
+                 game.OutputPath("pelmora_app") + ": there is no build " + name);
+        QCOMPARE(game.Published(), before);
+    }
+}
+
+void BuildPruningTest::ContentThatAnInterruptedRunLeftIsRemoved()
+{
+    BuildSeries const game(2);
+    QVERIFY(QFile::remove(game.Manifest(1)));
+    QVERIFY(game.HasOwn(1));
+    PruneSummary const summary = BuildPruning(Keep(game, 1)).Run();
+    QCOMPARE(summary.Builds, QStringList());
+    QCOMPARE(summary.ContentFiles, 1);
+    QVERIFY(!game.HasOwn(1));
+    QVERIFY(game.IsWhole(2));
+}
+
+void BuildPruningTest::AnUnreadableManifestRemovesNothing()
+{
+    BuildSeries const game(3);
+    QVERIFY(QFile::resize(game.Manifest(2), 20));
+    game.SetAge(2, 1);
+    Tree const before = game.Published();
+    QVERIFY(SentenceOf(Keep(game, 2)).startsWith(game.Manifest(2) + ": is no manifest"));
+    QCOMPARE(game.Published(), before);
+    // It can go itself.
+    QCOMPARE(SentenceOf(Remove(game, {"build_2"})), QString());
+    QVERIFY(game.IsWhole(1));
+    QVERIFY(game.IsWhole(3));
+}
+
+void BuildPruningTest::AnUnreadableVersionFileRemovesNothing()
+{
+    BuildSeries const game(3);
+    QString const version = game.OutputPath("pelmora_app/version.json");
+    QVERIFY(QFile::resize(version, 5));
+    Tree const before = game.Published();
+    QCOMPARE(SentenceOf(Keep(game, 1)), version + ": is damaged: it names no build");
+    QCOMPARE(SentenceOf(Remove(game, {"build_1"})), version + ": is damaged: it names no build");
+    QCOMPARE(game.Published(), before);
+}
+
+void BuildPruningTest::FilesOfOthersStay()
+{
+    BuildSeries const game(2);
+    QString const folder = BuildSeries::OwnPath(1).left(21);
+    QStringList const others{"index.html",
+                             "pelmora_app/notes",
+                             "pelmora_app/files/notes",
+                             "pelmora_app/builds/build_1/notes",
+                             "pelmora_app/builds/other/notes",
+                             folder + "notes",
+                             folder + BuildSeries::OwnPath(1).mid(21).toLower(),
+                             folder + BuildSeries::OwnPath(1).mid(21) + ".sig",
+                             "pelmora_app/files/00/" + BuildSeries::OwnPath(2).mid(21)};
+    for (QString const& other : others)
+        QVERIFY(WriteFile(game.OutputPath(other), "theirs"));
+    QCOMPARE(BuildPruning(Keep(game, 1)).Run().ContentFiles, 1);
+    for (QString const& other : others)
+        QCOMPARE(game.Read(other), QByteArray("theirs"));
+}
+
+void BuildPruningTest::OtherApplicationsStay()
+{
+    BuildSeries game(2);
+    game.Options.AppId = "other_app";
+    game.Publish("build_1");
+    game.Publish("build_2");
+    game.Options.AppId = "pelmora_app";
+    BuildPruning(Keep(game, 1)).Run();
+    game.Options.AppId = "other_app";
+    QVERIFY(game.IsWhole(1));
+    QVERIFY(game.IsWhole(2));
+}
+
+void BuildPruningTest::ADryRunRemovesNothing()
+{
+    BuildSeries const game(3);
+    Tree const before = TreeOf(game.Options.Output);
+    PruneOptions options = Keep(game, 1);
+    options.DryRun = true;
+    PruneSummary const planned = BuildPruning(options).Run();
+    QCOMPARE(TreeOf(game.Options.Output), before);
+    options.DryRun = false;
+    PruneSummary const done = BuildPruning(options).Run();
+    QCOMPARE(planned.Builds, done.Builds);
+    QCOMPARE(planned.ContentFiles, 2);
+    QCOMPARE(planned.ContentFiles, done.ContentFiles);
+    QCOMPARE(planned.ContentBytes, done.ContentBytes);
+}
+
+void BuildPruningTest::AFolderOfOthersIsRefused()
+{
+    BuildSeries const game(2);
+    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
+    Tree const before = TreeOf(game.Options.Output);
+    QCOMPARE(SentenceOf(Keep(game, 1)),
+             game.Options.Output + ": the output folder is no published tree");
+    QCOMPARE(TreeOf(game.Options.Output), before);
+}
+
+void BuildPruningTest::ARunOfAnotherIsNotDisturbed()
+{
+    BuildSeries const game(2);
+    Publisher::TreeTransaction const other(game.Options.Output);
+    QCOMPARE(SentenceOf(Keep(game, 1)), game.Options.Output + ": another run is publishing there");
+    QVERIFY(game.IsWhole(1));
+}
+
+void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()
+{
+    BuildSeries game(2);
+    BuildPruning(Keep(game, 1)).Run();
+    game.Put("own", BuildSeries::Own(1));
+    QCOMPARE(game.Publish("build_1").NewContentFiles, 1);
+    QVERIFY(game.IsWhole(1));
+    QCOMPARE(game.Catalog().BuildOn(false), QString("build_1"));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::BuildPruningTest)
+#include "tst_BuildPruning.moc"

@@ -1,0 +1,165 @@
+#include "Publisher/BuildRollback.hpp"
+#include "Publisher/TreeTransaction.hpp"
+#include "Tests/Publisher/BuildSeries.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+using Publisher::CatalogedBuild;
+using Publisher::RollBack;
+using Publisher::RollbackOptions;
+
+class BuildRollbackTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void OffersAnOlderBuild();
+    void ChannelsAreIndependent();
+    void ADamagedVersionFileIsReplaced();
+    void WhatIsNotAWholeBuildIsRefused_data();
+    void WhatIsNotAWholeBuildIsRefused();
+    void AFolderOfOthersIsRefused();
+    void ARunOfAnotherIsNotDisturbed();
+    void TheCatalogIsInTheOrderOfPublication();
+    void TheCatalogKnowsSizesAndChannels();
+};
+
+void BuildRollbackTest::OffersAnOlderBuild()
+{
+    BuildSeries const game(3);
+    Tree before = game.Published();
+    QCOMPARE(RollBack({game.Options.Output, "pelmora_app", "build_1", false}), QString("build_3"));
+    before["pelmora_app/version.json"] = "{\"build\":\"build_1\"}";
+    QCOMPARE(game.Published(), before);
+    QCOMPARE(RollBack({game.Options.Output, "pelmora_app", "build_3", false}), QString("build_1"));
+}
+
+void BuildRollbackTest::ChannelsAreIndependent()
+{
+    BuildSeries const game(2);
+    QCOMPARE(RollBack({game.Options.Output, "pelmora_app", "build_1", true}), QString());
+    QCOMPARE(game.Read("pelmora_app/version_dev.json"), QByteArray("{\"build\":\"build_1\"}"));
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
+}
+
+void BuildRollbackTest::ADamagedVersionFileIsReplaced()
+{
+    BuildSeries const game(2);
+    QVERIFY(QFile::resize(game.OutputPath("pelmora_app/version.json"), 5));
+    QCOMPARE(RollBack({game.Options.Output, "pelmora_app", "build_1", false}), QString());
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
+}
+
+void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused_data()
+{
+    QTest::addColumn<QString>("build");
+    QTest::addColumn<QString>("appId");
+    QTest::addColumn<QString>("lost"); // file of the tree
+    QTest::addColumn<QString>("sentence");
+    QString const own = BuildSeries::OwnPath(1);
+    QTest::newRow("unknown") << "build_9"
+                             << "pelmora_app"
+                             << ""
+                             << "there is no build build_9";
+    QTest::newRow("empty") << ""
+                           << "pelmora_app"
+                           << ""
+                           << "there is no build ";
+    QTest::newRow("elsewhere") << "../builds/build_1"
+                               << "pelmora_app"
+                               << ""
+                               << "there is no build ../builds/build_1";
+    QTest::newRow("of another application") << "build_1"
+                                            << "other_app"
+                                            << ""
+                                            << "other_app: there is no build build_1";
+    QTest::newRow("without a manifest") << "build_1"
+                                        << "pelmora_app"
+                                        << "pelmora_app/builds/build_1/info.json"
+                                        << "there is no build build_1";
+    QTest::newRow("without a content file")
+        << "build_1"
+        << "pelmora_app" << own
+        << "build_1/info.json: the build build_1 is not complete: 1 content files are missing, "
+           "the first is " +
+               own.mid(12);
+}
+
+void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
+{
+    QFETCH(QString, build);
+    QFETCH(QString, appId);
+    QFETCH(QString, lost);
+    QFETCH(QString, sentence);
+    BuildSeries const game(2);
+    QVERIFY(lost.isEmpty() || QFile::remove(game.OutputPath(lost)));
+    Tree const before = game.Published();
+    CaughtFailure const failure = FailureOf([&] {
+        RollBack({game.Options.Output, appId, build, false});
+    });
+    QVERIFY2(failure.Sentence.contains(sentence), qPrintable(failure.Sentence));
+    QVERIFY(failure.Sentence.startsWith(game.Options.Output));
+    QCOMPARE(failure.ExitStatus, Publisher::Failure::c_Other);
+    QCOMPARE(game.Published(), before);
+}
+
+void BuildRollbackTest::AFolderOfOthersIsRefused()
+{
+    BuildSeries const game(2);
+    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
+    Tree const before = TreeOf(game.Options.Output);
+    RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
+    QCOMPARE(FailureOf([&] { RollBack(options); }).Sentence,
+             game.Options.Output + ": the output folder is no published tree");
+    QCOMPARE(TreeOf(game.Options.Output), before);
+}
+
+void BuildRollbackTest::ARunOfAnotherIsNotDisturbed()
+{
+    BuildSeries const game(2);
+    Publisher::TreeTransaction const other(game.Options.Output);
+    RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
+    QCOMPARE(FailureOf([&] { RollBack(options); }).Sentence,
+             game.Options.Output + ": another run is publishing there");
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
+}
+
+void BuildRollbackTest::TheCatalogIsInTheOrderOfPublication()
+{
+    BuildSeries const game(3);
+    QVERIFY(QDir().mkpath(game.OutputPath("pelmora_app/builds/empty")));
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_1", "build_2", "build_3"}));
+    game.SetAge(1, 0);
+    game.SetAge(3, 5);
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_2", "build_1"}));
+}
+
+void BuildRollbackTest::TheCatalogKnowsSizesAndChannels()
+{
+    BuildSeries game(2);
+    game.Put("twin", "shared");
+    game.AddRules("{\"match\": \"twin\", \"streamed\": true}");
+    game.Options.Build = {"build_3", "Three", 3};
+    game.Options.DevChannel = true;
+    game.Publish();
+    CatalogedBuild const build = game.Catalog().Read("build_3");
+    QCOMPARE(build.Name, QString("Three"));
+    QCOMPARE(build.Number, 3);
+    QCOMPARE(build.Files, 4);
+    QCOMPARE(build.StreamedFiles, 1);
+    QCOMPARE(build.Bytes, 8 + 6 + 6 + BuildSeries::Own(2).size());
+    QCOMPARE(build.Content.size(), 3);
+    QCOMPARE(game.Catalog().BuildOn(true), QString("build_3"));
+    QCOMPARE(game.Catalog().BuildOn(false), QString("build_2"));
+    QVERIFY(WriteFile(game.OutputPath("pelmora_app/version.json"), "{}"));
+    QCOMPARE(FailureOf([&] { game.Catalog().BuildOn(false); }).Sentence,
+             game.OutputPath("pelmora_app/version.json") + ": is damaged: it names no build");
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::BuildRollbackTest)
+#include "tst_BuildRollback.moc"

@@ -1,0 +1,146 @@
+#include "Tests/Publisher/ProgramRun.hpp"
+#include "Tests/Publisher/PublishedGame.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+class RulesProgramTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void ListsEveryFileWithItsProperties();
+    void ListsObjects();
+    void ExplainsEachPropertyOfAPath();
+    void ExplainsInObjects();
+    void WithoutRulesEverythingIsPlain();
+    void FlagsAreThoseOfThePlatform();
+    void AFailureIsOneSentence_data();
+    void AFailureIsOneSentence();
+
+private:
+    QStringList Arguments(QStringList const& p_More = {}) const
+    {
+        return QStringList({"rules", "--source", Game->Options.Source, "--rules",
+                            Game->Options.RulesFile}) +
+               p_More;
+    }
+
+    std::unique_ptr<PublishedGame> Game;
+};
+
+void RulesProgramTest::init()
+{
+    Game = std::make_unique<PublishedGame>();
+    Game->Put("Data/a", "a");
+    Game->Put("Data/a.tmp", "b");
+    Game->SetRules("{\"locales\": {\"frFR\": \"F\"},\n"
+                   "\"rules\": [\n"
+                   "{\"match\": \"Game\", \"flags\": [\"executable\", \"game-executable\"]},\n"
+                   "{\"match\": \"Data/**\", \"locale\": \"frFR\", \"streamed\": true},\n"
+                   "{\"match\": \"**/*.tmp\", \"exclude\": true}\n"
+                   "]}");
+}
+
+void RulesProgramTest::ListsEveryFileWithItsProperties()
+{
+    ProgramResult const result = RunProgram(Arguments());
+    QCOMPARE(result.Errors, QByteArray());
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Output, QByteArray("Data/a  locale=frFR  streamed=true\n"
+                                       "Data/a.tmp  locale=frFR  streamed=true  exclude=true\n"
+                                       "Game  flags=executable, game-executable\n"));
+    QVERIFY(!QFileInfo::exists(Game->Options.Output));
+}
+
+void RulesProgramTest::ListsObjects()
+{
+    ProgramResult const result = RunProgram(Arguments({"--json"}));
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Output,
+             QByteArray("{\"exclude\":false,\"flags\":[],\"locale\":\"frFR\",\"path\":\"Data/a\","
+                        "\"streamed\":true,\"type\":\"file\"}\n"
+                        "{\"exclude\":true,\"flags\":[],\"locale\":\"frFR\",\"path\":"
+                        "\"Data/a.tmp\",\"streamed\":true,\"type\":\"file\"}\n"
+                        "{\"exclude\":false,\"flags\":[\"executable\",\"game-executable\"],"
+                        "\"locale\":\"\",\"path\":\"Game\",\"streamed\":false,"
+                        "\"type\":\"file\"}\n"));
+}
+
+void RulesProgramTest::ExplainsEachPropertyOfAPath()
+{
+    QByteArray const file = Game->Options.RulesFile.toUtf8();
+    for (char const* const path : {"Data/a.tmp", "./Data//a.tmp"}) {
+        ProgramResult const result = RunProgram(Arguments({"--explain", path}));
+        QCOMPARE(result.Errors, QByteArray());
+        QCOMPARE(result.Status, 0);
+        QCOMPARE(result.Output, "flags     none  (no rule)\n"
+                                "locale    frFR  (" +
+                                    file +
+                                    ", line 4: \"Data/**\")\n"
+                                    "streamed  true  (" +
+                                    file +
+                                    ", line 4: \"Data/**\")\n"
+                                    "exclude   true  (" +
+                                    file + ", line 5: \"**/*.tmp\")\n");
+    }
+}
+
+void RulesProgramTest::ExplainsInObjects()
+{
+    ProgramResult const result = RunProgram(Arguments({"--explain", "Game", "--json"}));
+    QCOMPARE(result.Status, 0);
+    QList<QByteArray> const lines = result.Output.split('\n');
+    QCOMPARE(lines.size(), 5);
+    QCOMPARE(lines[0], "{\"file\":\"" + Game->Options.RulesFile.toUtf8() +
+                           "\",\"line\":3,\"match\":\"Game\",\"path\":\"Game\",\"property\":"
+                           "\"flags\",\"type\":\"property\",\"value\":[\"executable\","
+                           "\"game-executable\"]}");
+    QCOMPARE(lines[1], QByteArray("{\"path\":\"Game\",\"property\":\"locale\",\"type\":"
+                                  "\"property\",\"value\":\"\"}"));
+}
+
+void RulesProgramTest::WithoutRulesEverythingIsPlain()
+{
+    ProgramResult const result = RunProgram({"rules", "--source", Game->Options.Source});
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Output, QByteArray("Data/a\nData/a.tmp\nGame\n"));
+}
+
+void RulesProgramTest::FlagsAreThoseOfThePlatform()
+{
+    ProgramResult const result = RunProgram(Arguments({"--platform", "win", "--explain", "Game"}));
+    QVERIFY2(result.Output.startsWith("flags     executable, game-executable  ("),
+             result.Output.constData());
+}
+
+void RulesProgramTest::AFailureIsOneSentence_data()
+{
+    QTest::addColumn<QStringList>("more");
+    QTest::addColumn<QByteArray>("sentence");
+    QByteArray const none(": the source folder holds no such file");
+    for (char const* const path : {"none", "Data", "../rules.json", "Data/a/b"})
+        QTest::newRow(path) << QStringList({"--explain", path}) << path + none;
+    QTest::newRow("absolute") << QStringList({"--explain", "/etc/passwd"}) << "/etc/passwd" + none;
+    QTest::newRow("no rules file")
+        << QStringList({"--rules", "none.json"}) << QByteArray("none.json: cannot be read: ");
+}
+
+void RulesProgramTest::AFailureIsOneSentence()
+{
+    QFETCH(QStringList, more);
+    QFETCH(QByteArray, sentence);
+    QStringList arguments{"rules", "--source", Game->Options.Source};
+    ProgramResult const result = RunProgram(arguments + more);
+    QCOMPARE(result.Status, 1);
+    QCOMPARE(result.Output, QByteArray());
+    QVERIFY2(result.Errors.startsWith("varnholt-publish: " + sentence), result.Errors.constData());
+    QCOMPARE(result.Errors.count('\n'), 1);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::RulesProgramTest)
+#include "tst_RulesProgram.moc"
