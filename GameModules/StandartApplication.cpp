@@ -23,6 +23,13 @@ StandartApplication::StandartApplication(QString const& p_Name, QString const& p
     };
 }
 
+StandartApplication::~StandartApplication()
+{
+    if (CurrentDownload != nullptr)
+        CurrentDownload->Abort();
+    StopTransfersAside();
+}
+
 void StandartApplication::Uninit() {}
 
 QString StandartApplication::GetInstallationPath()

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -51,6 +52,8 @@ public:
     using RunStep = void (StandartApplication::*)(RunId);
 
     StandartApplication(QString const& p_Name, QString const& p_AppId);
+    /// Stops the transfers and waits for it: they signal on threads of their own.
+    ~StandartApplication() override;
 
     // Construction and settings ____________________________________________________________
 
@@ -218,12 +221,12 @@ protected:
     void UpdatePendingList(QString const& p_Added);
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
     /// again, in the words of the log
-    char const* PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                          HTTP_DownloadFileRequest const& p_Request);
+    char const* PlaceFile(ApplicationManifestFileEntry const& p_Entry, bool p_Continuable);
     void RemoveOldFile(QString const& p_Path);
     void RetryOrGiveUp(char const* p_Reason, ApplicationManifestFileEntry const& p_Entry,
                        quint64 p_ContentLength);
-    void ShowFileDone(HTTP_DownloadFileRequest const& p_Request);
+    /// \param p_UnsampledBytes arrived since the last sample of the rate
+    void ShowFileDone(qint64 p_UnsampledBytes);
     void GoOnWithNextFile(RunId p_Run);
     void RemoveLists(std::vector<QString> const& p_Names);
     void DeleteGameFile(QString const& p_Path);
@@ -233,11 +236,14 @@ protected:
     void StopTransfersAside();
 
     std::atomic<RunId> CurrentRun{0};
-    bool FilesBegun = false;      ///< a file of this run has been started, maybe by a resume
-    bool StartAfterAbort = false; ///< resumed before the aborted transfer's end was handled
+    std::optional<RunId> CompletingRun; ///< whose transfer's end is being handled
+    bool FilesBegun = false;            ///< a file of this run has been started, maybe by a resume
+    std::atomic<bool> StartAfterAbort{
+        false}; ///< resumed before the aborted transfer's end was handled
     /// Grows with every suspension and every run: a start that was asked for before is void.
     std::atomic<quint64> ResumeTicket{1};
-    quint64 PolledTicket = 0; ///< of the resume that waits for host and game
+    quint64 PolledTicket = 0;              ///< of the resume that waits for host and game
+    std::atomic<quint64> PollingTicket{0}; ///< of the resume that the worker is calling
     std::set<HTTP_DownloadFileRequest*> TransfersAside; ///< of replaced runs, still running
 };
 

@@ -48,6 +48,7 @@ void StandartApplication::OnManifestReceived()
         return;
     if (Folder().isEmpty()) {
         qCWarning(LogComparison) << Name << "is installed in no folder: nothing is compared";
+        ShowIdle();
         return;
     }
     // Queued last: the worker must not read files whose permissions are being changed.

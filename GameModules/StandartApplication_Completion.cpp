@@ -43,8 +43,12 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
         return;
     }
     // Copies: the list grows on a retry, and a host that is told of an error may do anything.
+    // One that lets events through while it shows the error has the record deleted meanwhile.
     ApplicationManifestFileEntry const entry = FilesToDownload[CurrentDownloadIndex];
     bool const aborted = p_Request->Aborted;
+    quint64 const contentLength = p_Request->ContentLength;
+    qint64 const unsampled = p_Request->BytesOnDisk - p_Request->RateSampleBytes;
+    CompletingRun = run;
 
     UpdatePendingList(QString());
     if (aborted) {
@@ -53,15 +57,16 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
         DownloadRetryCount = 0;
         DownloadedBytes += static_cast<quint64>(p_Request->CurrentBytes);
     } else {
-        DownloadedBytes += p_Request->ContentLength;
-        char const* const reason = PlaceFile(entry, *p_Request);
+        DownloadedBytes += contentLength;
+        char const* const reason = PlaceFile(entry, p_Request->Continuable);
         if (!IsCurrentRun(run))
             return;
         if (reason != nullptr)
-            RetryOrGiveUp(reason, entry, p_Request->ContentLength);
+            RetryOrGiveUp(reason, entry, contentLength);
     }
-    ShowFileDone(*p_Request);
+    ShowFileDone(unsampled);
     CurrentDownload = nullptr;
+    CompletingRun.reset();
     if (aborted)
         FollowAbortedTransfer();
     else
@@ -77,7 +82,7 @@ void StandartApplication::UpdatePendingList(QString const& p_Added)
 }
 
 char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                                           HTTP_DownloadFileRequest const& p_Request)
+                                           bool p_Continuable)
 {
     QString const path = Folder() + p_Entry.Path;
     QString const part = path + QLatin1String(".part");
@@ -89,7 +94,7 @@ char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p
         return "(IO) Download restarted for ";
     if (digest.Md5 != p_Entry.Md5) {
         // What cannot become the file by going on from its end would only cost further restarts.
-        if (digest.Complete && !p_Request.Continuable)
+        if (digest.Complete && !p_Continuable)
             QFile::remove(part);
         return "(MD5) Download restarted for ";
     }
@@ -129,23 +134,31 @@ void StandartApplication::RetryOrGiveUp(char const* p_Reason,
     ++DownloadRetryCount;
 }
 
-void StandartApplication::ShowFileDone(HTTP_DownloadFileRequest const& p_Request)
+void StandartApplication::ShowFileDone(qint64 p_UnsampledBytes)
 {
     auto& progress = UISetting.Download;
     progress.Current = DownloadedBytes;
     progress.Percent = PercentOf(progress.Current, progress.Total);
-    if (p_Request.BytesOnDisk > p_Request.RateSampleBytes)
-        progress.LogDownloadRate(
-            static_cast<quint64>(p_Request.BytesOnDisk - p_Request.RateSampleBytes));
+    if (p_UnsampledBytes > 0)
+        progress.LogDownloadRate(static_cast<quint64>(p_UnsampledBytes));
     UISettingChanged = true;
 }
 
 void StandartApplication::GoOnWithNextFile(RunId p_Run)
 {
-    ++CurrentDownloadIndex;
-    if (CurrentDownloadIndex < FilesToDownload.size()) {
-        ChooseServer(FilesToDownload[CurrentDownloadIndex]);
-        qCWarning(LogDownload) << "Selected CDN " << Name << " " << ContentBaseUrl;
+    QString server;
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope)
+            return;
+        ++CurrentDownloadIndex;
+        if (CurrentDownloadIndex < FilesToDownload.size()) {
+            ChooseServer(FilesToDownload[CurrentDownloadIndex]);
+            server = ContentBaseUrl;
+        }
+    }
+    if (!server.isEmpty()) {
+        qCWarning(LogDownload) << "Selected CDN " << Name << " " << server;
         QueueStart(p_Run);
         return;
     }

@@ -13,6 +13,7 @@ namespace Varnholt::Launcher {
 void StandartApplication::Install(QString const& p_Path, bool p_Flag)
 {
     Application::Install(p_Path, p_Flag);
+    ReplaceList(); // or a comparison that ends meanwhile would write its list anew
     WriteSetting(SettingKey(".Installed"), true);
     WriteSetting(SettingKey(".InstallFolder"), p_Path);
     IsFirstManifestBuild = !p_Flag;
@@ -35,6 +36,7 @@ void StandartApplication::Repair()
 void StandartApplication::AbortRepair()
 {
     SuspendDownload();
+    ReplaceList();
     GetInstallationPath();
     RemoveLists({PendingList::c_Casc, PendingList::c_Base, PendingList::c_Streamed});
     IsFirstManifestBuild = false;
@@ -47,8 +49,9 @@ void StandartApplication::Uninstall(bool p_Flag)
     GetInstallationPath();
     QString const folder = Folder();
     if (p_Flag && !folder.isEmpty())
-        for (auto const* entries : {&Manifest.Files, &Manifest.StreamedFiles})
-            for (ApplicationManifestFileEntry const& entry : *entries)
+        // Copies: a host that is told of an error may do anything.
+        for (Entries const& entries : {Manifest.Files, Manifest.StreamedFiles})
+            for (ApplicationManifestFileEntry const& entry : entries)
                 DeleteGameFile(folder + entry.Path);
 
     QString const prefix = SettingKey(".");

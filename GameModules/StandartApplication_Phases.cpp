@@ -47,17 +47,24 @@ void StandartApplication::CheckStartDownload(RunId p_Run, RunStep p_Start)
 {
     constexpr unsigned long c_PollMilliseconds = 100;
 
-    bool const running = IsGameRunning();
     {
         RunScope const scope(*this, p_Run);
         if (!scope)
             return;
         UISetting.Download.Percent = 100;
+    }
+    bool const running = IsGameRunning();
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope)
+            return;
         UISetting.Download.Mode = running ? 1 : 0;
         UISetting.Download.DetailText = QStringLiteral("");
         UISettingChanged = true;
     }
     if (!IsDownloadBlocked() && !running) {
+        if (!IsCurrentRun(p_Run))
+            return;
         NotifyDownloadStarting();
         (this->*p_Start)(p_Run);
         return;
@@ -182,11 +189,11 @@ void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText)
     constexpr int c_Suspended = 4;
 
     auto& progress = UISetting.Download;
-    progress.DetailText = p_DetailText;
-    UISettingChanged = true;
     // A resume was not kept waiting by the sizes, and may have been followed by a suspension.
     if (!FilesBegun || progress.Mode != c_Suspended)
         progress.Mode = 3;
+    progress.DetailText = p_DetailText;
+    UISettingChanged = true;
     if (FilesBegun)
         return;
     CurrentDownloadIndex = 0;
@@ -202,6 +209,7 @@ void StandartApplication::EndRun(RunId p_Run)
         return;
     CurrentDownload = nullptr;
     FilesToDownload.clear();
+    FilesBegun = false;
 }
 
 void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry)
@@ -212,6 +220,7 @@ void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Ent
 
 QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const
 {
+    QMutexLocker const lock(&RunMutex);
     return ContentBaseUrl + AppId + QLatin1Char('/') + p_Entry.Location;
 }
 
@@ -226,22 +235,31 @@ void StandartApplication::QueueStart(RunId p_Run, quint64 p_Ticket)
 void StandartApplication::StartCurrentFile(RunId p_Run)
 {
     QString const folder = Folder();
-    if (!IsCurrentRun(p_Run) || folder.isEmpty() || !IsFilePending())
+    // A file that is being completed is followed by the next one anyway.
+    if (!IsCurrentRun(p_Run) || folder.isEmpty() || !IsFilePending() || CompletingRun == p_Run)
         return;
     if (CurrentDownload != nullptr) {
         // One transfer at a time; one that was stopped is followed when its completion comes.
-        StartAfterAbort = CurrentDownload->Aborted;
+        StartAfterAbort = CurrentDownload->Aborted.load();
         return;
     }
     // A transfer of a replaced run may still write the very file that is about to be fetched.
     StopTransfersAside();
-    FilesBegun = true;
-    ApplicationManifestFileEntry const& entry = FilesToDownload[CurrentDownloadIndex];
-    // A question for another file's size may have changed the server since it was chosen.
-    if (!MirrorChoice::MayServe(ContentBaseUrl, entry, CdnHosts))
-        ChooseServer(entry);
-    CurrentDownload =
-        DownloadFile(RemoteAddress(entry), folder + entry.Path + QLatin1String(".part"), true);
+    QString address;
+    QString part;
+    {
+        RunScope const scope(*this, p_Run);
+        if (!scope || !IsFilePending())
+            return;
+        FilesBegun = true;
+        ApplicationManifestFileEntry const& entry = FilesToDownload[CurrentDownloadIndex];
+        // A question for another file's size may have changed the server since it was chosen.
+        if (!MirrorChoice::MayServe(ContentBaseUrl, entry, CdnHosts))
+            ChooseServer(entry);
+        address = RemoteAddress(entry);
+        part = folder + entry.Path + QLatin1String(".part");
+    }
+    CurrentDownload = DownloadFile(address, part, true);
 }
 
 void StandartApplication::FollowAbortedTransfer()

@@ -25,7 +25,7 @@ void StandartApplication::SuspendDownload()
     RunId const run = CurrentRun;
     StartAfterAbort = false;
     {
-        // A poll that starts at this moment shows its mode before, or not at all.
+        // A poll at this moment shows its mode before, or not at all.
         QMutexLocker const lock(&RunMutex);
         ++ResumeTicket;
     }
@@ -40,16 +40,29 @@ void StandartApplication::SuspendDownload()
 void StandartApplication::ResumeDownload()
 {
     RunId const run = CurrentRun;
-    quint64 const ticket = ResumeTicket;
+    // A poll goes on with the resume that began it: a suspension may have come since it looked.
+    quint64 const ticket = QThread::currentThread() == thread() ? ResumeTicket : PollingTicket;
     if (!IsFilePending())
         return ShowIdle();
     auto& progress = UISetting.Download;
-    progress.Percent = 100;
+    {
+        RunScope const scope(*this, run);
+        if (!scope || ResumeTicket != ticket)
+            return;
+        progress.Percent = 100;
+    }
     bool const running = IsGameRunning();
-    progress.Mode = running ? 1 : 0;
-    UISettingChanged = true;
+    {
+        RunScope const scope(*this, run);
+        if (!scope || ResumeTicket != ticket)
+            return;
+        progress.Mode = running ? 1 : 0;
+        UISettingChanged = true;
+    }
     if (IsDownloadBlocked() || running)
         return PollResume(ticket);
+    if (ResumeTicket != ticket)
+        return;
 
     NotifyDownloadStarting();
     RunScope const scope(*this, run);
@@ -78,6 +91,7 @@ void StandartApplication::PollResume(quint64 p_Ticket)
             if (ResumeTicket != p_Ticket)
                 return;
             PolledTicket = 0;
+            PollingTicket = p_Ticket;
         }
         ResumeDownload();
     });

@@ -6,6 +6,8 @@
 
 #include <QNetworkReply>
 
+#include <memory>
+
 namespace Varnholt::Launcher {
 
 namespace {
@@ -41,11 +43,13 @@ void Pelmora::AfterOnManifestReceived()
 
 void Pelmora::FetchRealmList()
 {
-    RealmListRequest =
+    auto const request = std::make_shared<HTTP_GetRemotefileContentRequest*>(nullptr);
+    *request =
         GetRemoteFileContent(DefaultContentBaseUrl() + AppId + QLatin1String("/realmlist.info"),
-                             [this](QString const&, QByteArray* p_Data) {
-                                 QNetworkReply const& reply = *RealmListRequest->Reply;
-                                 RealmListRequest = nullptr;
+                             [this, request](QString const&, QByteArray* p_Data) {
+                                 QNetworkReply const& reply = *(*request)->Reply;
+                                 if (RealmListRequest == *request)
+                                     RealmListRequest = nullptr;
                                  // What a failed fetch brings is not content: the game keeps the
                                  // line it has.
                                  if (!Succeeded(reply))
@@ -54,6 +58,7 @@ void Pelmora::FetchRealmList()
                                  qCWarning(LogLanguage) << GetName() << " Realmlist : " << line;
                                  WriteConfigLine(QStringLiteral("realmlist"), line);
                              });
+    RealmListRequest = *request;
 }
 
 void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line)
