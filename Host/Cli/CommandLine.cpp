@@ -38,7 +38,9 @@ void Complete(Choice& p_Choice, HostSettings const& p_Settings)
             p_Option = ConfigCommand::Value(p_Settings, QLatin1String(p_Key));
     };
     fill(p_Choice.Options.ModuleFile, "module");
-    fill(p_Choice.Options.ContentUrl, "content-url");
+    // The variable that the module reads by itself stands above the settings too.
+    if (qEnvironmentVariableIsEmpty("VARNHOLT_CONTENT_BASE_URL"))
+        fill(p_Choice.Options.ContentUrl, "content-url");
     fill(p_Choice.LogFile, "log-file");
     fill(p_Choice.ColorName, "color");
     p_Choice.Options.ModuleFile = absolute(p_Choice.Options.ModuleFile);

@@ -1,7 +1,10 @@
 #include "Host/Cli/Prompt.hpp"
 
+#include "Host/Cli/SignalWatch.hpp"
+
 #include <QByteArray>
 
+#include <cerrno>
 #include <cstdio>
 #include <termios.h>
 #include <unistd.h>
@@ -48,8 +51,13 @@ std::optional<QString> ReadLine()
     QByteArray line;
     char byte = 0;
     ssize_t read = 0;
-    while ((read = ::read(STDIN_FILENO, &byte, 1)) == 1 && byte != '\n')
-        line += byte;
+    do {
+        read = ::read(STDIN_FILENO, &byte, 1);
+        if (read == 1 && byte != '\n')
+            line += byte;
+        // Of the signals, only those that end the program end the question.
+    } while ((read == 1 && byte != '\n') ||
+             (read < 0 && errno == EINTR && !SignalWatch::IsEndRequested()));
     if (read < 0 || (read == 0 && line.isEmpty()))
         return std::nullopt;
     if (line.endsWith('\r'))

@@ -44,8 +44,13 @@ SignalWatch::SignalWatch(QObject* p_Parent)
 
     struct sigaction action = {};
     action.sa_handler = Handle; // without SA_RESTART: a question to the user ends
-    for (int const signal : c_Signals)
-        ::sigaction(signal, &action, nullptr);
+    for (int const signal : c_Signals) {
+        struct sigaction former = {};
+        ::sigaction(signal, nullptr, &former);
+        // What "nohup" or a shell's background job ignores stays ignored.
+        if (former.sa_handler != SIG_IGN)
+            ::sigaction(signal, &action, nullptr);
+    }
 }
 
 SignalWatch::~SignalWatch()

@@ -63,6 +63,9 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     QString const path = Folder + p_Path;
     if (QFileInfo(path).isDir())
         return Failure{FailureKind::FolderBlocksFile, path, {}};
+    if (QFileInfo::exists(path)) // the module removes the old file before it places the new one
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("the old file cannot be replaced")};
     QString const part = path + QLatin1String(".part");
     if (QFileInfo(part).isDir())
         return Failure{FailureKind::FileUnwritable, path,

@@ -30,7 +30,7 @@ bool HostOptions::IsContentUrl(QString const& p_Text)
     bool const isHttp =
         url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     return url.isValid() && isHttp && !url.hasQuery() && !url.hasFragment() &&
-           !url.host().isEmpty();
+           !url.host().isEmpty() && url.userInfo().isEmpty();
 }
 
 qint64 HostOptions::VolumeFreeBytes(QString const& p_Path)

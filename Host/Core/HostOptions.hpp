@@ -20,7 +20,7 @@ struct HostOptions {
     /// The module beside the program: ../plugins/libPelmora.so.
     static QString DefaultModuleFile();
     static QString DefaultSettingsFile();
-    /// Whether a text can be a `ContentUrl`: http or https, a host, no query.
+    /// Whether a text can be a `ContentUrl`: http or https, a host, no query, no password.
     static bool IsContentUrl(QString const& p_Text);
     /// -1 when the volume is not known.
     static qint64 VolumeFreeBytes(QString const& p_Path);

@@ -45,11 +45,15 @@ void RunControl::Begin(RunRequest const& p_Request)
     Request = p_Request;
     Result = {};
     Result.Transfers = Context.Ledger.Count();
+    DiscardQueue();
     PumpHeld = false;
     HasInstalled = false;
     WantsEveryFile = p_Request.Kind == RunRequest::Type::Repair || Context.Record.IsUnfinished();
     Paused = false;
-    Context.Gate.SetPreview(IsInspection(Request) || Request.Kind == RunRequest::Type::ListLocales);
+    // An installation begins in another folder, which the module must not take for the old one.
+    Context.Gate.SetPreview(IsInspection(Request) ||
+                            Request.Kind == RunRequest::Type::ListLocales ||
+                            Request.Kind == RunRequest::Type::Install);
     Attempts = Passes = 0;
     LastMissing = std::numeric_limits<std::size_t>::max();
     Pending.reset();
@@ -67,7 +71,9 @@ void RunControl::Begin(RunRequest const& p_Request)
 std::optional<Failure> RunControl::Preconditions()
 {
     InstallRecord const& record = Context.Record;
-    if (IsAboutLocales(Request))
+    if (Request.Kind == RunRequest::Type::ListLocales)
+        return std::nullopt;
+    if (Request.Kind == RunRequest::Type::ChooseLocale && !record.IsInstalled())
         return std::nullopt;
     if (IsInspection(Request))
         return InspectionPreconditions();
@@ -161,6 +167,7 @@ std::optional<Failure> RunControl::BeginInstall()
         return failure;
     if (auto failure = LockFolder(folder))
         return failure;
+    Context.Gate.SetPreview(false);
     HasInstalled = true;
     WantsEveryFile = true;
     Context.Record.MarkUnfinished();
@@ -191,6 +198,8 @@ void RunControl::BeforePump()
 
 void RunControl::AfterPump()
 {
+    if (CurrentStep != Step::Idle)
+        WatchFetches();
     if (CurrentStep == Step::StartingUp) {
         if (Context.Module.UISetting.State != 0)
             OnConnected();
@@ -257,6 +266,14 @@ void RunControl::Finish()
         Request.Kind == RunRequest::Type::Repair)
         Context.Record.MarkComplete(Context.Module.RemoteBuild);
     End();
+}
+
+/// What is left in the queue of a run that was stopped would begin it anew.
+void RunControl::DiscardQueue()
+{
+    std::queue<std::function<void()>> closures; // destroyed without the lock
+    QMutexLocker const lock(&Context.Module.SyncQueueMutex);
+    closures.swap(Context.Module.SyncQueue);
 }
 
 void RunControl::Fail(Failure const& p_Failure)

@@ -17,6 +17,7 @@
 #include <QObject>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -70,6 +71,7 @@ private:
     void OnQuiet();
     void Finish();
     void Fail(Failure const& p_Failure);
+    void DiscardQueue();
     void End();
     void ShowProgress();
     RunPhase CurrentPhase() const;
@@ -92,6 +94,7 @@ private:
     static bool IsInspection(RunRequest const& p_Request);
     std::optional<Failure> InspectionPreconditions() const;
     void BeginInspection();
+    void Inspect(bool p_EveryFile);
     void OnInspected();
     void OnSized();
     void AskMirrors();
@@ -104,6 +107,7 @@ private:
     void Retry(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);
     void WatchForStall(RunPhase p_Phase);
+    void WatchFetches();
     void WatchForDrops(RunPhase p_Phase);
     void GiveUpTransfer(Failure const& p_Failure);
     std::vector<QNetworkReply*> UnfinishedReplies() const;
@@ -127,6 +131,12 @@ private:
     RunResult Result;
     Step CurrentStep = Step::Idle;
     std::function<void()> AfterSettling;
+    /// How far a fetch has come, and since when, as `Clock` has it.
+    struct FetchProgress {
+        int Bytes = 0;
+        qint64 Since = 0;
+    };
+    std::map<QNetworkReply*, FetchProgress> Fetches;
     std::shared_ptr<Inspection> Examiner; ///< shared with the worker
     std::unique_ptr<SizeSurvey> Survey;
     std::unique_ptr<MirrorCheck> Mirrors;

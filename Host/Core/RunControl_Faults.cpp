@@ -15,6 +15,8 @@ namespace Varnholt::Host {
 namespace {
 
 constexpr int c_MostAttempts = 5;
+/// What the module repeats before it gives files up, all of them together.
+constexpr quint32 c_ModuleRestarts = 5;
 constexpr int c_MostPasses = 5;
 
 /// The replies of a request map that have not ended.
@@ -69,8 +71,10 @@ void RunControl::Verify()
 {
     Launcher::StandartApplication& module = Context.Module;
     auto const missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
-    if (missing.empty())
+    if (missing.empty() && module.DownloadRetryCount < c_ModuleRestarts)
         return Finish();
+    if (missing.empty()) // a file that was given up may still have its old content
+        return Inspect(true);
 
     // The module has one budget of repetitions for all files: one bad file takes it from the rest.
     bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing ||
@@ -178,6 +182,35 @@ void RunControl::WatchForStall(RunPhase p_Phase)
     QString const url = module.CurrentDownload->Url;
     Context.Journal.NoteTimeout(url);
     GiveUpTransfer({FailureKind::ServerSilent, url, QStringLiteral("no answer in time")});
+}
+
+/// Ends fetches that bring nothing any more. The realm list's is under way in every phase, and a
+/// run is not over before it has ended.
+void RunControl::WatchFetches()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    qint64 const now = Clock.elapsed();
+    std::map<QNetworkReply*, FetchProgress> fetches;
+    std::vector<QNetworkReply*> silent;
+    {
+        QMutexLocker const lock(&module.ContentRequestsMutex);
+        for (auto const& row : module.ContentRequests) {
+            FetchProgress progress{row.second->Data.size(), now};
+            auto const known = Fetches.find(row.first);
+            if (known != Fetches.end() && known->second.Bytes == progress.Bytes)
+                progress.Since = known->second.Since;
+            fetches[row.first] = progress;
+            if (now - progress.Since >= Context.Options.StallMilliseconds)
+                silent.push_back(row.first);
+        }
+    }
+    Fetches.swap(fetches);
+    for (QNetworkReply* const reply : silent) {
+        Context.Journal.ExpectTimeout(*reply);
+        reply->abort();
+    }
+    if (!silent.empty())
+        module.NetworkManager->clearConnectionCache();
 }
 
 void RunControl::WatchForDrops(RunPhase p_Phase)

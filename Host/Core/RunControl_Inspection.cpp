@@ -1,6 +1,7 @@
 #include "Host/Core/RunControl.hpp"
 
 #include "Host/Core/ByteText.hpp"
+#include "Host/Core/FileDiagnosis.hpp"
 #include "Launcher/Application/ContentServer.hpp"
 
 #include <QFileInfo>
@@ -31,6 +32,18 @@ QString AmountText(std::vector<FileFinding> const& p_Findings)
              ByteText(bytes));
 }
 
+FileDiagnosis::Entries EntriesOf(std::vector<FileFinding> const& p_Findings)
+{
+    FileDiagnosis::Entries entries;
+    for (FileFinding const& finding : p_Findings) {
+        Launcher::ApplicationManifestFileEntry entry;
+        entry.Path = finding.Path;
+        entry.Location = finding.Location;
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
 } // namespace
 
 bool RunControl::IsInspection(RunRequest const& p_Request)
@@ -57,8 +70,13 @@ void RunControl::BeginInspection()
 {
     bool const everyFile = Request.Kind == RunRequest::Type::Verify || WantsEveryFile ||
                            Context.Record.CompletedBuild() != Context.Module.RemoteBuild;
+    Inspect(everyFile);
+}
+
+void RunControl::Inspect(bool p_EveryFile)
+{
     Examiner = std::make_shared<Inspection>(Context.Module.Manifest, Folder(),
-                                            Context.Module.GetAppLocale(), everyFile);
+                                            Context.Module.GetAppLocale(), p_EveryFile);
     CurrentStep = Step::Inspecting;
     Context.Module.EnqueueAsync([examiner = Examiner] { examiner->Run(); });
 }
@@ -66,9 +84,12 @@ void RunControl::BeginInspection()
 /// Called when every file has been looked at.
 void RunControl::OnInspected()
 {
-    Result.Findings = Examiner->Findings();
-    if (Result.Findings.empty())
+    if (Examiner->Findings().empty())
         return Finish();
+    if (!IsInspection(Request))
+        return Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes)
+                        .Explain(EntriesOf(Examiner->Findings())));
+    Result.Findings = Examiner->Findings();
     if (Request.Kind == RunRequest::Type::Verify)
         return Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
     SizeSurvey::Servers servers;

@@ -9,6 +9,12 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+constexpr int c_MostUnanswered = 6;
+
+} // namespace
+
 SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, Servers p_Servers, QString p_Folder)
     : Files(std::move(p_Findings))
     , From(std::move(p_Servers))
@@ -51,13 +57,17 @@ void SizeSurvey::OnAnswer(std::size_t p_Index, QNetworkReply& p_Reply)
     FileFinding& file = Files[p_Index];
     bool known = false;
     qint64 const size = p_Reply.header(QNetworkRequest::ContentLengthHeader).toLongLong(&known);
+    bool const answered = p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+    Unanswered = answered ? 0 : Unanswered + 1;
     if (p_Reply.error() == QNetworkReply::NoError && known) {
         qint64 const there = QFileInfo(Folder + file.Path + QLatin1String(".part")).size();
         file.Bytes = std::max<qint64>(0, size - there);
     }
-    if (++Answers == Files.size())
+    ++Answers;
+    // A server that is silent for a while is not asked for the rest.
+    if (Unanswered == c_MostUnanswered || Answers == Files.size())
         Q_EMIT Finished();
-    else
+    else if (Unanswered < c_MostUnanswered)
         AskNext();
 }
 

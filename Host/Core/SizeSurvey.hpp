@@ -43,6 +43,7 @@ private:
     QString Folder;
     std::size_t Next = 0;
     quint32 Answers = 0;
+    int Unanswered = 0; ///< in a row
 };
 
 } // namespace Varnholt::Host
