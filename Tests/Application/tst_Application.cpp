@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <cstring>
 #include <set>
 #include <type_traits>
 
@@ -27,7 +28,26 @@ public:
     std::vector<ApplicationManifestLocale> GetAvailableLocales() const override { return {}; }
     QString GetAppLocale() override { return {}; }
     void SetAppLocale(QString) override {}
+
+    using QObject::disconnectNotify;
 };
+
+/// The place of a virtual function in its class's table, as a pointer to the member tells it.
+template <typename Function>
+std::ptrdiff_t SlotOf(Function p_Function)
+{
+    std::ptrdiff_t words[2] = {};
+    static_assert(sizeof p_Function == sizeof words);
+    std::memcpy(words, &p_Function, sizeof words);
+#if defined(Q_PROCESSOR_ARM)
+    bool const isVirtual = words[1] % 2 != 0;
+    std::ptrdiff_t const offset = words[0];
+#else
+    bool const isVirtual = words[0] % 2 != 0;
+    std::ptrdiff_t const offset = words[0] - 1;
+#endif
+    return isVirtual ? offset / static_cast<std::ptrdiff_t>(sizeof(void*)) : -1;
+}
 
 } // namespace
 
@@ -36,6 +56,7 @@ class ApplicationTest : public QObject {
 
 private Q_SLOTS:
     void TheConstructorTakesNamesAndStartsNothing();
+    void VirtualOperationsKeepTheirSlots();
     void BaseOperationsDoNothing();
     void MutexesAreRecursiveWhereClosuresAreNotQueued();
     void ClosuresRunInTheOrderOfTheirQueueing();
@@ -64,6 +85,37 @@ void ApplicationTest::TheConstructorTakesNamesAndStartsNothing()
     QCOMPARE(app.WriteQueueSize, 0);
     QVERIFY(app.Timer.isNull());
     QVERIFY(!app.UISettingChanged);
+}
+
+// Hosts and modules are built apart: a host calls by the place in the table.
+void ApplicationTest::VirtualOperationsKeepTheirSlots()
+{
+    using TestSupport::TestApplication;
+    std::ptrdiff_t const slots[] = {SlotOf(&Application::Init),
+                                    SlotOf(&Application::Uninit),
+                                    SlotOf(&Application::GetRessource),
+                                    SlotOf(&Application::IsGameRunning),
+                                    SlotOf(&Application::Install),
+                                    SlotOf(&Application::Start),
+                                    SlotOf(&Application::Repair),
+                                    SlotOf(&Application::AbortRepair),
+                                    SlotOf(&Application::Uninstall),
+                                    SlotOf(&Application::SuspendDownload),
+                                    SlotOf(&Application::ResumeDownload),
+                                    SlotOf(&Application::GetAvailableLocales),
+                                    SlotOf(&Application::GetAppLocale),
+                                    SlotOf(&Application::SetAppLocale),
+                                    SlotOf(&Application::IsCASCApp),
+                                    SlotOf(&Application::EnableCASC),
+                                    SlotOf(&Application::GetCustomIconAnimation),
+                                    SlotOf(&Application::GetCustomIconAnimationFramerate),
+                                    SlotOf(&TestApplication::OnInstall),
+                                    SlotOf(&TestApplication::AfterOnManifestReceived)};
+    QCOMPARE(std::size(slots), std::size_t{20});
+    std::ptrdiff_t const lastOfQObject = SlotOf(&PlainApplication::disconnectNotify);
+    QVERIFY(lastOfQObject > 0);
+    for (std::size_t i = 0; i < std::size(slots); ++i)
+        QCOMPARE(slots[i], lastOfQObject + 1 + static_cast<std::ptrdiff_t>(i));
 }
 
 void ApplicationTest::BaseOperationsDoNothing()
