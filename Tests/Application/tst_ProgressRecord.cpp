@@ -23,6 +23,10 @@ void ProgressRecordTest::StartsAtZero()
     ApplicationUISetting const setting;
     QCOMPARE(setting.State, 0);
     auto const& download = setting.Download;
+    QCOMPARE(download.Mode, 0);
+    QCOMPARE(download.ModeFlag, false);
+    QCOMPARE(download.StatusFlags, quint32{0});
+    QCOMPARE(download.StatusFlag, false);
     QCOMPARE(download.Percent, quint32{0});
     QCOMPARE(download.Current, quint64{0});
     QCOMPARE(download.Total, quint64{0});
