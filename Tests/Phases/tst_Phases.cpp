@@ -63,7 +63,6 @@ void PhasesTest::BaseFilesAreShownAndFetchedFirst()
     QCOMPARE(game.App.CurrentDownloadIndex, 0u);
     QCOMPARE(game.App.DownloadedBytes, quint64{0});
     QVERIFY(game.App.IsDownloadingBase);
-    QVERIFY(game.App.UISettingChanged);
     game.Server.OpenGate(game.Content.ServerPath("a"));
     QVERIFY(game.Finish());
 }
@@ -130,9 +129,11 @@ void PhasesTest::TheEndIsShownAndTold()
     game.Add({"a", "aa"}).Add({"s", "sss", 0, {}, true});
     auto const& progress = game.App.UISetting.Download;
     QString textWhenTold;
-    game.Host.OnDownloadFinished = [&] { textWhenTold = progress.DetailText; };
+    game.Host.OnDownloadFinished = [&] {
+        textWhenTold = progress.DetailText;
+        game.App.UISettingChanged = false;
+    };
     game.Begin();
-    game.App.UISettingChanged = false;
     QVERIFY(game.Finish());
     QCOMPARE(game.Host.FinishedCount.load(), 1);
     QCOMPARE(textWhenTold, QString("Downloading streammed files..."));
@@ -187,7 +188,9 @@ void PhasesTest::AnEmptyBaseListGoesOnWithTheStreamedFiles()
     game.Add({"s", "s", 0, {}, true}).Publish().Install();
     game.App.GetInstallationPath();
     game.App.IsFirstManifestBuild = true;
+    game.App.UISettingChanged = false;
     game.App.ProcessContentDownload();
+    QVERIFY(game.App.UISettingChanged);
     QCOMPARE(game.App.UISetting.Download.Mode, 5);
     QVERIFY(game.Host.RunNextAsync());
     QCOMPARE(game.Listed(), QStringList("s"));
@@ -284,7 +287,9 @@ void PhasesTest::TextsThatTheWorkerWritesAreLiterals()
     game.App.ProcessContentDownload();
     QCOMPARE(progress.DetailText, QString("Downloading base files..."));
     QVERIFY(IsLiteral(progress.DetailText));
-    game.App.StartStreamedContentDownload_CheckStartDownload();
+    game.App.UISettingChanged = false;
+    game.App.StartStreamedContentDownload(false);
+    QVERIFY(game.App.UISettingChanged);
     QCOMPARE(progress.DetailText, QString("Downloading streammed files..."));
     QVERIFY(IsLiteral(progress.DetailText));
 }
@@ -295,7 +300,9 @@ void PhasesTest::TheFirstFileStartsFromTheQueue()
     game.Add({"a", "a"}).Publish().Install();
     game.App.GetInstallationPath();
     game.App.FilesToDownload = game.App.Manifest.Files;
+    game.App.UISettingChanged = false;
     game.App.ProcessContentDownload();
+    QVERIFY(game.App.UISettingChanged);
     QVERIFY(game.App.CurrentDownload == nullptr);
     QCOMPARE(game.Host.SyncCount(), std::size_t{1});
     QCOMPARE(game.App.ContentBaseUrl, game.Server.BaseUrl());
