@@ -1,4 +1,7 @@
 #include "GameModules/PendingList.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/LocalEncoding.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -61,6 +64,7 @@ private Q_SLOTS:
     void UpdatingCreatesAMissingList();
     void AnUpdateWhoseReadingWasStoppedLeavesTheListAsItIs();
     void AFailedWriteLeavesTheOldList();
+    void AListOfAReadOnlyFolderIsWrittenInPlace();
     void AReaderNeverSeesAHalfWrittenList();
 };
 
@@ -73,9 +77,14 @@ void PendingListTest::NamesOfTheListsAreFixed()
 
 void PendingListTest::OnePathPerLineInUtf8EndedByALineFeed()
 {
-    ListFile list;
-    QVERIFY(PendingList::Write(list.Path(), {"Data/a b.MPQ", QString::fromUtf8("Été/ñ"), "c"}));
-    QCOMPARE(list.Bytes(), QByteArray("Data/a b.MPQ\n\xC3\x89t\xC3\xA9/\xC3\xB1\nc\n"));
+    QStringList const paths({"Data/a b.MPQ", QString::fromUtf8("Été/ñ"), "c"});
+    for (char const* const encoding : {"UTF-8", "ISO-8859-1"}) {
+        LocalEncoding const local(encoding);
+        ListFile list;
+        QVERIFY(PendingList::Write(list.Path(), paths));
+        QCOMPARE(list.Bytes(), QByteArray("Data/a b.MPQ\n\xC3\x89t\xC3\xA9/\xC3\xB1\nc\n"));
+        QCOMPARE(PendingList::Read(list.Path(), Always).Paths, paths);
+    }
 }
 
 void PendingListTest::NothingPendingIsAnEmptyFile()
@@ -167,6 +176,22 @@ void PendingListTest::AFailedWriteLeavesTheOldList()
     QVERIFY(QDir().mkpath(list.Path() + "/inside"));
     QVERIFY(!PendingList::Write(list.Path(), {"x"}));
     QVERIFY(QFileInfo(list.Path() + "/inside").isDir());
+    QCOMPARE(list.Names(), QStringList("list.db"));
+}
+
+// Nothing can be put beside it there to take its place.
+void PendingListTest::AListOfAReadOnlyFolderIsWrittenInPlace()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root writes to read-only folders");
+    OrdinaryUser const user;
+    ListFile list;
+    list.Put("a much longer list\nthan the new one\n");
+    QVERIFY(SetMode(list.Folder.path(), 0555));
+    bool const written = PendingList::Write(list.Path(), {"x"});
+    QVERIFY(SetMode(list.Folder.path(), 0755));
+    QVERIFY(written);
+    QCOMPARE(list.Bytes(), QByteArray("x\n"));
     QCOMPARE(list.Names(), QStringList("list.db"));
 }
 
