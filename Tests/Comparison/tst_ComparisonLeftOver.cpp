@@ -39,6 +39,7 @@ private Q_SLOTS:
     void AListThatIsMissingIsSilentlyIgnored();
     void AListThatCannotBeReadIsSilentlyIgnored();
     void AFirstBuildDoesNotReadTheList();
+    void ALineTakesEveryEntryOfItsPath();
 };
 
 void ComparisonLeftOverTest::AFirstBuildRecordsFirstBuildOnlyFilesByteForByte()
@@ -179,6 +180,17 @@ void ComparisonLeftOverTest::AFirstBuildDoesNotReadTheList()
     game.Put("good", "g");
     game.Put(c_List, "good\n");
     QVERIFY(Compare(game, true).isEmpty());
+}
+
+void ComparisonLeftOverTest::ALineTakesEveryEntryOfItsPath()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "first", 0x20, "enUS"}).Add({"b", "b", 0x20}).Add({"a", "second", 0x20, "frFR"});
+    game.Publish().Install();
+    game.Put(c_List, "a\na\n");
+    QCOMPARE(Compare(game, false), QStringList({"a", "a"}));
+    QCOMPARE(game.App.FilesToDownload[0].Locale, QString("enUS"));
+    QCOMPARE(game.App.FilesToDownload[1].Locale, QString("frFR"));
 }
 
 } // namespace Varnholt::TestSupport

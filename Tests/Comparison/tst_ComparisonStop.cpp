@@ -29,7 +29,7 @@ private Q_SLOTS:
     void StoppedBetweenTwoFilesItHandsOverWhatItHasFound();
     void AFileThatIsHalfHashedJoinsTheList();
     void AStopInsideAHashReadsNoFurtherBlock();
-    void StoppedInTheListItTakesTheLinesRead();
+    void StoppedRightBehindTheListItTakesNoFileOfIt();
     void StoppedBetweenTwoListedFilesItTakesTheOnesFound();
     void AFirstBuildStoppedEarlyKeepsTheLinesThatTheListHad();
     void AFirstBuildStoppedEarlyListsNoPathTwice();
@@ -85,7 +85,7 @@ void ComparisonStopTest::AStopInsideAHashReadsNoFurtherBlock()
     QVERIFY2(questions < 20, qPrintable(QString::number(questions)));
 }
 
-void ComparisonStopTest::StoppedInTheListItTakesTheLinesRead()
+void ComparisonStopTest::StoppedRightBehindTheListItTakesNoFileOfIt()
 {
     Game game(TestHost::Worker::ByHand);
     game.Add({"a", "a", 0x20}).Add({"b", "b", 0x20}).Add({"c", "c", 0x20}).Publish().Install();

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void AFirstBuildShowsItsProgress();
     void ALaterBuildHashesNothing();
     void ALaterBuildTakesEveryLineAsItIs();
+    void ALaterBuildTakesOneEntryForEachLine();
     void ALaterBuildWithoutAListFetchesNothing();
     void BaseFilesAreNotStreamed();
     void NothingToFetchClearsTheRunAndLeavesTheModeAsItIs();
@@ -149,6 +150,16 @@ void ComparisonStreamedTest::ALaterBuildTakesEveryLineAsItIs()
     game.Put(c_List, "there\nunknown\nfr\ngood\n");
     QCOMPARE(Compare(game, false), QStringList({"there", "fr", "good"}));
     QCOMPARE(game.Read(c_List), QByteArray("there\nunknown\nfr\ngood\n"));
+}
+
+void ComparisonStreamedTest::ALaterBuildTakesOneEntryForEachLine()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"s", "first", 0, "enUS", true}).Add({"s", "second", 0, "frFR", true});
+    game.Publish().Install();
+    game.Put(c_List, "s\n");
+    QCOMPARE(Compare(game, false), QStringList("s"));
+    QCOMPARE(game.App.FilesToDownload[0].Locale, QString("enUS"));
 }
 
 void ComparisonStreamedTest::ALaterBuildWithoutAListFetchesNothing()
