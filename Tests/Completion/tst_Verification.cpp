@@ -1,10 +1,9 @@
 #include "Tests/Completion/HandMadeRun.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
 
 #include <QDir>
 #include <QFile>
 #include <QtTest>
-
-#include <unistd.h>
 
 namespace Varnholt::TestSupport {
 
@@ -151,8 +150,9 @@ void VerificationTest::AFolderInPlaceOfTheFileIsReportedAndRestarted()
 
 void VerificationTest::AnOldFileThatCannotBeRemovedIsReported()
 {
-    if (geteuid() == 0)
+    if (!OrdinaryUser::IsPossible())
         QSKIP("root removes files from read-only folders");
+    OrdinaryUser const user;
     HandMadeRun run;
     run.Add({"Data/a", "right"}).Add({"b", "b"}).Put("Data/a", "old");
     run.List();
