@@ -34,6 +34,8 @@ private Q_SLOTS:
     void SeveralFetchesDoNotMixTheirBodies();
     void TheMapIsUnlockedWhileCallbacksRun();
     void CallersMayLeaveTheErrorCallbackOut();
+    void TheReplyIsDeleted_data();
+    void TheReplyIsDeleted();
     void RemoteTextEndsAtANulByteAndRepairsUtf8();
 
 private:
@@ -253,6 +255,26 @@ void RemoteContentTest::CallersMayLeaveTheErrorCallbackOut()
     QVERIFY(Host->RunUntilIdle());
     QCOMPARE(calls, 2);
     QCOMPARE(Host->Errors(), QStringList());
+}
+
+void RemoteContentTest::TheReplyIsDeleted_data()
+{
+    QTest::addColumn<Answer>("First");
+    QTest::newRow("content") << Answer::Normal();
+    QTest::newRow("error page") << Answer::Status(404);
+    QTest::newRow("closed connection") << Answer::Truncated(3);
+}
+
+void RemoteContentTest::TheReplyIsDeleted()
+{
+    QFETCH(Answer, First);
+    Server->Serve("/a", "content");
+    Server->Script("/a").Then(First);
+    App->GetRemoteFileContent(Server->Url("/a"), [](QString const&, QByteArray*) {});
+    QCOMPARE(App->NetworkManager->findChildren<QNetworkReply*>().size(), 1);
+    QVERIFY(Host->RunUntil([&] { return App->ContentRequests.empty(); }));
+    QVERIFY(Host->RunUntil(
+        [&] { return App->NetworkManager->findChildren<QNetworkReply*>().isEmpty(); }));
 }
 
 void RemoteContentTest::RemoteTextEndsAtANulByteAndRepairsUtf8()
