@@ -5,23 +5,57 @@
 #include <QThread>
 #include <QtTest>
 
+#include <atomic>
+#include <functional>
+#include <memory>
+
 namespace Varnholt::TestSupport {
 
 namespace {
 
-/// Keeps the test's thread, which is the application thread, from its events: until a download
-/// thread has ended its work, and a while longer.
-bool StayBusyUntilDownloadHasEnded(Game const& p_Game, int p_Downloads, int p_Longer)
+/// Keeps the test's thread, which is the application thread, from its events until it holds.
+bool StayBusyUntil(std::function<bool()> const& p_Condition)
 {
     QElapsedTimer clock;
     clock.start();
-    while (p_Game.Log.Count("ApplicationAsyncHttpDownloader::run end") < p_Downloads) {
+    while (!p_Condition()) {
         if (clock.elapsed() > TestHost::c_Timeout)
             return false;
         QThread::msleep(1);
     }
-    QThread::msleep(static_cast<unsigned long>(p_Longer));
     return true;
+}
+
+/// Knows when the thread of a game's download has ended; to be made before the download ends.
+class DownloadThreadEnd {
+public:
+    explicit DownloadThreadEnd(Game& p_Game)
+    {
+        // On the download thread, which nothing else can be asked about from outside.
+        QObject::connect(
+            &p_Game.App, &Launcher::Application::OnHTTPDownloadProgressComplete, &p_Game.App,
+            [come = Come] {
+                QThread* const thread = QThread::currentThread();
+                QObject::connect(
+                    thread, &QThread::finished, thread, [come] { *come = true; },
+                    Qt::DirectConnection);
+            },
+            Qt::DirectConnection);
+    }
+    bool HasCome() const { return *Come; }
+
+private:
+    std::shared_ptr<std::atomic<bool>> Come = std::make_shared<std::atomic<bool>>(false);
+};
+
+/// Stays busy until the download's thread has ended and the worker has done all that was queued.
+bool StayBusyBehindDownload(Game& p_Game, DownloadThreadEnd const& p_End)
+{
+    if (!StayBusyUntil([&] { return p_End.HasCome(); }))
+        return false;
+    auto const done = std::make_shared<std::atomic<bool>>(false);
+    p_Game.App.EnqueueAsync([done] { *done = true; });
+    return StayBusyUntil([&] { return done->load(); });
 }
 
 /// Starts the base files by hand and holds the first one in its body.
@@ -56,8 +90,9 @@ void BusyApplicationThreadTest::TheCleanUpComesBehindEverythingThatTheDownloadHa
     connect(
         &game.App, &Launcher::Application::OnHTTPDownloadProgressComplete, this,
         [&] { cleanUpsAtCompletion = game.Host.AsyncCount(); }, Qt::QueuedConnection);
+    DownloadThreadEnd const end(game);
     game.Server.OpenGate(game.Content.ServerPath("a"));
-    QVERIFY(StayBusyUntilDownloadHasEnded(game, 1, 200));
+    QVERIFY(StayBusyUntil([&] { return end.HasCome(); }));
     // A worker that could run the clean-up now would take the record away.
     QCOMPARE(game.Host.AsyncCount(), std::size_t{0});
     QVERIFY(game.Host.RunUntil([&] { return cleanUpsAtCompletion != 99; }));
@@ -72,8 +107,9 @@ void BusyApplicationThreadTest::TheRecordIsThereWhenTheCompletionArrivesLate()
     game.Add({"a", SampleContent::Bytes(3000)}).Add({"b", "b"});
     HoldFirstFile(game, "a");
     QVERIFY(game.RunUntilPart("a", 1000));
+    DownloadThreadEnd const end(game);
     game.Server.OpenGate(game.Content.ServerPath("a"));
-    QVERIFY(StayBusyUntilDownloadHasEnded(game, 1, 400)); // the worker pauses for 100 ms of it
+    QVERIFY(StayBusyBehindDownload(game, end));
     QVERIFY(game.Finish());
     QCOMPARE(game.Read("a"), SampleContent::Bytes(3000));
     QCOMPARE(game.Read("b"), QByteArray("b"));
@@ -104,8 +140,9 @@ void BusyApplicationThreadTest::ASuspensionAfterTheTransferHasEndedReturns()
     game.Add({"a", SampleContent::Bytes(3000)}).Add({"b", "b"});
     HoldFirstFile(game, "a");
     QVERIFY(game.RunUntilPart("a", 1000));
+    DownloadThreadEnd const end(game);
     game.Server.OpenGate(game.Content.ServerPath("a"));
-    QVERIFY(StayBusyUntilDownloadHasEnded(game, 1, 150));
+    QVERIFY(StayBusyBehindDownload(game, end));
     game.App.SuspendDownload();
     QCOMPARE(game.App.UISetting.Download.Mode, 4);
     game.App.Repair();
