@@ -1,5 +1,7 @@
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/LocalEncoding.hpp"
 #include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/TestApplication.hpp"
 
 #include <QTemporaryDir>
@@ -9,6 +11,8 @@
 
 namespace Varnholt::Launcher {
 
+using TestSupport::LocalEncoding;
+using TestSupport::OrdinaryUser;
 using TestSupport::ReadFile;
 using TestSupport::WriteFile;
 
@@ -68,9 +72,12 @@ void TextFilePatchTest::ACreatedFileHasNoFinalNewline()
 
 void TextFilePatchTest::ACreatedFileIsUtf8AndGetsItsFolders()
 {
-    Path = Folder->path() + "/a/b c/Config.wtf";
-    Patch("key", QString::fromUtf8("é€"));
-    QCOMPARE(ReadFile(Path), QByteArray("é€"));
+    for (char const* const encoding : {"UTF-8", "ISO-8859-1"}) {
+        LocalEncoding const local(encoding);
+        Path = Folder->path() + "/a/b c/" + encoding;
+        Patch("key", QString::fromUtf8("é€"));
+        QCOMPARE(ReadFile(Path), QByteArray("é€"));
+    }
 }
 
 void TextFilePatchTest::PatchesALine_data()
@@ -120,9 +127,16 @@ void TextFilePatchTest::TheNewLineIsTheLastOne()
 
 void TextFilePatchTest::LinesOfOtherLettersSurviveInTheLocalEncoding()
 {
-    QVERIFY(WriteFile(Path, "SET name \"Zoé €\"\n"));
+    {
+        LocalEncoding const local("UTF-8");
+        QVERIFY(WriteFile(Path, "SET name \"Zoé €\"\n"));
+        Patch("key", QString::fromUtf8("ü"));
+        QCOMPARE(ReadFile(Path), QByteArray("SET name \"Zoé €\"\nü\n"));
+    }
+    LocalEncoding const local("ISO-8859-1");
+    QVERIFY(WriteFile(Path, "SET name \"Zo\xE9\"\n"));
     Patch("key", QString::fromUtf8("ü"));
-    QCOMPARE(ReadFile(Path), QByteArray("SET name \"Zoé €\"\nü\n"));
+    QCOMPARE(ReadFile(Path), QByteArray("SET name \"Zo\xE9\"\n\xFC\n"));
 }
 
 void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
@@ -133,8 +147,10 @@ void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
     QCOMPARE(QDir(Folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1);
     QVERIFY(QDir().rmdir(Path));
 
-    if (TestSupport::IsRoot())
+    if (!OrdinaryUser::IsPossible())
         QSKIP("root writes to read-only files");
+    OrdinaryUser const user;
+    init();
     QVERIFY(WriteFile(Path, "key\n"));
     QVERIFY(TestSupport::SetMode(Path, 0444));
     Patch("key", "line");
@@ -143,8 +159,10 @@ void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
 
 void TextFilePatchTest::AFileOfAReadOnlyFolderIsWrittenInPlace()
 {
-    if (TestSupport::IsRoot())
+    if (!OrdinaryUser::IsPossible())
         QSKIP("root writes to read-only folders");
+    OrdinaryUser const user;
+    init();
     QVERIFY(WriteFile(Path, "key 1\na\n"));
     QVERIFY(TestSupport::SetMode(Folder->path(), 0555));
     Patch("key", "line");
@@ -154,8 +172,10 @@ void TextFilePatchTest::AFileOfAReadOnlyFolderIsWrittenInPlace()
 
 void TextFilePatchTest::AnUnreadableFileIsReplacedByTheLine()
 {
-    if (TestSupport::IsRoot())
+    if (!OrdinaryUser::IsPossible())
         QSKIP("root reads everything");
+    OrdinaryUser const user;
+    init();
     QVERIFY(WriteFile(Path, "a\n"));
     QVERIFY(TestSupport::SetMode(Path, 0200));
     Patch("key", "line");
