@@ -39,6 +39,8 @@ private Q_SLOTS:
     void InitAgainRunsASecondChain();
     void UnsafeEntriesAreDroppedOnceWithAWarning();
     void TheVersionFileEndsAtANulByte();
+    void WrongUtf8InTheVersionFileIsRepaired();
+    void TheManifestIsThatOfTheBuildThatTheChainHasLearnt();
 
 private:
     static constexpr char c_VersionPath[] = "/test_app/version.json";
@@ -321,6 +323,24 @@ void StartupChainTest::TheVersionFileEndsAtANulByte()
     Server->Serve(c_VersionPath, QByteArray("{\"build\": \"build\0_1\"}", 21));
     RunInit();
     QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote configuration."));
+}
+
+void StartupChainTest::WrongUtf8InTheVersionFileIsRepaired()
+{
+    Server->Serve(c_VersionPath, "{\"build\": \"build_1\", \"note\": \"caf\xE9\"}");
+    RunInit();
+    QCOMPARE(App->RemoteBuild, QString("build_1"));
+}
+
+// A second chain may have written its own build meanwhile.
+void StartupChainTest::TheManifestIsThatOfTheBuildThatTheChainHasLearnt()
+{
+    App->Init();
+    QVERIFY(Host->RunNextSync());
+    QTRY_VERIFY_WITH_TIMEOUT(App->ContentRequests.empty(), TestSupport::TestHost::c_Timeout);
+    App->RemoteBuild = "of_another_chain";
+    QVERIFY(Host->RunUntilIdle());
+    QCOMPARE(RequestedPaths(), QStringList({c_VersionPath, c_ManifestPath, "/cdns.info"}));
 }
 
 } // namespace Varnholt::Launcher
