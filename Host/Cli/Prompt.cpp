@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <sys/select.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -45,19 +46,40 @@ void Ask(QString const& p_Question)
     std::fflush(stderr);
 }
 
+/// Waits for a line or its end. \return false when a signal came instead: it may come just before
+/// a read, or to another thread, and would not interrupt that then
+bool WaitForInput()
+{
+    constexpr int c_LookMicroseconds = 50'000;
+
+    while (!SignalWatch::IsEndRequested()) {
+        fd_set input;
+        FD_ZERO(&input);
+        FD_SET(STDIN_FILENO, &input);
+        timeval moment{0, c_LookMicroseconds};
+        int const ready = ::select(STDIN_FILENO + 1, &input, nullptr, nullptr, &moment);
+        if (ready > 0 || (ready < 0 && errno != EINTR))
+            return true;
+    }
+    return false;
+}
+
 /// Byte by byte: what follows the line is not this program's to take.
 std::optional<QString> ReadLine()
 {
     QByteArray line;
     char byte = 0;
-    ssize_t read = 0;
-    do {
+    ssize_t read = -1;
+    while (WaitForInput()) {
         read = ::read(STDIN_FILENO, &byte, 1);
-        if (read == 1 && byte != '\n')
-            line += byte;
-        // Of the signals, only those that end the program end the question.
-    } while ((read == 1 && byte != '\n') ||
-             (read < 0 && errno == EINTR && !SignalWatch::IsEndRequested()));
+        if (read < 0 && errno == EINTR)
+            continue;
+        if (read != 1 || byte == '\n')
+            break;
+        line += byte;
+    }
+    if (SignalWatch::IsEndRequested())
+        return std::nullopt;
     if (read < 0 || (read == 0 && line.isEmpty()))
         return std::nullopt;
     if (line.endsWith('\r'))
@@ -75,7 +97,10 @@ bool IsInteractive()
 bool Confirm(QString const& p_Question)
 {
     Ask(p_Question + QStringLiteral(" [y/N] "));
-    QString const answer = ReadLine().value_or(QString()).trimmed().toLower();
+    std::optional<QString> const line = ReadLine();
+    if (!line)
+        std::fputc('\n', stderr); // the question's line was not ended by an answer
+    QString const answer = line.value_or(QString()).trimmed().toLower();
     return answer == QLatin1String("y") || answer == QLatin1String("yes");
 }
 
