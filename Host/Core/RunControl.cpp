@@ -261,9 +261,13 @@ void RunControl::OnQuiet()
 
 void RunControl::Finish()
 {
-    NoticeRealmList();
-    if (Request.Kind == RunRequest::Type::Install || Request.Kind == RunRequest::Type::Update ||
-        Request.Kind == RunRequest::Type::Repair)
+    bool const completes = Request.Kind == RunRequest::Type::Install ||
+                           Request.Kind == RunRequest::Type::Update ||
+                           Request.Kind == RunRequest::Type::Repair;
+    // Of the other runs only this one leaves the game with a realm list to use.
+    if (completes || Request.Kind == RunRequest::Type::Play)
+        NoticeRealmList();
+    if (completes)
         Context.Record.MarkComplete(Context.Module.RemoteBuild);
     End();
 }

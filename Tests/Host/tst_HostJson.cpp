@@ -17,6 +17,8 @@ private Q_SLOTS:
     void ProgressComesAtMostTwiceASecondWithinAPhase();
     void AnErrorEndsARunInsteadOfAResult();
     void ANoticeIsALineOfItsOwn();
+    void OnlyRunsThatUseTheRealmListTellOfIt_data();
+    void OnlyRunsThatUseTheRealmListTellOfIt();
     void FindingsStandBeforeTheError();
     void TheLogStaysOutOfStandardOutput();
     void AUsageErrorLeavesStandardOutputEmpty();
@@ -160,6 +162,31 @@ void HostJsonTest::ANoticeIsALineOfItsOwn()
     QStringList const notices = JsonReport(outcome.Out).Texts("notice", "text");
     QCOMPARE(notices.size(), 1);
     QVERIFY2(notices[0].contains("cdns.info"), qPrintable(notices[0]));
+}
+
+void HostJsonTest::OnlyRunsThatUseTheRealmListTellOfIt_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("notices");
+    QTest::newRow("update") << "update" << 1;
+    QTest::newRow("repair") << "repair" << 1;
+    QTest::newRow("check") << "check" << 0;
+    QTest::newRow("verify") << "verify" << 0;
+    QTest::newRow("mirrors") << "mirrors" << 0;
+    QTest::newRow("uninstall") << "uninstall --delete-files --yes" << 0;
+}
+
+void HostJsonTest::OnlyRunsThatUseTheRealmListTellOfIt()
+{
+    QFETCH(QString, command);
+    QFETCH(int, notices);
+    HostGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Server.Remove(game.Content.RealmListPath());
+    Outcome const outcome =
+        HostProcess(game, QStringList("--json") + command.split(QLatin1Char(' '))).Finish();
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(JsonReport(outcome.Out).Texts("notice", "text").filter("realm list").size(), notices);
 }
 
 void HostJsonTest::FindingsStandBeforeTheError()
