@@ -121,7 +121,8 @@ public:
     void GetRemoteFileSize(QString p_Url,
                            std::function<void(QString, unsigned long long)> p_OnSize);
 
-    /// Ends the size queries that have no answer yet; they never call back. Application thread only.
+    /// Ends the size queries that have no answer yet; they never call back. Application thread
+    /// only.
     void DropSizeQueries();
     /// Ends a fetch in flight: its callback is called now. Application thread only.
     void AbortFetch(HTTP_GetRemotefileContentRequest const& p_Request);
