@@ -23,9 +23,11 @@ constexpr int c_Timeout = 30000;
 EnduringGame::EnduringGame(TestHost::Worker p_Worker)
     : Folder(QDir(Temporary.path()).canonicalPath() + QStringLiteral("/Game/"))
     , Elsewhere(QDir(Temporary.path()).canonicalPath() + QStringLiteral("/Other game/"))
+    , Transfers(App)
     , Host(App, p_Worker)
     , Worker(p_Worker)
     , SearchPath("PATH", Temporary.path().toUtf8() + "/bin:" + qgetenv("PATH"))
+    , InCurrentFolder(CurrentFolder.path())
 {
     AddFiles();
     InstallProcessList();
@@ -141,6 +143,20 @@ QStringList EnduringGame::Faults() const
     if (App.UISetting.State != 2 || !App.FilesToDownload.empty())
         faults += QStringLiteral("the run has not ended");
     return faults;
+}
+
+QStringList EnduringGame::Violations()
+{
+    QStringList violations = Transfers.TakeFaults();
+    if (auto* const transfer = App.CurrentDownload) {
+        if (App.TransfersAside.count(transfer) != 0)
+            violations += QStringLiteral("a transfer of a replaced run is the current one");
+        if (!transfer->FilePath.startsWith(App.Folder()))
+            violations += transfer->FilePath + QStringLiteral(" is no file of the installation");
+    }
+    if (!QDir(CurrentFolder.path()).isEmpty())
+        violations += QStringLiteral("a file was written into the current folder");
+    return violations;
 }
 
 ProcessUsage EnduringGame::SettledUsage(ProcessUsage const& p_Expected)

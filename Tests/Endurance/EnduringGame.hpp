@@ -2,8 +2,10 @@
 
 #include "GameModules/Pelmora/Pelmora.hpp"
 #include "Tests/Endurance/ProcessUsage.hpp"
+#include "Tests/Endurance/TransferWatch.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestHost.hpp"
@@ -50,6 +52,8 @@ public:
     QString PathOf(QString const& p_File) const { return Folder + p_File; }
     /// What is missing or wrong in the folder, and what the module has not put away.
     QStringList Faults() const;
+    /// What must never be, whatever goes on, and was since the last call.
+    QStringList Violations();
     /// What the process holds when no connection is kept open for later; waits until that is not
     /// more than expected.
     ProcessUsage SettledUsage(ProcessUsage const& p_Expected = ProcessUsage::Any());
@@ -64,6 +68,7 @@ public:
     ScriptedServer Mirror;
     SampleContent Content;
     OpenPelmora App;
+    TransferWatch Transfers;
     TestHost Host;
 
 private:
@@ -73,6 +78,8 @@ private:
 
     TestHost::Worker const Worker;
     ScopedVariable const SearchPath;
+    QTemporaryDir CurrentFolder;
+    ScopedCurrentFolder const InCurrentFolder;
 };
 
 } // namespace Varnholt::TestSupport

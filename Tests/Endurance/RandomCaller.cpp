@@ -41,6 +41,12 @@ void RandomCaller::AddOperations()
     Add(10, 1, "Install", [this] { return Install(); });
     Add(4, 1, "Uninstall", [this] { return Uninstall(); });
     Add(3, 2, "Start", [this] { return Start(); });
+    // A transfer that was let go meets the next one of the same file.
+    Add(2, 4, "Uninstall and install", [this] {
+        Game.App.Uninstall(Random.OneIn(2));
+        Game.App.Install(Game.Folder, false);
+        return QString();
+    });
 }
 
 void RandomCaller::AddPumping()
@@ -120,6 +126,9 @@ void RandomCaller::Do(QString const& p_Name, std::function<QString()> const& p_R
     Dog.Watch(p_Name, [&] { details = p_Run(); });
     if (!details.isEmpty())
         Steps.Add(QStringLiteral("    ") + details);
+    if (QStringList const violations = Game.Violations();
+        FirstViolation.isEmpty() && !violations.isEmpty())
+        FirstViolation = violations.join(QLatin1Char('\n')) + QLatin1Char('\n') + Describe();
 }
 
 QString RandomCaller::Install()
@@ -228,7 +237,7 @@ QString RandomCaller::Heal()
     if (!wrong.isEmpty() && Game.Log.CountContaining(QStringLiteral("(ToManyRetry)")) > 0)
         wrong = Repair();
     Game.Log.Clear();
-    return wrong;
+    return FirstViolation.isEmpty() ? wrong : FirstViolation;
 }
 
 QString RandomCaller::Repair()

@@ -24,7 +24,7 @@ public:
     /// Makes one drawn step.
     void Step();
     /// Makes the world well again, lets the user act once more and then repair.
-    /// \return what is wrong then; empty: the game is complete
+    /// \return what is wrong then, or was on the way; empty: the game is complete
     QString Heal();
     QString Describe() const;
 
@@ -58,6 +58,7 @@ private:
     SickServer Servers;
     Damage Disk;
     Journal Steps;
+    QString FirstViolation;
     std::vector<Kind> Kinds;
     std::array<int, MoodCount> WeightSums{};
     Mood Now = Wild;

@@ -26,15 +26,15 @@ QString SickServer::Change()
         return QStringLiteral("servers are well");
     }
     ScriptedServer& server = *Random.From(Servers);
-    SampleFile const& file = Random.From(Content.Files);
     QString name;
-    Answer const answer = DrawAnswer(file.Bytes.size(), name);
-    if (Random.OneIn(8)) {
+    if (Random.OneIn(6)) {
         server.ClearScript(c_All);
-        server.Script(c_All).Then(answer, Random.Between(1, 12));
+        server.Script(c_All).Then(DrawAnswer(0, name), Random.Between(1, 12));
         return QStringLiteral("all files of a server: ") + name;
     }
-    QString const path = Random.OneIn(10) ? Content.RealmListPath() : Content.ServerPath(file.Path);
+    SampleFile const& file = Random.From(Content.Files);
+    bool const realmList = Random.OneIn(10);
+    QString const path = realmList ? Content.RealmListPath() : Content.ServerPath(file.Path);
     if (Random.OneIn(8)) {
         server.OpenGate(path);
         return QStringLiteral("%1: goes on").arg(path);
@@ -43,7 +43,8 @@ QString SickServer::Change()
     auto script = server.Script(path);
     if (Random.OneIn(2))
         script.Then(Answer::Normal());
-    script.Then(answer, Random.Between(1, 3));
+    int const size = realmList ? Content.RealmList.size() : file.Bytes.size();
+    script.Then(DrawAnswer(size, name), Random.Between(1, 3));
     return QStringLiteral("%1: %2").arg(path, name);
 }
 
@@ -57,7 +58,7 @@ void SickServer::Cure()
     }
 }
 
-Answer SickServer::DrawAnswer(qint64 p_Size, QString& p_Name)
+Answer SickServer::DrawAnswer(int p_Size, QString& p_Name)
 {
     switch (Random.Below(10)) {
     case 0:
@@ -84,14 +85,19 @@ Answer SickServer::DrawAnswer(qint64 p_Size, QString& p_Name)
         p_Name = QStringLiteral("compressed");
         return Answer::Gzip();
     default:
+        // Never after the whole body: the client would go on using a connection that is dead.
+        if (p_Size == 0) {
+            p_Name = QStringLiteral("silent");
+            return Answer::SilentBeforeHeaders();
+        }
         p_Name = QStringLiteral("falls silent");
-        return Answer::SilentAfter(Random.Below(static_cast<int>(p_Size) + 1));
+        return Answer::SilentAfter(Random.Below(p_Size));
     }
 }
 
-Answer SickServer::DrawCut(qint64 p_Size, QString& p_Name)
+Answer SickServer::DrawCut(int p_Size, QString& p_Name)
 {
-    qint64 const bytes = Random.Below(static_cast<int>(p_Size) + 1);
+    int const bytes = Random.Below(p_Size + 1);
     switch (Random.Below(4)) {
     case 0:
         p_Name = QStringLiteral("reset after %1").arg(bytes);

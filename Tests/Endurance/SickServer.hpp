@@ -22,9 +22,9 @@ public:
     void Cure();
 
 private:
-    QString DrawPath();
-    Answer DrawAnswer(qint64 p_Size, QString& p_Name);
-    Answer DrawCut(qint64 p_Size, QString& p_Name);
+    /// \param p_Size of the file; 0 when it may be any
+    Answer DrawAnswer(int p_Size, QString& p_Name);
+    Answer DrawCut(int p_Size, QString& p_Name);
     Answer DrawStatus(QString& p_Name);
 
     Randomness& Random;
