@@ -4,7 +4,6 @@
 #include "Launcher/Application/ApplicationLink.hpp"
 #include "Launcher/Application/RateClock.hpp"
 
-#include <QCoreApplication>
 #include <QMutexLocker>
 
 namespace Varnholt::Launcher {
@@ -87,14 +86,13 @@ HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Pat
     // By way of the application thread: behind everything that the download has posted there, so
     // that the record outlives every handler that is given its pointer.
     downloader->FinishDispatcher = [link = Link, downloader](std::function<void()> p_CleanUp) {
-        bool const posted = link->Post([downloader, p_CleanUp](Application& p_Application) {
-            if (p_Application.OnDownloadRetired)
-                p_Application.OnDownloadRetired(downloader->Request);
-            p_Application.EnqueueAsync(p_CleanUp);
-        });
-        if (!posted && QCoreApplication::instance() != nullptr)
-            QMetaObject::invokeMethod(QCoreApplication::instance(), p_CleanUp,
-                                      Qt::QueuedConnection);
+        link->Post(
+            [downloader, p_CleanUp](Application& p_Application) {
+                if (p_Application.OnDownloadRetired)
+                    p_Application.OnDownloadRetired(downloader->Request);
+                p_Application.EnqueueAsync(p_CleanUp);
+            },
+            p_CleanUp);
     };
     connect(downloader, SIGNAL(AsyncOnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)), this,
             SLOT(AppInt_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)),

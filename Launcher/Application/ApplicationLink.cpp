@@ -2,27 +2,57 @@
 
 #include "Launcher/Application/Application.hpp"
 
+#include <QCoreApplication>
 #include <QMetaObject>
 #include <QMutexLocker>
 
+#include <utility>
+
 namespace Varnholt::Launcher {
 
-bool ApplicationLink::Post(std::function<void(Application&)> p_Closure)
+namespace {
+
+void RunOnMainThread(std::function<void()> const& p_Closure)
+{
+    if (QCoreApplication::instance() != nullptr)
+        QMetaObject::invokeMethod(QCoreApplication::instance(), p_Closure, Qt::QueuedConnection);
+}
+
+} // namespace
+
+void ApplicationLink::Post(std::function<void(Application&)> p_Closure,
+                           std::function<void()> p_Otherwise)
 {
     QMutexLocker const lock(&TargetMutex);
-    Application* const target = Target;
-    if (target == nullptr)
-        return false;
+    if (Target == nullptr)
+        return RunOnMainThread(p_Otherwise);
+    quint64 const number = ++LastNumber;
+    Waiting[number] = {std::move(p_Closure), std::move(p_Otherwise)};
+    // The application, which the call is bound to, keeps this link.
     QMetaObject::invokeMethod(
-        target, [target, closure = std::move(p_Closure)] { closure(*target); },
-        Qt::QueuedConnection);
-    return true;
+        Target, [this, number] { Run(number); }, Qt::QueuedConnection);
+}
+
+void ApplicationLink::Run(quint64 p_Number)
+{
+    QMutexLocker lock(&TargetMutex);
+    auto const posted = Waiting.find(p_Number);
+    if (posted == Waiting.end())
+        return;
+    auto const closure = std::move(posted->second.Closure);
+    Waiting.erase(posted);
+    Application& target = *Target;
+    lock.unlock();
+    closure(target);
 }
 
 void ApplicationLink::Sever()
 {
     QMutexLocker const lock(&TargetMutex);
     Target = nullptr;
+    for (auto const& row : Waiting)
+        RunOnMainThread(row.second.Otherwise);
+    Waiting.clear();
 }
 
 } // namespace Varnholt::Launcher

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QMutex>
+#include <QtGlobal>
 
 #include <functional>
+#include <map>
 
 namespace Varnholt::Launcher {
 
@@ -17,16 +19,26 @@ public:
     {
     }
 
-    /// Runs the closure on the application's thread, after everything posted to it before. Any
-    /// thread. \return false when the application is gone: the closure will not run
-    bool Post(std::function<void(Application&)> p_Closure);
+    /// Runs p_Closure on the application's thread, after everything posted to it before. When the
+    /// application goes before that, p_Otherwise is run in its place on the program's main thread.
+    /// Any thread.
+    void Post(std::function<void(Application&)> p_Closure, std::function<void()> p_Otherwise);
 
     /// Called by the application's destructor.
     void Sever();
 
 private:
+    struct Posted {
+        std::function<void(Application&)> Closure;
+        std::function<void()> Otherwise;
+    };
+
+    void Run(quint64 p_Number);
+
     QMutex TargetMutex;
     Application* Target;
+    std::map<quint64, Posted> Waiting; ///< in the order of their posting
+    quint64 LastNumber = 0;
 };
 
 } // namespace Varnholt::Launcher
