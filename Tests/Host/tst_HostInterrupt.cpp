@@ -37,6 +37,8 @@ private Q_SLOTS:
     void AfterAnyStopTheNextRunBringsEveryFile_data();
     void AfterAnyStopTheNextRunBringsEveryFile();
     void AnUpdateIsMarkedUnfinishedFromItsFirstByte();
+    void AnInterruptedRepairIsMadeUpFor_data();
+    void AnInterruptedRepairIsMadeUpFor();
     void AnInterruptedChangeOfLanguageIsMadeUpFor();
     void ASecondSignalDoesNotWait();
     void NothingIsLostWhenTheProgramQuitsHalfWay();
@@ -191,6 +193,34 @@ void HostInterruptTest::AnUpdateIsMarkedUnfinishedFromItsFirstByte()
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostInterruptTest::AnInterruptedRepairIsMadeUpFor_data()
+{
+    QTest::addColumn<QString>("file");
+    for (QString const& file : {c_FirstBuild, c_Streamed})
+        QTest::newRow(qPrintable(file)) << file;
+}
+
+/// The damaged file is there, so that only the mark tells the next run to look at it.
+void HostInterruptTest::AnInterruptedRepairIsMadeUpFor()
+{
+    QFETCH(QString, file);
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put(file, "damaged");
+    HoldContent(game, file);
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitForPart(file, c_Held));
+    game.Session().Pause();
+    QVERIFY(game.WaitForPhase(RunPhase::Suspended));
+    QString const list = file == c_Streamed ? "ToDownload.db" : "ToDownloadBase.db";
+    QVERIFY(game.WaitUntil([&] { return game.Read(list).isEmpty(); }));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Wrong(), QStringList(file));
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void HostInterruptTest::AnInterruptedChangeOfLanguageIsMadeUpFor()
