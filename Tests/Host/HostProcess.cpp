@@ -99,6 +99,9 @@ bool HostProcess::WaitUntil(std::function<bool()> const& p_Condition)
 
 void HostProcess::Signal(int p_Signal) const
 {
+    // 0 would be the tests' own group of processes.
+    if (Process.processId() <= 0)
+        qFatal("varnholt-host has ended before its signal; it said: %s", Err.constData());
     ::kill(static_cast<pid_t>(Process.processId()), p_Signal);
 }
 
