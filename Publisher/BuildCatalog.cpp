@@ -80,7 +80,7 @@ QString BuildCatalog::BuildOn(bool p_DevChannel) const
     QString const file = VersionPath(p_DevChannel);
     if (!QFileInfo::exists(file))
         return QString();
-    QString const build = QJsonDocument::fromJson(ReadFile(file))[c_Build].toString();
+    QString build = QJsonDocument::fromJson(ReadFile(file))[c_Build].toString();
     if (build.isEmpty())
         Fail(file, QStringLiteral("is damaged: it names no build"));
     return build;

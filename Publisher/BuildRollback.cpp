@@ -39,7 +39,7 @@ QString RollBack(RollbackOptions const& p_Options)
     TreeTransaction tree(p_Options.Output);
     BuildCatalog const catalog(p_Options.Output, p_Options.AppId);
     CheckBuild(catalog, p_Options.Build);
-    QString const before = Before(catalog, p_Options.DevChannel);
+    QString before = Before(catalog, p_Options.DevChannel);
     tree.AddText(BuildCatalog::VersionText(p_Options.Build),
                  catalog.VersionPath(p_Options.DevChannel));
     tree.Commit();

@@ -115,7 +115,7 @@ std::optional<FetchNote> RunControl::UnansweredSize() const
 {
     QMutexLocker const lock(&Context.Module.RunMutex);
     for (auto const& entry : Context.Module.FilesToDownload)
-        if (auto const note = Context.Journal.FailureOfFile(entry.Location);
+        if (auto note = Context.Journal.FailureOfFile(entry.Location);
             note && (note->IsUnreachable() || note->TimedOut))
             return note;
     return std::nullopt;
