@@ -88,8 +88,8 @@ void StandartApplication::PollResume(quint64 p_Ticket)
         QThread::msleep(c_PollMilliseconds);
         {
             QMutexLocker const poll(&RunMutex);
-            if (ResumeTicket !=
-                p_Ticket) // NOLINT(clang-analyzer-core.CallAndMessage): this is not null
+            // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): the object is not null
+            if (ResumeTicket != p_Ticket)
                 return;
             PolledTicket = 0;
             PollingTicket = p_Ticket;
