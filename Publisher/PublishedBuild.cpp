@@ -33,7 +33,7 @@ void AddFiles(PublishedBuild& p_Build, QJsonValue const& p_List, bool p_Streamed
     if (!p_List.isArray())
         Fail(p_Source, QStringLiteral("it has no list of %1 files")
                            .arg(QLatin1String(p_Streamed ? "streamed" : "base")));
-    for (QJsonValue const& row : p_List.toArray()) {
+    for (auto const& row : p_List.toArray()) {
         PublishedFile const file = FileOf(row.toObject(), p_Streamed);
         if (file.Path.isEmpty() || file.Location.isEmpty() || file.Md5.size() != 32)
             Fail(p_Source, QStringLiteral("a file lacks its path, location or MD5"));
@@ -58,7 +58,7 @@ PublishedBuild PublishedBuild::Parse(QByteArray const& p_Manifest, QString const
     build.Id = root[QLatin1String("build_id")].toString();
     build.Name = root[QLatin1String("build_str")].toString();
     build.Number = root[QLatin1String("build_number")].toInt();
-    for (QJsonValue const& row : root[QLatin1String("available_locales")].toArray()) {
+    for (auto const& row : root[QLatin1String("available_locales")].toArray()) {
         QJsonObject const locale = row.toObject();
         build.Locales[locale[QLatin1String("tag")].toString()] =
             locale[QLatin1String("name")].toString();

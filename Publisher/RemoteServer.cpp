@@ -144,7 +144,7 @@ RemoteAnswer RemoteServer::Fetch(QString const& p_Path, QByteArray& p_Body)
 {
     p_Body.clear();
     httplib::Headers const plain{{"Accept-Encoding", "identity"}};
-    RemoteAnswer const answer =
+    RemoteAnswer answer =
         Details->Get(p_Path, plain, [&p_Body](char const* p_Data, std::size_t p_Bytes) {
             p_Body.append(p_Data, static_cast<int>(p_Bytes));
         });

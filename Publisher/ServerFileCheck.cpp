@@ -32,7 +32,7 @@ QString ServerFileCheck::Run(Depth p_Depth, qint64 p_Size)
 QString ServerFileCheck::CheckHeaders(RemoteAnswer const& p_Answer, qint64 p_Size)
 {
     Answered = p_Answer.Status != 0;
-    QString const problem = p_Answer.Problem(200);
+    QString problem = p_Answer.Problem(200);
     if (!problem.isEmpty())
         return problem;
     if (!p_Answer.Encoding.isEmpty() && p_Answer.Encoding != "identity") {
@@ -61,7 +61,7 @@ QString ServerFileCheck::CheckWhole()
             End = (End + QByteArray(p_Data, size)).right(c_EndBytes);
         });
     // Servers may compress a GET although they do not say so to a HEAD.
-    QString const problem = CheckHeaders(answer, bytes);
+    QString problem = CheckHeaders(answer, bytes);
     if (!problem.isNull())
         return problem;
     QString const md5 = QString::fromLatin1(hash.result().toHex().toUpper());

@@ -14,8 +14,7 @@ QStringList VersionFiles()
 
 QString BuildOf(QByteArray const& p_Version, QString const& p_Source, QStringList& p_Defects)
 {
-    QString const build =
-        QJsonDocument::fromJson(p_Version).object()[QLatin1String("build")].toString();
+    QString build = QJsonDocument::fromJson(p_Version).object()[QLatin1String("build")].toString();
     if (build.isEmpty())
         p_Defects += p_Source + QStringLiteral(": names no build");
     return build;

@@ -154,6 +154,7 @@ void ServerVerification::CheckFiles(QString const& p_Server, bool p_IsDefault)
         }
     };
     std::vector<std::future<void>> workers;
+    workers.reserve(c_Connections);
     for (int i = 0; i < c_Connections; ++i)
         workers.push_back(std::async(std::launch::async, work));
     for (auto& worker : workers)
