@@ -58,7 +58,7 @@ Application::GetRemoteFileContent(QString p_Url,
 
 void Application::HTTP_GetContent_OnReadyRead()
 {
-    auto* const reply = static_cast<QNetworkReply*>(sender());
+    auto* const reply = qobject_cast<QNetworkReply*>(sender());
     QMutexLocker const lock(&ContentRequestsMutex);
     auto const found = ContentRequests.find(reply);
     if (found != ContentRequests.end())
@@ -67,7 +67,7 @@ void Application::HTTP_GetContent_OnReadyRead()
 
 void Application::HTTP_GetContent_DownloadFinished()
 {
-    auto* const reply = static_cast<QNetworkReply*>(sender());
+    auto* const reply = qobject_cast<QNetworkReply*>(sender());
     auto const request = TakeRequest(ContentRequests, ContentRequestsMutex, reply);
     if (!request)
         return;
@@ -93,7 +93,7 @@ void Application::GetRemoteFileSize(QString p_Url,
 
 void Application::HTTP_GetContentSize_MedaDataChanged()
 {
-    auto* const reply = static_cast<QNetworkReply*>(sender());
+    auto* const reply = qobject_cast<QNetworkReply*>(sender());
     auto const request = TakeRequest(ContentSizeRequests, ContentSizeRequestsMutex, reply);
     if (!request)
         return;
