@@ -26,6 +26,18 @@ target_compile_definitions(varnholt_common INTERFACE
     QT_DEPRECATED_WARNINGS
 )
 
+# What nearly every source of the tools and tests includes, and most of their compile time. The
+# sources name what they use all the same: the linter reads them without it, and so does the module.
+set(varnholt_common_headers
+    <QtCore>
+    <functional>
+    <map>
+    <memory>
+    <optional>
+    <string>
+    <vector>
+)
+
 if(VARNHOLT_SANITIZE)
   target_compile_options(varnholt_common INTERFACE
       -fsanitize=${VARNHOLT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

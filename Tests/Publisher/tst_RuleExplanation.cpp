@@ -90,7 +90,7 @@ void RuleExplanationTest::WithoutARuleNothingIsExplained()
 void RuleExplanationTest::OfTwoKeysAlikeTheLaterOneCounts()
 {
     TestSupport::PublishedGame const game;
-    game.SetRules("{\"rules\":[{\"match\":\"a\"}],\n\n\"rules\":[{\"match\":\"b\"},"
+    game.SetRules("{\"rules\":[],\n\n\"rules\":[{\"match\":\"b\"},"
                   "{\"match\":\"c\"}]}");
     RuleSet const rules = SourceListing::ReadRules(game.Options);
     QCOMPARE(rules.Rules.size(), std::size_t(2));

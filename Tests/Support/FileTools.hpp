@@ -25,7 +25,8 @@ inline QByteArray ReadFile(QString const& p_Path)
     QFile file(p_Path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    QByteArray const bytes = file.readAll();
+    // Within its size: a device would be read without end.
+    QByteArray const bytes = file.read(file.size());
     return bytes.isNull() ? QByteArray("") : bytes;
 }
 
