@@ -81,7 +81,7 @@ constexpr Row c_Table[] = {
      "the game is uninstalled, but files remain in {s}: {d}", "remove them by hand"},
     {FailureKind::UpdateAvailable, 3, "update-available", "an update to build {d} fetches {s}",
      "run \"update\""},
-    {FailureKind::FilesWrong, 4, "files-wrong", "{s} are not as build {d} wants them",
+    {FailureKind::FilesWrong, 4, "files-wrong", "the game differs from build {d} in {s}",
      "run \"repair\""},
     {FailureKind::MirrorsWrong, c_NetworkStatus, "mirrors-wrong",
      "{s} servers are not in order ({d})", "tell who runs them"},

@@ -9,6 +9,8 @@
 
 namespace Varnholt::TestSupport {
 
+using Entry = Launcher::ApplicationManifestFileEntry;
+
 QString Damage::Do()
 {
     SampleFile const& file = Random.From(Content.Files);
@@ -16,8 +18,8 @@ QString Damage::Do()
     int const size = file.Bytes.size();
     switch (Random.Below(7)) {
     case 0:
-        // Presence is enough for such a file: nobody would heal it.
-        if (file.Flags != Launcher::ApplicationManifestFileEntry::KeepIfPresent)
+        // Nobody would heal what need only be present, and garbage must not be started.
+        if ((file.Flags & (Entry::KeepIfPresent | Entry::Executable)) == 0)
             return Overwrite(file.Path, size);
         [[fallthrough]];
     case 1:

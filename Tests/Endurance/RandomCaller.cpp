@@ -111,11 +111,21 @@ void RandomCaller::ChangeMood()
         return;
     // Something to fetch, or the calls would find an idle module most of the time.
     Servers.Cure();
+    Servers.SpoilTransfers();
     CalmHost();
     Disk.RemoveMost();
     Do(QStringLiteral("Install what is missing"), [this] {
         Game.App.Install(Game.Folder, false);
         return QString();
+    });
+    if (Random.OneIn(4))
+        return;
+    bool const streamed = Random.OneIn(3);
+    Do(QStringLiteral("run to its files"), [this, streamed] {
+        return Pump(600, [this, streamed] {
+            return Game.App.CurrentDownload != nullptr &&
+                   (!streamed || !Game.App.IsDownloadingBase);
+        });
     });
 }
 

@@ -48,6 +48,18 @@ QString SickServer::Change()
     return QStringLiteral("%1: %2").arg(path, name);
 }
 
+void SickServer::SpoilTransfers()
+{
+    for (ScriptedServer* const server : Servers)
+        for (SampleFile const& file : Content.Files) {
+            QString name;
+            if (Random.OneIn(2))
+                server->Script(Content.ServerPath(file.Path))
+                    .Then(Answer::Normal())
+                    .Then(DrawAnswer(file.Bytes.size(), name));
+        }
+}
+
 void SickServer::Cure()
 {
     for (ScriptedServer* const server : Servers) {

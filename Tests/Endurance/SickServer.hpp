@@ -18,6 +18,8 @@ public:
 
     /// Gives some server another illness, or cures it. \return what it was
     QString Change();
+    /// Tells every size well and then answers about half of the transfers badly.
+    void SpoilTransfers();
     /// Every request is answered well from now on; connections that have fallen silent stay so.
     void Cure();
 
