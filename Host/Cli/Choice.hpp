@@ -30,6 +30,8 @@ struct Choice {
     QString LogFile;             ///< absolute; empty: none
     QString ColorName;           ///< empty when not given
     bool IsChannelGiven = false; ///< whether `Options.UseDevChannel` is the user's word
+    bool Remembers = false;      ///< the password asked for is kept in the desktop's secret store
+    bool Forgets = false;        ///< the password kept there is removed
     bool Json = false;
     bool Quiet = false;
     bool Verbose = false;

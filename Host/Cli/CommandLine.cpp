@@ -97,7 +97,7 @@ int Run(Choice p_Choice)
     case Choice::Command::Resume:
         return SendWord(settings.File(), ControlSocket::Word::Resume, *presenter);
     default:
-        return Program(p_Choice, *presenter).Run();
+        return Program(p_Choice, settings, *presenter).Run();
     }
 }
 

@@ -155,20 +155,36 @@ void CommandParser::AddGameCommands()
         Add("play", "Start the game", "play --account me@example.net", [this](Choice& p_Choice) {
             p_Choice.Request.Kind = RunRequest::Type::Play;
             p_Choice.Request.Argument = Text(Account);
+            p_Choice.Remembers = Remembers;
+            p_Choice.Forgets = Forgets;
         });
-    play->add_option("--account", Account,
-                     "Account to log in; its password is asked for, or read from standard input "
-                     "when that is no terminal")
-        ->check(NotEmpty())
-        ->type_name("NAME");
+    CLI::Option* const account =
+        play->add_option("--account", Account,
+                         "Account to log in; its password is asked for, or read from standard "
+                         "input when that is no terminal, unless it is remembered")
+            ->check(NotEmpty())
+            ->envname("VARNHOLT_ACCOUNT")
+            ->type_name("NAME");
+    CLI::Option* const remember =
+        play->add_flag("--remember", Remembers,
+                       "Ask for the password and keep it in the desktop's secret store")
+            ->envname("VARNHOLT_REMEMBER")
+            ->needs(account);
+    play->add_flag("--forget", Forgets,
+                   "Remove the password from the desktop's secret store and ask for it")
+        ->envname("VARNHOLT_FORGET")
+        ->needs(account)
+        ->excludes(remember);
 
     CLI::App* const uninstall =
         Add("uninstall", "Forget the installation", "uninstall", [this](Choice& p_Choice) {
             p_Choice.Request.Kind = RunRequest::Type::Uninstall;
             p_Choice.Request.DeletesFiles = DeletesFiles;
         });
-    uninstall->add_flag("--delete-files", DeletesFiles,
-                        "Delete the game's files too; what is not of the game stays");
+    uninstall
+        ->add_flag("--delete-files", DeletesFiles,
+                   "Delete the game's files too; what is not of the game stays")
+        ->envname("VARNHOLT_DELETE_FILES");
 }
 
 void CommandParser::AddControlCommands()

@@ -11,8 +11,8 @@
 
 namespace Varnholt::Host {
 
-/// The commands and options of the program. Each option that is no question of one command can also
-/// stand in the environment, as VARNHOLT_ and its name.
+/// The commands and options of the program. Each option can also stand in the environment, as
+/// VARNHOLT_ and its name.
 class CommandParser {
 public:
     CommandParser();
@@ -38,7 +38,7 @@ private:
     CLI::Option* ConfigValueOption = nullptr;
     CLI::Option* DevChannelOption = nullptr;
     bool DevChannel = false, Yes = false, Json = false, Quiet = false, Verbose = false;
-    bool DeletesFiles = false;
+    bool DeletesFiles = false, Remembers = false, Forgets = false;
 };
 
 } // namespace Varnholt::Host

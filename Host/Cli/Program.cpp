@@ -1,5 +1,6 @@
 #include "Host/Cli/Program.hpp"
 
+#include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
 
 #include <QCoreApplication>
@@ -12,8 +13,9 @@ constexpr int c_InterruptedStatus = 130;
 
 } // namespace
 
-Program::Program(Choice p_Choice, Presenter& p_Output)
+Program::Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
+    , Settings(p_Settings)
     , Output(p_Output)
 {
     connect(&Signals, &SignalWatch::EndRequested, this, &Program::OnEndRequested);
@@ -72,16 +74,14 @@ bool Program::AskUser(InstallStatus const& p_Status)
 {
     RunRequest& request = Chosen.Request;
     if (request.Kind == RunRequest::Type::Play) {
-        auto const password =
-            Prompt::Password(QStringLiteral("Password of %1: ").arg(request.Argument));
+        request.Password = Login(Chosen, Settings, Output).Password();
         if (SignalWatch::IsEndRequested()) {
             Quit(c_InterruptedStatus);
             return false;
         }
-        if (!password || password->isEmpty())
+        if (request.Password.isEmpty())
             Output.ShowNotice(
                 QStringLiteral("No password was given; the game does not log in by itself."));
-        request.Password = password.value_or(QString());
         return true;
     }
     if (!Prompt::IsInteractive()) {

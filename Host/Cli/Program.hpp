@@ -17,7 +17,7 @@ class Program : public QObject {
     Q_OBJECT
 
 public:
-    Program(Choice p_Choice, Presenter& p_Output);
+    Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output);
 
     /// Runs the event loop. \return the exit status
     int Run();
@@ -38,6 +38,7 @@ private:
     void Quit(int p_Status);
 
     Choice Chosen;
+    HostSettings& Settings;
     Presenter& Output;
     SignalWatch Signals;
     std::unique_ptr<HostSession> Session;

@@ -131,6 +131,8 @@ void HostVariablesTest::EachOptionHasItsVariable_data()
     };
     row("VARNHOLT_MODULE", "nothing.so", "--module=nothing.so", {"status"});
     row("VARNHOLT_YES", "true", "--yes", {"uninstall", "--delete-files"});
+    row("VARNHOLT_DELETE_FILES", "true", "--delete-files", {"uninstall"});
+    row("VARNHOLT_ACCOUNT", "me", "--account=me", {"play"});
     row("VARNHOLT_JSON", "true", "--json", {"config"});
     row("VARNHOLT_QUIET", "true", "--quiet", {"locales"});
     row("VARNHOLT_VERBOSE", "true", "--verbose", {"locales", "-q"});

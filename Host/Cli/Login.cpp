@@ -1,0 +1,75 @@
+#include "Host/Cli/Login.hpp"
+
+#include "Host/Cli/PasswordStore.hpp"
+#include "Host/Cli/Prompt.hpp"
+#include "Host/Cli/SignalWatch.hpp"
+#include "Launcher/Application/ContentServer.hpp"
+
+#include <QCryptographicHash>
+
+namespace Varnholt::Host {
+
+Login::Login(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Output)
+    : Chosen(p_Choice)
+    , Settings(p_Settings)
+    , Output(p_Output)
+    , Key(QStringLiteral("%1 at %2")
+              .arg(p_Choice.Request.Argument, Launcher::DefaultContentBaseUrl()))
+    , Mark(QStringLiteral("remembered/") +
+           QString::fromLatin1(
+               QCryptographicHash::hash(Key.toUtf8(), QCryptographicHash::Sha256).toHex()))
+{
+}
+
+QString Login::Password()
+{
+    if (!Chosen.Remembers && !Chosen.Forgets) {
+        QString const remembered = Remembered();
+        if (!remembered.isEmpty() || SignalWatch::IsEndRequested())
+            return remembered;
+    }
+    if (Chosen.Forgets)
+        Forget();
+    QString const password = Asked();
+    if (Chosen.Remembers && !password.isEmpty())
+        Remember(password);
+    return password;
+}
+
+QString Login::Remembered()
+{
+    if (!Settings.Value(Mark).toBool())
+        return {};
+    PasswordStore::Answer const answer = PasswordStore::Read(Key);
+    if (!answer.Problem.isEmpty())
+        Output.ShowNotice(
+            QStringLiteral("The remembered password cannot be read: %1").arg(answer.Problem));
+    return answer.Password;
+}
+
+QString Login::Asked()
+{
+    auto const password =
+        Prompt::Password(QStringLiteral("Password of %1: ").arg(Chosen.Request.Argument));
+    return password.value_or(QString());
+}
+
+void Login::Remember(QString const& p_Password)
+{
+    QString const problem = PasswordStore::Write(Key, p_Password);
+    if (!problem.isEmpty())
+        return Output.ShowNotice(QStringLiteral("The password is not remembered: %1").arg(problem));
+    Settings.SetValue(Mark, true);
+    Settings.Flush();
+}
+
+void Login::Forget()
+{
+    QString const problem = PasswordStore::Remove(Key);
+    if (!problem.isEmpty())
+        return Output.ShowNotice(QStringLiteral("The password is not forgotten: %1").arg(problem));
+    Settings.Remove(Mark);
+    Settings.Flush();
+}
+
+} // namespace Varnholt::Host
