@@ -12,7 +12,7 @@ struct HostOptions {
     QString SettingsFile; ///< absolute; empty: `DefaultSettingsFile()`
     QString ContentUrl;   ///< content server instead of the module's own; empty: none
     bool UseDevChannel = false;
-    int StallMilliseconds = 60'000;     ///< a transfer without a byte for so long is given up
+    int StallMilliseconds = 30'000;     ///< what has not moved for so long is begun again
     int RetryPauseMilliseconds = 1'000; ///< before a stopped run is begun again; doubles each time
     /// Bytes that may still be written to the volume of a path. Module thread.
     std::function<qint64(QString const&)> FreeBytes = VolumeFreeBytes;
