@@ -60,8 +60,9 @@ void RunControl::OnStartUpFailed()
                    QString(note->Url).replace(QLatin1String("builds//info.json"), version),
                    QStringLiteral("it names no build")};
     }
-    // A server that has never answered is told at once; one that has may come back.
-    if (Attempts > 0)
+    // Who refuses the first word is told at once; who is silent, or has answered once, may come
+    // back.
+    if (Attempts > 0 || (note && note->TimedOut))
         Retry(failure);
     else
         Fail(failure);

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void AVersionFileThatNamesNoBuildIsNamed();
     void AfterAFailedStartTheNextOneGoesWell();
     void ASilentServerIsGivenUp();
+    void ASilentStartIsBegunAgain();
     void ABadHostListIsReplacedByTheDefaultServer_data();
     void ABadHostListIsReplacedByTheDefaultServer();
     void ARefusedRealmListLeavesTheGamesOwn();
@@ -139,16 +140,31 @@ void HostStartUpFailuresTest::AfterAFailedStartTheNextOneGoesWell()
 
 void HostStartUpFailuresTest::ASilentServerIsGivenUp()
 {
-    SessionGame game;
-    game.AddFiles().Publish();
-    game.Options.StallMilliseconds = 200;
-    for (QString const& path : {game.Content.VersionPath(), game.Content.ManifestPath()}) {
-        game.Server.Script(path).Then(Answer::SilentBeforeHeaders());
+    for (bool const manifest : {false, true}) {
+        SessionGame game;
+        game.AddFiles().Publish();
+        game.Options.StallMilliseconds = 200;
+        QString const path = manifest ? game.Content.ManifestPath() : game.Content.VersionPath();
+        game.Server.Script(path).Always(Answer::SilentBeforeHeaders());
         QVERIFY(game.Open());
         QCOMPARE(game.Install(), QString("server-silent"));
+        QCOMPARE(game.Server.Count(path), 6); // five times more
         QVERIFY2(game.Sentence().contains(game.Server.BaseUrl()), qPrintable(game.Sentence()));
         QCOMPARE(game.Result().Problem->ExitStatus(), 5);
     }
+}
+
+void HostStartUpFailuresTest::ASilentStartIsBegunAgain()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Options.StallMilliseconds = 200;
+    game.Server.Script(game.Content.VersionPath())
+        .Then(Answer::SilentBeforeHeaders())
+        .Then(Answer::Normal());
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void HostStartUpFailuresTest::ABadHostListIsReplacedByTheDefaultServer_data()
