@@ -17,7 +17,7 @@ struct Rule {
     std::optional<bool> Streamed;
     std::optional<bool> Excluded;
     QString Pattern; ///< as it is written
-    int Line = 0;    ///< of the rules file, from 1
+    int Line = 0;    ///< of the rules file, from 1; 0: a built-in rule
 };
 
 } // namespace Varnholt::Publisher

@@ -1,6 +1,7 @@
 #include "Publisher/SourceListing.hpp"
 
 #include "Launcher/Application/ApplicationManifest.hpp"
+#include "Publisher/BuiltInRules.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/FlagNames.hpp"
 #include "Publisher/RuleSetReader.hpp"
@@ -35,7 +36,7 @@ std::vector<BuildFile> Scan(QString const& p_Source, RuleSet const& p_Rules,
 RuleSet ReadRules(PublishOptions const& p_Options)
 {
     if (p_Options.RulesFile.isEmpty())
-        return RuleSet{{}, p_Options.Locales};
+        return BuiltInRules(p_Options.Platform, p_Options.Locales);
     return RuleSetReader(p_Options.RulesFile, p_Options.Platform).Read(p_Options.Locales);
 }
 

@@ -9,7 +9,7 @@
 
 namespace Varnholt::Publisher::SourceListing {
 
-/// The rules of a publication. \throws Failure
+/// The rules of a publication, built-in ones when it names no file. \throws Failure
 RuleSet ReadRules(PublishOptions const& p_Options);
 
 /// The files that are published, ordered by the UTF-8 bytes of their paths.

@@ -47,7 +47,9 @@ void BuildCommand::AddOptions()
     Command->add_option("--name", Name, "The build's name for people (default: as --build)");
     Command->add_option("--number", Number, "The build's number (default: 0)")
         ->check(CLI::Range(0, std::numeric_limits<int>::max()));
-    Command->add_option("--rules", Rules, "Rules file (JSON)");
+    Command->add_option(
+        "--rules", Rules,
+        "Rules file (JSON); without it built-in rules apply, which \"rules\" shows");
     Command->add_option("--locales", LocaleList,
                         "Languages on offer, TAG=NAME,..., added to those of the rules file");
     Command->add_option("--hosts", Hosts,

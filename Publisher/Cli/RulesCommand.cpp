@@ -45,6 +45,16 @@ QString TextOf(QJsonValue const& p_Value)
     return text.isEmpty() ? QStringLiteral("none") : text;
 }
 
+QString PlaceOf(Rule const* p_Rule, QString const& p_File)
+{
+    if (!p_Rule)
+        return QStringLiteral("no rule");
+    QString const place = p_File.isEmpty()
+                              ? QStringLiteral("built-in rule")
+                              : QStringLiteral("%1, line %2").arg(p_File).arg(p_Rule->Line);
+    return QStringLiteral("%1: \"%2\"").arg(place, p_Rule->Pattern);
+}
+
 bool IsPlain(QJsonValue const& p_Value)
 {
     return p_Value == QJsonValue(false) || p_Value == QJsonValue(QString()) ||
@@ -64,7 +74,7 @@ RulesCommand::RulesCommand(CLI::App& p_Program)
                     "Lists every file with its properties or, for one path, names the rule that\n"
                     "decided each of them. Publishes nothing.\n");
     Command->add_option("--source", Source, "Folder that holds the game")->required();
-    Command->add_option("--rules", Rules, "Rules file (JSON)");
+    Command->add_option("--rules", Rules, "Rules file (JSON); without it built-in rules apply");
     Command->add_option("--explain", Path, "A file's path in the source folder");
     Command->add_option("--locales", LocaleList,
                         "Languages on offer, TAG=NAME,..., added to those of the rules file");
@@ -135,16 +145,13 @@ void RulesCommand::Explain(RuleSet const& p_Rules) const
                            {QStringLiteral("property"), property.Name},
                            {QStringLiteral("value"), property.Value}};
         QString line = property.Name.leftJustified(10) + TextOf(property.Value);
-        if (property.Decided) {
+        if (property.Decided)
+            object.insert(QStringLiteral("match"), property.Decided->Pattern);
+        if (property.Decided && !options.RulesFile.isEmpty()) {
             object.insert(QStringLiteral("file"), options.RulesFile);
             object.insert(QStringLiteral("line"), property.Decided->Line);
-            object.insert(QStringLiteral("match"), property.Decided->Pattern);
-            line += QStringLiteral("  (%1, line %2: \"%3\")")
-                        .arg(options.RulesFile, QString::number(property.Decided->Line),
-                             property.Decided->Pattern);
-        } else {
-            line += QStringLiteral("  (no rule)");
         }
+        line += QStringLiteral("  (%1)").arg(PlaceOf(property.Decided, options.RulesFile));
         if (Json)
             ConsoleText::PrintJson(object);
         else

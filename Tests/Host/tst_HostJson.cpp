@@ -1,6 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
-#include "Tests/Host/JsonSchema.hpp"
+#include "Tests/Support/JsonSchema.hpp"
 
 #include <QDateTime>
 #include <QtTest>
@@ -75,7 +75,7 @@ void HostJsonTest::EveryCommandWritesWhatTheSchemaSays()
     QCOMPARE(outcome.Status, status);
     JsonReport const report(outcome.Out);
     QCOMPARE(report.Foreign, QStringList());
-    JsonSchema const schema = JsonSchema::OfHost();
+    JsonSchema const schema = JsonSchema::Documented("host-json");
     for (QJsonObject const& line : report.Lines)
         QVERIFY2(schema.Fault(line).isEmpty(), qPrintable(schema.Fault(line)));
     QCOMPARE(report.Last()["type"].toString(), last);

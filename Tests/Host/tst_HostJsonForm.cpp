@@ -1,8 +1,8 @@
 #include "Host/Core/Failure.hpp"
 #include "Host/Core/FileFinding.hpp"
 #include "Host/Core/RunPhase.hpp"
-#include "Tests/Host/JsonSchema.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/JsonSchema.hpp"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,7 +20,7 @@ QString Document()
 /// The values that the schema allows for a key of a type.
 QStringList Allowed(QString const& p_Type, QString const& p_Key)
 {
-    for (QJsonValue const& schema : JsonSchema::OfHost().Words()["oneOf"].toArray())
+    for (QJsonValue const& schema : JsonSchema::Documented("host-json").Words()["oneOf"].toArray())
         if (schema["title"].toString() == p_Type)
             return schema["properties"][p_Key]["enum"].toVariant().toStringList();
     return {};
@@ -143,11 +143,11 @@ void HostJsonFormTest::TheExamplesOfTheDocumentFitTheSchema()
         if (!line.startsWith(QLatin1Char('{')))
             continue;
         QJsonObject const example = QJsonDocument::fromJson(line.toUtf8()).object();
-        QCOMPARE(JsonSchema::OfHost().Fault(example), QString());
+        QCOMPARE(JsonSchema::Documented("host-json").Fault(example), QString());
         types += example["type"].toString();
     }
     QStringList known;
-    for (QJsonValue const& schema : JsonSchema::OfHost().Words()["oneOf"].toArray())
+    for (QJsonValue const& schema : JsonSchema::Documented("host-json").Words()["oneOf"].toArray())
         known += schema["title"].toString();
     QCOMPARE(types, known);
 }
@@ -172,12 +172,12 @@ void HostJsonFormTest::TheSchemaRefusesWhatItDoesNotSay()
     QFETCH(QJsonValue, value);
     QJsonObject line{{"type", "progress"}, {"time", "now"}, {"phase", "idle"}, {"fileNumber", 0},
                      {"fileCount", 0},     {"bytes", 0},    {"total", 0},      {"rate", 0}};
-    QCOMPARE(JsonSchema::OfHost().Fault(line), QString());
+    QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
     line[key] = value;
     if (value.isUndefined())
         line.remove(key);
-    QVERIFY(!JsonSchema::OfHost().Fault(line).isEmpty());
-    QVERIFY(!JsonSchema({{"pattern", "a*"}}).Fault(line).isEmpty());
+    QVERIFY(!JsonSchema::Documented("host-json").Fault(line).isEmpty());
+    QVERIFY(!JsonSchema({{"format", "a"}}).Fault(line).isEmpty());
 }
 
 } // namespace Varnholt::TestSupport

@@ -1,8 +1,12 @@
+#include "Publisher/FlagNames.hpp"
 #include "Publisher/RuleSetReader.hpp"
 #include "Publisher/TextPosition.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/JsonSchema.hpp"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -10,6 +14,15 @@ namespace Varnholt::Publisher {
 
 using TestSupport::CaughtFailure;
 using TestSupport::FailureOf;
+
+namespace {
+
+TestSupport::JsonSchema Schema()
+{
+    return TestSupport::JsonSchema::Documented("rules");
+}
+
+} // namespace
 
 class RuleSetErrorsTest : public QObject {
     Q_OBJECT
@@ -21,6 +34,12 @@ private Q_SLOTS:
     void BrokenJsonIsReportedWithLineAndColumn();
     void WhatIsNotUnderstoodIsAnError_data();
     void WhatIsNotUnderstoodIsAnError();
+    void TheSchemaRefusesItToo_data() { WhatIsNotUnderstoodIsAnError_data(); }
+    void TheSchemaRefusesItToo();
+    void TheSchemaAllowsWhatIsUnderstood_data();
+    void TheSchemaAllowsWhatIsUnderstood();
+    void TheSchemaNamesEveryFlag();
+    void TheDocumentIsOfTheSchema();
     void AMissingFileIsReported();
 };
 
@@ -129,6 +148,56 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError()
     CaughtFailure const failure =
         FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
     QCOMPARE(failure.Sentence, file + ": " + sentence);
+}
+
+void RuleSetErrorsTest::TheSchemaRefusesItToo()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, sentence);
+    if (sentence.contains("is not declared"))
+        return; // a schema does not compare one value with another
+    QJsonDocument const document = QJsonDocument::fromJson(text);
+    QVERIFY(!document.isNull());
+    QJsonValue const value =
+        document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    QVERIFY(!Schema().Fault(value).isEmpty());
+}
+
+void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (char const* const text :
+         {"{}", R"({"locales": {}})", R"({"rules": []})", R"({"rules": [{"match": "a"}]})",
+          R"({"rules": [{"match": "a/*/**/?b", "flags": [], "locale": "", "streamed": false}]})",
+          R"({"locales": {"frFR": "F"}, "rules": [{"match": "a", "locale": "frFR",
+              "flags": ["executable", "read-only"], "exclude": true}]})"})
+        QTest::newRow(text) << QByteArray(text);
+}
+
+void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood()
+{
+    QFETCH(QByteArray, text);
+    QTemporaryDir const folder;
+    QString const file = folder.filePath("rules.json");
+    QVERIFY(TestSupport::WriteFile(file, text));
+    RuleSetReader(file, ContentPlatform::Mac).Read({});
+    QCOMPARE(Schema().Fault(QJsonDocument::fromJson(text).object()), QString());
+}
+
+void RuleSetErrorsTest::TheSchemaNamesEveryFlag()
+{
+    QJsonValue const rule = Schema().Words()["properties"]["rules"]["items"]["properties"];
+    QCOMPARE(rule["flags"]["items"]["enum"].toVariant().toStringList(), FlagNames::All());
+}
+
+void RuleSetErrorsTest::TheDocumentIsOfTheSchema()
+{
+    QString const text = QString::fromUtf8(TestSupport::ReadFile(VARNHOLT_DOCUMENTS "/rules.md"));
+    QString const example = text.section("```json", 1).section("```", 0, 0);
+    QCOMPARE(Schema().Fault(QJsonDocument::fromJson(example.toUtf8()).object()), QString());
+    QVERIFY(example.contains("\"rules\""));
+    for (QString const& flag : FlagNames::All())
+        QVERIFY2(text.contains("| `" + flag + "` |"), qPrintable(flag));
 }
 
 void RuleSetErrorsTest::AMissingFileIsReported()

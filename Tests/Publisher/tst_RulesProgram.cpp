@@ -15,7 +15,7 @@ private Q_SLOTS:
     void ListsObjects();
     void ExplainsEachPropertyOfAPath();
     void ExplainsInObjects();
-    void WithoutRulesEverythingIsPlain();
+    void WithoutAFileTheBuiltInRulesAreExplained();
     void FlagsAreThoseOfThePlatform();
     void AFailureIsOneSentence_data();
     void AFailureIsOneSentence();
@@ -102,11 +102,26 @@ void RulesProgramTest::ExplainsInObjects()
                                   "\"property\",\"value\":\"\"}"));
 }
 
-void RulesProgramTest::WithoutRulesEverythingIsPlain()
+void RulesProgramTest::WithoutAFileTheBuiltInRulesAreExplained()
 {
-    ProgramResult const result = RunProgram({"rules", "--source", Game->Options.Source});
+    Game->Put("World of Warcraft.app/Contents/MacOS/World of Warcraft", "x");
+    Game->Put("Data/frFR/a", "x");
+    Game->Put("WTF/Config.wtf", "x");
+    QStringList const arguments{"rules", "--source", Game->Options.Source, "--locales", "frFR=F"};
+    ProgramResult result = RunProgram(arguments);
     QCOMPARE(result.Status, 0);
-    QCOMPARE(result.Output, QByteArray("Data/a\nData/a.tmp\nGame\n"));
+    QCOMPARE(result.Output, QByteArray("Data/a\nData/a.tmp\nData/frFR/a  locale=frFR\nGame\n"
+                                       "WTF/Config.wtf  exclude=true\n"
+                                       "World of Warcraft.app/Contents/MacOS/World of Warcraft  "
+                                       "flags=executable, game-executable\n"));
+    result = RunProgram(arguments + QStringList{"--explain", "Data/frFR/a"});
+    QCOMPARE(result.Output, QByteArray("flags     none  (no rule)\n"
+                                       "locale    frFR  (built-in rule: \"Data/frFR/**\")\n"
+                                       "streamed  false  (no rule)\nexclude   false  (no rule)\n"));
+    result = RunProgram(arguments + QStringList{"--explain", "Data/frFR/a", "--json"});
+    QCOMPARE(result.Output.split('\n').value(1),
+             QByteArray("{\"match\":\"Data/frFR/**\",\"path\":\"Data/frFR/a\",\"property\":"
+                        "\"locale\",\"type\":\"property\",\"value\":\"frFR\"}"));
 }
 
 void RulesProgramTest::FlagsAreThoseOfThePlatform()
