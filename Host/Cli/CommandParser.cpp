@@ -1,6 +1,7 @@
 #include "Host/Cli/CommandParser.hpp"
 
 #include "Host/Cli/ConfigCommand.hpp"
+#include "Host/Core/ExitStatus.hpp"
 
 #include <QDir>
 
@@ -32,6 +33,18 @@ CLI::Validator NotEmpty()
     return {WhyNotText, ""};
 }
 
+std::string ExitStatuses()
+{
+    constexpr std::size_t c_Column = 5;
+
+    std::string lines = "Exit status:\n";
+    for (ExitStatus const& row : c_ExitStatuses) {
+        std::string const status = std::to_string(row.Status);
+        lines += "  " + status + std::string(c_Column - status.size(), ' ') + row.Meaning + "\n";
+    }
+    return lines;
+}
+
 /// The session changes the current folder.
 QString Absolute(std::string const& p_Path)
 {
@@ -46,13 +59,10 @@ CommandParser::CommandParser()
     Program.set_version_flag("--version", VARNHOLT_VERSION);
     Program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
     Program.fallthrough();            // options may stand behind the command
-    Program.footer(
-        "\"varnholt-host COMMAND --help\" explains a command.\n"
-        "Ctrl-C stops a download, which the same command resumes; SIGUSR1 pauses and resumes it.\n"
-        "Exit status: 0 done, 1 other failure, 2 usage, 3 update available,\n"
-        "4 files wrong or given up, 5 network, 6 disk full, 7 permission or path, 8 game running "
-        "or folder in use, 9 module cannot be loaded,\n"
-        "130 interrupted.\n");
+    Program.footer("\"varnholt-host COMMAND --help\" explains a command.\n"
+                   "Ctrl-C stops a download, which the same command resumes; SIGUSR1 pauses and "
+                   "resumes it.\n" +
+                   ExitStatuses());
     AddOptions();
     AddRunCommands();
     AddLocaleCommands();
@@ -64,8 +74,9 @@ CLI::App* CommandParser::Add(std::string const& p_Name, std::string const& p_Hel
                              std::string const& p_Example, std::function<void(Choice&)> p_Choose)
 {
     CLI::App* const command = Program.add_subcommand(p_Name, p_Help);
-    command->footer("Example:\n  varnholt-host " + p_Example + "\n");
-    Commands.emplace_back(command, std::move(p_Choose));
+    std::string const example = Program.get_name() + " " + p_Example;
+    command->footer("Example:\n  " + example + "\n");
+    Commands.push_back({command, example, std::move(p_Choose)});
     return command;
 }
 
@@ -75,7 +86,10 @@ void CommandParser::AddOptions()
         ->check(NotEmpty())
         ->envname("VARNHOLT_MODULE")
         ->type_name("FILE");
-    Program.add_option("--settings", Settings, "Settings file of host and module")
+    Program
+        .add_option("--settings", Settings,
+                    "Settings file of host and module (default: varnholt/host.ini in the "
+                    "user's configuration folder)")
         ->check(NotEmpty())
         ->envname("VARNHOLT_SETTINGS")
         ->type_name("FILE");
@@ -98,7 +112,7 @@ void CommandParser::AddOptions()
         ->check(NotEmpty())
         ->envname("VARNHOLT_LOG_FILE")
         ->type_name("FILE");
-    Program.add_option("--color", Colors, "Colours: auto, always or never")
+    Program.add_option("--color", Colors, "Colours: auto, always or never (default: auto)")
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->envname("VARNHOLT_COLOR")
         ->type_name("WHEN");
@@ -210,6 +224,14 @@ void CommandParser::AddControlCommands()
             ->type_name("VALUE");
 }
 
+std::string CommandParser::Example(std::string const& p_Command) const
+{
+    for (Command const& command : Commands)
+        if (command.App->get_name() == p_Command)
+            return command.Example;
+    return {};
+}
+
 Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
 {
     Program.parse(p_Count, p_Arguments);
@@ -217,9 +239,9 @@ Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
         throw CLI::RequiredError("A command");
     Choice choice;
     choice.Chosen = Choice::Command::Run;
-    for (auto const& [command, choose] : Commands)
-        if (command->parsed())
-            choose(choice);
+    for (Command const& command : Commands)
+        if (command.App->parsed())
+            command.Choose(choice);
     choice.Options.ModuleFile = Absolute(Module);
     choice.Options.SettingsFile = Absolute(Settings);
     choice.Options.ContentUrl = Text(ContentUrl);

@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Varnholt::Host {
@@ -22,7 +21,18 @@ public:
     /// Prints help or version. \return the exit status
     int Exit(CLI::Success const& p_Help) { return Program.exit(p_Help); }
 
+    /// Every command and option with its help.
+    CLI::App const& Model() const { return Program; }
+    /// A command line to go by.
+    std::string Example(std::string const& p_Command) const;
+
 private:
+    struct Command {
+        CLI::App* App;
+        std::string Example;
+        std::function<void(Choice&)> Choose;
+    };
+
     CLI::App* Add(std::string const& p_Name, std::string const& p_Help,
                   std::string const& p_Example, std::function<void(Choice&)> p_Choose);
     void AddOptions();
@@ -32,7 +42,7 @@ private:
     void AddControlCommands();
 
     CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
-    std::vector<std::pair<CLI::App*, std::function<void(Choice&)>>> Commands;
+    std::vector<Command> Commands;
     std::string Module, Settings, ContentUrl, Folder, Code, Account, Colors, LogFile;
     std::string ConfigKey, ConfigValue;
     CLI::Option* ConfigValueOption = nullptr;

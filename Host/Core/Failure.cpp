@@ -152,4 +152,12 @@ bool Failure::IsNetwork() const
     return ExitStatus() == c_NetworkStatus;
 }
 
+QVector<FailureKind> Failure::Kinds()
+{
+    QVector<FailureKind> kinds;
+    for (Row const& row : c_Table)
+        kinds.append(row.Kind);
+    return kinds;
+}
+
 } // namespace Varnholt::Host

@@ -4,6 +4,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QVector>
 
 namespace Varnholt::Host {
 
@@ -15,9 +16,7 @@ struct Failure {
 
     /// A word for programs, the same in every version: "disk-full".
     QString Identifier() const;
-    /// 1 other, 2 usage, 3 update available, 4 files wrong or given up, 5 network, 6 disk full,
-    /// 7 permission or path, 8 game running or folder locked, 9 module cannot be loaded,
-    /// 130 interrupted and resumable.
+    /// One of `c_ExitStatuses`.
     int ExitStatus() const;
     /// What failed, without a full stop.
     QString Sentence() const;
@@ -25,6 +24,9 @@ struct Failure {
     QString Remedy() const;
     /// True for what may pass by itself: trying again later makes sense.
     bool IsNetwork() const;
+
+    /// Every kind, in an order that is good to read.
+    static QVector<FailureKind> Kinds();
 };
 
 } // namespace Varnholt::Host

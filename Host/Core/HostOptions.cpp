@@ -21,7 +21,7 @@ QString HostOptions::DefaultModuleFile()
 QString HostOptions::DefaultSettingsFile()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/varnholt/host.ini");
+           QLatin1Char('/') + QLatin1String(c_SettingsName);
 }
 
 bool HostOptions::IsContentUrl(QString const& p_Text)

@@ -19,7 +19,9 @@ struct HostOptions {
 
     /// The module beside the program: ../plugins/libPelmora.so.
     static QString DefaultModuleFile();
+    /// `c_SettingsName` in the user's folder of settings.
     static QString DefaultSettingsFile();
+    static constexpr char c_SettingsName[] = "varnholt/host.ini";
     /// Whether a text can be a `ContentUrl`: http or https, a host, no query, no password.
     static bool IsContentUrl(QString const& p_Text);
     /// -1 when the volume is not known.

@@ -1,0 +1,81 @@
+#include "Host/Pages/Troff.hpp"
+
+#include <QHash>
+
+namespace Varnholt::Host::Pages::Troff {
+
+namespace {
+
+/// Characters that the formatter would take for requests, or show as typographic ones.
+QString Character(uint p_Code)
+{
+    constexpr uint c_LastAscii = 0x7e;
+    constexpr int c_Digits = 4;
+    static QHash<uint, QString> const names{
+        {'\\', QStringLiteral("\\e")},   {'-', QStringLiteral("\\-")},
+        {'\'', QStringLiteral("\\(aq")}, {'"', QStringLiteral("\\(dq")},
+        {'`', QStringLiteral("\\(ga")},  {'^', QStringLiteral("\\(ha")},
+        {'~', QStringLiteral("\\(ti")}};
+
+    if (p_Code <= c_LastAscii)
+        return names.value(p_Code, QString(QChar(p_Code)));
+    QString const digits = QString::number(p_Code, 16).toUpper();
+    return QStringLiteral("\\[u%1]").arg(digits.rightJustified(c_Digits, QLatin1Char('0')));
+}
+
+} // namespace
+
+QString Plain(QString const& p_Text)
+{
+    // A dot that begins a line begins a request.
+    QString escaped = QLatin1String(p_Text.startsWith(QLatin1Char('.')) ? "\\&" : "");
+    for (uint const code : p_Text.toUcs4())
+        escaped += Character(code);
+    return escaped;
+}
+
+QString Bold(QString const& p_Text)
+{
+    return QStringLiteral("\\fB") + Plain(p_Text) + QStringLiteral("\\fR");
+}
+
+QString Italic(QString const& p_Text)
+{
+    return QStringLiteral("\\fI") + Plain(p_Text) + QStringLiteral("\\fR");
+}
+
+QString Sentence(QString const& p_Text)
+{
+    return Plain(p_Text) + QStringLiteral(".\n");
+}
+
+QString Title(QString const& p_Program, QString const& p_Version)
+{
+    // In the place of the empty text others have a date; the same sources make the same page.
+    return QStringLiteral(".TH %1 1 \"\" \"%2 %3\" \"User Commands\"\n")
+        .arg(Plain(p_Program.toUpper()), Plain(p_Program), Plain(p_Version));
+}
+
+QString Section(QString const& p_Name)
+{
+    return QStringLiteral(".SH \"%1\"\n").arg(Plain(p_Name));
+}
+
+QString Paragraph()
+{
+    return QStringLiteral(".PP\n");
+}
+
+QString Item(QString const& p_Title, QString const& p_Lines)
+{
+    return QStringLiteral(".TP\n") + p_Title + QLatin1Char('\n') + p_Lines;
+}
+
+QString Indented(QString const& p_Items)
+{
+    if (p_Items.isEmpty())
+        return {};
+    return QStringLiteral(".RS\n") + p_Items + QStringLiteral(".RE\n");
+}
+
+} // namespace Varnholt::Host::Pages::Troff
