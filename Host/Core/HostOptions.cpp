@@ -8,14 +8,28 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+#ifdef Q_OS_MACOS
+constexpr char c_ModuleName[] = "/libPelmora.dylib";
+#else
+constexpr char c_ModuleName[] = "/libPelmora.so";
+#endif
+
+} // namespace
+
 QString HostOptions::DefaultModuleFile()
 {
-#ifdef Q_OS_MACOS
-    QString const name = QStringLiteral("../plugins/libPelmora.dylib");
-#else
-    QString const name = QStringLiteral("../plugins/libPelmora.so");
-#endif
-    return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).filePath(name));
+    QDir const folder(QCoreApplication::applicationDirPath());
+    QString const built =
+        folder.filePath(QLatin1String("../plugins") + QLatin1String(c_ModuleName));
+    return QDir::cleanPath(QFileInfo::exists(built) ? built
+                                                    : folder.filePath(InstalledModuleFile()));
+}
+
+QString HostOptions::InstalledModuleFile()
+{
+    return QLatin1String(VARNHOLT_MODULE_FOLDER) + QLatin1String(c_ModuleName);
 }
 
 QString HostOptions::DefaultSettingsFile()

@@ -17,8 +17,10 @@ struct HostOptions {
     /// Bytes that may still be written to the volume of a path. Module thread.
     std::function<qint64(QString const&)> FreeBytes = VolumeFreeBytes;
 
-    /// The module beside the program: ../plugins/libPelmora.so.
+    /// The module that was built or installed with the program.
     static QString DefaultModuleFile();
+    /// Where it is installed, relative to the folder of the program.
+    static QString InstalledModuleFile();
     /// `c_SettingsName` in the user's folder of settings.
     static QString DefaultSettingsFile();
     static constexpr char c_SettingsName[] = "varnholt/host.ini";

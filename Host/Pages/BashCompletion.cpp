@@ -116,7 +116,7 @@ QString Arguments(ProgramModel const& p_Model)
     QStringList names;
     for (Command const& command : p_Model.Commands)
         names += command.Name;
-    QString text = QStringLiteral("\n    case $command:${#arguments[@]}:${arguments[0]} in\n") +
+    QString text = QStringLiteral("\n    case $command:${#arguments[@]}:${arguments[0]-} in\n") +
                    Row(QStringLiteral(":0:"),
                        function + QStringLiteral("_words \"$word\" ") + ShellWords(names), indent);
     for (Command const& command : p_Model.Commands) {

@@ -99,7 +99,8 @@ QString Names(Option const& p_Option)
                      ? QStringLiteral(" -l ") + FishWord(name.mid(2))
                      : QStringLiteral(" -s ") + FishWord(name.mid(1));
     if (!p_Option.Takes.Name.isEmpty())
-        names += QStringLiteral(" -r") + Candidates(p_Option.Takes);
+        names += QLatin1String(p_Option.Takes.Kind == Value::Type::File ? " -r" : " -x") +
+                 Candidates(p_Option.Takes);
     return names + QStringLiteral(" -d ") + FishWord(p_Option.Help);
 }
 

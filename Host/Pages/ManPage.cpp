@@ -21,12 +21,21 @@ QString Names(Option const& p_Option)
            (value.isEmpty() ? QString() : QLatin1Char(' ') + Italic(value));
 }
 
+/// Names the values too, unless the help does.
 QString Help(QString const& p_Help, Value const& p_Value)
 {
     QString text = Sentence(p_Help);
-    if (p_Value.Kind == Value::Type::Choice)
-        text += Sentence(QStringLiteral("Values: ") + p_Value.Choices.join(QStringLiteral(", ")));
+    for (QString const& choice : p_Value.Choices)
+        if (!p_Help.contains(choice))
+            return text + Sentence(QStringLiteral("One of: ") +
+                                   p_Value.Choices.join(QStringLiteral(", ")));
     return text;
+}
+
+QString Capital(char const* p_Text)
+{
+    QString const text = QString::fromUtf8(p_Text);
+    return text.left(1).toUpper() + text.mid(1);
 }
 
 QString Synopsis(ProgramModel const& p_Model)
@@ -105,9 +114,8 @@ QString Files()
            Item(Bold(QLatin1String(HostOptions::c_SettingsName)),
                 Sentence(QStringLiteral("The settings of host and module, in the user's "
                                         "configuration folder: $XDG_CONFIG_HOME, or ~/.config"))) +
-           Item(Bold(QStringLiteral("../lib/varnholt/")),
-                Sentence(QStringLiteral("The folder of the module, as seen from that of the "
-                                        "program")));
+           Item(Bold(HostOptions::InstalledModuleFile()),
+                Sentence(QStringLiteral("The module, as seen from the folder of the program")));
 }
 
 QString Signals()
@@ -127,7 +135,7 @@ QString Statuses()
 {
     QString page = Section(QStringLiteral("EXIT STATUS"));
     for (ExitStatus const& row : c_ExitStatuses)
-        page += Item(Bold(QString::number(row.Status)), Sentence(QLatin1String(row.Meaning)));
+        page += Item(Bold(QString::number(row.Status)), Sentence(Capital(row.Meaning)));
     return page;
 }
 

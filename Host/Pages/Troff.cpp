@@ -27,11 +27,13 @@ QString Character(uint p_Code)
 
 QString Plain(QString const& p_Text)
 {
-    // A dot that begins a line begins a request.
-    QString escaped = QLatin1String(p_Text.startsWith(QLatin1Char('.')) ? "\\&" : "");
+    QString escaped;
     for (uint const code : p_Text.toUcs4())
         escaped += Character(code);
-    return escaped;
+    // A dot that begins a line begins a request, and one that ends it a wide space.
+    if (escaped.startsWith(QLatin1Char('.')))
+        escaped.prepend(QLatin1String("\\&"));
+    return escaped.replace(QLatin1String("..."), QLatin1String("...\\&"));
 }
 
 QString Bold(QString const& p_Text)
@@ -46,7 +48,19 @@ QString Italic(QString const& p_Text)
 
 QString Sentence(QString const& p_Text)
 {
-    return Plain(p_Text) + QStringLiteral(".\n");
+    constexpr int c_Width = 78;
+
+    QString lines;
+    int width = 0;
+    for (QString const& text : p_Text.split(QLatin1Char(' '))) {
+        QString const word = Plain(text);
+        bool const fits = width + 1 + word.size() <= c_Width;
+        if (width > 0)
+            lines += QLatin1Char(fits ? ' ' : '\n');
+        lines += word;
+        width = (fits && width > 0 ? width + 1 : 0) + word.size();
+    }
+    return lines + QStringLiteral(".\n");
 }
 
 QString Title(QString const& p_Program, QString const& p_Version)

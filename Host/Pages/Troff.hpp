@@ -10,7 +10,7 @@ namespace Varnholt::Host::Pages::Troff {
 QString Plain(QString const& p_Text);
 QString Bold(QString const& p_Text);
 QString Italic(QString const& p_Text);
-/// A line of its own with a full stop.
+/// Lines of their own; adds the full stop.
 QString Sentence(QString const& p_Text);
 
 QString Title(QString const& p_Program, QString const& p_Version);

@@ -1,0 +1,30 @@
+# Where things are in an installation. The programs know of it even when a project that embeds the
+# module builds them, and installs nothing of it.
+
+if(VARNHOLT_IS_TOP)
+  include(GNUInstallDirs)
+  set(varnholt_programs_folder ${CMAKE_INSTALL_BINDIR})
+  set(varnholt_module_folder ${CMAKE_INSTALL_LIBDIR}/varnholt)
+else()
+  set(varnholt_programs_folder bin)
+  set(varnholt_module_folder lib/varnholt)
+endif()
+
+# Relative, so that an installation can be moved as a whole.
+get_filename_component(programs ${varnholt_programs_folder} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
+get_filename_component(module ${varnholt_module_folder} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
+file(RELATIVE_PATH varnholt_module_folder_of_programs ${programs} ${module})
+
+# What varnholt-host-pages writes, in the order in which it takes the names.
+set(varnholt_pages_folder ${PROJECT_BINARY_DIR}/share)
+set(varnholt_host_page_files
+    man/man1/varnholt-host.1
+    bash-completion/completions/varnholt-host
+    zsh/site-functions/_varnholt-host
+    fish/vendor_completions.d/varnholt-host.fish
+)
+
+# Where Qt was found is where the installed programs find it too.
+if(VARNHOLT_IS_TOP)
+  set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
+endif()
