@@ -1,0 +1,45 @@
+#include "Host/Core/ExitStatus.hpp"
+#include "Tests/HostPages/ProgramHelp.hpp"
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+/// What varnholt-host tells of itself.
+class HostHelpTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void EveryCommandsHelpEndsWithAnExampleOfIt();
+    void TheProgramsHelpEndsWithTheExitStatuses();
+};
+
+void HostHelpTest::EveryCommandsHelpEndsWithAnExampleOfIt()
+{
+    QStringList const commands = ProgramHelp().Commands;
+    QVERIFY(commands.contains("install"));
+    for (QString const& command : commands) {
+        QStringList const lines =
+            ProgramHelp(command).Text.trimmed().split('\n', Qt::SkipEmptyParts);
+        QVERIFY2(lines.size() > 2, qPrintable(command));
+        QCOMPARE(lines[lines.size() - 2], QString("Example:"));
+        QString const example = lines.last() + ' ';
+        QVERIFY2(example.startsWith("  varnholt-host " + command + ' '), qPrintable(example));
+    }
+}
+
+void HostHelpTest::TheProgramsHelpEndsWithTheExitStatuses()
+{
+    QString const help = ProgramHelp().Text;
+    QString const end = help.mid(help.indexOf("\nExit status:\n"));
+    for (Host::ExitStatus const& row : Host::c_ExitStatuses) {
+        QString const line = QStringLiteral("\n  %1 ").arg(row.Status);
+        QVERIFY2(end.contains(line), qPrintable(line));
+        QVERIFY2(end.contains(QString(' ') + row.Meaning + '\n'), row.Meaning);
+    }
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostHelpTest)
+#include "tst_HostHelp.moc"

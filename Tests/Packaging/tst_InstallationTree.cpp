@@ -1,0 +1,118 @@
+#include "Tests/HostPages/CompletionShell.hpp"
+#include "Tests/HostPages/ToolRun.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+/// The build, installed into a folder of the test's own.
+class InstallationTreeTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void TheHostFindsTheModuleThatIsInstalledWithIt();
+    void AMovedInstallationWorks();
+    void ThePublisherRuns();
+    void PageAndCompletionsStandWhereTheyAreLookedFor();
+    void TheDocumentsAreThere();
+    void NothingElseIsInstalled();
+
+private:
+    QString Path(char const* p_Folder, QString const& p_File) const
+    {
+        return QDir(Root.filePath("first")).filePath(QString(p_Folder) + '/' + p_File);
+    }
+    static void CheckHost(QString const& p_Prefix);
+
+    QTemporaryDir Root;
+};
+
+void InstallationTreeTest::initTestCase()
+{
+    ToolRun const run(VARNHOLT_CMAKE,
+                      {"--install", VARNHOLT_BUILD_FOLDER, "--prefix", Root.filePath("first")});
+    QVERIFY2(run.Status == 0, qPrintable(run.Err));
+}
+
+void InstallationTreeTest::CheckHost(QString const& p_Prefix)
+{
+    ToolRun const run(p_Prefix + "/" VARNHOLT_PROGRAMS_FOLDER "/varnholt-host", {"info", "--json"});
+    QVERIFY2(run.Status == 0, qPrintable(run.Out + run.Err));
+    QJsonObject const info = QJsonDocument::fromJson(run.Out.toUtf8()).object();
+    QString const module = info["module"].toString();
+    QCOMPARE(QFileInfo(module).canonicalPath(),
+             QFileInfo(p_Prefix + "/" VARNHOLT_MODULE_FOLDER).canonicalFilePath());
+    QCOMPARE(info["identifier"].toString(), QString("pelmora_app"));
+}
+
+void InstallationTreeTest::TheHostFindsTheModuleThatIsInstalledWithIt()
+{
+    CheckHost(Root.filePath("first"));
+}
+
+void InstallationTreeTest::AMovedInstallationWorks()
+{
+    QString const moved = Root.filePath("moved");
+    QVERIFY(QDir().rename(Root.filePath("first"), moved));
+    CheckHost(moved);
+    QVERIFY(QDir().rename(moved, Root.filePath("first")));
+}
+
+void InstallationTreeTest::ThePublisherRuns()
+{
+    ToolRun const run(Path(VARNHOLT_PROGRAMS_FOLDER, "varnholt-publish"), {"--help"});
+    QVERIFY2(run.Status == 0 && run.Out.contains("build"), qPrintable(run.Out + run.Err));
+}
+
+void InstallationTreeTest::PageAndCompletionsStandWhereTheyAreLookedFor()
+{
+    QCOMPARE(ReadFile(Path(VARNHOLT_MAN_FOLDER, "man1/varnholt-host.1")),
+             ReadFile(VARNHOLT_MAN_PAGE));
+    QVERIFY(!ReadFile(VARNHOLT_MAN_PAGE).isEmpty());
+    QMap<QString, QString> const places{{"bash", "bash-completion/completions/varnholt-host"},
+                                        {"zsh", "zsh/site-functions/_varnholt-host"},
+                                        {"fish", "fish/vendor_completions.d/varnholt-host.fish"}};
+    for (QString const& shell : CompletionShell::Names()) {
+        QByteArray const built = ReadFile(CompletionShell::BuiltFile(shell));
+        QVERIFY2(!built.isEmpty(), qPrintable(shell));
+        QCOMPARE(ReadFile(Path(VARNHOLT_DATA_FOLDER, places[shell])), built);
+    }
+    QString const page = ReadFile(VARNHOLT_MAN_PAGE);
+    QString const module =
+        QDir(Path(VARNHOLT_PROGRAMS_FOLDER, "")).relativeFilePath(Path(VARNHOLT_MODULE_FOLDER, ""));
+    QVERIFY2(page.contains(module), qPrintable(module));
+}
+
+void InstallationTreeTest::TheDocumentsAreThere()
+{
+    QDir const documents(Path(VARNHOLT_DATA_FOLDER, "doc/varnholt"));
+    QDir const source(VARNHOLT_SOURCE_FOLDER);
+    QStringList const names{"README.md",
+                            "LICENSE",
+                            "docs/operating.md",
+                            "docs/host-json.md",
+                            "docs/host-json.schema.json",
+                            "docs/nginx/content.conf"};
+    for (QString const& name : names) {
+        QVERIFY2(!ReadFile(source.filePath(name)).isEmpty(), qPrintable(name));
+        QCOMPARE(ReadFile(documents.filePath(name)), ReadFile(source.filePath(name)));
+    }
+}
+
+void InstallationTreeTest::NothingElseIsInstalled()
+{
+    QCOMPARE(QDir(Path(VARNHOLT_PROGRAMS_FOLDER, "")).entryList(QDir::Files, QDir::Name),
+             (QStringList{"varnholt-host", "varnholt-publish"}));
+    QCOMPARE(QDir(Path(VARNHOLT_MODULE_FOLDER, "")).entryList(QDir::Files).size(), 1);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::InstallationTreeTest)
+#include "tst_InstallationTree.moc"
