@@ -46,6 +46,8 @@ QVector<QStringList> CompletionShell::Offers(QStringList const& p_Lines)
     ToolRun const shell(QStringLiteral(VARNHOLT_COMPLETION_DRIVERS "/complete-") + Name,
                         QStringList(file) + p_Lines);
     Complaints = shell.Err;
+    for (QString const& made : shell.Made)
+        Complaints += QStringLiteral("made %1").arg(made);
     if (shell.Status != 0)
         Complaints += QStringLiteral("status %1").arg(shell.Status);
     QVector<QStringList> offers;

@@ -20,7 +20,7 @@ public:
     /// What it offers at the end of each line, in alphabetical order; of a path the last part, and
     /// without what stands before "=".
     QVector<QStringList> Offers(QStringList const& p_Lines);
-    /// What it complained of meanwhile.
+    /// What it complained of meanwhile, and what it did besides.
     QString Complaints;
 
 private:

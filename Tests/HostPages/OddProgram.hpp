@@ -4,7 +4,8 @@
 
 namespace Varnholt::TestSupport {
 
-/// Every character that formatter or shells take for something else.
+/// Every character that formatter or shells take for something else; a command in it would make the
+/// file "odd".
 QString OddText();
 /// A program whose texts are all of that kind: odd-host.
 Host::Pages::ProgramModel OddProgram();

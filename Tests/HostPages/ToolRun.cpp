@@ -2,6 +2,7 @@
 
 #include "Tests/Support/TestHost.hpp"
 
+#include <QDir>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -20,6 +21,7 @@ ToolRun::ToolRun(QString const& p_Program, QStringList const& p_Arguments)
             environment.remove(name);
     QProcess process;
     process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(home.path());
     process.setStandardInputFile(QProcess::nullDevice());
     process.start(p_Program, p_Arguments);
     if (!process.waitForFinished(TestHost::c_Timeout) && process.error() == QProcess::Timedout)
@@ -28,6 +30,7 @@ ToolRun::ToolRun(QString const& p_Program, QStringList const& p_Arguments)
         Status = process.exitCode();
     Out = QString::fromUtf8(process.readAllStandardOutput());
     Err = QString::fromUtf8(process.readAllStandardError());
+    Made = QDir(home.path()).entryList(QDir::Files);
 }
 
 bool ToolRun::IsInstalled(QString const& p_Program)

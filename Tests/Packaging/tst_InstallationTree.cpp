@@ -22,6 +22,7 @@ private Q_SLOTS:
     void PageAndCompletionsStandWhereTheyAreLookedFor();
     void TheDocumentsAreThere();
     void NothingElseIsInstalled();
+    void AProjectThatEmbedsTheModuleInstallsNothingOfIt();
 
 private:
     QString Path(char const* p_Folder, QString const& p_File) const
@@ -110,6 +111,24 @@ void InstallationTreeTest::NothingElseIsInstalled()
     QCOMPARE(QDir(Path(VARNHOLT_PROGRAMS_FOLDER, "")).entryList(QDir::Files, QDir::Name),
              (QStringList{"varnholt-host", "varnholt-publish"}));
     QCOMPARE(QDir(Path(VARNHOLT_MODULE_FOLDER, "")).entryList(QDir::Files).size(), 1);
+}
+
+void InstallationTreeTest::AProjectThatEmbedsTheModuleInstallsNothingOfIt()
+{
+    QString const source = Root.filePath("embedding");
+    QVERIFY(WriteFile(source + "/CMakeLists.txt",
+                      "cmake_minimum_required(VERSION 3.22)\n"
+                      "project(Embedding LANGUAGES CXX)\n"
+                      "add_subdirectory(\"" VARNHOLT_SOURCE_FOLDER "\" varnholt)\n"
+                      "install(FILES CMakeLists.txt DESTINATION own)\n"));
+    ToolRun const configuration(
+        VARNHOLT_CMAKE, {"-S", source, "-B", source + "/build", "-DVARNHOLT_BUILD_TOOLS=ON"});
+    QVERIFY2(configuration.Status == 0, qPrintable(configuration.Err));
+    ToolRun const run(VARNHOLT_CMAKE,
+                      {"--install", source + "/build", "--prefix", Root.filePath("embedded")});
+    QVERIFY2(run.Status == 0, qPrintable(run.Err));
+    QDir const prefix(Root.filePath("embedded"));
+    QCOMPARE(prefix.entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList("own"));
 }
 
 } // namespace Varnholt::TestSupport
