@@ -90,7 +90,10 @@ QString Options(ProgramModel const& p_Model)
 QString Environment(ProgramModel const& p_Model)
 {
     QString page = Section(QStringLiteral("ENVIRONMENT"));
-    for (Option const& option : p_Model.Options) {
+    QVector<Option> options = p_Model.Options;
+    for (Command const& command : p_Model.Commands)
+        options += command.Options;
+    for (Option const& option : options) {
         if (option.Variable.isEmpty())
             continue;
         QString const name = option.Names.last();
