@@ -28,10 +28,11 @@ char const* const c_Helpers = R"bash(
 }
 )bash";
 
-// Bash takes "--option=value" for three words.
+// Bash takes "--option=value" for three words, and "http://host" too.
 char const* const c_Start = R"bash(
 %1() {
     local word=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} command='' i
+    local piece sign expects=''
     local -a arguments
     arguments=()
     COMPREPLY=()
@@ -42,15 +43,24 @@ char const* const c_Start = R"bash(
     fi
 
     for ((i = 1; i < COMP_CWORD; ++i)); do
-        case ${COMP_WORDS[i]} in
-            %2) [[ ${COMP_WORDS[i + 1]} == = ]] || i=$((i + 1)) ;;
-            =) i=$((i + 1)) ;;
+        piece=${COMP_WORDS[i]}
+        sign=''
+        while [[ ${COMP_WORDS[i + 1]-} =~ ^[:=]+$ ]]; do
+            sign=${sign:-${COMP_WORDS[i + 1]}}
+            i=$((i + 2))
+        done
+        if [[ -n $expects ]]; then
+            expects=''
+            continue
+        fi
+        case $piece in
+            %2) [[ $sign == = ]] || expects=value ;;
             -*) ;;
             *)
                 if [[ -z $command ]]; then
-                    command=${COMP_WORDS[i]}
+                    command=$piece
                 else
-                    arguments+=("${COMP_WORDS[i]}")
+                    arguments+=("$piece")
                 fi
                 ;;
         esac

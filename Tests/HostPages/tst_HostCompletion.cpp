@@ -48,6 +48,8 @@ void HostCompletionTest::TheWordAtHandIsCompleted()
         {"--color never --json -q inst", "install"},
         {"--color=never in", "info install"},
         {"--settings install in", "info install"}, // there it is no command
+        {"--content-url http://[::1]:80/ in", "info install"},
+        {"--content-url=http://a:80/ config color al", "always"},
         {"update ", ""},
         {"update --js", "--json"},
         {"uninstall --de", "--delete-files --dev-channel"},
