@@ -24,14 +24,20 @@ QJsonObject FileObject(BuildFile const& p_File)
     return object;
 }
 
-QJsonArray FileArray(std::vector<BuildFile> const& p_Files, bool p_Streamed)
+QByteArray Text(QJsonObject const& p_Object)
 {
-    QJsonArray array;
+    return QJsonDocument(p_Object).toJson(QJsonDocument::Compact);
+}
+
+/// File by file: a document of all of them would take many times the memory of its text.
+QByteArray FileArray(std::vector<BuildFile> const& p_Files, bool p_Streamed)
+{
+    QByteArray text;
     for (BuildFile const& file : p_Files) {
         if (file.Treatment.Streamed == p_Streamed)
-            array.append(FileObject(file));
+            text += (text.isEmpty() ? "" : ",") + Text(FileObject(file));
     }
-    return array;
+    return '[' + text + ']';
 }
 
 QJsonArray LocaleArray(std::map<QString, QString> const& p_Locales)
@@ -48,17 +54,17 @@ QJsonArray LocaleArray(std::map<QString, QString> const& p_Locales)
 QByteArray Write(BuildIdentity const& p_Build, std::map<QString, QString> const& p_Locales,
                  std::vector<BuildFile> const& p_Files, ContentPlatform p_Platform)
 {
-    QString const baseKey = p_Platform == ContentPlatform::Mac ? QStringLiteral("base_mac")
-                                                               : QStringLiteral("base_win");
-    QJsonObject const manifest{
+    QByteArray const baseKey = p_Platform == ContentPlatform::Mac ? "base_mac" : "base_win";
+    QByteArray manifest = Text({
         {QStringLiteral("build_id"), p_Build.Id},
         {QStringLiteral("build_str"), p_Build.Name},
         {QStringLiteral("build_number"), p_Build.Number},
         {QStringLiteral("available_locales"), LocaleArray(p_Locales)},
-        {QStringLiteral("content"), QJsonObject{{baseKey, FileArray(p_Files, false)}}},
-        {QStringLiteral("streamed_content"), FileArray(p_Files, true)},
-    };
-    return QJsonDocument(manifest).toJson(QJsonDocument::Compact);
+    });
+    manifest.chop(1); // the bracket at the end
+    manifest += ",\"content\":{\"" + baseKey + "\":" + FileArray(p_Files, false) + '}';
+    manifest += ",\"streamed_content\":" + FileArray(p_Files, true) + '}';
+    return manifest;
 }
 
 } // namespace Varnholt::Publisher::ManifestWriter

@@ -8,9 +8,10 @@ namespace Varnholt::Publisher {
 
 /// A file of the source folder as the scan found it.
 struct SourceFile {
-    QString Path;                   ///< relative to the source folder, "/" between components
-    std::filesystem::path Location; ///< where it lies on this machine
-    qint64 Size = 0;                ///< bytes
+    QString Path; ///< relative to the source folder, "/" between components
+    /// Where it lies on this machine: the text of a path, as paths take many times its memory.
+    std::filesystem::path::string_type Location;
+    qint64 Size = 0; ///< bytes
     std::filesystem::file_time_type Modified;
     quint64 Inode = 0; ///< tells it from another file that took its place
 };
