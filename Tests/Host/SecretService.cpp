@@ -7,15 +7,11 @@
 #include <QDBusConnectionInterface>
 #include <QDirIterator>
 #include <QProcessEnvironment>
-#include <QStandardPaths>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
 
 namespace {
-
-QString const c_BusProgram = QStringLiteral("dbus-daemon");
-QString const c_StoreProgram = QStringLiteral("gnome-keyring-daemon");
 
 constexpr char const* c_Address = "DBUS_SESSION_BUS_ADDRESS";
 
@@ -27,16 +23,11 @@ void End(QProcess& p_Process)
 
 } // namespace
 
-bool SecretService::IsPossible()
-{
-    return !QStandardPaths::findExecutable(c_BusProgram).isEmpty() &&
-           !QStandardPaths::findExecutable(c_StoreProgram).isEmpty();
-}
-
 SecretService::SecretService()
 {
-    Address.emplace(c_Address, StartBus());
-    StartStore();
+    StartBus();
+    if (WhyNot.isEmpty())
+        StartStore();
 }
 
 SecretService::~SecretService()
@@ -50,13 +41,13 @@ void SecretService::Stop()
     End(Bus);
 }
 
-QByteArray SecretService::StartBus()
+void SecretService::StartBus()
 {
-    Bus.start(c_BusProgram, {"--session", "--nofork", "--print-address"});
-    while (!Bus.canReadLine())
+    Bus.start(QStringLiteral("dbus-daemon"), {"--session", "--nofork", "--print-address"});
+    while (!Bus.canReadLine() && WhyNot.isEmpty())
         if (!Bus.waitForReadyRead(TestHost::c_Timeout))
-            qFatal("there is no message bus: %s", Bus.readAllStandardError().constData());
-    return Bus.readLine().trimmed();
+            WhyNot = QStringLiteral("no message bus: ") + Bus.errorString();
+    Address.emplace(c_Address, Bus.readLine().trimmed());
 }
 
 void SecretService::StartStore()
@@ -65,21 +56,26 @@ void SecretService::StartStore()
     for (char const* const name : {"HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
         environment.insert(QString::fromLatin1(name), Folder.path());
     Store.setProcessEnvironment(environment);
-    Store.start(c_StoreProgram, {"--foreground", "--unlock", "--components=secrets"});
+    Store.start(QStringLiteral("gnome-keyring-daemon"),
+                {"--foreground", "--unlock", "--components=secrets"});
     // What unlocks the keyring that it makes.
     Store.write("of the keyring");
     Store.closeWriteChannel();
     QString const bus = QStringLiteral("of the secret store");
-    bool const isThere = QTest::qWaitFor(
+    bool isThere = false;
+    bool const isDecided = QTest::qWaitFor(
         [&] {
-            return QDBusConnection::connectToBus(QString::fromLatin1(qgetenv(c_Address)), bus)
-                .interface()
-                ->isServiceRegistered(QStringLiteral("org.freedesktop.secrets"));
+            isThere = QDBusConnection::connectToBus(QString::fromLatin1(qgetenv(c_Address)), bus)
+                          .interface()
+                          ->isServiceRegistered(QStringLiteral("org.freedesktop.secrets"));
+            return isThere || Store.state() == QProcess::NotRunning;
         },
         TestHost::c_Timeout);
     QDBusConnection::disconnectFromBus(bus);
     if (!isThere)
-        qFatal("there is no secret store: %s", Store.readAllStandardError().constData());
+        WhyNot = QStringLiteral("no secret store: %1: %2")
+                     .arg(isDecided ? Store.errorString() : QStringLiteral("no answer"),
+                          QString::fromLocal8Bit(Store.readAllStandardError()));
 }
 
 QByteArray SecretService::BytesOnDisk() const

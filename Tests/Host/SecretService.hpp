@@ -18,20 +18,21 @@ public:
     SecretService(SecretService const&) = delete;
     SecretService& operator=(SecretService const&) = delete;
 
-    /// Whether the programs that it needs are installed.
-    static bool IsPossible();
+    /// Why there is none on this machine; empty when there is one.
+    QString const& Problem() const { return WhyNot; }
     /// Everything that the store has put on the disk.
     QByteArray BytesOnDisk() const;
     /// Ends the store and its bus; programs look for them in vain from then on.
     void Stop();
 
 private:
-    QByteArray StartBus();
+    void StartBus();
     void StartStore();
 
     QTemporaryDir Folder;
     QProcess Bus;
     QProcess Store;
+    QString WhyNot;
     std::optional<ScopedVariable> Address;
 };
 

@@ -67,8 +67,9 @@ private:
 
 void HostRememberTest::initTestCase()
 {
-    if (!SecretService::IsPossible())
-        QSKIP("there is no secret store to try it with");
+    SecretService const trial;
+    if (!trial.Problem().isEmpty())
+        QSKIP(qPrintable(trial.Problem()));
 }
 
 void HostRememberTest::init()
