@@ -24,13 +24,13 @@ Login::Login(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Outp
 QString Login::Password()
 {
     if (!Chosen.Remembers && !Chosen.Forgets) {
-        QString const remembered = Remembered();
+        QString remembered = Remembered();
         if (!remembered.isEmpty() || SignalWatch::IsEndRequested())
             return remembered;
     }
     if (Chosen.Forgets)
         Forget();
-    QString const password = Asked();
+    QString password = Asked();
     if (Chosen.Remembers && !password.isEmpty())
         Remember(password);
     return password;
