@@ -5,9 +5,9 @@ compinit -u -D
 unsetopt auto_list auto_menu
 
 compadd() {
-    local -a offered
+    local -a offered options=("${@[1,(i)(-|--)]}")
     # Calls that store matches, rather than offer them, are helpers' own.
-    if [[ ${@[1,(i)(-|--)]} != *-(O|A|D)* ]]; then
+    if (( ! ${options[(I)-(O|A|D)*]} )); then
         builtin compadd -A offered "$@"
         [[ $#offered = 0 ]] || print -rl -- $offered >>$COMPLETION_OUT
     fi
