@@ -44,6 +44,10 @@ public:
     /// Ends the run under way with the failure `Interrupted`; what has arrived is kept.
     void Interrupt();
 
+    /// Where the module lives: its event loop runs as long as the session lives. For one who
+    /// watches whether it answers.
+    QThread& Thread() { return ModuleThread; }
+
 Q_SIGNALS:
     void Opened(ModuleInfo p_Info);
     void OpenFailed(Failure p_Failure);

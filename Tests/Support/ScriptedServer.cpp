@@ -181,6 +181,11 @@ int ScriptedServer::Count(QString const& p_Path) const
     return static_cast<int>(Requests(p_Path).size());
 }
 
+int ScriptedServer::ScriptedAnswers(QString const& p_Path) const
+{
+    return Inner->Script.ScriptedAnswers(p_Path);
+}
+
 qint64 ScriptedServer::BodyBytes(QString const& p_Path) const
 {
     return Inner->Script.BodyBytes(p_Path);

@@ -70,6 +70,8 @@ public:
     std::vector<RecordedRequest> Requests() const;
     std::vector<RecordedRequest> Requests(QString const& p_Path) const;
     int Count(QString const& p_Path) const;
+    /// Requests of a path that its script has answered so far; not forgotten with the script.
+    int ScriptedAnswers(QString const& p_Path) const;
     /// Body bytes of a path that were handed to the network, all answers together.
     qint64 BodyBytes(QString const& p_Path) const;
     /// Connections that are open at the moment.

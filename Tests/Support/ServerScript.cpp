@@ -46,8 +46,9 @@ std::optional<QByteArray> ServerScript::File(QString const& p_Path) const
 std::optional<Answer> ServerScript::TakeFrom(QString const& p_Path)
 {
     auto const rule = Rules.find(p_Path);
-    if (rule == Rules.end())
+    if (rule == Rules.end() || (rule->Answers.empty() && !rule->Forever))
         return {};
+    ++Used[p_Path];
     if (rule->Answers.empty())
         return rule->Forever;
     Answer const answer = rule->Answers.front();
@@ -63,6 +64,12 @@ Answer ServerScript::NextAnswer(QString const& p_Path)
     if (auto answer = TakeFrom(QStringLiteral("*")))
         return *answer;
     return Answer::Normal();
+}
+
+int ServerScript::ScriptedAnswers(QString const& p_Path) const
+{
+    QMutexLocker const lock(&Mutex);
+    return Used.value(p_Path);
 }
 
 void ServerScript::OpenGate(QString const& p_Path, int p_Times)

@@ -33,6 +33,9 @@ public:
     /// Uses the next answer up. Rules of "*" serve every path that has none of its own left.
     Answer NextAnswer(QString const& p_Path);
 
+    /// Answers of the path's own rule that were used.
+    int ScriptedAnswers(QString const& p_Path) const;
+
     void OpenGate(QString const& p_Path, int p_Times);
     /// Passes the gate of a path when it is open; a pass uses up one opening.
     bool PassGate(QString const& p_Path);
@@ -48,6 +51,7 @@ private:
     mutable QMutex Mutex;
     QHash<QString, QByteArray> Files;
     QHash<QString, Rule> Rules;
+    QHash<QString, int> Used; ///< answers by path
     QHash<QString, int> Gates;
     QHash<QString, qint64> SentBytes;
     std::vector<RecordedRequest> Seen;

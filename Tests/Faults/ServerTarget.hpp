@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Tests/Faults/FaultGame.hpp"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+namespace Varnholt::TestSupport {
+
+/// A file of a content server that a fault strikes.
+struct ServerTarget {
+    static std::vector<ServerTarget> const& All();
+
+    QString Name;
+    std::function<QString(FaultGame const&)> Path; ///< on the server
+    std::function<QByteArray(FaultGame const&)> Body;
+    bool IsTransfer = false; ///< the second request for it brings it; the first asks for its size
+    bool IsUpdate = false;   ///< only an installed game asks for it
+
+    /// Makes the game one that will ask for the file.
+    void Prepare(FaultGame& p_Game) const;
+    /// What is wrong of it when all is over.
+    QStringList Faults(FaultGame const& p_Game) const;
+};
+
+} // namespace Varnholt::TestSupport
