@@ -220,7 +220,7 @@ void RunControl::WatchForDrops(RunPhase p_Phase)
     if (!IsDownloading(p_Phase) || module.CurrentDownload == nullptr || Pending)
         return;
     quint64 const bytes = static_cast<quint64>(module.CurrentDownload->BytesOnDisk);
-    if (!Drops.Observe(Context.Ledger.Restarts(), {Context.Ledger.Count(), bytes}))
+    if (!Drops.Observe(Context.Ledger.Restarts(), Context.Ledger.Count(), bytes))
         return;
     QString const url = module.CurrentDownload->Url;
     // A refused connection is in the journal; of a closed one nothing is reported.

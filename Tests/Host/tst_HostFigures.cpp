@@ -31,6 +31,8 @@ private Q_SLOTS:
 
     void ThreeRestartsWithoutAByteAreTooMany();
     void ARestartThatBringsBytesBeginsTheCountAnew();
+    void LosingItsBytesAgainAndAgainIsTooMany();
+    void ATransferThatComesFurtherMayLoseItsBytes();
 
     void EveryPhaseHasItsOwnWords();
     void OnlyTheDownloadPhasesCountBytes();
@@ -151,24 +153,43 @@ void HostFiguresTest::AResetGivesTheWholeTimeAgain()
 void HostFiguresTest::ThreeRestartsWithoutAByteAreTooMany()
 {
     DropWatch watch;
-    QVERIFY(!watch.Observe(10, {1, 500}));
-    QVERIFY(!watch.Observe(12, {1, 500}));
-    QVERIFY(watch.Observe(13, {1, 500}));
-    QVERIFY(!watch.Observe(13, {1, 500}));
-    QVERIFY(!watch.Observe(15, {1, 500}));
-    QVERIFY(watch.Observe(16, {1, 500}));
+    QVERIFY(!watch.Observe(10, 1, 500));
+    QVERIFY(!watch.Observe(12, 1, 500));
+    QVERIFY(watch.Observe(13, 1, 500));
+    QVERIFY(!watch.Observe(13, 1, 500));
+    QVERIFY(!watch.Observe(15, 1, 500));
+    QVERIFY(watch.Observe(16, 1, 500));
 }
 
 void HostFiguresTest::ARestartThatBringsBytesBeginsTheCountAnew()
 {
     DropWatch watch;
-    QVERIFY(!watch.Observe(0, {1, 500}));
-    QVERIFY(!watch.Observe(2, {1, 500}));
-    QVERIFY(!watch.Observe(3, {1, 501}));
-    QVERIFY(!watch.Observe(5, {1, 501}));
-    QVERIFY(!watch.Observe(6, {2, 501})); // another transfer
-    QVERIFY(!watch.Observe(8, {2, 501}));
-    QVERIFY(watch.Observe(9, {2, 501}));
+    QVERIFY(!watch.Observe(0, 1, 500));
+    QVERIFY(!watch.Observe(2, 1, 500));
+    QVERIFY(!watch.Observe(3, 1, 501));
+    QVERIFY(!watch.Observe(5, 1, 501));
+    QVERIFY(!watch.Observe(6, 2, 501)); // another transfer
+    QVERIFY(!watch.Observe(8, 2, 501));
+    QVERIFY(watch.Observe(9, 2, 501));
+}
+
+void HostFiguresTest::LosingItsBytesAgainAndAgainIsTooMany()
+{
+    DropWatch watch;
+    quint32 restarts = 0;
+    for (int loss = 1; loss <= 4; ++loss) {
+        QVERIFY(!watch.Observe(++restarts, 1, 500));
+        QCOMPARE(watch.Observe(++restarts, 1, 20), loss == 4);
+    }
+}
+
+void HostFiguresTest::ATransferThatComesFurtherMayLoseItsBytes()
+{
+    DropWatch watch;
+    for (quint32 loss = 1; loss <= 20; ++loss) {
+        QVERIFY(!watch.Observe(2 * loss, 1, 500 + loss));
+        QVERIFY(!watch.Observe(2 * loss + 1, 1, 20));
+    }
 }
 
 void HostFiguresTest::EveryPhaseHasItsOwnWords()
