@@ -10,7 +10,8 @@ namespace Varnholt::Launcher::ManifestPaths {
 
 bool IsInsideFolder(QString const& p_Path)
 {
-    if (p_Path.contains(QChar(QChar::Null)))
+    // Half a character at a path's end is not in the file's name: ".." would be left of it.
+    if (p_Path.contains(QChar(QChar::Null)) || !p_Path.isValidUtf16())
         return false;
     QString path = p_Path;
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));

@@ -7,8 +7,8 @@
 namespace Varnholt::Launcher::ManifestPaths {
 
 /// True when the path, joined to the installation folder, names something below that folder: it is
-/// not empty, not absolute, does not climb out, and ends at no NUL character. "\" counts as a
-/// separator too, since some systems take it for one.
+/// not empty, not absolute, does not climb out, ends at no NUL character and is made of whole
+/// characters. "\" counts as a separator too, since some systems take it for one.
 bool IsInsideFolder(QString const& p_Path);
 
 /// Removes every entry whose path is not inside the folder, with a warning for each: a manifest

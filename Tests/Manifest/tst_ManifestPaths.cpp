@@ -25,6 +25,12 @@ void ManifestPathsTest::KnowsWhatLiesInsideTheFolder_data()
          {"", ".", "..", "./", "/", "/etc/passwd", "//a", "../a", "a/../../b", "a/..", "./../a",
           "\\a", "..\\a", "a\\..\\..\\b", "C:\\a", "c:/a", "C:", "Data/../../x"})
         QTest::newRow(qPrintable(QString("outside: %1").arg(path))) << QString(path) << false;
+    // A file name of the system's drops the half that is last.
+    QString const half(QChar(0xd800));
+    QTest::newRow("half a character") << half << false;
+    QTest::newRow("half a character behind dots") << ".." + half << false;
+    QTest::newRow("half a character inside") << "a" + half + "b" << false;
+    QTest::newRow("whole character of two halves") << QString::fromUtf8("\xf0\x9f\x8e\xae") << true;
     QTest::newRow("NUL inside") << QString("a") + QChar(QChar::Null) + "b" << false;
 }
 
