@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QSaveFile>
-#include <QTextStream>
 
 namespace Varnholt::Launcher {
 
@@ -19,11 +18,17 @@ PendingList::Content PendingList::Read(QString const& p_ListPath,
         return content;
     content.Opened = true;
 
-    QTextStream lines(&file);
-    lines.setCodec("UTF-8");
-    while (!lines.atEnd() && p_Continue())
-        content.Paths += lines.readLine();
-    content.Complete = lines.atEnd();
+    // Not by a text stream, which takes a carriage return or a byte order mark away from a name.
+    // Nor is the latter in front here.
+    QByteArray const bytes = '\n' + file.readAll();
+    QString const lines = QString::fromUtf8(bytes.constData(), bytes.size());
+    int from = 1;
+    while (from < lines.size() && p_Continue()) {
+        int const end = lines.indexOf(QLatin1Char('\n'), from);
+        content.Paths += lines.mid(from, end < 0 ? -1 : end - from);
+        from = end < 0 ? lines.size() : end + 1;
+    }
+    content.Complete = from >= lines.size();
     return content;
 }
 

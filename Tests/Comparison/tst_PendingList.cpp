@@ -54,6 +54,8 @@ class PendingListTest : public QObject {
 private Q_SLOTS:
     void NamesOfTheListsAreFixed();
     void OnePathPerLineInUtf8EndedByALineFeed();
+    void NamesAreTheSameWhenTheyAreReadAgain_data();
+    void NamesAreTheSameWhenTheyAreReadAgain();
     void NothingPendingIsAnEmptyFile();
     void WritingReplacesTheWholeListAndLeavesNothingElse();
     void ReadingGivesTheLinesAsTheyAre();
@@ -85,6 +87,25 @@ void PendingListTest::OnePathPerLineInUtf8EndedByALineFeed()
         QCOMPARE(list.Bytes(), QByteArray("Data/a b.MPQ\n\xC3\x89t\xC3\xA9/\xC3\xB1\nc\n"));
         QCOMPARE(PendingList::Read(list.Path(), Always).Paths, paths);
     }
+}
+
+void PendingListTest::NamesAreTheSameWhenTheyAreReadAgain_data()
+{
+    QTest::addColumn<QStringList>("Names");
+    QString const mark(QChar(0xfeff));
+    QTest::newRow("carriage returns") << QStringList({"a\r", "\r", "b\r\r", "c"});
+    QTest::newRow("byte order marks") << QStringList({mark + "a", mark, mark + mark});
+    QTest::newRow("NUL") << QStringList({QString("a") + QChar(QChar::Null) + "b", "c"});
+    QTest::newRow("other line ends")
+        << QStringList({QString("a") + QChar(QChar::LineSeparator) + "b", "c\f\v"});
+}
+
+void PendingListTest::NamesAreTheSameWhenTheyAreReadAgain()
+{
+    QFETCH(QStringList, Names);
+    ListFile list;
+    QVERIFY(PendingList::Write(list.Path(), Names));
+    QCOMPARE(PendingList::Read(list.Path(), Always).Paths, Names);
 }
 
 void PendingListTest::NothingPendingIsAnEmptyFile()
