@@ -1,10 +1,16 @@
 #include "GameModules/MirrorChoice.hpp"
 
 #include "Launcher/Application/ContentServer.hpp"
+#include "Launcher/Application/RemoteText.hpp"
 
 #include <cstdlib>
 
 namespace Varnholt::Launcher::MirrorChoice {
+
+QStringList HostsOf(QByteArray const& p_Data)
+{
+    return RemoteText(p_Data).split(QLatin1Char(' '));
+}
 
 QString DrawHost(QStringList const& p_Hosts)
 {

@@ -2,10 +2,15 @@
 
 #include "Launcher/Application/ApplicationManifest.hpp"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
 namespace Varnholt::Launcher::MirrorChoice {
+
+/// The hosts that a fetched list names: one line without an end, so whatever stands between two
+/// blanks is a name, also an empty one. There is always at least one.
+QStringList HostsOf(QByteArray const& p_Data);
 
 /// Draws one of the hosts with `rand()`, which is not seeded here. Null when there is none.
 QString DrawHost(QStringList const& p_Hosts);

@@ -72,10 +72,9 @@ void StandartApplication::FetchMirrors()
 
 void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data)
 {
-    // One line without an end: whatever stands between two blanks is a host name.
     {
         QMutexLocker const lock(&RunMutex);
-        CdnHosts = RemoteText(p_Data).split(QLatin1Char(' '));
+        CdnHosts = MirrorChoice::HostsOf(p_Data);
         ContentBaseUrl = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));
     }
     qCWarning(LogStartup) << "Selected CDN " << Name << " " << ContentBaseUrl;
