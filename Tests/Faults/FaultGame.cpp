@@ -12,12 +12,9 @@ QString const FaultGame::c_Last = QStringLiteral("Data/streamed 2.MPQ");
 
 FaultGame::FaultGame()
 {
-    constexpr int c_StallMilliseconds = 1'500;
-
     AddFiles();
     SampleFile const middle{c_Middle, SampleContent::Bytes(400'000, 7)};
     Content.Files.insert(Content.Files.begin() + 2, middle);
-    Options.StallMilliseconds = c_StallMilliseconds;
 }
 
 FaultGame::~FaultGame()

@@ -15,8 +15,7 @@ namespace Varnholt::TestSupport {
 /// what happens, under the eyes of a referee.
 class FaultGame : public SessionGame {
 public:
-    /// Base files of several sizes, both languages, streamed files. Silent servers are given up
-    /// soon.
+    /// Base files of several sizes, both languages, streamed files.
     FaultGame();
     ~FaultGame();
 

@@ -27,7 +27,12 @@ struct ServerFault {
     std::function<Answers(QByteArray const& p_Body)> Once;
     bool IsOfTransfers = false; ///< makes no sense for a file that is asked for once, as a whole
     int Lasts = Both;
+    /// Longer than the module waits before it asks a sick server again.
+    int StallMilliseconds = 6'000;
 };
+
+/// For servers that say nothing: each time it is waited for.
+constexpr int c_ShortStall = 1'500;
 
 Answer Page(int p_Status)
 {
@@ -77,8 +82,8 @@ std::vector<ServerFault> const& BodyFaults()
          [](QByteArray const& p_Body) { return Answers{Unfinished(p_Body)}; }},
         {"connection reset in the body", Cut(Answer::Reset)},
         {"closed before headers", Plain(Answer::ClosedBeforeHeaders())},
-        {"stall before headers", Plain(Answer::SilentBeforeHeaders())},
-        {"stall in the body", Cut(Answer::SilentAfter)},
+        {"stall before headers", Plain(Answer::SilentBeforeHeaders()), false, Both, c_ShortStall},
+        {"stall in the body", Cut(Answer::SilentAfter), false, Both, c_ShortStall},
         // For good it brings the file, in the end.
         {"drip of 1 byte per second, then closed",
          [](QByteArray const&) { return Answers{Answer::Drip(1, 1'000).CutAfter(4)}; }, false,
@@ -111,7 +116,8 @@ std::vector<ServerFault> const& StatusFaults()
         {"404 with a page", Plain(Page(404))},
         {"500", Plain(Page(500))},
         {"503", Plain(Page(503))},
-        {"429", Plain(Page(429).With("Retry-After", "1"))},
+        // For good it is asked for minutes before it is given up.
+        {"429 for a while", Plain(Page(429).With("Retry-After", "1")), false, ForAWhile},
         {"redirect", Plain(Answer::Redirect("/elsewhere"))},
         {"416", AfterADrop(Page(416)), true},
         {"range ignored (200)", AfterADrop(Answer::IgnoringRange()), true},
@@ -149,6 +155,7 @@ void Try(ServerFault const& p_Fault, ServerTarget const& p_Target, Lasting p_Las
          FaultTally& p_Tally)
 {
     FaultGame game;
+    game.Options.StallMilliseconds = p_Fault.StallMilliseconds;
     game.Publish();
     p_Target.Prepare(game);
     Inject(game, p_Target, p_Fault, p_Lasting);
