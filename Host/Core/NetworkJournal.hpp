@@ -23,6 +23,8 @@ public:
 
     /// A file download has met an error that the module goes on after.
     void NoteDownloadError(QString const& p_Url, int p_Error);
+    /// A mirror, by host and port, has given something else than the file that was asked for.
+    void NoteWrongContent(QString const& p_Mirror) { Dead.insert(p_Mirror); }
     /// A file download has been stopped since nothing arrived for too long.
     void NoteTimeout(QString const& p_Url);
     /// The reply is about to be aborted for that reason; it is noted so when it ends.
@@ -42,7 +44,7 @@ public:
     std::optional<FetchNote> FailureOfFile(QString const& p_Location) const;
     /// The size that a server gave for a file, by its location; 0 when unknown.
     quint64 SizeOf(QString const& p_Location) const;
-    /// Hosts, with port, that could not be reached or have refused a file.
+    /// Hosts, with port, that could not be reached or have refused or spoiled a file.
     QSet<QString> const& DeadMirrors() const { return Dead; }
 
 private:

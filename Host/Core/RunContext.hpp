@@ -17,7 +17,7 @@ struct RunContext {
     InstallRecord& Record;
     RunGate& Gate;
     NetworkJournal& Journal;
-    TransferLedger const& Ledger;
+    TransferLedger& Ledger;
     RunWatch& Watch;
 };
 

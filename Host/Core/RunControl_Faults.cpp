@@ -275,6 +275,10 @@ void RunControl::CleanMirrors()
     QMutexLocker const lock(&module.RunMutex);
     if (module.CdnHosts.isEmpty())
         return;
+    // A mirror that has fallen behind, or whose disk is bad, would spoil every file that it gives.
+    for (QString const& mirror : Context.Ledger.TakeSuspects())
+        if (module.CdnHosts.size() > 1)
+            Context.Journal.NoteWrongContent(mirror);
     if (auto const note = Context.Journal.FailureOf(QStringLiteral("/cdns.info"))) {
         NoticeOnce(QStringLiteral("%1; the files come from the default server.")
                        .arg(ExplainFetch(*note).Sentence()));

@@ -1,6 +1,10 @@
 #include "Host/Core/TransferLedger.hpp"
 
+#include <QFile>
 #include <QMutexLocker>
+#include <QUrl>
+
+#include <utility>
 
 namespace Varnholt::Host {
 
@@ -38,6 +42,12 @@ quint32 TransferLedger::Restarts() const
     return Restarted;
 }
 
+QSet<QString> TransferLedger::TakeSuspects()
+{
+    QMutexLocker const lock(&Mutex);
+    return std::exchange(Suspects, {});
+}
+
 void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
 {
     QMutexLocker const lock(&Mutex);
@@ -53,7 +63,13 @@ void TransferLedger::OnRestarted()
 
 void TransferLedger::OnRetired(HTTP_DownloadFileRequest* p_Request)
 {
+    // Its completion was handled before: what is as announced has got its final name.
+    QString const part = QStringLiteral(".part");
+    bool const isInPlace = !p_Request->FilePath.endsWith(part) ||
+                           QFile::exists(p_Request->FilePath.chopped(part.size()));
     QMutexLocker const lock(&Mutex);
+    if (!isInPlace && !p_Request->Aborted)
+        Suspects += QUrl(p_Request->Url).authority();
     Ending.erase(p_Request);
 }
 

@@ -4,6 +4,8 @@
 
 #include <QMutex>
 #include <QObject>
+#include <QSet>
+#include <QString>
 
 #include <set>
 
@@ -25,6 +27,8 @@ public:
     quint32 Count() const;
     /// How often, since the start, a transfer was begun anew by itself.
     quint32 Restarts() const;
+    /// Hosts, with port, that since the last call have given a file that was not put in place.
+    QSet<QString> TakeSuspects();
 
 private Q_SLOTS:
     /// Called on the download thread.
@@ -36,6 +40,7 @@ private:
 
     mutable QMutex Mutex;
     std::set<HTTP_DownloadFileRequest*> Ending;
+    QSet<QString> Suspects;
     quint32 Ended = 0;
     quint32 Restarted = 0;
 };

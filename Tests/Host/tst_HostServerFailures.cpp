@@ -28,6 +28,7 @@ private Q_SLOTS:
     void AStalledTransferGoesOnWhereItStopped();
     void ADeadMirrorAmongLivingOnesIsAvoided();
     void AMirrorThatRefusesAmongLivingOnesIsAvoided();
+    void AMirrorThatSpoilsAFileAmongLivingOnesIsAvoided();
     void AServerThatGoesAwayIsToldAndNothingIsLost();
 };
 
@@ -175,6 +176,26 @@ void HostServerFailuresTest::AMirrorThatRefusesAmongLivingOnesIsAvoided()
     int askedAgain = 0; // after its size
     for (SampleFile const& file : game.Content.Files)
         askedAgain += refusing.Count(game.Content.ServerPath(file.Path)) > 1 ? 1 : 0;
+    QVERIFY2(askedAgain <= 1, qPrintable(QString::number(askedAgain)));
+}
+
+void HostServerFailuresTest::AMirrorThatSpoilsAFileAmongLivingOnesIsAvoided()
+{
+    SessionGame game;
+    game.AddFiles();
+    for (int i = 0; i < 100; ++i)
+        game.Content.Add({QString("Data/more %1").arg(i), QByteArray(100 + i, 'x')});
+    ScriptedServer stale;
+    ScriptedServer alive;
+    game.Content.Publish(game.Server, {&stale, &alive});
+    for (SampleFile const& file : game.Content.Files)
+        stale.Serve(game.Content.ServerPath(file.Path), QByteArray(file.Bytes.size(), 'o'));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    int askedAgain = 0; // after its size
+    for (SampleFile const& file : game.Content.Files)
+        askedAgain += stale.Count(game.Content.ServerPath(file.Path)) > 1 ? 1 : 0;
     QVERIFY2(askedAgain <= 1, qPrintable(QString::number(askedAgain)));
 }
 
