@@ -1,7 +1,8 @@
 #include "GameModules/PendingList.hpp"
 
+#include "GameModules/FileReplacement.hpp"
+
 #include <QFile>
-#include <QSaveFile>
 
 namespace Varnholt::Launcher {
 
@@ -34,13 +35,10 @@ PendingList::Content PendingList::Read(QString const& p_ListPath,
 
 bool PendingList::Write(QString const& p_ListPath, QStringList const& p_Paths)
 {
-    QSaveFile file(p_ListPath);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
+    QByteArray content;
     for (QString const& path : p_Paths)
-        file.write(path.toUtf8() + '\n');
-    return file.commit();
+        content += path.toUtf8() + '\n';
+    return ReplaceFile(p_ListPath, content);
 }
 
 void PendingList::Update(QString const& p_ListPath, QString const& p_Struck, QString const& p_Added,

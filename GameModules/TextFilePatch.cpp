@@ -1,24 +1,15 @@
 #include "GameModules/TextFilePatch.hpp"
 
+#include "GameModules/FileReplacement.hpp"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTextStream>
 
 namespace Varnholt::Launcher {
 
 namespace {
-
-void Replace(QString const& p_FilePath, QByteArray const& p_Content)
-{
-    QSaveFile file(p_FilePath);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.write(p_Content);
-    file.commit();
-}
 
 QStringList LinesWithout(QString const& p_FilePath, QString const& p_Key)
 {
@@ -45,14 +36,14 @@ void TextFilePatch::Apply(QString const& p_FilePath, QString const& p_Key, QStri
             return;
         QDir().mkpath(QFileInfo(p_FilePath).absolutePath());
         // No line end here, unlike below: the game has always been given its first line so.
-        Replace(p_FilePath, p_Line.toUtf8());
+        ReplaceFile(p_FilePath, p_Line.toUtf8());
         return;
     }
     QStringList const lines = LinesWithout(p_FilePath, p_Key) << p_Line;
     QByteArray content;
     for (QString const& line : lines)
         content += line.toLocal8Bit() + '\n';
-    Replace(p_FilePath, content);
+    ReplaceFile(p_FilePath, content);
 }
 
 } // namespace Varnholt::Launcher

@@ -1,7 +1,8 @@
 #include "GameModules/Pelmora/LoginScreen.hpp"
 
+#include "GameModules/FileReplacement.hpp"
+
 #include <QFile>
-#include <QSaveFile>
 
 namespace Varnholt::Launcher {
 
@@ -48,12 +49,7 @@ void LoginScreen::Build(QString const& p_Login, QString const& p_Password) const
     // Nobody else on this machine may read the credentials: they come in a new file, which nobody
     // has open, with the permissions of the one that it replaces.
     layout.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    QSaveFile patched(Layout);
-    patched.setDirectWriteFallback(true);
-    if (patched.open(QIODevice::WriteOnly)) {
-        patched.write(text.toUtf8());
-        patched.commit();
-    }
+    ReplaceFile(Layout, text.toUtf8());
 }
 
 } // namespace Varnholt::Launcher

@@ -1,0 +1,98 @@
+#include "GameModules/FileReplacement.hpp"
+#include "GameModules/PendingList.hpp"
+#include "GameModules/TextFilePatch.hpp"
+#include "Tests/Support/FileSizeLimit.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+using Launcher::ReplaceFile;
+
+constexpr rlim_t c_Room = 4096;
+/// More than there is room for, and few enough to be buffered.
+QByteArray const c_New(6000, 'n');
+
+} // namespace
+
+/// Small files are replaced as a whole or not at all.
+class FileReplacementTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void TheNewContentStandsThereAlone();
+    void AFileThatDoesNotFitStaysAsItWas();
+    void ANewFileThatDoesNotFitIsNotMade();
+    void AListThatDoesNotFitStaysAsItWas();
+    void AConfigurationThatDoesNotFitStaysAsItWas();
+
+private:
+    QStringList Names() const
+    {
+        return QDir(Folder->path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    std::unique_ptr<QTemporaryDir> Folder;
+    QString Path;
+};
+
+void FileReplacementTest::init()
+{
+    Folder = std::make_unique<QTemporaryDir>();
+    Path = Folder->filePath("file");
+}
+
+void FileReplacementTest::TheNewContentStandsThereAlone()
+{
+    QVERIFY(WriteFile(Path, "old, and longer than the new one"));
+    QVERIFY(ReplaceFile(Path, "new"));
+    QCOMPARE(ReadFile(Path), QByteArray("new"));
+    QVERIFY(ReplaceFile(Path, c_New));
+    QCOMPARE(ReadFile(Path), c_New);
+    QCOMPARE(Names(), QStringList("file"));
+}
+
+void FileReplacementTest::AFileThatDoesNotFitStaysAsItWas()
+{
+    QVERIFY(WriteFile(Path, "old"));
+    FileSizeLimit const limit(c_Room);
+    QVERIFY(!ReplaceFile(Path, c_New));
+    QCOMPARE(ReadFile(Path), QByteArray("old"));
+    QCOMPARE(Names(), QStringList("file"));
+}
+
+void FileReplacementTest::ANewFileThatDoesNotFitIsNotMade()
+{
+    FileSizeLimit const limit(c_Room);
+    QVERIFY(!ReplaceFile(Path, c_New));
+    QCOMPARE(Names(), QStringList());
+}
+
+void FileReplacementTest::AListThatDoesNotFitStaysAsItWas()
+{
+    QVERIFY(WriteFile(Path, "a\n"));
+    FileSizeLimit const limit(c_Room);
+    QVERIFY(!Launcher::PendingList::Write(Path, {"a", QString::fromLatin1(c_New)}));
+    QCOMPARE(ReadFile(Path), QByteArray("a\n"));
+}
+
+void FileReplacementTest::AConfigurationThatDoesNotFitStaysAsItWas()
+{
+    QByteArray const before = "SET own \"1\"\n" + c_New + "\n";
+    QVERIFY(WriteFile(Path, before));
+    FileSizeLimit const limit(c_Room);
+    Launcher::TextFilePatch::Apply(Path, "locale", "SET locale \"enUS\"", true);
+    QCOMPARE(ReadFile(Path), before);
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::FileReplacementTest)
+#include "tst_FileReplacement.moc"
