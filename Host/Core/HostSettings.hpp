@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QMutex>
 #include <QSettings>
 #include <QString>
@@ -13,6 +14,10 @@ class HostSettings {
 public:
     /// \param p_File absolute; its folder is created
     explicit HostSettings(QString const& p_File);
+    /// Writes what has not found room until now.
+    ~HostSettings();
+    HostSettings(HostSettings const&) = delete;
+    HostSettings& operator=(HostSettings const&) = delete;
 
     QVariant Value(QString const& p_Key, QVariant const& p_Default = {}) const;
     void SetValue(QString const& p_Key, QVariant const& p_Value);
@@ -23,8 +28,12 @@ public:
     QString File() const { return Store.fileName(); }
 
 private:
+    bool Write();
+    bool HasRoom() const;
+
     mutable QMutex StoreMutex;
     QSettings Store;
+    QMap<QString, QVariant> Held; ///< not in the store yet; an invalid value removes its key
 };
 
 } // namespace Varnholt::Host

@@ -36,10 +36,11 @@ void InstallRecord::MarkUnfinished()
     Settings.SetValue(HostKey("unfinished"), true);
 }
 
-void InstallRecord::MarkComplete(QString const& p_Build)
+bool InstallRecord::MarkComplete(QString const& p_Build)
 {
     Settings.SetValue(HostKey("build"), p_Build);
     Settings.Remove(HostKey("unfinished"));
+    return Settings.Flush();
 }
 
 void InstallRecord::Forget()

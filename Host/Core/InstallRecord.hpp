@@ -22,10 +22,12 @@ public:
     bool IsUnfinished() const;
     void MarkUnfinished();
     /// \param p_Build the version file's build, all of whose files are in place
-    void MarkComplete(QString const& p_Build);
+    /// \return false when that could not be written: the next run would not know of the game
+    bool MarkComplete(QString const& p_Build);
     QString CompletedBuild() const;
     /// Removes the host's own keys; the module removes its own when it uninstalls.
     void Forget();
+    QString File() const { return Settings.File(); }
 
 private:
     QString ModuleKey(char const* p_Suffix) const { return AppId + QLatin1String(p_Suffix); }

@@ -267,8 +267,8 @@ void RunControl::Finish()
     // Of the other runs only this one leaves the game with a realm list to use.
     if (completes || Request.Kind == RunRequest::Type::Play)
         NoticeRealmList();
-    if (completes)
-        Context.Record.MarkComplete(Context.Module.RemoteBuild);
+    if (completes && !Context.Record.MarkComplete(Context.Module.RemoteBuild))
+        return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
     End();
 }
 
