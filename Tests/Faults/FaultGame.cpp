@@ -41,14 +41,18 @@ void FaultGame::Quit()
         Watcher->Look();
 }
 
-QString FaultGame::RunWatched(Host::RunRequest const& p_Request)
+QString FaultGame::RunWatched(Host::RunRequest const& p_Request,
+                              std::function<void()> const& p_Meanwhile)
 {
     constexpr int c_LookMilliseconds = 2;
 
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &look, [this] { Watcher->Look(); });
     look.start(c_LookMilliseconds);
-    QString const end = Run(p_Request);
+    Start(p_Request);
+    if (p_Meanwhile)
+        p_Meanwhile();
+    QString const end = End();
     Watcher->Look();
     if (end == QLatin1String("done"))
         for (QString const& file : Wrong())

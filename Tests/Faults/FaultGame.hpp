@@ -28,8 +28,10 @@ public:
     /// Ends the session; the referee takes a last look.
     void Quit();
     /// Runs once under the eyes of the referee; a run that says "done" must have brought all.
+    /// \param p_Meanwhile called when the run has been started
     /// \return how it ended
-    QString RunWatched(Host::RunRequest const& p_Request);
+    QString RunWatched(Host::RunRequest const& p_Request,
+                       std::function<void()> const& p_Meanwhile = {});
     /// The plain runs: an install into the folder, an update.
     QString InstallWatched();
     QString UpdateWatched();

@@ -1,3 +1,4 @@
+#include "Tests/Faults/DiskFaults.hpp"
 #include "Tests/Faults/FaultSuite.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
 
@@ -15,7 +16,7 @@ namespace {
 std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
-    for (auto const& group : {ServerFaults()})
+    for (auto const& group : {ServerFaults(), DiskFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }

@@ -1,54 +1,14 @@
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/SmallVolume.hpp"
 
 #include <QDir>
 #include <QtTest>
 
 #include <atomic>
-#ifdef Q_OS_LINUX
-#include <sys/mount.h>
-#endif
 
 namespace Varnholt::TestSupport {
-
-namespace {
-
-/// A volume of its own, as long as it lives.
-class SmallVolume {
-public:
-    SmallVolume(QString const& p_Folder, char const* p_Size)
-        : Folder(p_Folder.toUtf8())
-    {
-        QDir().mkpath(p_Folder);
-#ifdef Q_OS_LINUX
-        Mounted = ::mount("tmpfs", Folder.constData(), "tmpfs", 0,
-                          (QByteArray("size=") + p_Size).constData()) == 0;
-#else
-        Q_UNUSED(p_Size);
-#endif
-    }
-    ~SmallVolume()
-    {
-#ifdef Q_OS_LINUX
-        if (Mounted)
-            ::umount2(Folder.constData(), MNT_DETACH);
-#endif
-    }
-    SmallVolume(SmallVolume const&) = delete;
-    SmallVolume& operator=(SmallVolume const&) = delete;
-
-    bool IsMounted() const
-    {
-        return Mounted;
-    }
-
-private:
-    QByteArray Folder;
-    bool Mounted = false;
-};
-
-} // namespace
 
 /// Full disks, and what stands in the way of a file.
 class HostDiskFailuresTest : public QObject {
@@ -163,18 +123,14 @@ void HostDiskFailuresTest::ARealVolumeThatFillsUpLosesNothing()
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
-    QFile other(game.Path("other"));
-    QVERIFY(other.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    while (other.write(QByteArray(4096, 'x')) == 4096)
-        continue;
+    auto other = std::make_unique<VolumeFiller>(game.Path("other"));
     game.Server.OpenGate(path);
     QCOMPARE(game.End(), QString("disk-full"));
     QCOMPARE(game.Read("Data/base.MPQ"), game.Content.Files[0].Bytes);
     QByteArray const part = game.Read("Data/first build.MPQ.part");
     QVERIFY(part.size() >= 10000);
     QCOMPARE(part, game.Content.Files[1].Bytes.left(part.size()));
-    other.close();
-    QVERIFY(other.remove());
+    other.reset();
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
 }
