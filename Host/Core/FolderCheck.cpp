@@ -1,6 +1,7 @@
 #include "Host/Core/FolderCheck.hpp"
 
 #include "GameModules/PendingList.hpp"
+#include "Host/Core/FolderLock.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -31,9 +32,14 @@ bool IsSame(QString const& p_Path, QString const& p_Other)
 bool HoldsForeignFiles(QString const& p_Folder)
 {
     QDir const folder(p_Folder);
-    bool const ours = folder.exists(Launcher::PendingList::c_Base) ||
-                      folder.exists(Launcher::PendingList::c_Streamed);
-    return !ours && !folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    if (folder.exists(Launcher::PendingList::c_Base) ||
+        folder.exists(Launcher::PendingList::c_Streamed))
+        return false;
+    // Of an installation that was killed before it had recorded itself.
+    QStringList names =
+        folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    names.removeAll(FolderLock::c_File);
+    return !names.isEmpty();
 }
 
 } // namespace

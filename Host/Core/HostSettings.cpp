@@ -1,5 +1,7 @@
 #include "Host/Core/HostSettings.hpp"
 
+#include "Host/Core/DeadLock.hpp"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QMutexLocker>
@@ -13,6 +15,8 @@ namespace {
 QString Prepared(QString const& p_File)
 {
     QDir().mkpath(QFileInfo(p_File).absolutePath());
+    // The settings class would wait for half a minute.
+    RemoveDeadLock(p_File + QStringLiteral(".lock"), false);
     return p_File;
 }
 

@@ -99,9 +99,8 @@ std::optional<Failure> RunControl::Preconditions()
 
 std::optional<Failure> RunControl::LockFolder(QString const& p_Folder)
 {
-    Lock = std::make_unique<QLockFile>(p_Folder + QStringLiteral(".varnholt-host.lock"));
-    Lock->setStaleLockTime(0); // a run takes hours; only a lock whose owner has died is stale
-    if (Lock->tryLock() || Lock->error() != QLockFile::LockFailedError)
+    Lock = std::make_unique<FolderLock>(p_Folder);
+    if (Lock->Take())
         return std::nullopt;
     Lock.reset();
     return Failure{FailureKind::FolderLocked, p_Folder, {}};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/DropWatch.hpp"
+#include "Host/Core/FolderLock.hpp"
 #include "Host/Core/Inspection.hpp"
 #include "Host/Core/MirrorCheck.hpp"
 #include "Host/Core/ProgressReader.hpp"
@@ -13,7 +14,6 @@
 #include "Host/Core/StallWatch.hpp"
 
 #include <QElapsedTimer>
-#include <QLockFile>
 #include <QObject>
 
 #include <functional>
@@ -126,7 +126,7 @@ private:
     StallWatch Stall;
     DropWatch Drops;
     QElapsedTimer Clock;
-    std::unique_ptr<QLockFile> Lock;
+    std::unique_ptr<FolderLock> Lock;
     RunRequest Request;
     RunResult Result;
     Step CurrentStep = Step::Idle;

@@ -25,6 +25,10 @@ private Q_SLOTS:
     void AFolderThatAnotherHostWorksInIsLeftAlone();
     void ALockWhoseOwnerHasDiedIsTakenOver();
     void TheLockGoesWithTheRun();
+    void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver();
+    void ALockWithoutNameThatIsHeldIsRespected();
+    void AFolderThatWasMovedAwayInMidRunIsNotLocked();
+    void ADeadInstallationsLockIsNoForeignFile();
     void SettingsThatCannotBeWrittenAreNamed_data();
     void SettingsThatCannotBeWrittenAreNamed();
     void AModuleThatIsNoneIsNamed_data();
@@ -193,6 +197,61 @@ void HostFolderFailuresTest::TheLockGoesWithTheRun()
     lock.unlock();
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QVERIFY(lock.tryLock());
+}
+
+void HostFolderFailuresTest::ALockWhoseOwnerDiedBeforeItsNameIsTakenOver()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put(".varnholt-host.lock", "");
+    QVERIFY(WriteFile(game.SettingsFile + ".lock", ""));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QVERIFY(!game.Has(".varnholt-host.lock"));
+    QVERIFY(!QFile::exists(game.SettingsFile + ".lock"));
+}
+
+void HostFolderFailuresTest::ALockWithoutNameThatIsHeldIsRespected()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QLockFile lock(game.Path(".varnholt-host.lock"));
+    QVERIFY(lock.tryLock());
+    QVERIFY(QFile::resize(game.Path(".varnholt-host.lock"), 0));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("folder-locked"));
+    QVERIFY(game.Has(".varnholt-host.lock"));
+}
+
+void HostFolderFailuresTest::AFolderThatWasMovedAwayInMidRunIsNotLocked()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QString const away = game.Base + "away";
+    QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Update);
+    QVERIFY(game.WaitForPart("Data/base.MPQ", 20000));
+    QVERIFY(QDir().rename(game.Folder, away));
+    game.Server.OpenGate(path);
+    QCOMPARE(game.End(), QString("done"));
+    QVERIFY(QDir(game.Folder).removeRecursively());
+    QVERIFY(QDir().rename(away, game.Folder));
+    QVERIFY(game.Has(".varnholt-host.lock"));
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostFolderFailuresTest::ADeadInstallationsLockIsNoForeignFile()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Put(".varnholt-host.lock", "");
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed_data()
