@@ -29,13 +29,14 @@ QString const Belongings::c_Config = QStringLiteral("WTF/Config.wtf");
 QStringList const Belongings::c_Lists{QStringLiteral("ToDownloadBase.db"),
                                       QStringLiteral("ToDownload.db")};
 
-Belongings::Belongings(HostGame const& p_Game)
+Belongings::Belongings(HostGame const& p_Game, QStringList const& p_NotKept)
     : Game(p_Game)
 {
     for (SampleFile const& file : Game.Content.Files)
         Right[file.Path] = file.Bytes;
     for (QString const& file : Game.FilesOnDisk())
-        Before[file] = Game.Read(file);
+        if (!p_NotKept.contains(file))
+            Before[file] = Game.Read(file);
 }
 
 QStringList Belongings::Lost() const

@@ -12,8 +12,8 @@ namespace Varnholt::TestSupport {
 /// What lay in a game's folder at some time, and may not be lost to what goes wrong later.
 class Belongings {
 public:
-    /// The content must be complete.
-    explicit Belongings(HostGame const& p_Game);
+    /// The content must be complete. \param p_NotKept files that are none of this
+    explicit Belongings(HostGame const& p_Game, QStringList const& p_NotKept = {});
 
     /// Sentences: finished files that are not finished any more, partial files that have shrunk or
     /// hold other bytes, lines of lists and of the configuration that are gone, files of the

@@ -81,7 +81,7 @@ int FaultGame::UpdateUntilDone()
 
     for (int run = 1; run <= c_MostRuns; ++run)
         // Who was refused before the folder was chosen has nothing to update.
-        if ((Has(QStringLiteral("ToDownload.db")) || !FilesOnDisk().isEmpty()
+        if ((Setting(QStringLiteral("pelmora_app.Installed")).toBool()
                  ? UpdateWatched()
                  : InstallWatched()) == QLatin1String("done"))
             return run;

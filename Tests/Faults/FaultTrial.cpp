@@ -13,7 +13,9 @@ void FaultTrial::Run(FaultGame& p_Game, FaultTally& p_Tally) const
                     {QStringLiteral("the module does not load")});
         return;
     }
-    Belongings const before(p_Game);
+    Belongings const before(p_Game, NotKept);
+    for (auto const& file : Allowed)
+        p_Game.Eyes().Allow(file.first, file.second);
     Host::RunRequest request;
     request.Kind = Kind;
     request.Argument = Kind == RequestType::Install ? p_Game.Folder : QString();
@@ -23,17 +25,18 @@ void FaultTrial::Run(FaultGame& p_Game, FaultTally& p_Tally) const
         if (Strike)
             injected = Strike(p_Game);
     });
-    QStringList faults = before.Lost();
+    QStringList faults;
     if (injected == 0)
         faults += QStringLiteral("the fault never struck");
+    if (end == QLatin1String("done") && !p_Game.Wrong().isEmpty())
+        faults += QStringLiteral("it was called done and is not complete");
     if (Undo)
         Undo(p_Game);
+    faults += before.Lost();
 
     int const runs = p_Game.UpdateUntilDone();
     QString outcome =
         end == QLatin1String("done") ? QStringLiteral("complete at once") : end + ", then complete";
-    if (end == QLatin1String("done") && !p_Game.Wrong().isEmpty())
-        faults += QStringLiteral("it was called done and is not complete");
     if (runs > 1)
         outcome += QStringLiteral(" in %1 runs").arg(runs);
     p_Game.Quit();

@@ -3,6 +3,8 @@
 #include "Tests/Faults/FaultGame.hpp"
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 namespace Varnholt::TestSupport {
 
@@ -15,6 +17,9 @@ struct FaultTrial {
     /// there from the beginning. \return how often it struck
     std::function<int(FaultGame&)> Strike;
     std::function<void(FaultGame&)> Undo; ///< called when the run has ended
+    QStringList NotKept;                  ///< files that the fault itself changes or takes away
+    /// Bytes that a file may hold beside those of the build.
+    std::vector<std::pair<QString, QByteArray>> Allowed;
 
     /// The content and the folder must be complete but for the fault.
     void Run(FaultGame& p_Game, FaultTally& p_Tally) const;

@@ -1,5 +1,7 @@
 #include "Tests/Faults/DiskFaults.hpp"
 #include "Tests/Faults/FaultSuite.hpp"
+#include "Tests/Faults/FolderFaults.hpp"
+#include "Tests/Faults/RemovalFaults.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
 
 #include <QCommandLineParser>
@@ -16,7 +18,7 @@ namespace {
 std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
-    for (auto const& group : {ServerFaults(), DiskFaults()})
+    for (auto const& group : {ServerFaults(), DiskFaults(), FolderFaults(), RemovalFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }
