@@ -1,6 +1,7 @@
 #include "Tests/Faults/DiskFaults.hpp"
 #include "Tests/Faults/FaultSuite.hpp"
 #include "Tests/Faults/FolderFaults.hpp"
+#include "Tests/Faults/KillFaults.hpp"
 #include "Tests/Faults/RemovalFaults.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
 
@@ -18,7 +19,8 @@ namespace {
 std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
-    for (auto const& group : {ServerFaults(), DiskFaults(), FolderFaults(), RemovalFaults()})
+    for (auto const& group :
+         {ServerFaults(), DiskFaults(), FolderFaults(), RemovalFaults(), KillFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }
