@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include <algorithm>
+
 namespace Varnholt::Host::FolderCheck {
 
 namespace {
@@ -36,10 +38,11 @@ bool HoldsForeignFiles(QString const& p_Folder)
         folder.exists(Launcher::PendingList::c_Streamed))
         return false;
     // Of an installation that was killed before it had recorded itself.
-    QStringList names =
+    QStringList const names =
         folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    names.removeAll(FolderLock::c_File);
-    return !names.isEmpty();
+    return std::any_of(names.begin(), names.end(), [](QString const& p_Name) {
+        return !p_Name.startsWith(FolderLock::c_File);
+    });
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "Host/Core/DeadLock.hpp"
 
+#include <QFile>
+
 namespace Varnholt::Host {
 
 QString const FolderLock::c_File = QStringLiteral(".varnholt-host.lock");
@@ -15,10 +17,18 @@ FolderLock::FolderLock(QString const& p_Folder)
 
 bool FolderLock::Take()
 {
-    if (File.tryLock() || File.error() != QLockFile::LockFailedError)
-        return true;
-    return RemoveDeadLock(Path, true) &&
-           (File.tryLock() || File.error() != QLockFile::LockFailedError);
+    // Who takes a dead lock away locks that, and may die at it too.
+    QString const removal = Path + QStringLiteral(".rmlock");
+    RemoveDeadLock(removal, false);
+    bool const taken = TryFile() || (RemoveDeadLock(Path, true) && TryFile());
+    if (taken && QFile::exists(removal))
+        QLockFile(removal).tryLock(); // and let go, which removes it
+    return taken;
+}
+
+bool FolderLock::TryFile()
+{
+    return File.tryLock() || File.error() != QLockFile::LockFailedError;
 }
 
 } // namespace Varnholt::Host

@@ -19,6 +19,8 @@ public:
     bool Take();
 
 private:
+    bool TryFile();
+
     QString Path;
     QLockFile File;
 };

@@ -26,6 +26,8 @@ private Q_SLOTS:
     void ALockWhoseOwnerHasDiedIsTakenOver();
     void TheLockGoesWithTheRun();
     void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver();
+    void WhatADeadTakeoverLeftGoesToo_data();
+    void WhatADeadTakeoverLeftGoesToo();
     void ALockWithoutNameThatIsHeldIsRespected();
     void AFolderThatWasMovedAwayInMidRunIsNotLocked();
     void ADeadInstallationsLockIsNoForeignFile();
@@ -209,6 +211,31 @@ void HostFolderFailuresTest::ALockWhoseOwnerDiedBeforeItsNameIsTakenOver()
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QVERIFY(!game.Has(".varnholt-host.lock"));
     QVERIFY(!QFile::exists(game.SettingsFile + ".lock"));
+}
+
+void HostFolderFailuresTest::WhatADeadTakeoverLeftGoesToo_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    QTest::addColumn<QByteArray>("removal");
+    // No process has this number.
+    QByteArray const dead =
+        "999999999\nvarnholt-host\n" + QSysInfo::machineHostName().toUtf8() + '\n';
+    QTest::newRow("named") << dead << dead;
+    QTest::newRow("without name") << dead << QByteArray("");
+}
+
+void HostFolderFailuresTest::WhatADeadTakeoverLeftGoesToo()
+{
+    QFETCH(QByteArray, lock);
+    QFETCH(QByteArray, removal);
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put(".varnholt-host.lock", lock);
+    game.Put(".varnholt-host.lock.rmlock", removal);
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QVERIFY(!game.Has(".varnholt-host.lock"));
+    QVERIFY(!game.Has(".varnholt-host.lock.rmlock"));
 }
 
 void HostFolderFailuresTest::ALockWithoutNameThatIsHeldIsRespected()
