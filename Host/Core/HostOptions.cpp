@@ -6,6 +6,11 @@
 #include <QStorageInfo>
 #include <QUrl>
 
+#ifdef Q_OS_LINUX
+#include <fcntl.h>
+#endif
+#include <unistd.h>
+
 namespace Varnholt::Host {
 
 namespace {
@@ -51,6 +56,20 @@ qint64 HostOptions::VolumeFreeBytes(QString const& p_Path)
 {
     QStorageInfo const volume(p_Path);
     return volume.isValid() ? volume.bytesAvailable() : -1;
+}
+
+void HostOptions::FlushVolume(QString const& p_Path)
+{
+#ifdef Q_OS_LINUX
+    int const folder = ::open(p_Path.toUtf8().constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return;
+    ::syncfs(folder);
+    ::close(folder);
+#else
+    Q_UNUSED(p_Path);
+    ::sync(); // of every volume
+#endif
 }
 
 } // namespace Varnholt::Host

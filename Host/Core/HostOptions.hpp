@@ -16,6 +16,8 @@ struct HostOptions {
     int RetryPauseMilliseconds = 1'000; ///< before a stopped run is begun again; doubles each time
     /// Bytes that may still be written to the volume of a path. Module thread.
     std::function<qint64(QString const&)> FreeBytes = VolumeFreeBytes;
+    /// Returns when what was written to the volume of a path is on its medium. Module thread.
+    std::function<void(QString const&)> Flush = FlushVolume;
 
     /// The module that was built or installed with the program.
     static QString DefaultModuleFile();
@@ -28,6 +30,7 @@ struct HostOptions {
     static bool IsContentUrl(QString const& p_Text);
     /// -1 when the volume is not known.
     static qint64 VolumeFreeBytes(QString const& p_Path);
+    static void FlushVolume(QString const& p_Path);
 };
 
 } // namespace Varnholt::Host

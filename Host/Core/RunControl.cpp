@@ -266,6 +266,9 @@ void RunControl::Finish()
     // Of the other runs only this one leaves the game with a realm list to use.
     if (completes || Request.Kind == RunRequest::Type::Play)
         NoticeRealmList();
+    // After a power cut only the mark would tell of files that were still on their way to the disk.
+    if (completes && Context.Record.IsUnfinished())
+        Context.Options.Flush(Folder());
     if (completes && !Context.Record.MarkComplete(Context.Module.RemoteBuild))
         return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
     End();

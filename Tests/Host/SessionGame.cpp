@@ -16,6 +16,7 @@ SessionGame::SessionGame()
     Options.SettingsFile = SettingsFile;
     Options.ContentUrl = Server.BaseUrl();
     Options.RetryPauseMilliseconds = c_ShortMilliseconds;
+    Options.Flush = [](QString const&) {}; // everybody's files would be waited for
 }
 
 SessionGame::~SessionGame() = default;

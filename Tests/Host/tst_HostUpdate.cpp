@@ -4,6 +4,8 @@
 
 #include <QtTest>
 
+#include <atomic>
+
 namespace Varnholt::TestSupport {
 
 /// What installations, updates and repairs bring, and in which language.
@@ -15,6 +17,7 @@ private Q_SLOTS:
     void AnUpdateBringsWhatIsMissingOrDamaged();
     void ARepairFindsWhatAnUpdateTrusts();
     void AnUpdateBringsAnotherBuildWithItsStreamedFiles();
+    void TheMarkGoesWhenTheFilesAreOnTheDisk();
     void AnUpdateOfNothingIsRefused();
     void AnInstallationElsewhereWantsAConfirmation();
     void AnInstallationMayBeginAnewInItsFolder();
@@ -83,6 +86,25 @@ void HostUpdateTest::AnUpdateBringsAnotherBuildWithItsStreamedFiles()
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Result().Transfers, 4u);
     QCOMPARE(game.Status().Build, QString("build_2"));
+}
+
+void HostUpdateTest::TheMarkGoesWhenTheFilesAreOnTheDisk()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    std::atomic<int> flushes{0};
+    std::atomic<bool> isRight{false};
+    game.Options.Flush = [&](QString const& p_Folder) {
+        ++flushes;
+        isRight = p_Folder == game.Folder && game.Wrong().isEmpty() && game.IsMarkedUnfinished();
+    };
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(flushes.load(), 1);
+    QVERIFY(isRight);
+    QVERIFY(!game.IsMarkedUnfinished());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(flushes.load(), 1); // there is nothing new
 }
 
 void HostUpdateTest::AnUpdateOfNothingIsRefused()
