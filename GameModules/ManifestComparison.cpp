@@ -52,7 +52,7 @@ Entries ManifestComparison::Examine(Entries const& p_Manifest) const
             continue;
         if (SkipFirstBuildOnly && entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
             continue;
-        if (MustBeFetched(entry))
+        if (!LeadsOut(entry.Path) && MustBeFetched(entry))
             found.push_back(entry);
     }
     return found;
@@ -68,7 +68,7 @@ Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList cons
 
     Entries leftOver;
     for (QString const& path : p_Paths) {
-        if (listed.contains(path))
+        if (listed.contains(path) || LeadsOut(path))
             continue;
         for (std::size_t const i : index.value(path)) {
             if (!Continue())
@@ -88,7 +88,7 @@ Entries ManifestComparison::Named(Entries const& p_Manifest, QStringList const& 
     Entries named;
     for (QString const& path : p_Paths) {
         auto const found = index.constFind(path);
-        if (found != index.constEnd())
+        if (found != index.constEnd() && !LeadsOut(path))
             named.push_back(p_Manifest[found->front()]);
     }
     return named;

@@ -20,6 +20,8 @@ public:
     QString Locale;                  ///< entries of other languages are passed over
     bool SkipFirstBuildOnly = false; ///< pass over entries that a first build has verified
     std::function<bool()> Continue;  ///< false: stop early with what was found
+    /// Whether a link leads the path out of the folder: such an entry is left out.
+    std::function<bool(QString const&)> LeadsOut;
     std::function<void(std::size_t)>
         OnEntry; ///< told the index of each entry before it is examined
 

@@ -3,6 +3,7 @@
 #include "GameModules/FileReplacement.hpp"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace Varnholt::Launcher {
 
@@ -15,7 +16,7 @@ PendingList::Content PendingList::Read(QString const& p_ListPath,
 {
     Content content;
     QFile file(p_ListPath);
-    if (!file.open(QIODevice::ReadOnly))
+    if (QFileInfo(p_ListPath).isSymLink() || !file.open(QIODevice::ReadOnly))
         return content;
     content.Opened = true;
 
@@ -35,6 +36,8 @@ PendingList::Content PendingList::Read(QString const& p_ListPath,
 
 bool PendingList::Write(QString const& p_ListPath, QStringList const& p_Paths)
 {
+    if (QFileInfo(p_ListPath).isSymLink() && !QFile::remove(p_ListPath))
+        return false;
     QByteArray content;
     for (QString const& path : p_Paths)
         content += path.toUtf8() + '\n';

@@ -8,7 +8,8 @@
 namespace Varnholt::Launcher {
 
 /// A pending list in the game folder: UTF-8 text, one relative path per line, each line ended by
-/// "\n", no header. It survives a crash whole: it is only ever replaced, never written in place.
+/// "\n", no header. It survives a crash whole: it is only ever replaced, never written in place. A
+/// symbolic link in its place is no list: it is not read, and gives way to the list.
 class PendingList {
 public:
     static QString const c_Base;     ///< "ToDownloadBase.db", base files

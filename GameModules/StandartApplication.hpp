@@ -1,10 +1,12 @@
 #pragma once
 
+#include "GameModules/LinkGuard.hpp"
 #include "Launcher/Application/Application.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QFileDevice>
 #include <QMutex>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -181,6 +183,17 @@ protected:
     void FetchMirrors();
     void OnMirrorsReceived(QByteArray const& p_Data);
 
+    // _Links; any thread.
+
+    /// Begins anew to look for links that lead out of the folder and to warn of them.
+    void LookAtLinksAnew();
+    /// Whether a link leads a path of the game folder out of it: then nothing may be done to what
+    /// it names. Warned of once.
+    bool LeadsOut(QString const& p_Path);
+    /// Takes a link that leads out from the place of a file that the module writes itself. \return
+    /// false when the file would still be written outside
+    bool MakeOwn(QString const& p_Path);
+
     void SettleFolder();
     void ShowComparison(std::size_t p_Count);
     ManifestComparison ComparisonFor(RunId p_Run, std::size_t p_Count);
@@ -235,6 +248,8 @@ protected:
     /// Ends the transfers that were taken out of their runs, and waits for it.
     void StopTransfersAside();
 
+    LinkGuard Links;
+    QSet<QString> WarnedLinks; ///< paths of this run
     std::atomic<RunId> CurrentRun{0};
     std::optional<RunId> CompletingRun; ///< whose transfer's end is being handled
     bool FilesBegun = false;            ///< a file of this run has been started, maybe by a resume

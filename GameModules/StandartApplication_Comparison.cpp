@@ -32,6 +32,7 @@ void StandartApplication::OnManifestReceived()
 {
     RunId const run = BeginRun();
     SettleFolder();
+    LookAtLinksAnew();
     bool const installed = IsInstalled();
     if (installed) {
         // One that an uninstallation has let go could wait for a silent server for ever.
@@ -94,6 +95,7 @@ ManifestComparison StandartApplication::ComparisonFor(RunId p_Run, std::size_t p
     comparison.Folder = Folder();
     comparison.Locale = GetAppLocale();
     comparison.Continue = [this, p_Run] { return IsCurrentRun(p_Run) && ShouldContinue(); };
+    comparison.LeadsOut = [this](QString const& p_Path) { return LeadsOut(p_Path); };
     comparison.OnEntry = [this, p_Run, p_Count](std::size_t p_Index) {
         RunScope const scope(*this, p_Run);
         if (!scope)

@@ -36,7 +36,7 @@ void StandartApplication::FixPermissions()
         return;
     for (std::size_t i = 0; i < Manifest.Files.size() && ShouldContinue(); ++i) {
         ApplicationManifestFileEntry const& entry = Manifest.Files[i];
-        if (entry.Flags != 0 && QFile::exists(folder + entry.Path))
+        if (entry.Flags != 0 && QFile::exists(folder + entry.Path) && !LeadsOut(entry.Path))
             PermissionBits::FixExistingFile(folder + entry.Path, entry);
     }
 }
@@ -44,6 +44,7 @@ void StandartApplication::FixPermissions()
 bool StandartApplication::Start(QString, QString)
 {
     SuspendDownload();
+    LookAtLinksAnew();
     FixPermissions();
     QString const folder = Folder();
     auto const executable = std::find_if(Manifest.Files.begin(), Manifest.Files.end(),
@@ -51,6 +52,8 @@ bool StandartApplication::Start(QString, QString)
                                              return p_Entry.Has(c_GameExecutableFlag);
                                          });
     if (executable == Manifest.Files.end() || folder.isEmpty())
+        return false;
+    if (LeadsOut(executable->Path))
         return false;
     QString const path = folder + executable->Path;
     qCWarning(LogLaunch) << "Start " << path;

@@ -48,11 +48,13 @@ void StandartApplication::Uninstall(bool p_Flag)
 {
     GetInstallationPath();
     QString const folder = Folder();
+    LookAtLinksAnew();
     if (p_Flag && !folder.isEmpty())
         // Copies: a host that is told of an error may do anything.
         for (Entries const& entries : {Manifest.Files, Manifest.StreamedFiles})
             for (ApplicationManifestFileEntry const& entry : entries)
-                DeleteGameFile(folder + entry.Path);
+                if (!LeadsOut(entry.Path))
+                    DeleteGameFile(folder + entry.Path);
 
     QString const prefix = SettingKey(".");
     for (QString const& key : ListSettingKeys())

@@ -3,6 +3,8 @@
 #include "GameModules/MirrorChoice.hpp"
 #include "Launcher/Application/LogCategories.hpp"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QMutexLocker>
 #include <QThread>
 
@@ -259,6 +261,9 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
         address = RemoteAddress(entry);
         part = folder + entry.Path + QLatin1String(".part");
     }
+    // A partial file is the module's own. What a link leads to is not, wherever that is.
+    if (QFileInfo(part).isSymLink() && !QFile::remove(part))
+        return GoOnWithNextFile(p_Run);
     CurrentDownload = DownloadFile(address, part, true);
 }
 

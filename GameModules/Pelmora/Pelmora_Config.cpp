@@ -67,7 +67,9 @@ void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line)
     QString const folder = Folder();
     if (folder.isEmpty()) // the file would be one of the current folder
         return;
-    PatchWoWTextFile(folder + QLatin1String("WTF/Config.wtf"), p_Key, p_Line, true);
+    QString const config = QStringLiteral("WTF/Config.wtf");
+    if (MakeOwn(config))
+        PatchWoWTextFile(folder + config, p_Key, p_Line, true);
 }
 
 } // namespace Varnholt::Launcher

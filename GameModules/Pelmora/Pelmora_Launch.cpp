@@ -11,18 +11,26 @@ bool Pelmora::Start(QString p_Login, QString p_Password)
     GetInstallationPath();
     QString const folder = Folder();
     if (!folder.isEmpty()) {
-        QString const client64 = folder + QLatin1String("Wow-64.exe");
-        if (QFile::exists(client64))
-            QFile::rename(client64, client64 + QLatin1String(".disabled"));
+        LookAtLinksAnew();
+        QString const client64 = QStringLiteral("Wow-64.exe");
+        QString const disabled = client64 + QLatin1String(".disabled");
+        if (QFile::exists(folder + client64) && !LeadsOut(client64) && !LeadsOut(disabled))
+            QFile::rename(folder + client64, folder + disabled);
 
         LoginScreen const loginScreen(folder);
-        loginScreen.Remove();
+        QString const layout = QLatin1String(LoginScreen::c_Layout);
+        QString const script = QLatin1String(LoginScreen::c_Script);
+        QString const suffix = QLatin1String(LoginScreen::c_TemplateSuffix);
+        bool const isOurs = MakeOwn(layout) && MakeOwn(script);
+        if (isOurs)
+            loginScreen.Remove();
         // A second instance is not logged in: it would throw the first one out.
         if (IsGameRunning()) {
             p_Login.clear();
             p_Password.clear();
         }
-        loginScreen.Build(p_Login, p_Password);
+        if (isOurs && !LeadsOut(layout + suffix) && !LeadsOut(script + suffix))
+            loginScreen.Build(p_Login, p_Password);
     }
     return StandartApplication::Start(p_Login, p_Password);
 }

@@ -26,6 +26,7 @@ enum class FailureKind {
     FolderUnwritable,
     FolderBlocksFile,
     FileUnwritable,
+    LinkLeadsOut,
     SettingsUnwritable,
     FolderLocked,
     GameRunning,

@@ -1,5 +1,6 @@
 #include "Host/Core/Inspection.hpp"
 
+#include "GameModules/LinkGuard.hpp"
 #include "GameModules/ManifestComparison.hpp"
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/MissingFiles.hpp"
@@ -25,6 +26,10 @@ void Inspection::Run()
     comparison.Folder = Folder;
     comparison.Locale = Locale;
     comparison.SkipFirstBuildOnly = !EveryFile;
+    Launcher::LinkGuard links(Folder);
+    comparison.LeadsOut = [&](QString const& p_Path) {
+        return links.LeadingOut(p_Path).has_value();
+    };
     comparison.Continue = [this] { return !Stopped; };
     comparison.OnEntry = [this](std::size_t) { ++Number; };
 

@@ -1,6 +1,5 @@
 #include "Host/Core/RunControl.hpp"
 
-#include "Host/Core/FileDiagnosis.hpp"
 #include "Host/Core/FolderCheck.hpp"
 
 #include <QDir>
@@ -226,43 +225,14 @@ void RunControl::Settle(std::function<void()> p_Next)
     CurrentStep = Step::Settling;
 }
 
-/// Called when the module has fallen silent: finds out where it stopped.
-void RunControl::OnQuiet()
-{
-    Launcher::StandartApplication& module = Context.Module;
-    Context.Watch.Reset();
-    int mode = 0;
-    Launcher::StandartApplication::Entries stopped;
-    {
-        QMutexLocker const lock(&module.RunMutex);
-        mode = module.UISetting.Download.Mode;
-        if (module.CurrentDownloadIndex < module.FilesToDownload.size())
-            stopped = {module.FilesToDownload[module.CurrentDownloadIndex]};
-    }
-    if (Pending) {
-        Failure const failure = *Pending;
-        Pending.reset();
-        if (failure.IsNetwork())
-            return Retry(failure);
-        return Fail(failure);
-    }
-    if (mode == 2 && !stopped.empty()) {
-        // One query without an answer and the size pass never ends.
-        auto const note = UnansweredSize();
-        return Retry(note ? ExplainFetch(*note)
-                          : Failure{FailureKind::ServerSilent, module.ContentBaseUrl, {}});
-    }
-    if (!stopped.empty())
-        return Fail(
-            FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(stopped));
-    Verify();
-}
-
 void RunControl::Finish()
 {
     bool const completes = Request.Kind == RunRequest::Type::Install ||
                            Request.Kind == RunRequest::Type::Update ||
                            Request.Kind == RunRequest::Type::Repair;
+    if (completes)
+        if (auto const failure = LinkFailure())
+            return Fail(*failure);
     // Of the other runs only this one leaves the game with a realm list to use.
     if (completes || Request.Kind == RunRequest::Type::Play)
         NoticeRealmList();

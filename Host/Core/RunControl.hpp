@@ -68,7 +68,6 @@ private:
     void BeginRepair();
     /// Calls p_Next once the module has fallen silent.
     void Settle(std::function<void()> p_Next);
-    void OnQuiet();
     void Finish();
     void Fail(Failure const& p_Failure);
     void DiscardQueue();
@@ -101,8 +100,12 @@ private:
     void OnMirrorsAsked();
     RunSnapshot InspectionSnapshot() const;
 
-    // _Faults
+    // _Verdict
+    void OnQuiet();
     void Verify();
+    std::optional<Failure> LinkFailure() const;
+
+    // _Faults
     void OnStartUpFailed();
     void Retry(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);

@@ -118,6 +118,8 @@ void RunControl::Play()
     });
     if (executable == files.end())
         return Fail({FailureKind::ExecutableUnknown, Result.Build, {}});
+    if (auto const link = Launcher::LinkGuard(Folder()).LeadingOut(executable->Path))
+        return Fail({FailureKind::LinkLeadsOut, link->Path, link->Target});
     QFileInfo program(Folder() + executable->Path);
     if (!program.exists())
         return Fail({FailureKind::ExecutableMissing, program.filePath(), {}});

@@ -1,6 +1,5 @@
 #include "Host/Core/RunControl.hpp"
 
-#include "Host/Core/FileDiagnosis.hpp"
 #include "Host/Core/MirrorFilter.hpp"
 #include "Host/Core/MissingFiles.hpp"
 
@@ -15,9 +14,6 @@ namespace Varnholt::Host {
 namespace {
 
 constexpr int c_MostAttempts = 5;
-/// What the module repeats before it gives files up, all of them together.
-constexpr quint32 c_ModuleRestarts = 5;
-constexpr int c_MostPasses = 5;
 
 /// The replies of a request map that have not ended.
 template <typename Map>
@@ -66,29 +62,6 @@ void RunControl::OnStartUpFailed()
         Retry(failure);
     else
         Fail(failure);
-}
-
-void RunControl::Verify()
-{
-    Launcher::StandartApplication& module = Context.Module;
-    auto const missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
-    if (missing.empty() && module.DownloadRetryCount < c_ModuleRestarts)
-        return Finish();
-    if (missing.empty()) // a file that was given up may still have its old content
-        return Inspect(true);
-
-    // The module has one budget of repetitions for all files: one bad file takes it from the rest.
-    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing ||
-                         Context.Journal.DeadMirrors().size() > LastDead;
-    bool const isSettled =
-        WantsEveryFile && missing.size() == 1 && Context.Journal.DeadMirrors().size() <= LastDead;
-    if (mayHelp && !isSettled && ++Passes < c_MostPasses) {
-        LastMissing = WantsEveryFile ? missing.size() : LastMissing;
-        LastDead = Context.Journal.DeadMirrors().size();
-        module.DownloadRetryCount = 0;
-        return BeginRepair();
-    }
-    Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(missing));
 }
 
 void RunControl::Retry(Failure const& p_Failure)

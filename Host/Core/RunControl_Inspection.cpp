@@ -84,12 +84,16 @@ void RunControl::Inspect(bool p_EveryFile)
 /// Called when every file has been looked at.
 void RunControl::OnInspected()
 {
+    if (IsInspection(Request)) {
+        Result.Findings = Examiner->Findings();
+        if (auto const failure = LinkFailure())
+            return Fail(*failure);
+    }
     if (Examiner->Findings().empty())
         return Finish();
     if (!IsInspection(Request))
         return Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes)
                         .Explain(EntriesOf(Examiner->Findings())));
-    Result.Findings = Examiner->Findings();
     if (Request.Kind == RunRequest::Type::Verify)
         return Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
     SizeSurvey::Servers servers;

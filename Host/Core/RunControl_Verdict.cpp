@@ -1,0 +1,83 @@
+#include "Host/Core/RunControl.hpp"
+
+#include "Host/Core/FileDiagnosis.hpp"
+#include "Host/Core/MissingFiles.hpp"
+
+#include <QMutexLocker>
+
+namespace Varnholt::Host {
+
+namespace {
+
+/// What the module repeats before it gives files up, all of them together.
+constexpr quint32 c_ModuleRestarts = 5;
+constexpr int c_MostPasses = 5;
+
+} // namespace
+
+/// Called when the module has fallen silent: finds out where it stopped.
+void RunControl::OnQuiet()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    Context.Watch.Reset();
+    int mode = 0;
+    Launcher::StandartApplication::Entries stopped;
+    {
+        QMutexLocker const lock(&module.RunMutex);
+        mode = module.UISetting.Download.Mode;
+        if (module.CurrentDownloadIndex < module.FilesToDownload.size())
+            stopped = {module.FilesToDownload[module.CurrentDownloadIndex]};
+    }
+    if (Pending) {
+        Failure const failure = *Pending;
+        Pending.reset();
+        if (failure.IsNetwork())
+            return Retry(failure);
+        return Fail(failure);
+    }
+    if (mode == 2 && !stopped.empty()) {
+        // One query without an answer and the size pass never ends.
+        auto const note = UnansweredSize();
+        return Retry(note ? ExplainFetch(*note)
+                          : Failure{FailureKind::ServerSilent, module.ContentBaseUrl, {}});
+    }
+    if (!stopped.empty())
+        return Fail(
+            FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(stopped));
+    Verify();
+}
+
+void RunControl::Verify()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    auto const missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
+    if (missing.empty() && module.DownloadRetryCount < c_ModuleRestarts)
+        return Finish();
+    if (missing.empty()) // a file that was given up may still have its old content
+        return Inspect(true);
+
+    // The module has one budget of repetitions for all files: one bad file takes it from the rest.
+    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing ||
+                         Context.Journal.DeadMirrors().size() > LastDead;
+    bool const isSettled =
+        WantsEveryFile && missing.size() == 1 && Context.Journal.DeadMirrors().size() <= LastDead;
+    if (mayHelp && !isSettled && ++Passes < c_MostPasses) {
+        LastMissing = WantsEveryFile ? missing.size() : LastMissing;
+        LastDead = Context.Journal.DeadMirrors().size();
+        module.DownloadRetryCount = 0;
+        return BeginRepair();
+    }
+    Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(missing));
+}
+
+/// A game whose files are partly elsewhere, where the module leaves them alone, is not complete.
+std::optional<Failure> RunControl::LinkFailure() const
+{
+    Launcher::StandartApplication& module = Context.Module;
+    auto const link = LinkLeadingOut(module.Manifest, Folder(), module.GetAppLocale());
+    if (!link)
+        return std::nullopt;
+    return Failure{FailureKind::LinkLeadsOut, link->Path, link->Target};
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,128 @@
+#include "GameModules/LinkGuard.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+using Launcher::LinkGuard;
+
+class LinkGuardTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void KnowsWhatALinkLeadsOut_data();
+    void KnowsWhatALinkLeadsOut();
+    void NamesTheLinkAndWhereItLeads();
+    void AFolderThatIsNotThereHasNoLinks();
+    void TheFolderMayBeReachedByALink();
+    void AFileIsLookedAtEachTime();
+
+private:
+    QString Folder() const { return Base + "game/"; }
+
+    std::unique_ptr<QTemporaryDir> Temporary;
+    QString Base;
+};
+
+/// Every kind of link below "game", and what they lead to.
+void LinkGuardTest::init()
+{
+    Temporary = std::make_unique<QTemporaryDir>();
+    Base = QDir(Temporary->path()).canonicalPath() + '/';
+    for (char const* const file : {"game/file", "game/deep/below/file", "outside/file",
+                                   "game beside/file", "game/inside/file"})
+        QVERIFY(WriteFile(Base + file, "x"));
+    auto const link = [this](QString const& p_Target, QString const& p_Name) {
+        return QFile::link(p_Target, Folder() + p_Name);
+    };
+    QVERIFY(link(Base + "outside", "out"));
+    QVERIFY(link("../outside", "out-relative"));
+    QVERIFY(link("..", "above"));
+    QVERIFY(link("/", "root"));
+    QVERIFY(link(Base + "game beside", "beside"));
+    QVERIFY(link("out", "out-twice"));
+    QVERIFY(link("none", "dangling"));
+    QVERIFY(link("circle", "circle"));
+    QVERIFY(link("circle-b", "circle-a") && link("circle-a", "circle-b"));
+    QVERIFY(link("deep/below", "in"));
+    QVERIFY(link("../game/deep", "in-by-detour"));
+    QVERIFY(link(".", "itself"));
+    QVERIFY(link("../outside/file", "file-out"));
+    QVERIFY(link("deep/below/file", "file-in"));
+    QVERIFY(link("../out", "deep/out-by-another"));
+}
+
+void LinkGuardTest::KnowsWhatALinkLeadsOut_data()
+{
+    QTest::addColumn<QString>("Path");
+    QTest::addColumn<bool>("LeadsOut");
+    for (char const* const path :
+         {"out/file", "out/none", "out", "out/", "out-relative/file", "above/game/file", "root/etc",
+          "beside/file", "out-twice/file", "dangling", "dangling/file", "circle", "circle/file",
+          "circle-a/file", "file-out", "deep/out-by-another/file", "out/deep/../file",
+          "itself/out/file", ".//out//file", "in/../../out/file",
+          // What is above a folder is not what the path says when a link leads to that.
+          "itself/../outside/file", "in-by-detour/../../outside/file", "itself/../none/file"})
+        QTest::newRow(path) << path << true;
+    for (char const* const path :
+         {"file", "none", "none/at/all", "deep/below/file", "in/file", "in/none",
+          "in/../below/file", "in-by-detour/below/file", "itself/file", "itself/itself/deep/none",
+          "file-in", "none/../file", "deep/./below//file", "deep/../file"})
+        QTest::newRow(path) << path << false;
+}
+
+void LinkGuardTest::KnowsWhatALinkLeadsOut()
+{
+    QFETCH(QString, Path);
+    QFETCH(bool, LeadsOut);
+    LinkGuard guard(Folder());
+    QCOMPARE(guard.LeadingOut(Path).has_value(), LeadsOut);
+    QCOMPARE(guard.LeadingOut(Path).has_value(), LeadsOut);
+}
+
+void LinkGuardTest::NamesTheLinkAndWhereItLeads()
+{
+    LinkGuard guard(Folder());
+    auto const named = [&](QString const& p_Path) {
+        auto const link = guard.LeadingOut(p_Path);
+        return link ? link->Path.mid(Folder().size()) + " > " + link->Target : QString();
+    };
+    QCOMPARE(named("out/deep/file"), "out > " + Base + "outside");
+    QCOMPARE(named("deep/out-by-another/file"), "deep/out-by-another > " + Base + "outside");
+    QCOMPARE(named("file-out"), "file-out > " + Base + "outside/file");
+    QCOMPARE(named("dangling"), "dangling > " + Folder() + "none");
+}
+
+void LinkGuardTest::AFolderThatIsNotThereHasNoLinks()
+{
+    QVERIFY(!LinkGuard(Base + "none/").LeadingOut("a/b"));
+    QVERIFY(!LinkGuard().LeadingOut("a/b"));
+}
+
+void LinkGuardTest::TheFolderMayBeReachedByALink()
+{
+    QVERIFY(QFile::link("game", Base + "link"));
+    LinkGuard guard(Base + "link/");
+    QVERIFY(!guard.LeadingOut("in/file"));
+    QVERIFY(guard.LeadingOut("out/file"));
+}
+
+void LinkGuardTest::AFileIsLookedAtEachTime()
+{
+    LinkGuard guard(Folder());
+    QVERIFY(!guard.LeadingOut("deep/file"));
+    QVERIFY(QFile::link("../../outside/file", Folder() + "deep/file"));
+    QVERIFY(guard.LeadingOut("deep/file"));
+    QVERIFY(QFile::remove(Folder() + "deep/file"));
+    QVERIFY(!guard.LeadingOut("deep/file"));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::LinkGuardTest)
+#include "tst_LinkGuard.moc"
