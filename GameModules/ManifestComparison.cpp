@@ -67,9 +67,11 @@ Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList cons
         listed.insert(entry.Path);
 
     Entries leftOver;
+    QSet<QString> asked;
     for (QString const& path : p_Paths) {
-        if (listed.contains(path) || LeadsOut(path))
+        if (listed.contains(path) || asked.contains(path) || LeadsOut(path))
             continue;
+        asked.insert(path);
         for (std::size_t const i : index.value(path)) {
             if (!Continue())
                 return leftOver;

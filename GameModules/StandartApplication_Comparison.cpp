@@ -21,9 +21,13 @@ QString WithSlash(QString p_Path)
 /// Adds what a list holds so far: a comparison that was stopped early has not looked at all of it.
 void KeepListed(QString const& p_ListPath, QStringList& p_Recorded)
 {
-    for (QString const& path : PendingList::Read(p_ListPath, [] { return true; }).Paths)
-        if (!p_Recorded.contains(path))
-            p_Recorded += path;
+    QSet<QString> recorded(p_Recorded.begin(), p_Recorded.end());
+    for (QString const& path : PendingList::Read(p_ListPath, [] { return true; }).Paths) {
+        if (recorded.contains(path))
+            continue;
+        recorded.insert(path);
+        p_Recorded += path;
+    }
 }
 
 } // namespace
