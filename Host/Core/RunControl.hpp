@@ -150,6 +150,8 @@ private:
     int Attempts = 0; ///< repetitions since the last file arrived
     std::size_t LastMissing = 0;
     int Passes = 0;
+    QStringList CleanHosts;         ///< the mirrors when they were looked at last
+    QSet<QString> CleanDead;        ///< those of them that were out of use
     int LastDead = 0;               ///< dead mirrors when the pass began
     std::optional<Failure> Pending; ///< why the transfer was stopped, told when it has ended
     std::set<QString> Told;

@@ -258,10 +258,16 @@ void RunControl::CleanMirrors()
         module.CdnHosts.clear(); // what was read as names is the page of an error
         return;
     }
+    // In each turn, and there can be many: what has been looked at stays as it is.
+    QSet<QString> const dead = Context.Journal.DeadMirrors();
+    if (module.CdnHosts == CleanHosts && dead == CleanDead)
+        return;
     if (MirrorFilter::IsForeign(module.CdnHosts))
         NoticeOnce(QStringLiteral("The list of mirrors is damaged; the files come from the default "
                                   "server."));
-    module.CdnHosts = MirrorFilter::Apply(module.CdnHosts, Context.Journal.DeadMirrors());
+    module.CdnHosts = MirrorFilter::Apply(module.CdnHosts, dead);
+    CleanHosts = module.CdnHosts;
+    CleanDead = dead;
 }
 
 /// Called at the end only: a run that was begun again has asked for the list again.
