@@ -82,7 +82,18 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
                        QStringLiteral("%1 is no folder").arg(above)};
     auto const unwritable = FolderCheck::ForWriting(above);
     // A full disk refuses new files too, and is told better elsewhere.
-    return unwritable && FreeBytes(Folder) != 0 ? unwritable : std::nullopt;
+    if (FreeBytes(Folder) == 0)
+        return std::nullopt;
+    if (unwritable)
+        return unwritable;
+    // Its name alone is left: too long, or of characters that the volume does not know.
+    if (QFileInfo::exists(part) || above != QFileInfo(path).path())
+        return std::nullopt;
+    QFile probe(part);
+    if (!probe.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return Failure{FailureKind::FileUnwritable, path, probe.errorString()};
+    probe.remove();
+    return std::nullopt;
 }
 
 std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const

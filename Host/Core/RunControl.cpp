@@ -56,6 +56,8 @@ void RunControl::Begin(RunRequest const& p_Request)
     Attempts = Passes = 0;
     LastMissing = std::numeric_limits<std::size_t>::max();
     Pending.reset();
+    Blocked.reset();
+    PassedOver.clear();
     Told.clear();
     Context.Journal.Clear();
     if (auto failure = Preconditions())

@@ -102,6 +102,7 @@ private:
 
     // _Verdict
     void OnQuiet();
+    void PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry);
     void Verify();
     std::optional<Failure> LinkFailure() const;
 
@@ -152,6 +153,8 @@ private:
     int Passes = 0;
     QStringList CleanHosts;         ///< the mirrors when they were looked at last
     QSet<QString> CleanDead;        ///< those of them that were out of use
+    std::set<QString> PassedOver;   ///< files that could not be begun
+    std::optional<Failure> Blocked; ///< why, of the first of them
     int LastDead = 0;               ///< dead mirrors when the pass began
     std::optional<Failure> Pending; ///< why the transfer was stopped, told when it has ended
     std::set<QString> Told;

@@ -5,6 +5,8 @@
 
 #include <QMutexLocker>
 
+#include <algorithm>
+
 namespace Varnholt::Host {
 
 namespace {
@@ -12,6 +14,7 @@ namespace {
 /// What the module repeats before it gives files up, all of them together.
 constexpr quint32 c_ModuleRestarts = 5;
 constexpr int c_MostPasses = 5;
+constexpr std::size_t c_MostPassedOver = 20;
 
 } // namespace
 
@@ -42,15 +45,50 @@ void RunControl::OnQuiet()
                           : Failure{FailureKind::ServerSilent, module.ContentBaseUrl, {}});
     }
     if (!stopped.empty())
-        return Fail(
-            FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(stopped));
+        return PassOver(stopped.front());
     Verify();
+}
+
+/// Called for a file that could not even be begun, at which the module stops: what is behind it
+/// shall arrive all the same.
+void RunControl::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
+{
+    Launcher::StandartApplication& module = Context.Module;
+    Failure const failure =
+        FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain({p_Entry});
+    PassedOver.insert(p_Entry.Path);
+    // The next one would fare no better, or there is no end of them.
+    bool const isAlone = failure.Kind != FailureKind::DiskFull &&
+                         failure.Kind != FailureKind::FolderUnwritable && !failure.IsNetwork();
+    if (!isAlone || PassedOver.size() > c_MostPassedOver)
+        return Fail(failure);
+    if (!Blocked)
+        Blocked = failure;
+    bool isLast = false;
+    {
+        QMutexLocker const lock(&module.RunMutex);
+        auto& files = module.FilesToDownload;
+        files.erase(files.begin() + static_cast<std::ptrdiff_t>(module.CurrentDownloadIndex));
+        isLast = module.CurrentDownloadIndex >= files.size();
+    }
+    if (!isLast)
+        module.ResumeDownload();
+    else if (module.IsDownloadingBase)
+        module.ProcessStreamedContentDownload(false);
+    else
+        Verify();
 }
 
 void RunControl::Verify()
 {
     Launcher::StandartApplication& module = Context.Module;
-    auto const missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
+    auto missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
+    missing.erase(
+        std::remove_if(missing.begin(), missing.end(),
+                       [this](auto const& p_Entry) { return PassedOver.count(p_Entry.Path) != 0; }),
+        missing.end());
+    if (missing.empty() && Blocked)
+        return Fail(*Blocked);
     if (missing.empty() && module.DownloadRetryCount < c_ModuleRestarts)
         return Finish();
     if (missing.empty()) // a file that was given up may still have its old content

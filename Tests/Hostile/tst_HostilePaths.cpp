@@ -11,6 +11,11 @@ class HostilePathsTest : public QObject {
 
 private Q_SLOTS:
     void PathsThatLeaveTheFolderAreLeftOutOfAWholeLife();
+    void PathsThatNoFileSystemTakesAreNamedAndTheOthersArrive();
+    void OfTooManyOfThemTheInstallationEnds();
+    void PathsThatComeTwiceAreOneFile();
+    void AFileInTheWayOfAFolderIsNamedAndTheOthersArrive();
+    void AFolderInTheWayOfAFileIsNamedAndTheOthersArrive();
 };
 
 void HostilePathsTest::PathsThatLeaveTheFolderAreLeftOutOfAWholeLife()
@@ -56,6 +61,77 @@ void HostilePathsTest::PathsThatLeaveTheFolderAreLeftOutOfAWholeLife()
     QCOMPARE(ModeOf(game.Base), modeAbove);
     QCOMPARE(game.Disturbances(), QStringList());
     QVERIFY(game.Requested().filter("hostile").isEmpty());
+}
+
+void HostilePathsTest::PathsThatNoFileSystemTakesAreNamedAndTheOthersArrive()
+{
+    QString const path(5000, QChar('a'));
+    HostileGame game;
+    game.AddEntry(path, HostileGame::c_Executable)
+        .AddEntry("deep/" + path)
+        .AddEntry("no folder/../file")
+        .AddEntry("last")
+        .AddEntry('b' + path, 0, true)
+        .AddEntry("last streamed", 0, true);
+    game.Begin();
+    QCOMPARE(game.Install(), QString("file-unwritable"));
+    QVERIFY2(game.Sentence().contains("/" + path + " cannot be written (File name too long)"),
+             qPrintable(game.Sentence()));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.WrongEntries(),
+             QStringList({path, "deep/" + path, "no folder/../file", 'b' + path}));
+    QVERIFY(game.IsMarkedUnfinished());
+    QCOMPARE(game.Run(RequestType::Repair), QString("file-unwritable"));
+    QCOMPARE(game.Uninstall(), QString("done"));
+    QCOMPARE(game.Disturbances(), QStringList());
+}
+
+void HostilePathsTest::OfTooManyOfThemTheInstallationEnds()
+{
+    HostileGame game;
+    for (int i = 0; i < 100; ++i)
+        game.AddEntry(QString(5000, QChar('a')) + QString::number(i));
+    game.Begin();
+    QCOMPARE(game.Install(), QString("file-unwritable"));
+}
+
+void HostilePathsTest::PathsThatComeTwiceAreOneFile()
+{
+    HostileGame game;
+    game.AddEntry("twice").AddEntry("twice", HostileGame::c_ReadOnly).AddEntry("twice", 0, true);
+    game.AddEntry("readme.txt").AddEntry("last");
+    game.Begin();
+    // Two files of one name are never both right: the later one wins each time.
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList("readme.txt"));
+    QCOMPARE(game.WrongEntries(), QStringList());
+    QCOMPARE(game.Run(RequestType::Verify), QString("files-wrong"));
+    QCOMPARE(game.Uninstall(), QString("done"));
+    QCOMPARE(game.Disturbances(), QStringList());
+}
+
+void HostilePathsTest::AFileInTheWayOfAFolderIsNamedAndTheOthersArrive()
+{
+    HostileGame game;
+    game.AddEntry("a").AddEntry("a/b").AddEntry("last").AddEntry("last streamed", 0, true);
+    game.Begin();
+    QCOMPARE(game.Install(), QString("file-unwritable"));
+    QVERIFY2(game.Sentence().contains(game.Path("a/b")), qPrintable(game.Sentence()));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.WrongEntries(), QStringList("a/b"));
+    QCOMPARE(game.Uninstall(), QString("done"));
+    QCOMPARE(game.Disturbances(), QStringList());
+}
+
+void HostilePathsTest::AFolderInTheWayOfAFileIsNamedAndTheOthersArrive()
+{
+    HostileGame game;
+    game.AddEntry("a/b").AddEntry("a").AddEntry("last").AddEntry("last streamed", 0, true);
+    game.Begin();
+    QCOMPARE(game.Install(), QString("folder-blocks-file"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.WrongEntries(), QStringList("a"));
+    QCOMPARE(game.Disturbances(), QStringList());
 }
 
 } // namespace Varnholt::TestSupport
