@@ -3,7 +3,7 @@
 #
 # The small files and the large one are looked at each for itself: what a run of them holds in its
 # first fifth is what it needs. Progress is told twice a second, so that the last small files may
-# be past already.
+# be past already. A comparison does not tell how far it is; what it holds at most is printed.
 
 function part_of_run() {
     if ($2 ~ /^downloading/)
@@ -25,6 +25,10 @@ function note(part, column) {
 }
 
 function judge(part, column, name, allowed) {
+    if (part == "comparison") {
+        printf "%-12s %-10s %8d at most\n", part, name, first[part, column]
+        return
+    }
     printf "%-12s %-10s %8d at most in the first fifth, %8d afterwards\n", part, name,
         first[part, column], later[part, column]
     if (later[part, column] > first[part, column] + allowed) {
