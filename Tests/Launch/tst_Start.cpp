@@ -32,6 +32,7 @@ private Q_SLOTS:
     void TheStartIsLogged();
     void AnExecutableThatCannotBeStartedIsStartedAllTheSame_data();
     void AnExecutableThatCannotBeStartedIsStartedAllTheSame();
+    void AnExecutableThatALinkLeadsOutIsNotStarted();
     void PermissionsAreFixedBeforeTheStart();
     void AHostThatStopsLeavesPermissionsButStarts();
     void StepsComeInOrder();
@@ -175,6 +176,20 @@ void StartTest::AnExecutableThatCannotBeStartedIsStartedAllTheSame()
     QVERIFY(bench.HasLiveFiles());
     QCOMPARE(bench.Log.Texts(), QStringList("Start  \"" + bench.Path(what) + "\""));
     QCOMPARE(bench.Host.Errors(), QStringList());
+}
+
+void StartTest::AnExecutableThatALinkLeadsOutIsNotStarted()
+{
+    LaunchBench bench;
+    QTemporaryDir outside;
+    GameScript const other(outside.filePath("game"));
+    other.Write();
+    QString const executable = bench.Path(LaunchBench::c_Executable);
+    QVERIFY(QFile::remove(executable) && QFile::link(other.Path, executable));
+    int const mode = ModeOf(other.Path);
+    QVERIFY(!bench.App.Start("", ""));
+    QCOMPARE(bench.Log.CountContaining("Start "), 0);
+    QCOMPARE(ModeOf(other.Path), mode);
 }
 
 void StartTest::PermissionsAreFixedBeforeTheStart()
