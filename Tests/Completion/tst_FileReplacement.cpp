@@ -29,6 +29,8 @@ private Q_SLOTS:
     void TheNewContentStandsThereAlone();
     void AFileThatDoesNotFitStaysAsItWas();
     void ANewFileThatDoesNotFitIsNotMade();
+    void WhatAKilledProcessLeftIsTakenAway();
+    void TheNewFileIsAsPrivateAsTheOldOne();
     void AListThatDoesNotFitStaysAsItWas();
     void AConfigurationThatDoesNotFitStaysAsItWas();
 
@@ -73,6 +75,28 @@ void FileReplacementTest::ANewFileThatDoesNotFitIsNotMade()
     FileSizeLimit const limit(c_Room);
     QVERIFY(!ReplaceFile(Path, c_New));
     QCOMPARE(Names(), QStringList());
+}
+
+void FileReplacementTest::WhatAKilledProcessLeftIsTakenAway()
+{
+    QVERIFY(WriteFile(Path, "old"));
+    QVERIFY(WriteFile(Path + Launcher::c_ReplacementSuffix, "half of someth"));
+    QVERIFY(ReplaceFile(Path, "new"));
+    QCOMPARE(ReadFile(Path), QByteArray("new"));
+    QCOMPARE(Names(), QStringList("file"));
+}
+
+void FileReplacementTest::TheNewFileIsAsPrivateAsTheOldOne()
+{
+    QVERIFY(WriteFile(Path, "old"));
+    QVERIFY(SetMode(Path, 0600));
+    QVERIFY(ReplaceFile(Path, "new"));
+    QCOMPARE(ModeOf(Path), 0600);
+    QVERIFY(QFile::remove(Path));
+    mode_t const before = umask(027);
+    QVERIFY(ReplaceFile(Path, "new"));
+    umask(before);
+    QCOMPARE(ModeOf(Path), 0640);
 }
 
 void FileReplacementTest::AListThatDoesNotFitStaysAsItWas()
