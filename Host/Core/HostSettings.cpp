@@ -3,21 +3,55 @@
 #include "Host/Core/DeadLock.hpp"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QMutexLocker>
-#include <QTemporaryFile>
+
+#include <cstdio>
 
 namespace Varnholt::Host {
 
 namespace {
+
+QString const c_LockSuffix = QStringLiteral(".lock"); // the settings class's own
 
 /// The settings class creates missing folders itself, but only below existing ones it may enter.
 QString Prepared(QString const& p_File)
 {
     QDir().mkpath(QFileInfo(p_File).absolutePath());
     // The settings class would wait for half a minute.
-    RemoveDeadLock(p_File + QStringLiteral(".lock"), false);
+    RemoveDeadLock(p_File + c_LockSuffix, false);
     return p_File;
+}
+
+/// Where the file is that is perhaps named by a link.
+QString TargetOf(QString const& p_File)
+{
+    QFileInfo const file(p_File);
+    return file.isSymLink() && file.exists() ? file.canonicalFilePath() : p_File;
+}
+
+void WriteAll(QString const& p_File, QMap<QString, QVariant> const& p_Values)
+{
+    if (p_Values.isEmpty()) { // of nothing the class makes no file
+        QFile(p_File).open(QIODevice::WriteOnly);
+        return;
+    }
+    QSettings writer(p_File, QSettings::IniFormat);
+    writer.setIniCodec("UTF-8");
+    for (auto row = p_Values.constBegin(); row != p_Values.constEnd(); ++row)
+        writer.setValue(row.key(), row.value());
+}
+
+bool Holds(QString const& p_File, QMap<QString, QVariant> const& p_Values)
+{
+    QSettings reader(p_File, QSettings::IniFormat);
+    reader.setIniCodec("UTF-8");
+    for (auto row = p_Values.constBegin(); row != p_Values.constEnd(); ++row)
+        if (reader.value(row.key()) != row.value())
+            return false;
+    return reader.allKeys().size() == p_Values.size();
 }
 
 } // namespace
@@ -80,34 +114,53 @@ bool HostSettings::Flush()
     return isWritten && Store.status() == QSettings::NoError && Store.isWritable();
 }
 
-/// \return false when there is no room for it; it is tried again with the next value
+/// Not by the settings class alone: it replaces its file by a new one, and takes no notice when a
+/// full disk has cut that short. All that was recorded would be gone.
+/// \return false when it failed; it is tried again with the next value
 bool HostSettings::Write()
 {
+    constexpr int c_MostMilliseconds = 5'000; // another program is at it for an instant
+
     if (Held.isEmpty())
         return true;
-    if (!HasRoom())
+    QString const target = TargetOf(Store.fileName());
+    QLockFile lock(Store.fileName() + c_LockSuffix);
+    if (!lock.tryLock(c_MostMilliseconds))
         return false;
-    for (auto row = Held.constBegin(); row != Held.constEnd(); ++row)
-        if (row.value().isValid())
-            Store.setValue(row.key(), row.value());
-        else
-            Store.remove(row.key());
+    Store.sync(); // what other programs have written
+    if (Store.status() != QSettings::NoError)
+        return false;
+    Values const values = Merged();
+    QString const fresh = target + QStringLiteral(".varnholt-new");
+    QString const checked = target + QStringLiteral(".varnholt-checked");
+    for (QString const& left : {fresh, fresh + c_LockSuffix, checked})
+        QFile::remove(left); // by one that was killed
+    WriteAll(fresh, values);
+    // Under its own name it would not be read again.
+    bool const isRight = QFile::rename(fresh, checked) && Holds(checked, values);
+    if (isRight && QFile::exists(target))
+        QFile::setPermissions(checked, QFile::permissions(target));
+    if (!isRight || std::rename(QFile::encodeName(checked).constData(),
+                                QFile::encodeName(target).constData()) != 0) {
+        QFile::remove(checked);
+        return false;
+    }
     Held.clear();
     Store.sync();
     return true;
 }
 
-/// The store replaces its file by a new one, and takes no notice when a full disk has cut that
-/// short: all that was recorded would be gone.
-bool HostSettings::HasRoom() const
+HostSettings::Values HostSettings::Merged() const
 {
-    constexpr qint64 c_New = 16'384; // a path and some words
-
-    QTemporaryFile probe(Store.fileName() + QStringLiteral(".XXXXXX"));
-    if (!probe.open())
-        return true; // the folder's fault, which the store itself reports
-    qint64 const size = QFileInfo(Store.fileName()).size() + c_New;
-    return probe.write(QByteArray(static_cast<int>(size), ' ')) == size && probe.flush();
+    Values values;
+    for (QString const& key : Store.allKeys())
+        values[key] = Store.value(key);
+    for (auto row = Held.constBegin(); row != Held.constEnd(); ++row)
+        if (row.value().isValid())
+            values[row.key()] = row.value();
+        else
+            values.remove(row.key());
+    return values;
 }
 
 } // namespace Varnholt::Host

@@ -28,12 +28,14 @@ public:
     QString File() const { return Store.fileName(); }
 
 private:
+    using Values = QMap<QString, QVariant>;
+
     bool Write();
-    bool HasRoom() const;
+    Values Merged() const;
 
     mutable QMutex StoreMutex;
-    QSettings Store;
-    QMap<QString, QVariant> Held; ///< not in the store yet; an invalid value removes its key
+    QSettings Store; ///< only read
+    Values Held;     ///< not in the store yet; an invalid value removes its key
 };
 
 } // namespace Varnholt::Host

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void AFolderThatAnotherHostWorksInIsLeftAlone();
     void ALockWhoseOwnerHasDiedIsTakenOver();
     void TheLockGoesWithTheRun();
+    void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver_data();
     void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver();
     void WhatADeadTakeoverLeftGoesToo_data();
     void WhatADeadTakeoverLeftGoesToo();
@@ -201,12 +202,23 @@ void HostFolderFailuresTest::TheLockGoesWithTheRun()
     QVERIFY(lock.tryLock());
 }
 
+void HostFolderFailuresTest::ALockWhoseOwnerDiedBeforeItsNameIsTakenOver_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("nothing") << QByteArray("");
+    QTest::newRow("half of a number") << QByteArray("1");
+    QTest::newRow("no machine") << QByteArray("1\nvarnholt-host\n");
+    QTest::newRow("half of a machine") << QByteArray("1\nvarnholt-host\nmach");
+    QTest::newRow("half of its number") << QByteArray("1\nvarnholt-host\nmachine\n1234");
+}
+
 void HostFolderFailuresTest::ALockWhoseOwnerDiedBeforeItsNameIsTakenOver()
 {
+    QFETCH(QByteArray, content);
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
-    game.Put(".varnholt-host.lock", "");
-    QVERIFY(WriteFile(game.SettingsFile + ".lock", ""));
+    game.Put(".varnholt-host.lock", content);
+    QVERIFY(WriteFile(game.SettingsFile + ".lock", content));
     QVERIFY(game.Open());
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QVERIFY(!game.Has(".varnholt-host.lock"));

@@ -27,6 +27,10 @@ private Q_SLOTS:
     void WhatFindsNoRoomIsKnownAndWrittenLater();
     void WhatIsRemovedWithoutRoomIsRemovedLater();
     void NothingButTheFileIsLeft();
+    void TheLastKeyCanBeRemoved();
+    void ALinkedFileStaysLinked();
+    void WhatAnotherProgramWroteStays();
+    void WhatAKilledProgramLeftIsTakenAway();
 
 private:
     std::unique_ptr<QTemporaryDir> Folder;
@@ -96,6 +100,56 @@ void HostSettingsTest::WhatIsRemovedWithoutRoomIsRemovedLater()
 void HostSettingsTest::NothingButTheFileIsLeft()
 {
     QCOMPARE(QDir(Folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList("host.ini"));
+}
+
+void HostSettingsTest::TheLastKeyCanBeRemoved()
+{
+    QString const file = Folder->filePath("other.ini");
+    HostSettings settings(file);
+    settings.SetValue("only", true);
+    settings.Remove("only");
+    QVERIFY(settings.Flush());
+    QCOMPARE(QSettings(file, QSettings::IniFormat).allKeys(), QStringList());
+}
+
+void HostSettingsTest::ALinkedFileStaysLinked()
+{
+    QString const link = Folder->filePath("link.ini");
+    QVERIFY(QFile::link(File, link));
+    {
+        HostSettings settings(link);
+        settings.SetValue("new", "x");
+    }
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(QSettings(File, QSettings::IniFormat).value("new"), QVariant("x"));
+}
+
+void HostSettingsTest::WhatAnotherProgramWroteStays()
+{
+    HostSettings settings(File);
+    {
+        QFile other(File);
+        QVERIFY(other.open(QIODevice::ReadWrite));
+        QByteArray const before = other.readAll();
+        other.seek(0);
+        QVERIFY(other.write("[General]\nother=1\n\n" + before) > 0);
+    }
+    settings.SetValue("new", "x");
+    QSettings const written(File, QSettings::IniFormat);
+    QCOMPARE(written.value("other"), QVariant("1"));
+    QCOMPARE(written.value("new"), QVariant("x"));
+    QCOMPARE(written.allKeys().size(), c_Keys + 2);
+}
+
+void HostSettingsTest::WhatAKilledProgramLeftIsTakenAway()
+{
+    for (char const* const left : {".varnholt-new", ".varnholt-new.lock", ".varnholt-checked"})
+        QVERIFY(WriteFile(File + left, "half of someth"));
+    HostSettings settings(File);
+    settings.SetValue("new", QString::fromUtf8("Jeux été"));
+    QCOMPARE(settings.Value("new"), QVariant(QString::fromUtf8("Jeux été")));
+    QVERIFY(settings.Flush());
+    NothingButTheFileIsLeft();
 }
 
 } // namespace Varnholt::TestSupport
