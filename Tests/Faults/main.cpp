@@ -1,7 +1,10 @@
+#include "Tests/Faults/CallFaults.hpp"
+#include "Tests/Faults/ClockFaults.hpp"
 #include "Tests/Faults/DiskFaults.hpp"
 #include "Tests/Faults/FaultSuite.hpp"
 #include "Tests/Faults/FolderFaults.hpp"
 #include "Tests/Faults/KillFaults.hpp"
+#include "Tests/Faults/LockFaults.hpp"
 #include "Tests/Faults/RemovalFaults.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
 
@@ -19,8 +22,8 @@ namespace {
 std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
-    for (auto const& group :
-         {ServerFaults(), DiskFaults(), FolderFaults(), RemovalFaults(), KillFaults()})
+    for (auto const& group : {ServerFaults(), DiskFaults(), FolderFaults(), RemovalFaults(),
+                              KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }

@@ -21,6 +21,12 @@ HostProcess::HostProcess(HostGame const& p_Game, QStringList const& p_Options,
     Start(p_Game, p_Options + p_Arguments);
 }
 
+HostProcess::HostProcess(HostGame const& p_Game, QStringList const& p_Arguments,
+                         QMap<QString, QString> const& p_Variables)
+{
+    Start(p_Game, Options(p_Game) + p_Arguments, p_Variables);
+}
+
 HostProcess::~HostProcess()
 {
     if (Process.state() == QProcess::NotRunning)
@@ -46,9 +52,13 @@ QProcessEnvironment HostProcess::Environment(HostGame const& p_Game)
     return environment;
 }
 
-void HostProcess::Start(HostGame const& p_Game, QStringList const& p_Arguments)
+void HostProcess::Start(HostGame const& p_Game, QStringList const& p_Arguments,
+                        QMap<QString, QString> const& p_Variables)
 {
-    Process.setProcessEnvironment(Environment(p_Game));
+    QProcessEnvironment environment = Environment(p_Game);
+    for (auto row = p_Variables.constBegin(); row != p_Variables.constEnd(); ++row)
+        environment.insert(row.key(), row.value());
+    Process.setProcessEnvironment(environment);
     Process.setWorkingDirectory(p_Game.Base);
     Process.start(Program(), p_Arguments);
     if (!Process.waitForStarted())

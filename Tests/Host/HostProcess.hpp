@@ -3,6 +3,7 @@
 #include "Tests/Host/HostGame.hpp"
 
 #include <QByteArray>
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -38,6 +39,9 @@ public:
     /// Starts it with options of settings and server of the test's own.
     HostProcess(HostGame const& p_Game, QStringList const& p_Options,
                 QStringList const& p_Arguments);
+    /// Starts it with some variables more in its environment.
+    HostProcess(HostGame const& p_Game, QStringList const& p_Arguments,
+                QMap<QString, QString> const& p_Variables);
     /// Kills it when it still runs.
     ~HostProcess();
     HostProcess(HostProcess const&) = delete;
@@ -59,7 +63,8 @@ public:
     static QProcessEnvironment Environment(HostGame const& p_Game);
 
 private:
-    void Start(HostGame const& p_Game, QStringList const& p_Arguments);
+    void Start(HostGame const& p_Game, QStringList const& p_Arguments,
+               QMap<QString, QString> const& p_Variables = {});
     void Take();
 
     QProcess Process;
