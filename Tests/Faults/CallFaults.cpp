@@ -92,7 +92,10 @@ QString Judge(ProcessGame& p_Game, Case const& p_Case, Outcome const& p_End, QSt
     if (p_Case.Manner.Kills) {
         if (p_End.Status != -1)
             p_Faults += QStringLiteral("the host survived its death");
-        return p_Case.Manner.Name + QLatin1Char(' ') + p_Call.section(' ', 1, 1);
+        QString const call = p_Call.section(' ', 1, 1);
+        // The numbers of threads that write at the same time change places between runs.
+        bool const isOther = !p_Case.Manner.OnlyCall.isEmpty() && p_Case.Manner.OnlyCall != call;
+        return (isOther ? Deaths().front() : p_Case.Manner).Name + QLatin1Char(' ') + call;
     }
     if (p_End.Status == -1)
         p_Faults += QStringLiteral("the host crashed");

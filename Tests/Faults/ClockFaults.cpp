@@ -44,6 +44,9 @@ public:
                 {QStringLiteral("FAKETIME_NO_CACHE"), QStringLiteral("1")},
                 {QStringLiteral("DONT_FAKE_MONOTONIC"), QStringLiteral("1")},
                 {QStringLiteral("FAKETIME_DONT_FAKE_MONOTONIC"), QStringLiteral("1")},
+                // Or it takes waits by the steady clock for waits by the one that is set: Qt would
+                // not wait for the end of its own threads when the program ends.
+                {QStringLiteral("FAKETIME_FORCE_MONOTONIC_FIX"), QStringLiteral("0")},
                 {QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0")}};
     }
 
