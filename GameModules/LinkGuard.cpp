@@ -27,7 +27,7 @@ std::optional<LinkGuard::Link> LinkGuard::LeadingOut(QString const& p_Path)
         return std::nullopt;
     int const slash = p_Path.lastIndexOf(QLatin1Char('/'));
     if (slash >= 0)
-        if (auto const link = LookedUp(p_Path.left(slash)))
+        if (auto link = LookedUp(p_Path.left(slash)))
             return link;
     return Look(p_Path);
 }

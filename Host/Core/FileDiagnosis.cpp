@@ -80,7 +80,7 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     if (!QFileInfo(above).isDir())
         return Failure{FailureKind::FileUnwritable, path,
                        QStringLiteral("%1 is no folder").arg(above)};
-    auto const unwritable = FolderCheck::ForWriting(above);
+    auto unwritable = FolderCheck::ForWriting(above);
     // A full disk refuses new files too, and is told better elsewhere.
     if (FreeBytes(Folder) == 0)
         return std::nullopt;

@@ -30,7 +30,7 @@ LinkLeadingOut(Launcher::ApplicationManifest const& p_Manifest, QString const& p
     for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
         for (Launcher::ApplicationManifestFileEntry const& entry : *entries)
             if (entry.Locale.isEmpty() || entry.Locale == p_Locale)
-                if (auto const link = links.LeadingOut(entry.Path))
+                if (auto link = links.LeadingOut(entry.Path))
                     return link;
     return std::nullopt;
 }
