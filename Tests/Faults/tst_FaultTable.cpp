@@ -1,5 +1,6 @@
 #include "Tests/Faults/Belongings.hpp"
 #include "Tests/Faults/FaultProgram.hpp"
+#include "Tests/Faults/FaultSuite.hpp"
 #include "Tests/Faults/FaultTable.hpp"
 #include "Tests/Faults/Pulse.hpp"
 #include "Tests/Faults/Referee.hpp"
@@ -8,6 +9,7 @@
 #include <QSemaphore>
 #include <QtTest>
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace Varnholt::TestSupport {
@@ -25,6 +27,12 @@ FaultReport Report(int p_Injected, QString const& p_Outcome, QStringList const& 
     return report;
 }
 
+void TellThatAllIsWell()
+{
+    std::fputs(FaultSuite::LineOf(Report(1, "complete: 1", {}, 1)).constData(), stdout);
+    std::fflush(stdout);
+}
+
 /// Rows of this program itself, which it runs as the suite does.
 std::vector<FaultRow> Rows()
 {
@@ -32,9 +40,14 @@ std::vector<FaultRow> Rows()
             {QStringLiteral("loses"), [] { return Report(1, "lost", {"a file was lost"}, 8); }},
             {QStringLiteral("crashes"), []() -> FaultReport { std::abort(); }},
             {QStringLiteral("ends early"), []() -> FaultReport { std::exit(0); }},
-            {QStringLiteral("fails behind its report"), [] {
-                 std::atexit([] { std::_Exit(3); });
-                 return Report(1, "complete: 1", {}, 1);
+            {QStringLiteral("fails behind its report"),
+             []() -> FaultReport {
+                 TellThatAllIsWell();
+                 std::_Exit(3);
+             }},
+            {QStringLiteral("dies behind its report"), []() -> FaultReport {
+                 TellThatAllIsWell();
+                 std::abort();
              }}};
 }
 
@@ -213,6 +226,8 @@ void FaultTableTest::TheSuiteEndsByWhatItsRowsFound_data()
     QTest::newRow("no report") << "ends early" << 1 << "\nends early: its process gave no report";
     QTest::newRow("failed behind it")
         << "fails behind" << 1 << "\nfails behind its report: its process gave no report";
+    QTest::newRow("died behind it")
+        << "dies behind" << 1 << "\ndies behind its report: its process gave no report";
     QTest::newRow("no row") << "unknown" << 2 << "";
 }
 
