@@ -21,6 +21,8 @@ constexpr int c_Games = 150;
 constexpr int c_Threads = 3; // a host waits more than it works
 constexpr unsigned c_Seed = 20'260'101;
 
+QString const c_Late = QStringLiteral("after the end");
+
 /// How long a run takes that nobody disturbs, microseconds.
 qint64 UndisturbedTime(Task p_Task)
 {
@@ -70,7 +72,7 @@ QString KillAt(ProcessGame& p_Game, qint64 p_Microseconds)
     bool const isDead = host.Finish().Status == -1;
     p_Game.Judge();
     if (!isDead)
-        return QStringLiteral("after the end");
+        return c_Late;
     if (HasPart(p_Game))
         return QStringLiteral("in a transfer");
     return p_Game.Requested().size() == before ? QStringLiteral("before the first file")
@@ -99,7 +101,7 @@ FaultReport KillAtRandom(Task p_Task)
                                   .arg(p_Index + 1)
                                   .arg(places.join(QLatin1String(", then ")));
         for (QString const& place : places)
-            tally.Add(where, 1, place, QStringList());
+            tally.Add(where, place == c_Late ? 0 : 1, place, QStringList());
         tally.Add(where, 0, QStringLiteral("games complete with the next run"), game.Faults());
     });
     return tally.Report();
