@@ -190,6 +190,8 @@ protected:
     /// Whether a link leads a path of the game folder out of it: then nothing may be done to what
     /// it names. Warned of once.
     bool LeadsOut(QString const& p_Path);
+    /// The same, whatever was found before in this run, which may have begun hours ago.
+    bool LeadsOutByNow(QString const& p_Path);
     /// Takes a link that leads out from the place of a file that the module writes itself. \return
     /// false when the file would still be written outside
     bool MakeOwn(QString const& p_Path);

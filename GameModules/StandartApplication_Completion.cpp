@@ -84,6 +84,9 @@ void StandartApplication::UpdatePendingList(QString const& p_Added)
 char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
                                            bool p_Continuable)
 {
+    // The host looks for such files when the run is over.
+    if (LeadsOutByNow(p_Entry.Path))
+        return nullptr;
     QString const path = Folder() + p_Entry.Path;
     QString const part = path + QLatin1String(".part");
     if (QFile::exists(path))

@@ -31,6 +31,13 @@ bool StandartApplication::LeadsOut(QString const& p_Path)
     return true;
 }
 
+bool StandartApplication::LeadsOutByNow(QString const& p_Path)
+{
+    QMutexLocker const lock(&RunMutex);
+    Links = LinkGuard(Folder());
+    return LeadsOut(p_Path);
+}
+
 bool StandartApplication::MakeOwn(QString const& p_Path)
 {
     QMutexLocker const lock(&RunMutex);

@@ -248,6 +248,7 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
     // A transfer of a replaced run may still write the very file that is about to be fetched.
     StopTransfersAside();
     QString address;
+    QString path;
     QString part;
     {
         RunScope const scope(*this, p_Run);
@@ -259,10 +260,11 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
         if (!MirrorChoice::MayServe(ContentBaseUrl, entry, CdnHosts))
             ChooseServer(entry);
         address = RemoteAddress(entry);
-        part = folder + entry.Path + QLatin1String(".part");
+        path = entry.Path;
+        part = folder + path + QLatin1String(".part");
     }
     // A partial file is the module's own. What a link leads to is not, wherever that is.
-    if (QFileInfo(part).isSymLink() && !QFile::remove(part))
+    if (LeadsOutByNow(path) || (QFileInfo(part).isSymLink() && !QFile::remove(part)))
         return GoOnWithNextFile(p_Run);
     CurrentDownload = DownloadFile(address, part, true);
 }

@@ -14,6 +14,8 @@ private Q_SLOTS:
     void WhatALinkLeadsOutIsLeftAloneInAWholeLife();
     void EachFileLeftAloneIsWarnedOfOnceInARun();
     void TheNextRunAfterTheLinkIsGoneCompletesTheGame();
+    void ALinkThatIsMadeDuringTheRunIsSeen_data();
+    void ALinkThatIsMadeDuringTheRunIsSeen();
     void OfAnotherLanguageALinkIsNobodysConcern();
     void AProgramThatALinkLeadsOutIsNotStarted();
     void ALinkThatStaysInsideGoesOnWorking_data();
@@ -98,6 +100,37 @@ void HostileLinksTest::TheNextRunAfterTheLinkIsGoneCompletesTheGame()
     QCOMPARE(game.WrongEntries(), QStringList());
     QVERIFY(!game.IsMarkedUnfinished());
     QCOMPARE(game.Disturbances(), QStringList());
+}
+
+void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen_data()
+{
+    QTest::addColumn<QString>("Link");
+    QTest::addColumn<QString>("Target");
+    QTest::newRow("before a file is fetched") << "Data/enUS"
+                                              << "";
+    QTest::newRow("before a file is placed") << "Data/base.MPQ"
+                                             << "base.MPQ";
+    QTest::newRow("before a file is placed, to nothing") << "Data/base.MPQ"
+                                                         << "none";
+}
+
+void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen()
+{
+    QFETCH(QString, Link);
+    QFETCH(QString, Target);
+    HostileGame game;
+    game.Begin();
+    QString const first = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script(first).Then(Answer::Normal()); // the question for its size
+    game.Server.Script(first).Then(Answer::SilentAfter(1000));
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart("Data/base.MPQ", 1000));
+    game.Link(Link, game.Outside.Path(Target));
+    game.Server.OpenGate(first);
+    QCOMPARE(game.End(), QString("link-leads-out"));
+    QCOMPARE(game.Disturbances(), QStringList());
+    QCOMPARE(game.Read("Data/first build.MPQ"), game.Content.Files[1].Bytes);
+    QVERIFY(game.Has("Data/streamed 2.MPQ"));
 }
 
 void HostileLinksTest::OfAnotherLanguageALinkIsNobodysConcern()
