@@ -123,7 +123,7 @@ FaultReport FaultTally::Report() const
     QStringList parts;
     for (auto row = Outcomes.constBegin(); row != Outcomes.constEnd(); ++row)
         parts += QStringLiteral("%1: %2").arg(row.key()).arg(row.value());
-    report.Outcome = parts.join(QLatin1String(", "));
+    report.Outcome = parts.join(QLatin1String("; "));
     return report;
 }
 
