@@ -84,7 +84,7 @@ void StandartApplication::ClearStatusFlags()
 
 void StandartApplication::ShowIdle()
 {
-    UISetting.State = 2;
+    UISetting.State = ApplicationUISetting::StateInstalled;
     ClearStatusFlags();
     UISetting.Download.ModeFlag = false;
     UISettingChanged = true;

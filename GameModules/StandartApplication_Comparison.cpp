@@ -43,7 +43,7 @@ void StandartApplication::OnManifestReceived()
         StopTransfersAside();
         ShowComparison(Manifest.Files.size());
     } else {
-        UISetting.State = 1;
+        UISetting.State = ApplicationUISetting::StateNotInstalled;
         UISettingChanged = true;
         WriteSetting(SettingKey(".ManifestBuilt"), false);
     }
@@ -80,7 +80,7 @@ void StandartApplication::SettleFolder()
 
 void StandartApplication::ShowComparison(std::size_t p_Count)
 {
-    UISetting.State = 2;
+    UISetting.State = ApplicationUISetting::StateInstalled;
     auto& progress = UISetting.Download;
     progress.StatusFlags = 0;
     progress.StatusFlag = true;
@@ -88,7 +88,7 @@ void StandartApplication::ShowComparison(std::size_t p_Count)
     progress.Current = 0;
     progress.Total = p_Count;
     progress.Percent = 0;
-    progress.Mode = 5;
+    progress.Mode = ApplicationUISetting::ModeComparing;
     progress.ModeFlag = true;
     UISettingChanged = true;
 }

@@ -60,7 +60,8 @@ void StandartApplication::CheckStartDownload(RunId p_Run, RunStep p_Start)
         RunScope const scope(*this, p_Run);
         if (!scope)
             return;
-        UISetting.Download.Mode = running ? 1 : 0;
+        UISetting.Download.Mode = running ? ApplicationUISetting::ModeWaitingForGame
+                                          : ApplicationUISetting::ModeWaitingForHost;
         UISetting.Download.DetailText = QStringLiteral("");
         UISettingChanged = true;
     }
@@ -96,7 +97,7 @@ void StandartApplication::RequestSizes(RunId p_Run, std::function<void()> const&
         progress.ModeFlag = true;
         progress.Current = 0;
         progress.Total = 0;
-        progress.Mode = 2;
+        progress.Mode = ApplicationUISetting::ModeAskingSizes;
         progress.DetailText = QStringLiteral("Requesting files size...");
         UISettingChanged = true;
         SizeRepliesReceived = 0;
@@ -151,7 +152,7 @@ void StandartApplication::CompareStreamed(RunId p_Run, bool p_Wait)
     UISetting.Download.Percent = 100;
     UISetting.Download.ModeFlag = true;
     UISetting.Download.Current = 0;
-    UISetting.Download.Mode = 5;
+    UISetting.Download.Mode = ApplicationUISetting::ModeComparing;
     UISettingChanged = true;
     // What is left of the base files' run, a size answer above all, must not count here.
     RunId const run = ReplaceList();
@@ -188,12 +189,10 @@ void StandartApplication::FetchStreamedFiles(RunId p_Run)
 
 void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText)
 {
-    constexpr int c_Suspended = 4;
-
     auto& progress = UISetting.Download;
     // A resume was not kept waiting by the sizes, and may have been followed by a suspension.
-    if (!FilesBegun || progress.Mode != c_Suspended)
-        progress.Mode = 3;
+    if (!FilesBegun || progress.Mode != ApplicationUISetting::ModeSuspended)
+        progress.Mode = ApplicationUISetting::ModeDownloading;
     progress.DetailText = p_DetailText;
     UISettingChanged = true;
     if (FilesBegun)

@@ -14,7 +14,7 @@ namespace Varnholt::Launcher {
 
 void StandartApplication::Init()
 {
-    UISetting.State = 0;
+    UISetting.State = ApplicationUISetting::StateStartingUp;
     UISettingChanged = true;
     EnqueueSync([this] { FetchVersion(); });
 }

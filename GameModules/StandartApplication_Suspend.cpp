@@ -33,7 +33,7 @@ void StandartApplication::SuspendDownload()
     NotifyDownloadFinished();
     if (!IsCurrentRun(run))
         return;
-    UISetting.Download.Mode = 4;
+    UISetting.Download.Mode = ApplicationUISetting::ModeSuspended;
     UISettingChanged = true;
 }
 
@@ -56,7 +56,8 @@ void StandartApplication::ResumeDownload()
         RunScope const scope(*this, run);
         if (!scope || ResumeTicket != ticket)
             return;
-        progress.Mode = running ? 1 : 0;
+        progress.Mode = running ? ApplicationUISetting::ModeWaitingForGame
+                                : ApplicationUISetting::ModeWaitingForHost;
         UISettingChanged = true;
     }
     if (IsDownloadBlocked() || running)
@@ -68,7 +69,7 @@ void StandartApplication::ResumeDownload()
     RunScope const scope(*this, run);
     if (!scope || ResumeTicket != ticket || !IsFilePending())
         return;
-    progress.Mode = 3;
+    progress.Mode = ApplicationUISetting::ModeDownloading;
     progress.Percent = PercentOf(progress.Current, progress.Total);
     UISettingChanged = true;
     ChooseServer(FilesToDownload[CurrentDownloadIndex]);

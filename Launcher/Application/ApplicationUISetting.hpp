@@ -14,17 +14,28 @@ namespace Varnholt::Launcher {
 /// seen `Application::UISettingChanged`. Figures are advisory; texts that a worker writes are
 /// static literals, so a reader never meets freed memory.
 struct ApplicationUISetting {
-    /// 0 start-up chain, 1 not installed, 2 installed (comparing, downloading or up to date).
-    qint32 State = 0;
+    enum StateValue : qint32 {
+        StateStartingUp = 0,
+        StateNotInstalled = 1,
+        StateInstalled = 2, ///< comparing, downloading or up to date
+    };
+    enum ModeValue : qint32 {
+        ModeWaitingForHost = 0,
+        ModeWaitingForGame = 1, ///< to quit
+        ModeAskingSizes = 2,
+        ModeDownloading = 3,
+        ModeSuspended = 4,
+        ModeComparing = 5, ///< files with the manifest
+    };
+
+    qint32 State = StateStartingUp;
 
     struct {
-        /// 0 waiting for the host, 1 waiting for the game to quit, 2 asking sizes, 3 downloading,
-        /// 4 suspended, 5 comparing files with the manifest.
-        qint32 Mode = 0;
+        qint32 Mode = ModeWaitingForHost;
         bool ModeFlag = false;   ///< a mode is running
         quint32 Percent = 0;     ///< 0 to 100
-        quint64 Current = 0;     ///< item number (mode 5) or bytes done
-        quint64 Total = 0;       ///< item count (mode 5) or bytes to fetch
+        quint64 Current = 0;     ///< item number (while comparing) or bytes done
+        quint64 Total = 0;       ///< item count (while comparing) or bytes to fetch
         quint64 AverageRate = 0; ///< bytes per second, mean of `RateLog`
         QString StatusText;
         quint32 StatusFlags = 0;
