@@ -1,17 +1,13 @@
 #include "GameModules/LinkGuard.hpp"
 
+#include "GameModules/FileLink.hpp"
+#include "Launcher/Helper/Paths.hpp"
+
 #include <QFileInfo>
 
 namespace Varnholt::Launcher {
 
-namespace {
-
-QString WithSlash(QString const& p_Path)
-{
-    return p_Path.endsWith(QLatin1Char('/')) ? p_Path : p_Path + QLatin1Char('/');
-}
-
-} // namespace
+using Helper::Paths::WithSlash;
 
 LinkGuard::LinkGuard(QString const& p_Folder)
     : Folder(p_Folder)
@@ -21,42 +17,57 @@ LinkGuard::LinkGuard(QString const& p_Folder)
         Root = WithSlash(Root);
 }
 
-std::optional<LinkGuard::Link> LinkGuard::LeadingOut(QString const& p_Path)
+std::optional<LinkGuard::Link> LinkGuard::OnTheWay(QString const& p_Path)
 {
-    if (Root.isEmpty()) // where no folder is, there is no link
-        return std::nullopt;
-    int const slash = p_Path.lastIndexOf(QLatin1Char('/'));
-    if (slash >= 0)
-        if (auto link = LookedUp(p_Path.left(slash)))
-            return link;
-    return Look(p_Path);
+    return WayTo(p_Path).Barred;
 }
 
-std::optional<LinkGuard::Link> LinkGuard::LookedUp(QString const& p_Path)
+std::optional<LinkGuard::Link> LinkGuard::LeadingOut(QString const& p_Path)
 {
-    auto const known = Folders.constFind(p_Path);
-    if (known != Folders.constEnd())
+    Way way = WayTo(p_Path);
+    if (!way.Out)
+        Look(p_Path, p_Path.mid(p_Path.lastIndexOf(QLatin1Char('/')) + 1), way);
+    return way.Out;
+}
+
+LinkGuard::Way const& LinkGuard::WayTo(QString const& p_Path)
+{
+    int const end = p_Path.lastIndexOf(QLatin1Char('/'));
+    QString const folder = end < 0 ? QString() : p_Path.left(end);
+    auto const known = Ways.constFind(folder);
+    if (known != Ways.constEnd())
         return *known;
-    return *Folders.insert(p_Path, LeadingOut(p_Path));
+    Way way;
+    int begin = 0;
+    while (begin >= 0 && begin < folder.size() && !way.Barred) {
+        int const slash = folder.indexOf(QLatin1Char('/'), begin);
+        QString const path = folder.left(slash);
+        Look(path, path.mid(begin), way);
+        begin = slash < 0 ? -1 : slash + 1;
+    }
+    return *Ways.insert(folder, way);
 }
 
 /// At the last step of a path alone.
-std::optional<LinkGuard::Link> LinkGuard::Look(QString const& p_Path) const
+void LinkGuard::Look(QString const& p_Path, QString const& p_Step, Way& p_Way) const
 {
-    QString const step = p_Path.mid(p_Path.lastIndexOf(QLatin1Char('/')) + 1);
-    if (step.isEmpty() || step == QLatin1String("."))
-        return std::nullopt;
+    if (Root.isEmpty() || p_Step.isEmpty() || p_Step == QLatin1String("."))
+        return; // where no folder is, there is no link
     QFileInfo const entry(Folder + p_Path);
-    bool const isLink = entry.isSymLink();
-    // What is above a folder that a link leads to is not what the path says.
-    if (!isLink && step != QLatin1String(".."))
-        return std::nullopt;
+    bool const isLink = entry.isSymbolicLink();
+    // Above a folder that a link leads to is another one than the path says.
+    if (!isLink && p_Step != QLatin1String(".."))
+        return;
     // Of a circle the canonical path would be the link itself.
     QString const canonical = entry.exists() ? entry.canonicalFilePath() : QString();
     bool const staysInside = canonical.isEmpty() ? !isLink : WithSlash(canonical).startsWith(Root);
     if (staysInside)
-        return std::nullopt;
-    return Link{Folder + p_Path, canonical.isEmpty() ? entry.symLinkTarget() : canonical};
+        return;
+    Link const link{Folder + p_Path, canonical.isEmpty() ? entry.symLinkTarget() : canonical};
+    if (!p_Way.Out)
+        p_Way.Out = link;
+    if (!isLink || !entry.isDir() || !FileLink::IsPlayers(Folder + p_Path))
+        p_Way.Barred = link;
 }
 
 } // namespace Varnholt::Launcher

@@ -1,6 +1,7 @@
 #include "GameModules/ManifestComparison.hpp"
 
 #include "GameModules/FileDigest.hpp"
+#include "GameModules/FileLink.hpp"
 
 #include <QFile>
 #include <QHash>
@@ -24,20 +25,24 @@ QHash<QString, std::vector<std::size_t>> IndexByPath(Entries const& p_Manifest)
 
 } // namespace
 
+bool ManifestComparison::IsThere(ApplicationManifestFileEntry const& p_Entry) const
+{
+    QString const path = Folder + p_Entry.Path;
+    return QFile::exists(path) && FileLink::At(path) != FileLink::Kind::Strange;
+}
+
 bool ManifestComparison::IsKept(ApplicationManifestFileEntry const& p_Entry) const
 {
-    return p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent) &&
-           QFile::exists(Folder + p_Entry.Path);
+    return p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent) && IsThere(p_Entry);
 }
 
 bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Entry) const
 {
-    QString const path = Folder + p_Entry.Path;
-    if (!QFile::exists(path))
+    if (!IsThere(p_Entry))
         return true;
     if (p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent))
         return false;
-    FileDigest const digest = FileDigest::Of(path, Continue);
+    FileDigest const digest = FileDigest::Of(Folder + p_Entry.Path, Continue);
     // The manifest's digest is taken as it stands: in lower case it never matches.
     return !digest.Opened || digest.Md5 != p_Entry.Md5;
 }
@@ -52,7 +57,7 @@ Entries ManifestComparison::Examine(Entries const& p_Manifest) const
             continue;
         if (SkipFirstBuildOnly && entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
             continue;
-        if (!LeadsOut(entry.Path) && MustBeFetched(entry))
+        if (!IsBarred(entry.Path) && MustBeFetched(entry))
             found.push_back(entry);
     }
     return found;
@@ -69,7 +74,7 @@ Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList cons
     Entries leftOver;
     QSet<QString> asked;
     for (QString const& path : p_Paths) {
-        if (listed.contains(path) || asked.contains(path) || LeadsOut(path))
+        if (listed.contains(path) || asked.contains(path) || IsBarred(path))
             continue;
         asked.insert(path);
         for (std::size_t const i : index.value(path)) {
@@ -90,7 +95,7 @@ Entries ManifestComparison::Named(Entries const& p_Manifest, QStringList const& 
     Entries named;
     for (QString const& path : p_Paths) {
         auto const found = index.constFind(path);
-        if (found != index.constEnd() && !LeadsOut(path))
+        if (found != index.constEnd() && !IsBarred(path))
             named.push_back(p_Manifest[found->front()]);
     }
     return named;

@@ -20,12 +20,13 @@ public:
     QString Locale;                  ///< entries of other languages are passed over
     bool SkipFirstBuildOnly = false; ///< pass over entries that a first build has verified
     std::function<bool()> Continue;  ///< false: stop early with what was found
-    /// Whether a link leads the path out of the folder: such an entry is left out.
-    std::function<bool(QString const&)> LeadsOut;
+    /// Whether a link keeps the path out of reach: such an entry is left out.
+    std::function<bool(QString const&)> IsBarred;
     std::function<void(std::size_t)>
         OnEntry; ///< told the index of each entry before it is examined
 
-    /// The entries whose file is missing, unreadable or of another digest, in manifest order.
+    /// The entries whose file is missing, unreadable, of another digest, or a link that gives way
+    /// to the file, in manifest order.
     Entries Examine(Entries const& p_Manifest) const;
 
     /// The entries that a pending list names and p_Found does not hold yet, in the list's order. A
@@ -38,6 +39,7 @@ public:
 
 private:
     bool MustBeFetched(ApplicationManifestFileEntry const& p_Entry) const;
+    bool IsThere(ApplicationManifestFileEntry const& p_Entry) const;
     bool IsKept(ApplicationManifestFileEntry const& p_Entry) const;
 };
 

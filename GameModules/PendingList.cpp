@@ -10,6 +10,7 @@ namespace Varnholt::Launcher {
 QString const PendingList::c_Base = QStringLiteral("ToDownloadBase.db");
 QString const PendingList::c_Streamed = QStringLiteral("ToDownload.db");
 QString const PendingList::c_Casc = QStringLiteral("ToDownloadCASC.db");
+QString const PendingList::c_FirstBuild = QStringLiteral("FirstBuild.db");
 
 PendingList::Content PendingList::Read(QString const& p_ListPath,
                                        std::function<bool()> const& p_Continue)

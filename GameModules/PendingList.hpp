@@ -15,6 +15,9 @@ public:
     static QString const c_Base;     ///< "ToDownloadBase.db", base files
     static QString const c_Streamed; ///< "ToDownload.db", streamed files
     static QString const c_Casc;     ///< "ToDownloadCASC.db", of another storage, only ever removed
+    /// "FirstBuild.db", empty: there while the two lists do not hold yet all that a first build
+    /// finds.
+    static QString const c_FirstBuild;
 
     struct Content {
         bool Opened = false;   ///< false: no list, or not readable

@@ -1,5 +1,7 @@
 #include "GameModules/StandartApplication.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
+
 #include <QMutexLocker>
 
 namespace Varnholt::Launcher {
@@ -15,19 +17,15 @@ StandartApplication::StandartApplication(QString const& p_Name, QString const& p
             SLOT(App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)));
     // Also for a download that gave no completion because its file could not be opened.
     OnDownloadRetired = [this](HTTP_DownloadFileRequest* p_Request) {
-        if (CurrentDownload == p_Request) {
-            CurrentDownload = nullptr;
+        if (Transfers.Retire(p_Request))
             FollowAbortedTransfer();
-        }
-        TransfersAside.erase(p_Request);
     };
 }
 
 StandartApplication::~StandartApplication()
 {
-    if (CurrentDownload != nullptr)
-        CurrentDownload->Abort();
-    StopTransfersAside();
+    Transfers.Replace();
+    Transfers.StopAside();
 }
 
 void StandartApplication::Uninit() {}
@@ -53,15 +51,19 @@ QString StandartApplication::SettingKey(char const* p_Suffix) const
 QString StandartApplication::Folder() const
 {
     QMutexLocker const lock(&RunMutex);
-    if (InstallationPath.isEmpty() || InstallationPath.endsWith(QLatin1Char('/')))
-        return InstallationPath;
-    return InstallationPath + QLatin1Char('/');
+    return InstallationPath.isEmpty() ? QString() : Helper::Paths::WithSlash(InstallationPath);
 }
 
 void StandartApplication::MarkManifestBuilt()
 {
     if (!ReadSetting(SettingKey(".ManifestBuilt"), false).toBool())
         WriteSetting(SettingKey(".ManifestBuilt"), true);
+}
+
+void StandartApplication::SetFirstManifestBuild(bool p_IsFirst)
+{
+    QMutexLocker const lock(&RunMutex);
+    IsFirstManifestBuild = p_IsFirst;
 }
 
 quint32 StandartApplication::PercentOf(quint64 p_Current, quint64 p_Total)
@@ -107,10 +109,7 @@ StandartApplication::RunScope::~RunScope()
 
 StandartApplication::RunId StandartApplication::BeginRun()
 {
-    if (CurrentDownload != nullptr) {
-        CurrentDownload->Abort();
-        SetTransferAside();
-    }
+    Transfers.Replace();
     // Silent, they would keep the few connections that a server is given from the new run.
     DropSizeQueries();
     return ReplaceList();
@@ -121,22 +120,9 @@ StandartApplication::RunId StandartApplication::ReplaceList()
     QMutexLocker const lock(&RunMutex);
     FilesToDownload.clear();
     FilesBegun = false;
-    StartAfterAbort = false;
-    ++ResumeTicket;
+    Transfers.ForgetStart();
+    Resumes.VoidAll();
     return ++CurrentRun;
-}
-
-void StandartApplication::SetTransferAside()
-{
-    if (CurrentDownload != nullptr)
-        TransfersAside.insert(CurrentDownload);
-    CurrentDownload = nullptr;
-}
-
-void StandartApplication::StopTransfersAside()
-{
-    for (HTTP_DownloadFileRequest* const aside : TransfersAside)
-        aside->Abort();
 }
 
 void StandartApplication::OnInstall() {}

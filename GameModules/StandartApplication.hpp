@@ -1,19 +1,19 @@
 #pragma once
 
-#include "GameModules/LinkGuard.hpp"
+#include "GameModules/LinkWatch.hpp"
+#include "GameModules/ResumeGate.hpp"
+#include "GameModules/TransferSlot.hpp"
 #include "Launcher/Application/Application.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QFileDevice>
 #include <QMutex>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <atomic>
 #include <functional>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace Varnholt::Launcher {
@@ -43,7 +43,8 @@ class ManifestComparison;
 /// carries the id of its run. `OnManifestReceived()` begins a new one, as does the change to the
 /// streamed files, and what is left of the older run then ends quietly wherever it is: closures
 /// return, its transfer is stopped, its completion is dropped. `RunMutex` guards what a worker and
-/// the application thread share; it is never held while the network or the host is called.
+/// the application thread share; it is never held while the network, the disk, the log or the host
+/// is waited for.
 class StandartApplication : public Application {
     Q_OBJECT
 
@@ -172,6 +173,7 @@ protected:
     /// A host setting of this application.
     QString SettingKey(char const* p_Suffix) const;
     void MarkManifestBuilt();
+    void SetFirstManifestBuild(bool p_IsFirst);
     static quint32 PercentOf(quint64 p_Current, quint64 p_Total);
     void ReportFileError(QFileDevice const& p_File);
     void ClearStatusFlags();
@@ -183,28 +185,25 @@ protected:
     void FetchMirrors();
     void OnMirrorsReceived(QByteArray const& p_Data);
 
-    // _Links; any thread.
+    // _Comparison
 
-    /// Begins anew to look for links that lead out of the folder and to warn of them.
-    void LookAtLinksAnew();
-    /// Whether a link leads a path of the game folder out of it: then nothing may be done to what
-    /// it names. Warned of once.
-    bool LeadsOut(QString const& p_Path);
-    /// The same, whatever was found before in this run, which may have begun hours ago.
-    bool LeadsOutByNow(QString const& p_Path);
-    /// Takes a link that leads out from the place of a file that the module writes itself. \return
-    /// false when the file would still be written outside
-    bool MakeOwn(QString const& p_Path);
-
-    void SettleFolder();
+    /// Makes the installation a sub-folder where it is recorded as the program's own folder.
+    void LeaveWorkingFolder();
+    /// Notes in the folder that a first build has not recorded yet all that it checks: until it
+    /// has, whatever becomes of this run or process, the next start is a first build again.
+    void NoteFirstBuild(QString const& p_Folder);
+    bool IsFirstBuildNoted();
+    void ForgetFirstBuild(RunId p_Run, QString const& p_Folder);
     void ShowComparison(std::size_t p_Count);
     ManifestComparison ComparisonFor(RunId p_Run, std::size_t p_Count);
     void CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entries const& p_Entries);
     void CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, bool p_Wait,
                               Entries const& p_Entries);
-    /// Makes a comparison's result the download list and writes the pending list when p_Recorded
-    /// is not null; false when the run was replaced.
-    bool PublishList(RunId p_Run, Entries p_Files, bool p_Base, QStringList const* p_Recorded);
+    /// Writes what a first build has found into a pending list. \param p_Whole every file was
+    /// looked at; else the list also keeps what it names so far \return whether all is recorded
+    bool RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths, bool p_Whole);
+    /// Makes a comparison's result the download list; false when the run was replaced.
+    bool PublishList(RunId p_Run, Entries p_Files, bool p_Base);
     /// The pending list of the files being fetched, base or streamed.
     QString CurrentListPath() const;
 
@@ -221,13 +220,14 @@ protected:
     void BeginFiles(RunId p_Run, QString const& p_DetailText);
     void EndRun(RunId p_Run);
     bool IsFilePending() const;
-    void PollResume(quint64 p_Ticket);
-    void ChooseServer(ApplicationManifestFileEntry const& p_Entry);
+    void PollResume(ResumeGate::Ticket p_Ticket);
+    /// Draws the server for an entry. \return the entry's address there
+    QString ChooseServer(ApplicationManifestFileEntry const& p_Entry);
     QString RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const;
     /// Queues the start of the current file. A suspension that stops a transfer until then, or has
     /// come since the ticket was taken, voids it.
-    void QueueStart(RunId p_Run) { QueueStart(p_Run, ResumeTicket); }
-    void QueueStart(RunId p_Run, quint64 p_Ticket);
+    void QueueStart(RunId p_Run) { QueueStart(p_Run, Resumes.Now()); }
+    void QueueStart(RunId p_Run, ResumeGate::Ticket p_Ticket);
     /// Starts the file at `CurrentDownloadIndex` unless a transfer is in flight.
     void StartCurrentFile(RunId p_Run);
     /// Called when a transfer has ended by an abort: follows it if a resume has come meanwhile.
@@ -237,6 +237,7 @@ protected:
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
     /// again, in the words of the log
     char const* PlaceFile(ApplicationManifestFileEntry const& p_Entry, bool p_Continuable);
+    /// Takes what stands in a file's place away, of a link the link itself.
     void RemoveOldFile(QString const& p_Path);
     void RetryOrGiveUp(char const* p_Reason, ApplicationManifestFileEntry const& p_Entry,
                        quint64 p_ContentLength);
@@ -245,23 +246,16 @@ protected:
     void GoOnWithNextFile(RunId p_Run);
     void RemoveLists(std::vector<QString> const& p_Names);
     void DeleteGameFile(QString const& p_Path);
-    /// Takes the transfer in flight out of the run: its signals will be ignored.
-    void SetTransferAside();
-    /// Ends the transfers that were taken out of their runs, and waits for it.
-    void StopTransfersAside();
 
-    LinkGuard Links;
-    QSet<QString> WarnedLinks; ///< paths of this run
+    LinkWatch Links{Name};
+    TransferSlot Transfers{CurrentDownload};
+    ResumeGate Resumes;
     std::atomic<RunId> CurrentRun{0};
     std::optional<RunId> CompletingRun; ///< whose transfer's end is being handled
     bool FilesBegun = false;            ///< a file of this run has been started, maybe by a resume
-    std::atomic<bool> StartAfterAbort{
-        false}; ///< resumed before the aborted transfer's end was handled
-    /// Grows with every suspension and every run: a start that was asked for before is void.
-    std::atomic<quint64> ResumeTicket{1};
-    quint64 PolledTicket = 0;              ///< of the resume that waits for host and game
-    std::atomic<quint64> PollingTicket{0}; ///< of the resume that the worker is calling
-    std::set<HTTP_DownloadFileRequest*> TransfersAside; ///< of replaced runs, still running
+    /// Held while a list is written for a run, so that none of a replaced run comes behind.
+    QMutex ListMutex;
+    bool BaseIsRecorded = false; ///< by the first build that is under way; the worker's
 };
 
 } // namespace Varnholt::Launcher

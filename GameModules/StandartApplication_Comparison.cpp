@@ -3,44 +3,25 @@
 #include "GameModules/ManifestComparison.hpp"
 #include "GameModules/PendingList.hpp"
 #include "Launcher/Application/LogCategories.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
+#include <QFile>
 #include <QMutexLocker>
 
 namespace Varnholt::Launcher {
 
-namespace {
-
-QString WithSlash(QString p_Path)
-{
-    if (!p_Path.endsWith(QLatin1Char('/')))
-        p_Path += QLatin1Char('/');
-    return p_Path;
-}
-
-/// Adds what a list holds so far: a comparison that was stopped early has not looked at all of it.
-void KeepListed(QString const& p_ListPath, QStringList& p_Recorded)
-{
-    QSet<QString> recorded(p_Recorded.begin(), p_Recorded.end());
-    for (QString const& path : PendingList::Read(p_ListPath, [] { return true; }).Paths) {
-        if (recorded.contains(path))
-            continue;
-        recorded.insert(path);
-        p_Recorded += path;
-    }
-}
-
-} // namespace
-
 void StandartApplication::OnManifestReceived()
 {
     RunId const run = BeginRun();
-    SettleFolder();
-    LookAtLinksAnew();
+    LeaveWorkingFolder();
+    Links.Begin(Folder());
     bool const installed = IsInstalled();
     if (installed) {
+        if (IsFirstManifestBuild)
+            NoteFirstBuild(Folder());
         // One that an uninstallation has let go could wait for a silent server for ever.
-        StopTransfersAside();
+        Transfers.StopAside();
         ShowComparison(Manifest.Files.size());
     } else {
         UISetting.State = ApplicationUISetting::StateNotInstalled;
@@ -62,20 +43,38 @@ void StandartApplication::OnManifestReceived()
     });
 }
 
-void StandartApplication::SettleFolder()
+void StandartApplication::LeaveWorkingFolder()
 {
     QString const recorded = GetInstallationPath();
     if (recorded.isEmpty())
         return;
-    QString path = WithSlash(recorded);
+    QString path = Helper::Paths::WithSlash(recorded);
     // A launcher's own folder is no place for a game: it moves one level down.
-    if (IsInstalled() && path == WithSlash(QDir::currentPath())) {
+    if (IsInstalled() && path == Helper::Paths::WithSlash(QDir::currentPath())) {
+        QFile::remove(path + PendingList::c_FirstBuild);
         path += Name + QLatin1Char('/');
+        NoteFirstBuild(path);
         WriteSetting(SettingKey(".InstallFolder"), path);
-        IsFirstManifestBuild = true;
+        SetFirstManifestBuild(true);
     }
     QMutexLocker const lock(&RunMutex);
     InstallationPath = path;
+}
+
+void StandartApplication::NoteFirstBuild(QString const& p_Folder)
+{
+    if (p_Folder.isEmpty())
+        return;
+    QMutexLocker const lock(&ListMutex);
+    QDir().mkpath(p_Folder);
+    PendingList::Write(Helper::Paths::WithSlash(p_Folder) + PendingList::c_FirstBuild, {});
+}
+
+bool StandartApplication::IsFirstBuildNoted()
+{
+    GetInstallationPath();
+    QString const folder = Folder();
+    return IsInstalled() && !folder.isEmpty() && QFile::exists(folder + PendingList::c_FirstBuild);
 }
 
 void StandartApplication::ShowComparison(std::size_t p_Count)
@@ -99,7 +98,9 @@ ManifestComparison StandartApplication::ComparisonFor(RunId p_Run, std::size_t p
     comparison.Folder = Folder();
     comparison.Locale = GetAppLocale();
     comparison.Continue = [this, p_Run] { return IsCurrentRun(p_Run) && ShouldContinue(); };
-    comparison.LeadsOut = [this](QString const& p_Path) { return LeadsOut(p_Path); };
+    comparison.IsBarred = [this, folder = comparison.Folder](QString const& p_Path) {
+        return Links.IsBarred(folder, p_Path);
+    };
     comparison.OnEntry = [this, p_Run, p_Count](std::size_t p_Index) {
         RunScope const scope(*this, p_Run);
         if (!scope)
@@ -118,13 +119,12 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entri
     Entries found = comparison.Examine(p_Entries);
 
     QString const list = comparison.Folder + PendingList::c_Base;
-    QStringList recorded;
     if (p_FirstBuild) {
+        QStringList paths;
         for (ApplicationManifestFileEntry const& entry : found)
             if (entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
-                recorded += entry.Path;
-        if (!comparison.Continue())
-            KeepListed(list, recorded);
+                paths += entry.Path;
+        BaseIsRecorded = RecordFirstBuild(p_Run, list, paths, comparison.Continue());
     } else {
         QStringList const paths = PendingList::Read(list, comparison.Continue).Paths;
         Entries const leftOver = comparison.LeftOver(p_Entries, paths, found);
@@ -132,7 +132,7 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entri
     }
 
     bool const nothing = found.empty();
-    if (!PublishList(p_Run, std::move(found), true, p_FirstBuild ? &recorded : nullptr))
+    if (!PublishList(p_Run, std::move(found), true))
         return;
     if (nothing)
         CompareStreamed(p_Run, true);
@@ -146,19 +146,19 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
     ManifestComparison const comparison = ComparisonFor(p_Run, p_Entries.size());
     QString const list = comparison.Folder + PendingList::c_Streamed;
     Entries found;
-    QStringList recorded;
     if (p_FirstBuild) {
         found = comparison.Examine(p_Entries);
+        QStringList paths;
         for (ApplicationManifestFileEntry const& entry : found)
-            recorded += entry.Path;
-        if (!comparison.Continue())
-            KeepListed(list, recorded);
+            paths += entry.Path;
+        if (RecordFirstBuild(p_Run, list, paths, comparison.Continue()) && BaseIsRecorded)
+            ForgetFirstBuild(p_Run, comparison.Folder);
     } else {
         found = comparison.Named(p_Entries, PendingList::Read(list, comparison.Continue).Paths);
     }
 
     bool const nothing = found.empty();
-    if (!PublishList(p_Run, std::move(found), false, p_FirstBuild ? &recorded : nullptr))
+    if (!PublishList(p_Run, std::move(found), false))
         return;
     if (nothing)
         EnqueueSync([this, p_Run] { EndRun(p_Run); });
@@ -166,15 +166,34 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
         RequestSizes(p_Run, [this, p_Run, p_Wait] { BeginStreamedFiles(p_Run, p_Wait); });
 }
 
-bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, bool p_Base,
-                                      QStringList const* p_Recorded)
+bool StandartApplication::RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths,
+                                           bool p_Whole)
+{
+    QMutexLocker const lock(&ListMutex);
+    if (!IsCurrentRun(p_Run))
+        return false;
+    if (!p_Whole) {
+        QSet<QString> const found(p_Paths.begin(), p_Paths.end());
+        for (QString const& path : PendingList::Read(p_List, [] { return true; }).Paths)
+            if (!found.contains(path))
+                p_Paths += path;
+    }
+    return PendingList::Write(p_List, p_Paths) && p_Whole;
+}
+
+void StandartApplication::ForgetFirstBuild(RunId p_Run, QString const& p_Folder)
+{
+    QMutexLocker const lock(&ListMutex);
+    if (IsCurrentRun(p_Run))
+        QFile::remove(p_Folder + PendingList::c_FirstBuild);
+}
+
+bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, bool p_Base)
 {
     RunScope const scope(*this, p_Run);
     if (!scope)
         return false;
     IsDownloadingBase = p_Base;
-    if (p_Recorded != nullptr)
-        PendingList::Write(CurrentListPath(), *p_Recorded);
     FilesToDownload = std::move(p_Files);
     if (!FilesToDownload.empty()) {
         // A resume can begin with the files before the sizes are known.
@@ -186,6 +205,7 @@ bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, bool p_Base,
 
 QString StandartApplication::CurrentListPath() const
 {
+    QMutexLocker const lock(&RunMutex);
     return Folder() + (IsDownloadingBase ? PendingList::c_Base : PendingList::c_Streamed);
 }
 

@@ -1,10 +1,12 @@
 #include "GameModules/StandartApplication.hpp"
 
 #include "GameModules/FileDigest.hpp"
+#include "GameModules/FileLink.hpp"
 #include "GameModules/PendingList.hpp"
 #include "GameModules/PermissionBits.hpp"
 #include "Launcher/Application/LogCategories.hpp"
 #include "Launcher/Application/RateClock.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QFile>
 #include <QMutexLocker>
@@ -15,7 +17,7 @@ void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequ
 {
     constexpr int c_SampleMilliseconds = 500;
 
-    if (TransfersAside.count(p_Request) != 0)
+    if (Transfers.IsAside(p_Request))
         return;
     auto& progress = UISetting.Download;
     progress.Current = DownloadedBytes + static_cast<quint64>(p_Request->CurrentBytes);
@@ -29,14 +31,18 @@ void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequ
 
 void StandartApplication::App_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest* p_Request)
 {
-    if (TransfersAside.count(p_Request) == 0)
+    if (!Transfers.IsAside(p_Request))
         CurrentDownload = p_Request;
 }
 
 void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest* p_Request)
 {
-    if (TransfersAside.count(p_Request) != 0)
+    if (Transfers.IsAside(p_Request)) {
+        // Of another run by now, but the restarts are given back whoever has stopped it.
+        if (p_Request->Aborted)
+            DownloadRetryCount = 0;
         return;
+    }
     RunId const run = CurrentRun;
     if (CurrentDownloadIndex >= FilesToDownload.size()) {
         CurrentDownload = nullptr;
@@ -84,13 +90,14 @@ void StandartApplication::UpdatePendingList(QString const& p_Added)
 char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
                                            bool p_Continuable)
 {
+    QString const folder = Folder();
+    Links.LookAgain(); // the run may have begun hours ago
     // The host looks for such files when the run is over.
-    if (LeadsOutByNow(p_Entry.Path))
+    if (Links.IsBarred(folder, p_Entry.Path))
         return nullptr;
-    QString const path = Folder() + p_Entry.Path;
-    QString const part = path + QLatin1String(".part");
-    if (QFile::exists(path))
-        RemoveOldFile(path);
+    QString const path = folder + p_Entry.Path;
+    QString const part = Helper::Paths::PartFile(path);
+    RemoveOldFile(path);
 
     FileDigest const digest = FileDigest::Of(part, ShouldContinue);
     if (!digest.Opened)
@@ -110,7 +117,11 @@ char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p
 void StandartApplication::RemoveOldFile(QString const& p_Path)
 {
     QFile file(p_Path);
-    file.setPermissions(file.permissions() | PermissionBits::c_Write);
+    bool const isLink = FileLink::At(p_Path) != FileLink::Kind::None;
+    if (!isLink && !file.exists())
+        return;
+    if (!isLink)
+        file.setPermissions(file.permissions() | PermissionBits::c_Write);
     if (!file.remove())
         ReportFileError(file);
 }
@@ -150,10 +161,12 @@ void StandartApplication::ShowFileDone(qint64 p_UnsampledBytes)
 void StandartApplication::GoOnWithNextFile(RunId p_Run)
 {
     QString server;
+    bool isBase = false;
     {
         RunScope const scope(*this, p_Run);
         if (!scope)
             return;
+        isBase = IsDownloadingBase;
         ++CurrentDownloadIndex;
         if (CurrentDownloadIndex < FilesToDownload.size()) {
             ChooseServer(FilesToDownload[CurrentDownloadIndex]);
@@ -166,7 +179,7 @@ void StandartApplication::GoOnWithNextFile(RunId p_Run)
         return;
     }
     DropSizeQueries(); // of a run whose files a resume has fetched before their sizes came
-    if (IsDownloadingBase) {
+    if (isBase) {
         CompareStreamed(p_Run, false);
         return;
     }

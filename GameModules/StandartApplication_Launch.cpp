@@ -1,5 +1,6 @@
 #include "GameModules/StandartApplication.hpp"
 
+#include "GameModules/FileLink.hpp"
 #include "GameModules/PermissionBits.hpp"
 #include "Launcher/Application/LogCategories.hpp"
 #include "Launcher/Helper/Process.hpp"
@@ -36,26 +37,29 @@ void StandartApplication::FixPermissions()
         return;
     for (std::size_t i = 0; i < Manifest.Files.size() && ShouldContinue(); ++i) {
         ApplicationManifestFileEntry const& entry = Manifest.Files[i];
-        if (entry.Flags != 0 && QFile::exists(folder + entry.Path) && !LeadsOut(entry.Path))
-            PermissionBits::FixExistingFile(folder + entry.Path, entry);
+        QString const path = folder + entry.Path;
+        // Not through a link: what it leads to has the player's own mode.
+        if (entry.Flags != 0 && QFile::exists(path) && !Links.IsBarred(folder, entry.Path) &&
+            FileLink::At(path) == FileLink::Kind::None)
+            PermissionBits::FixExistingFile(path, entry);
     }
 }
 
 bool StandartApplication::Start(QString, QString)
 {
     SuspendDownload();
-    LookAtLinksAnew();
-    FixPermissions();
     QString const folder = Folder();
+    Links.Begin(folder);
+    FixPermissions();
     auto const executable = std::find_if(Manifest.Files.begin(), Manifest.Files.end(),
                                          [](ApplicationManifestFileEntry const& p_Entry) {
                                              return p_Entry.Has(c_GameExecutableFlag);
                                          });
     if (executable == Manifest.Files.end() || folder.isEmpty())
         return false;
-    if (LeadsOut(executable->Path))
-        return false;
     QString const path = folder + executable->Path;
+    if (Links.IsBarred(folder, executable->Path) || FileLink::At(path) == FileLink::Kind::Strange)
+        return false;
     qCWarning(LogLaunch) << "Start " << path;
     // Handed to the system is started: whether it runs shows in IsGameRunning().
     QProcess::startDetached(path, {QStringLiteral("-noautolaunch64bit")});

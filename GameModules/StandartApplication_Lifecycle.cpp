@@ -1,5 +1,6 @@
 #include "GameModules/StandartApplication.hpp"
 
+#include "GameModules/FileLink.hpp"
 #include "GameModules/PendingList.hpp"
 #include "GameModules/PermissionBits.hpp"
 
@@ -14,13 +15,16 @@ void StandartApplication::Install(QString const& p_Path, bool p_Flag)
 {
     Application::Install(p_Path, p_Flag);
     ReplaceList(); // or a comparison that ends meanwhile would write its list anew
+    if (!p_Flag)
+        NoteFirstBuild(p_Path);
     WriteSetting(SettingKey(".Installed"), true);
     WriteSetting(SettingKey(".InstallFolder"), p_Path);
-    IsFirstManifestBuild = !p_Flag;
+    SetFirstManifestBuild(!p_Flag);
     MarkManifestBuilt();
     GetInstallationPath();
     if (p_Flag)
-        RemoveLists({PendingList::c_Base, PendingList::c_Streamed, PendingList::c_Casc});
+        RemoveLists({PendingList::c_Base, PendingList::c_Streamed, PendingList::c_Casc,
+                     PendingList::c_FirstBuild});
     OnInstall();
     OnManifestReceived();
 }
@@ -29,7 +33,7 @@ void StandartApplication::Repair()
 {
     if (!IsInstalled())
         return;
-    IsFirstManifestBuild = true;
+    SetFirstManifestBuild(true);
     OnManifestReceived();
 }
 
@@ -38,8 +42,9 @@ void StandartApplication::AbortRepair()
     SuspendDownload();
     ReplaceList();
     GetInstallationPath();
-    RemoveLists({PendingList::c_Casc, PendingList::c_Base, PendingList::c_Streamed});
-    IsFirstManifestBuild = false;
+    RemoveLists({PendingList::c_Casc, PendingList::c_Base, PendingList::c_Streamed,
+                 PendingList::c_FirstBuild});
+    SetFirstManifestBuild(false);
     MarkManifestBuilt();
     OnManifestReceived();
 }
@@ -48,33 +53,36 @@ void StandartApplication::Uninstall(bool p_Flag)
 {
     GetInstallationPath();
     QString const folder = Folder();
-    LookAtLinksAnew();
+    Links.Begin(folder);
     if (p_Flag && !folder.isEmpty())
         // Copies: a host that is told of an error may do anything.
         for (Entries const& entries : {Manifest.Files, Manifest.StreamedFiles})
             for (ApplicationManifestFileEntry const& entry : entries)
-                if (!LeadsOut(entry.Path))
+                if (!Links.IsBarred(folder, entry.Path))
                     DeleteGameFile(folder + entry.Path);
 
     QString const prefix = SettingKey(".");
     for (QString const& key : ListSettingKeys())
         if (key.contains(prefix, Qt::CaseInsensitive))
             RemoveSetting(key);
+    RemoveLists({PendingList::c_FirstBuild});
     {
         QMutexLocker const lock(&RunMutex);
         FilesToDownload.clear();
     }
-    SetTransferAside(); // it is not stopped, but what it still signals is nobody's
+    Transfers.SetAside(); // it is not stopped, but what it still signals is nobody's
     OnManifestReceived();
 }
 
 void StandartApplication::DeleteGameFile(QString const& p_Path)
 {
-    if (!QFile::exists(p_Path))
-        return;
+    bool const isLink = FileLink::At(p_Path) != FileLink::Kind::None;
     QFile file(p_Path);
+    if (!isLink && !file.exists())
+        return;
     // Masked, not added to: a read-only file keeps no permission at all.
-    file.setPermissions(file.permissions() & PermissionBits::c_Write);
+    if (!isLink)
+        file.setPermissions(file.permissions() & PermissionBits::c_Write);
     if (!file.remove())
         ReportFileError(file);
     // Takes away an empty folder that stands in the file's place; emptied parents stay.
@@ -91,6 +99,7 @@ void StandartApplication::RemoveLists(std::vector<QString> const& p_Names)
     QString const folder = Folder();
     if (folder.isEmpty())
         return;
+    QMutexLocker const lock(&ListMutex);
     for (QString const& name : p_Names)
         if (QFile::exists(folder + name))
             QFile::remove(folder + name);

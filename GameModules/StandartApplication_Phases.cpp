@@ -2,6 +2,7 @@
 
 #include "GameModules/MirrorChoice.hpp"
 #include "Launcher/Application/LogCategories.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QFile>
 #include <QFileInfo>
@@ -114,8 +115,7 @@ void StandartApplication::RequestSize(RunId p_Run, ApplicationManifestFileEntry 
 {
     if (!IsCurrentRun(p_Run))
         return;
-    ChooseServer(p_Entry);
-    QString const url = RemoteAddress(p_Entry);
+    QString const url = ChooseServer(p_Entry);
     qCWarning(LogDownload) << Name << " Fetch file " << url;
     GetRemoteFileSize(url, [this, p_Run, p_Next](QString const& p_Url, unsigned long long p_Size) {
         if (!IsCurrentRun(p_Run))
@@ -213,10 +213,12 @@ void StandartApplication::EndRun(RunId p_Run)
     FilesBegun = false;
 }
 
-void StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry)
+QString StandartApplication::ChooseServer(ApplicationManifestFileEntry const& p_Entry)
 {
+    // At once: another thread may choose for another entry.
     QMutexLocker const lock(&RunMutex);
     ContentBaseUrl = MirrorChoice::BaseUrlFor(p_Entry, CdnHosts);
+    return RemoteAddress(p_Entry);
 }
 
 QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const
@@ -225,10 +227,10 @@ QString StandartApplication::RemoteAddress(ApplicationManifestFileEntry const& p
     return ContentBaseUrl + AppId + QLatin1Char('/') + p_Entry.Location;
 }
 
-void StandartApplication::QueueStart(RunId p_Run, quint64 p_Ticket)
+void StandartApplication::QueueStart(RunId p_Run, ResumeGate::Ticket p_Ticket)
 {
     EnqueueSync([this, p_Run, p_Ticket] {
-        if (ResumeTicket == p_Ticket)
+        if (Resumes.Holds(p_Ticket))
             StartCurrentFile(p_Run);
     });
 }
@@ -239,13 +241,10 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
     // A file that is being completed is followed by the next one anyway.
     if (!IsCurrentRun(p_Run) || folder.isEmpty() || !IsFilePending() || CompletingRun == p_Run)
         return;
-    if (CurrentDownload != nullptr) {
-        // One transfer at a time; one that was stopped is followed when its completion comes.
-        StartAfterAbort = CurrentDownload->Aborted.load();
+    if (!Transfers.MayStart())
         return;
-    }
     // A transfer of a replaced run may still write the very file that is about to be fetched.
-    StopTransfersAside();
+    Transfers.StopAside();
     QString address;
     QString path;
     QString part;
@@ -260,19 +259,19 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
             ChooseServer(entry);
         address = RemoteAddress(entry);
         path = entry.Path;
-        part = folder + path + QLatin1String(".part");
+        part = Helper::Paths::PartFile(folder + path);
     }
+    Links.LookAgain(); // the run may have begun hours ago
     // A partial file is the module's own. What a link leads to is not, wherever that is.
-    if (LeadsOutByNow(path) || (QFileInfo(part).isSymLink() && !QFile::remove(part)))
+    if (Links.IsBarred(folder, path) || (QFileInfo(part).isSymbolicLink() && !QFile::remove(part)))
         return GoOnWithNextFile(p_Run);
     CurrentDownload = DownloadFile(address, part, true);
 }
 
 void StandartApplication::FollowAbortedTransfer()
 {
-    if (StartAfterAbort)
+    if (Transfers.TakeStart())
         QueueStart(CurrentRun);
-    StartAfterAbort = false;
 }
 
 } // namespace Varnholt::Launcher

@@ -72,18 +72,24 @@ void StandartApplication::FetchMirrors()
 
 void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data)
 {
+    QString server;
     {
         QMutexLocker const lock(&RunMutex);
         CdnHosts = MirrorChoice::HostsOf(p_Data);
-        ContentBaseUrl = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));
+        server = MirrorChoice::BaseUrlOf(MirrorChoice::DrawHost(CdnHosts));
+        ContentBaseUrl = server;
     }
-    qCWarning(LogStartup) << "Selected CDN " << Name << " " << ContentBaseUrl;
+    qCWarning(LogStartup) << "Selected CDN " << Name << " " << server;
 
-    IsFirstManifestBuild = false;
+    // One that has begun before stays a first build until it has recorded what it finds.
+    bool first = IsFirstBuildNoted();
     if (!ReadSetting(SettingKey(".ManifestBuilt"), false).toBool()) {
+        if (IsInstalled())
+            NoteFirstBuild(GetInstallationPath());
         WriteSetting(SettingKey(".ManifestBuilt"), true);
-        IsFirstManifestBuild = true;
+        first = true;
     }
+    SetFirstManifestBuild(first);
     OnManifestReceived();
 }
 

@@ -16,18 +16,18 @@ bool StandartApplication::IsFilePending() const
 void StandartApplication::SuspendDownload()
 {
     // The last thing that a host asks for: nothing may be left running behind it.
-    StopTransfersAside();
+    Transfers.StopAside();
     if (!IsFilePending())
         return ShowIdle();
     // Between two files nothing can be stopped: hosts call again until a transfer is in flight.
     if (CurrentDownload == nullptr)
         return;
     RunId const run = CurrentRun;
-    StartAfterAbort = false;
+    Transfers.ForgetStart();
     {
         // A poll at this moment shows its mode before, or not at all.
         QMutexLocker const lock(&RunMutex);
-        ++ResumeTicket;
+        Resumes.VoidAll();
     }
     CurrentDownload->Abort();
     NotifyDownloadFinished();
@@ -41,20 +41,21 @@ void StandartApplication::ResumeDownload()
 {
     RunId const run = CurrentRun;
     // A poll goes on with the resume that began it: a suspension may have come since it looked.
-    quint64 const ticket = QThread::currentThread() == thread() ? ResumeTicket : PollingTicket;
+    bool const isPoll = QThread::currentThread() != thread();
+    ResumeGate::Ticket const ticket = isPoll ? Resumes.Polled() : Resumes.Now();
     if (!IsFilePending())
         return ShowIdle();
     auto& progress = UISetting.Download;
     {
         RunScope const scope(*this, run);
-        if (!scope || ResumeTicket != ticket)
+        if (!scope || !Resumes.Holds(ticket))
             return;
         progress.Percent = 100;
     }
     bool const running = IsGameRunning();
     {
         RunScope const scope(*this, run);
-        if (!scope || ResumeTicket != ticket)
+        if (!scope || !Resumes.Holds(ticket))
             return;
         progress.Mode = running ? ApplicationUISetting::ModeWaitingForGame
                                 : ApplicationUISetting::ModeWaitingForHost;
@@ -62,40 +63,35 @@ void StandartApplication::ResumeDownload()
     }
     if (IsDownloadBlocked() || running)
         return PollResume(ticket);
-    if (ResumeTicket != ticket)
+    if (!Resumes.Holds(ticket))
         return;
 
     NotifyDownloadStarting();
-    RunScope const scope(*this, run);
-    if (!scope || ResumeTicket != ticket || !IsFilePending())
-        return;
-    progress.Mode = ApplicationUISetting::ModeDownloading;
-    progress.Percent = PercentOf(progress.Current, progress.Total);
-    UISettingChanged = true;
-    ChooseServer(FilesToDownload[CurrentDownloadIndex]);
-    qCWarning(LogDownload) << "Selected CDN " << Name << " " << ContentBaseUrl;
+    QString server;
+    {
+        RunScope const scope(*this, run);
+        if (!scope || !Resumes.Holds(ticket) || !IsFilePending())
+            return;
+        progress.Mode = ApplicationUISetting::ModeDownloading;
+        progress.Percent = PercentOf(progress.Current, progress.Total);
+        UISettingChanged = true;
+        ChooseServer(FilesToDownload[CurrentDownloadIndex]);
+        server = ContentBaseUrl;
+    }
+    qCWarning(LogDownload) << "Selected CDN " << Name << " " << server;
     QueueStart(run, ticket);
 }
 
-void StandartApplication::PollResume(quint64 p_Ticket)
+void StandartApplication::PollResume(ResumeGate::Ticket p_Ticket)
 {
     constexpr unsigned long c_PollMilliseconds = 100;
 
-    QMutexLocker const lock(&RunMutex);
-    if (PolledTicket == p_Ticket) // one poll is enough, however often a resume is asked for
+    if (!Resumes.BeginPoll(p_Ticket))
         return;
-    PolledTicket = p_Ticket;
     EnqueueAsync([this, p_Ticket] {
         QThread::msleep(c_PollMilliseconds);
-        {
-            QMutexLocker const poll(&RunMutex);
-            // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): the object is not null
-            if (ResumeTicket != p_Ticket)
-                return;
-            PolledTicket = 0;
-            PollingTicket = p_Ticket;
-        }
-        ResumeDownload();
+        if (Resumes.EndPoll(p_Ticket))
+            ResumeDownload();
     });
 }
 

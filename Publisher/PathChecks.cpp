@@ -41,7 +41,7 @@ bool IsPendingList(QString const& p_Path)
         return p_Path.compare(p_Name, Qt::CaseInsensitive) == 0;
     };
     return isNamed(PendingList::c_Base) || isNamed(PendingList::c_Streamed) ||
-           isNamed(PendingList::c_Casc);
+           isNamed(PendingList::c_Casc) || isNamed(PendingList::c_FirstBuild);
 }
 
 bool HasTooLongName(QString const& p_Path)

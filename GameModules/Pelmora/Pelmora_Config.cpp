@@ -68,7 +68,7 @@ void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line)
     if (folder.isEmpty()) // the file would be one of the current folder
         return;
     QString const config = QStringLiteral("WTF/Config.wtf");
-    if (MakeOwn(config))
+    if (Links.MakeRoom(folder, config))
         PatchWoWTextFile(folder + config, p_Key, p_Line, true);
 }
 

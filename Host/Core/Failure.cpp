@@ -66,7 +66,8 @@ constexpr Row c_Table[] = {
      "remove what stands in its way or change the permissions, then try again"},
     {FailureKind::LinkLeadsOut, 7, "link-leads-out",
      "the symbolic link {s} leads out of the game's folder, to {d}",
-     "put a folder or file in its place, then run \"repair\"; everything else is in place"},
+     "connect the disk that it leads to, or put a link of your own, a folder or a file in its "
+     "place; then run \"repair\"; everything else is in place"},
     {FailureKind::SettingsUnwritable, 7, "settings-unwritable",
      "the settings file {s} cannot be written", "change its permissions or choose another file"},
     {FailureKind::FolderLocked, 8, "folder-locked", "another program works in the folder {s}",

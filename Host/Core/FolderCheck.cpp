@@ -34,9 +34,10 @@ bool IsSame(QString const& p_Path, QString const& p_Other)
 bool HoldsForeignFiles(QString const& p_Folder)
 {
     QDir const folder(p_Folder);
-    if (folder.exists(Launcher::PendingList::c_Base) ||
-        folder.exists(Launcher::PendingList::c_Streamed))
-        return false;
+    for (QString const& list : {Launcher::PendingList::c_Base, Launcher::PendingList::c_Streamed,
+                                Launcher::PendingList::c_FirstBuild})
+        if (folder.exists(list))
+            return false;
     // Of an installation that was killed before it had recorded itself.
     QStringList const names =
         folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);

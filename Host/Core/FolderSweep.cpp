@@ -3,6 +3,7 @@
 #include "GameModules/LinkGuard.hpp"
 #include "GameModules/Pelmora/LoginScreen.hpp"
 #include "GameModules/PendingList.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -24,28 +25,27 @@ void RemoveEmptyFolders(QString const& p_Folder, QString const& p_Path)
 
 void Run(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder)
 {
-    for (QString const& list : {Launcher::PendingList::c_Base, Launcher::PendingList::c_Streamed,
-                                Launcher::PendingList::c_Casc})
+    using Launcher::PendingList;
+
+    for (QString const& list : {PendingList::c_Base, PendingList::c_Streamed, PendingList::c_Casc,
+                                PendingList::c_FirstBuild})
         QFile::remove(p_Folder + list);
-    // What a link on the way leads out to is not the game's; a link in a file's place is only that.
     Launcher::LinkGuard links(p_Folder);
-    auto const isInside = [&](QString const& p_Path) {
-        QString const above = QFileInfo(p_Path).path();
-        return above == QLatin1String(".") || !links.LeadingOut(above);
-    };
-    for (char const* const screen :
-         {Launcher::LoginScreen::c_Layout, Launcher::LoginScreen::c_Script})
-        if (isInside(QLatin1String(screen)))
+    // In the login screen's own place a link is only that.
+    QString const screenFolder = QFileInfo(QLatin1String(Launcher::LoginScreen::c_Layout)).path();
+    if (!links.LeadingOut(screenFolder)) {
+        for (char const* const screen :
+             {Launcher::LoginScreen::c_Layout, Launcher::LoginScreen::c_Script})
             QFile::remove(p_Folder + QLatin1String(screen));
+        RemoveEmptyFolders(p_Folder, QLatin1String(Launcher::LoginScreen::c_Layout));
+    }
     for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
         for (Launcher::ApplicationManifestFileEntry const& entry : *entries) {
-            if (!isInside(entry.Path))
+            if (links.OnTheWay(entry.Path))
                 continue;
-            QFile::remove(p_Folder + entry.Path + QLatin1String(".part"));
+            QFile::remove(Launcher::Helper::Paths::PartFile(p_Folder + entry.Path));
             RemoveEmptyFolders(p_Folder, entry.Path);
         }
-    if (isInside(QLatin1String(Launcher::LoginScreen::c_Layout)))
-        RemoveEmptyFolders(p_Folder, QLatin1String(Launcher::LoginScreen::c_Layout));
 }
 
 } // namespace Varnholt::Host::FolderSweep

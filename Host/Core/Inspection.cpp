@@ -27,9 +27,7 @@ void Inspection::Run()
     comparison.Locale = Locale;
     comparison.SkipFirstBuildOnly = !EveryFile;
     Launcher::LinkGuard links(Folder);
-    comparison.LeadsOut = [&](QString const& p_Path) {
-        return links.LeadingOut(p_Path).has_value();
-    };
+    comparison.IsBarred = [&](QString const& p_Path) { return links.OnTheWay(p_Path).has_value(); };
     comparison.Continue = [this] { return !Stopped; };
     comparison.OnEntry = [this](std::size_t) { ++Number; };
 

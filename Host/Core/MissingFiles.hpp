@@ -11,16 +11,17 @@
 namespace Varnholt::Host {
 
 /// The files, base and streamed, that an installation in a language wants and that are not there.
-/// A folder in a file's place counts as missing, a file that a link leads out of the folder does
-/// not: the module leaves it alone. Looks at existence only: the module verifies what it puts in
-/// place, and removes what it replaces. \param p_Folder ends in "/"
+/// A folder in a file's place counts as missing, as does a link that gives way to the file; a file
+/// that a link keeps out of reach does not: the module leaves it alone. Looks at existence only:
+/// the module verifies what it puts in place, and removes what it replaces. \param p_Folder ends in
+/// "/"
 std::vector<Launcher::ApplicationManifestFileEntry>
 MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
              QString const& p_Locale);
 
-/// A symbolic link that leads one of the wanted files out of the folder.
+/// A symbolic link that keeps one of the wanted files out of reach.
 std::optional<Launcher::LinkGuard::Link>
-LinkLeadingOut(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
-               QString const& p_Locale);
+LinkOnTheWay(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
+             QString const& p_Locale);
 
 } // namespace Varnholt::Host

@@ -1,5 +1,6 @@
 #include "Host/Core/RunControl.hpp"
 
+#include "GameModules/FileLink.hpp"
 #include "GameModules/Pelmora/LoginScreen.hpp"
 #include "Host/Core/FolderSweep.hpp"
 
@@ -118,9 +119,12 @@ void RunControl::Play()
     });
     if (executable == files.end())
         return Fail({FailureKind::ExecutableUnknown, Result.Build, {}});
-    if (auto const link = Launcher::LinkGuard(Folder()).LeadingOut(executable->Path))
+    if (auto const link = Launcher::LinkGuard(Folder()).OnTheWay(executable->Path))
         return Fail({FailureKind::LinkLeadsOut, link->Path, link->Target});
     QFileInfo program(Folder() + executable->Path);
+    if (program.exists() &&
+        Launcher::FileLink::At(program.filePath()) == Launcher::FileLink::Kind::Strange)
+        return Fail({FailureKind::LinkLeadsOut, program.filePath(), program.symLinkTarget()});
     if (!program.exists())
         return Fail({FailureKind::ExecutableMissing, program.filePath(), {}});
     if (!program.isFile())

@@ -112,7 +112,7 @@ void RunControl::Verify()
 std::optional<Failure> RunControl::LinkFailure() const
 {
     Launcher::StandartApplication& module = Context.Module;
-    auto const link = LinkLeadingOut(module.Manifest, Folder(), module.GetAppLocale());
+    auto const link = LinkOnTheWay(module.Manifest, Folder(), module.GetAppLocale());
     if (!link)
         return std::nullopt;
     return Failure{FailureKind::LinkLeadsOut, link->Path, link->Target};

@@ -46,7 +46,7 @@ void ComparisonBigManifestTest::init()
     Comparison.Folder = Temporary->path() + '/';
     Comparison.Continue = [this] { return ++Work <= 10 * c_Entries; }; // no test for hours
     Comparison.OnEntry = [](std::size_t) {};
-    Comparison.LeadsOut = [this](QString const&) { return ++LooksAtLinks < 0; };
+    Comparison.IsBarred = [this](QString const&) { return ++LooksAtLinks < 0; };
 }
 
 ManifestComparison::Entries ComparisonBigManifestTest::Entries(int p_Paths)

@@ -108,7 +108,7 @@ bool EnduringGame::RunUntil(std::function<bool()> const& p_Condition)
 bool EnduringGame::IsBusy() const
 {
     return Host.SyncCount() != 0 || Host.AsyncCount() != 0 || App.CurrentDownload != nullptr ||
-           !App.ContentRequests.empty() || !App.TransfersAside.empty() ||
+           !App.ContentRequests.empty() || App.Transfers.AsideCount() != 0 ||
            std::any_of(App.ContentSizeRequests.begin(), App.ContentSizeRequests.end(),
                        [](auto const& p_Row) { return !p_Row.first->isFinished(); });
 }
@@ -149,7 +149,7 @@ QStringList EnduringGame::Violations()
 {
     QStringList violations = Transfers.TakeFaults();
     if (auto* const transfer = App.CurrentDownload) {
-        if (App.TransfersAside.count(transfer) != 0)
+        if (App.Transfers.IsAside(transfer))
             violations += QStringLiteral("a transfer of a replaced run is the current one");
         if (!transfer->FilePath.startsWith(App.Folder()))
             violations += transfer->FilePath + QStringLiteral(" is no file of the installation");
@@ -192,7 +192,7 @@ QString EnduringGame::Describe() const
     lines += QStringLiteral("%1 fetches, %2 size queries, %3 transfers aside, queues %4 and %5")
                  .arg(App.ContentRequests.size())
                  .arg(App.ContentSizeRequests.size())
-                 .arg(App.TransfersAside.size())
+                 .arg(App.Transfers.AsideCount())
                  .arg(App.SyncQueue.size())
                  .arg(App.AsyncQueue.size());
     for (auto const& row : App.ContentRequests)

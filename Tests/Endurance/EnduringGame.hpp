@@ -24,7 +24,7 @@ public:
     using Pelmora::CurrentRun;
     using Pelmora::Folder;
     using Pelmora::IsFilePending;
-    using Pelmora::TransfersAside;
+    using Pelmora::Transfers;
 };
 
 /// A small game of every kind of file on two servers, its module and a host. Its executable does

@@ -32,7 +32,7 @@ private Q_SLOTS:
 
 private:
     /// A game that was uninstalled in the middle of a transfer which brings nothing more.
-    [[nodiscard]] static bool LetTransferGo(Game& p_Game);
+    [[nodiscard]] static Launcher::HTTP_DownloadFileRequest* LetTransferGo(Game& p_Game);
     /// As many files as there are connections, their sizes never told.
     static void AddFilesOfUnknownSize(Game& p_Game);
 };
@@ -170,7 +170,7 @@ void SilentServerTest::ConnectionsInUseAreRenewedWhenTheyAreFree()
     QTRY_COMPARE(server.OpenConnections(), 0);
 }
 
-bool SilentServerTest::LetTransferGo(Game& p_Game)
+Launcher::HTTP_DownloadFileRequest* SilentServerTest::LetTransferGo(Game& p_Game)
 {
     constexpr int c_Arrived = 100;
     p_Game.Add({"a", SampleContent::Bytes(500)});
@@ -179,9 +179,10 @@ bool SilentServerTest::LetTransferGo(Game& p_Game)
         .Then(Answer::SilentAfter(c_Arrived));
     p_Game.Begin();
     if (!p_Game.RunUntilPart("a", c_Arrived))
-        return false;
+        return nullptr;
+    auto* const transfer = p_Game.App.CurrentDownload;
     p_Game.App.Uninstall(false);
-    return p_Game.App.TransfersAside.size() == 1;
+    return p_Game.App.Transfers.IsAside(transfer) ? transfer : nullptr;
 }
 
 void SilentServerTest::ATransferLetGoEndsWithTheNextInstallation()
@@ -190,7 +191,7 @@ void SilentServerTest::ATransferLetGoEndsWithTheNextInstallation()
     QVERIFY(LetTransferGo(game));
     game.Put("a", SampleContent::Bytes(500)); // so that there is nothing to fetch
     game.App.Install(game.Folder, false);
-    QVERIFY(game.Host.RunUntil([&] { return game.App.TransfersAside.empty(); }));
+    QVERIFY(game.Host.RunUntil([&] { return game.App.Transfers.AsideCount() == 0; }));
     QVERIFY(game.Finish());
     QCOMPARE(game.Requests("a"), 2);
 }
@@ -198,12 +199,12 @@ void SilentServerTest::ATransferLetGoEndsWithTheNextInstallation()
 void SilentServerTest::ATransferLetGoEndsWithASuspension()
 {
     Game game;
-    QVERIFY(LetTransferGo(game));
-    auto const* const transfer = *game.App.TransfersAside.begin();
+    auto const* const transfer = LetTransferGo(game);
+    QVERIFY(transfer);
     QVERIFY(!transfer->Aborted);
     game.App.SuspendDownload();
     QVERIFY(transfer->AbortAcknowledged);
-    QVERIFY(game.Host.RunUntil([&] { return game.App.TransfersAside.empty(); }));
+    QVERIFY(game.Host.RunUntil([&] { return game.App.Transfers.AsideCount() == 0; }));
 }
 
 } // namespace Varnholt::TestSupport

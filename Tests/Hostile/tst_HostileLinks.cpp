@@ -5,78 +5,77 @@
 
 namespace Varnholt::TestSupport {
 
-/// Symbolic links on the way to the build's files, or in their places.
+/// Symbolic links on the way to the build's files, or in their places: the player's own, which are
+/// followed, and those of others, which lead where they will.
 class HostileLinksTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void WhatALinkLeadsOutIsLeftAloneInAWholeLife_data();
-    void WhatALinkLeadsOutIsLeftAloneInAWholeLife();
+    void WhatIsNotFollowedIsLeftAloneInAWholeLife_data();
+    void WhatIsNotFollowedIsLeftAloneInAWholeLife();
     void EachFileLeftAloneIsWarnedOfOnceInARun();
     void TheNextRunAfterTheLinkIsGoneCompletesTheGame();
+    void AFolderThatThePlayerHasMovedIsFollowedInAWholeLife();
+    void AGoodFileBehindThePlayersLinkIsAsGood();
+    void AnyOtherLinkInAFilesPlaceGivesWay_data();
+    void AnyOtherLinkInAFilesPlaceGivesWay();
     void ALinkThatIsMadeDuringTheRunIsSeen_data();
     void ALinkThatIsMadeDuringTheRunIsSeen();
     void OfAnotherLanguageALinkIsNobodysConcern();
-    void AProgramThatALinkLeadsOutIsNotStarted();
-    void ALinkThatStaysInsideGoesOnWorking_data();
-    void ALinkThatStaysInsideGoesOnWorking();
+    void AProgramThatAnothersLinkLeadsToIsNotStarted();
+    void AFolderThatStaysInsideGoesOnWorking_data();
+    void AFolderThatStaysInsideGoesOnWorking();
     void TheFolderItselfMayBeALink();
 };
 
-void HostileLinksTest::WhatALinkLeadsOutIsLeftAloneInAWholeLife_data()
+void HostileLinksTest::WhatIsNotFollowedIsLeftAloneInAWholeLife_data()
 {
-    QTest::addColumn<QString>("Link");
     QTest::addColumn<QString>("Target"); // "(out)" is the tree beside the folder
-    QTest::addColumn<bool>("IsThere");
-    QTest::newRow("folder") << "Data"
-                            << "(out)" << true;
-    QTest::newRow("folder that is not there") << "Data"
-                                              << "(out)/none" << false;
-    QTest::newRow("file") << "readme.txt"
-                          << "(out)/file" << true;
-    QTest::newRow("file that is not there") << "readme.txt"
-                                            << "(out)/none" << false;
-    QTest::newRow("circle") << "readme.txt"
-                            << "readme.txt" << false;
+    QTest::addColumn<bool>("IsPlayers");
+    QTest::newRow("another's") << "(out)" << false;
+    QTest::newRow("another's, to nothing") << "(out)/none" << false;
+    QTest::newRow("the player's, to nothing") << "(out)/none" << true;
+    QTest::newRow("the player's, to a file") << "(out)/file" << true;
+    QTest::newRow("a circle") << "Data" << true;
 }
 
-void HostileLinksTest::WhatALinkLeadsOutIsLeftAloneInAWholeLife()
+void HostileLinksTest::WhatIsNotFollowedIsLeftAloneInAWholeLife()
 {
-    QFETCH(QString, Link);
     QFETCH(QString, Target);
-    QFETCH(bool, IsThere);
+    QFETCH(bool, IsPlayers);
     HostileGame game;
     game.AddEntry("Data/program", HostileGame::c_Executable)
         .AddEntry("Data/file", HostileGame::c_ReadOnly)
         .AddEntry("Data/deep/below/file", HostileGame::c_ReadOnly | HostileGame::c_Executable, true)
         .AddEntry("Data/empty/new");
-    game.Link(Link, Target.replace("(out)", game.Outside.Path()));
+    game.Link("Data", Target.replace("(out)", game.Outside.Path()));
+    if (!IsPlayers && !GiveLinkToAnother(game.Path("Data")))
+        QSKIP("only root can give a link to another user");
     game.Begin();
 
     QCOMPARE(game.InstallOver(), QString("link-leads-out"));
     QCOMPARE(game.Disturbances(), QStringList());
     QCOMPARE(game.Result().Problem->ExitStatus(), 7);
-    QVERIFY2(game.Sentence().contains(game.Path(Link)), qPrintable(game.Sentence()));
-    for (SampleFile const& file : game.Content.Files) {
-        bool const isLeftAlone = file.Path == Link || file.Path.startsWith(Link + '/');
-        if (!isLeftAlone && file.Locale != "frFR")
+    QVERIFY2(game.Sentence().contains(game.Path("Data")), qPrintable(game.Sentence()));
+    for (SampleFile const& file : game.Content.Files)
+        if (!file.Path.startsWith("Data/"))
             QCOMPARE(game.Read(file.Path), file.Bytes);
-    }
     QVERIFY(game.IsMarkedUnfinished());
     for (RequestType const kind :
          {RequestType::Update, RequestType::Check, RequestType::Verify, RequestType::Repair})
         QCOMPARE(game.Run(kind), QString("link-leads-out"));
     QCOMPARE(game.Play(), QString("done"));
-    QCOMPARE(game.Uninstall(), QString(IsThere ? "files-not-removed" : "done"));
+    bool const isFolder = QFileInfo(game.Path("Data")).isDir();
+    QCOMPARE(game.Uninstall(), QString(isFolder ? "files-not-removed" : "done"));
     QCOMPARE(game.Disturbances(), QStringList());
-    QVERIFY(QFileInfo(game.Path(Link)).isSymLink());
+    QVERIFY(QFileInfo(game.Path("Data")).isSymbolicLink());
 }
 
 void HostileLinksTest::EachFileLeftAloneIsWarnedOfOnceInARun()
 {
     HostileGame game;
     game.AddEntry("Data/program", HostileGame::c_Executable);
-    game.Link("Data", game.Outside.Path());
+    game.Link("Data", "none");
     game.Begin();
     QCOMPARE(game.InstallOver(), QString("link-leads-out"));
     for (char const* const name : {"Data/program", "Data/base.MPQ", "Data/streamed 1.MPQ"})
@@ -91,7 +90,7 @@ void HostileLinksTest::TheNextRunAfterTheLinkIsGoneCompletesTheGame()
 {
     HostileGame game;
     game.AddEntry("Data/first", 0x20).AddEntry("Data/later", 0, true);
-    game.Link("Data", game.Outside.Path());
+    game.Link("Data", "none");
     game.Begin();
     QCOMPARE(game.InstallOver(), QString("link-leads-out"));
     QVERIFY(QFile::remove(game.Path("Data")));
@@ -102,22 +101,116 @@ void HostileLinksTest::TheNextRunAfterTheLinkIsGoneCompletesTheGame()
     QCOMPARE(game.Disturbances(), QStringList());
 }
 
+void HostileLinksTest::AFolderThatThePlayerHasMovedIsFollowedInAWholeLife()
+{
+    HostileGame game;
+    game.AddEntry("Data/program", HostileGame::c_Executable)
+        .AddEntry("Data/deep/file", HostileGame::c_ReadOnly);
+    QString const disk = game.Base + "another disk/";
+    QVERIFY(WriteFile(disk + "the player's own", "of the player"));
+    game.Link("Data", disk);
+    game.Begin();
+    QCOMPARE(game.InstallOver(), QString("done"));
+    QCOMPARE(game.Wrong() + game.WrongEntries(), QStringList());
+    QCOMPARE(ReadFile(disk + "deep/file"), game.Read("Data/deep/file"));
+    QCOMPARE(ModeOf(disk + "program"), 0777);
+    QVERIFY(!game.IsMarkedUnfinished());
+    for (RequestType const kind : {RequestType::Update, RequestType::Check, RequestType::Verify})
+        QCOMPARE(game.Run(kind), QString("done"));
+    game.Damage("Data/base.MPQ");
+    QCOMPARE(game.Run(RequestType::Verify), QString("files-wrong"));
+    QCOMPARE(game.Run(RequestType::Repair), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Play(), QString("done"));
+    QCOMPARE(game.Uninstall(), QString("done"));
+    QVERIFY(QFileInfo(game.Path("Data")).isSymbolicLink());
+    QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList("the player's own"));
+    QCOMPARE(game.Log.CountContaining("leads out"), 0);
+}
+
+void HostileLinksTest::AGoodFileBehindThePlayersLinkIsAsGood()
+{
+    HostileGame game;
+    game.AddEntry("file", HostileGame::c_ReadOnly | HostileGame::c_Executable);
+    QString const mine = game.Base + "mine";
+    QVERIFY(WriteFile(mine, HostileGame::BytesOf("file")) && SetMode(mine, 0640));
+    game.Link("file", mine);
+    game.Begin();
+    QCOMPARE(game.InstallOver(), QString("done"));
+    for (RequestType const kind :
+         {RequestType::Update, RequestType::Check, RequestType::Verify, RequestType::Repair})
+        QCOMPARE(game.Run(kind), QString("done"));
+    QCOMPARE(game.Play(), QString("done"));
+    QVERIFY(QFileInfo(game.Path("file")).isSymbolicLink());
+    QCOMPARE(game.Server.Count("/pelmora_app/hostile/0"), 0);
+    QCOMPARE(ModeOf(mine), 0640);
+    QCOMPARE(game.Uninstall(), QString("done"));
+    QVERIFY(!QFileInfo(game.Path("file")).isSymbolicLink());
+    QCOMPARE(ReadFile(mine), HostileGame::BytesOf("file"));
+    QCOMPARE(ModeOf(mine), 0640);
+}
+
+void HostileLinksTest::AnyOtherLinkInAFilesPlaceGivesWay_data()
+{
+    QTest::addColumn<QString>("Target");
+    QTest::addColumn<bool>("IsPlayers");
+    QTest::newRow("the player's, to other bytes") << "(base)mine" << true;
+    QTest::newRow("the player's, to nothing") << "none" << true;
+    QTest::newRow("the player's, to a folder") << "(base)" << true;
+    QTest::newRow("a circle") << "file" << true;
+    QTest::newRow("another's, to a good file") << "(base)good" << false;
+    QTest::newRow("another's, to a good file inside") << "inside" << false;
+    QTest::newRow("another's, to nothing") << "none" << false;
+}
+
+void HostileLinksTest::AnyOtherLinkInAFilesPlaceGivesWay()
+{
+    QFETCH(QString, Target);
+    QFETCH(bool, IsPlayers);
+    for (qint32 const flags : {0, HostileGame::c_ReadOnly | HostileGame::c_Executable}) {
+        HostileGame game;
+        game.AddEntry("file", flags);
+        QString const mine = game.Base + "mine";
+        QVERIFY(WriteFile(mine, "of the player") && SetMode(mine, 0440));
+        for (QString const& good : {game.Base + "good", game.Path("inside")})
+            QVERIFY(WriteFile(good, HostileGame::BytesOf("file")) && SetMode(good, 0640));
+        QString target = Target;
+        game.Link("file", target.replace("(base)", game.Base));
+        if (!IsPlayers && !GiveLinkToAnother(game.Path("file")))
+            QSKIP("only root can give a link to another user");
+        game.Begin();
+        QCOMPARE(game.InstallOver(), QString("done"));
+        QCOMPARE(game.WrongEntries(), QStringList());
+        QVERIFY(!QFileInfo(game.Path("file")).isSymbolicLink());
+        QCOMPARE(ReadFile(mine), QByteArray("of the player"));
+        QCOMPARE(ModeOf(mine), 0440);
+        QCOMPARE(ModeOf(game.Base + "good"), 0640);
+        QCOMPARE(ModeOf(game.Path("inside")), 0640);
+    }
+}
+
 void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen_data()
 {
     QTest::addColumn<QString>("Link");
     QTest::addColumn<QString>("Target");
+    QTest::addColumn<QString>("End");
     QTest::newRow("before a file is fetched") << "Data/enUS"
-                                              << "";
+                                              << "(out)/none"
+                                              << "link-leads-out";
     QTest::newRow("before a file is placed") << "Data/base.MPQ"
-                                             << "base.MPQ";
+                                             << "(out)/base.MPQ"
+                                             << "done";
     QTest::newRow("before a file is placed, to nothing") << "Data/base.MPQ"
-                                                         << "none";
+                                                         << "(out)/none"
+                                                         << "done";
 }
 
 void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen()
 {
     QFETCH(QString, Link);
     QFETCH(QString, Target);
+    QFETCH(QString, End);
     HostileGame game;
     game.Begin();
     QString const first = game.Content.ServerPath("Data/base.MPQ");
@@ -125,10 +218,11 @@ void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen()
     game.Server.Script(first).Then(Answer::SilentAfter(1000));
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/base.MPQ", 1000));
-    game.Link(Link, game.Outside.Path(Target));
+    game.Link(Link, Target.replace("(out)", game.Outside.Path()));
     game.Server.OpenGate(first);
-    QCOMPARE(game.End(), QString("link-leads-out"));
+    QCOMPARE(game.End(), End);
     QCOMPARE(game.Disturbances(), QStringList());
+    QCOMPARE(game.Read("Data/base.MPQ"), game.Content.Files[0].Bytes);
     QCOMPARE(game.Read("Data/first build.MPQ"), game.Content.Files[1].Bytes);
     QVERIFY(game.Has("Data/streamed 2.MPQ"));
 }
@@ -142,7 +236,7 @@ void HostileLinksTest::OfAnotherLanguageALinkIsNobodysConcern()
     QCOMPARE(game.Disturbances(), QStringList());
 }
 
-void HostileLinksTest::AProgramThatALinkLeadsOutIsNotStarted()
+void HostileLinksTest::AProgramThatAnothersLinkLeadsToIsNotStarted()
 {
     HostileGame game;
     QString const started = game.Base + "started";
@@ -152,44 +246,40 @@ void HostileLinksTest::AProgramThatALinkLeadsOutIsNotStarted()
     game.Begin();
     QCOMPARE(game.Install(), QString("done"));
     game.Link(HostileGame::Program(), script);
+    if (!GiveLinkToAnother(game.Path(HostileGame::Program())))
+        QSKIP("only root can give a link to another user");
     QCOMPARE(game.Play(), QString("link-leads-out"));
     QCOMPARE(game.Disturbances(), QStringList());
     QVERIFY(!QFile::exists(started));
 }
 
-void HostileLinksTest::ALinkThatStaysInsideGoesOnWorking_data()
+void HostileLinksTest::AFolderThatStaysInsideGoesOnWorking_data()
 {
-    QTest::addColumn<QString>("Link");
     QTest::addColumn<QString>("Target");
-    QTest::newRow("folder") << "Data"
-                            << "Elsewhere/deep";
-    QTest::newRow("folder in full") << "Data"
-                                    << "(game)Elsewhere/deep";
-    QTest::newRow("file") << "readme.txt"
-                          << "Elsewhere/file";
+    QTest::newRow("by a detour") << "Elsewhere/deep";
+    QTest::newRow("in full") << "(game)Elsewhere/deep";
 }
 
-void HostileLinksTest::ALinkThatStaysInsideGoesOnWorking()
+void HostileLinksTest::AFolderThatStaysInsideGoesOnWorking()
 {
-    QFETCH(QString, Link);
     QFETCH(QString, Target);
     HostileGame game;
     game.AddEntry("Data/program", HostileGame::c_Executable);
-    game.Put("Elsewhere/file", "read me");
     QVERIFY(QDir().mkpath(game.Path("Elsewhere/deep")));
-    game.Link(Link, Target.replace("(game)", game.Folder));
+    game.Link("Data", Target.replace("(game)", game.Folder));
+    if (IsRoot() && !GiveLinkToAnother(game.Path("Data"))) // nobody cares whose it is
+        QSKIP("root cannot give a link to another user");
     game.Begin();
     QCOMPARE(game.InstallOver(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(ModeOf(game.Path("Data/program")), 0777);
-    QVERIFY(QFileInfo(game.Path(Link)).isSymLink());
+    QVERIFY(QFileInfo(game.Path("Data")).isSymbolicLink());
     QCOMPARE(game.Run(RequestType::Verify), QString("done"));
     game.Damage("Data/base.MPQ");
     QCOMPARE(game.Run(RequestType::Repair), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Uninstall(), QString("done"));
     QVERIFY(!game.Has("Data/base.MPQ"));
-    QVERIFY(!game.Has("readme.txt"));
     QCOMPARE(game.Log.CountContaining("leads out"), 0);
 }
 

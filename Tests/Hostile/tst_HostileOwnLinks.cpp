@@ -1,6 +1,7 @@
 #include "Tests/Hostile/HostileGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 
+#include <QRegularExpression>
 #include <QtTest>
 
 #include <map>
@@ -146,7 +147,13 @@ void HostileOwnLinksTest::ALoginScreenWhoseFolderALinkLeadsOutIsLeftAlone()
         game.Link(link, game.Outside.Path());
         QCOMPARE(game.Play(), QString("done"));
         game.Uninstall();
-        QCOMPARE(game.Disturbances(), QStringList());
+        // The templates are the build's, the screens are not, not even where the player's link is
+        // followed for the build's files.
+        QCOMPARE(game.Disturbances().filter(QRegularExpression("AccountLogin\\.(xml|lua)$")),
+                 QStringList());
+        QVERIFY(QFile::exists(game.Outside.Path("AccountLogin.xml")));
+        QCOMPARE(ReadFile(game.Outside.Path("GlueXMl/AccountLogin.xml")),
+                 QByteArray("the user's own"));
     }
 }
 

@@ -1,5 +1,7 @@
+#include "GameModules/FileLink.hpp"
 #include "GameModules/LinkGuard.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -17,6 +19,11 @@ private Q_SLOTS:
 
     void KnowsWhatALinkLeadsOut_data();
     void KnowsWhatALinkLeadsOut();
+    void FollowsThePlayersFoldersToTheBuildsFiles_data();
+    void FollowsThePlayersFoldersToTheBuildsFiles();
+    void FollowsNoFolderOfAnothersThatLeadsOut();
+    void KnowsWhoseALinkInAFilesPlaceIs();
+    void APathOfThousandsOfFoldersIsWalkedThrough();
     void NamesTheLinkAndWhereItLeads();
     void AFolderThatIsNotThereHasNoLinks();
     void TheFolderMayBeReachedByALink();
@@ -35,7 +42,7 @@ void LinkGuardTest::init()
     Temporary = std::make_unique<QTemporaryDir>();
     Base = QDir(Temporary->path()).canonicalPath() + '/';
     for (char const* const file : {"game/file", "game/deep/below/file", "outside/file",
-                                   "game beside/file", "game/inside/file"})
+                                   "game beside/file", "game/inside/file", "outside/below/file"})
         QVERIFY(WriteFile(Base + file, "x"));
     auto const link = [this](QString const& p_Target, QString const& p_Name) {
         return QFile::link(p_Target, Folder() + p_Name);
@@ -83,6 +90,77 @@ void LinkGuardTest::KnowsWhatALinkLeadsOut()
     LinkGuard guard(Folder());
     QCOMPARE(guard.LeadingOut(Path).has_value(), LeadsOut);
     QCOMPARE(guard.LeadingOut(Path).has_value(), LeadsOut);
+}
+
+void LinkGuardTest::FollowsThePlayersFoldersToTheBuildsFiles_data()
+{
+    QTest::addColumn<QString>("Path");
+    QTest::addColumn<bool>("IsFollowed");
+    for (char const* const path :
+         {"out/file", "out/none", "out-relative/file", "above/game/file", "root/etc", "beside/file",
+          "out-twice/file", "deep/out-by-another/file", "itself/out/file", ".//out//file",
+          // What stands in the place of the file itself is not looked at.
+          "out", "dangling", "circle", "file-out",
+          // Inside, as before.
+          "file", "none/at/all", "in/file", "in/../below/file", "in/../../out/file",
+          "itself/itself/deep/none"})
+        QTest::newRow(path) << path << true;
+    for (char const* const path : {"dangling/file", "circle/file", "circle-a/file", "file-out/file",
+                                   // Above what is followed there is no build.
+                                   "out/../file", "out/below/../file", "itself/../outside/file"})
+        QTest::newRow(path) << path << false;
+}
+
+void LinkGuardTest::FollowsThePlayersFoldersToTheBuildsFiles()
+{
+    QFETCH(QString, Path);
+    QFETCH(bool, IsFollowed);
+    LinkGuard guard(Folder());
+    QCOMPARE(!guard.OnTheWay(Path), IsFollowed);
+    QCOMPARE(!guard.OnTheWay(Path), IsFollowed);
+}
+
+void LinkGuardTest::FollowsNoFolderOfAnothersThatLeadsOut()
+{
+    for (char const* const link : {"out", "in"})
+        if (!GiveLinkToAnother(Folder() + link))
+            QSKIP("only root can give a link to another user");
+    LinkGuard guard(Folder());
+    auto const link = guard.OnTheWay("out/file");
+    QVERIFY(link);
+    QCOMPARE(link->Path, Folder() + "out");
+    QCOMPARE(link->Target, Base + "outside");
+    QVERIFY(guard.OnTheWay("deep/out-by-another/../../out/file"));
+    QVERIFY(!guard.OnTheWay("in/file")); // stays inside
+}
+
+void LinkGuardTest::KnowsWhoseALinkInAFilesPlaceIs()
+{
+    using Launcher::FileLink::At;
+    using Launcher::FileLink::Kind;
+
+    for (char const* const path : {"file", "none", "deep", "out/file"})
+        QCOMPARE(At(Folder() + path), Kind::None);
+    for (char const* const path : {"file-in", "file-out"})
+        QCOMPARE(At(Folder() + path), Kind::Players);
+    for (char const* const path : {"out", "dangling", "circle"}) // lead to no file
+        QCOMPARE(At(Folder() + path), Kind::Strange);
+    if (!GiveLinkToAnother(Folder() + "file-in"))
+        QSKIP("only root can give a link to another user");
+    QCOMPARE(At(Folder() + "file-in"), Kind::Strange);
+    QVERIFY(SetMode(Base, 0755));
+    OrdinaryUser const user;
+    QCOMPARE(At(Folder() + "file-in"), Kind::Players);
+    QCOMPARE(At(Folder() + "file-out"), Kind::Players); // root's
+}
+
+void LinkGuardTest::APathOfThousandsOfFoldersIsWalkedThrough()
+{
+    LinkGuard guard(Folder());
+    QString const deep = QString("a/").repeated(20'000);
+    QVERIFY(!guard.OnTheWay(deep + "file"));
+    QVERIFY(!guard.LeadingOut(deep + "file"));
+    QVERIFY(guard.OnTheWay("dangling/" + deep + "file"));
 }
 
 void LinkGuardTest::NamesTheLinkAndWhereItLeads()

@@ -2,6 +2,9 @@
 
 #include <QtTest>
 
+#include <atomic>
+#include <thread>
+
 namespace Varnholt::TestSupport {
 
 namespace {
@@ -30,6 +33,7 @@ private Q_SLOTS:
     void TheLastAnswerQueuesTheFiles();
     void ASizeThatNeverComesStopsTheRunAtThisPoint();
     void ADeadMirrorStopsTheRunAtThisPoint();
+    void AnotherThreadsChoiceOfServerIsNotTaken();
     void AnErrorPageIsAnAnswerToo();
     void AServerThatNamesNoSizeCountsAsZero();
     void AHostThatStopsQueuesNoFurtherRequest();
@@ -128,8 +132,30 @@ void SizePassTest::ASizeThatNeverComesStopsTheRunAtThisPoint()
     QCOMPARE(game.Host.FinishedCount.load(), 0);
     QCOMPARE(game.Host.Errors(), QStringList());
     QCOMPARE(game.Listed(), QStringList({"a", "b"}));
-    QCOMPARE(game.FilesOnDisk(), QStringList("ToDownloadBase.db"));
+    QCOMPARE(game.FilesOnDisk(), QStringList({"FirstBuild.db", "ToDownloadBase.db"}));
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("b\n"));
+}
+
+/// A resume that polls on the worker chooses a server too.
+void SizePassTest::AnotherThreadsChoiceOfServerIsNotTaken()
+{
+    constexpr int c_Questions = 500;
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"by mirror", "m"}).Add({"by default server", "d", 0x40}).Publish().Install();
+    game.App.CdnHosts = QStringList("mirror.invalid");
+    auto const files = game.App.Manifest.Files;
+    std::atomic<bool> over{false};
+    std::thread poll([&] {
+        while (!over)
+            game.App.ChooseServer(files[0]);
+    });
+    for (int i = 0; i < c_Questions; ++i)
+        game.App.RequestSize(game.App.CurrentRun, files[1], [] {});
+    over = true;
+    poll.join();
+    QCOMPARE(game.Log.CountContaining("Fetch file"), c_Questions);
+    QCOMPARE(game.Log.CountContaining("mirror.invalid"), 0);
+    game.App.DropSizeQueries();
 }
 
 void SizePassTest::ADeadMirrorStopsTheRunAtThisPoint()

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void ARepairWhileAFileIsInFlightFetchesTheRest();
     void AnInstallationElsewhereWhileAFileIsInFlightLeavesTheOldFolder();
     void AnAbortedRepairFetchesWhatTheOrdinaryComparisonFinds();
+    void ARepairInMidTransferHasItsRestarts_data();
+    void ARepairInMidTransferHasItsRestarts();
     void ATransferOfAReplacedRunWritesNoMore();
     void SignalsOfAReplacedTransferAreDropped();
     void ARepairFromTheEndOfARunIsNotDisturbed();
@@ -116,12 +118,11 @@ void ReplacedRunTest::ARepairWhileAFileIsInFlightFetchesTheRest()
     QCOMPARE(game.Read("a"), bytes);
     QCOMPARE(game.Read("b"), QByteArray("b"));
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray(""));
-    // The aborted transfer's completion would have given the restarts back.
-    QCOMPARE(game.App.DownloadRetryCount, 3u);
+    QCOMPARE(game.App.DownloadRetryCount, 0u); // given back by the aborted transfer
     auto const requests = game.Server.Requests(path);
     QCOMPARE(requests.size(), std::size_t{4}); // size, part, size, rest
     QCOMPARE(requests[3].Header("Range"), QByteArray("bytes=2000-"));
-    QVERIFY(game.App.TransfersAside.empty());
+    QVERIFY(game.App.Transfers.AsideCount() == 0);
 }
 
 void ReplacedRunTest::AnInstallationElsewhereWhileAFileIsInFlightLeavesTheOldFolder()
@@ -139,7 +140,7 @@ void ReplacedRunTest::AnInstallationElsewhereWhileAFileIsInFlightLeavesTheOldFol
     QVERIFY(game.Finish());
     QCOMPARE(ContentOf(elsewhere + "a"), bytes);
     QCOMPARE(ContentOf(elsewhere + "b"), QByteArray("b"));
-    QCOMPARE(game.FilesOnDisk(), QStringList({"ToDownloadBase.db", "a.part"}));
+    QCOMPARE(game.FilesOnDisk(), QStringList({"FirstBuild.db", "ToDownloadBase.db", "a.part"}));
     QCOMPARE(game.Read("a.part"), bytes.left(2000));
 }
 
@@ -168,6 +169,38 @@ void ReplacedRunTest::AnAbortedRepairFetchesWhatTheOrdinaryComparisonFinds()
     QVERIFY(game.Finish());
     QCOMPARE(game.Read("first"), QByteArray("f"));
     QCOMPARE(game.Read("s"), QByteArray("s"));
+}
+
+void ReplacedRunTest::ARepairInMidTransferHasItsRestarts_data()
+{
+    QTest::addColumn<bool>("IsAbort");
+    QTest::newRow("repair") << false;
+    QTest::newRow("abort of a repair") << true;
+}
+
+void ReplacedRunTest::ARepairInMidTransferHasItsRestarts()
+{
+    QFETCH(bool, IsAbort);
+    Game game;
+    game.Add({"a", SampleContent::Bytes(3000)}).Add({"b", "good"});
+    game.Server.Script(game.Content.ServerPath("a"))
+        .Then(Answer::Normal())
+        .Then(Answer::SilentAfter(1000));
+    game.Server.Script(game.Content.ServerPath("b"))
+        .Then(Answer::Normal())
+        .Then(Answer::Normal())
+        .Then(Answer::Normal().Body("spoilt"));
+    game.App.DownloadRetryCount = 5;
+    game.Begin();
+    QVERIFY(game.RunUntilPart("a", 1000));
+    if (IsAbort)
+        game.App.AbortRepair();
+    else
+        game.App.Repair();
+    QVERIFY(game.Finish());
+    QCOMPARE(game.Log.Count("(ToManyRetry) Download aborded for  \"b\""), 0);
+    QCOMPARE(game.Read("b"), QByteArray("good"));
+    QCOMPARE(game.App.DownloadRetryCount, 1u);
 }
 
 void ReplacedRunTest::ATransferOfAReplacedRunWritesNoMore()
@@ -210,11 +243,11 @@ void ReplacedRunTest::SignalsOfAReplacedTransferAreDropped()
     game.App.App_OnHTTPDownloadRestarted(&request);
     QVERIFY(game.App.CurrentDownload == nullptr);
     game.App.App_OnHTTPDownloadProgressComplete(&request);
-    QCOMPARE(game.App.DownloadRetryCount, 2u);
+    QCOMPARE(game.App.DownloadRetryCount, 0u); // but that the aborted transfer gives them back
     QCOMPARE(game.App.DownloadedBytes, quint64{0});
     QCOMPARE(game.App.CurrentDownloadIndex, 0u);
     QCOMPARE(game.Read("ToDownload.db"), QByteArray("a\n"));
-    game.App.TransfersAside.clear();
+    QVERIFY(!game.App.Transfers.Retire(&request));
 }
 
 void ReplacedRunTest::ARepairFromTheEndOfARunIsNotDisturbed()

@@ -44,6 +44,14 @@ inline bool SetMode(QString const& p_Path, unsigned p_Mode)
     return chmod(p_Path.toUtf8().constData(), p_Mode) == 0;
 }
 
+/// Makes a link one of another user than this, or than root. \return false when it cannot be done:
+/// only root can
+[[nodiscard]] inline bool GiveLinkToAnother(QString const& p_Path)
+{
+    constexpr unsigned c_Nobody = 65534;
+    return lchown(p_Path.toUtf8().constData(), c_Nobody, c_Nobody) == 0;
+}
+
 /// Permissions do not stop this user.
 inline bool IsRoot()
 {

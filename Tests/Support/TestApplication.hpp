@@ -50,10 +50,12 @@ public:
     }
 
     using StandartApplication::BeginRun;
+    using StandartApplication::ChooseServer;
     using StandartApplication::CurrentRun;
     using StandartApplication::Folder;
+    using StandartApplication::RequestSize;
     using StandartApplication::SettingKey;
-    using StandartApplication::TransfersAside;
+    using StandartApplication::Transfers;
 };
 
 } // namespace Varnholt::TestSupport

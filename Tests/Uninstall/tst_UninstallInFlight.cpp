@@ -56,7 +56,7 @@ bool UninstallInFlightTest::BeginHalf(Game& p_Game, Answer const& p_Answer)
 bool UninstallInFlightTest::RunToItsEnd(Game& p_Game)
 {
     return p_Game.Host.RunUntil([&] {
-        return p_Game.App.TransfersAside.empty() &&
+        return p_Game.App.Transfers.AsideCount() == 0 &&
                p_Game.Log.Count("ApplicationAsyncHttpDownloader::run end") == 1;
     }) && p_Game.Finish();
 }
@@ -135,7 +135,7 @@ void UninstallInFlightTest::ItsRestartDoesNotMakeItTheCurrentOne()
     bool wasCurrent = false;
     QVERIFY(game.Host.RunUntil([&] {
         wasCurrent |= game.App.CurrentDownload != nullptr;
-        return game.App.TransfersAside.empty();
+        return game.App.Transfers.AsideCount() == 0;
     }));
     QVERIFY(game.Requests("a") > requests); // it has been restarted
     QVERIFY(!wasCurrent);
@@ -176,7 +176,7 @@ void UninstallInFlightTest::ASecondUninstallationWhileItRunsIsHarmless()
     QVERIFY(BeginHalf(game));
     game.App.Uninstall(false);
     game.App.Uninstall(true);
-    QCOMPARE(game.App.TransfersAside.size(), std::size_t{1});
+    QCOMPARE(game.App.Transfers.AsideCount(), std::size_t{1});
     OpenGate(game);
     QVERIFY(RunToItsEnd(game));
     QCOMPARE(game.FilesOnDisk(), QStringList({"ToDownloadBase.db", "a.part"}));
@@ -207,7 +207,7 @@ void UninstallInFlightTest::InstallingAgainFetchesEverythingOnceAndWhole()
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray(""));
     QCOMPARE(game.App.UISetting.State, 2);
     QCOMPARE(game.App.DownloadRetryCount, 0u);
-    QVERIFY(game.App.TransfersAside.empty());
+    QVERIFY(game.App.Transfers.AsideCount() == 0);
     auto const requests = game.Server.Requests(game.Content.ServerPath("a"));
     QCOMPARE(requests.size(), std::size_t{4}); // size, half, size, the other half
     QCOMPARE(requests[3].Header("Range"), QByteArray("bytes=2000-"));

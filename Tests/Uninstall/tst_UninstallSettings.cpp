@@ -144,7 +144,7 @@ void UninstallSettingsTest::TheHookSeesTheGameForgotten()
     QCOMPARE(game.App.ManifestHooks, 1);
     QVERIFY(forgotten);
     QVERIFY(!request.Aborted);
-    game.App.TransfersAside.clear();
+    QVERIFY(!game.App.Transfers.Retire(&request));
 }
 
 void UninstallSettingsTest::NothingIsComparedOrFetched()
