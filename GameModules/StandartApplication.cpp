@@ -21,6 +21,7 @@ StandartApplication::StandartApplication(QString const& p_Name, QString const& p
         }
         TransfersAside.erase(p_Request);
     };
+    PassOverFile = [this] { return PassOverCurrentFile(); };
 }
 
 StandartApplication::~StandartApplication()

@@ -221,6 +221,7 @@ protected:
     void BeginFiles(RunId p_Run, QString const& p_DetailText);
     void EndRun(RunId p_Run);
     bool IsFilePending() const;
+    bool PassOverCurrentFile();
     void PollResume(quint64 p_Ticket);
     void ChooseServer(ApplicationManifestFileEntry const& p_Entry);
     QString RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const;
