@@ -20,6 +20,7 @@ StandartApplication::StandartApplication(QString const& p_Name, QString const& p
         if (Transfers.Retire(p_Request))
             FollowAbortedTransfer();
     };
+    PassOverFile = [this] { return PassOverCurrentFile(); };
 }
 
 StandartApplication::~StandartApplication()

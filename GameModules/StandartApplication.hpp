@@ -220,6 +220,7 @@ protected:
     void BeginFiles(RunId p_Run, QString const& p_DetailText);
     void EndRun(RunId p_Run);
     bool IsFilePending() const;
+    bool PassOverCurrentFile();
     void PollResume(ResumeGate::Ticket p_Ticket);
     /// Draws the server for an entry. \return the entry's address there
     QString ChooseServer(ApplicationManifestFileEntry const& p_Entry);

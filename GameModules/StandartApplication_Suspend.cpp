@@ -5,6 +5,8 @@
 #include <QMutexLocker>
 #include <QThread>
 
+#include <cstddef>
+
 namespace Varnholt::Launcher {
 
 bool StandartApplication::IsFilePending() const
@@ -80,6 +82,26 @@ void StandartApplication::ResumeDownload()
     }
     qCWarning(LogDownload) << "Selected CDN " << Name << " " << server;
     QueueStart(run, ticket);
+}
+
+bool StandartApplication::PassOverCurrentFile()
+{
+    if (CurrentDownload != nullptr)
+        return false;
+    {
+        QMutexLocker const lock(&RunMutex);
+        if (!IsFilePending())
+            return false;
+        FilesToDownload.erase(FilesToDownload.begin() +
+                              static_cast<std::ptrdiff_t>(CurrentDownloadIndex));
+    }
+    if (IsFilePending())
+        ResumeDownload();
+    else if (IsDownloadingBase)
+        CompareStreamed(CurrentRun, false);
+    else
+        return false;
+    return true;
 }
 
 void StandartApplication::PollResume(ResumeGate::Ticket p_Ticket)

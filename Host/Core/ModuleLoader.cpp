@@ -7,6 +7,22 @@ namespace Varnholt::Host {
 
 using Launcher::ApplicationRessource;
 
+namespace {
+
+/// Why a module of that layout cannot be used; null when it can.
+std::optional<QString> LayoutCause(QJsonValue const& p_Layout)
+{
+    if (p_Layout == Launcher::c_ApplicationLayout)
+        return std::nullopt;
+    QString const its =
+        p_Layout.isDouble() ? QString::number(p_Layout.toDouble()) : QStringLiteral("not named");
+    return QStringLiteral("its layout is %1, the host's is %2")
+        .arg(its)
+        .arg(Launcher::c_ApplicationLayout);
+}
+
+} // namespace
+
 std::optional<Failure> ModuleLoader::Load(QString const& p_File)
 {
     if (!QFileInfo(p_File).isFile())
@@ -18,6 +34,9 @@ std::optional<Failure> ModuleLoader::Load(QString const& p_File)
     if (id != QLatin1String(Varnholt_Application_iid))
         return Failure{FailureKind::ModuleForeign, p_File,
                        QStringLiteral("its interface is \"%1\"").arg(id)};
+    QJsonObject const metaData = loader.metaData()[QLatin1String("MetaData")].toObject();
+    if (auto const cause = LayoutCause(metaData[QLatin1String("layout")]))
+        return Failure{FailureKind::ModuleForeign, p_File, *cause};
 
     QObject* const instance = loader.instance();
     if (instance == nullptr)
@@ -32,7 +51,7 @@ std::optional<Failure> ModuleLoader::Load(QString const& p_File)
                        QStringLiteral("its object is of another class")};
     }
     File = p_File;
-    MetaData = loader.metaData()[QLatin1String("MetaData")].toObject();
+    MetaData = metaData;
     Object = static_cast<Launcher::StandartApplication*>(object);
     return std::nullopt;
 }

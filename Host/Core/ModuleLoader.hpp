@@ -13,12 +13,12 @@ namespace Varnholt::Host {
 
 /// Loads a module and holds its object.
 ///
-/// The host has its own copy of the module's base classes. Of the object it therefore uses virtual
-/// operations and data members only, and `EnqueueSync` and `EnqueueAsync`.
+/// The host has its own copy of the module's base classes: `Application` tells what it may touch of
+/// the object.
 class ModuleLoader {
 public:
     /// Creates the module's object, on the calling thread, which becomes its application thread.
-    /// The interface identifier is read from the file before any of its code runs.
+    /// The interface identifier and the layout are read from the file before any of its code runs.
     std::optional<Failure> Load(QString const& p_File);
     /// Deletes the object; on the thread that loaded it. The library stays in memory, since Qt may
     /// still hold types that it has registered.

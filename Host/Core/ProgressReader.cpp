@@ -16,19 +16,21 @@ ProgressReader::ProgressReader(Launcher::StandartApplication& p_Module,
 
 RunPhase ProgressReader::Phase() const
 {
+    using Launcher::ApplicationUISetting;
+
     QMutexLocker const lock(&Module.RunMutex);
     switch (Module.UISetting.Download.Mode) {
-    case 0:
+    case ApplicationUISetting::ModeWaitingForHost:
         return RunPhase::WaitingForHost;
-    case 1:
+    case ApplicationUISetting::ModeWaitingForGame:
         return RunPhase::WaitingForGame;
-    case 2:
+    case ApplicationUISetting::ModeAskingSizes:
         return RunPhase::AskingSizes;
-    case 3:
+    case ApplicationUISetting::ModeDownloading:
         return Module.IsDownloadingBase ? RunPhase::DownloadingBase : RunPhase::DownloadingStreamed;
-    case 4:
+    case ApplicationUISetting::ModeSuspended:
         return RunPhase::Suspended;
-    default:
+    default: // comparing
         // Raised for the base files and cleared for the streamed ones.
         return Module.UISetting.Download.StatusFlag ? RunPhase::Comparing
                                                     : RunPhase::ComparingStreamed;

@@ -201,7 +201,7 @@ void RunControl::AfterPump()
     if (CurrentStep != Step::Idle)
         WatchFetches();
     if (CurrentStep == Step::StartingUp) {
-        if (Context.Module.UISetting.State != 0)
+        if (Context.Module.UISetting.State != Launcher::ApplicationUISetting::StateStartingUp)
             OnConnected();
         else if (Context.Watch.Observe())
             OnStartUpFailed();

@@ -23,11 +23,13 @@ void RunControl::OnQuiet()
 {
     Launcher::StandartApplication& module = Context.Module;
     Context.Watch.Reset();
-    int mode = 0;
+    qint32 mode = 0;
+    QString server;
     Launcher::StandartApplication::Entries stopped;
     {
         QMutexLocker const lock(&module.RunMutex);
         mode = module.UISetting.Download.Mode;
+        server = module.ContentBaseUrl;
         if (module.CurrentDownloadIndex < module.FilesToDownload.size())
             stopped = {module.FilesToDownload[module.CurrentDownloadIndex]};
     }
@@ -38,11 +40,10 @@ void RunControl::OnQuiet()
             return Retry(failure);
         return Fail(failure);
     }
-    if (mode == 2 && !stopped.empty()) {
+    if (mode == Launcher::ApplicationUISetting::ModeAskingSizes && !stopped.empty()) {
         // One query without an answer and the size pass never ends.
         auto const note = UnansweredSize();
-        return Retry(note ? ExplainFetch(*note)
-                          : Failure{FailureKind::ServerSilent, module.ContentBaseUrl, {}});
+        return Retry(note ? ExplainFetch(*note) : Failure{FailureKind::ServerSilent, server, {}});
     }
     if (!stopped.empty())
         return PassOver(stopped.front());
@@ -53,7 +54,6 @@ void RunControl::OnQuiet()
 /// shall arrive all the same.
 void RunControl::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
 {
-    Launcher::StandartApplication& module = Context.Module;
     Failure const failure =
         FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain({p_Entry});
     PassedOver.insert(p_Entry.Path);
@@ -64,18 +64,7 @@ void RunControl::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
         return Fail(failure);
     if (!Blocked)
         Blocked = failure;
-    bool isLast = false;
-    {
-        QMutexLocker const lock(&module.RunMutex);
-        auto& files = module.FilesToDownload;
-        files.erase(files.begin() + static_cast<std::ptrdiff_t>(module.CurrentDownloadIndex));
-        isLast = module.CurrentDownloadIndex >= files.size();
-    }
-    if (!isLast)
-        module.ResumeDownload();
-    else if (module.IsDownloadingBase)
-        module.ProcessStreamedContentDownload(false);
-    else
+    if (!Context.Module.PassOverFile())
         Verify();
 }
 

@@ -33,8 +33,9 @@ class ApplicationLink;
 /// The interface of every application module that a launcher loads.
 ///
 /// What a host does, in this order:
-///  1. loads the plug-in and casts its instance to `Application`, on the thread that is to be the
-///     module's application thread; that thread runs an event loop;
+///  1. refuses a plug-in whose metadata tell another layout than `c_ApplicationLayout`, loads it
+///     and casts its instance to `Application`, on the thread that is to be the module's
+///     application thread; that thread runs an event loop;
 ///  2. sets every pointer of the host callback table: the module calls them without a check;
 ///  3. drains `SyncQueue` on the application thread and `AsyncQueue` on one worker thread, each
 ///     from the front, one closure at a time, taking it out of the queue before running it and
@@ -44,6 +45,21 @@ class ApplicationLink;
 ///  5. redraws from `UISetting` when `UISettingChanged` is set, and clears that flag;
 ///  6. before it ends: `SuspendDownload()`, lets both queues run empty, calls `Uninit()` and
 ///     deletes the object.
+///
+/// What a host touches of the object, whose code is the module's own; all of it on the application
+/// thread unless something else is said:
+///  7. the virtual operations, the destructor and, by name, the signals;
+///  8. both queues, under their mutexes; on any thread. A host that ends a run may empty one;
+///  9. the data members of `Application`, containers under the mutex beside them. It writes the
+///     callback table, `UISettingChanged` and `OnDownloadRetired`, calls `PassOverFile`, aborts the
+///     replies of `ContentRequests` and `ContentSizeRequests` without their mutex, and connects to
+///     `NetworkManager` and clears its connections;
+/// 10. when `qt_metacast("Varnholt::Launcher::StandartApplication")` gives one: its public data,
+///     under `RunMutex`. What is a number or a pointer it may read without, and `RemoteBuild` and
+///     `Manifest`, which change on this thread only. It writes `CdnHosts`, `InstallationPath` and
+///     `DownloadRetryCount`.
+/// Other functions it does not call: a host is linked with a copy of their code, maybe of another
+/// version. `EnqueueSync()` and `EnqueueAsync()` only push on their queue, `GetName()` only reads.
 ///
 /// The module never blocks on the network: a step starts a request whose callback queues the next
 /// step. Closures that use the network go through `EnqueueSync`, long file work through
@@ -193,8 +209,13 @@ public:
     QTime Timer; ///< start of the current sample of the shown rate
 
     /// Called on the application thread for each download, after everything that it posted has been
-    /// handled and before its record is given up.
+    /// handled and before its record is given up. A host that puts its own in the place of the
+    /// module's calls that one too.
     std::function<void(HTTP_DownloadFileRequest*)> OnDownloadRetired;
+    /// Set by the module. Called by the host on the application thread when the current file could
+    /// not be begun: leaves it out of the run and goes on behind it. False when nothing follows it,
+    /// and when no file waits or one is in flight, which leaves out nothing.
+    std::function<bool()> PassOverFile;
 
 private:
     void RenewConnections();
@@ -205,6 +226,14 @@ protected:
     /// What download threads hold on to instead of the application, which may go before them.
     std::shared_ptr<ApplicationLink> Link;
 };
+
+/// The version of what a host touches of a module's object; it stands as "layout" in the metadata
+/// of each plug-in too, where a host compares it before any code of the module runs.
+///
+/// Raised by every change of the virtual interface and by every change of the order, number or type
+/// of the data members that a host may touch: those of `Application`, of `StandartApplication` and
+/// of the records in them.
+constexpr int c_ApplicationLayout = 1;
 
 } // namespace Varnholt::Launcher
 

@@ -10,6 +10,7 @@ class ProgressRecordTest : public QObject {
 
 private Q_SLOTS:
     void StartsAtZero();
+    void TheNumbersOfStatesAndModesStayAsHostsKnowThem();
     void TheMeanRampsUpOverTheFirstTwentySamples();
     void TheTwentyFirstSampleReplacesTheFirst();
     void AnIndexBehindTheRingStartsAgain();
@@ -36,6 +37,18 @@ void ProgressRecordTest::StartsAtZero()
     QCOMPARE(download.RateLogIndex, 0);
     for (quint64 const sample : download.RateLog)
         QCOMPARE(sample, quint64{0});
+}
+
+void ProgressRecordTest::TheNumbersOfStatesAndModesStayAsHostsKnowThem()
+{
+    using Setting = ApplicationUISetting;
+    QCOMPARE((QVector<int>{Setting::StateStartingUp, Setting::StateNotInstalled,
+                           Setting::StateInstalled}),
+             (QVector<int>{0, 1, 2}));
+    QCOMPARE((QVector<int>{Setting::ModeWaitingForHost, Setting::ModeWaitingForGame,
+                           Setting::ModeAskingSizes, Setting::ModeDownloading,
+                           Setting::ModeSuspended, Setting::ModeComparing}),
+             (QVector<int>{0, 1, 2, 3, 4, 5}));
 }
 
 void ProgressRecordTest::TheMeanRampsUpOverTheFirstTwentySamples()

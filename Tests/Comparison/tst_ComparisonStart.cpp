@@ -68,7 +68,7 @@ void ComparisonStartTest::AGameThatIsNotInstalledIsNotCompared()
 {
     Game game(TestHost::Worker::ByHand);
     game.Add({"a", "a"}).Publish();
-    game.App.UISetting.Download.Mode = 4;
+    game.App.UISetting.Download.Mode = Launcher::ApplicationUISetting::ModeSuspended;
     game.App.UISettingChanged = false;
     game.App.OnManifestReceived();
     QCOMPARE(game.App.UISetting.State, 1);

@@ -256,7 +256,8 @@ void ComparisonWalkTest::TheListIsNotTouchedBeforeTheComparisonHasEnded()
     game.App.OnManifestReceived();
     bool touched = false;
     game.AnswerContinue([&](int) {
-        bool const ended = game.App.UISetting.Download.Mode != 5;
+        bool const ended =
+            game.App.UISetting.Download.Mode != Launcher::ApplicationUISetting::ModeComparing;
         touched = touched || (!ended && !game.App.FilesToDownload.empty());
         return true;
     });

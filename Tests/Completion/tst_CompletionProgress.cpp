@@ -214,7 +214,7 @@ void CompletionProgressTest::TheLastStreamedFileEndsTheRun()
     run.Add({"s", "s", 0, {}, true});
     run.List(false);
     auto& progress = run.App.UISetting.Download;
-    run.App.UISetting.State = 0;
+    run.App.UISetting.State = Launcher::ApplicationUISetting::StateStartingUp;
     progress.StatusFlags = 3;
     progress.StatusFlag = progress.ModeFlag = true;
     progress.DetailText = "Downloading streammed files...";

@@ -81,7 +81,9 @@ void EnduringGame::ShowGameRunning(bool p_Runs) const
 bool EnduringGame::Begin()
 {
     App.Init();
-    return RunUntil([this] { return App.UISetting.State == 1; });
+    return RunUntil([this] {
+        return App.UISetting.State == Launcher::ApplicationUISetting::StateNotInstalled;
+    });
 }
 
 void EnduringGame::RunEvents()
@@ -140,7 +142,8 @@ QStringList EnduringGame::Faults() const
     for (char const* const list : {"ToDownloadBase.db", "ToDownload.db"})
         if (!ReadFile(PathOf(list)).isEmpty())
             faults += QString(list) + QStringLiteral(" is not empty");
-    if (App.UISetting.State != 2 || !App.FilesToDownload.empty())
+    if (App.UISetting.State != Launcher::ApplicationUISetting::StateInstalled ||
+        !App.FilesToDownload.empty())
         faults += QStringLiteral("the run has not ended");
     return faults;
 }

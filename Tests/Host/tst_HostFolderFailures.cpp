@@ -1,3 +1,4 @@
+#include "Launcher/Application/Application.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -182,6 +183,13 @@ void HostFolderFailuresTest::AModuleThatIsNoneIsNamed_data()
     QTest::newRow("another plug-in")
         << QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/imageformats/libqjpeg.so"
         << "the file %1 is not a launcher module (its interface is \"org.qt-project.";
+    QString const layout =
+        "the file %1 is not a launcher module (its layout is %2, the host's is " +
+        QString::number(Launcher::c_ApplicationLayout) + ')';
+    QTest::newRow("another layout")
+        << VARNHOLT_OTHER_LAYOUT_MODULE << QString(layout).replace("%2", "1000");
+    QTest::newRow("no layout") << VARNHOLT_NO_LAYOUT_MODULE
+                               << QString(layout).replace("%2", "not named");
 }
 
 void HostFolderFailuresTest::AModuleThatIsNoneIsNamed()

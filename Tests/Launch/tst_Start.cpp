@@ -257,7 +257,7 @@ void StartTest::StepsComeInOrder()
 void StartTest::NothingToFetchIsShownAsIdle()
 {
     LaunchBench bench;
-    bench.App.UISetting.State = 1;
+    bench.App.UISetting.State = Launcher::ApplicationUISetting::StateNotInstalled;
     bench.App.UISetting.Download.ModeFlag = true;
     bench.App.UISettingChanged = false;
     QVERIFY(bench.App.Start("", ""));

@@ -91,8 +91,8 @@ void StartDuringRunTest::BetweenTwoFilesNothingIsSuspended()
     game.Publish().Install();
     game.App.GetInstallationPath();
     game.App.FilesToDownload = game.App.Manifest.Files;
-    game.App.UISetting.State = 2;
-    game.App.UISetting.Download.Mode = 3;
+    game.App.UISetting.State = Launcher::ApplicationUISetting::StateInstalled;
+    game.App.UISetting.Download.Mode = Launcher::ApplicationUISetting::ModeDownloading;
     game.App.UISettingChanged = false;
     QVERIFY(game.App.Start("", ""));
     QCOMPARE(game.App.UISetting.Download.Mode, 3);

@@ -201,7 +201,7 @@ void PhasesTest::AnEmptyStreamedListEndsTheRun()
     Game game(TestHost::Worker::ByHand);
     auto& progress = game.App.UISetting.Download;
     for (bool const wait : {false, true}) {
-        game.App.UISetting.State = 0;
+        game.App.UISetting.State = Launcher::ApplicationUISetting::StateStartingUp;
         progress.StatusFlags = 3;
         progress.StatusFlag = progress.ModeFlag = true;
         game.App.UISettingChanged = false;

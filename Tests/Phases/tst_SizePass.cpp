@@ -113,7 +113,9 @@ void SizePassTest::TheLastAnswerQueuesTheFiles()
     game.App.GetInstallationPath();
     game.App.FilesToDownload = game.App.Manifest.Files;
     game.App.OnManifestReceived_StartDownload();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.UISetting.Download.Mode == 3; }));
+    QVERIFY(game.Host.RunUntil([&] {
+        return game.App.UISetting.Download.Mode == Launcher::ApplicationUISetting::ModeDownloading;
+    }));
     QCOMPARE(game.App.SizeRepliesReceived, 1u);
     QCOMPARE(game.App.UISetting.Download.Total, quint64{1});
 }

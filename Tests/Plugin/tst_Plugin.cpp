@@ -52,6 +52,7 @@ void PluginTest::TheMetadataIsReadWithoutLoadingTheCode()
     QCOMPARE(own["version"].toString(), QString("0.0.1"));
     QVERIFY(own["dependencies"].isArray());
     QVERIFY(own["dependencies"].toArray().isEmpty());
+    QCOMPARE(own["layout"], QJsonValue(c_ApplicationLayout));
 }
 
 void PluginTest::TheInstanceIsTheOnlyOneUntilItIsDeleted()

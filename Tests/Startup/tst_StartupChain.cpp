@@ -89,7 +89,7 @@ void StartupChainTest::RunInit()
 
 void StartupChainTest::InitReturnsAtOnceWithStateZero()
 {
-    App->UISetting.State = 2;
+    App->UISetting.State = ApplicationUISetting::StateInstalled;
     App->Init();
     QCOMPARE(App->UISetting.State, 0);
     QVERIFY(App->UISettingChanged);

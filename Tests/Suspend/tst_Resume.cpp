@@ -85,7 +85,7 @@ void ResumeTest::ShowsMode3AndTheBytesWhenItMayStart()
     auto& progress = game.App.UISetting.Download;
     progress.Current = 999;
     progress.Total = 2000;
-    game.App.UISetting.State = 2;
+    game.App.UISetting.State = Launcher::ApplicationUISetting::StateInstalled;
     game.App.ResumeDownload();
     QCOMPARE(progress.Mode, 3);
     QCOMPARE(progress.Percent, 49u);
@@ -99,7 +99,7 @@ void ResumeTest::ShowsMode3AndTheBytesWhenItMayStart()
 void ResumeTest::TellsTheHostBeforeMode3()
 {
     ListedGame game({Entry("a")});
-    game.App.UISetting.Download.Mode = 4;
+    game.App.UISetting.Download.Mode = Launcher::ApplicationUISetting::ModeSuspended;
     int mode = -1;
     quint32 percent = 0;
     bool changed = false;

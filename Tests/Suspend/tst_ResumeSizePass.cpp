@@ -32,7 +32,8 @@ bool RunUntilStreamedSize(PausableGame& p_Game)
 {
     return p_Game.Host.RunUntil([&] {
         return p_Game.Requests("t.bin") == 1 && p_Game.App.SizeRepliesReceived == 1 &&
-               p_Game.App.UISetting.Download.Mode == 2;
+               p_Game.App.UISetting.Download.Mode ==
+                   Launcher::ApplicationUISetting::ModeAskingSizes;
     });
 }
 

@@ -88,7 +88,7 @@ void ResumeWaitsTest::WhileTheHostBlocksShowsMode0AndWaits()
 {
     WaitingGame game;
     auto& progress = game.App.UISetting.Download;
-    progress.Mode = 4;
+    progress.Mode = Launcher::ApplicationUISetting::ModeSuspended;
     game.Host.DownloadBlocked = true;
     game.App.ResumeDownload();
     QCOMPARE(progress.Mode, 0);

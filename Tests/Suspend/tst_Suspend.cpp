@@ -142,7 +142,7 @@ void SuspendTest::WithNothingPendingIsTheIdleReset()
     progress.StatusFlags = 7;
     progress.StatusFlag = true;
     progress.ModeFlag = true;
-    progress.Mode = 5;
+    progress.Mode = Launcher::ApplicationUISetting::ModeComparing;
     game.App.UISettingChanged = false;
 
     // Pins: even a game that is not installed is shown as state 2.

@@ -91,7 +91,7 @@ void UninstallSettingsTest::TheGameIsShownAsNotInstalled()
 {
     Game game(TestHost::Worker::ByHand);
     game.Publish().Install();
-    game.App.UISetting.State = 2;
+    game.App.UISetting.State = Launcher::ApplicationUISetting::StateInstalled;
     game.App.UISettingChanged = false;
     game.App.Uninstall(false);
     QCOMPARE(game.App.UISetting.State, 1);
