@@ -14,8 +14,6 @@ namespace Varnholt::Publisher::PathChecks {
 namespace {
 
 QString const c_PartSuffix = QStringLiteral(".part");
-/// Longest name of a file that common file systems take, in bytes.
-constexpr int c_NameBytes = 255;
 
 /// A path that can be shown: control characters would rearrange a terminal.
 QString Shown(QString p_Path)
@@ -44,17 +42,6 @@ bool IsPendingList(QString const& p_Path)
            isNamed(PendingList::c_Casc);
 }
 
-bool HasTooLongName(QString const& p_Path)
-{
-    QStringList const names = p_Path.split(QLatin1Char('/'));
-    auto const isTooLong = [](QString const& p_Name, int p_Limit) {
-        return p_Name.toUtf8().size() > p_Limit;
-    };
-    return isTooLong(names.last(), c_NameBytes - c_PartSuffix.size()) ||
-           std::any_of(names.begin(), names.end(),
-                       [&](QString const& p_Name) { return isTooLong(p_Name, c_NameBytes); });
-}
-
 QString Problem(QString const& p_Path)
 {
     if (HasControlCharacter(p_Path))
@@ -65,7 +52,7 @@ QString Problem(QString const& p_Path)
         return QStringLiteral("clients keep a list of their own under this name");
     if (p_Path.endsWith(c_PartSuffix, Qt::CaseInsensitive))
         return QStringLiteral("clients use names that end in \".part\" for unfinished files");
-    if (HasTooLongName(p_Path))
+    if (Launcher::ManifestPaths::IsTooLong(p_Path + c_PartSuffix))
         return QStringLiteral("the name is too long for a client that appends \".part\" to it");
     return QString();
 }
