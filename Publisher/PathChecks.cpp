@@ -34,7 +34,7 @@ bool HasControlCharacter(QString const& p_Path)
 
 bool IsPendingList(QString const& p_Path)
 {
-    using Launcher::PendingList;
+    namespace PendingList = Launcher::PendingList;
     auto const isNamed = [&p_Path](QString const& p_Name) {
         return p_Path.compare(p_Name, Qt::CaseInsensitive) == 0;
     };

@@ -12,7 +12,7 @@ namespace {
 
 using namespace Varnholt;
 using Fuzzing::Demand;
-using Launcher::TextFilePatch;
+namespace TextFilePatch = Launcher::TextFilePatch;
 
 /// The lines of a configuration as they stand there, in bytes.
 QList<QByteArray> Lines(QByteArray const& p_Bytes)
