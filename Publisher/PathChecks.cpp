@@ -2,6 +2,7 @@
 
 #include "GameModules/ManifestPaths.hpp"
 #include "GameModules/PendingList.hpp"
+#include "Launcher/Helper/Paths.hpp"
 #include "Publisher/Failure.hpp"
 
 #include <QHash>
@@ -12,8 +13,6 @@
 namespace Varnholt::Publisher::PathChecks {
 
 namespace {
-
-QString const c_PartSuffix = QStringLiteral(".part");
 
 /// A path that can be shown: control characters would rearrange a terminal.
 QString Shown(QString p_Path)
@@ -50,9 +49,9 @@ QString Problem(QString const& p_Path)
         return QStringLiteral("clients drop the path, since it may lead out of the game folder");
     if (IsPendingList(p_Path))
         return QStringLiteral("clients keep a list of their own under this name");
-    if (p_Path.endsWith(c_PartSuffix, Qt::CaseInsensitive))
+    if (p_Path.endsWith(QLatin1String(".part"), Qt::CaseInsensitive))
         return QStringLiteral("clients use names that end in \".part\" for unfinished files");
-    if (Launcher::ManifestPaths::IsTooLong(p_Path + c_PartSuffix))
+    if (Launcher::ManifestPaths::IsTooLong(Launcher::Helper::Paths::PartFile(p_Path)))
         return QStringLiteral("the name is too long for a client that appends \".part\" to it");
     return QString();
 }

@@ -80,7 +80,7 @@ void Pelmora::FetchRealmList()
                                  // line it has.
                                  if (!Succeeded(reply))
                                      return;
-                                 QString const line = RemoteText(*p_Data);
+                                 QString const line = RemoteText::Of(*p_Data);
                                  qCWarning(LogLanguage) << GetName() << " Realmlist : " << line;
                                  QString const file = ConfigFile();
                                  if (!file.isNull())

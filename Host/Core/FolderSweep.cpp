@@ -3,6 +3,7 @@
 #include "GameModules/LinkGuard.hpp"
 #include "GameModules/Pelmora/LoginScreen.hpp"
 #include "GameModules/PendingList.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -41,7 +42,7 @@ void Run(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folde
         for (Launcher::ApplicationManifestFileEntry const& entry : *entries) {
             if (!isInside(entry.Path))
                 continue;
-            QFile::remove(p_Folder + entry.Path + QLatin1String(".part"));
+            QFile::remove(Launcher::Helper::Paths::PartFile(p_Folder + entry.Path));
             RemoveEmptyFolders(p_Folder, entry.Path);
         }
     if (isInside(QLatin1String(Launcher::LoginScreen::c_Layout)))

@@ -69,7 +69,7 @@ void HostileLinksTest::WhatALinkLeadsOutIsLeftAloneInAWholeLife()
     QCOMPARE(game.Play(), QString("done"));
     QCOMPARE(game.Uninstall(), QString(IsThere ? "files-not-removed" : "done"));
     QCOMPARE(game.Disturbances(), QStringList());
-    QVERIFY(QFileInfo(game.Path(Link)).isSymLink());
+    QVERIFY(QFileInfo(game.Path(Link)).isSymbolicLink());
 }
 
 void HostileLinksTest::EachFileLeftAloneIsWarnedOfOnceInARun()
@@ -182,7 +182,7 @@ void HostileLinksTest::ALinkThatStaysInsideGoesOnWorking()
     QCOMPARE(game.InstallOver(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(ModeOf(game.Path("Data/program")), 0777);
-    QVERIFY(QFileInfo(game.Path(Link)).isSymLink());
+    QVERIFY(QFileInfo(game.Path(Link)).isSymbolicLink());
     QCOMPARE(game.Run(RequestType::Verify), QString("done"));
     game.Damage("Data/base.MPQ");
     QCOMPARE(game.Run(RequestType::Repair), QString("done"));
