@@ -5,13 +5,13 @@
 
 #include <array>
 
-namespace Varnholt::Launcher {
+namespace Varnholt::Launcher::FileDigest {
 
-FileDigest FileDigest::Of(QString const& p_Path, std::function<bool()> const& p_Continue)
+Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue)
 {
     constexpr std::size_t c_BlockBytes = 0x2000;
 
-    FileDigest digest;
+    Digest digest;
     QFile file(p_Path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return digest;
@@ -33,4 +33,4 @@ FileDigest FileDigest::Of(QString const& p_Path, std::function<bool()> const& p_
     return digest;
 }
 
-} // namespace Varnholt::Launcher
+} // namespace Varnholt::Launcher::FileDigest

@@ -4,17 +4,17 @@
 
 #include <functional>
 
-namespace Varnholt::Launcher {
+namespace Varnholt::Launcher::FileDigest {
 
 /// The MD5 digest of a file on disk.
-struct FileDigest {
+struct Digest {
     bool Opened = false;   ///< false: no digest
     bool Complete = false; ///< false: reading was stopped before the file's end
     QString Md5;           ///< of what was read, 32 upper-case hexadecimal digits
-
-    /// Hashes a file in blocks of 8,192 bytes with constant memory. Any thread.
-    /// \param p_Continue asked before each block; false ends the reading
-    static FileDigest Of(QString const& p_Path, std::function<bool()> const& p_Continue);
 };
 
-} // namespace Varnholt::Launcher
+/// Hashes a file in blocks of 8,192 bytes with constant memory. Any thread.
+/// \param p_Continue asked before each block; false ends the reading
+Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue);
+
+} // namespace Varnholt::Launcher::FileDigest

@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Varnholt::Launcher {
+namespace Varnholt::Launcher::FileReplacement {
 
 namespace {
 
@@ -17,9 +17,17 @@ namespace {
 QString TargetOf(QString const& p_Path)
 {
     QFileInfo const file(p_Path);
-    if (!file.isSymLink())
+    if (!file.isSymbolicLink())
         return p_Path;
     return file.exists() ? file.canonicalFilePath() : file.symLinkTarget();
+}
+
+bool Holds(QFileInfo const& p_File, QByteArray const& p_Content)
+{
+    // Its size and kind first: a pipe would not be read to its end.
+    QFile file(p_File.filePath());
+    return p_File.isFile() && p_File.size() == p_Content.size() && file.open(QIODevice::ReadOnly) &&
+           file.readAll() == p_Content;
 }
 
 bool WriteAll(QFile& p_File, QByteArray const& p_Content)
@@ -37,18 +45,19 @@ bool WriteInPlace(QString const& p_Path, QByteArray const& p_Content)
 
 } // namespace
 
-bool ReplaceFile(QString const& p_Path, QByteArray const& p_Content)
+bool Replace(QString const& p_Path, QByteArray const& p_Content)
 {
     constexpr mode_t c_Private = 0600;
     constexpr mode_t c_AsTheUserHasIt = 0666;
 
     QString const target = TargetOf(p_Path);
+    QByteArray const name = QFile::encodeName(target + QLatin1String(c_Suffix));
+    ::unlink(name.constData());
     QFileInfo const old(target);
+    if (Holds(old, p_Content))
+        return true;
     if (old.exists() && (!old.isFile() || !old.isWritable()))
         return false;
-    QString const freshPath = target + QLatin1String(c_ReplacementSuffix);
-    QByteArray const name = QFile::encodeName(freshPath);
-    ::unlink(name.constData());
     // Not for others, not even for a moment, when the old one is not.
     int const handle = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
                               old.exists() ? c_Private : c_AsTheUserHasIt);
@@ -66,4 +75,4 @@ bool ReplaceFile(QString const& p_Path, QByteArray const& p_Content)
     return replaced;
 }
 
-} // namespace Varnholt::Launcher
+} // namespace Varnholt::Launcher::FileReplacement

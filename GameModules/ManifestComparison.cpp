@@ -42,7 +42,7 @@ bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Ent
         return true;
     if (p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent))
         return false;
-    FileDigest const digest = FileDigest::Of(Folder + p_Entry.Path, Continue);
+    auto const digest = FileDigest::Of(Folder + p_Entry.Path, Continue);
     // The manifest's digest is taken as it stands: in lower case it never matches.
     return !digest.Opened || digest.Md5 != p_Entry.Md5;
 }

@@ -23,13 +23,28 @@ bool IsInsideFolder(QString const& p_Path)
            !clean.startsWith(QLatin1String("../"));
 }
 
+bool IsTooLong(QString const& p_Path)
+{
+    constexpr int c_PathBytes = 1023;
+    constexpr int c_NameBytes = 255;
+
+    QByteArray const path = p_Path.toUtf8();
+    if (path.size() > c_PathBytes)
+        return true;
+    QList<QByteArray> const names = path.split('/');
+    return std::any_of(names.begin(), names.end(),
+                       [](QByteArray const& p_Name) { return p_Name.size() > c_NameBytes; });
+}
+
 void DropUnsafeEntries(ApplicationManifest& p_Manifest)
 {
     auto const unsafe = [](ApplicationManifestFileEntry const& p_Entry) {
-        if (IsInsideFolder(p_Entry.Path))
+        bool const leaves = !IsInsideFolder(p_Entry.Path);
+        if (!leaves && !IsTooLong(p_Entry.Path))
             return false;
-        qCWarning(LogStartup) << "Manifest entry dropped, its path leaves the game folder:"
-                              << p_Entry.Path;
+        qCWarning(LogStartup).nospace()
+            << "Manifest entry dropped, its path "
+            << (leaves ? "leaves the game folder" : "is too long") << ": " << p_Entry.Path;
         return true;
     };
     for (auto* entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})

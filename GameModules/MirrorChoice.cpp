@@ -9,7 +9,7 @@ namespace Varnholt::Launcher::MirrorChoice {
 
 QStringList HostsOf(QByteArray const& p_Data)
 {
-    return RemoteText(p_Data).split(QLatin1Char(' '));
+    return RemoteText::Of(p_Data).split(QLatin1Char(' '));
 }
 
 QString DrawHost(QStringList const& p_Hosts)

@@ -5,56 +5,89 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace Varnholt::Launcher {
+#include <string_view>
 
-QString const PendingList::c_Base = QStringLiteral("ToDownloadBase.db");
-QString const PendingList::c_Streamed = QStringLiteral("ToDownload.db");
-QString const PendingList::c_Casc = QStringLiteral("ToDownloadCASC.db");
-QString const PendingList::c_FirstBuild = QStringLiteral("FirstBuild.db");
+namespace Varnholt::Launcher::PendingList {
 
-PendingList::Content PendingList::Read(QString const& p_ListPath,
-                                       std::function<bool()> const& p_Continue)
+namespace {
+
+using Continue = std::function<bool()>;
+
+/// The bytes of a list behind a line feed, nothing when it cannot be read.
+QByteArray BytesOf(QString const& p_ListPath)
+{
+    QFile file(p_ListPath);
+    if (QFileInfo(p_ListPath).isSymbolicLink() || !file.open(QIODevice::ReadOnly))
+        return {};
+    return '\n' + file.readAll();
+}
+
+/// Hands on each line with the line feed before it.
+/// \param p_Bytes begin with a line feed, which is no line's end
+/// \return false when p_Continue has ended it before the last line
+template <typename Take>
+bool EachLine(QByteArray const& p_Bytes, Continue const& p_Continue, Take p_Take)
+{
+    int from = 0;
+    while (from + 1 < p_Bytes.size()) {
+        if (!p_Continue())
+            return false;
+        int const end = p_Bytes.indexOf('\n', from + 1);
+        int const past = end < 0 ? p_Bytes.size() : end;
+        p_Take(std::string_view(p_Bytes.constData() + from, static_cast<std::size_t>(past - from)));
+        from = past;
+    }
+    return true;
+}
+
+bool WriteBytes(QString const& p_ListPath, QByteArray const& p_Bytes)
+{
+    if (QFileInfo(p_ListPath).isSymbolicLink() && !QFile::remove(p_ListPath))
+        return false;
+    return FileReplacement::Replace(p_ListPath, p_Bytes);
+}
+
+} // namespace
+
+Content Read(QString const& p_ListPath, Continue const& p_Continue)
 {
     Content content;
-    QFile file(p_ListPath);
-    if (QFileInfo(p_ListPath).isSymLink() || !file.open(QIODevice::ReadOnly))
-        return content;
-    content.Opened = true;
-
+    QByteArray const bytes = BytesOf(p_ListPath);
+    content.Opened = !bytes.isEmpty();
     // Not by a text stream, which takes a carriage return or a byte order mark away from a name.
     // Nor is the latter in front here.
-    QByteArray const bytes = '\n' + file.readAll();
-    QString const lines = QString::fromUtf8(bytes.constData(), bytes.size());
-    int from = 1;
-    while (from < lines.size() && p_Continue()) {
-        int const end = lines.indexOf(QLatin1Char('\n'), from);
-        content.Paths += lines.mid(from, end < 0 ? -1 : end - from);
-        from = end < 0 ? lines.size() : end + 1;
-    }
-    content.Complete = from >= lines.size();
+    bool const read = EachLine(bytes, p_Continue, [&](std::string_view p_Line) {
+        content.Paths +=
+            QString::fromUtf8(p_Line.data(), static_cast<int>(p_Line.size())).remove(0, 1);
+    });
+    content.Complete = content.Opened && read;
     return content;
 }
 
-bool PendingList::Write(QString const& p_ListPath, QStringList const& p_Paths)
+bool Write(QString const& p_ListPath, QStringList const& p_Paths)
 {
-    if (QFileInfo(p_ListPath).isSymLink() && !QFile::remove(p_ListPath))
-        return false;
-    QByteArray content;
+    QByteArray bytes;
     for (QString const& path : p_Paths)
-        content += path.toUtf8() + '\n';
-    return ReplaceFile(p_ListPath, content);
+        bytes += path.toUtf8() + '\n';
+    return WriteBytes(p_ListPath, bytes);
 }
 
-void PendingList::Update(QString const& p_ListPath, QString const& p_Struck, QString const& p_Added,
-                         std::function<bool()> const& p_Continue)
+void Update(QString const& p_ListPath, QString const& p_Struck, QString const& p_Added,
+            Continue const& p_Continue)
 {
-    Content content = Read(p_ListPath, p_Continue);
-    if (content.Opened && !content.Complete)
+    QByteArray const before = BytesOf(p_ListPath);
+    std::string const struck = '\n' + p_Struck.toStdString();
+    QByteArray after;
+    after.reserve(before.size());
+    bool const read = EachLine(before, p_Continue, [&](std::string_view p_Line) {
+        if (p_Line != struck)
+            after.append(p_Line.data() + 1, static_cast<int>(p_Line.size()) - 1).append('\n');
+    });
+    if (!read)
         return;
-    content.Paths.removeAll(p_Struck);
     if (!p_Added.isEmpty())
-        content.Paths += p_Added;
-    Write(p_ListPath, content.Paths);
+        after += p_Added.toUtf8() + '\n';
+    WriteBytes(p_ListPath, after);
 }
 
-} // namespace Varnholt::Launcher
+} // namespace Varnholt::Launcher::PendingList

@@ -5,37 +5,34 @@
 
 #include <functional>
 
-namespace Varnholt::Launcher {
-
 /// A pending list in the game folder: UTF-8 text, one relative path per line, each line ended by
 /// "\n", no header. It survives a crash whole: it is only ever replaced, never written in place. A
 /// symbolic link in its place is no list: it is not read, and gives way to the list.
-class PendingList {
-public:
-    static QString const c_Base;     ///< "ToDownloadBase.db", base files
-    static QString const c_Streamed; ///< "ToDownload.db", streamed files
-    static QString const c_Casc;     ///< "ToDownloadCASC.db", of another storage, only ever removed
-    /// "FirstBuild.db", empty: there while the two lists do not hold yet all that a first build
-    /// finds.
-    static QString const c_FirstBuild;
+namespace Varnholt::Launcher::PendingList {
 
-    struct Content {
-        bool Opened = false;   ///< false: no list, or not readable
-        bool Complete = false; ///< false: reading was stopped before its end
-        QStringList Paths;
-    };
+inline QString const c_Base = QStringLiteral("ToDownloadBase.db"); ///< base files
+inline QString const c_Streamed = QStringLiteral("ToDownload.db"); ///< streamed files
+/// Of another storage, only ever removed.
+inline QString const c_Casc = QStringLiteral("ToDownloadCASC.db");
+/// Empty: there while the two lists do not hold yet all that a first build finds.
+inline QString const c_FirstBuild = QStringLiteral("FirstBuild.db");
 
-    /// \param p_Continue asked before each line; false ends the reading
-    static Content Read(QString const& p_ListPath, std::function<bool()> const& p_Continue);
-
-    /// Replaces the list. \return false when it cannot be written; the old one then stays
-    static bool Write(QString const& p_ListPath, QStringList const& p_Paths);
-
-    /// Removes every line that equals p_Struck and appends p_Added when it is not empty. Creates
-    /// the list when there is none. A list whose reading was stopped by p_Continue stays as it is:
-    /// written back it would lose the lines behind.
-    static void Update(QString const& p_ListPath, QString const& p_Struck, QString const& p_Added,
-                       std::function<bool()> const& p_Continue);
+struct Content {
+    bool Opened = false;   ///< false: no list, or not readable
+    bool Complete = false; ///< false: reading was stopped before its end
+    QStringList Paths;
 };
 
-} // namespace Varnholt::Launcher
+/// \param p_Continue asked before each line; false ends the reading
+Content Read(QString const& p_ListPath, std::function<bool()> const& p_Continue);
+
+/// Replaces the list. \return false when it cannot be written; the old one then stays
+bool Write(QString const& p_ListPath, QStringList const& p_Paths);
+
+/// Removes every line that equals p_Struck and appends p_Added when it is not empty. Creates the
+/// list when there is none. A list whose reading was stopped by p_Continue stays as it is: written
+/// back it would lose the lines behind.
+void Update(QString const& p_ListPath, QString const& p_Struck, QString const& p_Added,
+            std::function<bool()> const& p_Continue);
+
+} // namespace Varnholt::Launcher::PendingList

@@ -99,7 +99,7 @@ char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p
     QString const part = Helper::Paths::PartFile(path);
     RemoveOldFile(path);
 
-    FileDigest const digest = FileDigest::Of(part, ShouldContinue);
+    auto const digest = FileDigest::Of(part, ShouldContinue);
     if (!digest.Opened)
         return "(IO) Download restarted for ";
     if (digest.Md5 != p_Entry.Md5) {

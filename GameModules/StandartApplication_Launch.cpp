@@ -23,10 +23,10 @@ bool StandartApplication::IsGameRunning()
     // In lower case, as the process list is compared.
     QStringList const names{QStringLiteral("wow.exe"), QStringLiteral("wow-64.exe"),
                             QStringLiteral("macos/world of warcraft")};
-    QString candidate = QStringLiteral("");
-    bool const running = Helper::Process::IsProcessRunningIn(folder, names, &candidate);
+    QString line;
+    bool const running = Helper::Process::IsProcessRunningIn(folder, names, &line);
     qCWarning(LogLaunch) << Name << " IsGameRunning : " << running;
-    qCWarning(LogLaunch) << "Candidate is : " << candidate;
+    qCWarning(LogLaunch) << "Candidate is : " << Helper::Process::NameAndId(line, names);
     return running;
 }
 

@@ -6,8 +6,6 @@
 #include "Launcher/Application/LogCategories.hpp"
 #include "Launcher/Application/RemoteText.hpp"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMutexLocker>
 
 namespace Varnholt::Launcher {
@@ -25,16 +23,14 @@ void StandartApplication::FetchVersion()
     if (UseDevChannel())
         url = DefaultContentBaseUrl() + AppId + QLatin1String("/version_dev.json");
     GetRemoteFileContent(url, [this](QString const&, QByteArray* p_Data) {
-        QJsonParseError error{};
-        QJsonDocument const document =
-            QJsonDocument::fromJson(RemoteText(*p_Data).toUtf8(), &error);
-        if (error.error != QJsonParseError::NoError || !document.isObject()) {
+        auto const version = RemoteText::ObjectOf(*p_Data);
+        if (!version) {
             ErrorReporter(QStringLiteral("Failed to get ") + Name +
                               QStringLiteral(" remote configuration."),
                           false);
             return;
         }
-        RemoteBuild = document.object()[QLatin1String("build")].toString();
+        RemoteBuild = (*version)[QLatin1String("build")].toString();
         EnqueueSync([this, build = RemoteBuild] { FetchManifest(build); });
     });
 }

@@ -7,43 +7,44 @@
 #include <QFileInfo>
 #include <QTextStream>
 
-namespace Varnholt::Launcher {
+namespace Varnholt::Launcher::TextFilePatch {
 
-namespace {
-
-QStringList LinesWithout(QString const& p_FilePath, QString const& p_Key)
+std::optional<QByteArray> Read(QString const& p_FilePath)
 {
-    QStringList kept;
     QFile file(p_FilePath);
-    if (!file.open(QIODevice::ReadOnly))
-        return kept;
-    QTextStream lines(&file);
+    if (!file.exists())
+        return std::nullopt;
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray Patched(std::optional<QByteArray> const& p_Content, QString const& p_Key,
+                   QString const& p_Line)
+{
+    // No line end here, unlike below: the game has always been given its first line so.
+    if (!p_Content)
+        return p_Line.toUtf8();
+    QByteArray patched;
+    QTextStream lines(*p_Content);
     while (!lines.atEnd()) {
         QString const line = lines.readLine();
         if (!line.contains(p_Key, Qt::CaseInsensitive))
-            kept += line;
+            patched += line.toLocal8Bit() + '\n';
     }
-    return kept;
+    return patched + p_Line.toLocal8Bit() + '\n';
 }
 
-} // namespace
-
-void TextFilePatch::Apply(QString const& p_FilePath, QString const& p_Key, QString const& p_Line,
-                          bool p_CreateIfMissing)
+void Write(QString const& p_FilePath, QByteArray const& p_Content)
 {
-    if (!QFile::exists(p_FilePath)) {
-        if (!p_CreateIfMissing)
-            return;
-        QDir().mkpath(QFileInfo(p_FilePath).absolutePath());
-        // No line end here, unlike below: the game has always been given its first line so.
-        ReplaceFile(p_FilePath, p_Line.toUtf8());
-        return;
-    }
-    QStringList const lines = LinesWithout(p_FilePath, p_Key) << p_Line;
-    QByteArray content;
-    for (QString const& line : lines)
-        content += line.toLocal8Bit() + '\n';
-    ReplaceFile(p_FilePath, content);
+    QDir().mkpath(QFileInfo(p_FilePath).absolutePath());
+    FileReplacement::Replace(p_FilePath, p_Content);
 }
 
-} // namespace Varnholt::Launcher
+void Apply(QString const& p_FilePath, QString const& p_Key, QString const& p_Line,
+           bool p_CreateIfMissing)
+{
+    auto const content = Read(p_FilePath);
+    if (content || p_CreateIfMissing)
+        Write(p_FilePath, Patched(content, p_Key, p_Line));
+}
+
+} // namespace Varnholt::Launcher::TextFilePatch

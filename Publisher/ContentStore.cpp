@@ -24,7 +24,7 @@ QString ContentStore::PathOf(QString const& p_Md5) const
 bool ContentStore::Holds(BuildFile const& p_File) const
 {
     QFileInfo const info(PathOf(p_File.Md5));
-    if (!info.exists() && !info.isSymLink())
+    if (!info.exists() && !info.isSymbolicLink())
         return false;
     if (!info.isFile())
         throw Failure(info.filePath() + QStringLiteral(": stands where a content file must go"));

@@ -2,6 +2,7 @@
 
 #include "GameModules/ManifestPaths.hpp"
 #include "GameModules/PendingList.hpp"
+#include "Launcher/Helper/Paths.hpp"
 #include "Publisher/Failure.hpp"
 
 #include <QHash>
@@ -12,10 +13,6 @@
 namespace Varnholt::Publisher::PathChecks {
 
 namespace {
-
-QString const c_PartSuffix = QStringLiteral(".part");
-/// Longest name of a file that common file systems take, in bytes.
-constexpr int c_NameBytes = 255;
 
 /// A path that can be shown: control characters would rearrange a terminal.
 QString Shown(QString p_Path)
@@ -36,23 +33,12 @@ bool HasControlCharacter(QString const& p_Path)
 
 bool IsPendingList(QString const& p_Path)
 {
-    using Launcher::PendingList;
+    namespace PendingList = Launcher::PendingList;
     auto const isNamed = [&p_Path](QString const& p_Name) {
         return p_Path.compare(p_Name, Qt::CaseInsensitive) == 0;
     };
     return isNamed(PendingList::c_Base) || isNamed(PendingList::c_Streamed) ||
            isNamed(PendingList::c_Casc) || isNamed(PendingList::c_FirstBuild);
-}
-
-bool HasTooLongName(QString const& p_Path)
-{
-    QStringList const names = p_Path.split(QLatin1Char('/'));
-    auto const isTooLong = [](QString const& p_Name, int p_Limit) {
-        return p_Name.toUtf8().size() > p_Limit;
-    };
-    return isTooLong(names.last(), c_NameBytes - c_PartSuffix.size()) ||
-           std::any_of(names.begin(), names.end(),
-                       [&](QString const& p_Name) { return isTooLong(p_Name, c_NameBytes); });
 }
 
 QString Problem(QString const& p_Path)
@@ -63,9 +49,9 @@ QString Problem(QString const& p_Path)
         return QStringLiteral("clients drop the path, since it may lead out of the game folder");
     if (IsPendingList(p_Path))
         return QStringLiteral("clients keep a list of their own under this name");
-    if (p_Path.endsWith(c_PartSuffix, Qt::CaseInsensitive))
+    if (p_Path.endsWith(QLatin1String(".part"), Qt::CaseInsensitive))
         return QStringLiteral("clients use names that end in \".part\" for unfinished files");
-    if (HasTooLongName(p_Path))
+    if (Launcher::ManifestPaths::IsTooLong(Launcher::Helper::Paths::PartFile(p_Path)))
         return QStringLiteral("the name is too long for a client that appends \".part\" to it");
     return QString();
 }

@@ -1,6 +1,7 @@
 #include "Publisher/ServerVerification.hpp"
 
 #include "Launcher/Application/ApplicationManifest.hpp"
+#include "Launcher/Helper/Paths.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/RemoteServer.hpp"
 #include "Publisher/ServerFileCheck.hpp"
@@ -30,8 +31,7 @@ QString UrlOfHost(QString const& p_Host)
 ServerVerification::ServerVerification(Options p_Options)
     : Asked(std::move(p_Options))
 {
-    if (!Asked.BaseUrl.endsWith(QLatin1Char('/')))
-        Asked.BaseUrl += QLatin1Char('/');
+    Asked.BaseUrl = Launcher::Helper::Paths::WithSlash(Asked.BaseUrl);
 }
 
 VerificationSummary ServerVerification::Run()

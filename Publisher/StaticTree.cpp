@@ -1,5 +1,6 @@
 #include "Publisher/StaticTree.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/TreeMark.hpp"
 
@@ -12,9 +13,7 @@ StaticTree::StaticTree(QString const& p_Root)
     QFileInfo const root(p_Root);
     if (!root.isDir())
         throw Failure(p_Root + QStringLiteral(": the folder to serve does not exist"));
-    Root = root.canonicalFilePath();
-    if (!Root.endsWith(QLatin1Char('/')))
-        Root += QLatin1Char('/');
+    Root = Launcher::Helper::Paths::WithSlash(root.canonicalFilePath());
 }
 
 QString StaticTree::FileOf(QByteArray const& p_Path) const

@@ -49,7 +49,7 @@ void LoginScreen::Build(QString const& p_Login, QString const& p_Password) const
     // Nobody else on this machine may read the credentials: they come in a new file, which nobody
     // has open, with the permissions of the one that it replaces.
     layout.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    ReplaceFile(Layout, text.toUtf8());
+    FileReplacement::Replace(Layout, text.toUtf8());
 }
 
 } // namespace Varnholt::Launcher

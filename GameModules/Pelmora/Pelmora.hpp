@@ -28,7 +28,7 @@ public:
 
 private:
     void FetchRealmList();
-    void WriteConfigLine(QString const& p_Key, QString const& p_Line);
+    QString ConfigFile(); ///< null when there is none that is the game's own
 
     HTTP_GetRemotefileContentRequest* RealmListRequest = nullptr; ///< in flight, not owned
 };

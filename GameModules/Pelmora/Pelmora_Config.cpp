@@ -1,5 +1,6 @@
 #include "GameModules/Pelmora/Pelmora.hpp"
 
+#include "GameModules/TextFilePatch.hpp"
 #include "Launcher/Application/ContentServer.hpp"
 #include "Launcher/Application/LogCategories.hpp"
 #include "Launcher/Application/RemoteText.hpp"
@@ -20,14 +21,39 @@ bool Succeeded(QNetworkReply const& p_Reply)
            p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() < c_FirstRedirect;
 }
 
+QString const c_RealmListKey = QStringLiteral("realmlist");
+
+/// The last line that has an end.
+QString LastLine(QByteArray const& p_Text)
+{
+    QList<QByteArray> const lines = p_Text.split('\n');
+    return QString::fromLocal8Bit(lines.value(lines.size() - 2));
+}
+
+/// Writes both lines of the language at once, behind all others. A start appends the realm list
+/// behind them, as it stands there already as a rule: when that would give the file as it is,
+/// nothing is written.
+void WriteLanguage(QString const& p_File, QString const& p_Code)
+{
+    auto const before = TextFilePatch::Read(p_File);
+    QByteArray after = TextFilePatch::Patched(before, QStringLiteral("locale"),
+                                              QStringLiteral("SET locale \"%1\"").arg(p_Code));
+    after = TextFilePatch::Patched(after, QStringLiteral("installLocale"),
+                                   QStringLiteral("SET installLocale \"%1\"").arg(p_Code));
+    bool const isSettled =
+        before && TextFilePatch::Patched(after, c_RealmListKey, LastLine(*before)) == before;
+    if (!isSettled)
+        TextFilePatch::Write(p_File, after);
+}
+
 } // namespace
 
 void Pelmora::SetAppLocale(QString p_Code)
 {
     WriteSetting(SettingKey(".InstallLocale"), p_Code);
-    WriteConfigLine(QStringLiteral("locale"), QStringLiteral("SET locale \"%1\"").arg(p_Code));
-    WriteConfigLine(QStringLiteral("installLocale"),
-                    QStringLiteral("SET installLocale \"%1\"").arg(p_Code));
+    QString const file = ConfigFile();
+    if (!file.isNull())
+        WriteLanguage(file, p_Code);
 }
 
 void Pelmora::AfterOnManifestReceived()
@@ -54,22 +80,23 @@ void Pelmora::FetchRealmList()
                                  // line it has.
                                  if (!Succeeded(reply))
                                      return;
-                                 QString const line = RemoteText(*p_Data);
+                                 QString const line = RemoteText::Of(*p_Data);
                                  qCWarning(LogLanguage) << GetName() << " Realmlist : " << line;
-                                 WriteConfigLine(QStringLiteral("realmlist"), line);
+                                 QString const file = ConfigFile();
+                                 if (!file.isNull())
+                                     PatchWoWTextFile(file, c_RealmListKey, line, true);
                              });
     RealmListRequest = *request;
 }
 
-void Pelmora::WriteConfigLine(QString const& p_Key, QString const& p_Line)
+QString Pelmora::ConfigFile()
 {
     GetInstallationPath();
     QString const folder = Folder();
     if (folder.isEmpty()) // the file would be one of the current folder
-        return;
+        return {};
     QString const config = QStringLiteral("WTF/Config.wtf");
-    if (Links.MakeRoom(folder, config))
-        PatchWoWTextFile(folder + config, p_Key, p_Line, true);
+    return Links.MakeRoom(folder, config) ? folder + config : QString();
 }
 
 } // namespace Varnholt::Launcher

@@ -2,6 +2,7 @@
 
 #include "Host/Core/ByteText.hpp"
 #include "Host/Core/FolderCheck.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -66,7 +67,7 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     if (QFileInfo::exists(path)) // the module removes the old file before it places the new one
         return Failure{FailureKind::FileUnwritable, path,
                        QStringLiteral("the old file cannot be replaced")};
-    QString const part = path + QLatin1String(".part");
+    QString const part = Launcher::Helper::Paths::PartFile(path);
     if (QFileInfo(part).isDir())
         return Failure{FailureKind::FileUnwritable, path,
                        QStringLiteral("a folder stands at %1").arg(part)};
@@ -105,7 +106,8 @@ std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
         return std::nullopt;
     qint64 needed = 0;
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
-        qint64 const there = QFileInfo(Folder + entry.Path + QLatin1String(".part")).size();
+        qint64 const there =
+            QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
         needed += std::max<qint64>(0, static_cast<qint64>(Journal.SizeOf(entry.Location)) - there);
     }
     if (free >= needed && free >= c_NearlyNothing)

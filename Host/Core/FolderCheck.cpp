@@ -2,6 +2,7 @@
 
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/FolderLock.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -53,9 +54,7 @@ QString Normalized(QString const& p_Folder)
     QString folder = QDir::cleanPath(QDir::current().absoluteFilePath(p_Folder));
     while (folder == QLatin1String("/..") || folder.startsWith(QLatin1String("/../")))
         folder.remove(0, 3); // above the root is the root
-    if (!folder.endsWith(QLatin1Char('/')))
-        folder += QLatin1Char('/');
-    return folder;
+    return Launcher::Helper::Paths::WithSlash(folder);
 }
 
 std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known, bool p_Confirmed)

@@ -25,7 +25,7 @@ void RemoveEmptyFolders(QString const& p_Folder, QString const& p_Path)
 
 void Run(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder)
 {
-    using Launcher::PendingList;
+    namespace PendingList = Launcher::PendingList;
 
     for (QString const& list : {PendingList::c_Base, PendingList::c_Streamed, PendingList::c_Casc,
                                 PendingList::c_FirstBuild})

@@ -29,7 +29,7 @@ QString Prepared(QString const& p_File)
 QString TargetOf(QString const& p_File)
 {
     QFileInfo const file(p_File);
-    return file.isSymLink() && file.exists() ? file.canonicalFilePath() : p_File;
+    return file.isSymbolicLink() && file.exists() ? file.canonicalFilePath() : p_File;
 }
 
 void WriteAll(QString const& p_File, QMap<QString, QVariant> const& p_Values)

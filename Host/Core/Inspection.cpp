@@ -36,7 +36,7 @@ void Inspection::Run()
     if (EveryFile) {
         Add(comparison.Examine(Manifest.StreamedFiles), FileFinding::Cause::Different);
     } else {
-        using Launcher::PendingList;
+        namespace PendingList = Launcher::PendingList;
         auto const read = [&](QString const& p_Name) {
             return PendingList::Read(Folder + p_Name, comparison.Continue).Paths;
         };

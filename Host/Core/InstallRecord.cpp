@@ -1,5 +1,7 @@
 #include "Host/Core/InstallRecord.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
+
 namespace Varnholt::Host {
 
 InstallRecord::InstallRecord(HostSettings& p_Settings, QString p_AppId)
@@ -20,10 +22,8 @@ bool InstallRecord::IsInstalled() const
 
 QString InstallRecord::Folder() const
 {
-    QString folder = Settings.Value(ModuleKey(".InstallFolder")).toString();
-    if (!folder.isEmpty() && !folder.endsWith(QLatin1Char('/')))
-        folder += QLatin1Char('/');
-    return folder;
+    QString const folder = Settings.Value(ModuleKey(".InstallFolder")).toString();
+    return folder.isEmpty() ? folder : Launcher::Helper::Paths::WithSlash(folder);
 }
 
 bool InstallRecord::IsUnfinished() const

@@ -1,6 +1,7 @@
 #include "Host/Core/RoomCheck.hpp"
 
 #include "Host/Core/ByteText.hpp"
+#include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
 
@@ -32,7 +33,7 @@ std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entrie
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
         QString const path = p_Folder + entry.Path;
         needed -= QFileInfo(path).isFile() ? QFileInfo(path).size() : 0;
-        needed -= QFileInfo(path + QLatin1String(".part")).size();
+        needed -= QFileInfo(Launcher::Helper::Paths::PartFile(path)).size();
     }
     qint64 const free = FreeBytes(p_Folder);
     if (free < 0 || needed <= free)

@@ -1,5 +1,7 @@
 #include "Host/Core/SizeSurvey.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
+
 #include <QFileInfo>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -60,7 +62,8 @@ void SizeSurvey::OnAnswer(std::size_t p_Index, QNetworkReply& p_Reply)
     bool const answered = p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
     Unanswered = answered ? 0 : Unanswered + 1;
     if (p_Reply.error() == QNetworkReply::NoError && known) {
-        qint64 const there = QFileInfo(Folder + file.Path + QLatin1String(".part")).size();
+        qint64 const there =
+            QFileInfo(Launcher::Helper::Paths::PartFile(Folder + file.Path)).size();
         file.Bytes = std::max<qint64>(0, size - there);
     }
     ++Answers;

@@ -163,7 +163,9 @@ void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead()
     if (RateClock::Elapsed(Request->RateTimer) >= c_RateSampleMilliseconds)
         SampleRate();
     Q_EMIT AsyncOnHTTPDownloadProgressUpdate(Request);
-    if (Request->Aborted)
+    if (Current.WriteFailed)
+        Request->Restarting = false; // a restart would meet the same disk
+    if (Request->Aborted || Current.WriteFailed)
         reply->abort();
     msleep(c_BlockPauseMilliseconds);
 }
@@ -182,17 +184,14 @@ void ApplicationAsyncHttpDownloader::Append(QByteArray const& p_Bytes)
     if (HoldsErrorPage || rangeIgnored)
         Request->Continuable = false;
 
-    // Behind a lost block nothing may follow: what stands there stays a beginning of the file.
-    if (Current.WriteFailed)
-        return;
     // Unbuffered, so that a full disk shows here and what stands in the file is known.
     QFile file(FilePath);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)) {
-        Current.WriteFailed = true;
-        return;
-    }
-    Current.WriteFailed = file.write(p_Bytes) != p_Bytes.size();
-    Request->BytesOnDisk = file.size();
+    bool const opened = file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    bool const written = opened && file.write(p_Bytes) == p_Bytes.size();
+    // The end of an error page is awaited all the same: its error is still to be told.
+    Current.WriteFailed = successful && !written;
+    if (opened)
+        Request->BytesOnDisk = file.size();
 }
 
 void ApplicationAsyncHttpDownloader::SampleRate()

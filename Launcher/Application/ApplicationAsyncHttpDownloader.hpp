@@ -63,7 +63,8 @@ public Q_SLOTS:
     // All called on the download thread by the reply of the current attempt.
     /// Called when the reply fails: decides between restart, report and nothing.
     void HTTP_OnError(QNetworkReply::NetworkError p_Error);
-    /// Called when body bytes have arrived: appends them to the file.
+    /// Called when body bytes have arrived: appends them to the file. Ends the transfer when it
+    /// cannot.
     void HTTP_OnReadyRead();
     /// Called when the headers have arrived.
     void HTTP_MedaDataChanged();
@@ -91,7 +92,7 @@ private:
         qint64 ResumePoint = 0;    ///< bytes asked to be left out, 0: none asked
         bool Continuing = false;   ///< started by `ContinueInPlace()`
         bool BroughtBytes = false; ///< of a successful answer
-        bool WriteFailed = false;  ///< a block was lost, what follows must not be written
+        bool WriteFailed = false;  ///< a block of the file was lost: nothing may follow it
         qint64 ReceivedBytes = 0;  ///< of any answer
     };
 

@@ -3,7 +3,6 @@
 #include "Launcher/Application/RemoteText.hpp"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QSysInfo>
 
@@ -76,13 +75,11 @@ ApplicationManifest ParseApplicationManifest(QByteArray const& p_Data, bool& p_S
     p_Success = false;
     ApplicationManifest manifest;
 
-    // Through text and back: invalid UTF-8 reaches the reader as U+FFFD instead of failing it.
-    QJsonParseError error{};
-    QJsonDocument const document = QJsonDocument::fromJson(RemoteText(p_Data).toUtf8(), &error);
-    if (error.error != QJsonParseError::NoError || !document.isObject())
+    auto const object = RemoteText::ObjectOf(p_Data);
+    if (!object)
         return manifest;
 
-    QJsonObject const root = document.object();
+    QJsonObject const& root = *object;
     manifest.BuildId = root[QLatin1String("build_id")].toString();
     manifest.BuildStr = root[QLatin1String("build_str")].toString();
     manifest.BuildNumber = root[QLatin1String("build_number")].toInt();

@@ -1,5 +1,7 @@
 #include "Launcher/Application/ContentServer.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
+
 namespace Varnholt::Launcher {
 
 QString DefaultContentBaseUrl()
@@ -7,9 +9,7 @@ QString DefaultContentBaseUrl()
     QString url = qEnvironmentVariable("VARNHOLT_CONTENT_BASE_URL");
     if (url.isEmpty())
         url = QStringLiteral(VARNHOLT_CONTENT_BASE_URL);
-    if (!url.endsWith(QLatin1Char('/')))
-        url += QLatin1Char('/');
-    return url;
+    return Helper::Paths::WithSlash(url);
 }
 
 } // namespace Varnholt::Launcher

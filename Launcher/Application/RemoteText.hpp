@@ -1,12 +1,18 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 
-namespace Varnholt::Launcher {
+#include <optional>
+
+namespace Varnholt::Launcher::RemoteText {
 
 /// The text of a fetched file: its bytes as UTF-8 up to the first NUL byte, invalid sequences as
 /// U+FFFD. Every small remote file is read through this, so that all of them end at a NUL byte.
-QString RemoteText(QByteArray const& p_Data);
+QString Of(QByteArray const& p_Data);
 
-} // namespace Varnholt::Launcher
+/// The JSON object that the text is. None when it is anything else.
+std::optional<QJsonObject> ObjectOf(QByteArray const& p_Data);
+
+} // namespace Varnholt::Launcher::RemoteText

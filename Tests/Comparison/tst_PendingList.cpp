@@ -1,5 +1,6 @@
 #include "GameModules/PendingList.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FileWatch.hpp"
 #include "Tests/Support/LocalEncoding.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
 
@@ -12,7 +13,7 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
-using Launcher::PendingList;
+namespace PendingList = Launcher::PendingList;
 
 bool Always()
 {
@@ -62,6 +63,10 @@ private Q_SLOTS:
     void AListThatIsNotThereIsNotOpened();
     void AStoppedReadingIsNotComplete();
     void UpdatingStrikesEveryEqualLine();
+    void UpdatingComparesBytes_data();
+    void UpdatingComparesBytes();
+    void UpdatingAsksBeforeEachLine();
+    void UpdatingWithoutAChangeWritesNothing();
     void UpdatingPutsTheAddedLineLast();
     void UpdatingCreatesAMissingList();
     void AnUpdateWhoseReadingWasStoppedLeavesTheListAsItIs();
@@ -161,6 +166,56 @@ void PendingListTest::UpdatingStrikesEveryEqualLine()
     list.Put("a\nb\nA\na\nab\n");
     PendingList::Update(list.Path(), "a", QString(), Always);
     QCOMPARE(list.Bytes(), QByteArray("b\nA\nab\n"));
+}
+
+void PendingListTest::UpdatingComparesBytes_data()
+{
+    QTest::addColumn<QByteArray>("Before");
+    QTest::addColumn<QString>("Struck");
+    QTest::addColumn<QByteArray>("After");
+    QString const mark(QChar(0xfeff));
+    QByteArray const bytes = mark.toUtf8();
+    QTest::newRow("letters") << QByteArray("a\xC3\xA9\na\xC3\xA8\n") << QString::fromUtf8("aé")
+                             << QByteArray("a\xC3\xA8\n");
+    QTest::newRow("mark") << QByteArray(bytes + "a\na\n") << mark + "a" << QByteArray("a\n");
+    QTest::newRow("no mark") << QByteArray(bytes + "a\na\n") << "a" << QByteArray(bytes + "a\n");
+    QTest::newRow("carriage return") << QByteArray("a\r\na\n") << "a" << QByteArray("a\r\n");
+    QTest::newRow("no UTF-8") << QByteArray("\xFF\nb\n") << "b" << QByteArray("\xFF\n");
+    QTest::newRow("empty lines") << QByteArray("\na\n\n") << "" << QByteArray("a\n");
+    QTest::newRow("last without an end") << QByteArray("a\nb") << "b" << QByteArray("a\n");
+    QTest::newRow("other without an end") << QByteArray("a\nb") << "a" << QByteArray("b\n");
+}
+
+void PendingListTest::UpdatingComparesBytes()
+{
+    QFETCH(QByteArray, Before);
+    QFETCH(QString, Struck);
+    QFETCH(QByteArray, After);
+    ListFile list;
+    list.Put(Before);
+    PendingList::Update(list.Path(), Struck, QString(), Always);
+    QCOMPARE(list.Bytes(), After);
+}
+
+void PendingListTest::UpdatingAsksBeforeEachLine()
+{
+    ListFile list;
+    list.Put("a\nb\nc\n");
+    int lines = 0;
+    PendingList::Update(list.Path(), "a", QString(), [&] { return ++lines <= 3; });
+    QCOMPARE(lines, 3);
+    QCOMPARE(list.Bytes(), QByteArray("b\nc\n"));
+}
+
+void PendingListTest::UpdatingWithoutAChangeWritesNothing()
+{
+    ListFile list;
+    list.Put("a\nb\n");
+    FileWatch const watch(list.Path());
+    PendingList::Update(list.Path(), "c", QString(), Always);
+    PendingList::Update(list.Path(), "b", "b", Always); // where it stands already
+    QVERIFY(PendingList::Write(list.Path(), {"a", "b"}));
+    QVERIFY(watch.IsUntouched());
 }
 
 void PendingListTest::UpdatingPutsTheAddedLineLast()

@@ -3,6 +3,7 @@
 #include "GameModules/TextFilePatch.hpp"
 #include "Tests/Support/FileSizeLimit.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FileWatch.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -11,7 +12,7 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
-using Launcher::ReplaceFile;
+namespace FileReplacement = Launcher::FileReplacement;
 
 constexpr rlim_t c_Room = 4096;
 /// More than there is room for, and few enough to be buffered.
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void init();
 
     void TheNewContentStandsThereAlone();
+    void ItsOwnContentIsNotWritten();
     void AFileThatDoesNotFitStaysAsItWas();
     void ANewFileThatDoesNotFitIsNotMade();
     void WhatAKilledProcessLeftIsTakenAway();
@@ -54,18 +56,32 @@ void FileReplacementTest::init()
 void FileReplacementTest::TheNewContentStandsThereAlone()
 {
     QVERIFY(WriteFile(Path, "old, and longer than the new one"));
-    QVERIFY(ReplaceFile(Path, "new"));
+    QVERIFY(FileReplacement::Replace(Path, "new"));
     QCOMPARE(ReadFile(Path), QByteArray("new"));
-    QVERIFY(ReplaceFile(Path, c_New));
+    QVERIFY(FileReplacement::Replace(Path, c_New));
     QCOMPARE(ReadFile(Path), c_New);
     QCOMPARE(Names(), QStringList("file"));
+}
+
+void FileReplacementTest::ItsOwnContentIsNotWritten()
+{
+    for (QByteArray const& content : {QByteArray(), QByteArray("the same"), c_New}) {
+        QVERIFY(WriteFile(Path, content));
+        FileWatch const watch(Path);
+        FileSizeLimit const limit(0);
+        QVERIFY(FileReplacement::Replace(Path, content));
+        QVERIFY(watch.IsUntouched());
+    }
+    // As long, and another.
+    QVERIFY(FileReplacement::Replace(Path, QByteArray(c_New).replace(5999, 1, "x")));
+    QCOMPARE(ReadFile(Path).right(2), QByteArray("nx"));
 }
 
 void FileReplacementTest::AFileThatDoesNotFitStaysAsItWas()
 {
     QVERIFY(WriteFile(Path, "old"));
     FileSizeLimit const limit(c_Room);
-    QVERIFY(!ReplaceFile(Path, c_New));
+    QVERIFY(!FileReplacement::Replace(Path, c_New));
     QCOMPARE(ReadFile(Path), QByteArray("old"));
     QCOMPARE(Names(), QStringList("file"));
 }
@@ -73,15 +89,15 @@ void FileReplacementTest::AFileThatDoesNotFitStaysAsItWas()
 void FileReplacementTest::ANewFileThatDoesNotFitIsNotMade()
 {
     FileSizeLimit const limit(c_Room);
-    QVERIFY(!ReplaceFile(Path, c_New));
+    QVERIFY(!FileReplacement::Replace(Path, c_New));
     QCOMPARE(Names(), QStringList());
 }
 
 void FileReplacementTest::WhatAKilledProcessLeftIsTakenAway()
 {
     QVERIFY(WriteFile(Path, "old"));
-    QVERIFY(WriteFile(Path + Launcher::c_ReplacementSuffix, "half of someth"));
-    QVERIFY(ReplaceFile(Path, "new"));
+    QVERIFY(WriteFile(Path + FileReplacement::c_Suffix, "half of someth"));
+    QVERIFY(FileReplacement::Replace(Path, "new"));
     QCOMPARE(ReadFile(Path), QByteArray("new"));
     QCOMPARE(Names(), QStringList("file"));
 }
@@ -90,11 +106,11 @@ void FileReplacementTest::TheNewFileIsAsPrivateAsTheOldOne()
 {
     QVERIFY(WriteFile(Path, "old"));
     QVERIFY(SetMode(Path, 0600));
-    QVERIFY(ReplaceFile(Path, "new"));
+    QVERIFY(FileReplacement::Replace(Path, "new"));
     QCOMPARE(ModeOf(Path), 0600);
     QVERIFY(QFile::remove(Path));
     mode_t const before = umask(027);
-    QVERIFY(ReplaceFile(Path, "new"));
+    QVERIFY(FileReplacement::Replace(Path, "new"));
     umask(before);
     QCOMPARE(ModeOf(Path), 0640);
 }

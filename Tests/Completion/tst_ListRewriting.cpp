@@ -1,4 +1,5 @@
 #include "Tests/Completion/HandMadeRun.hpp"
+#include "Tests/Support/FileWatch.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -13,6 +14,7 @@ private Q_SLOTS:
     void AFinishedFileIsStruckFromItsList();
     void TheOtherListIsLeftAlone();
     void ARetriedFileStandsLast();
+    void AListThatDoesNotNameTheFileIsNotRewritten();
     void AFileThatIsGivenUpIsStruck();
     void AFileThatWasNotListedIsListedWhenItFails();
     void TheListIsCreatedWhenItIsMissing();
@@ -70,6 +72,17 @@ void ListRewritingTest::ARetriedFileStandsLast()
     QCOMPARE(run.Read("ToDownloadBase.db"), QByteArray("a\nc\n"));
     run.Complete("a");
     QCOMPARE(run.Read("ToDownloadBase.db"), QByteArray("c\n"));
+}
+
+void ListRewritingTest::AListThatDoesNotNameTheFileIsNotRewritten()
+{
+    HandMadeRun run;
+    run.Add({"a", "a"}).Add({"b", "b"});
+    run.List();
+    run.Put(run.PendingList(), "other\n");
+    FileWatch const watch(run.Path(run.PendingList()));
+    run.Complete("a");
+    QVERIFY(watch.IsUntouched());
 }
 
 void ListRewritingTest::AFileThatIsGivenUpIsStruck()

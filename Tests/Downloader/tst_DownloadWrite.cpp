@@ -16,63 +16,70 @@ class DownloadWriteTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void AFullDiskEndsTheDownloadQuietly();
-    void BehindALostBlockNothingIsWritten();
-    void ALostBlockIsFetchedByTheNextAttempt();
+    void AFullDiskEndsTheDownloadAtOnceAndQuietly();
+    void AFullDiskEndsAContinuedDownloadToo();
+    void AnErrorPageThatCannotBeWrittenIsReported();
+    void ALostBlockEndsTheAttemptAndIsFetchedByTheNext();
     void EveryBlockReopensTheFile();
 };
 
-void DownloadWriteTest::AFullDiskEndsTheDownloadQuietly()
+void DownloadWriteTest::AFullDiskEndsTheDownloadAtOnceAndQuietly()
 {
     if (!QFile::exists("/dev/full"))
         QSKIP("no device that is always full");
     DownloadBench bench;
     bench.Serve(SampleContent::Bytes(1000000));
+    bench.Script().Then(Answer::SilentAfter(1000)); // there is no end to wait for
     QVERIFY(QFile::link("/dev/full", bench.Path));
     QVERIFY(bench.Run());
     QCOMPARE(bench.Count(Kind::Complete), 1);
     QCOMPARE(bench.Count(Kind::Restarted), 0);
     QCOMPARE(bench.Completion().BytesOnDisk, qint64{0});
+    QVERIFY(!bench.Completion().Aborted);
     // Not whole, and nothing wrong stands there: when there is room again it can be continued.
     QVERIFY(bench.Completion().Continuable);
     QCOMPARE(bench.Host->Errors(), QStringList());
 }
 
-void DownloadWriteTest::BehindALostBlockNothingIsWritten()
+void DownloadWriteTest::AFullDiskEndsAContinuedDownloadToo()
 {
-    // The file is out of reach for a while: blocks of that time are lost, and what comes later must
-    // not be appended to what came before.
+    if (!QFile::exists("/dev/full"))
+        QSKIP("no device that is always full");
     DownloadBench bench;
     QByteArray const bytes = SampleContent::Bytes(3000);
     bench.Serve(bytes);
-    bench.Script().Then(Answer::Drip(100, 40));
-    QString const aside = bench.Folder.path() + "/aside";
-    qint64 written = 0;
-    bool isBack = false;
-    bench.OnEvent = [&](DownloadEvent const& p_Event) { // all on the download thread
-        if (p_Event.What != Kind::Update || isBack)
-            return;
-        if (written == 0 && p_Event.BytesOnDisk > 0) {
-            written = p_Event.BytesOnDisk;
-            QVERIFY(QFile::rename(bench.Path, aside) && QDir().mkpath(bench.Path));
-        } else if (written > 0 && p_Event.CurrentBytes > written) {
-            isBack = QDir().rmdir(bench.Path) && QFile::rename(aside, bench.Path);
-        }
+    bench.Script().Then(Answer::Truncated(1000));
+    QString const aside = bench.Path + ".aside";
+    bench.OnEvent = [&](DownloadEvent const& p_Event) { // on the download thread
+        if (p_Event.What == Kind::Restarted && !QFile::exists(aside))
+            QVERIFY(QFile::rename(bench.Path, aside) && QFile::link("/dev/full", bench.Path));
     };
     QVERIFY(bench.Run());
-    QVERIFY(isBack);
-    QVERIFY(written < bytes.size());
-    QCOMPARE(bench.File(), bytes.left(static_cast<int>(written)));
+    QCOMPARE(bench.Ranges(), QStringList({"-", "bytes=1000-"}));
+    QCOMPARE(bench.Count(Kind::Restarted), 1);
     QVERIFY(bench.Completion().Continuable);
-    QCOMPARE(bench.Host->Errors(), QStringList());
+    QCOMPARE(TestSupport::ReadFile(aside), bytes.left(1000));
 }
 
-void DownloadWriteTest::ALostBlockIsFetchedByTheNextAttempt()
+void DownloadWriteTest::AnErrorPageThatCannotBeWrittenIsReported()
+{
+    if (!QFile::exists("/dev/full"))
+        QSKIP("no device that is always full");
+    DownloadBench bench;
+    bench.Script().Always(Answer::Status(404));
+    QVERIFY(QFile::link("/dev/full", bench.Path));
+    QVERIFY(bench.Run());
+    QCOMPARE(bench.Host->Errors(), QStringList("Http Error 203"));
+}
+
+void DownloadWriteTest::ALostBlockEndsTheAttemptAndIsFetchedByTheNext()
 {
     DownloadBench bench;
     QByteArray const bytes = SampleContent::Bytes(3000);
     bench.Serve(bytes);
-    bench.Script().Then(Answer::Drip(100, 40));
+    Answer answer = Answer::Drip(100, 40);
+    answer.HeldAfter = 2000; // there is no end to wait for
+    bench.Script().Then(answer);
     bool isLost = false;
     bench.OnEvent = [&](DownloadEvent const& p_Event) {
         if (p_Event.What == Kind::Update && !isLost && p_Event.BytesOnDisk > 0) {
@@ -82,8 +89,11 @@ void DownloadWriteTest::ALostBlockIsFetchedByTheNextAttempt()
         }
     };
     QVERIFY(bench.Run());
+    QVERIFY(bench.Completion().Continuable);
+    QCOMPARE(bench.Host->Errors(), QStringList());
     QVERIFY(QDir().rmdir(bench.Path) && QFile::rename(bench.Path + ".aside", bench.Path));
     QByteArray const begun = bench.File();
+    QVERIFY(begun.size() < 2000);
     QCOMPARE(begun, bytes.left(begun.size()));
     QVERIFY(bench.Run());
     QCOMPARE(bench.File(), bytes);

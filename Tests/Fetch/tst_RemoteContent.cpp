@@ -279,11 +279,11 @@ void RemoteContentTest::TheReplyIsDeleted()
 
 void RemoteContentTest::RemoteTextEndsAtANulByteAndRepairsUtf8()
 {
-    QCOMPARE(RemoteText(QByteArray("a\0b", 3)), QString("a"));
-    QCOMPARE(RemoteText(QByteArray("\0", 1)), QString());
-    QCOMPARE(RemoteText({}), QString());
-    QCOMPARE(RemoteText("\xc3\xa9\xff"), QString(QChar(0xe9)) + QChar(0xfffd));
-    QCOMPARE(RemoteText("line\n"), QString("line\n"));
+    QCOMPARE(RemoteText::Of(QByteArray("a\0b", 3)), QString("a"));
+    QCOMPARE(RemoteText::Of(QByteArray("\0", 1)), QString());
+    QCOMPARE(RemoteText::Of({}), QString());
+    QCOMPARE(RemoteText::Of("\xc3\xa9\xff"), QString(QChar(0xe9)) + QChar(0xfffd));
+    QCOMPARE(RemoteText::Of("line\n"), QString("line\n"));
 }
 
 } // namespace Varnholt::Launcher

@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* p_Data, std::size_t p_
 
     QStringList const hosts = MirrorChoice::HostsOf(input);
     Demand(!hosts.isEmpty(), "a list names at least one host");
-    Demand(hosts.join(' ') == Launcher::RemoteText(input), "nothing of the list is lost");
+    Demand(hosts.join(' ') == Launcher::RemoteText::Of(input), "nothing of the list is lost");
     for (QString const& host : hosts)
         Demand(!host.contains(' '), "a host's name has no blank");
     Demand(hosts.contains(MirrorChoice::DrawHost(hosts)), "the host drawn is one of the list");

@@ -4,6 +4,8 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 #include "Tests/Fuzzing/FuzzSupport.hpp"
 
+#include <algorithm>
+
 namespace {
 
 using namespace Varnholt;
@@ -67,19 +69,27 @@ bool MayBeDropped(QString const& p_Path)
            !Launcher::ManifestPaths::IsInsideFolder(p_Path);
 }
 
-Entries Inside(Entries const& p_Entries)
+bool IsTooLong(QString const& p_Path)
 {
-    Entries inside;
+    int longest = 0;
+    for (QString const& name : p_Path.split(QLatin1Char('/')))
+        longest = std::max(longest, name.toUtf8().size());
+    return longest > 255 || p_Path.toUtf8().size() > 1023;
+}
+
+Entries Kept(Entries const& p_Entries)
+{
+    Entries kept;
     for (auto const& entry : p_Entries)
-        if (StaysInside(entry.Path) && !MayBeDropped(entry.Path))
-            inside.push_back(entry);
-    return inside;
+        if (StaysInside(entry.Path) && !MayBeDropped(entry.Path) && !IsTooLong(entry.Path))
+            kept.push_back(entry);
+    return kept;
 }
 
 void ExaminePaths(ApplicationManifest p_Manifest)
 {
-    Entries const files = Inside(p_Manifest.Files);
-    Entries const streamed = Inside(p_Manifest.StreamedFiles);
+    Entries const files = Kept(p_Manifest.Files);
+    Entries const streamed = Kept(p_Manifest.StreamedFiles);
     Launcher::ManifestPaths::DropUnsafeEntries(p_Manifest);
     DemandSame(p_Manifest.Files, files);
     DemandSame(p_Manifest.StreamedFiles, streamed);

@@ -10,7 +10,7 @@ namespace {
 
 using namespace Varnholt;
 using Fuzzing::Demand;
-using Launcher::PendingList;
+namespace PendingList = Launcher::PendingList;
 
 bool Always()
 {

@@ -12,7 +12,7 @@ namespace {
 
 using namespace Varnholt;
 using Fuzzing::Demand;
-using Launcher::TextFilePatch;
+namespace TextFilePatch = Launcher::TextFilePatch;
 
 /// The lines of a configuration as they stand there, in bytes.
 QList<QByteArray> Lines(QByteArray const& p_Bytes)
@@ -80,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* p_Data, std::size_t p_
     auto const parts = Fuzzing::Parts(Fuzzing::Input(p_Data, p_Size), 3);
 
     QString const code = QString::fromUtf8(parts[1]);
-    QString const realmLine = Launcher::RemoteText(parts[2]);
+    QString const realmLine = Launcher::RemoteText::Of(parts[2]);
     QString const locale = QStringLiteral("locale");
     QString const localeLine = QStringLiteral("SET locale \"%1\"").arg(code);
     if (parts[0].isEmpty())

@@ -120,7 +120,7 @@ void HostSettingsTest::ALinkedFileStaysLinked()
         HostSettings settings(link);
         settings.SetValue("new", "x");
     }
-    QVERIFY(QFileInfo(link).isSymLink());
+    QVERIFY(QFileInfo(link).isSymbolicLink());
     QCOMPARE(QSettings(File, QSettings::IniFormat).value("new"), QVariant("x"));
 }
 

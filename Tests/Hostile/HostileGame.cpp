@@ -63,7 +63,7 @@ void HostileGame::Link(QString const& p_Path, QString const& p_Target) const
 {
     QString const path = Path(p_Path);
     QFileInfo const old(path);
-    if (old.isDir() && !old.isSymLink())
+    if (old.isDir() && !old.isSymbolicLink())
         QDir(path).removeRecursively();
     else
         QFile::remove(path);

@@ -51,7 +51,7 @@ void HostileOwnLinksTest::LinksInTheirPlacesGiveWay()
     QCOMPARE(game.Disturbances(), QStringList());
     QCOMPARE(game.Wrong(), QStringList());
     for (auto const& row : links)
-        QVERIFY(!QFileInfo(game.Path(row.first)).isSymLink());
+        QVERIFY(!QFileInfo(game.Path(row.first)).isSymbolicLink());
     QCOMPARE(game.Read("WTF/Config.wtf"),
              "SET locale \"enUS\"\nSET installLocale \"enUS\"\n" + game.Content.RealmList + '\n');
     link();
@@ -94,7 +94,7 @@ void HostileOwnLinksTest::AConfigurationThatALinkKeepsInsideIsWrittenThere()
     game.Link("WTF/Config.wtf", "../settings");
     game.Begin();
     QCOMPARE(game.InstallOver(), QString("done"));
-    QVERIFY(QFileInfo(game.Path("WTF/Config.wtf")).isSymLink());
+    QVERIFY(QFileInfo(game.Path("WTF/Config.wtf")).isSymbolicLink());
     QVERIFY(game.Read("settings").startsWith("SET gxWindow \"1\"\nSET locale"));
 }
 
@@ -118,7 +118,7 @@ void HostileOwnLinksTest::TheLoginScreenIsBuiltInThePlaceOfALink()
     QCOMPARE(game.Disturbances(), QStringList());
     QCOMPARE(game.Read(folder + "AccountLogin.xml"), QByteArray("account"));
     QCOMPARE(game.Read(folder + "AccountLogin.lua"), QByteArray("{varnholt_autolog_login}"));
-    QVERIFY(!QFileInfo(game.Path(folder + "AccountLogin.xml")).isSymLink());
+    QVERIFY(!QFileInfo(game.Path(folder + "AccountLogin.xml")).isSymbolicLink());
 }
 
 void HostileOwnLinksTest::ATemplateThatALinkLeadsOutIsNotRead()

@@ -38,6 +38,10 @@ void HostilePathsTest::PathsThatLeaveTheFolderAreLeftOutOfAWholeLife()
                             "",
                             "/",
                             ".." + nul + "x",
+                            QString(5000, QChar('a')),
+                            "deep/" + QString(256, QChar('a')),
+                            QString("a/").repeated(512),
+                            "a" + QString(100000, QChar('/')) + "b",
                             "readme.txt" + nul + ".exe"};
     for (QString const& path : paths)
         game.AddEntry(path, HostileGame::c_ReadOnly)
@@ -65,7 +69,7 @@ void HostilePathsTest::PathsThatLeaveTheFolderAreLeftOutOfAWholeLife()
 
 void HostilePathsTest::PathsThatNoFileSystemTakesAreNamedAndTheOthersArrive()
 {
-    QString const path(5000, QChar('a'));
+    QString const path(251, QChar('a')); // with ".part" behind it
     HostileGame game;
     game.AddEntry(path, HostileGame::c_Executable)
         .AddEntry("deep/" + path)
@@ -90,7 +94,7 @@ void HostilePathsTest::OfTooManyOfThemTheInstallationEnds()
 {
     HostileGame game;
     for (int i = 0; i < 100; ++i)
-        game.AddEntry(QString(5000, QChar('a')) + QString::number(i));
+        game.AddEntry(QString(250, QChar('a')) + QString::number(i));
     game.Begin();
     QCOMPARE(game.Install(), QString("file-unwritable"));
 }

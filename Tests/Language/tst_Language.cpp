@@ -1,4 +1,5 @@
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FileWatch.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void ChoosingALanguageStoresItAndCreatesTheConfiguration();
     void ChoosingALanguageDropsEveryLineThatMentionsIt();
     void ChoosingAgainReplacesBothLines();
+    void ChoosingTheSameAgainWritesNothing();
     void TheCodeIsWrittenAsItIs();
     void WithoutAnInstallationFolderOnlyTheSettingIsWritten();
     void AConfigurationThatCannotBeWrittenKeepsTheSetting();
@@ -114,6 +116,14 @@ void LanguageTest::ChoosingAgainReplacesBothLines()
     App->SetAppLocale("frFR");
     App->SetAppLocale("enUS");
     QCOMPARE(ReadFile(Config), QByteArray("SET locale \"enUS\"\nSET installLocale \"enUS\"\n"));
+}
+
+void LanguageTest::ChoosingTheSameAgainWritesNothing()
+{
+    App->SetAppLocale("frFR");
+    TestSupport::FileWatch const watch(Config);
+    App->SetAppLocale("frFR");
+    QVERIFY(watch.IsUntouched());
 }
 
 void LanguageTest::TheCodeIsWrittenAsItIs()

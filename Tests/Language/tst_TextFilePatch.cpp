@@ -202,7 +202,7 @@ void TextFilePatchTest::ASymbolicLinkIsFollowed()
     QVERIFY(WriteFile(target, "a\n"));
     QVERIFY(QFile::link(target, Path));
     Patch("key", "line");
-    QVERIFY(QFileInfo(Path).isSymLink());
+    QVERIFY(QFileInfo(Path).isSymbolicLink());
     QCOMPARE(ReadFile(target), QByteArray("a\nline\n"));
 }
 

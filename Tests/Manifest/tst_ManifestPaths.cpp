@@ -11,7 +11,10 @@ class ManifestPathsTest : public QObject {
 private Q_SLOTS:
     void KnowsWhatLiesInsideTheFolder_data();
     void KnowsWhatLiesInsideTheFolder();
+    void KnowsWhatIsTooLong_data();
+    void KnowsWhatIsTooLong();
     void DropsUnsafeEntriesOfBothListsWithOneWarningEach();
+    void TheWarningTellsWhatIsWrong();
 };
 
 void ManifestPathsTest::KnowsWhatLiesInsideTheFolder_data()
@@ -41,6 +44,37 @@ void ManifestPathsTest::KnowsWhatLiesInsideTheFolder()
     QCOMPARE(ManifestPaths::IsInsideFolder(Path), Inside);
 }
 
+void ManifestPathsTest::KnowsWhatIsTooLong_data()
+{
+    QTest::addColumn<QString>("Path");
+    QTest::addColumn<bool>("TooLong");
+    QString const name(255, QChar('a'));
+    QString const folders = (name + '/').repeated(3);
+    QTest::newRow("name") << name << false;
+    QTest::newRow("name, one more") << name + 'b' << true;
+    QTest::newRow("name in between") << "x/" + name + "/y" << false;
+    QTest::newRow("name in between, one more") << "x/" + name + "b/y" << true;
+    // Two bytes each.
+    QTest::newRow("name of letters with accents") << QString(128, QChar(0xe9)) << true;
+    QTest::newRow("path") << folders + name << false;
+    QTest::newRow("path, one more") << folders + name + '/' << true;
+    QTest::newRow("path of letters with accents")
+        << (QString(127, QChar(0xe9)) + '/').repeated(5) << true;
+    QTest::newRow("nothing") << "" << false;
+    // What looks at them part by part, or again from the beginning for each, would not end.
+    QTest::newRow("a million slashes") << "a" + QString(1000000, QChar('/')) + "b" << true;
+    QTest::newRow("half a million folders") << QString("a/").repeated(500000) << true;
+    QTest::newRow("half a million steps back") << QString("a/../").repeated(500000) + "b" << true;
+}
+
+void ManifestPathsTest::KnowsWhatIsTooLong()
+{
+    QFETCH(QString, Path);
+    QTEST(ManifestPaths::IsTooLong(Path), "TooLong");
+    if (!Path.isEmpty())
+        QVERIFY(ManifestPaths::IsInsideFolder(Path));
+}
+
 void ManifestPathsTest::DropsUnsafeEntriesOfBothListsWithOneWarningEach()
 {
     auto const entry = [](QString const& p_Path) {
@@ -63,6 +97,19 @@ void ManifestPathsTest::DropsUnsafeEntriesOfBothListsWithOneWarningEach()
     QCOMPARE(log.CountContaining("\"../b\""), 1);
     QCOMPARE(log.Messages().front().Type, QtWarningMsg);
     QCOMPARE(log.Messages().front().Category, QString("varnholt.startup"));
+}
+
+void ManifestPathsTest::TheWarningTellsWhatIsWrong()
+{
+    ApplicationManifest manifest;
+    manifest.Files.resize(2);
+    manifest.Files[0].Path = "../a";
+    manifest.Files[1].Path = QString(256, QChar('a'));
+    TestSupport::LogCapture const log;
+    ManifestPaths::DropUnsafeEntries(manifest);
+    QString const text = "Manifest entry dropped, its path %1: \"%2\"";
+    QCOMPARE(log.Texts(), QStringList({text.arg("leaves the game folder", "../a"),
+                                       text.arg("is too long", QString(256, QChar('a')))}));
 }
 
 } // namespace Varnholt::Launcher

@@ -23,6 +23,8 @@ private Q_SLOTS:
     void TheFirstMatchingLineIsTold();
     void ANullLineChangesNothing();
     void WithoutNamesNothingMatches();
+    void NothingButTheNameAndTheIdIsForTheLog_data();
+    void NothingButTheNameAndTheIdIsForTheLog();
 };
 
 void ProcessListTest::FindsAGameOfTheFolder_data()
@@ -115,6 +117,28 @@ void ProcessListTest::ANullLineChangesNothing()
 void ProcessListTest::WithoutNamesNothingMatches()
 {
     QVERIFY(!IsProcessListed("u 1 /games/wow.exe\n", "/games/", {}, nullptr));
+}
+
+void ProcessListTest::NothingButTheNameAndTheIdIsForTheLog_data()
+{
+    QTest::addColumn<QString>("Line");
+    QTest::addColumn<QString>("Expected");
+    QTest::newRow("line of ps") << "u   12 0.0 /games/wow-64.exe -x token=1"
+                                << "wow-64.exe 12";
+    QTest::newRow("bundle") << "u 12 /g/x.app/contents/macos/world of warcraft token=1"
+                            << "macos/world of warcraft 12";
+    QTest::newRow("no number") << "token=1 secret /games/wow.exe"
+                               << "wow.exe";
+    QTest::newRow("no match") << "u 12 /games/editor"
+                              << "";
+    QTest::newRow("nothing") << ""
+                             << "";
+}
+
+void ProcessListTest::NothingButTheNameAndTheIdIsForTheLog()
+{
+    QFETCH(QString, Line);
+    QTEST(Helper::Process::NameAndId(Line, c_Names), "Expected");
 }
 
 } // namespace Varnholt::Launcher

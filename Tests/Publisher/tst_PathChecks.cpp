@@ -110,6 +110,8 @@ void PathChecksTest::RefusesNamesThatLeaveNoRoomForThePartFile()
     QVERIFY(refused(QByteArray("é").repeated(126)));
     QVERIFY(!refused(QByteArray(255, 'a') + "/b"));
     QVERIFY(refused(QByteArray(256, 'a') + "/b"));
+    QVERIFY(!refused(QByteArray("name/").repeated(203) + "abc"));
+    QVERIFY(refused(QByteArray("name/").repeated(203) + "abcd"));
 }
 
 void PathChecksTest::ANameThatIsShownHoldsNoControlCharacter()

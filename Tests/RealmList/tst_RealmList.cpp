@@ -1,4 +1,5 @@
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FileWatch.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/SampleContent.hpp"
@@ -26,6 +27,10 @@ private Q_SLOTS:
     void TheLanguageIsStoredAgain();
     void TheReceivedTextIsLogged();
     void EveryManifestFetchesOnce();
+    void ARoutineStartWritesNothing_data();
+    void ARoutineStartWritesNothing();
+    void WhatHasChangedIsWritten_data();
+    void WhatHasChangedIsWritten();
     void TheServerAlwaysWins();
     void TheTextIsWrittenAsItArrives_data();
     void TheTextIsWrittenAsItArrives();
@@ -119,6 +124,55 @@ void RealmListTest::EveryManifestFetchesOnce()
     Receive();
     QCOMPARE(Server->Count(c_Path), 2);
     QCOMPARE(Server->Requests().size(), std::size_t{2});
+}
+
+void RealmListTest::ARoutineStartWritesNothing_data()
+{
+    QTest::addColumn<QByteArray>("Before");
+    QTest::newRow("no configuration") << QByteArray();
+    QTest::newRow("settings of the player") << QByteArray("SET a \"1\"\r\nSET b \"2\"");
+    QTest::newRow("other order") << QByteArray("SET realmlist \"new\"\nSET a \"1\"\n") + c_Language;
+    QTest::newRow("blank line") << QByteArray("\n");
+    QTest::newRow("letters") << QByteArray("SET name \"Zo\xC3\xA9\"\n");
+}
+
+void RealmListTest::ARoutineStartWritesNothing()
+{
+    QFETCH(QByteArray, Before);
+    if (!Before.isEmpty())
+        QVERIFY(WriteFile(Config, Before));
+    Receive();
+    TestSupport::FileWatch const watch(Config);
+    Receive();
+    QVERIFY(watch.IsUntouched());
+    // Nor when the realm list cannot be had.
+    Server->Script(c_Path).Always(Answer::Status(404));
+    Receive();
+    QVERIFY(watch.IsUntouched());
+}
+
+void RealmListTest::WhatHasChangedIsWritten_data()
+{
+    QTest::addColumn<QByteArray>("Before");
+    QByteArray const language = c_Language;
+    QByteArray const realm = "SET realmlist \"new\"\n";
+    QTest::newRow("nothing") << QByteArray("");
+    QTest::newRow("language") << QByteArray(language).replace("enUS", "frFR") + realm;
+    QTest::newRow("one of the two")
+        << QByteArray(language).replace("SET locale \"enUS", "SET locale \"frFR") + realm;
+    QTest::newRow("realm list") << language + "SET realmlist \"old\"\n";
+    QTest::newRow("two realm lists") << realm + language + realm;
+    QTest::newRow("a third of its key") << "SET textLocale \"x\"\n" + language + realm;
+    QTest::newRow("other line ends") << QByteArray(language + realm).replace("\n", "\r\n");
+    QTest::newRow("no last line end") << QByteArray(language + realm).chopped(1);
+}
+
+void RealmListTest::WhatHasChangedIsWritten()
+{
+    QFETCH(QByteArray, Before);
+    QVERIFY(WriteFile(Config, Before));
+    Receive();
+    QCOMPARE(ReadFile(Config), QByteArray(c_Language) + "SET realmlist \"new\"\n");
 }
 
 void RealmListTest::TheServerAlwaysWins()
