@@ -2,6 +2,7 @@
 
 #include "Host/Core/ByteText.hpp"
 #include "Host/Core/FolderCheck.hpp"
+#include "Host/Core/GameVolumes.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
@@ -83,7 +84,7 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
                        QStringLiteral("%1 is no folder").arg(above)};
     auto unwritable = FolderCheck::ForWriting(above);
     // A full disk refuses new files too, and is told better elsewhere.
-    if (FreeBytes(Folder) == 0)
+    if (FreeBytes(above) == 0)
         return std::nullopt;
     if (unwritable)
         return unwritable;
@@ -101,21 +102,23 @@ std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
-    qint64 const free = FreeBytes(Folder);
-    if (free < 0)
-        return std::nullopt;
-    qint64 needed = 0;
-    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
-        qint64 const there =
-            QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
-        needed += std::max<qint64>(0, static_cast<qint64>(Journal.SizeOf(entry.Location)) - there);
+    for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
+        qint64 const free = FreeBytes(share.Folder);
+        qint64 needed = 0;
+        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
+            qint64 const there =
+                QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
+            needed +=
+                std::max<qint64>(0, static_cast<qint64>(Journal.SizeOf(entry.Location)) - there);
+        }
+        bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
+        if (isFull && !share.Files.empty())
+            return Failure{FailureKind::DiskFull, share.Folder,
+                           QStringLiteral("%1 are free, %2 more are needed")
+                               .arg(ByteText(static_cast<quint64>(free)),
+                                    ByteText(static_cast<quint64>(needed)))};
     }
-    if (free >= needed && free >= c_NearlyNothing)
-        return std::nullopt;
-    return Failure{
-        FailureKind::DiskFull, Folder,
-        QStringLiteral("%1 are free, %2 more are needed")
-            .arg(ByteText(static_cast<quint64>(free)), ByteText(static_cast<quint64>(needed)))};
+    return std::nullopt;
 }
 
 } // namespace Varnholt::Host

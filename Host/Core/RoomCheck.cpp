@@ -1,6 +1,7 @@
 #include "Host/Core/RoomCheck.hpp"
 
 #include "Host/Core/ByteText.hpp"
+#include "Host/Core/GameVolumes.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
@@ -26,16 +27,29 @@ RoomCheck::RoomCheck(std::function<qint64(QString const&)> p_FreeBytes)
 {
 }
 
-std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entries const& p_Files,
-                                                 quint64 p_TotalBytes) const
+qint64 RoomCheck::Free(QString const& p_Folder) const
 {
+    qint64 free = std::max<qint64>(FreeBytes(p_Folder), -1);
+    for (QString const& folder : Elsewhere)
+        if (free >= 0)
+            free += std::max<qint64>(FreeBytes(folder), 0);
+    return free;
+}
+
+std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entries const& p_Files,
+                                                 quint64 p_TotalBytes)
+{
+    Elsewhere.clear();
+    for (GameVolumes::Share const& share : GameVolumes::Of(p_Folder, p_Files))
+        if (share.Folder != p_Folder)
+            Elsewhere += share.Folder;
     qint64 needed = static_cast<qint64>(p_TotalBytes);
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
         QString const path = p_Folder + entry.Path;
         needed -= QFileInfo(path).isFile() ? QFileInfo(path).size() : 0;
         needed -= QFileInfo(Launcher::Helper::Paths::PartFile(path)).size();
     }
-    qint64 const free = FreeBytes(p_Folder);
+    qint64 const free = Free(p_Folder);
     if (free < 0 || needed <= free)
         return std::nullopt;
     return Full(p_Folder, free, needed);
@@ -46,7 +60,7 @@ std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
-    qint64 const free = FreeBytes(p_Folder);
+    qint64 const free = Free(p_Folder);
     qint64 const remaining = static_cast<qint64>(p_RemainingBytes);
     if (free < 0 || free >= std::min(c_NearlyNothing, remaining))
         return std::nullopt;

@@ -1,6 +1,7 @@
 #include "Host/Core/RunControl.hpp"
 
 #include "Host/Core/FolderCheck.hpp"
+#include "Host/Core/GameVolumes.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -239,8 +240,13 @@ void RunControl::Finish()
     if (completes || Request.Kind == RunRequest::Type::Play)
         NoticeRealmList();
     // After a power cut only the mark would tell of files that were still on their way to the disk.
-    if (completes && Context.Record.IsUnfinished())
-        Context.Options.Flush(Folder());
+    if (completes && Context.Record.IsUnfinished()) {
+        auto files = Context.Module.Manifest.Files;
+        auto const& streamed = Context.Module.Manifest.StreamedFiles;
+        files.insert(files.end(), streamed.begin(), streamed.end());
+        for (GameVolumes::Share const& share : GameVolumes::Of(Folder(), files))
+            Context.Options.Flush(share.Folder);
+    }
     if (completes && !Context.Record.MarkComplete(Context.Module.RemoteBuild))
         return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
     End();

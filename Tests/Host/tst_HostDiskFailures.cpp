@@ -21,6 +21,8 @@ private Q_SLOTS:
     void ADiskThatFillsUpStopsTheTransferAndKeepsIt();
     void ARealVolumeThatIsTooSmallIsRefused();
     void ARealVolumeThatFillsUpLosesNothing();
+    void AFolderThatIsALinkHasTheRoomOfItsOwnVolume();
+    void TheVolumeOfAFolderThatIsALinkIsNamedWhenItIsFull();
     void WhatStandsInAFilesPlaceIsNamedAndTheRestArrives_data();
     void WhatStandsInAFilesPlaceIsNamedAndTheRestArrives();
     void APartialFileThatCannotBeWrittenIsNamed();
@@ -104,6 +106,45 @@ void HostDiskFailuresTest::ARealVolumeThatIsTooSmallIsRefused()
     QVERIFY(game.Open());
     QCOMPARE(game.Install(), QString("disk-full"));
     QVERIFY(!game.Has("Data/base.MPQ.part"));
+}
+
+void HostDiskFailuresTest::AFolderThatIsALinkHasTheRoomOfItsOwnVolume()
+{
+    SessionGame game;
+    QStringList flushed;
+    game.Options.Flush = [&](QString const& p_Folder) { flushed += p_Folder; };
+    SmallVolume const volume(game.Folder, "64k");
+    if (!volume.IsMounted())
+        QSKIP("this user may not mount a small volume");
+    QVERIFY(QDir().mkpath(game.Base + "disk/enUS"));
+    QVERIFY(QFile::link(game.Base + "disk", game.Path("Data")));
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    Host::RunRequest request;
+    request.Kind = RequestType::Install;
+    request.Argument = game.Folder;
+    request.Confirmed = true;
+    QCOMPARE(game.Run(request), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(flushed, QStringList({game.Folder, game.Path("Data")}));
+}
+
+void HostDiskFailuresTest::TheVolumeOfAFolderThatIsALinkIsNamedWhenItIsFull()
+{
+    SessionGame game;
+    SmallVolume const volume(game.Base + "disk", "64k");
+    if (!volume.IsMounted())
+        QSKIP("this user may not mount a small volume");
+    QVERIFY(QDir().mkpath(game.Folder) && QFile::link(game.Base + "disk", game.Path("Data")));
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    Host::RunRequest request;
+    request.Kind = RequestType::Install;
+    request.Argument = game.Folder;
+    request.Confirmed = true;
+    QCOMPARE(game.Run(request), QString("disk-full"));
+    QVERIFY2(game.Sentence().contains(game.Path("Data")), qPrintable(game.Sentence()));
+    QCOMPARE(game.Read("readme.txt"), QByteArray("read me"));
 }
 
 void HostDiskFailuresTest::ARealVolumeThatFillsUpLosesNothing()
