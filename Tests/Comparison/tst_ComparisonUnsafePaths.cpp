@@ -1,45 +1,15 @@
-#include "GameModules/ManifestPaths.hpp"
 #include "Tests/Runs/Game.hpp"
 
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
 
-namespace {
-
-Launcher::ApplicationManifestFileEntry EntryOf(QString const& p_Path)
-{
-    Launcher::ApplicationManifestFileEntry entry;
-    entry.Path = p_Path;
-    return entry;
-}
-
-} // namespace
-
 class ComparisonUnsafePathsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void AnUnsafeEntryIsDroppedWithOneWarning();
     void UnsafeEntriesOfARemoteManifestTouchNothingOutside();
 };
-
-void ComparisonUnsafePathsTest::AnUnsafeEntryIsDroppedWithOneWarning()
-{
-    LogCapture log;
-    Launcher::ApplicationManifest manifest;
-    manifest.Files = {EntryOf("a"), EntryOf("../b"), EntryOf("c"), EntryOf("")};
-    manifest.StreamedFiles = {EntryOf("/d"), EntryOf("e")};
-    Launcher::ManifestPaths::DropUnsafeEntries(manifest);
-    QCOMPARE(manifest.Files.size(), std::size_t{2});
-    QCOMPARE(manifest.Files[0].Path, QString("a"));
-    QCOMPARE(manifest.Files[1].Path, QString("c"));
-    QCOMPARE(manifest.StreamedFiles.size(), std::size_t{1});
-    QCOMPARE(manifest.StreamedFiles[0].Path, QString("e"));
-    QCOMPARE(log.CountContaining("Manifest entry dropped"), 3);
-    QCOMPARE(log.CountContaining("\"../b\""), 1);
-    QCOMPARE(log.CountContaining("\"/d\""), 1);
-}
 
 void ComparisonUnsafePathsTest::UnsafeEntriesOfARemoteManifestTouchNothingOutside()
 {
