@@ -103,9 +103,12 @@ public:
     void Install(QString const& p_Path, bool p_Flag) override;
     void Repair() override;
     void AbortRepair() override;
+    void Uninstall(bool p_Flag) override;
+
+    // _Suspend _____________________________________________________________________________
+
     void SuspendDownload() override;
     void ResumeDownload() override; ///< also called on the worker, by its own poll
-    void Uninstall(bool p_Flag) override;
 
     // _Launch ______________________________________________________________________________
 
@@ -163,6 +166,8 @@ protected:
         bool IsCurrent;
     };
 
+    // Construction and settings ____________________________________________________________
+
     /// Stops what is left of the older run and returns the id of the new one. Application thread.
     RunId BeginRun();
     /// The part of that which concerns the list only. Any thread.
@@ -179,13 +184,15 @@ protected:
     void ClearStatusFlags();
     void ShowIdle();
 
+    // _Startup _____________________________________________________________________________
+
     void FetchVersion();
     void FetchManifest(QString const& p_Build);
     void TakeOver(ApplicationManifest p_Manifest);
     void FetchMirrors();
     void OnMirrorsReceived(QByteArray const& p_Data);
 
-    // _Comparison
+    // _Comparison __________________________________________________________________________
 
     /// Makes the installation a sub-folder where it is recorded as the program's own folder.
     void LeaveWorkingFolder();
@@ -207,7 +214,8 @@ protected:
     /// The pending list of the files being fetched, base or streamed.
     QString CurrentListPath() const;
 
-    // The steps of the phases, for one run.
+    // _Phases: their steps for one run _____________________________________________________
+
     void CheckStartDownload(RunId p_Run, RunStep p_Start);
     void RequestBaseSizes(RunId p_Run);
     void RequestSizes(RunId p_Run, std::function<void()> const& p_Next);
@@ -219,9 +227,6 @@ protected:
     void FetchStreamedFiles(RunId p_Run);
     void BeginFiles(RunId p_Run, QString const& p_DetailText);
     void EndRun(RunId p_Run);
-    bool IsFilePending() const;
-    bool PassOverCurrentFile();
-    void PollResume(ResumeGate::Ticket p_Ticket);
     /// Draws the server for an entry. \return the entry's address there
     QString ChooseServer(ApplicationManifestFileEntry const& p_Entry);
     QString RemoteAddress(ApplicationManifestFileEntry const& p_Entry) const;
@@ -234,6 +239,8 @@ protected:
     /// Called when a transfer has ended by an abort: follows it if a resume has come meanwhile.
     void FollowAbortedTransfer();
 
+    // _Completion __________________________________________________________________________
+
     void UpdatePendingList(QString const& p_Added);
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
     /// again, in the words of the log
@@ -245,8 +252,19 @@ protected:
     /// \param p_UnsampledBytes arrived since the last sample of the rate
     void ShowFileDone(qint64 p_UnsampledBytes);
     void GoOnWithNextFile(RunId p_Run);
+
+    // _Suspend _____________________________________________________________________________
+
+    bool IsFilePending() const;
+    bool PassOverCurrentFile();
+    void PollResume(ResumeGate::Ticket p_Ticket);
+
+    // _Lifecycle ___________________________________________________________________________
+
     void RemoveLists(std::vector<QString> const& p_Names);
     void DeleteGameFile(QString const& p_Path);
+
+    // The state of a run beside the interface's.
 
     LinkWatch Links{Name};
     TransferSlot Transfers{CurrentDownload};
