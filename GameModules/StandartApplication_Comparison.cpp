@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMutexLocker>
 
 namespace Varnholt::Launcher {
@@ -67,7 +68,10 @@ void StandartApplication::NoteFirstBuild(QString const& p_Folder)
         return;
     QMutexLocker const lock(&ListMutex);
     QDir().mkpath(p_Folder);
-    PendingList::Write(Helper::Paths::WithSlash(p_Folder) + PendingList::c_FirstBuild, {});
+    QFile note(Helper::Paths::WithSlash(p_Folder) + PendingList::c_FirstBuild);
+    if (QFileInfo(note).isSymbolicLink())
+        note.remove();
+    note.open(QIODevice::WriteOnly); // empty it is whole from the beginning
 }
 
 bool StandartApplication::IsFirstBuildNoted()

@@ -93,6 +93,15 @@ QString SessionGame::End()
     return Result().Problem ? Result().Problem->Identifier() : QStringLiteral("done");
 }
 
+QString SessionGame::InstallOver()
+{
+    Host::RunRequest request;
+    request.Kind = RequestType::Install;
+    request.Argument = Folder;
+    request.Confirmed = true;
+    return Run(request);
+}
+
 Host::InstallStatus SessionGame::Status()
 {
     std::size_t const before = Statuses.size();

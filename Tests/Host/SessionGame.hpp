@@ -36,6 +36,8 @@ public:
     QString End();
     /// Installs into the folder. \return how it ended
     QString Install() { return Run(RequestType::Install, Folder); }
+    /// The same though it holds other files.
+    QString InstallOver();
     Host::InstallStatus Status();
 
     /// Handles events until the condition holds. \return false when it never did

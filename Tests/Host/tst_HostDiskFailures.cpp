@@ -120,11 +120,7 @@ void HostDiskFailuresTest::AFolderThatIsALinkHasTheRoomOfItsOwnVolume()
     QVERIFY(QFile::link(game.Base + "disk", game.Path("Data")));
     game.AddFiles().Publish();
     QVERIFY(game.Open());
-    Host::RunRequest request;
-    request.Kind = RequestType::Install;
-    request.Argument = game.Folder;
-    request.Confirmed = true;
-    QCOMPARE(game.Run(request), QString("done"));
+    QCOMPARE(game.InstallOver(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(flushed, QStringList({game.Folder, game.Path("Data")}));
 }
@@ -138,11 +134,7 @@ void HostDiskFailuresTest::TheVolumeOfAFolderThatIsALinkIsNamedWhenItIsFull()
     QVERIFY(QDir().mkpath(game.Folder) && QFile::link(game.Base + "disk", game.Path("Data")));
     game.AddFiles().Publish();
     QVERIFY(game.Open());
-    Host::RunRequest request;
-    request.Kind = RequestType::Install;
-    request.Argument = game.Folder;
-    request.Confirmed = true;
-    QCOMPARE(game.Run(request), QString("disk-full"));
+    QCOMPARE(game.InstallOver(), QString("disk-full"));
     QVERIFY2(game.Sentence().contains(game.Path("Data")), qPrintable(game.Sentence()));
     QCOMPARE(game.Read("readme.txt"), QByteArray("read me"));
 }

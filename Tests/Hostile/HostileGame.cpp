@@ -72,15 +72,6 @@ void HostileGame::Link(QString const& p_Path, QString const& p_Target) const
         qFatal("cannot link %s", qPrintable(path));
 }
 
-QString HostileGame::InstallOver()
-{
-    Host::RunRequest request;
-    request.Kind = RequestType::Install;
-    request.Argument = Folder;
-    request.Confirmed = true;
-    return Run(request);
-}
-
 QStringList HostileGame::Disturbances()
 {
     QStringList const disturbances = Outside.Disturbances();

@@ -30,8 +30,6 @@ public:
 
     /// Puts a symbolic link into the folder, in the place of whatever stands there.
     void Link(QString const& p_Path, QString const& p_Target) const;
-    /// Installs into the folder though it holds other files. \return how it ended
-    QString InstallOver();
     /// What was done to the tree since this was asked last, or since the beginning.
     QStringList Disturbances();
     static QByteArray BytesOf(QString const& p_Path) { return "bytes of " + p_Path.toUtf8(); }
