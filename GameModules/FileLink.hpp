@@ -14,8 +14,8 @@ enum class Kind {
 /// Looks at the link itself. Any thread.
 Kind At(QString const& p_Path);
 
-/// Whether the link belongs to the user who runs this program, or to root: nobody else can have put
-/// it there. False when there is no link. Any thread.
+/// Whether the link belongs to the user who runs this program, or to root, which is taken for their
+/// consent. False when there is no link. Any thread.
 bool IsPlayers(QString const& p_Path);
 
 } // namespace Varnholt::Launcher::FileLink

@@ -35,44 +35,48 @@ void LinkWatch::LookAgain()
 
 bool LinkWatch::IsBarred(QString const& p_Folder, QString const& p_Path)
 {
-    QMutexLocker const lock(&Mutex);
-    Settle(p_Folder);
-    return Warn(p_Path, Guard.OnTheWay(p_Path));
+    return Ask(&LinkGuard::OnTheWay, p_Folder, p_Path);
 }
 
 bool LinkWatch::LeadsOut(QString const& p_Folder, QString const& p_Path)
 {
-    QMutexLocker const lock(&Mutex);
-    Settle(p_Folder);
-    return Warn(p_Path, Guard.LeadingOut(p_Path));
+    return Ask(&LinkGuard::LeadingOut, p_Folder, p_Path);
 }
 
 bool LinkWatch::MakeRoom(QString const& p_Folder, QString const& p_Path)
 {
-    QMutexLocker const lock(&Mutex);
-    Settle(p_Folder);
-    auto const link = Guard.LeadingOut(p_Path);
+    std::optional<LinkGuard::Link> link;
+    {
+        QMutexLocker const lock(&Mutex);
+        Settle(p_Folder);
+        link = Guard.LeadingOut(p_Path);
+    }
     if (!link)
         return true;
     // Any other link is one on the way: what it leads to is no place for a file of ours.
-    if (link->Path != Guard.Folder + p_Path || !QFile::remove(link->Path))
-        return !Warn(p_Path, link);
+    if (link->Path != p_Folder + p_Path || !QFile::remove(link->Path))
+        return !LeadsOut(p_Folder, p_Path);
     qCWarning(LogComparison) << Name << "replaces the symbolic link" << link->Path
                              << "by a file: it leads out of the game folder, to" << link->Target;
     return true;
 }
 
-bool LinkWatch::Warn(QString const& p_Path, std::optional<LinkGuard::Link> const& p_Link)
+bool LinkWatch::Ask(Question p_Question, QString const& p_Folder, QString const& p_Path)
 {
-    if (!p_Link)
-        return false;
-    if (!Warned.contains(p_Path)) {
-        Warned.insert(p_Path);
-        qCWarning(LogComparison) << Name << "leaves" << p_Path << "alone: the symbolic link"
-                                 << p_Link->Path << "leads out of the game folder, to"
-                                 << p_Link->Target;
+    std::optional<LinkGuard::Link> link;
+    bool isNew = false;
+    {
+        QMutexLocker const lock(&Mutex);
+        Settle(p_Folder);
+        link = (Guard.*p_Question)(p_Path);
+        isNew = link && !Warned.contains(p_Path);
+        if (isNew)
+            Warned.insert(p_Path);
     }
-    return true;
+    if (isNew)
+        qCWarning(LogComparison) << Name << "leaves" << p_Path << "alone: the symbolic link"
+                                 << link->Path << "is not followed, to" << link->Target;
+    return link.has_value();
 }
 
 } // namespace Varnholt::Launcher

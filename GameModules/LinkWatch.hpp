@@ -33,7 +33,9 @@ public:
 
 private:
     void Settle(QString const& p_Folder);
-    bool Warn(QString const& p_Path, std::optional<LinkGuard::Link> const& p_Link);
+    using Question = std::optional<LinkGuard::Link> (LinkGuard::*)(QString const&);
+
+    bool Ask(Question p_Question, QString const& p_Folder, QString const& p_Path);
 
     QString const Name;
     QMutex Mutex;

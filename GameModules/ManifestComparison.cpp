@@ -47,18 +47,24 @@ bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Ent
     return !digest.Opened || digest.Md5 != p_Entry.Md5;
 }
 
-Entries ManifestComparison::Examine(Entries const& p_Manifest) const
+ManifestComparison::Findings ManifestComparison::Examine(Entries const& p_Manifest) const
 {
-    Entries found;
-    for (std::size_t i = 0; i < p_Manifest.size() && Continue(); ++i) {
+    Findings found;
+    for (std::size_t i = 0; i < p_Manifest.size(); ++i) {
+        if (!Continue()) {
+            found.IsWhole = false;
+            break;
+        }
         ApplicationManifestFileEntry const& entry = p_Manifest[i];
         OnEntry(i);
         if (!entry.Locale.isEmpty() && entry.Locale != Locale)
             continue;
         if (SkipFirstBuildOnly && entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
             continue;
-        if (!IsBarred(entry.Path) && MustBeFetched(entry))
-            found.push_back(entry);
+        if (IsBarred(entry.Path))
+            found.IsWhole = false;
+        else if (MustBeFetched(entry))
+            found.Files.push_back(entry);
     }
     return found;
 }

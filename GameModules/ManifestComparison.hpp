@@ -25,9 +25,14 @@ public:
     std::function<void(std::size_t)>
         OnEntry; ///< told the index of each entry before it is examined
 
+    struct Findings {
+        Entries Files;
+        bool IsWhole = true; ///< false: stopped early, or links kept some out of reach
+    };
+
     /// The entries whose file is missing, unreadable, of another digest, or a link that gives way
     /// to the file, in manifest order.
-    Entries Examine(Entries const& p_Manifest) const;
+    Findings Examine(Entries const& p_Manifest) const;
 
     /// The entries that a pending list names and p_Found does not hold yet, in the list's order. A
     /// named file is fetched again even when its copy is good, unless presence is enough for it.

@@ -14,7 +14,8 @@ inline QString const c_Base = QStringLiteral("ToDownloadBase.db"); ///< base fil
 inline QString const c_Streamed = QStringLiteral("ToDownload.db"); ///< streamed files
 /// Of another storage, only ever removed.
 inline QString const c_Casc = QStringLiteral("ToDownloadCASC.db");
-/// Empty: there while the two lists do not hold yet all that a first build finds.
+/// There while the two lists do not hold yet all that a first build finds: empty at first, then the
+/// name of the list that is still owed.
 inline QString const c_FirstBuild = QStringLiteral("FirstBuild.db");
 
 struct Content {

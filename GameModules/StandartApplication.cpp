@@ -87,6 +87,7 @@ void StandartApplication::ClearStatusFlags()
 
 void StandartApplication::ShowIdle()
 {
+    QMutexLocker const lock(&RunMutex);
     UISetting.State = ApplicationUISetting::StateInstalled;
     ClearStatusFlags();
     UISetting.Download.ModeFlag = false;

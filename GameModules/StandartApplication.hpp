@@ -196,19 +196,18 @@ protected:
 
     /// Makes the installation a sub-folder where it is recorded as the program's own folder.
     void LeaveWorkingFolder();
-    /// Notes in the folder that a first build has not recorded yet all that it checks: until it
-    /// has, whatever becomes of this run or process, the next start is a first build again.
+    /// Notes in the folder that a first build owes both lists: until it has recorded all that it
+    /// finds in one, whatever becomes of this run or process, the next one looks for it again.
     void NoteFirstBuild(QString const& p_Folder);
-    bool IsFirstBuildNoted();
-    void ForgetFirstBuild(RunId p_Run, QString const& p_Folder);
+    static bool FirstBuildOwes(QString const& p_Folder, QString const& p_List);
     void ShowComparison(std::size_t p_Count);
     ManifestComparison ComparisonFor(RunId p_Run, std::size_t p_Count);
     void CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entries const& p_Entries);
     void CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, bool p_Wait,
                               Entries const& p_Entries);
     /// Writes what a first build has found into a pending list. \param p_Whole every file was
-    /// looked at; else the list also keeps what it names so far \return whether all is recorded
-    bool RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths, bool p_Whole);
+    /// looked at; else the list also keeps what it names so far, and is still owed
+    void RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths, bool p_Whole);
     /// Makes a comparison's result the download list; false when the run was replaced.
     bool PublishList(RunId p_Run, Entries p_Files, bool p_Base);
     /// The pending list of the files being fetched, base or streamed.
@@ -274,7 +273,6 @@ protected:
     bool FilesBegun = false;            ///< a file of this run has been started, maybe by a resume
     /// Held while a list is written for a run, so that none of a replaced run comes behind.
     QMutex ListMutex;
-    bool BaseIsRecorded = false; ///< by the first build that is under way; the worker's
 };
 
 } // namespace Varnholt::Launcher

@@ -71,18 +71,21 @@ void StandartApplication::NoteFirstBuild(QString const& p_Folder)
     QFile note(Helper::Paths::WithSlash(p_Folder) + PendingList::c_FirstBuild);
     if (QFileInfo(note).isSymbolicLink())
         note.remove();
-    note.open(QIODevice::WriteOnly); // empty it is whole from the beginning
+    note.open(QIODevice::WriteOnly); // empty, and so whole as soon as it is there
 }
 
-bool StandartApplication::IsFirstBuildNoted()
+bool StandartApplication::FirstBuildOwes(QString const& p_Folder, QString const& p_List)
 {
-    GetInstallationPath();
-    QString const folder = Folder();
-    return IsInstalled() && !folder.isEmpty() && QFile::exists(folder + PendingList::c_FirstBuild);
+    QString const note = p_Folder + PendingList::c_FirstBuild;
+    if (p_Folder.isEmpty() || !QFile::exists(note))
+        return false;
+    QStringList const owed = PendingList::Read(note, [] { return true; }).Paths;
+    return owed.isEmpty() || owed.contains(p_List);
 }
 
 void StandartApplication::ShowComparison(std::size_t p_Count)
 {
+    QMutexLocker const lock(&RunMutex);
     UISetting.State = ApplicationUISetting::StateInstalled;
     auto& progress = UISetting.Download;
     progress.StatusFlags = 0;
@@ -120,7 +123,8 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entri
 {
     ManifestComparison comparison = ComparisonFor(p_Run, p_Entries.size());
     comparison.SkipFirstBuildOnly = !p_FirstBuild;
-    Entries found = comparison.Examine(p_Entries);
+    auto examined = comparison.Examine(p_Entries);
+    Entries& found = examined.Files;
 
     QString const list = comparison.Folder + PendingList::c_Base;
     if (p_FirstBuild) {
@@ -128,7 +132,7 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entri
         for (ApplicationManifestFileEntry const& entry : found)
             if (entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
                 paths += entry.Path;
-        BaseIsRecorded = RecordFirstBuild(p_Run, list, paths, comparison.Continue());
+        RecordFirstBuild(p_Run, list, paths, examined.IsWhole);
     } else {
         QStringList const paths = PendingList::Read(list, comparison.Continue).Paths;
         Entries const leftOver = comparison.LeftOver(p_Entries, paths, found);
@@ -150,13 +154,13 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
     ManifestComparison const comparison = ComparisonFor(p_Run, p_Entries.size());
     QString const list = comparison.Folder + PendingList::c_Streamed;
     Entries found;
-    if (p_FirstBuild) {
-        found = comparison.Examine(p_Entries);
+    if (p_FirstBuild || FirstBuildOwes(comparison.Folder, PendingList::c_Streamed)) {
+        auto examined = comparison.Examine(p_Entries);
         QStringList paths;
-        for (ApplicationManifestFileEntry const& entry : found)
+        for (ApplicationManifestFileEntry const& entry : examined.Files)
             paths += entry.Path;
-        if (RecordFirstBuild(p_Run, list, paths, comparison.Continue()) && BaseIsRecorded)
-            ForgetFirstBuild(p_Run, comparison.Folder);
+        RecordFirstBuild(p_Run, list, paths, examined.IsWhole);
+        found = std::move(examined.Files);
     } else {
         found = comparison.Named(p_Entries, PendingList::Read(list, comparison.Continue).Paths);
     }
@@ -170,26 +174,26 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
         RequestSizes(p_Run, [this, p_Run, p_Wait] { BeginStreamedFiles(p_Run, p_Wait); });
 }
 
-bool StandartApplication::RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths,
+void StandartApplication::RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths,
                                            bool p_Whole)
 {
     QMutexLocker const lock(&ListMutex);
     if (!IsCurrentRun(p_Run))
-        return false;
+        return;
     if (!p_Whole) {
         QSet<QString> const found(p_Paths.begin(), p_Paths.end());
         for (QString const& path : PendingList::Read(p_List, [] { return true; }).Paths)
             if (!found.contains(path))
                 p_Paths += path;
     }
-    return PendingList::Write(p_List, p_Paths) && p_Whole;
-}
-
-void StandartApplication::ForgetFirstBuild(RunId p_Run, QString const& p_Folder)
-{
-    QMutexLocker const lock(&ListMutex);
-    if (IsCurrentRun(p_Run))
-        QFile::remove(p_Folder + PendingList::c_FirstBuild);
+    if (!PendingList::Write(p_List, p_Paths) || !p_Whole)
+        return;
+    QFileInfo const list(p_List);
+    QString const note = list.path() + QLatin1Char('/') + PendingList::c_FirstBuild;
+    if (list.fileName() == PendingList::c_Base)
+        PendingList::Write(note, {PendingList::c_Streamed});
+    else if (!PendingList::Read(note, [] { return true; }).Paths.isEmpty())
+        QFile::remove(note);
 }
 
 bool StandartApplication::PublishList(RunId p_Run, Entries p_Files, bool p_Base)

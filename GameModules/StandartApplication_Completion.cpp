@@ -9,6 +9,7 @@
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QMutexLocker>
 
 namespace Varnholt::Launcher {
@@ -92,12 +93,15 @@ char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p
 {
     QString const folder = Folder();
     Links.LookAgain(); // the run may have begun hours ago
-    // The host looks for such files when the run is over.
-    if (Links.IsBarred(folder, p_Entry.Path))
+    if (Links.IsBarred(folder, p_Entry.Path)) {
+        UpdatePendingList(p_Entry.Path); // for a run that can reach it
         return nullptr;
+    }
     QString const path = folder + p_Entry.Path;
     QString const part = Helper::Paths::PartFile(path);
     RemoveOldFile(path);
+    if (QFileInfo(part).isSymbolicLink()) // put there since the transfer was begun
+        QFile::remove(part);
 
     auto const digest = FileDigest::Of(part, ShouldContinue);
     if (!digest.Opened)
@@ -186,7 +190,10 @@ void StandartApplication::GoOnWithNextFile(RunId p_Run)
     NotifyDownloadFinished();
     if (!IsCurrentRun(p_Run))
         return;
-    UISetting.Download.DetailText = QStringLiteral("");
+    {
+        QMutexLocker const lock(&RunMutex);
+        UISetting.Download.DetailText = QStringLiteral("");
+    }
     ShowIdle();
     EnqueueSync([this, p_Run] { EndRun(p_Run); });
 }

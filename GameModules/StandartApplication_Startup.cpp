@@ -2,6 +2,7 @@
 
 #include "GameModules/ManifestPaths.hpp"
 #include "GameModules/MirrorChoice.hpp"
+#include "GameModules/PendingList.hpp"
 #include "Launcher/Application/ContentServer.hpp"
 #include "Launcher/Application/LogCategories.hpp"
 #include "Launcher/Application/RemoteText.hpp"
@@ -77,11 +78,11 @@ void StandartApplication::OnMirrorsReceived(QByteArray const& p_Data)
     }
     qCWarning(LogStartup) << "Selected CDN " << Name << " " << server;
 
-    // One that has begun before stays a first build until it has recorded what it finds.
-    bool first = IsFirstBuildNoted();
+    GetInstallationPath();
+    bool first = IsInstalled() && FirstBuildOwes(Folder(), PendingList::c_Base);
     if (!ReadSetting(SettingKey(".ManifestBuilt"), false).toBool()) {
         if (IsInstalled())
-            NoteFirstBuild(GetInstallationPath());
+            NoteFirstBuild(Folder());
         WriteSetting(SettingKey(".ManifestBuilt"), true);
         first = true;
     }

@@ -45,13 +45,13 @@ void StandartApplication::ResumeDownload()
     // A poll goes on with the resume that began it: a suspension may have come since it looked.
     bool const isPoll = QThread::currentThread() != thread();
     ResumeGate::Ticket const ticket = isPoll ? Resumes.Polled() : Resumes.Now();
-    if (!IsFilePending())
-        return ShowIdle();
     auto& progress = UISetting.Download;
     {
         RunScope const scope(*this, run);
         if (!scope || !Resumes.Holds(ticket))
             return;
+        if (!IsFilePending())
+            return ShowIdle();
         progress.Percent = 100;
     }
     bool const running = IsGameRunning();
@@ -88,20 +88,22 @@ bool StandartApplication::PassOverCurrentFile()
 {
     if (CurrentDownload != nullptr)
         return false;
+    bool isLast = false;
+    bool isBase = false;
     {
         QMutexLocker const lock(&RunMutex);
         if (!IsFilePending())
             return false;
         FilesToDownload.erase(FilesToDownload.begin() +
                               static_cast<std::ptrdiff_t>(CurrentDownloadIndex));
+        isLast = !IsFilePending();
+        isBase = IsDownloadingBase;
     }
-    if (IsFilePending())
+    if (!isLast)
         ResumeDownload();
-    else if (IsDownloadingBase)
+    else if (isBase)
         CompareStreamed(CurrentRun, false);
-    else
-        return false;
-    return true;
+    return !isLast || isBase;
 }
 
 void StandartApplication::PollResume(ResumeGate::Ticket p_Ticket)

@@ -21,13 +21,18 @@ bool Succeeded(QNetworkReply const& p_Reply)
            p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() < c_FirstRedirect;
 }
 
+QString const c_LocaleKey = QStringLiteral("locale");
 QString const c_RealmListKey = QStringLiteral("realmlist");
 
-/// The last line that has an end.
-QString LastLine(QByteArray const& p_Text)
+/// The realm list's line when it is the last one, with an end; else nothing.
+QString LastRealmList(QByteArray const& p_Text)
 {
     QList<QByteArray> const lines = p_Text.split('\n');
-    return QString::fromLocal8Bit(lines.value(lines.size() - 2));
+    QString const last = QString::fromLocal8Bit(lines.value(lines.size() - 2));
+    return last.contains(c_RealmListKey, Qt::CaseInsensitive) &&
+                   !last.contains(c_LocaleKey, Qt::CaseInsensitive)
+               ? last
+               : QString();
 }
 
 /// Writes both lines of the language at once, behind all others. A start appends the realm list
@@ -36,12 +41,13 @@ QString LastLine(QByteArray const& p_Text)
 void WriteLanguage(QString const& p_File, QString const& p_Code)
 {
     auto const before = TextFilePatch::Read(p_File);
-    QByteArray after = TextFilePatch::Patched(before, QStringLiteral("locale"),
+    QByteArray after = TextFilePatch::Patched(before, c_LocaleKey,
                                               QStringLiteral("SET locale \"%1\"").arg(p_Code));
     after = TextFilePatch::Patched(after, QStringLiteral("installLocale"),
                                    QStringLiteral("SET installLocale \"%1\"").arg(p_Code));
+    QString const realmList = before ? LastRealmList(*before) : QString();
     bool const isSettled =
-        before && TextFilePatch::Patched(after, c_RealmListKey, LastLine(*before)) == before;
+        !realmList.isNull() && TextFilePatch::Patched(after, c_RealmListKey, realmList) == before;
     if (!isSettled)
         TextFilePatch::Write(p_File, after);
 }

@@ -65,7 +65,7 @@ constexpr Row c_Table[] = {
     {FailureKind::FileUnwritable, 7, "file-unwritable", "the file {s} cannot be written ({d})",
      "remove what stands in its way or change the permissions, then try again"},
     {FailureKind::LinkLeadsOut, 7, "link-leads-out",
-     "the symbolic link {s} leads out of the game's folder, to {d}",
+     "the symbolic link {s} is not followed, to {d}",
      "connect the disk that it leads to, or put a link of your own, a folder or a file in its "
      "place; then run \"repair\"; everything else is in place"},
     {FailureKind::SettingsUnwritable, 7, "settings-unwritable",

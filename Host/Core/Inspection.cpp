@@ -31,10 +31,10 @@ void Inspection::Run()
     comparison.Continue = [this] { return !Stopped; };
     comparison.OnEntry = [this](std::size_t) { ++Number; };
 
-    Entries const examined = comparison.Examine(Manifest.Files);
+    Entries const examined = comparison.Examine(Manifest.Files).Files;
     Add(examined, FileFinding::Cause::Different);
     if (EveryFile) {
-        Add(comparison.Examine(Manifest.StreamedFiles), FileFinding::Cause::Different);
+        Add(comparison.Examine(Manifest.StreamedFiles).Files, FileFinding::Cause::Different);
     } else {
         namespace PendingList = Launcher::PendingList;
         auto const read = [&](QString const& p_Name) {

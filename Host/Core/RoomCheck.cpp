@@ -27,30 +27,23 @@ RoomCheck::RoomCheck(std::function<qint64(QString const&)> p_FreeBytes)
 {
 }
 
-qint64 RoomCheck::Free(QString const& p_Folder) const
-{
-    qint64 free = std::max<qint64>(FreeBytes(p_Folder), -1);
-    for (QString const& folder : Elsewhere)
-        if (free >= 0)
-            free += std::max<qint64>(FreeBytes(folder), 0);
-    return free;
-}
-
 std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entries const& p_Files,
-                                                 quint64 p_TotalBytes)
+                                                 quint64 p_TotalBytes) const
 {
-    Elsewhere.clear();
-    for (GameVolumes::Share const& share : GameVolumes::Of(p_Folder, p_Files))
-        if (share.Folder != p_Folder)
-            Elsewhere += share.Folder;
     qint64 needed = static_cast<qint64>(p_TotalBytes);
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
         QString const path = p_Folder + entry.Path;
         needed -= QFileInfo(path).isFile() ? QFileInfo(path).size() : 0;
         needed -= QFileInfo(Launcher::Helper::Paths::PartFile(path)).size();
     }
-    qint64 const free = Free(p_Folder);
-    if (free < 0 || needed <= free)
+    qint64 free = 0;
+    for (GameVolumes::Share const& share : GameVolumes::Of(p_Folder, p_Files)) {
+        qint64 const there = FreeBytes(share.Folder);
+        if (there < 0)
+            return std::nullopt;
+        free += there;
+    }
+    if (needed <= free)
         return std::nullopt;
     return Full(p_Folder, free, needed);
 }
@@ -60,7 +53,7 @@ std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
-    qint64 const free = Free(p_Folder);
+    qint64 const free = FreeBytes(p_Folder);
     qint64 const remaining = static_cast<qint64>(p_RemainingBytes);
     if (free < 0 || free >= std::min(c_NearlyNothing, remaining))
         return std::nullopt;

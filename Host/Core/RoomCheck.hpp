@@ -4,7 +4,6 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -24,16 +23,14 @@ public:
     /// files lie on, so that it never refuses what fits. \param p_TotalBytes of all files of the
     /// list
     std::optional<Failure> BeforeDownload(QString const& p_Folder, Entries const& p_Files,
-                                          quint64 p_TotalBytes);
-    /// While bytes arrive. \param p_RemainingBytes still to come
+                                          quint64 p_TotalBytes) const;
+    /// While bytes arrive. \param p_Folder on the volume that they arrive on
+    /// \param p_RemainingBytes still to come
     std::optional<Failure> WhileDownloading(QString const& p_Folder,
                                             quint64 p_RemainingBytes) const;
 
 private:
-    qint64 Free(QString const& p_Folder) const;
-
     std::function<qint64(QString const&)> FreeBytes;
-    QStringList Elsewhere; ///< a folder on each other volume that files of the list lie on
 };
 
 } // namespace Varnholt::Host

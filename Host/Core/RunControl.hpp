@@ -110,6 +110,7 @@ private:
     void OnStartUpFailed();
     void Retry(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);
+    QString VolumeInUse() const;
     void WatchForStall(RunPhase p_Phase);
     void WatchFetches();
     void WatchForDrops(RunPhase p_Phase);

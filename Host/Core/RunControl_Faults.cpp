@@ -1,5 +1,6 @@
 #include "Host/Core/RunControl.hpp"
 
+#include "Host/Core/GameVolumes.hpp"
 #include "Host/Core/MirrorFilter.hpp"
 #include "Host/Core/MissingFiles.hpp"
 
@@ -121,11 +122,24 @@ void RunControl::CheckRoom(RunPhase p_Phase)
         failure = Room.BeforeDownload(Folder(), files, module.UISetting.Download.Total);
         RoomChecked = Clock.elapsed();
     } else if (Clock.elapsed() - RoomChecked >= c_IntervalMilliseconds) {
-        failure = Room.WhileDownloading(Folder(), Reader.RemainingBytes());
+        failure = Room.WhileDownloading(VolumeInUse(), Reader.RemainingBytes());
         RoomChecked = Clock.elapsed();
     }
     if (failure)
         Fail(*failure);
+}
+
+/// A folder on the volume that the current file arrives on.
+QString RunControl::VolumeInUse() const
+{
+    RoomCheck::Entries current;
+    {
+        QMutexLocker const lock(&Context.Module.RunMutex);
+        auto const& files = Context.Module.FilesToDownload;
+        if (Context.Module.CurrentDownloadIndex < files.size())
+            current = {files[Context.Module.CurrentDownloadIndex]};
+    }
+    return GameVolumes::Of(Folder(), current).back().Folder;
 }
 
 void RunControl::WatchForStall(RunPhase p_Phase)

@@ -179,7 +179,7 @@ public:
     LauncherLocale (*CurrentLauncherLocale)() = nullptr;
     bool (*IsDownloadBlocked)() = nullptr;      ///< polled every 100 ms before a download begins
     void (*NotifyDownloadStarting)() = nullptr; ///< just before a phase asks for sizes
-    void (*NotifyDownloadFinished)() = nullptr; ///< all content of a run is in place
+    void (*NotifyDownloadFinished)() = nullptr; ///< a run, or a suspension, has come to its end
     bool (*ShouldContinue)() = nullptr;         ///< false: long loops stop early
     bool (*UseDevChannel)() = nullptr;          ///< true: the development version file
 

@@ -1,6 +1,9 @@
 #include "Launcher/Helper/Process.hpp"
 
 #include <QCoreApplication>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QPointer>
 #include <QProcess>
 #include <QTextStream>
 
@@ -47,10 +50,17 @@ void Abandon(QProcess* p_Process)
         p_Process->moveToThread(QCoreApplication::instance()->thread());
 }
 
-/// What the system lists within two seconds.
+/// What the system lists within two seconds; nothing while an earlier listing still hangs, since
+/// each holds a process and descriptors, and hosts ask ten times a second.
 QString ProcessList()
 {
     constexpr int c_WaitMilliseconds = 1000;
+    static QMutex s_Mutex;
+    static QPointer<QProcess> s_Abandoned;
+
+    QMutexLocker const lock(&s_Mutex);
+    if (s_Abandoned)
+        return {};
     auto* const ps = new QProcess;
     ps->setReadChannel(QProcess::StandardOutput);
     ps->setProcessChannelMode(QProcess::MergedChannels);
@@ -59,10 +69,12 @@ QString ProcessList()
     ps->waitForStarted(c_WaitMilliseconds);
     ps->waitForFinished(c_WaitMilliseconds);
     QString const list = QTextStream(ps).readAll();
-    if (ps->state() == QProcess::NotRunning)
+    if (ps->state() == QProcess::NotRunning) {
         delete ps;
-    else
+    } else {
+        s_Abandoned = ps;
         Abandon(ps);
+    }
     return list;
 }
 

@@ -8,11 +8,13 @@ namespace Varnholt::Launcher::Helper::Process {
 /// Looks for a running program of a folder in the system's process list.
 ///
 /// Starts `ps` and blocks for up to two seconds, also when it cannot be killed: it then ends behind
-/// the caller's back, which takes the event loop of the main thread. Any thread. A process matches
-/// when its command line (with its environment) holds both the folder and one of the names; letter
-/// case, quotes and the direction of slashes do not matter. \param p_Folder an empty folder matches
-/// nothing \param p_Names parts of command lines, with "/" between folders \param p_MatchedLine
-/// when not null, receives the matching line in its normalised form; left
+/// the caller's back, which takes the event loop of the main thread. Any thread.
+///
+/// A process matches when its command line (with its environment) holds both the folder and one of
+/// the names; letter case, quotes and the direction of slashes do not matter.
+/// \param p_Folder an empty folder matches nothing
+/// \param p_Names parts of command lines, with "/" between folders
+/// \param p_MatchedLine when not null, receives the matching line in its normalised form; left
 ///        alone when there is none
 bool IsProcessRunningIn(QString p_Folder, QStringList p_Names, QString* p_MatchedLine);
 

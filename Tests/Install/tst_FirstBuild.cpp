@@ -17,6 +17,10 @@ private Q_SLOTS:
     void AWalkThatIsKilledIsDoneAgain();
     void AWalkThatIsStoppedIsDoneAgain_data();
     void AWalkThatIsStoppedIsDoneAgain();
+    void AWalkThatWasStoppedForAMomentIsDoneAgain();
+    void WhatALinkKeptOutOfReachIsLookedForAgain_data();
+    void WhatALinkKeptOutOfReachIsLookedForAgain();
+    void WhatALinkTookAwayInMidTransferStaysListed();
     void AListThatCannotBeWrittenIsNotRecorded_data();
     void AListThatCannotBeWrittenIsNotRecorded();
     void RecordedItIsOver();
@@ -146,14 +150,16 @@ void FirstBuildTest::AWalkThatIsKilledIsDoneAgain()
 void FirstBuildTest::AWalkThatIsStoppedIsDoneAgain_data()
 {
     QTest::addColumn<int>("Answers");
-    // Each file of a walk is asked about once before it is looked at.
-    QTest::newRow("in the base files") << 1;
-    QTest::newRow("in the streamed files") << 4;
+    QTest::addColumn<QStringList>("Owed");
+    // Each file of a walk is asked about, and each block of it.
+    QTest::newRow("in the base files") << 1 << QStringList({"a", "b", "s"});
+    QTest::newRow("in the streamed files") << 4 << QStringList("s");
 }
 
 void FirstBuildTest::AWalkThatIsStoppedIsDoneAgain()
 {
     QFETCH(int, Answers);
+    QFETCH(QStringList, Owed);
     Game game(TestHost::Worker::ByHand);
     AddFiles(game);
     for (char const* const file : {"a", "b", "s"})
@@ -163,13 +169,73 @@ void FirstBuildTest::AWalkThatIsStoppedIsDoneAgain()
     game.AnswerContinue([&](int p_Question) { return p_Question <= Answers; });
     RunWorker(game);
     QVERIFY(game.Has(c_Note));
-    for (char const* const file : {"a", "b", "s"})
+    for (QString const& file : Owed)
         QVERIFY(QFile::remove(game.Path(file)));
     game.AnswerContinue(nullptr);
     QVERIFY(Start(game));
     RunWorker(game);
     QCOMPARE(Wrong(game), QStringList());
     QVERIFY(!game.Has(c_Note));
+}
+
+void FirstBuildTest::AWalkThatWasStoppedForAMomentIsDoneAgain()
+{
+    Game game(TestHost::Worker::ByHand);
+    AddFiles(game);
+    game.Install();
+    QVERIFY(Start(game));
+    game.AnswerContinue([](int p_Question) { return p_Question != 2; });
+    RunWorker(game);
+    QVERIFY(game.Has(c_Note));
+    QVERIFY(Start(game));
+    RunWorker(game);
+    QCOMPARE(Wrong(game), QStringList());
+    QVERIFY(!game.Has(c_Note));
+}
+
+void FirstBuildTest::WhatALinkKeptOutOfReachIsLookedForAgain_data()
+{
+    QTest::addColumn<bool>("IsStreamed");
+    QTest::newRow("base") << false;
+    QTest::newRow("streamed") << true;
+}
+
+void FirstBuildTest::WhatALinkKeptOutOfReachIsLookedForAgain()
+{
+    QFETCH(bool, IsStreamed);
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"Data/file", "f", 0x20, {}, IsStreamed});
+    AddFiles(game);
+    QVERIFY(QFile::link("unplugged", game.Path("Data")));
+    game.Install();
+    QVERIFY(Start(game));
+    RunWorker(game);
+    QCOMPARE(Wrong(game), QStringList("Data/file"));
+    QVERIFY(QDir().mkdir(game.Path("unplugged")));
+    QVERIFY(Start(game));
+    RunWorker(game);
+    QCOMPARE(Wrong(game), QStringList());
+    QVERIFY(!game.Has(c_Note));
+}
+
+void FirstBuildTest::WhatALinkTookAwayInMidTransferStaysListed()
+{
+    Game game;
+    game.Add({"Data/file", SampleContent::Bytes(3000), 0, {}, true});
+    QString const path = game.Content.ServerPath("Data/file");
+    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(1000));
+    game.Begin();
+    QVERIFY(game.RunUntilPart("Data/file", 1000));
+    QVERIFY(QDir().rename(game.Path("Data"), game.Path("plugged")));
+    QVERIFY(QFile::link("unplugged", game.Path("Data")));
+    game.Server.OpenGate(path);
+    QVERIFY(game.Finish());
+    QCOMPARE(game.Read("ToDownload.db"), QByteArray("Data/file\n"));
+    QVERIFY(QDir().rename(game.Path("plugged"), game.Path("unplugged")));
+    game.Begin(false);
+    QVERIFY(game.Finish());
+    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=1000-"));
 }
 
 void FirstBuildTest::AListThatCannotBeWrittenIsNotRecorded_data()

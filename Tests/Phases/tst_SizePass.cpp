@@ -12,6 +12,7 @@ namespace {
 
 /// Of the thread that pauses behind each lock that it gives back, so that another one gets in.
 thread_local bool t_LetsOthersIn = false;
+thread_local int t_LetIn = 0;
 
 } // namespace
 
@@ -22,8 +23,10 @@ extern "C" void UnlockMutex(void* p_Mutex)
     using Unlock = void (*)(void*);
     static auto const unlock = reinterpret_cast<Unlock>(dlsym(RTLD_NEXT, "_ZN6QMutex6unlockEv"));
     unlock(p_Mutex);
-    if (t_LetsOthersIn)
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
+    if (!t_LetsOthersIn)
+        return;
+    ++t_LetIn;
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
 namespace Varnholt::TestSupport {
@@ -178,6 +181,8 @@ void SizePassTest::AnotherThreadsChoiceOfServerIsNotTaken()
     t_LetsOthersIn = false;
     over = true;
     poll.join();
+    if (t_LetIn == 0)
+        QSKIP("this system does not call the test's own unlock");
     QCOMPARE(game.Log.CountContaining("Fetch file"), c_Questions);
     QCOMPARE(game.Log.CountContaining("mirror.invalid"), 0);
     game.App.DropSizeQueries();

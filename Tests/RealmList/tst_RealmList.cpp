@@ -163,6 +163,10 @@ void RealmListTest::WhatHasChangedIsWritten_data()
     QTest::newRow("realm list") << language + "SET realmlist \"old\"\n";
     QTest::newRow("two realm lists") << realm + language + realm;
     QTest::newRow("a third of its key") << "SET textLocale \"x\"\n" + language + realm;
+    QTest::newRow("a third of its key at the end") << language + realm + "SET textLocale \"x\"\n";
+    QTest::newRow("another of the two at the end") << language + realm + "SET locale \"frFR\"\n";
+    QTest::newRow("a realm list with its key at the end")
+        << language + "SET realmlist \"locale.example.net\"\n";
     QTest::newRow("other line ends") << QByteArray(language + realm).replace("\n", "\r\n");
     QTest::newRow("no last line end") << QByteArray(language + realm).chopped(1);
 }
@@ -173,6 +177,10 @@ void RealmListTest::WhatHasChangedIsWritten()
     QVERIFY(WriteFile(Config, Before));
     Receive();
     QCOMPARE(ReadFile(Config), QByteArray(c_Language) + "SET realmlist \"new\"\n");
+    // The language is there at once, also when the realm list never comes.
+    QVERIFY(WriteFile(Config, Before));
+    App->SetAppLocale("enUS");
+    QVERIFY(!ReadFile(Config).contains("frFR") && !ReadFile(Config).contains("textLocale"));
 }
 
 void RealmListTest::TheServerAlwaysWins()
