@@ -68,7 +68,7 @@ QString ProcessList()
     ps->start(QString::fromLatin1("ps"), {QString::fromLatin1("auxwwwe")}, QIODevice::ReadWrite);
     ps->waitForStarted(c_WaitMilliseconds);
     ps->waitForFinished(c_WaitMilliseconds);
-    QString const list = QTextStream(ps).readAll();
+    QString list = QTextStream(ps).readAll();
     if (ps->state() == QProcess::NotRunning) {
         delete ps;
     } else {
