@@ -1,0 +1,264 @@
+// Tells ThreadSanitizer what Qt's threads do to each other. Qt's own libraries are not
+// instrumented: their locks and events would be invisible, and whatever they order would be
+// reported. Each call below is found before Qt's by our own code, passes on to Qt's, and says what
+// it orders. The keys are as fine as can be, a lock, a call, a sender: what orders too much hides
+// races.
+
+#include <QCoreApplication>
+#include <QMutex>
+#include <QReadWriteLock>
+#include <QSemaphore>
+#include <QThread>
+#include <QThreadStorage>
+#include <private/qobject_p.h>
+
+#include <dlfcn.h>
+#include <sanitizer/tsan_interface.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+// Events and signals ________________________________________________________________________
+
+/// Stands for an object, and outlives it: with memory that is freed the sanitizer forgets what was
+/// said of it, and an event may be delivered after its sender has gone.
+void* KeyOf(void const* p_Object)
+{
+    constexpr std::size_t c_Count = std::size_t{1} << 16;
+    static std::uint64_t s_Keys[c_Count];
+    return &s_Keys[reinterpret_cast<std::uintptr_t>(p_Object) / alignof(std::max_align_t) %
+                   c_Count];
+}
+
+/// What who asks an object for something tells: it must not be mixed with what the object tells.
+void* OrdersTo(void const* p_Object)
+{
+    return static_cast<char*>(KeyOf(p_Object)) + 1;
+}
+
+/// Tells at the end of a thread to who waits for it. Qt deletes it last of all that is ours there:
+/// objects to be deleted later go after the thread's signal `finished`.
+struct AtEndOfThread {
+    ~AtEndOfThread() { __tsan_release(KeyOf(Thread)); }
+    QObject* Thread;
+};
+
+/// Called before anybody hears of the signal.
+void OnSignal(QObject* p_Sender, int, void**)
+{
+    static auto* const s_AtEnd = new QThreadStorage<AtEndOfThread*>; // outlives every thread
+    __tsan_acquire(OrdersTo(p_Sender)); // of who connected it, or told the thread to end
+    __tsan_release(KeyOf(p_Sender));
+    bool const starts = p_Sender == QThread::currentThread() && !s_AtEnd->hasLocalData();
+    if (starts)
+        s_AtEnd->setLocalData(new AtEndOfThread{p_Sender});
+}
+
+/// Called before each event is delivered, on the receiver's thread.
+bool OnEvent(void** p_Arguments)
+{
+    auto const* const event = static_cast<QEvent*>(p_Arguments[1]);
+    if (event->type() == QEvent::MetaCall)
+        __tsan_acquire(KeyOf(static_cast<QAbstractMetaCallEvent const*>(event)->sender()));
+    else if (event->type() == QEvent::DeferredDelete)
+        __tsan_acquire(KeyOf(p_Arguments[0]));
+    return false;
+}
+
+QSignalSpyCallbackSet s_SignalCallbacks{OnSignal, nullptr, nullptr, nullptr};
+
+[[maybe_unused]] bool const s_IsWatching = [] {
+    qt_register_signal_spy_callbacks(&s_SignalCallbacks);
+    return QInternal::registerCallback(QInternal::EventNotifyCallback, OnEvent);
+}();
+
+/// A call on its way to another thread.
+class CallOnItsWay : public QtPrivate::QSlotObjectBase {
+public:
+    explicit CallOnItsWay(QSlotObjectBase* p_Inner)
+        : QSlotObjectBase(Do)
+        , Inner(p_Inner)
+    {
+    }
+
+private:
+    static void Do(int p_Operation, QSlotObjectBase* p_This, QObject* p_Receiver,
+                   void** p_Arguments, bool*)
+    {
+        auto* const call = static_cast<CallOnItsWay*>(p_This);
+        __tsan_acquire(call);
+        if (p_Operation == Call) {
+            call->Inner->call(p_Receiver, p_Arguments);
+            __tsan_release(call); // to who waits for the end of the call
+        } else if (p_Operation == Destroy) {
+            call->Inner->destroyIfLastRef();
+            delete call;
+        }
+    }
+
+    QSlotObjectBase* Inner;
+};
+
+// Qt's own functions ________________________________________________________________________
+
+/// The next definition of a symbol behind ours: Qt's. A member takes its object first.
+template <typename Function>
+Function* Next(char const* p_Symbol)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, p_Symbol));
+}
+
+bool AcquireIf(bool p_Condition, void* p_Key)
+{
+    if (p_Condition)
+        __tsan_acquire(p_Key);
+    return p_Condition;
+}
+
+/// What readers have told, for the next writer; the lock itself is for what writers have told.
+void* ReadersOf(QReadWriteLock* p_Lock)
+{
+    return reinterpret_cast<char*>(p_Lock) + 1;
+}
+
+/// The lock that this thread may write under; none of ours does so under two.
+thread_local QReadWriteLock* t_Written = nullptr;
+
+} // namespace
+
+bool QMetaObject::invokeMethodImpl(QObject* p_Object, QtPrivate::QSlotObjectBase* p_Slot,
+                                   Qt::ConnectionType p_Type, void* p_Result)
+{
+    static auto* const s_Next =
+        Next<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
+            "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14"
+            "ConnectionTypeEPv");
+    auto* const call = new CallOnItsWay(p_Slot);
+    call->ref();
+    __tsan_release(call);
+    bool const done = s_Next(p_Object, call, p_Type, p_Result);
+    if (p_Type == Qt::BlockingQueuedConnection)
+        __tsan_acquire(call);
+    call->destroyIfLastRef();
+    return done;
+}
+
+QMetaObject::Connection QObject::connectImpl(QObject const* p_Sender, void** p_Signal,
+                                             QObject const* p_Receiver, void** p_SlotPointer,
+                                             QtPrivate::QSlotObjectBase* p_Slot,
+                                             Qt::ConnectionType p_Type, int const* p_Types,
+                                             QMetaObject const* p_Meta)
+{
+    static auto* const s_Next = Next<QMetaObject::Connection(
+        QObject const*, void**, QObject const*, void**, QtPrivate::QSlotObjectBase*,
+        Qt::ConnectionType, int const*, QMetaObject const*)>(
+        "_ZN7QObject11connectImplEPKS_PPvS1_S3_PN9QtPrivate15QSlotObjectBaseEN2Qt14Connection"
+        "TypeEPKiPK11QMetaObject");
+    __tsan_release(OrdersTo(p_Sender));
+    return s_Next(p_Sender, p_Signal, p_Receiver, p_SlotPointer, p_Slot, p_Type, p_Types, p_Meta);
+}
+
+void QObject::deleteLater()
+{
+    static auto* const s_Next = Next<void(QObject*)>("_ZN7QObject11deleteLaterEv");
+    __tsan_release(KeyOf(this));
+    s_Next(this);
+}
+
+void QThread::quit()
+{
+    static auto* const s_Next = Next<void(QThread*)>("_ZN7QThread4quitEv");
+    __tsan_release(OrdersTo(this));
+    s_Next(this);
+}
+
+bool QThread::wait(QDeadlineTimer p_Deadline)
+{
+    static auto* const s_Next =
+        Next<bool(QThread*, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
+    return AcquireIf(s_Next(this, p_Deadline), KeyOf(this));
+}
+
+bool QThread::wait(unsigned long p_Milliseconds)
+{
+    static auto* const s_Next = Next<bool(QThread*, unsigned long)>("_ZN7QThread4waitEm");
+    return AcquireIf(s_Next(this, p_Milliseconds), KeyOf(this));
+}
+
+// Locks _____________________________________________________________________________________
+
+void QMutex::lock() noexcept
+{
+    static auto* const s_Next = Next<void(QMutex*)>("_ZN6QMutex4lockEv");
+    s_Next(this);
+    __tsan_acquire(this);
+}
+
+bool QMutex::tryLock(int p_Timeout) noexcept
+{
+    static auto* const s_Next = Next<bool(QMutex*, int)>("_ZN6QMutex7tryLockEi");
+    return AcquireIf(s_Next(this, p_Timeout), this);
+}
+
+void QMutex::unlock() noexcept
+{
+    static auto* const s_Next = Next<void(QMutex*)>("_ZN6QMutex6unlockEv");
+    __tsan_release(this);
+    s_Next(this);
+}
+
+void QReadWriteLock::lockForRead()
+{
+    static auto* const s_Next = Next<void(QReadWriteLock*)>("_ZN14QReadWriteLock11lockForReadEv");
+    s_Next(this);
+    __tsan_acquire(this);
+}
+
+void QReadWriteLock::lockForWrite()
+{
+    static auto* const s_Next = Next<void(QReadWriteLock*)>("_ZN14QReadWriteLock12lockForWriteEv");
+    s_Next(this);
+    __tsan_acquire(this);
+    __tsan_acquire(ReadersOf(this));
+    t_Written = this;
+}
+
+void QReadWriteLock::unlock()
+{
+    static auto* const s_Next = Next<void(QReadWriteLock*)>("_ZN14QReadWriteLock6unlockEv");
+    if (t_Written == this) {
+        t_Written = nullptr;
+        __tsan_release(this);
+    } else {
+        __tsan_release(ReadersOf(this));
+    }
+    s_Next(this);
+}
+
+void QSemaphore::acquire(int p_Count)
+{
+    static auto* const s_Next = Next<void(QSemaphore*, int)>("_ZN10QSemaphore7acquireEi");
+    s_Next(this, p_Count);
+    __tsan_acquire(this);
+}
+
+bool QSemaphore::tryAcquire(int p_Count)
+{
+    static auto* const s_Next = Next<bool(QSemaphore*, int)>("_ZN10QSemaphore10tryAcquireEi");
+    return AcquireIf(s_Next(this, p_Count), this);
+}
+
+bool QSemaphore::tryAcquire(int p_Count, int p_Timeout)
+{
+    static auto* const s_Next = Next<bool(QSemaphore*, int, int)>("_ZN10QSemaphore10tryAcquireEii");
+    return AcquireIf(s_Next(this, p_Count, p_Timeout), this);
+}
+
+void QSemaphore::release(int p_Count)
+{
+    static auto* const s_Next = Next<void(QSemaphore*, int)>("_ZN10QSemaphore7releaseEi");
+    __tsan_release(this);
+    s_Next(this, p_Count);
+}
