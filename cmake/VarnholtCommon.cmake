@@ -51,6 +51,7 @@ if(VARNHOLT_SANITIZE STREQUAL "thread")
   find_package(Qt5Core 5.15 REQUIRED COMPONENTS Private)
   add_library(varnholt_qt_for_tsan OBJECT
       ${PROJECT_SOURCE_DIR}/Tests/Support/QtForThreadSanitizer.cpp)
+  set_target_properties(varnholt_qt_for_tsan PROPERTIES AUTOMOC OFF)
   target_link_libraries(varnholt_qt_for_tsan PRIVATE Qt5::CorePrivate)
   target_sources(varnholt_common INTERFACE
       $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:varnholt_qt_for_tsan>>)

@@ -17,6 +17,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -45,9 +48,13 @@ struct AtEndOfThread {
     QObject* Thread;
 };
 
+/// Whose signals this thread is emitting, one inside the other.
+thread_local std::vector<QObject*> t_Senders;
+
 /// Called before anybody hears of the signal.
 void OnSignal(QObject* p_Sender, int, void**)
 {
+    t_Senders.push_back(p_Sender);
     static auto* const s_AtEnd = new QThreadStorage<AtEndOfThread*>; // outlives every thread
     __tsan_acquire(OrdersTo(p_Sender)); // of who connected it, or told the thread to end
     __tsan_release(KeyOf(p_Sender));
@@ -67,7 +74,42 @@ bool OnEvent(void** p_Arguments)
     return false;
 }
 
-QSignalSpyCallbackSet s_SignalCallbacks{OnSignal, nullptr, nullptr, nullptr};
+/// Called when everybody has.
+void OnSignalEnd(QObject*, int)
+{
+    t_Senders.pop_back();
+}
+
+// What a queued signal carries is copied in between: the copy constructors that Qt is given are
+// replaced by such that tell of the copy as well.
+constexpr std::size_t c_MostTypes = 64;
+QMetaType::Constructor s_Constructors[c_MostTypes];
+
+template <std::size_t Type>
+void* Copy(void* p_Where, void const* p_Original)
+{
+    void* const copy = s_Constructors[Type](p_Where, p_Original);
+    if (!t_Senders.empty())
+        __tsan_release(KeyOf(t_Senders.back()));
+    return copy;
+}
+
+template <std::size_t... Types>
+QMetaType::Constructor TellingConstructor(QMetaType::Constructor p_Plain,
+                                          std::index_sequence<Types...>)
+{
+    constexpr QMetaType::Constructor c_Telling[]{Copy<Types>...};
+    static std::mutex s_Mutex; // of the constructors
+    std::lock_guard<std::mutex> const lock(s_Mutex);
+    std::size_t type = 0;
+    while (s_Constructors[type] != nullptr && s_Constructors[type] != p_Plain)
+        if (++type == c_MostTypes)
+            qFatal("more than %zu types in queued signals", c_MostTypes);
+    s_Constructors[type] = p_Plain;
+    return c_Telling[type];
+}
+
+QSignalSpyCallbackSet s_SignalCallbacks{OnSignal, nullptr, OnSignalEnd, nullptr};
 
 [[maybe_unused]] bool const s_IsWatching = [] {
     qt_register_signal_spy_callbacks(&s_SignalCallbacks);
@@ -143,6 +185,20 @@ bool QMetaObject::invokeMethodImpl(QObject* p_Object, QtPrivate::QSlotObjectBase
         __tsan_acquire(call);
     call->destroyIfLastRef();
     return done;
+}
+
+int QMetaType::registerNormalizedType(class QByteArray const& p_Name, Destructor p_Destructor,
+                                      Constructor p_Constructor, int p_Size, TypeFlags p_Flags,
+                                      QMetaObject const* p_Meta)
+{
+    static auto* const s_Next = Next<int(class QByteArray const&, Destructor, Constructor, int,
+                                         TypeFlags, QMetaObject const*)>(
+        "_ZN9QMetaType22registerNormalizedTypeERK10QByteArrayPFvPvEPFS3_S3_PKvEi6QFlagsINS_"
+        "8TypeFlag"
+        "EEPK11QMetaObject");
+    return s_Next(p_Name, p_Destructor,
+                  TellingConstructor(p_Constructor, std::make_index_sequence<c_MostTypes>()),
+                  p_Size, p_Flags, p_Meta);
 }
 
 QMetaObject::Connection QObject::connectImpl(QObject const* p_Sender, void** p_Signal,

@@ -15,6 +15,11 @@
 #include <memory>
 #include <thread>
 
+/// What a queued signal carries is copied when the sender has been asked already.
+struct Load {
+    int Number = 0;
+};
+
 namespace {
 
 class Sender : public QObject {
@@ -22,6 +27,7 @@ class Sender : public QObject {
 
 Q_SIGNALS:
     void Sent();
+    void SentLoad(Load p_Load);
 };
 
 class Receiver : public QObject {
@@ -34,10 +40,16 @@ public Q_SLOTS:
             OnReceived();
         Received.release();
     }
+    void Take(Load const& p_Load)
+    {
+        Number = p_Load.Number;
+        Receive();
+    }
 
 public:
     std::function<void()> OnReceived;
     QSemaphore Received;
+    int Number = 0;
 };
 
 /// A thread with an event loop and a receiver on it.
@@ -174,6 +186,17 @@ void QueuedSignal()
     Q_EMIT sender.Sent();
     loop.Inside->Received.acquire();
     Count();
+}
+
+void QueuedArgument()
+{
+    qRegisterMetaType<Load>("Load");
+    Loop loop;
+    Sender sender;
+    QObject::connect(&sender, &Sender::SentLoad, loop.Inside, &Receiver::Take);
+    loop.Inside->OnReceived = Count;
+    Q_EMIT sender.SentLoad({1});
+    loop.Inside->Received.acquire();
 }
 
 void SenderGone()
@@ -336,6 +359,7 @@ int main(int p_Count, char** p_Arguments)
         {QStringLiteral("other-sender"), OtherSender},
         {QStringLiteral("behind-the-signal"), BehindTheSignal},
         {QStringLiteral("queued-signal"), QueuedSignal},
+        {QStringLiteral("queued-argument"), QueuedArgument},
         {QStringLiteral("sender-gone"), SenderGone},
         {QStringLiteral("queued-call"), QueuedCall},
         {QStringLiteral("blocking-call"), BlockingCall},
