@@ -177,13 +177,14 @@ bool QMetaObject::invokeMethodImpl(QObject* p_Object, QtPrivate::QSlotObjectBase
         Next<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
             "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14"
             "ConnectionTypeEPv");
+    bool const waits = p_Type == Qt::BlockingQueuedConnection;
     auto* const call = new CallOnItsWay(p_Slot);
-    call->ref();
+    if (waits)
+        call->ref();
     __tsan_release(call);
     bool const done = s_Next(p_Object, call, p_Type, p_Result);
-    if (p_Type == Qt::BlockingQueuedConnection)
-        __tsan_acquire(call);
-    call->destroyIfLastRef();
+    if (waits)
+        call->destroyIfLastRef(); // which it is, and hears what the call tells
     return done;
 }
 

@@ -75,6 +75,12 @@ public:
 
 std::atomic<int> g_Ended{0};
 
+void WaitForAnotherEnd(int p_EndedBefore)
+{
+    while (g_Ended.load(std::memory_order_relaxed) == p_EndedBefore)
+        std::this_thread::yield();
+}
+
 /// Runs a closure on a thread of Qt's and waits for its end, by no means that orders anything.
 std::unique_ptr<QThread> RunUnordered(std::function<void()> const& p_Closure)
 {
@@ -84,8 +90,7 @@ std::unique_ptr<QThread> RunUnordered(std::function<void()> const& p_Closure)
         g_Ended.fetch_add(1, std::memory_order_relaxed);
     }));
     thread->start();
-    while (g_Ended.load(std::memory_order_relaxed) == endedBefore)
-        std::this_thread::yield();
+    WaitForAnotherEnd(endedBefore);
     return thread;
 }
 
@@ -98,7 +103,11 @@ void Count()
 
 /// Counts when it goes.
 struct Counting : QObject {
-    ~Counting() override { Count(); }
+    ~Counting() override
+    {
+        Count();
+        g_Ended.fetch_add(1, std::memory_order_relaxed);
+    }
 };
 
 // Ordered by nothing that concerns the field.
@@ -247,7 +256,9 @@ void DeletedLater()
     auto* const object = new Counting;
     object->moveToThread(&loop.Thread);
     Count();
+    int const endedBefore = g_Ended.load(std::memory_order_relaxed);
     object->deleteLater();
+    WaitForAnotherEnd(endedBefore);
 }
 
 void DirectCallOnceConnected()
@@ -334,6 +345,34 @@ void WriterAfterReader()
     reader->wait();
 }
 
+void ReaderAfterWriters()
+{
+    QReadWriteLock readWrite;
+    std::atomic<int> turn{0};
+    auto const write = [&](int p_Turn) {
+        while (turn.load(std::memory_order_relaxed) != p_Turn)
+            std::this_thread::yield();
+        {
+            QWriteLocker const lock(&readWrite);
+            Count();
+        }
+        turn.store(p_Turn + 1, std::memory_order_relaxed);
+    };
+    int seen = 0;
+    std::unique_ptr<QThread> const second(QThread::create(write, 1));
+    std::unique_ptr<QThread> const reader(QThread::create([&] {
+        while (turn.load(std::memory_order_relaxed) != 2)
+            std::this_thread::yield();
+        QReadLocker const lock(&readWrite);
+        seen = g_Field;
+    }));
+    second->start();
+    reader->start();
+    write(0);
+    second->wait();
+    reader->wait();
+}
+
 void Semaphore()
 {
     QSemaphore semaphore;
@@ -370,6 +409,7 @@ int main(int p_Count, char** p_Arguments)
         {QStringLiteral("mutex"), Mutex},
         {QStringLiteral("recursive-mutex"), RecursiveMutex},
         {QStringLiteral("writer-after-reader"), WriterAfterReader},
+        {QStringLiteral("reader-after-writers"), ReaderAfterWriters},
         {QStringLiteral("semaphore"), Semaphore},
     };
     auto const run = cases.value(QString::fromLocal8Bit(p_Arguments[p_Count - 1]));

@@ -58,7 +58,7 @@ void ThreadSanitizerTest::TrustsWhatQtOrders_data()
     for (char const* const name :
          {"queued-signal", "queued-argument", "sender-gone", "queued-call", "blocking-call",
           "deleted-later", "direct-call-once-connected", "told-to-end", "end-of-thread", "mutex",
-          "recursive-mutex", "writer-after-reader", "semaphore"})
+          "recursive-mutex", "writer-after-reader", "reader-after-writers", "semaphore"})
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
