@@ -50,7 +50,9 @@ endif()
 if(VARNHOLT_SANITIZE STREQUAL "thread")
   find_package(Qt5Core 5.15 REQUIRED COMPONENTS Private)
   add_library(varnholt_qt_for_tsan OBJECT
-      ${PROJECT_SOURCE_DIR}/Tests/Support/QtForThreadSanitizer.cpp)
+      ${PROJECT_SOURCE_DIR}/Tests/Support/QtEventsForThreadSanitizer.cpp
+      ${PROJECT_SOURCE_DIR}/Tests/Support/QtLocksForThreadSanitizer.cpp)
+  target_include_directories(varnholt_qt_for_tsan PRIVATE ${PROJECT_SOURCE_DIR})
   set_target_properties(varnholt_qt_for_tsan PROPERTIES AUTOMOC OFF)
   target_link_libraries(varnholt_qt_for_tsan PRIVATE Qt5::CorePrivate)
   target_sources(varnholt_common INTERFACE

@@ -1,19 +1,14 @@
-// Tells ThreadSanitizer what Qt's threads do to each other. Qt's own libraries are not
-// instrumented: their locks and events would be invisible, and whatever they order would be
-// reported. Each call below is found before Qt's by our own code, passes on to Qt's, and says what
-// it orders. The keys are as fine as can be, a lock, a call, a sender: what orders too much hides
-// races.
+// Tells ThreadSanitizer what Qt's events and signals order, and the ends of its threads. Qt's own
+// libraries are not instrumented: whatever they order would be reported. Each function below is
+// found before Qt's by our own code, calls Qt's and says what it orders. The keys are as fine as
+// can be, a lock, a call, a sender: what orders too much hides races.
+
+#include "Tests/Support/NextDefinition.hpp"
 
 #include <QCoreApplication>
-#include <QMutex>
-#include <QReadWriteLock>
-#include <QSemaphore>
 #include <QThread>
 #include <QThreadStorage>
 #include <private/qobject_p.h>
-
-#include <dlfcn.h>
-#include <sanitizer/tsan_interface.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -21,9 +16,10 @@
 #include <utility>
 #include <vector>
 
-namespace {
+using Varnholt::TestSupport::AcquireIf;
+using Varnholt::TestSupport::NextDefinition;
 
-// Events and signals ________________________________________________________________________
+namespace {
 
 /// Stands for an object, and outlives it: with memory that is freed the sanitizer forgets what was
 /// said of it, and an event may be delivered after its sender has gone.
@@ -63,6 +59,16 @@ void OnSignal(QObject* p_Sender, int, void**)
         s_AtEnd->setLocalData(new AtEndOfThread{p_Sender});
 }
 
+/// Called when everybody has, unless one of them has deleted the sender.
+void OnSignalEnd(QObject* p_Sender, int)
+{
+    QObject* last = nullptr;
+    while (!t_Senders.empty() && last != p_Sender) {
+        last = t_Senders.back();
+        t_Senders.pop_back();
+    }
+}
+
 /// Called before each event is delivered, on the receiver's thread.
 bool OnEvent(void** p_Arguments)
 {
@@ -72,12 +78,6 @@ bool OnEvent(void** p_Arguments)
     else if (event->type() == QEvent::DeferredDelete)
         __tsan_acquire(KeyOf(p_Arguments[0]));
     return false;
-}
-
-/// Called when everybody has.
-void OnSignalEnd(QObject*, int)
-{
-    t_Senders.pop_back();
 }
 
 // What a queued signal carries is copied in between: the copy constructors that Qt is given are
@@ -143,38 +143,13 @@ private:
     QSlotObjectBase* Inner;
 };
 
-// Qt's own functions ________________________________________________________________________
-
-/// The next definition of a symbol behind ours: Qt's. A member takes its object first.
-template <typename Function>
-Function* Next(char const* p_Symbol)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, p_Symbol));
-}
-
-bool AcquireIf(bool p_Condition, void* p_Key)
-{
-    if (p_Condition)
-        __tsan_acquire(p_Key);
-    return p_Condition;
-}
-
-/// What readers have told, for the next writer; the lock itself is for what writers have told.
-void* ReadersOf(QReadWriteLock* p_Lock)
-{
-    return reinterpret_cast<char*>(p_Lock) + 1;
-}
-
-/// The lock that this thread may write under; none of ours does so under two.
-thread_local QReadWriteLock* t_Written = nullptr;
-
 } // namespace
 
 bool QMetaObject::invokeMethodImpl(QObject* p_Object, QtPrivate::QSlotObjectBase* p_Slot,
                                    Qt::ConnectionType p_Type, void* p_Result)
 {
     static auto* const s_Next =
-        Next<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
+        NextDefinition<bool(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
             "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14"
             "ConnectionTypeEPv");
     bool const waits = p_Type == Qt::BlockingQueuedConnection;
@@ -192,8 +167,8 @@ int QMetaType::registerNormalizedType(class QByteArray const& p_Name, Destructor
                                       Constructor p_Constructor, int p_Size, TypeFlags p_Flags,
                                       QMetaObject const* p_Meta)
 {
-    static auto* const s_Next = Next<int(class QByteArray const&, Destructor, Constructor, int,
-                                         TypeFlags, QMetaObject const*)>(
+    static auto* const s_Next = NextDefinition<int(class QByteArray const&, Destructor, Constructor,
+                                                   int, TypeFlags, QMetaObject const*)>(
         "_ZN9QMetaType22registerNormalizedTypeERK10QByteArrayPFvPvEPFS3_S3_PKvEi6QFlagsINS_"
         "8TypeFlag"
         "EEPK11QMetaObject");
@@ -208,7 +183,7 @@ QMetaObject::Connection QObject::connectImpl(QObject const* p_Sender, void** p_S
                                              Qt::ConnectionType p_Type, int const* p_Types,
                                              QMetaObject const* p_Meta)
 {
-    static auto* const s_Next = Next<QMetaObject::Connection(
+    static auto* const s_Next = NextDefinition<QMetaObject::Connection(
         QObject const*, void**, QObject const*, void**, QtPrivate::QSlotObjectBase*,
         Qt::ConnectionType, int const*, QMetaObject const*)>(
         "_ZN7QObject11connectImplEPKS_PPvS1_S3_PN9QtPrivate15QSlotObjectBaseEN2Qt14Connection"
@@ -219,14 +194,14 @@ QMetaObject::Connection QObject::connectImpl(QObject const* p_Sender, void** p_S
 
 void QObject::deleteLater()
 {
-    static auto* const s_Next = Next<void(QObject*)>("_ZN7QObject11deleteLaterEv");
+    static auto* const s_Next = NextDefinition<void(QObject*)>("_ZN7QObject11deleteLaterEv");
     __tsan_release(KeyOf(this));
     s_Next(this);
 }
 
 void QThread::quit()
 {
-    static auto* const s_Next = Next<void(QThread*)>("_ZN7QThread4quitEv");
+    static auto* const s_Next = NextDefinition<void(QThread*)>("_ZN7QThread4quitEv");
     __tsan_release(OrdersTo(this));
     s_Next(this);
 }
@@ -234,88 +209,12 @@ void QThread::quit()
 bool QThread::wait(QDeadlineTimer p_Deadline)
 {
     static auto* const s_Next =
-        Next<bool(QThread*, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
+        NextDefinition<bool(QThread*, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
     return AcquireIf(s_Next(this, p_Deadline), KeyOf(this));
 }
 
 bool QThread::wait(unsigned long p_Milliseconds)
 {
-    static auto* const s_Next = Next<bool(QThread*, unsigned long)>("_ZN7QThread4waitEm");
+    static auto* const s_Next = NextDefinition<bool(QThread*, unsigned long)>("_ZN7QThread4waitEm");
     return AcquireIf(s_Next(this, p_Milliseconds), KeyOf(this));
-}
-
-// Locks _____________________________________________________________________________________
-
-void QMutex::lock() noexcept
-{
-    static auto* const s_Next = Next<void(QMutex*)>("_ZN6QMutex4lockEv");
-    s_Next(this);
-    __tsan_acquire(this);
-}
-
-bool QMutex::tryLock(int p_Timeout) noexcept
-{
-    static auto* const s_Next = Next<bool(QMutex*, int)>("_ZN6QMutex7tryLockEi");
-    return AcquireIf(s_Next(this, p_Timeout), this);
-}
-
-void QMutex::unlock() noexcept
-{
-    static auto* const s_Next = Next<void(QMutex*)>("_ZN6QMutex6unlockEv");
-    __tsan_release(this);
-    s_Next(this);
-}
-
-void QReadWriteLock::lockForRead()
-{
-    static auto* const s_Next = Next<void(QReadWriteLock*)>("_ZN14QReadWriteLock11lockForReadEv");
-    s_Next(this);
-    __tsan_acquire(this);
-}
-
-void QReadWriteLock::lockForWrite()
-{
-    static auto* const s_Next = Next<void(QReadWriteLock*)>("_ZN14QReadWriteLock12lockForWriteEv");
-    s_Next(this);
-    __tsan_acquire(this);
-    __tsan_acquire(ReadersOf(this));
-    t_Written = this;
-}
-
-void QReadWriteLock::unlock()
-{
-    static auto* const s_Next = Next<void(QReadWriteLock*)>("_ZN14QReadWriteLock6unlockEv");
-    if (t_Written == this) {
-        t_Written = nullptr;
-        __tsan_release(this);
-    } else {
-        __tsan_release(ReadersOf(this));
-    }
-    s_Next(this);
-}
-
-void QSemaphore::acquire(int p_Count)
-{
-    static auto* const s_Next = Next<void(QSemaphore*, int)>("_ZN10QSemaphore7acquireEi");
-    s_Next(this, p_Count);
-    __tsan_acquire(this);
-}
-
-bool QSemaphore::tryAcquire(int p_Count)
-{
-    static auto* const s_Next = Next<bool(QSemaphore*, int)>("_ZN10QSemaphore10tryAcquireEi");
-    return AcquireIf(s_Next(this, p_Count), this);
-}
-
-bool QSemaphore::tryAcquire(int p_Count, int p_Timeout)
-{
-    static auto* const s_Next = Next<bool(QSemaphore*, int, int)>("_ZN10QSemaphore10tryAcquireEii");
-    return AcquireIf(s_Next(this, p_Count, p_Timeout), this);
-}
-
-void QSemaphore::release(int p_Count)
-{
-    static auto* const s_Next = Next<void(QSemaphore*, int)>("_ZN10QSemaphore7releaseEi");
-    __tsan_release(this);
-    s_Next(this, p_Count);
 }
