@@ -45,3 +45,17 @@ if(VARNHOLT_SANITIZE)
       -fsanitize=${VARNHOLT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(varnholt_common INTERFACE -fsanitize=${VARNHOLT_SANITIZE})
 endif()
+
+# Qt's libraries are not instrumented: every program brings along what tells of their locks and events.
+if(VARNHOLT_SANITIZE STREQUAL "thread")
+  find_package(Qt5Core 5.15 REQUIRED COMPONENTS Private)
+  add_library(varnholt_qt_for_tsan OBJECT
+      ${PROJECT_SOURCE_DIR}/Tests/Support/QtEventsForThreadSanitizer.cpp
+      ${PROJECT_SOURCE_DIR}/Tests/Support/QtLocksForThreadSanitizer.cpp)
+  target_include_directories(varnholt_qt_for_tsan PRIVATE ${PROJECT_SOURCE_DIR})
+  set_target_properties(varnholt_qt_for_tsan PROPERTIES AUTOMOC OFF)
+  target_link_libraries(varnholt_qt_for_tsan PRIVATE Qt5::CorePrivate)
+  target_sources(varnholt_common INTERFACE
+      $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:varnholt_qt_for_tsan>>)
+  target_link_libraries(varnholt_common INTERFACE ${CMAKE_DL_LIBS})
+endif()

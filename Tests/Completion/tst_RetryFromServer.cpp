@@ -45,7 +45,7 @@ void RetryFromServerTest::ARetriedFileIsFetchedAgainBehindAllOthers()
     AfterSize(game, "c").Then(Answer::SilentBeforeHeaders());
     game.Begin();
     QVERIFY(game.RunUntilRequested("c", 2));
-    QVERIFY(game.Host.RunUntil([&] { return game.App.CurrentDownloadIndex == 2; }));
+    QVERIFY(game.RunUntilFile(2));
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("c\na\n"));
     game.Server.OpenGate(game.Content.ServerPath("c"));
     QVERIFY(game.Finish());

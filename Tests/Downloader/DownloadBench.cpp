@@ -36,12 +36,10 @@ DownloadBench::~DownloadBench()
     App.reset();
 }
 
-void DownloadBench::Record(DownloadEvent::Kind p_What, HTTP_DownloadFileRequest& p_Request)
+DownloadEvent DownloadBench::Look(HTTP_DownloadFileRequest const& p_Request)
 {
     DownloadEvent event;
-    event.What = p_What;
     event.Thread = QThread::currentThread();
-    event.Milliseconds = Clock.elapsed();
     event.CurrentBytes = p_Request.CurrentBytes;
     event.BytesOnDisk = p_Request.BytesOnDisk;
     event.RateSampleBytes = p_Request.RateSampleBytes;
@@ -52,6 +50,14 @@ void DownloadBench::Record(DownloadEvent::Kind p_What, HTTP_DownloadFileRequest&
     event.Resume = p_Request.Resume;
     event.Restarting = p_Request.Restarting;
     event.Continuable = p_Request.Continuable;
+    return event;
+}
+
+void DownloadBench::Record(DownloadEvent::Kind p_What, HTTP_DownloadFileRequest& p_Request)
+{
+    DownloadEvent event = Look(p_Request);
+    event.What = p_What;
+    event.Milliseconds = Clock.elapsed();
     if (p_What != DownloadEvent::Kind::Update)
         event.Content = File();
     {

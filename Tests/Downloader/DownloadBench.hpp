@@ -35,10 +35,10 @@ public:
     void SetAppLocale(QString) override {}
 };
 
-/// A record as it was when a signal of its download was emitted.
+/// A record as it was when a signal of its download was emitted, or in between.
 struct DownloadEvent {
-    enum class Kind { Update, Restarted, Complete } What;
-    QThread* Thread = nullptr; ///< that emitted it
+    enum class Kind { Update, Restarted, Complete } What = Kind::Update;
+    QThread* Thread = nullptr; ///< that emitted it, or looked
     qint64 Milliseconds = 0;   ///< since the bench was made
     qint64 CurrentBytes = 0;
     qint64 BytesOnDisk = 0;
@@ -75,6 +75,8 @@ public:
     /// Waits for a condition without handling a single event of this thread.
     [[nodiscard]] static bool WaitBusy(std::function<bool()> const& p_Condition);
 
+    /// What a host sees when it looks at a download under way.
+    static DownloadEvent Look(Launcher::HTTP_DownloadFileRequest const& p_Request);
     std::vector<DownloadEvent> Events() const;
     std::vector<DownloadEvent> Events(DownloadEvent::Kind p_What) const;
     int Count(DownloadEvent::Kind p_What) const;

@@ -79,7 +79,7 @@ void DownloadAbortTest::WhileTheBodyStalls()
     bench.Serve(SampleContent::Bytes(1000));
     bench.Script().Then(Answer::SilentAfter(400));
     HTTP_DownloadFileRequest* const request = bench.Start();
-    QVERIFY(bench.Host->RunUntil([&] { return request->BytesOnDisk == 400; }));
+    QVERIFY(bench.Host->RunUntil([&] { return DownloadBench::Look(*request).BytesOnDisk == 400; }));
     AbortOrFail(*request);
     QVERIFY(bench.RunToEnd());
     QCOMPARE(bench.File(), SampleContent::Bytes(1000).left(400));
@@ -94,7 +94,7 @@ void DownloadAbortTest::WhileBytesArrive()
     bench.Serve(bytes);
     bench.Script().Then(Answer::Drip(10, 1));
     HTTP_DownloadFileRequest* const request = bench.Start();
-    QVERIFY(bench.Host->RunUntil([&] { return request->BytesOnDisk > 0; }));
+    QVERIFY(bench.Host->RunUntil([&] { return DownloadBench::Look(*request).BytesOnDisk > 0; }));
     AbortOrFail(*request);
     QVERIFY(bench.RunToEnd());
     QByteArray const file = bench.File();
@@ -246,7 +246,7 @@ void DownloadAbortTest::AResumableFileKeepsWhatHasArrived()
     bench.Serve(bytes);
     bench.Script().Then(Answer::SilentAfter(400));
     HTTP_DownloadFileRequest* const request = bench.Start();
-    QVERIFY(bench.Host->RunUntil([&] { return request->BytesOnDisk == 400; }));
+    QVERIFY(bench.Host->RunUntil([&] { return DownloadBench::Look(*request).BytesOnDisk == 400; }));
     request->Abort();
     QVERIFY(bench.RunToEnd());
     QCOMPARE(bench.File(), bytes.left(400));
@@ -264,7 +264,7 @@ void DownloadAbortTest::ANonResumableFileIsRemoved()
     bench.Serve(SampleContent::Bytes(1000));
     bench.Script().Then(Answer::SilentAfter(400));
     HTTP_DownloadFileRequest* const request = bench.Start(false);
-    QVERIFY(bench.Host->RunUntil([&] { return request->BytesOnDisk == 400; }));
+    QVERIFY(bench.Host->RunUntil([&] { return DownloadBench::Look(*request).BytesOnDisk == 400; }));
     request->Abort();
     QVERIFY(!QFile::exists(bench.Path));
     QVERIFY(bench.RunToEnd());

@@ -60,9 +60,10 @@ void DownloadProgressTest::AResumedDownloadFallsBackToTheBytesOfTheAttempt()
     QVERIFY(bench.WriteFile(bytes.left(400)));
     HTTP_DownloadFileRequest* const request = bench.Start();
     QVERIFY(bench.Host->RunUntil([&] { return bench.RequestCount() == 1; }));
-    QCOMPARE(request->CurrentBytes, qint64{400});
-    QCOMPARE(request->BytesOnDisk, qint64{400});
-    QCOMPARE(request->RateSampleBytes, qint64{400});
+    DownloadEvent const seen = DownloadBench::Look(*request);
+    QCOMPARE(seen.CurrentBytes, qint64{400});
+    QCOMPARE(seen.BytesOnDisk, qint64{400});
+    QCOMPARE(seen.RateSampleBytes, qint64{400});
     bench.Server.OpenGate(DownloadBench::c_Path);
     QVERIFY(bench.RunToEnd());
     QCOMPARE(bench.Completion().CurrentBytes, qint64{600});
@@ -116,7 +117,7 @@ void DownloadProgressTest::AnUnknownTotalShowsZeroPercent()
     endless.AtEnd = Answer::End::Close;
     bench.Script().Then(endless);
     HTTP_DownloadFileRequest* const request = bench.Start();
-    QVERIFY(bench.Host->RunUntil([&] { return request->CurrentBytes > 0; }));
+    QVERIFY(bench.Host->RunUntil([&] { return DownloadBench::Look(*request).CurrentBytes > 0; }));
     request->Abort();
     QVERIFY(bench.RunToEnd());
     // At the end of a reply Qt takes what has come for the total.

@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+Q_DECLARE_METATYPE(std::function<bool(Varnholt::TestSupport::OutsideTree const&)>)
+
 namespace Varnholt::TestSupport {
 
 /// What the others rely on: nothing that is done to the tree goes unseen.
@@ -87,8 +89,6 @@ void OutsideTreeTest::AChangeIsSeen()
 }
 
 } // namespace Varnholt::TestSupport
-
-Q_DECLARE_METATYPE(std::function<bool(Varnholt::TestSupport::OutsideTree const&)>)
 
 QTEST_GUILESS_MAIN(Varnholt::TestSupport::OutsideTreeTest)
 #include "tst_OutsideTree.moc"

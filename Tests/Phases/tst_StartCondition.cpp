@@ -62,7 +62,7 @@ void StartConditionTest::TheRunStartsAsSoonAsTheHostAllowsIt()
     game.Host.DownloadBlocked = true;
     game.Add({"a", "a"}).Begin();
     QVERIFY(game.Host.RunUntil([&] { return game.Host.BlockedQuestions >= 3; }));
-    QCOMPARE(game.App.UISetting.Download.Mode, 0);
+    QCOMPARE(game.Progress().Download.Mode, 0);
     QVERIFY(game.Requested().isEmpty());
     game.Host.DownloadBlocked = false;
     QVERIFY(game.Finish());
@@ -76,7 +76,7 @@ void StartConditionTest::TheRunStartsAsSoonAsTheGameHasQuit()
     game.App.GameRuns = true;
     game.Add({"a", "a"}).Begin();
     QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions >= 3; }));
-    QCOMPARE(game.App.UISetting.Download.Mode, 1);
+    QCOMPARE(game.Progress().Download.Mode, 1);
     QVERIFY(game.Requested().isEmpty());
     game.App.GameRuns = false;
     QVERIFY(game.Finish());
@@ -159,8 +159,8 @@ void StartConditionTest::StreamedFilesAloneWaitBehindTheirSizePass()
     QVERIFY(game.Host.RunUntil([&] { return game.Host.BlockedQuestions >= 3; }));
     QCOMPARE(game.App.SizeRepliesReceived, 1u);
     QCOMPARE(game.Requested(), QStringList("s"));
-    QCOMPARE(game.App.UISetting.Download.Mode, 0);
-    QCOMPARE(game.App.UISetting.Download.DetailText, QString(""));
+    QCOMPARE(game.Progress().Download.Mode, 0);
+    QCOMPARE(game.Progress().Download.DetailText, QString(""));
     QCOMPARE(game.Host.StartingCount.load(), 0);
     game.Host.DownloadBlocked = false;
     QVERIFY(game.Finish());
@@ -175,7 +175,7 @@ void StartConditionTest::StreamedFilesAloneWaitForTheGame()
     game.App.GameRuns = true;
     game.Add({"s", "s", 0, {}, true}).Begin();
     QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions >= 3; }));
-    QCOMPARE(game.App.UISetting.Download.Mode, 1);
+    QCOMPARE(game.Progress().Download.Mode, 1);
     QCOMPARE(game.Requested(), QStringList("s"));
     game.App.GameRuns = false;
     QVERIFY(game.Finish());

@@ -4,6 +4,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QMutexLocker>
 
 #include <sys/stat.h>
 
@@ -73,6 +74,28 @@ bool Game::RunUntilPart(QString const& p_File, qint64 p_Bytes)
     QString const part = Path(p_File) + QLatin1String(".part");
     return Host.RunUntil(
         [&] { return App.CurrentDownload != nullptr && QFileInfo(part).size() == p_Bytes; });
+}
+
+bool Game::RunUntilSizes(quint32 p_Count)
+{
+    return Host.RunUntil([&] {
+        QMutexLocker const lock(&App.RunMutex);
+        return App.SizeRepliesReceived == p_Count;
+    });
+}
+
+bool Game::RunUntilFile(quint32 p_Index)
+{
+    return Host.RunUntil([&] {
+        QMutexLocker const lock(&App.RunMutex);
+        return App.CurrentDownloadIndex == p_Index;
+    });
+}
+
+Launcher::ApplicationUISetting Game::Progress()
+{
+    QMutexLocker const lock(&App.RunMutex);
+    return App.UISetting;
 }
 
 void Game::Put(QString const& p_File, QByteArray const& p_Bytes) const

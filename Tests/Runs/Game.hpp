@@ -46,6 +46,12 @@ public:
     [[nodiscard]] bool RunUntilRequested(QString const& p_File, int p_Times);
     /// Runs until a transfer is in flight and so many bytes of it lie on the disk.
     [[nodiscard]] bool RunUntilPart(QString const& p_File, qint64 p_Bytes);
+    /// Runs until so many sizes have come.
+    [[nodiscard]] bool RunUntilSizes(quint32 p_Count);
+    /// Runs until the file of this index is the current one.
+    [[nodiscard]] bool RunUntilFile(quint32 p_Index);
+    /// What the module shows, even while the worker changes it.
+    Launcher::ApplicationUISetting Progress();
 
     /// The absolute path of a file of the game.
     QString Path(QString const& p_File) const { return Folder + p_File; }

@@ -88,7 +88,7 @@ void ReplacedRunTest::ARepairWhileSizesAreAskedFetchesEachFileOnce()
     QString const path = game.Content.ServerPath("a");
     game.Server.Script(path).Then(Answer::SilentBeforeHeaders());
     game.Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 1; }));
+    QVERIFY(game.RunUntilSizes(1));
     QVERIFY(game.RunUntilRequested("a", 1));
     game.App.Repair();
     game.Server.OpenGate(path);

@@ -30,11 +30,11 @@ void HoldSize(PausableGame& p_Game, QString const& p_File)
 /// Runs until one of the streamed files' two sizes is known.
 bool RunUntilStreamedSize(PausableGame& p_Game)
 {
-    return p_Game.Host.RunUntil([&] {
-        return p_Game.Requests("t.bin") == 1 && p_Game.App.SizeRepliesReceived == 1 &&
-               p_Game.App.UISetting.Download.Mode ==
-                   Launcher::ApplicationUISetting::ModeAskingSizes;
-    });
+    return p_Game.RunUntilRequested("t.bin", 1) && p_Game.RunUntilSizes(1) &&
+           p_Game.Host.RunUntil([&] {
+               return p_Game.Progress().Download.Mode ==
+                      Launcher::ApplicationUISetting::ModeAskingSizes;
+           });
 }
 
 } // namespace
@@ -87,7 +87,7 @@ void ResumeSizePassTest::OfTheBaseFilesFetchesThemThenTheStreamedOnes()
     AddFiles(game);
     HoldSize(game, "b.bin");
     game.Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 1; }));
+    QVERIFY(game.RunUntilSizes(1));
     QCOMPARE(game.App.UISetting.Download.Mode, 2);
     game.App.ResumeDownload();
     QVERIFY(game.Host.RunUntil([&] { return game.Host.FinishedCount == 1; }));
@@ -108,7 +108,7 @@ void ResumeSizePassTest::OfTheBaseFilesIsNotStartedOverByTheLastSize()
     game.Stall("a.bin", 1000);
     HoldSize(game, "b.bin");
     game.Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 1; }));
+    QVERIFY(game.RunUntilSizes(1));
     game.App.ResumeDownload();
     QVERIFY(game.RunUntilPart("a.bin", 1000));
     Launcher::HTTP_DownloadFileRequest const* const transfer = game.App.CurrentDownload;
@@ -133,13 +133,13 @@ void ResumeSizePassTest::OfTheBaseFilesSuspendedAgainStaysSuspended()
     game.Stall("a.bin", 1000);
     HoldSize(game, "b.bin");
     game.Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 1; }));
+    QVERIFY(game.RunUntilSizes(1));
     game.App.ResumeDownload();
     QVERIFY(game.RunUntilPart("a.bin", 1000));
     game.App.SuspendDownload();
     QVERIFY(game.RunUntilHandled());
     game.OpenGate("b.bin");
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 2; }));
+    QVERIFY(game.RunUntilSizes(2));
     QVERIFY(game.Finish());
     QCOMPARE(game.App.UISetting.Download.Mode, 4);
     QCOMPARE(game.Requests("a.bin"), 2);
@@ -162,7 +162,7 @@ void ResumeSizePassTest::OfTheStreamedFilesRewritesTheirList()
     QVERIFY(game.RunUntilPart("s.bin", 1000));
     QCOMPARE(game.Read("ToDownload.db"), QByteArray("s.bin\nt.bin\n"));
     game.OpenGate("s.bin");
-    QVERIFY(game.Host.RunUntil([&] { return game.App.CurrentDownloadIndex == 1; }));
+    QVERIFY(game.RunUntilFile(1));
     QCOMPARE(game.Read("ToDownload.db"), QByteArray("t.bin\n"));
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("s.bin\n"));
     QVERIFY(game.Host.RunUntil([&] { return game.Host.FinishedCount == 1; }));
@@ -183,7 +183,7 @@ void ResumeSizePassTest::OfTheStreamedFilesCountsTheirBytesOnly()
     game.App.ResumeDownload();
     QVERIFY(game.RunUntilPart("s.bin", 1000));
     game.OpenGate("t.bin");
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 2; }));
+    QVERIFY(game.RunUntilSizes(2));
     game.OpenGate("s.bin");
     QVERIFY(game.Finish());
     QCOMPARE(game.FirstWrongFile(), QString());

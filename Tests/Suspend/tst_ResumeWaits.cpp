@@ -196,8 +196,8 @@ void ResumeWaitsTest::StartsWhenTheGameThatReallyRunsHasQuit()
     int const questions = game.App.GameQuestions;
     game.App.ResumeDownload();
     QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions >= questions + 3; }));
-    QCOMPARE(progress.Mode, 1);
-    QCOMPARE(progress.Percent, 100u);
+    QCOMPARE(game.Progress().Download.Mode, 1);
+    QCOMPARE(game.Progress().Download.Percent, 100u);
     QCOMPARE(game.Requests("a.bin"), 2);
     QCOMPARE(game.Host.StartingCount.load(), 1);
 

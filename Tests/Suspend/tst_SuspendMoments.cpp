@@ -114,7 +114,7 @@ void SuspendMomentsTest::WhileSizesAreAskedLeavesTheRunAlone()
     game.Add({"a.bin", c_A}).Add({"b.bin", c_B});
     game.Server.Script(game.Content.ServerPath("b.bin")).Then(Answer::SilentBeforeHeaders());
     game.Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 1; }));
+    QVERIFY(game.RunUntilSizes(1));
     game.App.UISettingChanged = false;
     QVariantList const before = Shown(game.App);
     game.App.SuspendDownload();
@@ -130,8 +130,8 @@ void SuspendMomentsTest::BetweenTwoFilesLeavesTheRunAlone()
 {
     PausableGame game;
     game.Add({"a.bin", c_A}).Add({"b.bin", c_B}).Begin();
-    QVERIFY(game.Host.RunUntil(
-        [&] { return game.App.CurrentDownloadIndex == 1 && game.App.CurrentDownload == nullptr; }));
+    QVERIFY(game.RunUntilFile(1));
+    QVERIFY(game.App.CurrentDownload == nullptr);
     QCOMPARE(game.Host.SyncCount(), std::size_t{1}); // the start of the second file
     game.App.UISettingChanged = false;
     QVariantList const before = Shown(game.App);

@@ -255,7 +255,7 @@ void UninstallInFlightTest::SizesThatAnswerLateFetchNothing()
     game.Server.Script(game.Content.ServerPath("a")).Then(Answer::SilentBeforeHeaders());
     game.Begin();
     QVERIFY(game.RunUntilRequested("a", 1));
-    QVERIFY(game.Host.RunUntil([&] { return game.App.SizeRepliesReceived == 1; }));
+    QVERIFY(game.RunUntilSizes(1));
     quint64 const total = game.App.UISetting.Download.Total;
     game.App.Uninstall(true);
     OpenGate(game);
