@@ -6,7 +6,9 @@
 #include "Tests/Support/NextDefinition.hpp"
 
 #include <QCoreApplication>
+#include <QRunnable>
 #include <QThread>
+#include <QThreadPool>
 #include <QThreadStorage>
 #include <private/qobject_p.h>
 
@@ -143,6 +145,30 @@ private:
     QSlotObjectBase* Inner;
 };
 
+/// Work that waits for a thread of a pool.
+class PooledWork : public QRunnable {
+public:
+    PooledWork(QThreadPool* p_Pool, QRunnable* p_Inner)
+        : Pool(p_Pool)
+        , Inner(p_Inner)
+    {
+    }
+
+    void run() override
+    {
+        __tsan_acquire(this);
+        bool const isOurs = Inner->autoDelete();
+        Inner->run();
+        if (isOurs)
+            delete Inner;
+        __tsan_release(KeyOf(Pool));
+    }
+
+private:
+    QThreadPool* Pool;
+    QRunnable* Inner;
+};
+
 } // namespace
 
 bool QMetaObject::invokeMethodImpl(QObject* p_Object, QtPrivate::QSlotObjectBase* p_Slot,
@@ -216,5 +242,21 @@ bool QThread::wait(QDeadlineTimer p_Deadline)
 bool QThread::wait(unsigned long p_Milliseconds)
 {
     static auto* const s_Next = NextDefinition<bool(QThread*, unsigned long)>("_ZN7QThread4waitEm");
+    return AcquireIf(s_Next(this, p_Milliseconds), KeyOf(this));
+}
+
+void QThreadPool::start(QRunnable* p_Work, int p_Priority)
+{
+    static auto* const s_Next =
+        NextDefinition<void(QThreadPool*, QRunnable*, int)>("_ZN11QThreadPool5startEP9QRunnablei");
+    auto* const work = new PooledWork(this, p_Work);
+    __tsan_release(work);
+    s_Next(this, work, p_Priority);
+}
+
+bool QThreadPool::waitForDone(int p_Milliseconds)
+{
+    static auto* const s_Next =
+        NextDefinition<bool(QThreadPool*, int)>("_ZN11QThreadPool11waitForDoneEi");
     return AcquireIf(s_Next(this, p_Milliseconds), KeyOf(this));
 }

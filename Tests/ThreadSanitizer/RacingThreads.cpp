@@ -27,6 +27,7 @@ int main(int p_Count, char** p_Arguments)
         {QStringLiteral("deleted-later"), DeletedLater},
         {QStringLiteral("direct-call-once-connected"), DirectCallOnceConnected},
         {QStringLiteral("told-to-end"), ToldToEnd},
+        {QStringLiteral("end-of-pool"), EndOfPool},
         {QStringLiteral("end-of-thread"), EndOfThread},
         {QStringLiteral("mutex"), Mutex},
         {QStringLiteral("recursive-mutex"), RecursiveMutex},

@@ -120,6 +120,7 @@ void BlockingCall();
 void DeletedLater();
 void DirectCallOnceConnected();
 void ToldToEnd();
+void EndOfPool();
 void EndOfThread();
 void Mutex();
 void RecursiveMutex();

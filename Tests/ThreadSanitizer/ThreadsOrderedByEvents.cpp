@@ -1,5 +1,8 @@
 #include "Tests/ThreadSanitizer/RacingThreads.hpp"
 
+#include <QRunnable>
+#include <QThreadPool>
+
 namespace Varnholt::RacingThreads {
 
 void QueuedSignal()
@@ -104,6 +107,15 @@ void ToldToEnd()
     auto* const object = new Counting;
     object->moveToThread(&loop.Thread);
     QObject::connect(&loop.Thread, &QThread::finished, object, &QObject::deleteLater);
+    Count();
+}
+
+void EndOfPool()
+{
+    QThreadPool pool;
+    Count();
+    pool.start(QRunnable::create(Count));
+    pool.waitForDone();
     Count();
 }
 

@@ -57,8 +57,9 @@ void ThreadSanitizerTest::TrustsWhatQtOrders_data()
     QTest::addColumn<QString>("name");
     for (char const* const name :
          {"queued-signal", "queued-argument", "sender-gone", "queued-call", "blocking-call",
-          "deleted-later", "direct-call-once-connected", "told-to-end", "end-of-thread", "mutex",
-          "recursive-mutex", "writer-after-reader", "reader-after-writers", "semaphore"})
+          "deleted-later", "direct-call-once-connected", "told-to-end", "end-of-pool",
+          "end-of-thread", "mutex", "recursive-mutex", "writer-after-reader",
+          "reader-after-writers", "semaphore"})
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
