@@ -1,6 +1,7 @@
 #include "Tests/Endurance/RandomCaller.hpp"
 
 #include <QCoreApplication>
+#include <QMutexLocker>
 #include <QThread>
 
 namespace Varnholt::TestSupport {
@@ -65,8 +66,11 @@ void RandomCaller::AddPumping()
     Add(16, 16, "run", [this] { return Pump(24, [] { return false; }); });
     Add(4, 4, "run on", [this] { return Pump(120, [] { return false; }); });
     Add(8, 4, "run to a size answer", [this] {
-        quint32 const before = Game.App.SizeRepliesReceived;
-        return Pump(60, [this, before] { return Game.App.SizeRepliesReceived != before; });
+        auto const replies = [this] {
+            QMutexLocker const lock(&Game.App.RunMutex);
+            return Game.App.SizeRepliesReceived;
+        };
+        return Pump(60, [replies, before = replies()] { return replies() != before; });
     });
     Add(12, 20, "run to the next transfer", [this] {
         auto const* const before = Game.App.CurrentDownload;

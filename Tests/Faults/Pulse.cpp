@@ -41,12 +41,10 @@ void Pulse::Ask()
 
 void Pulse::Answer()
 {
-    {
-        std::lock_guard<std::mutex> const lock(Mutex);
-        Longest = std::max(Longest, Asked.elapsed());
-        IsAnswered = true;
-    }
-    Changed.notify_all();
+    std::lock_guard<std::mutex> const lock(Mutex);
+    Longest = std::max(Longest, Asked.elapsed());
+    IsAnswered = true;
+    Changed.notify_all(); // under the lock: behind it all of this may be gone
 }
 
 qint64 Pulse::LongestSilence() const

@@ -1,11 +1,11 @@
 #include "Tests/Runs/Game.hpp"
 
 #include <QFile>
-#include <QNetworkReply>
 #include <QPointer>
 #include <QThread>
 #include <QtTest>
 
+#include <atomic>
 #include <memory>
 
 namespace Varnholt::TestSupport {
@@ -186,8 +186,13 @@ void UninstallInFlightTest::TheModuleMayGoWhileItRuns()
 {
     auto game = std::make_unique<Game>();
     game->App.ErrorReporter = [](QString, bool) {}; // outlives the host
+    std::atomic<QThread*> downloader{nullptr};
+    QObject::connect(
+        &game->App, &Launcher::Application::OnHTTPDownloadProgressUpdate, &game->App,
+        [&] { downloader = QThread::currentThread(); }, Qt::DirectConnection);
     QVERIFY(BeginHalf(*game));
-    QPointer<QThread> const thread = game->App.CurrentDownload->Reply->thread();
+    QVERIFY(game->Host.RunUntil([&] { return downloader != nullptr; }));
+    QPointer<QThread> const thread = downloader.load();
     game->App.Uninstall(false);
     QVERIFY(!thread.isNull());
     game.reset();
