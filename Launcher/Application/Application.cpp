@@ -94,14 +94,21 @@ HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Pat
             },
             p_CleanUp);
     };
-    connect(downloader, SIGNAL(AsyncOnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)), this,
-            SLOT(AppInt_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest*)),
+    // On the download thread, which may outlive the application.
+    auto const relay = [&](auto p_Signal, auto p_Slot) {
+        connect(
+            downloader, p_Signal, downloader,
+            [link = Link, p_Slot](HTTP_DownloadFileRequest* p_Request) {
+                link->Relay(p_Slot, p_Request);
+            },
             Qt::DirectConnection);
-    connect(downloader, SIGNAL(AsyncOnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)),
-            this, SLOT(AppInt_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)),
-            Qt::DirectConnection);
-    connect(downloader, SIGNAL(AsyncOnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)), this,
-            SLOT(AppInt_OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)), Qt::DirectConnection);
+    };
+    using Downloader = ApplicationAsyncHttpDownloader;
+    relay(&Downloader::AsyncOnHTTPDownloadProgressUpdate,
+          &Application::AppInt_OnHTTPDownloadProgressUpdate);
+    relay(&Downloader::AsyncOnHTTPDownloadProgressComplete,
+          &Application::AppInt_OnHTTPDownloadProgressComplete);
+    relay(&Downloader::AsyncOnHTTPDownloadRestarted, &Application::AppInt_OnHTTPDownloadRestarted);
     RateClock::Restart(Timer);
     return downloader->Start(std::move(p_Url), std::move(p_Path), p_Resume);
 }

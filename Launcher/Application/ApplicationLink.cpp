@@ -46,6 +46,14 @@ void ApplicationLink::Run(quint64 p_Number)
     closure(target);
 }
 
+void ApplicationLink::Relay(void (Application::*p_Slot)(HTTP_DownloadFileRequest*),
+                            HTTP_DownloadFileRequest* p_Request)
+{
+    QMutexLocker const lock(&TargetMutex);
+    if (Target != nullptr)
+        (Target->*p_Slot)(p_Request);
+}
+
 void ApplicationLink::Sever()
 {
     QMutexLocker const lock(&TargetMutex);

@@ -9,6 +9,7 @@
 namespace Varnholt::Launcher {
 
 class Application;
+struct HTTP_DownloadFileRequest;
 
 /// What a download thread holds of its application: a way to post to the application's thread that
 /// stays safe when the application is destroyed first.
@@ -24,7 +25,13 @@ public:
     /// Any thread.
     void Post(std::function<void(Application&)> p_Closure, std::function<void()> p_Otherwise);
 
-    /// Called by the application's destructor.
+    /// Calls a relay slot of the application on this thread, as long as there is one: it does not
+    /// go while it is called. Any thread but the application's.
+    void Relay(void (Application::*p_Slot)(HTTP_DownloadFileRequest*),
+               HTTP_DownloadFileRequest* p_Request);
+
+    /// Called by the application's destructor; by that of the class derived from it when downloads
+    /// may outlive the object.
     void Sever();
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Launcher/Application/Application.hpp"
+#include "Launcher/Application/ApplicationLink.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestHost.hpp"
@@ -24,6 +25,8 @@ public:
         : Application(QStringLiteral("Plain Game"), QStringLiteral("plain_app"))
     {
     }
+    /// Its downloads may outlive it.
+    ~PlainApplication() override { Link->Sever(); }
     void Init() override {}
     void Uninit() override {}
     QString GetRessource(Launcher::ApplicationRessource::Type) override { return {}; }
