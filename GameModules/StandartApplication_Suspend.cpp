@@ -33,7 +33,8 @@ void StandartApplication::SuspendDownload()
     }
     CurrentDownload->Abort();
     NotifyDownloadFinished();
-    if (!IsCurrentRun(run))
+    RunScope const scope(*this, run);
+    if (!scope)
         return;
     UISetting.Download.Mode = ApplicationUISetting::ModeSuspended;
     UISettingChanged = true;
