@@ -207,7 +207,8 @@ protected:
                               Entries const& p_Entries);
     /// Writes what a first build has found into a pending list. \param p_Whole every file was
     /// looked at; else the list also keeps what it names so far, and is still owed
-    void RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths, bool p_Whole);
+    void RecordFirstBuild(RunId p_Run, QString const& p_Folder, QString const& p_List,
+                          QStringList p_Paths, bool p_Whole);
     /// Makes a comparison's result the download list; false when the run was replaced.
     bool PublishList(RunId p_Run, Entries p_Files, bool p_Base);
     /// The pending list of the files being fetched, base or streamed.

@@ -126,15 +126,15 @@ void StandartApplication::CompareBaseFiles(RunId p_Run, bool p_FirstBuild, Entri
     auto examined = comparison.Examine(p_Entries);
     Entries& found = examined.Files;
 
-    QString const list = comparison.Folder + PendingList::c_Base;
     if (p_FirstBuild) {
         QStringList paths;
         for (ApplicationManifestFileEntry const& entry : found)
             if (entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
                 paths += entry.Path;
-        RecordFirstBuild(p_Run, list, paths, examined.IsWhole);
+        RecordFirstBuild(p_Run, comparison.Folder, PendingList::c_Base, paths, examined.IsWhole);
     } else {
-        QStringList const paths = PendingList::Read(list, comparison.Continue).Paths;
+        QStringList const paths =
+            PendingList::Read(comparison.Folder + PendingList::c_Base, comparison.Continue).Paths;
         Entries const leftOver = comparison.LeftOver(p_Entries, paths, found);
         found.insert(found.end(), leftOver.begin(), leftOver.end());
     }
@@ -152,17 +152,18 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
                                                Entries const& p_Entries)
 {
     ManifestComparison const comparison = ComparisonFor(p_Run, p_Entries.size());
-    QString const list = comparison.Folder + PendingList::c_Streamed;
+    QString const& list = PendingList::c_Streamed;
     Entries found;
-    if (p_FirstBuild || FirstBuildOwes(comparison.Folder, PendingList::c_Streamed)) {
+    if (p_FirstBuild || FirstBuildOwes(comparison.Folder, list)) {
         auto examined = comparison.Examine(p_Entries);
         QStringList paths;
         for (ApplicationManifestFileEntry const& entry : examined.Files)
             paths += entry.Path;
-        RecordFirstBuild(p_Run, list, paths, examined.IsWhole);
+        RecordFirstBuild(p_Run, comparison.Folder, list, paths, examined.IsWhole);
         found = std::move(examined.Files);
     } else {
-        found = comparison.Named(p_Entries, PendingList::Read(list, comparison.Continue).Paths);
+        found = comparison.Named(
+            p_Entries, PendingList::Read(comparison.Folder + list, comparison.Continue).Paths);
     }
 
     bool const nothing = found.empty();
@@ -174,25 +175,24 @@ void StandartApplication::CompareStreamedFiles(RunId p_Run, bool p_FirstBuild, b
         RequestSizes(p_Run, [this, p_Run, p_Wait] { BeginStreamedFiles(p_Run, p_Wait); });
 }
 
-void StandartApplication::RecordFirstBuild(RunId p_Run, QString const& p_List, QStringList p_Paths,
-                                           bool p_Whole)
+void StandartApplication::RecordFirstBuild(RunId p_Run, QString const& p_Folder,
+                                           QString const& p_List, QStringList p_Paths, bool p_Whole)
 {
     QMutexLocker const lock(&ListMutex);
     if (!IsCurrentRun(p_Run))
         return;
     if (!p_Whole) {
         QSet<QString> const found(p_Paths.begin(), p_Paths.end());
-        for (QString const& path : PendingList::Read(p_List, [] { return true; }).Paths)
+        for (QString const& path : PendingList::Read(p_Folder + p_List, [] { return true; }).Paths)
             if (!found.contains(path))
                 p_Paths += path;
     }
-    if (!PendingList::Write(p_List, p_Paths) || !p_Whole)
+    if (!PendingList::Write(p_Folder + p_List, p_Paths) || !p_Whole)
         return;
-    QFileInfo const list(p_List);
-    QString const note = list.path() + QLatin1Char('/') + PendingList::c_FirstBuild;
-    if (list.fileName() == PendingList::c_Base)
+    QString const note = p_Folder + PendingList::c_FirstBuild;
+    if (p_List == PendingList::c_Base)
         PendingList::Write(note, {PendingList::c_Streamed});
-    else if (!PendingList::Read(note, [] { return true; }).Paths.isEmpty())
+    else if (!FirstBuildOwes(p_Folder, PendingList::c_Base))
         QFile::remove(note);
 }
 
