@@ -23,6 +23,8 @@ private Q_SLOTS:
     void EveryReasonIsGivenUpAlike();
     void SuccessDoesNotGiveRestartsBack();
     void ANewRunDoesNotGiveRestartsBack();
+    void ARepairInMidTransferHasItsRestarts_data();
+    void ARepairInMidTransferHasItsRestarts();
     void OnlyAnAbortedTransferGivesRestartsBack();
     void AnAbortedTransferNeitherVerifiesNorAdvances();
     void AnAbortedTransferIsStruckFromTheList();
@@ -153,6 +155,38 @@ void RetryTest::ANewRunDoesNotGiveRestartsBack()
     QCOMPARE(run.App.DownloadRetryCount, 1u);
     run.App.Repair();
     QCOMPARE(run.App.DownloadRetryCount, 1u);
+}
+
+void RetryTest::ARepairInMidTransferHasItsRestarts_data()
+{
+    QTest::addColumn<bool>("IsAbort");
+    QTest::newRow("repair") << false;
+    QTest::newRow("abort of a repair") << true;
+}
+
+void RetryTest::ARepairInMidTransferHasItsRestarts()
+{
+    QFETCH(bool, IsAbort);
+    Game game;
+    game.Add({"a", SampleContent::Bytes(3000)}).Add({"b", "good"});
+    game.Server.Script(game.Content.ServerPath("a"))
+        .Then(Answer::Normal())
+        .Then(Answer::SilentAfter(1000));
+    game.Server.Script(game.Content.ServerPath("b"))
+        .Then(Answer::Normal())
+        .Then(Answer::Normal())
+        .Then(Answer::Normal().Body("spoilt"));
+    game.App.DownloadRetryCount = 5;
+    game.Begin();
+    QVERIFY(game.RunUntilPart("a", 1000));
+    if (IsAbort)
+        game.App.AbortRepair();
+    else
+        game.App.Repair();
+    QVERIFY(game.Finish());
+    QCOMPARE(game.Log.Count("(ToManyRetry) Download aborded for  \"b\""), 0);
+    QCOMPARE(game.Read("b"), QByteArray("good"));
+    QCOMPARE(game.App.DownloadRetryCount, 1u);
 }
 
 void RetryTest::OnlyAnAbortedTransferGivesRestartsBack()

@@ -17,8 +17,6 @@ private Q_SLOTS:
     void ARepairWhileAFileIsInFlightFetchesTheRest();
     void AnInstallationElsewhereWhileAFileIsInFlightLeavesTheOldFolder();
     void AnAbortedRepairFetchesWhatTheOrdinaryComparisonFinds();
-    void ARepairInMidTransferHasItsRestarts_data();
-    void ARepairInMidTransferHasItsRestarts();
     void ATransferOfAReplacedRunWritesNoMore();
     void SignalsOfAReplacedTransferAreDropped();
     void ARepairFromTheEndOfARunIsNotDisturbed();
@@ -169,38 +167,6 @@ void ReplacedRunTest::AnAbortedRepairFetchesWhatTheOrdinaryComparisonFinds()
     QVERIFY(game.Finish());
     QCOMPARE(game.Read("first"), QByteArray("f"));
     QCOMPARE(game.Read("s"), QByteArray("s"));
-}
-
-void ReplacedRunTest::ARepairInMidTransferHasItsRestarts_data()
-{
-    QTest::addColumn<bool>("IsAbort");
-    QTest::newRow("repair") << false;
-    QTest::newRow("abort of a repair") << true;
-}
-
-void ReplacedRunTest::ARepairInMidTransferHasItsRestarts()
-{
-    QFETCH(bool, IsAbort);
-    Game game;
-    game.Add({"a", SampleContent::Bytes(3000)}).Add({"b", "good"});
-    game.Server.Script(game.Content.ServerPath("a"))
-        .Then(Answer::Normal())
-        .Then(Answer::SilentAfter(1000));
-    game.Server.Script(game.Content.ServerPath("b"))
-        .Then(Answer::Normal())
-        .Then(Answer::Normal())
-        .Then(Answer::Normal().Body("spoilt"));
-    game.App.DownloadRetryCount = 5;
-    game.Begin();
-    QVERIFY(game.RunUntilPart("a", 1000));
-    if (IsAbort)
-        game.App.AbortRepair();
-    else
-        game.App.Repair();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Log.Count("(ToManyRetry) Download aborded for  \"b\""), 0);
-    QCOMPARE(game.Read("b"), QByteArray("good"));
-    QCOMPARE(game.App.DownloadRetryCount, 1u);
 }
 
 void ReplacedRunTest::ATransferOfAReplacedRunWritesNoMore()
