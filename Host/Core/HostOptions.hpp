@@ -12,8 +12,20 @@ struct HostOptions {
     QString SettingsFile; ///< absolute; empty: `DefaultSettingsFile()`
     QString ContentUrl;   ///< content server instead of the module's own; empty: none
     bool UseDevChannel = false;
+    QString ContentUser; ///< of the content server, never told to a mirror; empty: none
+    QString ContentPassword;
+    QString NetrcFile; ///< absolute; empty: the user's own
+    QString CaFile;    ///< PEM, absolute; empty: the system's
+    QString Proxy;     ///< empty: what the environment names
+    bool HttpsMirrors = false;
+    int Connections = 4;        ///< that bring content at the same time
+    quint64 BytesPerSecond = 0; ///< 0: as fast as it comes
+    bool Offline = false;       ///< nobody is asked
+    int ConnectMilliseconds = 15'000;
     int StallMilliseconds = 30'000;     ///< what has not moved for so long is begun again
-    int RetryPauseMilliseconds = 1'000; ///< before a stopped run is begun again; doubles each time
+    int RetryPauseMilliseconds = 500;   ///< before a server is asked again; doubles each time
+    int RetryForMilliseconds = 600'000; ///< without a byte; 0: for ever
+    int CopyDelayMilliseconds = 2'000;  ///< how long `play` and `verify` wait for a server
     /// Bytes that may still be written to the volume of a path. Module thread.
     std::function<qint64(QString const&)> FreeBytes = VolumeFreeBytes;
     /// Returns when what was written to the volume of a path is on its medium. Module thread.

@@ -82,6 +82,13 @@ void HostSession::Continue()
         Host, [host = Host] { host->Continue(); }, Qt::QueuedConnection);
 }
 
+void HostSession::SetRateLimit(quint64 p_BytesPerSecond)
+{
+    QMetaObject::invokeMethod(
+        Host, [host = Host, p_BytesPerSecond] { host->SetRateLimit(p_BytesPerSecond); },
+        Qt::QueuedConnection);
+}
+
 void HostSession::Interrupt()
 {
     QMetaObject::invokeMethod(

@@ -41,6 +41,8 @@ public:
     void Pause();
     /// Goes on with a paused run.
     void Continue();
+    /// \param p_BytesPerSecond that content may arrive with, from now on; 0: as fast as it comes
+    void SetRateLimit(quint64 p_BytesPerSecond);
     /// Ends the run under way with the failure `Interrupted`; what has arrived is kept.
     void Interrupt();
 

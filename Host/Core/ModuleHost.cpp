@@ -144,6 +144,11 @@ void ModuleHost::Continue()
         Control->Continue();
 }
 
+void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
+{
+    Options.BytesPerSecond = p_BytesPerSecond;
+}
+
 void ModuleHost::Interrupt()
 {
     if (IsLoaded() && !Closing)

@@ -35,6 +35,7 @@ public:
     void Start(RunRequest const& p_Request);
     void Pause();
     void Continue();
+    void SetRateLimit(quint64 p_BytesPerSecond);
     void Interrupt();
     /// Ends what is under way, deletes the module and emits `Closed`.
     void Close();

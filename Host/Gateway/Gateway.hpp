@@ -1,0 +1,111 @@
+#pragma once
+
+#include "Host/Gateway/FetchProblem.hpp"
+#include "Host/Gateway/GatewayOptions.hpp"
+#include "Host/Gateway/GatewaySnapshot.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Varnholt::Gateway {
+
+/// A file that a run is going to ask for.
+struct PlannedFile {
+    std::string Path;             ///< as it is asked for: below the base address, percent-encoded
+    std::uint64_t Offset = 0;     ///< where the run will go on; what lies before is there
+    bool OfDefaultServer = false; ///< no mirror may give it
+};
+
+/// One question to one server, past everything that the door does for files.
+struct Question {
+    std::string Server;                            ///< base address, ends in "/"
+    std::string Path;                              ///< below it, percent-encoded
+    std::string Range;                             ///< "0-0"; empty: the whole
+    std::uint64_t MostBytes = 64ULL * 1024 * 1024; ///< of the answer; more is a failure
+};
+
+struct Reply {
+    std::optional<FetchProblem> Problem;
+    int HttpStatus = 0; ///< 0 when there was no answer
+    std::string Body;
+    std::chrono::milliseconds Took{0};
+};
+
+/// The one door of a host to the network: an HTTP server on loopback that is a module's content
+/// server and its only mirror. Behind it are the real ones, with several connections, chunks,
+/// failover, waiting, TLS, proxies and a limit of the rate.
+///
+/// Lives on no thread: every operation may be called on any, and none waits for the network.
+///
+/// 1. Construct it, give `BaseUrl()` to the module as its content server
+///    (VARNHOLT_CONTENT_BASE_URL), and let the module use no proxy for it.
+/// 2. `BeginRun` before each run.
+/// 3. `Plan` as soon as the module has its list of files, and whenever it has another one.
+/// 4. Look at `Snapshot()` now and then. Once it has given up, the module gets no more bytes.
+/// 5. `Reject` each file that was not what its digest announces.
+/// 6. Destroy it after the module, whose connections it waits for.
+class Gateway {
+public:
+    using Documents = std::map<std::string, std::string>; ///< by path below the base address
+    enum class Source {
+        Server,
+        ServerOrCopies, ///< a server that does not answer soon is replaced by the copies
+        Copies,         ///< nobody is asked
+    };
+
+    explicit Gateway(GatewayOptions const& p_Options);
+    /// Ends every transfer; the port is free again afterwards.
+    ~Gateway();
+    Gateway(Gateway const&) = delete;
+    Gateway& operator=(Gateway const&) = delete;
+
+    /// "http://127.0.0.1:4711/6f1c…/"; empty when the system lets nobody listen.
+    std::string BaseUrl() const;
+
+    /// Forgets what the run before has learned of failures, sizes and plans, and what it held; the
+    /// speeds of servers are kept. \param p_Copies the documents of an earlier run
+    void BeginRun(Source p_Source, Documents p_Copies = {});
+    /// Ends what is under way; whoever still asks gets nothing.
+    void EndRun();
+    /// The documents that servers gave in this run: version file, manifest, host list.
+    Documents Fetched() const;
+
+    /// The files in the order in which they will be asked for. Their sizes are asked for at once,
+    /// their content ahead of the module, as far as memory allows.
+    void Plan(std::vector<PlannedFile> p_Files);
+    /// Asks for sizes only.
+    void AskSizes(std::vector<PlannedFile> p_Files);
+    /// None when it is not known (yet).
+    std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const;
+    /// How the latest attempt at a path failed; none when it did not.
+    std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const;
+    /// The latest failed attempt of the run.
+    std::optional<FetchProblem> LatestProblem() const;
+    /// The bytes of a file were not those that were announced: who gave them is put behind the
+    /// others.
+    void Reject(std::string const& p_Path);
+
+    /// Takes nothing more from the network until `Continue`; what has arrived is handed on.
+    void Pause();
+    void Continue();
+    /// \param p_BytesPerSecond 0: as fast as it comes
+    void SetRateLimit(std::uint64_t p_BytesPerSecond);
+    void SetConnections(int p_Connections);
+
+    GatewaySnapshot Snapshot() const;
+    /// Base addresses: the content server's, then those of the host list.
+    std::vector<std::string> Servers() const;
+    /// \param p_OnReply called once, on a thread of the door's; not after its end
+    void Ask(Question p_Question, std::function<void(Reply)> p_OnReply);
+
+private:
+    class Implementation;
+    std::unique_ptr<Implementation> Details;
+};
+
+} // namespace Varnholt::Gateway
