@@ -159,7 +159,7 @@ bool HostSettings::Write()
         return false;
     // Nobody else enters the folder: the settings class makes its files readable at first.
     QString const folder = target + QStringLiteral(".varnholt-new");
-    QFile::remove(folder); // not what a link leads to
+    QFile::remove(folder);            // not what a link leads to
     QDir(folder).removeRecursively(); // by one that was killed
     bool const isWritten = ::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0 &&
                            Replace(target, folder, Merged());
