@@ -95,7 +95,7 @@ void GatewayDocumentsTest::AreRemembered()
     Bench->Open();
     for (QByteArray const& path : {c_Version, c_Manifest})
         QCOMPARE(Bench->Document(path).Status, 200);
-    QCOMPARE(Bench->Document("game/builds/build_2/info.json").IsWhole, true);
+    QVERIFY(Bench->Document("game/builds/build_2/info.json").Status >= 400);
     auto const documents = Bench->Door->Fetched();
     QCOMPARE(documents.size(), std::size_t{3});
     QVERIFY(documents.at(c_Manifest.toStdString()) == Manifest.toStdString());
