@@ -86,3 +86,5 @@ QByteArray LargeBytes(int p_Size);
 constexpr int c_MiB = 1024 * 1024;
 
 } // namespace Varnholt::TestSupport
+
+Q_DECLARE_METATYPE(Varnholt::Gateway::FetchProblem::Type)

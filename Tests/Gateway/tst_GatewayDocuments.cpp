@@ -2,8 +2,6 @@
 #include "Tests/Support/Response.hpp"
 #include "Tests/Support/SampleContent.hpp"
 
-Q_DECLARE_METATYPE(Varnholt::Gateway::FetchProblem::Type)
-
 namespace Varnholt::TestSupport {
 
 namespace {
