@@ -93,7 +93,7 @@ void GatewayFailoverTest::ASickMirrorIsReplaced_data()
     QTest::newRow("reset") << Answer::Reset(1000);
     QTest::newRow("silent") << Answer::SilentBeforeHeaders();
     QTest::newRow("silent in the middle") << Answer::SilentAfter(1000);
-    for (int const status : {204, 301, 401, 403, 404, 410, 416, 429, 500, 502, 503, 504})
+    for (int const status : {204, 301, 401, 416, 429, 500, 502, 503, 504})
         QTest::addRow("%d", status) << Answer::Status(status);
     QTest::newRow("a page") << Answer::Status(200, "<html>Log in</html>");
     QTest::newRow("claims less") << Answer::ClaimingLength(1000);
@@ -104,24 +104,29 @@ void GatewayFailoverTest::ASickMirrorIsReplaced_data()
     QTest::newRow("no range at all") << Answer::ClaimingRange("nonsense");
     QTest::newRow("redirect to nowhere")
         << Answer::Redirect(ScriptedServer::RefusingUrl("/a").toLatin1());
-    QTest::newRow("redirect in a circle") << Answer::Redirect(c_ServerPath.toLatin1());
+    QTest::newRow("redirect in a circle") << Answer::Redirect("/game/files/1");
 }
 
 void GatewayFailoverTest::ASickMirrorIsReplaced()
 {
     QFETCH(Answer, answer);
-    // The good one is silent at first, so that the sick one is asked too.
-    Bench->Mirrors[1]->Script(c_Get).Then(Answer::SilentBeforeHeaders());
-    Bench->Mirrors[0]->Script(c_Get).Always(answer);
+    // Slow enough that the sick one is asked too.
+    Bench->Mirrors[1]->Script("GET *").Always(Answer::Drip(64 * 1024, 10));
+    Bench->Mirrors[0]->Script("GET *").Always(answer);
+    std::vector<PlannedFile> plan;
+    for (char const* const path : {"game/files/1", "game/files/2", "game/files/3"}) {
+        Bench->Serve(path, Bytes);
+        plan.push_back(Planned(path));
+    }
     Bench->Open();
-    DoorReader reader({Bench->ContentUrl(c_Path), "bytes=100-"});
-    QVERIFY(Becomes([&] { return Bench->Mirrors[0]->ScriptedAnswers(c_Get) > 0; }));
-    Bench->Mirrors[1]->OpenGate(c_ServerPath);
-    DoorReply const& reply = reader.Reply();
-    QVERIFY(reply.IsWhole);
-    QCOMPARE(reply.Status, 206);
-    QVERIFY(reply.Body == Bytes.mid(100));
-    QCOMPARE(Bench->Server->Count(c_ServerPath), 0);
+    Bench->Door->Plan(plan);
+    for (PlannedFile const& file : plan) {
+        DoorReply const reply = Bench->Content(QByteArray::fromStdString(file.Path));
+        QVERIFY(reply.IsWhole);
+        QVERIFY(reply.Body == Bytes);
+    }
+    QVERIFY(Bench->Mirrors[0]->ScriptedAnswers("GET *") > 0);
+    QCOMPARE(Bench->Server->Count("/game/files/1"), 0);
     for (auto const& server : Bench->Door->Snapshot().Servers)
         QCOMPARE(server.IsBehind, server.Name == Bench->Mirrors[0]->Host().toStdString());
 }
