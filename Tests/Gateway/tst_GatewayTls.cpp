@@ -65,9 +65,7 @@ std::unique_ptr<NginxServer> GatewayTlsTest::Start(Certificates::Pair const& p_P
                    "location /redirected/ { return 302 REDIRECT$request_uri; }\n"
                    "}\n";
     text.replace("CERTIFICATE", p_Pair.Certificate).replace("KEY", p_Pair.Key);
-    text.replace("FOLDER", Folder.path())
-        .replace("REDIRECT/", p_Redirect)
-        .replace("REDIRECT", p_Redirect.chopped(1));
+    text.replace("FOLDER", Folder.path()).replace("REDIRECT", p_Redirect.chopped(1));
     if (!WriteFile(file, text.toUtf8()))
         qFatal("the configuration cannot be written");
     return std::make_unique<NginxServer>(file);
