@@ -114,6 +114,9 @@ bool DoorServer::Listen()
     if (Port < 0)
         return false;
     Listener = std::thread([this] { Server.listen_after_bind(); });
+    // The library forgets a stop that comes before it listens.
+    while (!Server.is_running())
+        std::this_thread::yield();
     return true;
 }
 

@@ -44,7 +44,7 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<GatewayBench> Bench;
-    QByteArray const Bytes = LargeBytes(c_MiB);
+    QByteArray const Bytes = LargeBytes(200'000); // comes in one piece
 };
 
 void GatewayRetryTest::init()
