@@ -18,9 +18,13 @@ void DownloadPlan::Look(QString const& p_Folder)
     {
         QMutexLocker const lock(&Module.RunMutex);
         auto const& files = Module.FilesToDownload;
-        Mark mark;
-        if (!files.empty())
-            mark = {files.size(), Module.IsDownloadingBase, files.front().Path, files.back().Path};
+        qint32 const mode = Module.UISetting.Download.Mode;
+        bool const asksSizes = mode == Launcher::ApplicationUISetting::ModeAskingSizes;
+        if (files.empty() ||
+            !(asksSizes || mode == Launcher::ApplicationUISetting::ModeDownloading))
+            return; // nothing may be fetched before the game has quit
+        Mark const mark{files.size(), Module.IsDownloadingBase, asksSizes, files.front().Path,
+                        files.back().Path};
         if (mark == Last)
             return;
         Last = mark;
@@ -31,7 +35,7 @@ void DownloadPlan::Look(QString const& p_Folder)
     plan.reserve(entries.size());
     for (Launcher::ApplicationManifestFileEntry const& entry : entries)
         plan.push_back(Door.Planned(entry, p_Folder + entry.Path));
-    Door->Plan(std::move(plan));
+    Door->Plan(std::move(plan), Last.AsksSizes);
 }
 
 } // namespace Varnholt::Host

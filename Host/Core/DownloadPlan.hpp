@@ -21,16 +21,18 @@ public:
     void Forget() { Last = {}; }
 
 private:
-    /// What tells one list of a run from another; the texts share those of the list.
+    /// What tells one list of a run from another, and what for; the texts share those of the list.
     struct Mark {
         std::size_t Count = 0;
         bool IsBase = false;
+        bool AsksSizes = false;
         QString First;
         QString Latest;
 
         bool operator==(Mark const& p_Other) const
         {
-            return Count == p_Other.Count && IsBase == p_Other.IsBase && First == p_Other.First &&
+            return Count == p_Other.Count && IsBase == p_Other.IsBase &&
+                   AsksSizes == p_Other.AsksSizes && First == p_Other.First &&
                    Latest == p_Other.Latest;
         }
     };

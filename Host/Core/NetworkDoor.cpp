@@ -1,10 +1,10 @@
 #include "Host/Core/NetworkDoor.hpp"
 
-#include "Host/Core/DoorProxies.hpp"
 #include "Launcher/Application/ContentServer.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
+#include <QNetworkProxyFactory>
 #include <QUrl>
 
 #include <chrono>
@@ -16,6 +16,29 @@ namespace {
 constexpr char c_Variable[] = "VARNHOLT_CONTENT_BASE_URL";
 QString const c_DefaultServer = QStringLiteral("d/"); // below the door's address
 QString const c_Mirrors = QStringLiteral("m/");
+
+/// Reaches one port of this machine without a proxy, and everything else as before.
+class DirectWay : public QNetworkProxyFactory {
+public:
+    DirectWay(int p_Port, bool p_UsesSystem, QNetworkProxy const& p_Former)
+        : Port(p_Port)
+        , UsesSystem(p_UsesSystem)
+        , Former(p_Former)
+    {
+    }
+
+    QList<QNetworkProxy> queryProxy(QNetworkProxyQuery const& p_Query) override
+    {
+        if (p_Query.peerPort() == Port && p_Query.peerHostName() == QLatin1String("127.0.0.1"))
+            return {QNetworkProxy::NoProxy};
+        return UsesSystem ? systemProxyForQuery(p_Query) : QList<QNetworkProxy>{Former};
+    }
+
+private:
+    int Port;
+    bool UsesSystem;
+    QNetworkProxy Former;
+};
 
 /// What Qt asks a server for behind p_Base.
 std::string BehindBase(QString const& p_Base, QString const& p_Path)
@@ -68,6 +91,8 @@ Gateway::GatewayOptions OptionsOf(HostOptions const& p_Options, QUrl const& p_Se
 NetworkDoor::NetworkDoor(HostOptions const& p_Options, QString p_AppId)
     : AppId(std::move(p_AppId))
     , FormerUrl(Variable())
+    , UsedSystemProxies(QNetworkProxyFactory::usesSystemConfiguration())
+    , FormerProxy(QNetworkProxy::applicationProxy())
     , Server(ServerOf(p_Options).toString(QUrl::RemoveUserInfo))
     , Door(std::make_unique<Gateway::Gateway>(OptionsOf(p_Options, ServerOf(p_Options))))
     , Base(QString::fromStdString(Door->BaseUrl()))
@@ -75,7 +100,8 @@ NetworkDoor::NetworkDoor(HostOptions const& p_Options, QString p_AppId)
     if (!IsOpen())
         return;
     Announce();
-    DoorProxies::Install(QUrl(Base).port());
+    QNetworkProxyFactory::setApplicationProxyFactory(
+        new DirectWay(QUrl(Base).port(), UsedSystemProxies, FormerProxy));
 }
 
 NetworkDoor::~NetworkDoor()
@@ -84,7 +110,9 @@ NetworkDoor::~NetworkDoor()
     Door.reset(); // its threads read the environment
     if (!isAnnounced)
         return;
-    DoorProxies::Remove();
+    QNetworkProxy::setApplicationProxy(FormerProxy);
+    if (UsedSystemProxies)
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
     Withdraw();
 }
 

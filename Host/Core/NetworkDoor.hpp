@@ -5,6 +5,7 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QByteArray>
+#include <QNetworkProxy>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -26,7 +27,7 @@ public:
     static constexpr char c_HostList[] = "cdns.info";
 
     /// Opens the door: names it in the environment, where the module looks for its content server,
-    /// and keeps Qt from using a proxy for it.
+    /// and keeps Qt from using a proxy for it. A proxy factory of the application's own is lost.
     NetworkDoor(HostOptions const& p_Options, QString p_AppId);
     /// Takes all of that back. To be called after the end of the module.
     ~NetworkDoor();
@@ -77,6 +78,8 @@ private:
 
     QString AppId;
     std::optional<QByteArray> FormerUrl; ///< of the environment
+    bool UsedSystemProxies;              ///< the application, before
+    QNetworkProxy FormerProxy;
     QString Server;
     QObject Relay; ///< outlives the door's threads
     std::unique_ptr<Gateway::Gateway> Door;

@@ -65,6 +65,8 @@ void RunControl::Begin(RunRequest const& p_Request)
     OpenDoor();
     if (Request.Kind == RunRequest::Type::Uninstall && !Request.DeletesFiles)
         BeginUninstall();
+    else if (UsesKept && Kept.empty())
+        Fail(NothingKept());
     else if (Request.Kind == RunRequest::Type::Check && Request.Quick)
         AskForVersion();
     else
@@ -299,8 +301,7 @@ RunPhase RunControl::CurrentPhase() const
     if (CurrentStep == Step::Inspecting)
         return InspectionSnapshot().Phase;
     RunPhase const phase = CurrentStep == Step::Running ? Reader.Phase() : RunPhase::Connecting;
-    bool const waitsForDoor = phase == RunPhase::Connecting || phase == RunPhase::WaitingForHost ||
-                              phase == RunPhase::AskingSizes;
+    bool const waitsForDoor = phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes;
     return Paused && waitsForDoor ? RunPhase::Suspended : phase;
 }
 

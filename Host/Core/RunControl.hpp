@@ -80,6 +80,7 @@ private:
     void StartUp();
     void OnStartUpFailed(Failure const& p_Failure);
     Failure StartUpFailure() const;
+    Failure NothingKept() const;
     void NoticeHostList();
     void NoticeCopies();
     QString VersionFile() const;
@@ -153,7 +154,8 @@ private:
     std::size_t LastBehind = 0;     ///< servers that had fallen behind when the pass began
     OfflineCopies::Documents Kept;  ///< that the run may go on from
     bool MayUseKept = false;        ///< once the servers have failed
-    std::optional<QString> WhyKept; ///< the run goes on from them
+    bool UsesKept = false;          ///< no server is asked
+    std::optional<Failure> Missed;  ///< why, when they were to be asked
     std::set<QString> Told;
     RunSnapshot LastSnapshot;
     qint64 LastShown = 0;

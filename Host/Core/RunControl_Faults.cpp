@@ -110,7 +110,7 @@ Failure RunControl::LatestFailure() const
 
 void RunControl::NoticeRealmList()
 {
-    if (WhyKept)
+    if (UsesKept)
         return; // told already
     if (auto const problem = Context.Door.ProblemOf(QStringLiteral("realmlist.info")))
         NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")

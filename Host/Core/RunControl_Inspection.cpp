@@ -94,7 +94,7 @@ void RunControl::OnInspected()
                         .Explain(EntriesOf(Examiner->Findings())));
     if (Request.Kind == RunRequest::Type::Verify)
         return Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
-    if (WhyKept) // nobody is asked
+    if (UsesKept) // nobody is asked
         return TellUpdate();
     Survey =
         std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Folder(),

@@ -45,7 +45,7 @@ std::optional<Failure> RunControl::OfflinePreconditions() const
     if (!Context.Options.Offline || !needsServers)
         return std::nullopt;
     return Failure{FailureKind::OptionInvalid, QStringLiteral("offline"),
-                   QStringLiteral("used for what needs a server")};
+                   QStringLiteral("this command asks servers")};
 }
 
 /// Decides where the run learns of the build.
@@ -56,15 +56,14 @@ void RunControl::OpenDoor()
     bool const isEnoughToPlay =
         Request.Kind == RunRequest::Type::Play || Request.Kind == RunRequest::Type::Verify;
     Kept.clear();
-    WhyKept.reset();
+    Missed.reset();
     if (isEnoughToPlay || Context.Options.Offline)
         Kept = Context.Copies.Read();
-    MayUseKept = !Kept.empty() && !Context.Options.Offline;
-    if (Context.Options.Offline)
-        WhyKept = QStringLiteral("No server is asked");
-    Source const source = Context.Options.Offline ? Source::Copies
-                          : MayUseKept            ? Source::ServerOrCopies
-                                                  : Source::Server;
+    UsesKept = Context.Options.Offline;
+    MayUseKept = !Kept.empty() && !UsesKept;
+    Source const source = UsesKept     ? Source::Copies
+                          : MayUseKept ? Source::ServerOrCopies
+                                       : Source::Server;
     Context.Door->BeginRun(source, Kept);
 }
 
@@ -88,9 +87,10 @@ void RunControl::StartUp()
 void RunControl::OnStartUpFailed(Failure const& p_Failure)
 {
     if (!MayUseKept)
-        return Fail(p_Failure);
+        return Fail(Missed.value_or(p_Failure));
     MayUseKept = false;
-    WhyKept = p_Failure.Sentence();
+    UsesKept = true;
+    Missed = p_Failure;
     Context.Door->EndRun();
     AbandonReplies();
     DiscardQueue();
@@ -107,7 +107,7 @@ Failure RunControl::StartUpFailure() const
     if (auto const problem = door.ProblemOf(VersionFile()))
         return ExplainFetch(*problem);
     if (version == documents.end())
-        return LatestFailure();
+        return UsesKept ? NothingKept() : LatestFailure();
     auto const build = BuildIn(version->second);
     if (auto const fault = FaultOf(build, door.UrlOf(VersionFile())))
         return *fault;
@@ -116,12 +116,18 @@ Failure RunControl::StartUpFailure() const
     return DamagedDocument(door.UrlOf(ManifestFile(*build)));
 }
 
+Failure RunControl::NothingKept() const
+{
+    return {FailureKind::OfflineUnknown, Context.Module.GetName(),
+            QStringLiteral("%1 holds no build").arg(Context.Copies.Folder())};
+}
+
 /// Called when the build is known: the host list has been answered by then.
 void RunControl::NoticeHostList()
 {
     QString const noMirrors = QStringLiteral("%1; the files come from the default server.");
     auto const problem = Context.Door->ProblemOf(NetworkDoor::c_HostList);
-    if (!problem || WhyKept)
+    if (!problem || UsesKept)
         return;
     if (problem->Kind == Gateway::FetchProblem::Type::Unusable)
         NoticeOnce(noMirrors.arg(QStringLiteral("The list of mirrors is damaged")));
@@ -131,11 +137,14 @@ void RunControl::NoticeHostList()
 
 void RunControl::NoticeCopies()
 {
-    if (auto const problem = Context.Door->Snapshot().Copies; problem && !WhyKept)
-        WhyKept = ExplainFetch(*problem).Sentence();
-    if (WhyKept)
+    if (auto const problem = Context.Door->Snapshot().Copies; problem && !UsesKept) {
+        UsesKept = true;
+        Missed = ExplainFetch(*problem);
+    }
+    if (UsesKept)
         NoticeOnce(QStringLiteral("%1; going on with what is known of build %2.")
-                       .arg(*WhyKept, Result.Build));
+                       .arg(Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
+                            Result.Build));
 }
 
 /// A quick check: one small file, and no module.

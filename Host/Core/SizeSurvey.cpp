@@ -9,7 +9,7 @@
 namespace Varnholt::Host {
 
 SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door, QString p_Folder,
-                       std::chrono::milliseconds p_Patience)
+                       int p_Patience)
     : Files(std::move(p_Findings))
     , Door(p_Door)
     , Folder(std::move(p_Folder))
@@ -23,20 +23,22 @@ SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door,
         asked.push_back(file);
     }
     Door->AskSizes(std::move(asked));
+    SinceAnswer.start();
 }
 
 bool SizeSurvey::Look()
 {
+    std::size_t const before = Next;
     while (Next < Files.size() && Take(Files[Next]))
         ++Next;
-    if (Next == Files.size())
-        return true;
     auto const snapshot = Door->Snapshot();
-    if (!snapshot.GaveUp && !(snapshot.Waits && snapshot.Waits->Silent >= Patience))
-        return false;
-    for (std::size_t i = Next; i < Files.size(); ++i)
+    if (Next != before || snapshot.SizesKnown != Known)
+        SinceAnswer.start();
+    Known = snapshot.SizesKnown;
+    bool const isDone = Next == Files.size() || snapshot.GaveUp || SinceAnswer.hasExpired(Patience);
+    for (std::size_t i = 0; isDone && i < Files.size(); ++i)
         Take(Files[i]);
-    return true;
+    return isDone;
 }
 
 bool SizeSurvey::Take(FileFinding& p_Finding) const

@@ -3,7 +3,8 @@
 #include "Host/Core/FileFinding.hpp"
 #include "Host/Core/NetworkDoor.hpp"
 
-#include <chrono>
+#include <QElapsedTimer>
+
 #include <vector>
 
 namespace Varnholt::Host {
@@ -12,9 +13,9 @@ namespace Varnholt::Host {
 class SizeSurvey {
 public:
     /// \param p_Folder where the beginnings of files lie that need not be fetched again
-    /// \param p_Patience how long nothing at all may come
+    /// \param p_Patience milliseconds in which no answer at all may come
     SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door, QString p_Folder,
-               std::chrono::milliseconds p_Patience);
+               int p_Patience);
 
     /// Called once in each turn. \return true when no more answers are to be expected
     bool Look();
@@ -29,7 +30,9 @@ private:
     std::vector<FileFinding> Files;
     NetworkDoor& Door;
     QString Folder;
-    std::chrono::milliseconds Patience;
+    int Patience;
+    QElapsedTimer SinceAnswer;
+    quint32 Known = 0;
     std::size_t Next = 0; ///< all before it are answered
 };
 

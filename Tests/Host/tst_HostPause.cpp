@@ -44,6 +44,7 @@ private Q_SLOTS:
     void APauseAtTheEndOfAFileHolds();
     void QuickPausesAndContinuationsComeToTheEnd();
     void APauseWhileWaitingToTryAgainHolds();
+    void APausedRunHasNoRate();
     void APauseOfAPlayedGameDoesNotOutliveItsRun();
     void TheUsersSignalPausesAndContinues();
 
@@ -149,8 +150,7 @@ void HostPauseTest::APauseWithinAFileKeepsItsBytes()
     game.Session().Continue();
     QCOMPARE(game.End(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.Requests(game.Content.ServerPath(file)).back().Header("Range"),
-             QByteArray("bytes=5000-"));
+    QVERIFY(game.WasResumedAt(file, 5000));
     QVERIFY(!game.IsMarkedUnfinished());
 }
 
@@ -221,13 +221,32 @@ void HostPauseTest::APauseWhileWaitingToTryAgainHolds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Options.RetryPauseMilliseconds = 300;
-    game.Server.Script(game.Content.ServerPath("readme.txt"))
-        .Then(Answer::ClosedBeforeHeaders(), 2);
+    QString const path = game.Content.ServerPath("readme.txt");
+    game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return !game.Notices.isEmpty(); }));
+    QVERIFY(game.WaitUntil([&] { return game.HasWaitedFor("connection closed before the end"); }));
     game.Session().Pause();
+    HoldsFor(game);
+    game.Server.ClearScript(path);
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APausedRunHasNoRate()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const path = game.Content.ServerPath(c_Base);
+    game.Server.Script(path).Then(Answer::Normal());
+    game.Server.Script(path).Always(Answer::Drip(600, 10)); // a second at least
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitUntil([&] { return !game.Snapshots.empty() && game.Snapshots.back().Rate; }));
+    game.Session().Pause();
+    QVERIFY(game.WaitForPhase(RunPhase::Suspended));
+    QCOMPARE(game.Snapshots.back().Rate, quint64(0));
     HoldsFor(game);
     game.Session().Continue();
     QCOMPARE(game.End(), QString("done"));
@@ -265,7 +284,7 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
     Outcome const outcome = host.Finish();
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=20000-"));
+    QVERIFY(game.WasResumedAt(c_Base, 20000));
 }
 
 } // namespace Varnholt::TestSupport
