@@ -3,6 +3,7 @@
 #include "Host/Core/HostOptions.hpp"
 #include "Host/Core/RunRequest.hpp"
 
+#include <QMap>
 #include <QString>
 
 namespace Varnholt::Host {
@@ -27,11 +28,13 @@ struct Choice {
     HostOptions Options;
     QString ConfigKey;
     QString ConfigValue;
-    QString LogFile;             ///< absolute; empty: none
-    QString ColorName;           ///< empty when not given
-    bool IsChannelGiven = false; ///< whether `Options.UseDevChannel` is the user's word
-    bool Remembers = false;      ///< the password asked for is kept in the desktop's secret store
-    bool Forgets = false;        ///< the password kept there is removed
+    /// Options that can be kept, by name, as the command line or the environment gives them;
+    /// `Options` holds none of them until the settings were looked at.
+    QMap<QString, QString> Given;
+    QString LogFile; ///< absolute; empty: none
+    Color Colors = Color::Auto;
+    bool Remembers = false; ///< the password asked for is kept in the desktop's secret store
+    bool Forgets = false;   ///< the password kept there is removed
     bool Json = false;
     bool Quiet = false;
     bool Verbose = false;

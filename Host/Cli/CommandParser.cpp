@@ -4,6 +4,7 @@
 #include "Host/Core/ExitStatus.hpp"
 
 #include <QDir>
+#include <QVariant>
 
 namespace Varnholt::Host {
 
@@ -21,16 +22,27 @@ std::string WhyNotText(std::string const& p_Text)
     return p_Text.empty() ? "it is empty" : "";
 }
 
-std::string WhyNotServer(std::string const& p_Text)
-{
-    return HostOptions::IsContentUrl(Text(p_Text))
-               ? ""
-               : "\"" + p_Text + "\" is no server address like http://HOST[:PORT]/";
-}
-
 CLI::Validator NotEmpty()
 {
     return {WhyNotText, ""};
+}
+
+/// "limit-rate" is VARNHOLT_LIMIT_RATE.
+std::string VariableOf(KeptOption const& p_Option)
+{
+    QString const name = QString::fromLatin1(p_Option.Name).toUpper();
+    return "VARNHOLT_" + QString(name).replace(QLatin1Char('-'), QLatin1Char('_')).toStdString();
+}
+
+/// The help shows the choices behind the name of the value.
+CLI::Validator CheckOf(KeptOption const& p_Option)
+{
+    QString const choices = p_Option.Choices().join(QLatin1Char(','));
+    return {[p_Option](std::string const& p_Text) {
+                return p_Text.empty() ? WhyNotText(p_Text)
+                                      : p_Option.Fault(Text(p_Text)).toStdString();
+            },
+            choices.isEmpty() ? std::string() : '{' + choices.toStdString() + '}'};
 }
 
 std::string ExitStatuses()
@@ -82,10 +94,6 @@ CLI::App* CommandParser::Add(std::string const& p_Name, std::string const& p_Hel
 
 void CommandParser::AddOptions()
 {
-    Program.add_option("--module", Module, "Module to load (default: the one beside this program)")
-        ->check(NotEmpty())
-        ->envname("VARNHOLT_MODULE")
-        ->type_name("FILE");
     Program
         .add_option("--settings", Settings,
                     "Settings file of host and module (default: varnholt/host.ini in the "
@@ -93,29 +101,42 @@ void CommandParser::AddOptions()
         ->check(NotEmpty())
         ->envname("VARNHOLT_SETTINGS")
         ->type_name("FILE");
-    Program
-        .add_option("--content-url", ContentUrl,
-                    "Content server instead of the module's own, http://HOST[:PORT]/")
-        ->check(CLI::Validator(WhyNotServer, ""))
-        ->envname("VARNHOLT_CONTENT_URL")
-        ->type_name("URL");
-    DevChannelOption =
-        Program.add_flag("--dev-channel", DevChannel, "Use the build of the development channel")
-            ->envname("VARNHOLT_DEV_CHANNEL");
+    for (KeptOption const& option : KeptOption::All())
+        AddKeptOption(option);
+    RefusePassword();
     Program.add_flag("-y,--yes", Yes, "Answer every question with yes")->envname("VARNHOLT_YES");
     Program.add_flag("--json", Json, "Write one JSON object per line, for programs")
         ->envname("VARNHOLT_JSON");
     Program.add_flag("-q,--quiet", Quiet, "Show results and failures only")
         ->envname("VARNHOLT_QUIET");
     Program.add_flag("-v,--verbose", Verbose, "Show the module's log")->envname("VARNHOLT_VERBOSE");
-    Program.add_option("--log-file", LogFile, "Append the module's log to a file")
-        ->check(NotEmpty())
-        ->envname("VARNHOLT_LOG_FILE")
-        ->type_name("FILE");
-    Program.add_option("--color", Colors, "Colours: auto, always or never (default: auto)")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->envname("VARNHOLT_COLOR")
-        ->type_name("WHEN");
+}
+
+void CommandParser::AddKeptOption(KeptOption const& p_Option)
+{
+    Value& value = Kept.emplace_back();
+    value.Name = QString::fromLatin1(p_Option.Name);
+    std::string const name = std::string("--") + p_Option.Name;
+    if (p_Option.IsFlag())
+        value.Option = Program.add_flag(name, value.Flag, p_Option.Help);
+    else
+        value.Option = Program.add_option(name, value.Text, p_Option.Help)
+                           ->check(CheckOf(p_Option))
+                           ->type_name(p_Option.Takes);
+    value.Option->envname(VariableOf(p_Option));
+    if (p_Option.OfNetwork)
+        value.Option->group("Network options");
+}
+
+/// As an unknown option it would be told with its value.
+void CommandParser::RefusePassword()
+{
+    auto const refuse = [](std::string const&) {
+        throw CLI::ValidationError("--content-password",
+                                   "every user of the machine could read it there: "
+                                   "\"config content-password\" asks for it");
+    };
+    Program.add_option_function<std::string>("--content-password", refuse)->group("");
 }
 
 void CommandParser::AddRunCommands()
@@ -137,8 +158,14 @@ void CommandParser::AddRunCommands()
         ->required()
         ->check(NotEmpty())
         ->type_name("DIR");
-    Add("check", "Show what an update would fetch, and why; changes nothing", "check",
-        run(RunRequest::Type::Check));
+    Add("check", "Show what an update would fetch, and why; changes nothing", "check --quick",
+        [this](Choice& p_Choice) {
+            p_Choice.Request.Kind = RunRequest::Type::Check;
+            p_Choice.Request.Quick = Quick;
+        })
+        ->add_flag("--quick", Quick,
+                   "Compare the build with the installed one only: one small request")
+        ->envname("VARNHOLT_QUICK");
     Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
     Add("repair", "Compare every file with the build, and fetch what differs", "repair",
         run(RunRequest::Type::Repair));
@@ -217,7 +244,8 @@ void CommandParser::AddControlCommands()
             });
     config
         ->add_option("key", ConfigKey,
-                     "One of: " + ConfigCommand::Keys().join(QStringLiteral(", ")).toStdString())
+                     "One of: " + ConfigCommand::Keys().join(QStringLiteral(", ")).toStdString() +
+                         "; content-password is asked for, or read from standard input")
         ->type_name("KEY");
     ConfigValueOption =
         config->add_option("value", ConfigValue, "The new value; an empty one removes it")
@@ -242,14 +270,13 @@ Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
     for (Command const& command : Commands)
         if (command.App->parsed())
             command.Choose(choice);
-    choice.Options.ModuleFile = Absolute(Module);
+    for (Value const& value : Kept)
+        if (value.Option->count() > 0)
+            choice.Given[value.Name] = value.Text.empty()
+                                           ? QVariant(value.Flag).toString() // "true" or "false"
+                                           : Text(value.Text);
     choice.Options.SettingsFile = Absolute(Settings);
-    choice.Options.ContentUrl = Text(ContentUrl);
-    choice.Options.UseDevChannel = DevChannel;
-    choice.IsChannelGiven = DevChannelOption->count() > 0;
     choice.Request.Confirmed = Yes;
-    choice.ColorName = Text(Colors);
-    choice.LogFile = Absolute(LogFile);
     choice.Json = Json;
     choice.Quiet = Quiet;
     choice.Verbose = Verbose;

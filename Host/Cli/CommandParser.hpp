@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Host/Cli/Choice.hpp"
+#include "Host/Cli/KeptOption.hpp"
 
 #include <CLI/CLI.hpp>
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
@@ -33,9 +35,19 @@ private:
         std::function<void(Choice&)> Choose;
     };
 
+    /// A place for the value of an option.
+    struct Value {
+        QString Name;
+        CLI::Option* Option = nullptr;
+        std::string Text;
+        bool Flag = false;
+    };
+
     CLI::App* Add(std::string const& p_Name, std::string const& p_Help,
                   std::string const& p_Example, std::function<void(Choice&)> p_Choose);
     void AddOptions();
+    void AddKeptOption(KeptOption const& p_Option);
+    void RefusePassword();
     void AddRunCommands();
     void AddLocaleCommands();
     void AddGameCommands();
@@ -43,11 +55,11 @@ private:
 
     CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
     std::vector<Command> Commands;
-    std::string Module, Settings, ContentUrl, Folder, Code, Account, Colors, LogFile;
+    std::deque<Value> Kept; ///< the parser holds on to their places
+    std::string Settings, Folder, Code, Account;
     std::string ConfigKey, ConfigValue;
     CLI::Option* ConfigValueOption = nullptr;
-    CLI::Option* DevChannelOption = nullptr;
-    bool DevChannel = false, Yes = false, Json = false, Quiet = false, Verbose = false;
+    bool Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;
     bool DeletesFiles = false, Remembers = false, Forgets = false;
 };
 

@@ -1,6 +1,6 @@
 #include "Host/Cli/ConfigCommand.hpp"
 
-#include "Host/Core/HostOptions.hpp"
+#include "Host/Cli/KeptOption.hpp"
 
 #include <QDir>
 
@@ -12,39 +12,62 @@ namespace {
 
 QString StoreKey(QString const& p_Key)
 {
-    return QStringLiteral("options/") + p_Key;
+    return p_Key == QLatin1String(c_Password) ? QLatin1String(HostSettings::c_PasswordKey)
+                                              : QStringLiteral("options/") + p_Key;
 }
 
-bool IsFile(QString const& p_Key)
+/// None for the password.
+std::optional<KeptOption> OptionOf(QString const& p_Key)
 {
-    return p_Key == QLatin1String("module") || p_Key == QLatin1String("log-file");
+    for (KeptOption const& option : KeptOption::All())
+        if (p_Key == QLatin1String(option.Name))
+            return option;
+    return std::nullopt;
+}
+
+std::optional<Failure> FaultOf(QString const& p_Key, QString const& p_Value)
+{
+    auto const option = OptionOf(p_Key);
+    QString const why = option && !p_Value.isEmpty() ? option->Fault(p_Value) : QString();
+    if (why.isEmpty())
+        return std::nullopt;
+    return Failure{FailureKind::OptionInvalid, p_Key, why};
 }
 
 /// A name is meant in the folder in which it is given, not in that of a later run.
-QString Absolute(QString const& p_Name)
+QString ToKeep(QString const& p_Key, QString const& p_Value)
 {
-    return QDir::cleanPath(QDir::current().absoluteFilePath(p_Name));
+    auto const option = OptionOf(p_Key);
+    return option && option->IsFile() ? QDir::cleanPath(QDir::current().absoluteFilePath(p_Value))
+                                      : p_Value;
 }
 
-bool IsValid(QString const& p_Key, QString const& p_Value)
+/// The variable that the module reads by itself stands above the settings too.
+bool IsGivenOtherwise(KeptOption const& p_Option)
 {
-    if (p_Key == QLatin1String("content-url"))
-        return HostOptions::IsContentUrl(p_Value);
-    if (p_Key == QLatin1String("color"))
-        return QStringList{QStringLiteral("auto"), QStringLiteral("always"),
-                           QStringLiteral("never")}
-            .contains(p_Value);
-    if (p_Key == QLatin1String("dev-channel"))
-        return QStringList{QStringLiteral("true"), QStringLiteral("false")}.contains(p_Value);
-    return true;
+    return QLatin1String(p_Option.Name) == QLatin1String("content-url") &&
+           !qEnvironmentVariableIsEmpty("VARNHOLT_CONTENT_BASE_URL");
+}
+
+/// Of the content server. The environment is the game's too, to which it is no use.
+QString Password(HostSettings const& p_Settings)
+{
+    constexpr char c_Variable[] = "VARNHOLT_CONTENT_PASSWORD";
+
+    QString const password = qEnvironmentVariable(c_Variable);
+    qunsetenv(c_Variable);
+    return password.isEmpty() ? Value(p_Settings, QLatin1String(c_Password)) : password;
 }
 
 } // namespace
 
 QStringList Keys()
 {
-    return {QStringLiteral("module"), QStringLiteral("content-url"), QStringLiteral("dev-channel"),
-            QStringLiteral("log-file"), QStringLiteral("color")};
+    QStringList keys;
+    for (KeptOption const& option : KeptOption::All())
+        keys += QLatin1String(option.Name);
+    keys.insert(keys.indexOf(QStringLiteral("content-user")) + 1, QLatin1String(c_Password));
+    return keys;
 }
 
 QString Value(HostSettings const& p_Settings, QString const& p_Key)
@@ -52,22 +75,22 @@ QString Value(HostSettings const& p_Settings, QString const& p_Key)
     return p_Settings.Value(StoreKey(p_Key)).toString();
 }
 
-bool Flag(HostSettings const& p_Settings, QString const& p_Key)
+QString Shown(HostSettings const& p_Settings, QString const& p_Key)
 {
-    return Value(p_Settings, p_Key) == QLatin1String("true");
+    QString const value = Value(p_Settings, p_Key);
+    return p_Key == QLatin1String(c_Password) && !value.isEmpty() ? QStringLiteral("(set)") : value;
 }
 
 std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QString const& p_Value)
 {
     if (!Keys().contains(p_Key))
         return Failure{FailureKind::OptionUnknown, p_Key, Keys().join(QStringLiteral(", "))};
-    if (!p_Value.isEmpty() && !IsValid(p_Key, p_Value))
-        return Failure{FailureKind::OptionInvalid, p_Key,
-                       QLatin1Char('"') + p_Value + QLatin1Char('"')};
+    if (auto const fault = FaultOf(p_Key, p_Value))
+        return fault;
     if (p_Value.isEmpty())
         p_Settings.Remove(StoreKey(p_Key));
     else
-        p_Settings.SetValue(StoreKey(p_Key), IsFile(p_Key) ? Absolute(p_Value) : p_Value);
+        p_Settings.SetValue(StoreKey(p_Key), ToKeep(p_Key, p_Value));
     if (!p_Settings.Flush())
         return Failure{FailureKind::SettingsUnwritable, p_Settings.File(), {}};
     return std::nullopt;
@@ -81,6 +104,26 @@ QStringList SetKeys(HostSettings const& p_Settings)
                        [&](QString const& p_Key) { return Value(p_Settings, p_Key).isEmpty(); }),
         keys.end());
     return keys;
+}
+
+std::optional<Failure> Complete(Choice& p_Choice, HostSettings const& p_Settings)
+{
+    std::optional<Failure> failure;
+    for (KeptOption const& option : KeptOption::All()) {
+        QString const name = QLatin1String(option.Name);
+        QString text = p_Choice.Given.value(name);
+        if (text.isEmpty() && !IsGivenOtherwise(option)) {
+            auto const fault = FaultOf(name, Value(p_Settings, name));
+            if (!fault)
+                text = Value(p_Settings, name);
+            else if (!failure)
+                failure = fault;
+        }
+        if (!text.isEmpty())
+            option.Apply(p_Choice, text);
+    }
+    p_Choice.Options.ContentPassword = Password(p_Settings);
+    return failure;
 }
 
 } // namespace Varnholt::Host::ConfigCommand

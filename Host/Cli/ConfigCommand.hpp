@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Cli/Choice.hpp"
 #include "Host/Core/Failure.hpp"
 #include "Host/Core/HostSettings.hpp"
 
@@ -9,19 +10,25 @@
 #include <optional>
 
 /// The options that a settings file keeps, for when neither the command line nor the environment
-/// gives them.
+/// gives them: those of `KeptOption`, and the password of the content server.
 namespace Varnholt::Host::ConfigCommand {
+
+constexpr char c_Password[] = "content-password";
 
 /// "content-url", "dev-channel" and so on.
 QStringList Keys();
 /// Empty when it is not set.
 QString Value(HostSettings const& p_Settings, QString const& p_Key);
-/// True when it is set to "true".
-bool Flag(HostSettings const& p_Settings, QString const& p_Key);
+/// The value for people: of a password only that there is one.
+QString Shown(HostSettings const& p_Settings, QString const& p_Key);
 
 /// \param p_Value an empty one removes the key
 std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QString const& p_Value);
 /// The keys that are set.
 QStringList SetKeys(HostSettings const& p_Settings);
+
+/// Fills in what is kept, where neither the command line nor the environment gives anything.
+/// \return the first value kept that is none; the option then stays as it was
+std::optional<Failure> Complete(Choice& p_Choice, HostSettings const& p_Settings);
 
 } // namespace Varnholt::Host::ConfigCommand

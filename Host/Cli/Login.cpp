@@ -3,18 +3,17 @@
 #include "Host/Cli/PasswordStore.hpp"
 #include "Host/Cli/Prompt.hpp"
 #include "Host/Cli/SignalWatch.hpp"
-#include "Launcher/Application/ContentServer.hpp"
 
 #include <QCryptographicHash>
 
 namespace Varnholt::Host {
 
-Login::Login(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Output)
+Login::Login(Choice const& p_Choice, QString const& p_Server, HostSettings& p_Settings,
+             Presenter& p_Output)
     : Chosen(p_Choice)
     , Settings(p_Settings)
     , Output(p_Output)
-    , Key(QStringLiteral("%1 at %2")
-              .arg(p_Choice.Request.Argument, Launcher::DefaultContentBaseUrl()))
+    , Key(QStringLiteral("%1 at %2").arg(p_Choice.Request.Argument, p_Server))
     , Mark(QStringLiteral("remembered/") +
            QString::fromLatin1(
                QCryptographicHash::hash(Key.toUtf8(), QCryptographicHash::Sha256).toHex()))

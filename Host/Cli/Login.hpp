@@ -15,7 +15,9 @@ namespace Varnholt::Host {
 /// not, as it may ask the user to unlock it.
 class Login {
 public:
-    Login(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Output);
+    /// \param p_Server base address of the content server
+    Login(Choice const& p_Choice, QString const& p_Server, HostSettings& p_Settings,
+          Presenter& p_Output);
 
     /// \return the password; empty when there is none, or when the program is told to end
     QString Password();

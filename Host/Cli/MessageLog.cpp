@@ -14,6 +14,7 @@ namespace {
 /// What the handler, a plain function, works with.
 struct Sink {
     Console* Output = nullptr;
+    std::shared_ptr<AddressNames const> Names;
     bool Verbose = false;
     QMutex FileMutex;
     QFile File;
@@ -24,7 +25,8 @@ Sink g_Sink;
 void Handle(QtMsgType p_Type, QMessageLogContext const& p_Context, QString const& p_Text)
 {
     QString const line = QStringLiteral("[%1] %2").arg(
-        QLatin1String(p_Context.category == nullptr ? "default" : p_Context.category), p_Text);
+        QLatin1String(p_Context.category == nullptr ? "default" : p_Context.category),
+        g_Sink.Names->Replace(p_Text));
     {
         QMutexLocker const lock(&g_Sink.FileMutex);
         if (g_Sink.File.isOpen()) {
@@ -39,10 +41,12 @@ void Handle(QtMsgType p_Type, QMessageLogContext const& p_Context, QString const
 
 } // namespace
 
-MessageLog::MessageLog(Console& p_Console, bool p_Verbose, QString const& p_File)
+MessageLog::MessageLog(Console& p_Console, bool p_Verbose, QString const& p_File,
+                       std::shared_ptr<AddressNames const> p_Names)
     : Former(qInstallMessageHandler(nullptr))
 {
     g_Sink.Output = &p_Console;
+    g_Sink.Names = std::move(p_Names);
     g_Sink.Verbose = p_Verbose;
     g_Sink.File.setFileName(p_File);
     if (!p_File.isEmpty() && !g_Sink.File.open(QIODevice::WriteOnly | QIODevice::Append))

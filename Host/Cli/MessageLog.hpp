@@ -1,7 +1,11 @@
 #pragma once
 
+#include "Host/Core/AddressNames.hpp"
+
 #include <QString>
 #include <QtGlobal>
+
+#include <memory>
 
 namespace Varnholt::Host {
 
@@ -13,7 +17,9 @@ class MessageLog {
 public:
     /// \param p_Verbose show everything; otherwise only what ends the program
     /// \param p_File everything is appended to it, with the time; empty: to none
-    MessageLog(Console& p_Console, bool p_Verbose, QString const& p_File);
+    /// \param p_Names what stands for addresses in what is shown and written
+    MessageLog(Console& p_Console, bool p_Verbose, QString const& p_File,
+               std::shared_ptr<AddressNames const> p_Names);
     ~MessageLog();
     MessageLog(MessageLog const&) = delete;
     MessageLog& operator=(MessageLog const&) = delete;

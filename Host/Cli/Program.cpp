@@ -2,6 +2,7 @@
 
 #include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
+#include "Host/Core/ByteText.hpp"
 
 #include <QCoreApplication>
 
@@ -17,6 +18,7 @@ Program::Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
     , Settings(p_Settings)
     , Output(p_Output)
+    , Server(Chosen.Options.ContentServer())
 {
     connect(&Signals, &SignalWatch::EndRequested, this, &Program::OnEndRequested);
     connect(&Signals, &SignalWatch::ToggleRequested, this, &Program::OnToggleRequested);
@@ -74,7 +76,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
 {
     RunRequest& request = Chosen.Request;
     if (request.Kind == RunRequest::Type::Play) {
-        request.Password = Login(Chosen, Settings, Output).Password();
+        request.Password = Login(Chosen, Server, Settings, Output).Password();
         if (SignalWatch::IsEndRequested()) {
             Quit(c_InterruptedStatus);
             return false;
@@ -110,11 +112,20 @@ void Program::StartRun()
 void Program::Listen()
 {
     Control = std::make_unique<ControlSocket>(Chosen.Options.SettingsFile);
-    connect(Control.get(), &ControlSocket::Received, this, [this](ControlSocket::Word p_Word) {
-        SetPaused(p_Word == ControlSocket::Word::Pause);
-    });
+    connect(Control.get(), &ControlSocket::Received, this, &Program::OnMessage);
     if (!Control->Listen())
         Control.reset(); // another run has it, and will tell about the folder that it holds
+}
+
+void Program::OnMessage(ControlMessage const& p_Message)
+{
+    if (p_Message.Kind != ControlMessage::Type::LimitRate)
+        return SetPaused(p_Message.Kind == ControlMessage::Type::Pause);
+    Session->SetRateLimit(p_Message.BytesPerSecond);
+    Output.ShowNotice(p_Message.BytesPerSecond == 0
+                          ? QStringLiteral("The download is no longer limited.")
+                          : QStringLiteral("The download is now limited to %1/s.")
+                                .arg(ByteText(p_Message.BytesPerSecond)));
 }
 
 void Program::OnEnded(RunResult const& p_Result)

@@ -31,8 +31,9 @@ private:
     /// Asks what must be asked; false when the program has come to its end with that.
     bool AskUser(InstallStatus const& p_Status);
     void StartRun();
-    /// Takes words from other programs while a download is under way.
+    /// Takes messages from other programs while a download is under way.
     void Listen();
+    void OnMessage(ControlMessage const& p_Message);
     void SetPaused(bool p_Paused);
     void Fail(Failure const& p_Failure);
     void Quit(int p_Status);
@@ -40,6 +41,7 @@ private:
     Choice Chosen;
     HostSettings& Settings;
     Presenter& Output;
+    QString const Server; ///< that the game's account is of
     SignalWatch Signals;
     std::unique_ptr<HostSession> Session;
     std::unique_ptr<ControlSocket> Control;

@@ -10,11 +10,34 @@ namespace Varnholt::Host {
 namespace {
 
 constexpr int c_WaitMilliseconds = 3'000;
-constexpr int c_LongestWord = 16;
+constexpr int c_LongestLine = 32;
+constexpr char c_Limit[] = "limit ";
 
-QByteArray Text(ControlSocket::Word p_Word)
+QByteArray LineOf(ControlMessage const& p_Message)
 {
-    return p_Word == ControlSocket::Word::Pause ? "pause\n" : "resume\n";
+    switch (p_Message.Kind) {
+    case ControlMessage::Type::Pause:
+        return "pause\n";
+    case ControlMessage::Type::Resume:
+        return "resume\n";
+    case ControlMessage::Type::LimitRate:
+        break;
+    }
+    return c_Limit + QByteArray::number(p_Message.BytesPerSecond) + '\n';
+}
+
+/// \return none when the line is no message
+std::optional<ControlMessage> MessageOf(QByteArray const& p_Line)
+{
+    ControlMessage message;
+    if (p_Line.startsWith(c_Limit)) {
+        message.Kind = ControlMessage::Type::LimitRate;
+        message.BytesPerSecond = p_Line.mid(qstrlen(c_Limit)).chopped(1).toULongLong();
+    } else if (p_Line.startsWith('r')) {
+        message.Kind = ControlMessage::Type::Resume;
+    }
+    // Only the one way to write it: numbers are read with signs and blanks too.
+    return LineOf(message) == p_Line ? std::optional(message) : std::nullopt;
 }
 
 } // namespace
@@ -62,29 +85,26 @@ void ControlSocket::OnConnection()
 void ControlSocket::Answer(QLocalSocket& p_Client)
 {
     if (!p_Client.canReadLine()) {
-        if (p_Client.bytesAvailable() > c_LongestWord)
+        if (p_Client.bytesAvailable() > c_LongestLine)
             p_Client.abort();
         return;
     }
-    QByteArray const line = p_Client.readLine(c_LongestWord);
-    bool known = false;
-    for (Word const word : {Word::Pause, Word::Resume})
-        if (line == Text(word)) {
-            known = true;
-            Q_EMIT Received(word);
-        }
-    p_Client.write(known ? "ok\n" : "unknown\n");
+    auto const message = MessageOf(p_Client.readLine(c_LongestLine));
+    if (message)
+        Q_EMIT Received(*message);
+    p_Client.write(message ? "ok\n" : "unknown\n");
     p_Client.disconnectFromServer();
 }
 
-std::optional<Failure> ControlSocket::Send(QString const& p_SettingsFile, Word p_Word)
+std::optional<Failure> ControlSocket::Send(QString const& p_SettingsFile,
+                                           ControlMessage const& p_Message)
 {
     Failure const nobody{FailureKind::NothingRunning, p_SettingsFile, {}};
     QLocalSocket socket;
     socket.connectToServer(Name(p_SettingsFile));
     if (!socket.waitForConnected(c_WaitMilliseconds))
         return nobody;
-    socket.write(Text(p_Word));
+    socket.write(LineOf(p_Message));
     while (!socket.canReadLine() && socket.waitForReadyRead(c_WaitMilliseconds))
         continue;
     return socket.readLine() == "ok\n" ? std::nullopt : std::optional<Failure>(nobody);

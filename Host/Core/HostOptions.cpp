@@ -1,5 +1,8 @@
 #include "Host/Core/HostOptions.hpp"
 
+#include "Launcher/Application/ContentServer.hpp"
+#include "Launcher/Helper/Paths.hpp"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QStandardPaths>
@@ -22,6 +25,12 @@ constexpr char c_ModuleName[] = "/libPelmora.so";
 #endif
 
 } // namespace
+
+QString HostOptions::ContentServer() const
+{
+    return ContentUrl.isEmpty() ? Launcher::DefaultContentBaseUrl()
+                                : Launcher::Helper::Paths::WithSlash(ContentUrl);
+}
 
 QString HostOptions::DefaultModuleFile()
 {

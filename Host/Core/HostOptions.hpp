@@ -1,8 +1,11 @@
 #pragma once
 
+#include "Host/Core/AddressNames.hpp"
+
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 namespace Varnholt::Host {
 
@@ -26,10 +29,16 @@ struct HostOptions {
     int RetryPauseMilliseconds = 500;   ///< before a server is asked again; doubles each time
     int RetryForMilliseconds = 600'000; ///< without a byte; 0: for ever
     int CopyDelayMilliseconds = 2'000;  ///< how long `play` and `verify` wait for a server
+    /// What people know addresses by that only this process knows. The session fills it.
+    std::shared_ptr<AddressNames> Names = std::make_shared<AddressNames>();
     /// Bytes that may still be written to the volume of a path. Module thread.
     std::function<qint64(QString const&)> FreeBytes = VolumeFreeBytes;
     /// Returns when what was written to the volume of a path is on its medium. Module thread.
     std::function<void(QString const&)> Flush = FlushVolume;
+
+    /// Base address of the content server in use, ends in "/": `ContentUrl`, or the module's own.
+    /// Asked before there is a session, which leads the module elsewhere.
+    QString ContentServer() const;
 
     /// The module that was built or installed with the program.
     static QString DefaultModuleFile();

@@ -9,10 +9,13 @@
 #include <QMutexLocker>
 
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace Varnholt::Host {
 
 namespace {
+
+using Values = QMap<QString, QVariant>;
 
 QString const c_LockSuffix = QStringLiteral(".lock"); // the settings class's own
 
@@ -32,7 +35,7 @@ QString TargetOf(QString const& p_File)
     return file.isSymbolicLink() && file.exists() ? file.canonicalFilePath() : p_File;
 }
 
-void WriteAll(QString const& p_File, QMap<QString, QVariant> const& p_Values)
+void WriteAll(QString const& p_File, Values const& p_Values)
 {
     if (p_Values.isEmpty()) { // of nothing the class makes no file
         QFile(p_File).open(QIODevice::WriteOnly);
@@ -44,7 +47,18 @@ void WriteAll(QString const& p_File, QMap<QString, QVariant> const& p_Values)
         writer.setValue(row.key(), row.value());
 }
 
-bool Holds(QString const& p_File, QMap<QString, QVariant> const& p_Values)
+/// The old file's mode stays, unless it would show a password to others.
+/// \return false when it does
+bool SetMode(QString const& p_File, QString const& p_Target, Values const& p_Values)
+{
+    if (p_Values.contains(QLatin1String(HostSettings::c_PasswordKey)))
+        return QFile::setPermissions(p_File, QFile::ReadOwner | QFile::WriteOwner);
+    if (QFile::exists(p_Target))
+        QFile::setPermissions(p_File, QFile::permissions(p_Target));
+    return true;
+}
+
+bool Holds(QString const& p_File, Values const& p_Values)
 {
     QSettings reader(p_File, QSettings::IniFormat);
     reader.setIniCodec("UTF-8");
@@ -52,6 +66,19 @@ bool Holds(QString const& p_File, QMap<QString, QVariant> const& p_Values)
         if (reader.value(row.key()) != row.value())
             return false;
     return reader.allKeys().size() == p_Values.size();
+}
+
+/// Writes the values within the folder, then puts their file in the place of the target.
+bool Replace(QString const& p_Target, QString const& p_Folder, Values const& p_Values)
+{
+    QString const fresh = p_Folder + QStringLiteral("/fresh");
+    QString const checked = p_Folder + QStringLiteral("/checked");
+    WriteAll(fresh, p_Values);
+    // Under its own name it would not be read again.
+    return QFile::rename(fresh, checked) && Holds(checked, p_Values) &&
+           SetMode(checked, p_Target, p_Values) &&
+           std::rename(QFile::encodeName(checked).constData(),
+                       QFile::encodeName(p_Target).constData()) == 0;
 }
 
 } // namespace
@@ -130,21 +157,15 @@ bool HostSettings::Write()
     Store.sync(); // what other programs have written
     if (Store.status() != QSettings::NoError)
         return false;
-    Values const values = Merged();
-    QString const fresh = target + QStringLiteral(".varnholt-new");
-    QString const checked = target + QStringLiteral(".varnholt-checked");
-    for (QString const& left : {fresh, fresh + c_LockSuffix, checked})
-        QFile::remove(left); // by one that was killed
-    WriteAll(fresh, values);
-    // Under its own name it would not be read again.
-    bool const isRight = QFile::rename(fresh, checked) && Holds(checked, values);
-    if (isRight && QFile::exists(target))
-        QFile::setPermissions(checked, QFile::permissions(target));
-    if (!isRight || std::rename(QFile::encodeName(checked).constData(),
-                                QFile::encodeName(target).constData()) != 0) {
-        QFile::remove(checked);
+    // Nobody else enters the folder: the settings class makes its files readable at first.
+    QString const folder = target + QStringLiteral(".varnholt-new");
+    QFile::remove(folder);            // not what a link leads to
+    QDir(folder).removeRecursively(); // by one that was killed
+    bool const isWritten = ::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0 &&
+                           Replace(target, folder, Merged());
+    QDir(folder).removeRecursively();
+    if (!isWritten)
         return false;
-    }
     Held.clear();
     Store.sync();
     return true;

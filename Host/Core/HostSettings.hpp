@@ -12,6 +12,9 @@ namespace Varnholt::Host {
 /// The settings store of host and module, an INI file. All operations from any thread.
 class HostSettings {
 public:
+    /// Where a password is kept. A file with it is its owner's alone, whatever its mode was.
+    static constexpr char c_PasswordKey[] = "options/content-password";
+
     /// \param p_File absolute; its folder is created
     explicit HostSettings(QString const& p_File);
     /// Writes what has not found room until now.

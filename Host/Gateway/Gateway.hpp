@@ -76,8 +76,9 @@ public:
     Documents Fetched() const;
 
     /// The files in the order in which they will be asked for. Their sizes are asked for at once,
-    /// their content ahead of the module, as far as memory allows.
-    void Plan(std::vector<PlannedFile> p_Files);
+    /// their content is fetched ahead of the module, as far as memory allows. \param p_SizesFirst
+    /// the module asks for sizes now, by requests that it drops: they get no content
+    void Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst = false);
     /// Asks for sizes only.
     void AskSizes(std::vector<PlannedFile> p_Files);
     /// None when it is not known (yet).

@@ -101,7 +101,8 @@ ProgramModel HostModel()
     model.Version = Text(program.version());
     model.Help = Text(program.get_description());
     for (CLI::Option const* const option : program.get_options())
-        model.Options += OptionOf(*option);
+        if (!option->get_group().empty()) // the help shows no other
+            model.Options += OptionOf(*option);
     for (CLI::App const* const app :
          program.get_subcommands([](CLI::App const*) { return true; })) {
         model.Commands += CommandOf(*app);

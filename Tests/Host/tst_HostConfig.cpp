@@ -26,6 +26,7 @@ private Q_SLOTS:
     void SettingsThatCannotBeWrittenAreNamed();
 
     void KeptOptionsAreUsed();
+    void AValueKeptThatIsNoneCanBeTakenAway();
 
 private:
     Outcome Run(QStringList const& p_Arguments) const
@@ -45,16 +46,23 @@ void HostConfigTest::AnOptionIsKeptShownAndRemoved_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("value");
-    QTest::newRow("module") << "module"
-                            << "/somewhere/a, b/libÉté.so";
-    QTest::newRow("content-url") << "content-url"
-                                 << "http://content.example:81/a/";
-    QTest::newRow("dev-channel") << "dev-channel"
-                                 << "true";
-    QTest::newRow("log-file") << "log-file"
-                              << "/somewhere/=;#.log";
-    QTest::newRow("color") << "color"
-                           << "always";
+    auto const row = [](char const* p_Key, QString const& p_Value) {
+        QTest::newRow(p_Key) << p_Key << p_Value;
+    };
+    row("module", "/somewhere/a, b/libÉté.so");
+    row("content-url", "http://content.example:81/a/");
+    row("content-user", "ann@example.net, \"Ann\"");
+    row("netrc-file", "/etc/passwd");
+    row("limit-rate", "1.5MiB");
+    row("connections", "8");
+    row("retry-for", "2h");
+    row("connect-timeout", "0.5");
+    row("proxy", "socks5h://[::1]:1080");
+    row("https-mirrors", "true");
+    row("offline", "false");
+    row("dev-channel", "true");
+    row("log-file", "/somewhere/=;#.log");
+    row("color", "always");
 }
 
 void HostConfigTest::AnOptionIsKeptShownAndRemoved()
@@ -78,10 +86,13 @@ void HostConfigTest::TheListHoldsWhatIsSet()
     QCOMPARE(Config({}), QString());
     QCOMPARE(Config({"color", "never"}), QString());
     QCOMPARE(Config({"content-url", "http://content.example/"}), QString());
-    QCOMPARE(Config({}), QString("content-url=http://content.example/\ncolor=never\n"));
+    QCOMPARE(Config({"limit-rate", "500k"}), QString());
+    QCOMPARE(Config({}),
+             QString("content-url=http://content.example/\nlimit-rate=500k\ncolor=never\n"));
     JsonReport const report(Run({"--json", "config"}).Out);
-    QCOMPARE(report.Texts("option", "key"), (QStringList{"content-url", "color"}));
-    QCOMPARE(report.Texts("option", "value"), (QStringList{"http://content.example/", "never"}));
+    QCOMPARE(report.Texts("option", "key"), (QStringList{"content-url", "limit-rate", "color"}));
+    QCOMPARE(report.Texts("option", "value"),
+             (QStringList{"http://content.example/", "500k", "never"}));
 }
 
 void HostConfigTest::FileNamesAreKeptAbsolute()
@@ -90,6 +101,11 @@ void HostConfigTest::FileNamesAreKeptAbsolute()
     QCOMPARE(Config({"module"}), Game->Base + "mine.so\n");
     QCOMPARE(Config({"log-file", "mine.log"}), QString());
     QCOMPARE(Config({"log-file"}), Game->Base + "mine.log\n");
+    QVERIFY(WriteFile(Game->Base + "mine.pem", "-----BEGIN CERTIFICATE-----\n"));
+    for (char const* const key : {"ca-file", "netrc-file"}) {
+        QCOMPARE(Config({key, "mine.pem"}), QString());
+        QCOMPARE(Config({key}), Game->Base + "mine.pem\n");
+    }
 }
 
 void HostConfigTest::AnUnknownKeyIsRefused()
@@ -120,6 +136,14 @@ void HostConfigTest::ABadValueIsRefused_data()
     row("dev-channel", "maybe");
     row("dev-channel", "TRUE");
     row("color", "pink");
+    row("limit-rate", "fast");
+    row("connections", "0");
+    row("retry-for", "soon");
+    row("connect-timeout", "0s");
+    row("ca-file", "/no such file");
+    row("ca-file", "/etc/passwd");
+    row("proxy", "ftp://proxy.example");
+    row("offline", "yes");
 }
 
 void HostConfigTest::ABadValueIsRefused()
@@ -127,8 +151,10 @@ void HostConfigTest::ABadValueIsRefused()
     QFETCH(QString, key);
     QFETCH(QString, value);
     Outcome const outcome = Run({"-q", "config", key, value});
-    QVERIFY2(outcome.Err.contains(QString("the setting \"%1\" cannot be \"%2\"; ").arg(key, value)),
+    QVERIFY2(outcome.Err.startsWith("varnholt-host: the setting \"" + key + "\" is not usable: "),
              qPrintable(outcome.Err));
+    QVERIFY2(outcome.Err.contains(value), qPrintable(outcome.Err));
+    QVERIFY(IsOneSentence(outcome.Err));
     QCOMPARE(outcome.Status, 2);
     QCOMPARE(Config({}), QString());
 }
@@ -167,6 +193,21 @@ void HostConfigTest::KeptOptionsAreUsed()
     QVERIFY2(outcome.Err.contains(Game->Base + "nothing.so"), qPrintable(outcome.Err));
     QCOMPARE(outcome.Status, 9);
     QCOMPARE(Run({"--module", LoadedPlugin::Path(), "status"}).Status, 0);
+}
+
+void HostConfigTest::AValueKeptThatIsNoneCanBeTakenAway()
+{
+    Game->SetSetting("options/limit-rate", "fast");
+    Outcome const outcome = Run({"status"});
+    QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
+    QVERIFY2(outcome.Err.contains("the setting \"limit-rate\" is not usable: \"fast\""),
+             qPrintable(outcome.Err));
+    QCOMPARE(outcome.Out, QString());
+    QCOMPARE(outcome.Status, 2);
+    QCOMPARE(Run({"--limit-rate=1k", "status"}).Status, 0);
+    QCOMPARE(Config({"limit-rate"}), QString("fast\n"));
+    QCOMPARE(Config({"limit-rate", ""}), QString());
+    QCOMPARE(Run({"status"}).Status, 0);
 }
 
 } // namespace Varnholt::TestSupport

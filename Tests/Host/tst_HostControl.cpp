@@ -34,6 +34,8 @@ private Q_SLOTS:
     void OtherWordsDoNothing();
     void AWordMayComeInPieces();
     void ASecondRunLeavesTheFirstItsEar();
+    void AKeptLimitIsToldToADownload();
+    void ALimitIsKeptWithoutADownloadToo();
 
 private:
     Outcome Run(QStringList const& p_Arguments) const
@@ -262,6 +264,32 @@ void HostControlTest::ASecondRunLeavesTheFirstItsEar()
     QVERIFY(process->WaitForErr("suspended\n"));
     QCOMPARE(Run({"resume"}).Status, 0);
     QCOMPARE(process->Finish().Status, 0);
+}
+
+void HostControlTest::AKeptLimitIsToldToADownload()
+{
+    auto const process = Begin();
+    Outcome const outcome = Run({"config", "limit-rate", "1.5M"});
+    QCOMPARE(outcome.Err + outcome.Out, QString());
+    QCOMPARE(outcome.Status, 0);
+    QVERIFY(process->WaitForErr("The download is now limited to 1.5 MiB/s.\n"));
+    QCOMPARE(Run({"config", "limit-rate", "fast"}).Status, 2);
+    QCOMPARE(Run({"config", "connections", "8"}).Status, 0);
+    QCOMPARE(Run({"config", "limit-rate", ""}).Status, 0);
+    QVERIFY(process->WaitForErr("The download is no longer limited.\n"));
+    Game->Server.OpenGate(File());
+    Outcome const ended = process->Finish();
+    QCOMPARE(ended.Status, 0);
+    QCOMPARE(ended.Err.count(" limited"), 2);
+    QCOMPARE(Game->Wrong(), QStringList());
+}
+
+void HostControlTest::ALimitIsKeptWithoutADownloadToo()
+{
+    Outcome const outcome = Run({"config", "limit-rate", "500k"});
+    QCOMPARE(outcome.Err + outcome.Out, QString());
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(Run({"config", "limit-rate"}).Out, QString("500k\n"));
 }
 
 } // namespace Varnholt::TestSupport

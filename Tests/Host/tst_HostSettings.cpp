@@ -13,6 +13,7 @@ using Host::HostSettings;
 
 constexpr rlim_t c_LittleRoom = 4096;
 constexpr int c_Keys = 10;
+QString const c_Password = QStringLiteral("S3cret, p=ss; \"wo\\rd\" %1 ");
 
 } // namespace
 
@@ -30,7 +31,12 @@ private Q_SLOTS:
     void TheLastKeyCanBeRemoved();
     void ALinkedFileStaysLinked();
     void WhatAnotherProgramWroteStays();
+    void WhatAKilledProgramLeftIsTakenAway_data();
     void WhatAKilledProgramLeftIsTakenAway();
+    void ALinkInItsWayIsNotFollowed();
+    void TheModeOfTheFileStays();
+    void AFileWithAPasswordIsItsOwnersAlone();
+    void ANewFileWithAPasswordIsItsOwnersAlone();
 
 private:
     std::unique_ptr<QTemporaryDir> Folder;
@@ -141,15 +147,66 @@ void HostSettingsTest::WhatAnotherProgramWroteStays()
     QCOMPARE(written.allKeys().size(), c_Keys + 2);
 }
 
+void HostSettingsTest::WhatAKilledProgramLeftIsTakenAway_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::newRow("a folder") << "host.ini.varnholt-new/fresh";
+    QTest::newRow("a file") << "host.ini.varnholt-new";
+}
+
 void HostSettingsTest::WhatAKilledProgramLeftIsTakenAway()
 {
-    for (char const* const left : {".varnholt-new", ".varnholt-new.lock", ".varnholt-checked"})
-        QVERIFY(WriteFile(File + left, "half of someth"));
+    QFETCH(QString, left);
+    QVERIFY(WriteFile(Folder->filePath(left), "half of someth"));
     HostSettings settings(File);
     settings.SetValue("new", QString::fromUtf8("Jeux été"));
     QCOMPARE(settings.Value("new"), QVariant(QString::fromUtf8("Jeux été")));
     QVERIFY(settings.Flush());
     NothingButTheFileIsLeft();
+}
+
+void HostSettingsTest::ALinkInItsWayIsNotFollowed()
+{
+    QTemporaryDir const elsewhere;
+    QVERIFY(WriteFile(elsewhere.filePath("theirs"), "precious"));
+    QVERIFY(QFile::link(elsewhere.path(), File + ".varnholt-new"));
+    HostSettings settings(File);
+    settings.SetValue("new", true);
+    QVERIFY(settings.Flush());
+    QCOMPARE(ReadFile(elsewhere.filePath("theirs")), QByteArray("precious"));
+    NothingButTheFileIsLeft();
+}
+
+void HostSettingsTest::TheModeOfTheFileStays()
+{
+    QVERIFY(SetMode(File, 0640));
+    HostSettings settings(File);
+    settings.SetValue("new", true);
+    QCOMPARE(ModeOf(File), 0640);
+}
+
+void HostSettingsTest::AFileWithAPasswordIsItsOwnersAlone()
+{
+    QVERIFY(SetMode(File, 0644));
+    HostSettings settings(File);
+    settings.SetValue(HostSettings::c_PasswordKey, c_Password);
+    QCOMPARE(ModeOf(File), 0600);
+    QCOMPARE(settings.Value(HostSettings::c_PasswordKey).toString(), c_Password);
+    QVERIFY(SetMode(File, 0644));
+    settings.SetValue("new", true);
+    QCOMPARE(ModeOf(File), 0600);
+    settings.Remove(HostSettings::c_PasswordKey);
+    QVERIFY(settings.Flush());
+    QVERIFY(!ReadFile(File).contains("password"));
+}
+
+void HostSettingsTest::ANewFileWithAPasswordIsItsOwnersAlone()
+{
+    QString const file = Folder->filePath("other.ini");
+    HostSettings settings(file);
+    settings.SetValue(HostSettings::c_PasswordKey, c_Password);
+    QVERIFY(settings.Flush());
+    QCOMPARE(ModeOf(file), 0600);
 }
 
 } // namespace Varnholt::TestSupport

@@ -1,3 +1,4 @@
+#include "Host/Cli/ConfigCommand.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
@@ -188,11 +189,12 @@ void HostVariablesTest::TheVariableOfTheLogFileNamesIt()
 void HostVariablesTest::AnEmptyVariableIsNone_data()
 {
     QTest::addColumn<QByteArray>("variable");
-    for (char const* const name :
-         {"VARNHOLT_MODULE", "VARNHOLT_SETTINGS", "VARNHOLT_CONTENT_URL", "VARNHOLT_DEV_CHANNEL",
-          "VARNHOLT_YES", "VARNHOLT_JSON", "VARNHOLT_QUIET", "VARNHOLT_VERBOSE",
-          "VARNHOLT_LOG_FILE", "VARNHOLT_COLOR"})
-        QTest::newRow(name) << QByteArray(name);
+    QByteArrayList names{"SETTINGS", "YES", "JSON", "QUIET", "VERBOSE"};
+    for (QString const& key : Host::ConfigCommand::Keys())
+        names += key.toUpper().replace('-', '_').toUtf8();
+    QVERIFY(names.contains("LIMIT_RATE") && names.contains("CONTENT_PASSWORD"));
+    for (QByteArray const& name : names)
+        QTest::newRow(name) << "VARNHOLT_" + name;
 }
 
 void HostVariablesTest::AnEmptyVariableIsNone()
@@ -212,6 +214,16 @@ void HostVariablesTest::ABadVariableIsAUsageError_data()
     QTest::newRow("colour") << QByteArray("VARNHOLT_COLOR") << QByteArray("pink");
     QTest::newRow("channel") << QByteArray("VARNHOLT_DEV_CHANNEL") << QByteArray("maybe");
     QTest::newRow("json") << QByteArray("VARNHOLT_JSON") << QByteArray("maybe");
+    QTest::newRow("rate") << QByteArray("VARNHOLT_LIMIT_RATE") << QByteArray("fast");
+    QTest::newRow("connections") << QByteArray("VARNHOLT_CONNECTIONS") << QByteArray("0");
+    QTest::newRow("time") << QByteArray("VARNHOLT_RETRY_FOR") << QByteArray("soon");
+    QTest::newRow("timeout") << QByteArray("VARNHOLT_CONNECT_TIMEOUT") << QByteArray("0");
+    QTest::newRow("file") << QByteArray("VARNHOLT_CA_FILE") << QByteArray("/no such file");
+    QTest::newRow("netrc") << QByteArray("VARNHOLT_NETRC_FILE") << QByteArray("/no such file");
+    QTest::newRow("proxy") << QByteArray("VARNHOLT_PROXY") << QByteArray("ftp://p");
+    QTest::newRow("user") << QByteArray("VARNHOLT_CONTENT_USER") << QByteArray("a:b");
+    QTest::newRow("https") << QByteArray("VARNHOLT_HTTPS_MIRRORS") << QByteArray("maybe");
+    QTest::newRow("offline") << QByteArray("VARNHOLT_OFFLINE") << QByteArray("maybe");
 }
 
 void HostVariablesTest::ABadVariableIsAUsageError()

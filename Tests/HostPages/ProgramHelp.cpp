@@ -31,7 +31,7 @@ void ProgramHelp::Take(QString const& p_Section, QString const& p_Line)
         Commands += name;
     if (p_Section == QLatin1String("Positionals:"))
         Arguments += name;
-    if (p_Section != QLatin1String("Options:"))
+    if (!p_Section.endsWith(QLatin1String("ptions:"))) // and "Network options:"
         return;
     Options += name.split(QLatin1Char(','));
     if (auto const match = variable.match(p_Line); match.hasMatch())

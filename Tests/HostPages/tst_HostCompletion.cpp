@@ -60,7 +60,15 @@ void HostCompletionTest::TheWordAtHandIsCompleted()
         {"--content-url ", ""},
         {"play --account ", ""},
         {"locale ", ""},
-        {"config ", "color content-url dev-channel log-file module"},
+        {"config ", "ca-file color connect-timeout connections content-password content-url "
+                    "content-user dev-channel https-mirrors limit-rate log-file module netrc-file "
+                    "offline proxy retry-for"},
+        {"config offline ", "false true"},
+        {"config limit-rate ", ""},
+        {"config content-password ", ""},
+        {"--limit-rate ", ""},
+        {"update --content-p", ""}, // there is no such option
+        {"check --qui", "--quick --quiet"},
         {"config color ", "always auto never"},
         {"--settings x config --json dev-channel ", "false true"},
         {"config content-url ", ""},
@@ -128,9 +136,10 @@ void HostCompletionTest::FilesAndFoldersAreOfferedWhereTheyBelong()
     QVector<QStringList> const offers = completion.Offers(
         {"varnholt-host install " + start, "varnholt-host --log-file " + start,
          "varnholt-host update --settings=" + start, "varnholt-host config module " + start,
+         "varnholt-host --ca-file " + start, "varnholt-host config netrc-file " + start,
          "varnholt-host locale " + start});
     QCOMPARE(completion.Complaints, QString());
-    QCOMPARE(offers, (QVector<QStringList>{QStringList("games"), all, all, all, {}}));
+    QCOMPARE(offers, (QVector<QStringList>{QStringList("games"), all, all, all, all, all, {}}));
 }
 
 } // namespace Varnholt::TestSupport

@@ -5,15 +5,14 @@
 namespace Varnholt::TestSupport {
 
 NginxServer::NginxServer(QString const& p_File, Replacements const& p_Replacements)
-    : WebServer(QStringLiteral(VARNHOLT_NGINX_FILE), QStringLiteral("nginx/") + p_File,
-                p_Replacements)
+    : WebServer(QStringLiteral(VARNHOLT_NGINX_FILE), p_File, p_Replacements)
 {
     Start();
 }
 
 WebServer::Replacements NginxServer::ListenReplacements() const
 {
-    return {{"listen 80;", QStringLiteral("listen %1;").arg(Host())}};
+    return {{"listen 80", "listen " + Host()}};
 }
 
 QString NginxServer::Complete(QString const& p_Text) const

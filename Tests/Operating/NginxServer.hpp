@@ -4,10 +4,11 @@
 
 namespace Varnholt::TestSupport {
 
-/// A real nginx with one of the configurations in docs/nginx.
+/// A real nginx with one of the configurations in docs/nginx, or with any other whose servers
+/// listen on port 80.
 class NginxServer : public WebServer {
 public:
-    NginxServer(QString const& p_File, Replacements const& p_Replacements);
+    explicit NginxServer(QString const& p_File, Replacements const& p_Replacements = {});
 
 private:
     Replacements ListenReplacements() const override;

@@ -66,7 +66,7 @@ void WebServer::Stop()
 
 void WebServer::WriteConfiguration() const
 {
-    QString text = QString::fromUtf8(ReadFile(QStringLiteral(VARNHOLT_DOCUMENTS "/") + File));
+    QString text = QString::fromUtf8(ReadFile(QDir(VARNHOLT_DOCUMENTS).filePath(File)));
     Replacements replacements = Examples;
     for (auto const& replacement : ListenReplacements())
         replacements.push_back(replacement);

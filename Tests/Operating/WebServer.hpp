@@ -9,7 +9,7 @@
 
 namespace Varnholt::TestSupport {
 
-/// A real web server with one of the configurations in docs, as long as it lives.
+/// A real web server with a configuration, one of those in docs above all, as long as it lives.
 class WebServer {
 public:
     using Replacements = std::vector<std::pair<QString, QString>>;
@@ -25,7 +25,7 @@ public:
 
 protected:
     /// \param p_Program its executable
-    /// \param p_File name of the configuration, below docs
+    /// \param p_File name of the configuration, below docs, or any file's whole name
     /// \param p_Replacements what stands for an example in it; each must be found
     WebServer(QString p_Program, QString p_File, Replacements p_Replacements);
 

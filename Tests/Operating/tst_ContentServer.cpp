@@ -30,7 +30,7 @@ constexpr bool c_CompressesManifests = true;
 std::unique_ptr<WebServer> StartServer(QString const& p_Root)
 {
     return std::make_unique<NginxServer>(
-        "content.conf", WebServer::Replacements{{"root /srv/www;", "root " + p_Root + ';'}});
+        "nginx/content.conf", WebServer::Replacements{{"root /srv/www;", "root " + p_Root + ';'}});
 }
 #endif
 

@@ -54,10 +54,10 @@ void NginxMirrorTest::init()
     Game->Put("small", "small");
     Game->Put("empty", "");
     Game->Publish();
-    Content =
-        new NginxServer("content.conf", {{"root /srv/www;", "root " + Game->Options.Output + ';'}});
+    Content = new NginxServer("nginx/content.conf",
+                              {{"root /srv/www;", "root " + Game->Options.Output + ';'}});
     Cache = new QTemporaryDir;
-    Mirror = new NginxServer("mirror.conf",
+    Mirror = new NginxServer("nginx/mirror.conf",
                              {{"/var/cache/nginx/content", Cache->path()},
                               {"http://content.example.net;", "http://" + Content->Host() + ';'}});
     QVERIFY(WriteFile(Game->OutputPath("cdns.info"), Mirror->Host().toUtf8()));

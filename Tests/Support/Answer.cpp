@@ -88,6 +88,27 @@ Answer Answer::ClosedBeforeHeaders()
     return answer;
 }
 
+Answer Answer::ClaimingRange(QByteArray const& p_ContentRange)
+{
+    Answer answer;
+    answer.ClaimedRange = p_ContentRange;
+    return answer;
+}
+
+Answer Answer::EndlessHeaders()
+{
+    Answer answer;
+    answer.HasEndlessHeaders = true;
+    return answer;
+}
+
+Answer Answer::EndlessBody()
+{
+    Answer answer = WithoutLength();
+    answer.HasEndlessBody = true;
+    return answer;
+}
+
 Answer& Answer::With(QByteArray const& p_Name, QByteArray const& p_Value)
 {
     ExtraHeaders.emplace_back(p_Name, p_Value);

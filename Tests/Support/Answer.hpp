@@ -47,6 +47,12 @@ public:
     /// The whole body under another Content-Length; the connection closes behind it.
     static Answer ClaimingLength(qint64 p_Length);
     static Answer ClosedBeforeHeaders();
+    /// 206 with this Content-Range, whatever is sent: "bytes 0-99/1000".
+    static Answer ClaimingRange(QByteArray const& p_ContentRange);
+    /// Headers without end, until the client has gone.
+    static Answer EndlessHeaders();
+    /// No Content-Length, and a body without end, until the client has gone.
+    static Answer EndlessBody();
 
     /// Adds a header.
     Answer& With(QByteArray const& p_Name, QByteArray const& p_Value);
@@ -67,6 +73,9 @@ public:
     bool IsClosedBeforeHeaders = false;
     bool HasLength = true;
     std::optional<qint64> ClaimedLength;
+    std::optional<QByteArray> ClaimedRange;
+    bool HasEndlessHeaders = false;
+    bool HasEndlessBody = false;
     bool IgnoresRange = false;
     qint64 RangeOffset = 0;
     bool IsGzip = false;

@@ -73,11 +73,24 @@ int ApplyRange(RecordedRequest const& p_Request, Answer const& p_Answer, QByteAr
         return 416;
     }
     qint64 const first = std::max<qint64>(range->first + p_Answer.RangeOffset, 0);
-    p_Headers.emplace_back("Content-Range", "bytes " + QByteArray::number(first) + '-' +
-                                                QByteArray::number(range->second) + '/' +
-                                                QByteArray::number(size));
-    p_Body = p_Body.mid(static_cast<int>(first), static_cast<int>(range->second - first + 1));
+    p_Headers.emplace_back("Content-Range",
+                           p_Answer.ClaimedRange.value_or("bytes " + QByteArray::number(first) +
+                                                          '-' + QByteArray::number(range->second) +
+                                                          '/' + QByteArray::number(size)));
+    // No copy: files may be large, and the tests look at memory.
+    qint64 const bytes = std::max<qint64>(range->second - first + 1, 0);
+    p_Body = QByteArray::fromRawData(p_Body.constData() + first, static_cast<int>(bytes));
     return 206;
+}
+
+/// The same line for ever, where a client waits for the end of the headers.
+Response EndlessHeaders()
+{
+    Response response;
+    response.Head = "HTTP/1.1 200 OK\r\n";
+    response.Body = "X-Filler: " + QByteArray(1000, 'x') + "\r\n";
+    response.IsEndless = true;
+    return response;
 }
 
 } // namespace
@@ -94,13 +107,16 @@ QByteArray GzipOf(QByteArray const& p_Bytes)
 Response Response::Of(RecordedRequest const& p_Request, Answer const& p_Answer,
                       std::optional<QByteArray> const& p_File)
 {
+    if (p_Answer.HasEndlessHeaders)
+        return EndlessHeaders();
+    Response response;
     Headers headers;
     QByteArray body;
     int status = p_Answer.StatusCode;
     if (status != 0) {
         body = p_Answer.OwnBody.value_or(QByteArray());
     } else if (p_Answer.OwnBody || p_File) {
-        body = p_Answer.OwnBody ? *p_Answer.OwnBody : *p_File;
+        response.Whole = body = p_Answer.OwnBody ? *p_Answer.OwnBody : *p_File;
         status = ApplyRange(p_Request, p_Answer, body, headers);
     } else {
         body = "<html>not found</html>";
@@ -117,9 +133,9 @@ Response Response::Of(RecordedRequest const& p_Request, Answer const& p_Answer,
                          p_Answer.AtEnd == Answer::End::KeepAlive ? "keep-alive" : "close");
     headers.insert(headers.end(), p_Answer.ExtraHeaders.begin(), p_Answer.ExtraHeaders.end());
 
-    Response response;
     if (p_Request.Method != "HEAD")
         response.Body = body;
+    response.IsEndless = p_Answer.HasEndlessBody && !response.Body.isEmpty();
     response.Head = "HTTP/1.1 " + QByteArray::number(status) + ' ' + ReasonOf(status) + "\r\n";
     for (auto const& header : headers)
         response.Head += header.first + ": " + header.second + "\r\n";

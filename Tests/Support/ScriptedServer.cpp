@@ -191,6 +191,16 @@ qint64 ScriptedServer::BodyBytes(QString const& p_Path) const
     return Inner->Script.BodyBytes(p_Path);
 }
 
+int ScriptedServer::AnswersNow(QByteArray const& p_Method) const
+{
+    return Inner->Script.AnswersNow(p_Method);
+}
+
+int ScriptedServer::MostAnswers(QByteArray const& p_Method) const
+{
+    return Inner->Script.MostAnswers(p_Method);
+}
+
 int ScriptedServer::OpenConnections() const
 {
     return Inner->Server->Open;

@@ -61,7 +61,8 @@ public:
 
     void Serve(QString const& p_Path, QByteArray const& p_Bytes);
     void Remove(QString const& p_Path);
-    /// Adds to the script of a path; "*" is for every path without answers of its own.
+    /// Adds to the script of a path; "*" is for every path without answers of its own, "HEAD /a"
+    /// and "HEAD *" for one method only.
     PathScript Script(QString const& p_Path);
     void ClearScript(QString const& p_Path);
     /// Lets so many answers that wait for the path's gate, now or later, go on.
@@ -74,6 +75,11 @@ public:
     int ScriptedAnswers(QString const& p_Path) const;
     /// Body bytes of a path that were handed to the network, all answers together.
     qint64 BodyBytes(QString const& p_Path) const;
+    /// Requests of a method that are being answered at the moment: until the last byte has been
+    /// handed to the network.
+    int AnswersNow(QByteArray const& p_Method = "GET") const;
+    /// As many as were at the same time so far.
+    int MostAnswers(QByteArray const& p_Method = "GET") const;
     /// Connections that are open at the moment.
     int OpenConnections() const;
 

@@ -6,7 +6,9 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <limits>
 #include <sys/socket.h>
+#include <utility>
 
 namespace Varnholt::TestSupport {
 
@@ -29,12 +31,28 @@ ServerConnection::ServerConnection(QTcpSocket& p_Socket, ServerScript& p_Script,
     connect(&Socket, &QTcpSocket::readyRead, this, [this] { ReadRequest(); });
     connect(&Socket, &QTcpSocket::disconnected, this, [this] {
         Now = Step::Ended;
+        CountAnswer(false);
         deleteLater();
     });
     connect(&Socket, &QTcpSocket::bytesWritten, this, [this] {
         if (Now == Step::Body && Plan.PieceBytes == 0)
             SendBody();
     });
+}
+
+ServerConnection::~ServerConnection()
+{
+    CountAnswer(false);
+}
+
+void ServerConnection::CountAnswer(bool p_IsUnderWay)
+{
+    if (std::exchange(IsCounted, p_IsUnderWay) == p_IsUnderWay)
+        return;
+    if (p_IsUnderWay)
+        Script.BeginAnswer(Request.Method);
+    else
+        Script.EndAnswer(Request.Method);
 }
 
 void ServerConnection::ReadRequest()
@@ -50,7 +68,8 @@ void ServerConnection::ReadRequest()
         return;
     }
     Script.Record(Request);
-    Plan = Script.NextAnswer(Request.Path);
+    CountAnswer(true);
+    Plan = Script.NextAnswer(Request.Method, Request.Path);
     Bytes = Response::Of(Request, Plan, Script.File(Request.Path));
     Position = 0;
     IsAtGate = HasPassedGate = false;
@@ -115,8 +134,9 @@ void ServerConnection::SendBody()
     qint64 const end = BodyEnd();
     while (Position < end && Socket.bytesToWrite() < c_SocketBytes) {
         qint64 const most = Plan.PieceBytes > 0 ? Plan.PieceBytes : c_SocketBytes;
-        qint64 const sent =
-            Socket.write(Bytes.Body.constData() + Position, std::min(most, end - Position));
+        qint64 const start = Bytes.IsEndless ? Position % Bytes.Body.size() : Position;
+        qint64 const rest = std::min<qint64>(end - Position, Bytes.Body.size() - start);
+        qint64 const sent = Socket.write(Bytes.Body.constData() + start, std::min(most, rest));
         if (sent <= 0)
             return;
         Position += sent;
@@ -149,6 +169,7 @@ bool ServerConnection::MayPassGate()
 void ServerConnection::EndAnswer()
 {
     Now = Step::Ending;
+    CountAnswer(false);
     if (Plan.AtEnd != Answer::End::KeepAlive)
         return WhenRead([this] { EndConnection(); });
     Now = Step::Reading;
@@ -189,7 +210,7 @@ bool ServerConnection::WillBeCut() const
 
 qint64 ServerConnection::BodyEnd() const
 {
-    qint64 end = Bytes.Body.size();
+    qint64 end = Bytes.IsEndless ? std::numeric_limits<qint64>::max() : Bytes.Body.size();
     if (Plan.SentBytes != Answer::c_Everything)
         end = std::min(end, Plan.SentBytes);
     if (Plan.HeldAfter && !HasPassedGate)

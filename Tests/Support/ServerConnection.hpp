@@ -25,6 +25,7 @@ public:
 
     /// Called when a gate was opened: goes on when it is the one waited for.
     void Retry();
+    ~ServerConnection() override;
 
 private:
     enum class Step { Reading, BeforeHeaders, BeforeBody, Body, Ending, Ended };
@@ -35,6 +36,7 @@ private:
     void SendHead();
     void SendBody();
     void EndAnswer();
+    void CountAnswer(bool p_IsUnderWay);
     void EndConnection();
     bool MayPassGate();
     bool WillBeCut() const;
@@ -50,6 +52,7 @@ private:
     Step Now = Step::Reading;
     bool IsAtGate = false;
     bool HasPassedGate = false;
+    bool IsCounted = false; ///< as an answer under way
     RecordedRequest Request;
     Answer Plan;
     Response Bytes;

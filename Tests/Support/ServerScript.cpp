@@ -2,6 +2,8 @@
 
 #include <QMutexLocker>
 
+#include <algorithm>
+
 namespace Varnholt::TestSupport {
 
 void ServerScript::Serve(QString const& p_Path, QByteArray const& p_Bytes)
@@ -56,13 +58,14 @@ std::optional<Answer> ServerScript::TakeFrom(QString const& p_Path)
     return answer;
 }
 
-Answer ServerScript::NextAnswer(QString const& p_Path)
+Answer ServerScript::NextAnswer(QByteArray const& p_Method, QString const& p_Path)
 {
     QMutexLocker const lock(&Mutex);
-    if (auto answer = TakeFrom(p_Path))
-        return *answer;
-    if (auto answer = TakeFrom(QStringLiteral("*")))
-        return *answer;
+    QString const method = QString::fromLatin1(p_Method) + QLatin1Char(' ');
+    for (QString const& path : {p_Path, QStringLiteral("*")})
+        for (QString const& rule : {method + path, path})
+            if (auto answer = TakeFrom(rule))
+                return *answer;
     return Answer::Normal();
 }
 
@@ -99,6 +102,31 @@ std::vector<RecordedRequest> ServerScript::Requests() const
 {
     QMutexLocker const lock(&Mutex);
     return Seen;
+}
+
+void ServerScript::BeginAnswer(QByteArray const& p_Method)
+{
+    QMutexLocker const lock(&Mutex);
+    Concurrency& answers = UnderWay[p_Method];
+    answers.Most = std::max(answers.Most, ++answers.Now);
+}
+
+void ServerScript::EndAnswer(QByteArray const& p_Method)
+{
+    QMutexLocker const lock(&Mutex);
+    --UnderWay[p_Method].Now;
+}
+
+int ServerScript::AnswersNow(QByteArray const& p_Method) const
+{
+    QMutexLocker const lock(&Mutex);
+    return UnderWay.value(p_Method).Now;
+}
+
+int ServerScript::MostAnswers(QByteArray const& p_Method) const
+{
+    QMutexLocker const lock(&Mutex);
+    return UnderWay.value(p_Method).Most;
 }
 
 void ServerScript::CountBodyBytes(QString const& p_Path, qint64 p_Bytes)

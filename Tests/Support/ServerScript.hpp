@@ -30,10 +30,11 @@ public:
     void ClearRule(QString const& p_Path);
 
     std::optional<QByteArray> File(QString const& p_Path) const;
-    /// Uses the next answer up. Rules of "*" serve every path that has none of its own left.
-    Answer NextAnswer(QString const& p_Path);
+    /// Uses the next answer up. A rule may be for one method only, "HEAD /a", and comes before that
+    /// for all. Rules of "*", and of "HEAD *", serve every path that has none of its own left.
+    Answer NextAnswer(QByteArray const& p_Method, QString const& p_Path);
 
-    /// Answers of the path's own rule that were used.
+    /// Answers of a rule that were used.
     int ScriptedAnswers(QString const& p_Path) const;
 
     void OpenGate(QString const& p_Path, int p_Times);
@@ -42,10 +43,19 @@ public:
 
     void Record(RecordedRequest p_Request);
     std::vector<RecordedRequest> Requests() const;
+    void BeginAnswer(QByteArray const& p_Method);
+    void EndAnswer(QByteArray const& p_Method);
+    int AnswersNow(QByteArray const& p_Method) const;
+    int MostAnswers(QByteArray const& p_Method) const;
     void CountBodyBytes(QString const& p_Path, qint64 p_Bytes);
     qint64 BodyBytes(QString const& p_Path) const;
 
 private:
+    struct Concurrency {
+        int Now = 0;
+        int Most = 0;
+    };
+
     std::optional<Answer> TakeFrom(QString const& p_Path);
 
     mutable QMutex Mutex;
@@ -54,6 +64,7 @@ private:
     QHash<QString, int> Used; ///< answers by path
     QHash<QString, int> Gates;
     QHash<QString, qint64> SentBytes;
+    QHash<QByteArray, Concurrency> UnderWay; ///< answers by method
     std::vector<RecordedRequest> Seen;
 };
 

@@ -5,6 +5,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QtTest>
 
 #include <memory>
@@ -53,6 +54,10 @@ private Q_SLOTS:
     void HoldsAnAnswerUntilTheGateOpens();
     void GoesOnInsideABodyWhenTheGateOpens();
     void DripsABody();
+    void AnswersByMethod();
+    void SendsWithoutEndUntilTheClientHasGone_data();
+    void SendsWithoutEndUntilTheClientHasGone();
+    void CountsTheAnswersUnderWay();
     void ServesOnSeveralAddresses();
 };
 
@@ -136,6 +141,7 @@ void ScriptedServerTest::AnswersWrongOnDemand()
         .Then(Answer::Gzip())
         .Then(Answer::ClaimingLength(20))
         .Then(Answer::WithoutLength())
+        .Then(Answer::ClaimingRange("bytes 4-9/999"))
         .Always(Answer::ClosedBeforeHeaders());
     QCOMPARE(Get(server, "/a", "bytes=4-").Body, QByteArray("0123456789"));
     Got const shifted = Get(server, "/a", "bytes=4-");
@@ -145,6 +151,7 @@ void ScriptedServerTest::AnswersWrongOnDemand()
     QCOMPARE(Get(server, "/a").Body, QByteArray("0123456789"));
     QCOMPARE(Get(server, "/a").Error, QNetworkReply::RemoteHostClosedError);
     QCOMPARE(Get(server, "/a").Body, QByteArray("0123456789"));
+    QCOMPARE(Get(server, "/a", "bytes=4-").ContentRange, QByteArray("bytes 4-9/999"));
     QCOMPARE(Get(server, "/a").Error, QNetworkReply::RemoteHostClosedError);
 }
 
@@ -185,6 +192,70 @@ void ScriptedServerTest::DripsABody()
     server.Serve("/a", bytes);
     server.Script("/a").Then(Answer::Drip(7, 2));
     QCOMPARE(Get(server, "/a").Body, bytes);
+}
+
+void ScriptedServerTest::AnswersByMethod()
+{
+    ScriptedServer server;
+    server.Serve("/a", "a");
+    server.Script("HEAD /a").Then(Answer::Status(405));
+    server.Script("GET *").Then(Answer::Status(500));
+    auto const statusOfHead = [&] {
+        QNetworkAccessManager manager;
+        std::unique_ptr<QNetworkReply> const reply(
+            manager.head(QNetworkRequest(QUrl(server.Url("/a")))));
+        QSignalSpy finished(reply.get(), &QNetworkReply::finished);
+        finished.wait();
+        return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    };
+    QCOMPARE(Get(server, "/a").Status, 500);
+    QCOMPARE(Get(server, "/a").Status, 200);
+    QCOMPARE(statusOfHead(), 405);
+    QCOMPARE(statusOfHead(), 200);
+    QCOMPARE(server.ScriptedAnswers("HEAD /a"), 1);
+}
+
+void ScriptedServerTest::SendsWithoutEndUntilTheClientHasGone_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::newRow("headers") << Answer::EndlessHeaders();
+    QTest::newRow("body") << Answer::EndlessBody();
+}
+
+void ScriptedServerTest::SendsWithoutEndUntilTheClientHasGone()
+{
+    QFETCH(Answer, answer);
+    ScriptedServer server;
+    server.Serve("/a", "0123456789");
+    server.Script("/a").Then(answer);
+    QTcpSocket client;
+    client.connectToHost(QHostAddress(QHostAddress::LocalHost),
+                         static_cast<quint16>(QUrl(server.BaseUrl()).port()));
+    client.write("GET /a HTTP/1.1\r\n\r\n");
+    QByteArray got;
+    QTRY_VERIFY((got += client.readAll()).size() > 1'000'000);
+    QCOMPARE(server.OpenConnections(), 1);
+    client.abort();
+    QTRY_COMPARE(server.OpenConnections(), 0);
+    QCOMPARE(got.contains("\r\n\r\n"), answer.HasEndlessBody);
+    QCOMPARE(got.contains("01234567890123456789"), answer.HasEndlessBody);
+}
+
+void ScriptedServerTest::CountsTheAnswersUnderWay()
+{
+    ScriptedServer server;
+    server.Script("*").Always(Answer::SilentBeforeHeaders());
+    QNetworkAccessManager manager;
+    std::vector<std::unique_ptr<QNetworkReply>> replies;
+    for (char const* const path : {"/a", "/b", "/c"})
+        replies.emplace_back(manager.get(QNetworkRequest(QUrl(server.Url(path)))));
+    QTRY_COMPARE(server.AnswersNow(), 3);
+    server.OpenGate("/a");
+    QTRY_COMPARE(server.AnswersNow(), 2);
+    replies.clear();
+    QTRY_COMPARE(server.AnswersNow(), 0);
+    QCOMPARE(server.MostAnswers(), 3);
+    QCOMPARE(server.MostAnswers("HEAD"), 0);
 }
 
 void ScriptedServerTest::ServesOnSeveralAddresses()

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// The values of options as people write them: what they mean, and why they mean nothing.
+///
+/// A reason is a sentence without a full stop, empty when there is none. It holds no value that
+/// could have a password in it.
+namespace Varnholt::Host::OptionText {
+
+/// Bytes per second: "500k", "2M" or "1.5MiB"; a kilobyte has 1024 bytes.
+std::optional<quint64> Rate(QString const& p_Text);
+/// Of "90", "90s", "10m" or "2h"; at most 500 hours.
+std::optional<int> Milliseconds(QString const& p_Text);
+
+QString WhyNotRate(QString const& p_Text);
+QString WhyNotTime(QString const& p_Text);
+/// Refuses no time at all too.
+QString WhyNotTimeout(QString const& p_Text);
+QString WhyNotConnections(QString const& p_Text);
+QString WhyNotServer(QString const& p_Text);
+QString WhyNotProxy(QString const& p_Text);
+QString WhyNotUser(QString const& p_Text);
+/// Of the name of a file that is read.
+QString WhyNotReadable(QString const& p_File);
+/// Of the name of a file with certificates.
+QString WhyNotCertificates(QString const& p_File);
+
+} // namespace Varnholt::Host::OptionText

@@ -1,0 +1,30 @@
+#include "Host/Gateway/Document.hpp"
+
+namespace Varnholt::Gateway {
+
+namespace {
+
+bool EndsWith(std::string const& p_Text, std::string const& p_End)
+{
+    return p_Text.size() >= p_End.size() &&
+           p_Text.compare(p_Text.size() - p_End.size(), p_End.size(), p_End) == 0;
+}
+
+} // namespace
+
+bool Document::IsOptional() const
+{
+    return IsHostList() || EndsWith(Path, "/realmlist.info");
+}
+
+bool Document::IsOne(std::string const& p_Path)
+{
+    auto const application = p_Path.find('/');
+    if (application == std::string::npos)
+        return p_Path == "cdns.info";
+    std::string const below = p_Path.substr(application + 1);
+    return below == "version.json" || below == "version_dev.json" || below == "realmlist.info" ||
+           (below.rfind("builds/", 0) == 0 && EndsWith(below, "/info.json"));
+}
+
+} // namespace Varnholt::Gateway

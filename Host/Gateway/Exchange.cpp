@@ -1,0 +1,256 @@
+#include "Host/Gateway/Exchange.hpp"
+
+#include "Host/Gateway/HostList.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Gateway {
+
+Exchange::Exchange(GatewayOptions const& p_Options)
+    : Options(p_Options)
+    , Board(p_Options.ContentServer, p_Options.RetryPause)
+    , Loop(Options)
+{
+    Limit.Set(p_Options.BytesPerSecond, Clock::now());
+}
+
+Exchange::~Exchange()
+{
+    Close();
+    Loop.Stop();
+    if (Thread.joinable())
+        Thread.join();
+}
+
+void Exchange::Begin(std::string const& p_Name)
+{
+    OwnName = p_Name;
+    Thread = std::thread([this] { Loop.Run([this] { return Turn(); }); });
+}
+
+void Exchange::Close()
+{
+    Lock const lock(Guard);
+    Closing = true;
+    Changed.notify_all();
+}
+
+/// Called by the transfer thread before each wait. \return when it wants to be called again
+TimePoint Exchange::Turn()
+{
+    constexpr Milliseconds c_Longest{1'000};
+
+    TimePoint const now = Clock::now();
+    TimePoint next = now + c_Longest;
+    bool goesOn = false;
+    {
+        Lock const lock(Guard);
+        for (TransferLoop::Id const transfer : ToCancel)
+            Loop.Cancel(transfer);
+        ToCancel.clear();
+        StartQuestions();
+        StartDocuments(now);
+        for (auto const& row : DocumentsByPath)
+            if (!row.second->IsDone && row.second->Transfer == 0)
+                next = std::min(next, row.second->NotBefore);
+        if (IsRunning && !Paused && !GaveUp) {
+            StartFiles(now);
+            StartQueries(now);
+            next = std::min(next, Board.NextTrial(now));
+        }
+        CheckWaits(now);
+        bool const rateAllows = IsRateBlocked && Limit.MayTake(now);
+        bool const roomAllows = IsRoomBlocked && HasRoom(Span::c_BlockBytes);
+        goesOn = rateAllows || roomAllows;
+        if (IsRateBlocked && !rateAllows)
+            next = std::min(next, Limit.Next(now));
+        if (goesOn)
+            IsRateBlocked = IsRoomBlocked = false;
+    }
+    if (goesOn) // bytes may come in at once
+        Loop.ResumePaused();
+    return next;
+}
+
+void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies)
+{
+    Lock const lock(Guard);
+    Forget();
+    IsRunning = true;
+    From = p_Copies.empty() && p_Source == Gateway::Source::ServerOrCopies ? Gateway::Source::Server
+                                                                           : p_Source;
+    Copies = std::move(p_Copies);
+    CopiesFrom = {};
+    if (From == Gateway::Source::Copies)
+        TurnToCopies({FetchProblem::Type::Silent, Options.ContentServer, "nobody is asked", 0});
+    Loop.Wake();
+}
+
+void Exchange::EndRun()
+{
+    Lock const lock(Guard);
+    Forget();
+    Loop.Wake();
+}
+
+/// Leaves nothing of a run; whoever waits for something of it goes on without.
+void Exchange::Forget()
+{
+    ++Run; // what is under way reports to nobody from here on
+    ToCancel.insert(ToCancel.end(), UnderWay.begin(), UnderWay.end());
+    UnderWay.clear();
+    IsRunning = false;
+    Copies.clear();
+    FetchedDocuments.clear();
+    CopiesProblem.reset();
+    DocumentsByPath.clear();
+    Files.clear();
+    Planned.clear();
+    SizesWanted.clear();
+    PlanNext = PlanAhead = PlanSizes = 0;
+    SizesFirst = SizesOnly = false;
+    Queries = Transfers = 0;
+    Board.BeginRun();
+    Held = 0;
+    Paused = IsRateBlocked = IsRoomBlocked = WasWaitedFor = false;
+    LastByte = {};
+    Received = 0;
+    Meter.Clear();
+    LatestServer.reset();
+    Latest.reset();
+    GaveUp.reset();
+    Changed.notify_all();
+}
+
+std::string Exchange::KeyOf(PlannedFile const& p_File)
+{
+    return (p_File.OfDefaultServer ? "d/" : "m/") + p_File.Path;
+}
+
+Exchange::File Exchange::FileOf(std::string const& p_Key)
+{
+    File& file = Files[p_Key];
+    if (!file)
+        file = std::make_shared<FileContent>(p_Key.substr(2), p_Key[0] == 'd');
+    return file;
+}
+
+Exchange::File Exchange::Known(std::string const& p_Path) const
+{
+    for (char const* const prefix : {"m/", "d/"}) {
+        auto const found = Files.find(prefix + p_Path);
+        if (found != Files.end())
+            return found->second;
+    }
+    return nullptr;
+}
+
+std::vector<Exchange::File> Exchange::FilesOf(std::vector<PlannedFile> const& p_Files)
+{
+    std::vector<File> files;
+    files.reserve(p_Files.size());
+    for (PlannedFile const& planned : p_Files) {
+        files.push_back(FileOf(KeyOf(planned)));
+        files.back()->Offset = planned.Offset;
+    }
+    return files;
+}
+
+void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
+{
+    Lock const lock(Guard);
+    if (!IsRunning)
+        return;
+    for (File const& file : Planned)
+        file->PlanIndex = FileContent::c_Unplanned;
+    Planned = FilesOf(p_Files);
+    for (std::size_t i = Planned.size(); i-- > 0;) {
+        Planned[i]->PlanIndex = i;
+        Planned[i]->IsDelivered = false; // it is wanted again
+    }
+    PlanNext = PlanAhead = PlanSizes = 0;
+    SizesFirst = p_SizesFirst;
+    SizesOnly = false;
+    Changed.notify_all();
+    Loop.Wake();
+}
+
+void Exchange::AskSizes(std::vector<PlannedFile> p_Files)
+{
+    Plan(std::move(p_Files), true);
+    Lock const lock(Guard);
+    SizesOnly = true;
+}
+
+std::optional<std::uint64_t> Exchange::SizeOf(std::string const& p_Path) const
+{
+    Lock const lock(Guard);
+    File const file = Known(p_Path);
+    return file ? file->Size : std::nullopt;
+}
+
+std::optional<FetchProblem> Exchange::ProblemOf(std::string const& p_Path) const
+{
+    Lock const lock(Guard);
+    auto const document = DocumentsByPath.find(p_Path);
+    if (document != DocumentsByPath.end())
+        return document->second->Problem;
+    File const file = Known(p_Path);
+    return file ? file->Problem : std::nullopt;
+}
+
+std::optional<FetchProblem> Exchange::LatestProblem() const
+{
+    Lock const lock(Guard);
+    return Latest;
+}
+
+Gateway::Documents Exchange::Fetched() const
+{
+    Lock const lock(Guard);
+    return FetchedDocuments;
+}
+
+void Exchange::SetPaused(bool p_Paused)
+{
+    Lock const lock(Guard);
+    if (Paused == p_Paused)
+        return;
+    Paused = p_Paused;
+    if (Paused)
+        for (auto const& row : Files) {
+            for (Span& span : row.second->Spans)
+                CancelTransfer(span);
+            row.second->Tidy();
+            Recount(*row.second);
+        }
+    Meter.Clear();
+    WasWaitedFor = false;
+    PlanAhead = PlanNext;
+    Loop.Wake();
+}
+
+void Exchange::SetRateLimit(std::uint64_t p_BytesPerSecond)
+{
+    Lock const lock(Guard);
+    Limit.Set(p_BytesPerSecond, Clock::now());
+    Loop.Wake();
+}
+
+void Exchange::SetConnections(int p_Connections)
+{
+    Lock const lock(Guard);
+    Options.Connections = std::max(1, p_Connections);
+    Loop.Wake();
+}
+
+std::vector<std::string> Exchange::Servers() const
+{
+    Lock const lock(Guard);
+    std::vector<std::string> addresses;
+    for (std::shared_ptr<Server> const& server : Board.All())
+        addresses.push_back(server->Address);
+    return addresses;
+}
+
+} // namespace Varnholt::Gateway

@@ -1,0 +1,248 @@
+#include "Host/Gateway/Exchange.hpp"
+
+#include "Host/Gateway/HostList.hpp"
+#include "Host/Gateway/TransferProblem.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Gateway {
+
+namespace {
+
+constexpr int c_Unavailable = 503;
+constexpr int c_BadGateway = 502;
+constexpr int c_Success = 200;
+constexpr int c_FirstError = 400;
+constexpr int c_FirstServerError = 500;
+constexpr int c_TooManyRequests = 429;
+
+bool EndsSoon(FetchProblem const& p_Problem)
+{
+    return p_Problem.Kind == FetchProblem::Type::Dropped ||
+           p_Problem.HttpStatus >= c_FirstServerError;
+}
+
+} // namespace
+
+/// Waits for the document that a client asks for, which is fetched anew each time.
+Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
+{
+    Lock lock(Guard);
+    std::uint64_t const run = Run;
+    if (!IsRunning || IsOver(run))
+        return {c_Unavailable, {}};
+    if (CopiesProblem)
+        return CopyOf(p_Path);
+    if (From == Gateway::Source::ServerOrCopies && CopiesFrom == TimePoint{})
+        CopiesFrom = Clock::now() + Options.CopyDelay;
+    std::shared_ptr<Document>& known = DocumentsByPath[p_Path];
+    if (!known || known->IsDone) {
+        known = std::make_shared<Document>();
+        known->Path = p_Path;
+        known->Url = Board.Default().Address + p_Path;
+        known->Run = run;
+    }
+    std::shared_ptr<Document> const document = known;
+    Loop.Wake();
+    auto const isOver = [&] { return document->IsDone || CopiesProblem || IsOver(run); };
+    if (From != Gateway::Source::ServerOrCopies)
+        Changed.wait(lock, isOver);
+    else if (!Changed.wait_until(lock, CopiesFrom, isOver))
+        Finish(*document, document->Problem.value_or(FetchProblem{
+                              FetchProblem::Type::Silent, document->Url, "no answer in time", 0}));
+    if (run != Run || Closing)
+        return {c_Unavailable, {}};
+    bool const isMissed = From == Gateway::Source::ServerOrCopies && document->Problem;
+    if (isMissed && document->IsHostList() && Copies.count(p_Path) != 0)
+        UseMirrors(Copies[p_Path]);
+    else if (isMissed && !document->IsOptional() && !CopiesProblem)
+        TurnToCopies(*document->Problem);
+    return CopiesProblem ? CopyOf(p_Path) : AnswerOf(*document);
+}
+
+Exchange::DocumentAnswer Exchange::AnswerOf(Document const& p_Document) const
+{
+    // Whatever becomes of the list, the door is the one mirror.
+    if (p_Document.IsHostList())
+        return {c_Success, OwnName};
+    if (!p_Document.Problem && p_Document.IsDone)
+        return {c_Success, p_Document.Body};
+    int const status = p_Document.Problem ? p_Document.Problem->HttpStatus : 0;
+    return {status >= c_FirstError ? status : c_BadGateway, {}};
+}
+
+Exchange::DocumentAnswer Exchange::CopyOf(std::string const& p_Path)
+{
+    auto const copy = Copies.find(p_Path);
+    if (p_Path == "cdns.info") {
+        UseMirrors(copy == Copies.end() ? std::string() : copy->second);
+        return {c_Success, OwnName};
+    }
+    if (copy == Copies.end())
+        return {c_Unavailable, {}};
+    return {c_Success, copy->second};
+}
+
+/// From here on the run is told what an earlier one has learned.
+void Exchange::TurnToCopies(FetchProblem const& p_Problem)
+{
+    CopiesProblem = p_Problem;
+    Changed.notify_all();
+}
+
+void Exchange::StartDocuments(TimePoint p_Now)
+{
+    if (CopiesProblem || GaveUp)
+        return;
+    for (auto const& row : DocumentsByPath) {
+        Document const& document = *row.second;
+        if (!document.IsDone && document.Transfer == 0 && document.NotBefore <= p_Now)
+            StartDocument(row.second);
+    }
+}
+
+void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
+{
+    p_Document->Body.clear();
+    p_Document->RetryAfter = 0;
+    ++p_Document->Attempts;
+    TransferRequest request;
+    request.Url = p_Document->Url;
+    request.OfContentServer = true;
+    TransferEvents events;
+    events.OnHead = [this, p_Document](AnswerHead const& p_Head) {
+        Lock const lock(Guard);
+        p_Document->RetryAfter = p_Head.RetryAfter;
+        if (p_Head.Status != c_Success)
+            p_Document->Problem = StatusProblem(p_Head.Status, p_Document->Url);
+        else
+            p_Document->Problem.reset();
+        return p_Head.Status == c_Success && p_Document->Run == Run;
+    };
+    events.OnBytes = [this, p_Document](char const* p_Data, std::size_t p_Count) {
+        Lock const lock(Guard);
+        TimePoint const now = Clock::now();
+        if (!Limit.MayTake(now)) {
+            IsRateBlocked = true;
+            return Take::Later;
+        }
+        Limit.Take(p_Count);
+        LastByte = now;
+        if (p_Document->Run != Run || p_Document->Body.size() + p_Count > Document::c_MostBytes) {
+            p_Document->Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document->Url,
+                                               "it is larger than such a file can be", 0};
+            return Take::Stop;
+        }
+        p_Document->Body.append(p_Data, p_Count);
+        return Take::More;
+    };
+    events.OnEnd = [this, p_Document](std::optional<FetchProblem> const& p_Problem) {
+        Lock const lock(Guard);
+        OnDocumentEnd(*p_Document, p_Problem);
+    };
+    p_Document->Transfer = Loop.Start(std::move(request), std::move(events));
+    UnderWay.insert(p_Document->Transfer);
+}
+
+void Exchange::OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem)
+{
+    constexpr int c_MostAttempts = 3;
+    constexpr Milliseconds c_ShortPause{200};
+
+    UnderWay.erase(p_Document.Transfer);
+    p_Document.Transfer = 0;
+    if (p_Document.Run != Run)
+        return;
+    auto const problem = p_Problem ? p_Problem : p_Document.Problem;
+    if (!problem)
+        return Finish(p_Document, std::nullopt);
+    Fail(*problem);
+    p_Document.Problem = problem;
+    TimePoint const now = Clock::now();
+    bool const isAskedToWait =
+        p_Document.RetryAfter > 0 || problem->HttpStatus == c_TooManyRequests;
+    if (isAskedToWait && !p_Document.IsOptional()) {
+        p_Document.NotBefore =
+            now +
+            std::max<Milliseconds>(std::chrono::seconds(p_Document.RetryAfter), Options.RetryPause);
+    } else if (problem->Kind == FetchProblem::Type::Silent && !p_Document.IsOptional()) {
+        p_Document.NotBefore = now + Options.RetryPause;
+    } else if (EndsSoon(*problem) && p_Document.Attempts < c_MostAttempts) {
+        p_Document.NotBefore = now + c_ShortPause * p_Document.Attempts;
+    } else {
+        Finish(p_Document, problem);
+    }
+}
+
+void Exchange::Finish(Document& p_Document, std::optional<FetchProblem> const& p_Problem)
+{
+    p_Document.Problem = p_Problem;
+    p_Document.IsDone = true;
+    if (!p_Problem) {
+        LastByte = Clock::now();
+        FetchedDocuments[p_Document.Path] = p_Document.Body;
+    }
+    if (p_Document.IsHostList()) {
+        UseMirrors(p_Problem ? std::string() : p_Document.Body);
+        std::vector<std::string> addresses;
+        if (!p_Problem && !HostList::Read(p_Document.Body, Options.HttpsMirrors, addresses)) {
+            p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.Url,
+                                              "it is no list of hosts", 0};
+            FetchedDocuments.erase(p_Document.Path);
+        }
+    }
+    Changed.notify_all();
+}
+
+void Exchange::UseMirrors(std::string const& p_List)
+{
+    std::vector<std::string> addresses;
+    HostList::Read(p_List, Options.HttpsMirrors, addresses);
+    Board.SetMirrors(addresses);
+}
+
+void Exchange::StartQuestions()
+{
+    while (!Questions.empty()) {
+        auto [question, onReply] = std::move(Questions.front());
+        Questions.pop_front();
+        auto const reply = std::make_shared<Reply>();
+        TimePoint const begin = Clock::now();
+        TransferRequest request;
+        request.Url = question.Server + question.Path;
+        request.Range = question.Range;
+        request.OfContentServer = question.Server == Options.ContentServer;
+        TransferEvents events;
+        events.OnHead = [reply](AnswerHead const& p_Head) {
+            reply->HttpStatus = p_Head.Status;
+            return true;
+        };
+        events.OnBytes = [reply, most = question.MostBytes,
+                          url = request.Url](char const* p_Data, std::size_t p_Count) {
+            if (reply->Body.size() + p_Count > most) {
+                reply->Problem = FetchProblem{FetchProblem::Type::Unusable, url,
+                                              "it gives more than was asked for", 0};
+                return Take::Stop;
+            }
+            reply->Body.append(p_Data, p_Count);
+            return Take::More;
+        };
+        events.OnEnd = [reply, begin, onReply = std::move(onReply)](
+                           std::optional<FetchProblem> const& p_Problem) {
+            if (p_Problem)
+                reply->Problem = p_Problem;
+            reply->Took = MillisecondsBetween(begin, Clock::now());
+            onReply(std::move(*reply));
+        };
+        Loop.Start(std::move(request), std::move(events));
+    }
+}
+
+void Exchange::Ask(Question p_Question, std::function<void(Reply)> p_OnReply)
+{
+    Lock const lock(Guard);
+    Questions.emplace_back(std::move(p_Question), std::move(p_OnReply));
+    Loop.Wake();
+}
+
+} // namespace Varnholt::Gateway

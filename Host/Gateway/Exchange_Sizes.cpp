@@ -1,0 +1,223 @@
+#include "Host/Gateway/Exchange.hpp"
+
+#include "Host/Gateway/TransferProblem.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Gateway {
+
+namespace {
+
+constexpr int c_Success = 200;
+constexpr int c_PartialContent = 206;
+constexpr int c_NotFound = 404;
+constexpr int c_Gone = 410;
+constexpr int c_RangeNotSatisfiable = 416;
+constexpr int c_FirstError = 400;
+constexpr int c_FirstServerError = 500;
+constexpr int c_NotImplemented = 501;
+
+} // namespace
+
+/// Waits until it is known what a client is to be told of a file before its first byte.
+Exchange::FileHead Exchange::FetchHead(std::string const& p_Key)
+{
+    constexpr int c_Unavailable = 503;
+
+    Lock lock(Guard);
+    std::uint64_t const run = Run;
+    if (!IsRunning || IsOver(run))
+        return {c_Unavailable, std::nullopt};
+    File const file = FileOf(p_Key);
+    if (file->Refusal) { // perhaps it is there by now
+        file->Refusal.reset();
+        file->RefusedBy.clear();
+        AskAgain(file);
+    } else if (!file->Size && !file->HasNoSize && !file->IsAsked) {
+        SizesWanted.push_back(file);
+        Loop.Wake();
+    }
+    ++HeadsWaited;
+    Changed.wait(lock,
+                 [&] { return file->Size || file->HasNoSize || file->Refusal || IsOver(run); });
+    --HeadsWaited;
+    if (IsOver(run))
+        return {c_Unavailable, std::nullopt};
+    if (file->Refusal)
+        return {file->Refusal->HttpStatus, std::nullopt};
+    return {c_Success, file->Size};
+}
+
+/// Called when a size is not to be trusted any more, or was not got.
+void Exchange::AskAgain(File const& p_File)
+{
+    p_File->IsAsked = false;
+    SizesWanted.push_front(p_File);
+    Loop.Wake();
+}
+
+void Exchange::StartQueries(TimePoint p_Now)
+{
+    constexpr int c_MostQueries = 16;
+
+    while (Queries < c_MostQueries) {
+        File const file = NextToQuery();
+        if (!file)
+            return;
+        if (StartQuery(file, p_Now))
+            continue;
+        SizesWanted.push_front(file); // all servers are busy, or left alone for a while
+        return;
+    }
+}
+
+Exchange::File Exchange::NextToQuery()
+{
+    auto const isWanted = [](FileContent const& p_File) {
+        bool const comesAnyway =
+            std::any_of(p_File.Spans.begin(), p_File.Spans.end(),
+                        [](Span const& p_Span) { return p_Span.IsUnderWay(); });
+        return !p_File.Size && !p_File.HasNoSize && !p_File.Refusal && !p_File.IsAsked &&
+               !comesAnyway;
+    };
+    while (!SizesWanted.empty()) {
+        File const file = SizesWanted.front();
+        SizesWanted.pop_front();
+        if (isWanted(*file))
+            return file;
+    }
+    for (; PlanSizes < Planned.size(); ++PlanSizes)
+        if (isWanted(*Planned[PlanSizes]))
+            return Planned[PlanSizes++];
+    return nullptr;
+}
+
+bool Exchange::StartQuery(File const& p_File, TimePoint p_Now)
+{
+    auto const allowed = Allowed(*p_File);
+    auto const server = Board.ForSize(
+        [&](Server const& p_Server) {
+            bool const decides = !p_File->IsDisputed || p_Server.IsDefault ||
+                                 p_File->RefusedBy.count(&Board.Default()) != 0;
+            return allowed(p_Server) && decides;
+        },
+        p_Now);
+    if (!server)
+        return false;
+    auto const query = std::make_shared<FileTransfer>();
+    query->File = p_File;
+    query->From = server;
+    query->Run = Run;
+    query->Url = server->Address + p_File->Path;
+    query->IsHeadRequest = !server->RefusesHead;
+    TransferRequest request;
+    request.Url = query->Url;
+    request.OfContentServer = server->IsDefault;
+    request.HeadersOnly = query->IsHeadRequest;
+    request.Range = query->IsHeadRequest ? "" : "0-0";
+    TransferEvents events;
+    events.OnHead = [this, query](AnswerHead const& p_Head) {
+        Lock const lock(Guard);
+        return query->Run == Run && OnQueryHead(*query, p_Head);
+    };
+    events.OnBytes = [](char const*, std::size_t p_Count) {
+        return p_Count > 1 ? Take::Stop : Take::More; // one was asked for
+    };
+    events.OnEnd = [this, query](std::optional<FetchProblem> const& p_Problem) {
+        Lock const lock(Guard);
+        UnderWay.erase(query->Id);
+        if (query->Run == Run)
+            OnQueryEnd(*query, p_Problem);
+    };
+    p_File->IsAsked = true;
+    ++server->Queries;
+    ++Queries;
+    query->Id = Loop.Start(std::move(request), std::move(events));
+    UnderWay.insert(query->Id);
+    return true;
+}
+
+bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
+{
+    FileContent& file = *p_Query.File;
+    int const status = p_Head.Status;
+    p_Query.IsSettled = true;
+    p_Query.RetryAfter = p_Head.RetryAfter;
+    bool const isEmpty = status == c_RangeNotSatisfiable && p_Head.Total == std::uint64_t{0};
+    if (status == c_PartialContent && p_Head.Total) {
+        LearnSize(p_Query, *p_Head.Total);
+    } else if (isEmpty) {
+        LearnSize(p_Query, 0);
+    } else if (status == c_Success && p_Head.Length && !p_Head.IsEncoded) {
+        LearnSize(p_Query, *p_Head.Length);
+    } else if (status == c_Success && p_Query.IsHeadRequest) {
+        p_Query.From->RefusesHead = true; // what it says of the headers alone is not enough
+    } else if (status == c_Success || status == c_PartialContent) {
+        file.HasNoSize = true;
+    } else {
+        p_Query.Problem = StatusProblem(status, p_Query.Url);
+        bool const isOfHead = p_Query.IsHeadRequest && status != c_NotFound && status != c_Gone &&
+                              (status < c_FirstServerError || status == c_NotImplemented) &&
+                              status >= c_FirstError && p_Head.RetryAfter == 0;
+        p_Query.From->RefusesHead |= isOfHead;
+        p_Query.IsRefused = !isOfHead && IsOfTheFile(status);
+        p_Query.IsSettled = !isOfHead;
+    }
+    return p_Query.IsHeadRequest || status == c_PartialContent;
+}
+
+void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> const& p_Problem)
+{
+    File const& file = p_Query.File;
+    --Queries;
+    --p_Query.From->Queries;
+    file->IsAsked = false;
+    auto const problem = p_Query.Problem ? p_Query.Problem : p_Problem;
+    if (problem && (p_Query.IsSettled || !p_Query.Problem))
+        NoteFailure(p_Query, *problem);
+    else {
+        LastByte = Clock::now();
+        p_Query.From->Failures = 0;
+    }
+    if (!file->Size && !file->HasNoSize && !file->Refusal)
+        AskAgain(file);
+    Changed.notify_all();
+}
+
+/// \return false when it contradicts what is known: the bytes are not to be trusted then
+bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
+{
+    FileContent& file = *p_Transfer.File;
+    Server& server = *p_Transfer.From;
+    if (!file.Size) {
+        file.Size = p_Size;
+        file.SizeFrom = p_Transfer.From;
+        for (Span& span : file.Spans)
+            span.End = std::min(span.End, std::max(p_Size, span.Arrived));
+        Changed.notify_all();
+        return true;
+    }
+    if (*file.Size == p_Size)
+        return true;
+    p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
+                                      "its length is not the one that was told before", 0};
+    bool const isItsOwn = file.SizeFrom == p_Transfer.From;
+    if (!isItsOwn && !server.IsDefault && (file.IsDisputed || file.SizeFrom->IsDefault)) {
+        p_Transfer.IsRefused = true;
+        return false;
+    }
+    // Nothing that came before fits: clients begin anew, and so does the file.
+    Drop(file);
+    file.Size.reset();
+    if (isItsOwn || server.IsDefault) {
+        file.Size = p_Size;
+        file.SizeFrom = p_Transfer.From;
+    } else {
+        file.IsDisputed = true;
+        AskAgain(p_Transfer.File);
+    }
+    Changed.notify_all();
+    return false;
+}
+
+} // namespace Varnholt::Gateway

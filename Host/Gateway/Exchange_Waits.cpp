@@ -1,0 +1,99 @@
+#include "Host/Gateway/Exchange.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Gateway {
+
+namespace {
+
+/// Shorter than this is no silence that anybody has to know of.
+constexpr Milliseconds c_Noticeable{2'000};
+
+bool IsSizeSettled(FileContent const& p_File)
+{
+    return p_File.Size || p_File.HasNoSize || p_File.Refusal;
+}
+
+} // namespace
+
+void Exchange::CountBytes(Server& p_Server, std::uint64_t p_Bytes, TimePoint p_Now)
+{
+    Received += p_Bytes;
+    Meter.Add(p_Bytes, p_Now);
+    p_Server.Received += p_Bytes;
+    p_Server.Meter.Add(p_Bytes, p_Now);
+    LastByte = p_Now;
+    Latest.reset(); // it is over
+    for (std::shared_ptr<Server> const& server : Board.All())
+        if (server.get() == &p_Server)
+            LatestServer = server;
+}
+
+/// Whether somebody gets no further without the network.
+bool Exchange::IsWaitedFor() const
+{
+    bool const starves =
+        std::any_of(Readers.begin(), Readers.end(), [this](Reader const* p_Reader) {
+            return p_Reader->Run == Run && p_Reader->Starves;
+        });
+    bool const lacksDocument = std::any_of(DocumentsByPath.begin(), DocumentsByPath.end(),
+                                           [](auto const& p_Row) { return !p_Row.second->IsDone; });
+    bool const lacksSize = PlanSizes < Planned.size() && SizesOnly;
+    return IsRunning && !Paused && !CopiesProblem &&
+           (starves || lacksDocument || HeadsWaited > 0 || Queries > 0 || lacksSize);
+}
+
+/// Gives up when nothing has come for as long as is allowed.
+void Exchange::CheckWaits(TimePoint p_Now)
+{
+    bool const isWaitedFor = IsWaitedFor();
+    if (isWaitedFor && !WasWaitedFor)
+        WaitedSince = p_Now;
+    WasWaitedFor = isWaitedFor;
+    if (!isWaitedFor || GaveUp || Options.RetryFor == Options.RetryFor.zero())
+        return;
+    if (p_Now - std::max(LastByte, WaitedSince) < Options.RetryFor)
+        return;
+    GaveUp = Latest.value_or(
+        FetchProblem{FetchProblem::Type::Silent, Options.ContentServer, "no answer in time", 0});
+    Changed.notify_all();
+}
+
+GatewaySnapshot Exchange::Snapshot() const
+{
+    Lock const lock(Guard);
+    TimePoint const now = Clock::now();
+    GatewaySnapshot snapshot;
+    snapshot.Received = Received;
+    snapshot.Rate = Paused ? 0 : Meter.Rate(now);
+    snapshot.Held = Held;
+    snapshot.Server = LatestServer ? LatestServer->Name : std::string();
+    for (std::shared_ptr<Server> const& server : Board.All())
+        if (server->Received > 0 || server->Failures > 0 || server->WrongFiles > 0)
+            snapshot.Servers.push_back({server->Name, server->IsDefault,
+                                        server->Failures > 0 || server->IsWrong(now),
+                                        server->Received, Paused ? 0 : server->Meter.Rate(now)});
+    snapshot.GaveUp = GaveUp;
+    snapshot.Copies = CopiesProblem;
+    for (std::size_t i = 0; SizesOnly && i < Planned.size(); ++i)
+        snapshot.SizesKnown += IsSizeSettled(*Planned[i]) ? 1 : 0;
+    Milliseconds const silent = MillisecondsBetween(std::max(LastByte, WaitedSince), now);
+    if (WasWaitedFor && silent >= c_Noticeable) {
+        TimePoint next = Board.NextTrial(now);
+        bool isUnderWay = Transfers > 0 || Queries > 0;
+        for (auto const& row : DocumentsByPath) {
+            isUnderWay = isUnderWay || row.second->Transfer != 0;
+            if (!row.second->IsDone && row.second->NotBefore > now)
+                next = std::min(next, row.second->NotBefore);
+        }
+        snapshot.Waits = GatewaySnapshot::Wait{
+            Latest.value_or(FetchProblem{FetchProblem::Type::Silent, Options.ContentServer,
+                                         "no answer yet", 0}),
+            silent,
+            isUnderWay || next == TimePoint::max() ? Milliseconds(0)
+                                                   : MillisecondsBetween(now, next)};
+    }
+    return snapshot;
+}
+
+} // namespace Varnholt::Gateway

@@ -1,0 +1,83 @@
+#include "Host/Gateway/HostList.hpp"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <memory>
+#include <sstream>
+
+namespace Varnholt::Gateway::HostList {
+
+namespace {
+
+using Url = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+
+Url Parsed(std::string const& p_Address)
+{
+    Url url(curl_url(), curl_url_cleanup);
+    if (url && curl_url_set(url.get(), CURLUPART_URL, p_Address.c_str(), 0) != CURLUE_OK)
+        url.reset();
+    return url;
+}
+
+std::string Piece(CURLU* p_Url, CURLUPart p_Part)
+{
+    char* text = nullptr;
+    if (p_Url == nullptr || curl_url_get(p_Url, p_Part, &text, 0) != CURLUE_OK)
+        return {};
+    std::string const piece(text);
+    curl_free(text);
+    return piece;
+}
+
+/// A page in the list's place is full of what no host's name has.
+bool IsPlain(std::string const& p_Name)
+{
+    return p_Name.find_first_of("<>\"{}?#@\\|^`") == std::string::npos &&
+           std::all_of(p_Name.begin(), p_Name.end(), [](char p_Character) {
+               return static_cast<unsigned char>(p_Character) > 0x20 && p_Character != 0x7f;
+           });
+}
+
+bool BeginsWith(std::string const& p_Text, char const* p_Beginning)
+{
+    return p_Text.rfind(p_Beginning, 0) == 0;
+}
+
+std::string AddressOf(std::string const& p_Name, bool p_Https)
+{
+    bool const hasScheme = BeginsWith(p_Name, "http://") || BeginsWith(p_Name, "https://");
+    std::string address = hasScheme ? p_Name : (p_Https ? "https://" : "http://") + p_Name;
+    if (address.back() != '/')
+        address += '/';
+    Url const url = Parsed(address);
+    return Piece(url.get(), CURLUPART_HOST).empty() ? std::string() : address;
+}
+
+} // namespace
+
+bool Read(std::string const& p_Text, bool p_Https, std::vector<std::string>& p_Addresses)
+{
+    p_Addresses.clear();
+    std::istringstream names(p_Text);
+    for (std::string name; names >> name;) {
+        std::string const address = IsPlain(name) ? AddressOf(name, p_Https) : std::string();
+        if (address.empty()) {
+            p_Addresses.clear();
+            return false;
+        }
+        if (std::find(p_Addresses.begin(), p_Addresses.end(), address) == p_Addresses.end())
+            p_Addresses.push_back(address);
+    }
+    return true;
+}
+
+std::string NameOf(std::string const& p_Address)
+{
+    Url const url = Parsed(p_Address);
+    std::string const port = Piece(url.get(), CURLUPART_PORT);
+    std::string const host = Piece(url.get(), CURLUPART_HOST);
+    return port.empty() ? host : host + ':' + port;
+}
+
+} // namespace Varnholt::Gateway::HostList

@@ -1,0 +1,209 @@
+#include "Host/Gateway/Transfer.hpp"
+
+#include "Host/Gateway/TransferProblem.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <utility>
+
+namespace Varnholt::Gateway {
+
+namespace {
+
+constexpr std::size_t c_MostHeaderBytes = 128UL * 1024;
+
+template <typename Value>
+void Set(CURL* p_Easy, CURLoption p_Option, Value p_Value)
+{
+    curl_easy_setopt(p_Easy, p_Option, p_Value);
+}
+
+void SetText(CURL* p_Easy, CURLoption p_Option, std::string const& p_Text)
+{
+    if (!p_Text.empty())
+        curl_easy_setopt(p_Easy, p_Option, p_Text.c_str());
+}
+
+/// The value of a header line when it has that name, which is in lower case.
+std::optional<std::string> ValueOf(std::string const& p_Line, std::string const& p_Name)
+{
+    if (p_Line.size() <= p_Name.size() || p_Line[p_Name.size()] != ':')
+        return std::nullopt;
+    bool const isNamed =
+        std::equal(p_Name.begin(), p_Name.end(), p_Line.begin(),
+                   [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
+    if (!isNamed)
+        return std::nullopt;
+    auto const begin = p_Line.find_first_not_of(" \t", p_Name.size() + 1);
+    auto const end = p_Line.find_last_not_of(" \t\r\n");
+    return begin == std::string::npos || begin > end ? std::string()
+                                                     : p_Line.substr(begin, end + 1 - begin);
+}
+
+std::optional<std::uint64_t> NumberOf(std::string const& p_Text)
+{
+    constexpr std::size_t c_MostDigits = 18;
+
+    bool const isNumber = !p_Text.empty() && p_Text.size() <= c_MostDigits &&
+                          std::all_of(p_Text.begin(), p_Text.end(), [](unsigned char p_Character) {
+                              return std::isdigit(p_Character) != 0;
+                          });
+    return isNumber ? std::make_optional(std::strtoull(p_Text.c_str(), nullptr, 10)) : std::nullopt;
+}
+
+} // namespace
+
+Transfer::Transfer(TransferRequest p_Request, TransferEvents p_Events,
+                   GatewayOptions const& p_Options)
+    : Request(std::move(p_Request))
+    , Events(std::move(p_Events))
+    , Easy(curl_easy_init())
+{
+    SetUp(p_Options);
+    SetUpTrust(p_Options);
+}
+
+Transfer::~Transfer()
+{
+    curl_easy_cleanup(Easy);
+}
+
+void Transfer::SetUp(GatewayOptions const& p_Options)
+{
+    constexpr long c_MostRedirects = 8;
+    constexpr auto c_Second = std::chrono::milliseconds(1'000);
+
+    Set(Easy, CURLOPT_PRIVATE, this);
+    Set(Easy, CURLOPT_ERRORBUFFER, ErrorText.data());
+    Set(Easy, CURLOPT_NOSIGNAL, 1L);
+    Set(Easy, CURLOPT_URL, Request.Url.c_str());
+    Set(Easy, CURLOPT_PATH_AS_IS, 1L);
+    Set(Easy, CURLOPT_USERAGENT, "varnholt");
+    SetText(Easy, CURLOPT_RANGE, Request.Range);
+    Set(Easy, CURLOPT_NOBODY, Request.HeadersOnly ? 1L : 0L);
+    // Nobody asks for compression; who compresses all the same is understood.
+    Set(Easy, CURLOPT_ACCEPT_ENCODING, "identity");
+    if (Request.BlockBytes != 0)
+        Set(Easy, CURLOPT_BUFFERSIZE, static_cast<long>(Request.BlockBytes));
+
+    Set(Easy, CURLOPT_FOLLOWLOCATION, 1L);
+    Set(Easy, CURLOPT_MAXREDIRS, c_MostRedirects);
+    bool const isSafe = Request.Url.rfind("https:", 0) == 0;
+#if LIBCURL_VERSION_NUM >= 0x075500
+    Set(Easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    Set(Easy, CURLOPT_REDIR_PROTOCOLS_STR, isSafe ? "https" : "http,https");
+#else
+    Set(Easy, CURLOPT_PROTOCOLS, CURLPROTO_HTTP | CURLPROTO_HTTPS);
+    Set(Easy, CURLOPT_REDIR_PROTOCOLS, isSafe ? CURLPROTO_HTTPS : CURLPROTO_HTTP | CURLPROTO_HTTPS);
+#endif
+
+    Set(Easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(p_Options.ConnectTimeout.count()));
+    Set(Easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    Set(Easy, CURLOPT_LOW_SPEED_TIME,
+        std::max(1L,
+                 static_cast<long>((p_Options.StallTime + c_Second) / c_Second -
+                                   (p_Options.StallTime % c_Second == c_Second.zero() ? 1 : 0))));
+    Set(Easy, CURLOPT_TCP_KEEPALIVE, 1L);
+
+    Set(Easy, CURLOPT_HEADERFUNCTION, &Transfer::OnHeaderLine);
+    Set(Easy, CURLOPT_HEADERDATA, this);
+    Set(Easy, CURLOPT_WRITEFUNCTION, &Transfer::OnBody);
+    Set(Easy, CURLOPT_WRITEDATA, this);
+}
+
+void Transfer::SetUpTrust(GatewayOptions const& p_Options)
+{
+    SetText(Easy, CURLOPT_CAINFO, p_Options.CaFile);
+    SetText(Easy, CURLOPT_PROXY, p_Options.Proxy);
+    Set(Easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_OPTIONAL));
+    SetText(Easy, CURLOPT_NETRC_FILE, p_Options.NetrcFile);
+    if (!Request.OfContentServer || p_Options.User.empty())
+        return;
+    Set(Easy, CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
+    Set(Easy, CURLOPT_USERNAME, p_Options.User.c_str());
+    Set(Easy, CURLOPT_PASSWORD, p_Options.Password.c_str());
+}
+
+std::size_t Transfer::OnHeaderLine(char* p_Data, std::size_t, std::size_t p_Count, void* p_Self)
+{
+    auto& self = *static_cast<Transfer*>(p_Self);
+    self.HeaderBytes += p_Count;
+    if (self.HeaderBytes > c_MostHeaderBytes)
+        return 0;
+    self.ReadHeader(std::string(p_Data, p_Count));
+    return p_Count;
+}
+
+void Transfer::ReadHeader(std::string const& p_Line)
+{
+    if (p_Line.rfind("HTTP/", 0) == 0) { // of the next answer, behind a redirect
+        Head = {};
+        return;
+    }
+    if (auto const length = ValueOf(p_Line, "content-length"))
+        Head.Length = NumberOf(*length);
+    if (auto const delay = ValueOf(p_Line, "retry-after"))
+        Head.RetryAfter = static_cast<int>(
+            std::min<std::uint64_t>(NumberOf(*delay).value_or(0), 24ULL * 60 * 60));
+    if (auto const encoding = ValueOf(p_Line, "content-encoding"))
+        Head.IsEncoded = !encoding->empty() && *encoding != "identity";
+    if (auto const range = ValueOf(p_Line, "content-range")) {
+        auto const begin = range->find_first_of("0123456789");
+        auto const dash = range->find('-');
+        auto const slash = range->find('/');
+        if (begin != std::string::npos && dash != std::string::npos && begin < dash)
+            Head.RangeBegin = NumberOf(range->substr(begin, dash - begin));
+        if (slash != std::string::npos)
+            Head.Total = NumberOf(range->substr(slash + 1));
+    }
+}
+
+bool Transfer::AnnounceHead()
+{
+    if (IsAnnounced)
+        return !Stopped;
+    IsAnnounced = true;
+    long status = 0;
+    curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &status);
+    Head.Status = static_cast<int>(status);
+    Stopped = !Events.OnHead(Head);
+    return !Stopped;
+}
+
+std::size_t Transfer::OnBody(char* p_Data, std::size_t, std::size_t p_Count, void* p_Self)
+{
+    auto& self = *static_cast<Transfer*>(p_Self);
+    if (!self.AnnounceHead())
+        return 0;
+    switch (self.Events.OnBytes(p_Data, p_Count)) {
+    case Take::More:
+        return p_Count;
+    case Take::Later:
+        self.Paused = true;
+        return CURL_WRITEFUNC_PAUSE;
+    default:
+        self.Stopped = true;
+        return 0;
+    }
+}
+
+void Transfer::Resume()
+{
+    Paused = false;
+    curl_easy_pause(Easy, CURLPAUSE_CONT);
+}
+
+void Transfer::End(CURLcode p_Code)
+{
+    if (p_Code == CURLE_OK)
+        AnnounceHead();
+    if (p_Code == CURLE_OK || Stopped)
+        return Events.OnEnd(std::nullopt);
+    if (HeaderBytes > c_MostHeaderBytes)
+        return Events.OnEnd(
+            FetchProblem{FetchProblem::Type::Unusable, Request.Url, "endless headers", 0});
+    Events.OnEnd(TransferProblem(Easy, p_Code, Request.Url, ErrorText.data()));
+}
+
+} // namespace Varnholt::Gateway

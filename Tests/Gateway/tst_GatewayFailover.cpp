@@ -1,0 +1,272 @@
+#include "Tests/Gateway/GatewayBench.hpp"
+#include "Tests/Support/SampleContent.hpp"
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+QByteArray const c_Path = "game/files/a";
+QByteArray const c_Get = "GET /game/files/a";
+QString const c_ServerPath = "/game/files/a";
+
+qint64 StartOf(RecordedRequest const& p_Request)
+{
+    QByteArray const range = p_Request.Header("Range");
+    return range.isEmpty() ? 0
+                           : range.mid(int(sizeof("bytes=")) - 1).split('-').first().toLongLong();
+}
+
+} // namespace
+
+/// Servers that give content badly, beside others that do not.
+class GatewayFailoverTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void AFetchGoesOnAtTheByteWhereAMirrorDied_data();
+    void AFetchGoesOnAtTheByteWhereAMirrorDied();
+    void ASickMirrorIsReplaced_data();
+    void ASickMirrorIsReplaced();
+    void ALargeFileOutlivesAMirror();
+    void WhatOneMirrorLacksAnotherGives_data();
+    void WhatOneMirrorLacksAnotherGives();
+    void TheContentServerHelpsOutWhenNoMirrorIsLeft_data();
+    void TheContentServerHelpsOutWhenNoMirrorIsLeft();
+    void EntriesOfTheContentServerComeFromNobodyElse();
+    void EntriesOfTheContentServerWaitForIt();
+    void AMirrorThatHasComeBackIsUsedAgain();
+    void TheBytesOfARejectedFileComeFromAnother();
+    void WhoeverGaveARejectedFileIsBehind();
+
+private:
+    std::unique_ptr<GatewayBench> Bench;
+    QByteArray const Bytes = LargeBytes(c_MiB);
+};
+
+void GatewayFailoverTest::init()
+{
+    Bench = std::make_unique<GatewayBench>();
+    Bench->Serve(c_Path, Bytes);
+}
+
+void GatewayFailoverTest::cleanup()
+{
+    Bench.reset();
+}
+
+void GatewayFailoverTest::AFetchGoesOnAtTheByteWhereAMirrorDied_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::newRow("closed") << Answer::Truncated(300000);
+    QTest::newRow("reset") << Answer::Reset(300000);
+    QTest::newRow("silent") << Answer::SilentAfter(300000);
+}
+
+void GatewayFailoverTest::AFetchGoesOnAtTheByteWhereAMirrorDied()
+{
+    QFETCH(Answer, answer);
+    // Whoever is asked first, the second is asked for the rest.
+    Bench->ScriptAll(c_Get, answer);
+    Bench->Open();
+    DoorReply const reply = Bench->Content(c_Path);
+    QVERIFY(reply.IsWhole);
+    QVERIFY(reply.Body == Bytes);
+    std::vector<qint64> starts;
+    for (RecordedRequest const& request : Bench->Requests(c_Path, "GET"))
+        starts.push_back(StartOf(request));
+    std::sort(starts.begin(), starts.end());
+    QCOMPARE(starts[0], qint64{0});
+    QCOMPARE(starts[1], qint64{300000});
+    QCOMPARE(starts[2], qint64{600000});
+    QCOMPARE(Bench->SentBytes(c_Path), qint64(Bytes.size()));
+    QVERIFY(!Bench->Door->Snapshot().GaveUp);
+}
+
+void GatewayFailoverTest::ASickMirrorIsReplaced_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::newRow("closed") << Answer::ClosedBeforeHeaders();
+    QTest::newRow("cut") << Answer::Truncated(1000);
+    QTest::newRow("reset") << Answer::Reset(1000);
+    QTest::newRow("silent") << Answer::SilentBeforeHeaders();
+    QTest::newRow("silent in the middle") << Answer::SilentAfter(1000);
+    for (int const status : {204, 301, 401, 416, 429, 500, 502, 503, 504})
+        QTest::addRow("%d", status) << Answer::Status(status);
+    QTest::newRow("a page") << Answer::Status(200, "<html>Log in</html>");
+    QTest::newRow("claims less") << Answer::ClaimingLength(1000);
+    QTest::newRow("claims more") << Answer::ClaimingLength(c_MiB + 1000);
+    QTest::newRow("another range") << Answer::WrongRangeStart(7);
+    QTest::newRow("another total") << Answer::ClaimingRange("bytes 0-1048575/2000000");
+    QTest::newRow("another unit") << Answer::ClaimingRange("lines 0-1048575/1048576");
+    QTest::newRow("no range at all") << Answer::ClaimingRange("nonsense");
+    QTest::newRow("redirect to nowhere")
+        << Answer::Redirect(ScriptedServer::RefusingUrl("/a").toLatin1());
+    QTest::newRow("redirect in a circle") << Answer::Redirect("/game/files/1");
+}
+
+void GatewayFailoverTest::ASickMirrorIsReplaced()
+{
+    QFETCH(Answer, answer);
+    // Slow enough that the sick one is asked too.
+    Bench->Mirrors[1]->Script("GET *").Always(Answer::Drip(64 * 1024, 10));
+    Bench->Mirrors[0]->Script("GET *").Always(answer);
+    std::vector<PlannedFile> plan;
+    for (char const* const path : {"game/files/1", "game/files/2", "game/files/3"}) {
+        Bench->Serve(path, Bytes);
+        plan.push_back(Planned(path));
+    }
+    Bench->Open();
+    Bench->Door->Plan(plan);
+    for (PlannedFile const& file : plan) {
+        DoorReply const reply = Bench->Content(QByteArray::fromStdString(file.Path));
+        QVERIFY(reply.IsWhole);
+        QVERIFY(reply.Body == Bytes);
+    }
+    QVERIFY(Bench->Mirrors[0]->ScriptedAnswers("GET *") > 0);
+    QCOMPARE(Bench->Server->Count("/game/files/1"), 0);
+    for (auto const& server : Bench->Door->Snapshot().Servers)
+        QCOMPARE(server.IsBehind, server.Name == Bench->Mirrors[0]->Host().toStdString());
+}
+
+void GatewayFailoverTest::ALargeFileOutlivesAMirror()
+{
+    GatewayBench bench(3);
+    QByteArray const bytes = LargeBytes(60 * c_MiB);
+    bench.Serve(c_Path, bytes);
+    bench.Open();
+    bench.Door->Plan({Planned(c_Path)});
+    DoorReader reader({bench.ContentUrl(c_Path)});
+    QVERIFY(Becomes([&] { return bench.Mirrors[2]->BodyBytes(c_ServerPath) > 0; }));
+    bench.Mirrors[2]->Stop();
+    QVERIFY(reader.Reply().IsWhole);
+    QVERIFY(reader.Reply().Body == bytes);
+    QCOMPARE(bench.Server->Count(c_ServerPath), 0);
+}
+
+void GatewayFailoverTest::WhatOneMirrorLacksAnotherGives_data()
+{
+    QTest::addColumn<int>("status");
+    for (int const status : {403, 404, 410})
+        QTest::newRow(QByteArray::number(status)) << status;
+}
+
+void GatewayFailoverTest::WhatOneMirrorLacksAnotherGives()
+{
+    QFETCH(int, status);
+    Bench->Mirrors[0]->Script("*").Always(Answer::Status(status));
+    Bench->Open();
+    for (int i = 0; i < 10; ++i) {
+        QByteArray const path = "game/files/" + QByteArray::number(i);
+        Bench->Serve(path, path);
+        QCOMPARE(Bench->Content(path).Body, path);
+    }
+    QCOMPARE(Bench->Server->Count("/game/files/0"), 0);
+}
+
+void GatewayFailoverTest::TheContentServerHelpsOutWhenNoMirrorIsLeft_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::newRow("closed") << Answer::ClosedBeforeHeaders();
+    QTest::newRow("cut") << Answer::Truncated(0);
+    QTest::newRow("silent") << Answer::SilentBeforeHeaders();
+    QTest::newRow("404") << Answer::Status(404);
+    QTest::newRow("500") << Answer::Status(500);
+}
+
+void GatewayFailoverTest::TheContentServerHelpsOutWhenNoMirrorIsLeft()
+{
+    QFETCH(Answer, answer);
+    Bench->ScriptMirrorsForEver("*", answer);
+    Bench->Open();
+    Bench->Door->Plan({Planned(c_Path)});
+    DoorReply const reply = Bench->Content(c_Path);
+    QVERIFY(reply.IsWhole);
+    QVERIFY(reply.Body == Bytes);
+    auto const servers = Bench->Door->Snapshot().Servers;
+    QVERIFY(servers.front().IsDefault);
+    QCOMPARE(servers.front().Received, std::uint64_t(Bytes.size()));
+}
+
+void GatewayFailoverTest::EntriesOfTheContentServerComeFromNobodyElse()
+{
+    for (auto const& mirror : Bench->Mirrors)
+        mirror->Serve(c_ServerPath, "of a mirror");
+    Bench->Open();
+    Bench->Door->Plan({{c_Path.toStdString(), 0, true}});
+    QVERIFY(AskDoor({Bench->DocumentUrl(c_Path)}).Body == Bytes);
+    QVERIFY(Bench->Content(c_Path).Body == Bytes);
+    for (auto const& mirror : Bench->Mirrors)
+        QCOMPARE(mirror->Requests().size(), std::size_t{0});
+}
+
+void GatewayFailoverTest::EntriesOfTheContentServerWaitForIt()
+{
+    Bench->Server->Script('/' + c_Path).Then(Answer::Status(500), 4);
+    Bench->Open();
+    Bench->Door->Plan({{c_Path.toStdString(), 0, true}});
+    DoorReply const reply = AskDoor({Bench->DocumentUrl(c_Path)});
+    QVERIFY(reply.IsWhole);
+    QVERIFY(reply.Body == Bytes);
+    for (auto const& mirror : Bench->Mirrors)
+        QCOMPARE(mirror->Requests().size(), std::size_t{0});
+}
+
+void GatewayFailoverTest::AMirrorThatHasComeBackIsUsedAgain()
+{
+    Bench->Open();
+    Bench->Mirrors[0]->Script("*").Always(Answer::ClosedBeforeHeaders());
+    int file = 0;
+    auto const fetchOne = [&] {
+        QByteArray const path = "game/files/" + QByteArray::number(++file);
+        Bench->Serve(path, path);
+        return Bench->Content(path).Body == path;
+    };
+    while (Bench->Mirrors[0]->ScriptedAnswers("*") == 0)
+        QVERIFY(fetchOne());
+    Bench->Mirrors[0]->ClearScript("*");
+    Bench->Mirrors[1]->Stop();
+    QVERIFY(Becomes([&] {
+        return fetchOne() &&
+               Bench->Mirrors[0]->BodyBytes("/game/files/" + QString::number(file)) > 0;
+    }));
+}
+
+void GatewayFailoverTest::TheBytesOfARejectedFileComeFromAnother()
+{
+    QByteArray const first(100000, 'a');
+    QByteArray const second(100000, 'b');
+    Bench->Mirrors[0]->Serve(c_ServerPath, first);
+    Bench->Mirrors[1]->Serve(c_ServerPath, second);
+    Bench->Open();
+    Bench->Door->Plan({Planned(c_Path)});
+    QByteArray const given = Bench->Content(c_Path).Body;
+    QVERIFY(given == first || given == second);
+    Bench->Door->Reject(c_Path.toStdString());
+    QVERIFY(Bench->Content(c_Path).Body == (given == first ? second : first));
+}
+
+void GatewayFailoverTest::WhoeverGaveARejectedFileIsBehind()
+{
+    Bench->Mirrors[0]->Serve(c_ServerPath, QByteArray(100000, 'a'));
+    Bench->Mirrors[1]->Serve(c_ServerPath, QByteArray(100000, 'b'));
+    Bench->Open();
+    bool const isFirst = Bench->Content(c_Path).Body.startsWith('a');
+    Bench->Door->Reject(c_Path.toStdString());
+    std::string const giver = Bench->Mirrors[isFirst ? 0 : 1]->Host().toStdString();
+    for (auto const& server : Bench->Door->Snapshot().Servers)
+        QCOMPARE(server.IsBehind, server.Name == giver);
+    for (int i = 0; i < 10; ++i) {
+        QByteArray const path = "game/files/" + QByteArray::number(i);
+        Bench->Serve(path, path);
+        QCOMPARE(Bench->Content(path).Body, path);
+        QCOMPARE(Bench->Mirrors[isFirst ? 0 : 1]->BodyBytes('/' + path), qint64{0});
+    }
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayFailoverTest)
+#include "tst_GatewayFailover.moc"

@@ -1,0 +1,259 @@
+#include "Tests/Gateway/GatewayBench.hpp"
+#include "Tests/Support/SampleContent.hpp"
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+QByteArray const c_Path = "game/files/a";
+
+QByteArray Numbered(int p_Number)
+{
+    return "game/files/" + QByteArray::number(p_Number);
+}
+
+} // namespace
+
+/// The sizes of files, and servers that do less than others.
+class GatewaySizesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void SizesOfAPlanAreAskedOnce();
+    void SizesMayBeAskedForAlone();
+    void ASizeNeedNotBeKnownToAnyPlan();
+    void AreAskedForSideBySide();
+    void AreLearntFromAGetWhereHeadIsRefused_data();
+    void AreLearntFromAGetWhereHeadIsRefused();
+    void ASickMirrorCostsNoSize_data();
+    void ASickMirrorCostsNoSize();
+    void OfAFileThatNobodyHasThereIsNone();
+    void AreForgottenWithTheRun();
+
+    void AServerWithoutRangesIsUsedAsItIs();
+    void AServerWithoutRangesGivesTheRestOfAFile();
+    void AServerWithoutLengthIsUsedAsItIs();
+    void WhatIsPackedWithoutBeingAskedComesAsItWas();
+    void WhatComesPackedIsNeverTakenForContent();
+};
+
+void GatewaySizesTest::SizesOfAPlanAreAskedOnce()
+{
+    GatewayBench bench;
+    std::vector<PlannedFile> plan;
+    for (int i = 0; i < 100; ++i) {
+        bench.Serve(Numbered(i), QByteArray(i, 'x'));
+        plan.push_back(Planned(Numbered(i)));
+    }
+    bench.Open();
+    bench.Door->Plan(plan);
+    QVERIFY(Becomes([&] { return bench.Door->Snapshot().SizesKnown == 100; }));
+    for (int i = 0; i < 100; ++i) {
+        QCOMPARE(bench.Door->SizeOf(Numbered(i).toStdString()), std::uint64_t(i));
+        DoorReply const reply = AskDoor({bench.ContentUrl(Numbered(i)), {}, "HEAD"});
+        QCOMPARE(reply.Header("Content-Length").toInt(), i);
+        QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
+    }
+    bench.Door->Plan(plan);
+    QCOMPARE(bench.Door->Snapshot().SizesKnown, std::uint32_t{100});
+    for (int i = 0; i < 100; ++i)
+        QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
+}
+
+void GatewaySizesTest::SizesMayBeAskedForAlone()
+{
+    GatewayBench bench;
+    bench.Serve(c_Path, "content");
+    bench.Open();
+    QVERIFY(!bench.Door->SizeOf(c_Path.toStdString()));
+    bench.Door->AskSizes({Planned(c_Path)});
+    QVERIFY(Becomes([&] { return bench.Door->SizeOf(c_Path.toStdString()) == std::uint64_t{7}; }));
+    QCOMPARE(bench.SentBytes(c_Path), qint64{0});
+    QCOMPARE(bench.Door->Snapshot().Received, std::uint64_t{0});
+}
+
+void GatewaySizesTest::ASizeNeedNotBeKnownToAnyPlan()
+{
+    GatewayBench bench;
+    bench.Serve(c_Path, "content");
+    bench.Open();
+    for (int i = 0; i < 3; ++i) {
+        DoorReply const reply = AskDoor({bench.ContentUrl(c_Path), {}, "HEAD"});
+        QCOMPARE(reply.Status, 200);
+        QCOMPARE(reply.Header("Content-Length"), QByteArray("7"));
+    }
+    QCOMPARE(bench.Requests(c_Path, "HEAD").size(), std::size_t{1});
+}
+
+void GatewaySizesTest::AreAskedForSideBySide()
+{
+    GatewayBench bench(3);
+    bench.Options.StallTime = std::chrono::minutes{1};
+    std::vector<PlannedFile> files;
+    for (int i = 0; i < 60; ++i) {
+        bench.Serve(Numbered(i), "content");
+        bench.ScriptAll("HEAD /" + Numbered(i), Answer::SilentBeforeHeaders());
+        files.push_back(Planned(Numbered(i)));
+    }
+    bench.Open();
+    bench.Door->AskSizes(files);
+    QVERIFY(Becomes([&] { return bench.AnswersNow("HEAD") == 16; }));
+    QCOMPARE(bench.Document("game/version.json").Status, 200);
+    QCOMPARE(bench.AnswersNow("HEAD"), 16);
+    for (ScriptedServer* const server : bench.Servers()) {
+        for (int i = 0; i < 60; ++i)
+            server->OpenGate('/' + Numbered(i), 2);
+        QVERIFY(server->MostAnswers("HEAD") <= 8);
+    }
+    QVERIFY(Becomes([&] { return bench.Door->SizeOf(Numbered(59).toStdString()).has_value(); }));
+    for (ScriptedServer* const server : bench.Servers())
+        QVERIFY(server->MostAnswers("HEAD") <= 8);
+}
+
+void GatewaySizesTest::AreLearntFromAGetWhereHeadIsRefused_data()
+{
+    QTest::addColumn<int>("status");
+    for (int const status : {400, 403, 405, 501})
+        QTest::newRow(QByteArray::number(status)) << status;
+}
+
+void GatewaySizesTest::AreLearntFromAGetWhereHeadIsRefused()
+{
+    QFETCH(int, status);
+    GatewayBench bench;
+    QByteArray const bytes = LargeBytes(c_MiB);
+    bench.Serve(c_Path, bytes);
+    bench.ScriptForEver("HEAD *", Answer::Status(status));
+    bench.Open();
+    bench.Door->AskSizes({Planned(c_Path)});
+    QVERIFY(
+        Becomes([&] { return bench.Door->SizeOf(c_Path.toStdString()) == std::uint64_t{c_MiB}; }));
+    QCOMPARE(bench.SentBytes(c_Path), qint64{1});
+    QCOMPARE(bench.Requests(c_Path, "GET").front().Header("Range"), QByteArray("bytes=0-0"));
+    QVERIFY(bench.Content(c_Path).Body == bytes);
+}
+
+void GatewaySizesTest::ASickMirrorCostsNoSize_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::newRow("500") << Answer::Status(500);
+    QTest::newRow("404") << Answer::Status(404);
+    QTest::newRow("closed") << Answer::ClosedBeforeHeaders();
+    QTest::newRow("silent") << Answer::SilentBeforeHeaders();
+}
+
+void GatewaySizesTest::ASickMirrorCostsNoSize()
+{
+    QFETCH(Answer, answer);
+    GatewayBench bench;
+    std::vector<PlannedFile> files;
+    for (int i = 0; i < 20; ++i) {
+        bench.Serve(Numbered(i), "content");
+        files.push_back(Planned(Numbered(i)));
+    }
+    bench.Mirrors[0]->Script("*").Always(answer);
+    bench.Open();
+    bench.Door->AskSizes(files);
+    for (int i = 0; i < 20; ++i)
+        QVERIFY(Becomes(
+            [&] { return bench.Door->SizeOf(Numbered(i).toStdString()) == std::uint64_t{7}; }));
+}
+
+void GatewaySizesTest::OfAFileThatNobodyHasThereIsNone()
+{
+    GatewayBench bench;
+    bench.Open();
+    bench.Door->AskSizes({Planned(c_Path)});
+    QVERIFY(Becomes([&] { return bench.ProblemOf(c_Path).HttpStatus == 404; }));
+    QVERIFY(!bench.Door->SizeOf(c_Path.toStdString()));
+    QCOMPARE(AskDoor({bench.ContentUrl(c_Path), {}, "HEAD"}).Status, 404);
+}
+
+void GatewaySizesTest::AreForgottenWithTheRun()
+{
+    GatewayBench bench;
+    bench.Serve(c_Path, "content");
+    bench.Open();
+    bench.Door->Plan({Planned(c_Path)});
+    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Held == 7; }));
+    bench.Serve(c_Path, "another content");
+    bench.Door->BeginRun(GatewayBench::Source::Server);
+    QVERIFY(!bench.Door->SizeOf(c_Path.toStdString()));
+    QCOMPARE(bench.Door->Snapshot().Held, std::uint64_t{0});
+    QCOMPARE(bench.Door->Snapshot().SizesKnown, std::uint32_t{0});
+    QCOMPARE(bench.Door->Snapshot().Received, std::uint64_t{0});
+    bench.FetchHosts();
+    QCOMPARE(bench.Content(c_Path).Body, QByteArray("another content"));
+}
+
+void GatewaySizesTest::AServerWithoutRangesIsUsedAsItIs()
+{
+    GatewayBench bench(1);
+    QByteArray const bytes = LargeBytes(40 * c_MiB);
+    bench.Serve(c_Path, bytes);
+    bench.ScriptMirrorsForEver("*", Answer::IgnoringRange());
+    bench.Open();
+    bench.Door->Plan({Planned(c_Path)});
+    DoorReply const reply = bench.Content(c_Path);
+    QVERIFY(reply.IsWhole);
+    QVERIFY(reply.Body == bytes);
+    QCOMPARE(bench.Server->Count('/' + c_Path), 0);
+}
+
+void GatewaySizesTest::AServerWithoutRangesGivesTheRestOfAFile()
+{
+    GatewayBench bench(1);
+    QByteArray const bytes = LargeBytes(20 * c_MiB);
+    bench.Serve(c_Path, bytes);
+    bench.ScriptMirrorsForEver("*", Answer::IgnoringRange());
+    bench.Open();
+    DoorReply const reply = bench.Content(c_Path, "bytes=17000000-");
+    QCOMPARE(reply.Status, 206);
+    QVERIFY(reply.Body == bytes.mid(17'000'000));
+    QCOMPARE(bench.Server->Count('/' + c_Path), 0);
+}
+
+void GatewaySizesTest::AServerWithoutLengthIsUsedAsItIs()
+{
+    GatewayBench bench(1);
+    QByteArray const bytes = LargeBytes(20 * c_MiB);
+    bench.Serve(c_Path, bytes);
+    Answer answer = Answer::WithoutLength();
+    answer.IgnoresRange = true;
+    bench.ScriptForEver("*", answer);
+    bench.Open();
+    DoorReply const reply = bench.Content(c_Path);
+    QCOMPARE(reply.Status, 200);
+    QVERIFY(reply.IsWhole);
+    QVERIFY(reply.Body == bytes);
+}
+
+void GatewaySizesTest::WhatIsPackedWithoutBeingAskedComesAsItWas()
+{
+    GatewayBench bench;
+    QByteArray const bytes = QByteArray("a line of text\n").repeated(100000);
+    bench.Serve(c_Path, bytes);
+    bench.Mirrors[0]->Script("*").Always(Answer::Gzip());
+    bench.Open();
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(bench.Content(c_Path).Body == bytes);
+}
+
+void GatewaySizesTest::WhatComesPackedIsNeverTakenForContent()
+{
+    GatewayBench bench(1);
+    QByteArray const bytes = QByteArray("a line of text\n").repeated(100000);
+    bench.Serve(c_Path, bytes);
+    bench.Options.RetryFor = std::chrono::seconds{2};
+    bench.ScriptForEver("GET *", Answer::Gzip());
+    bench.ScriptForEver("HEAD *", Answer::Gzip());
+    bench.Open();
+    DoorReply const reply = bench.Content(c_Path);
+    QVERIFY(reply.Body == bytes || !reply.IsWhole || reply.Status >= 400);
+    QVERIFY(reply.Header("Content-Encoding").isNull());
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewaySizesTest)
+#include "tst_GatewaySizes.moc"
