@@ -12,9 +12,10 @@ FailureKind KindOf(Gateway::FetchProblem::Type p_Type)
 
     switch (p_Type) {
     case Type::Unreachable:
-    case Type::Untrusted:
     case Type::Dropped:
         return FailureKind::ServerUnreachable;
+    case Type::Untrusted:
+        return FailureKind::CertificateWrong;
     case Type::Silent:
         return FailureKind::ServerSilent;
     case Type::Refused:

@@ -1,6 +1,5 @@
 #include "Host/Core/NetworkDoor.hpp"
 
-#include "Launcher/Application/ContentServer.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
@@ -16,6 +15,7 @@ namespace {
 constexpr char c_Variable[] = "VARNHOLT_CONTENT_BASE_URL";
 QString const c_DefaultServer = QStringLiteral("d/"); // below the door's address
 QString const c_Mirrors = QStringLiteral("m/");
+QString const c_MirrorsName = QStringLiteral("mirrors/"); // which of them, the door decides
 
 /// Reaches one port of this machine without a proxy, and everything else as before.
 class DirectWay : public QNetworkProxyFactory {
@@ -55,14 +55,6 @@ std::optional<QByteArray> Variable()
     return qgetenv(c_Variable);
 }
 
-/// Read before the environment names the door.
-QUrl ServerOf(HostOptions const& p_Options)
-{
-    return QUrl(p_Options.ContentUrl.isEmpty()
-                    ? Launcher::DefaultContentBaseUrl()
-                    : Launcher::Helper::Paths::WithSlash(p_Options.ContentUrl));
-}
-
 Gateway::GatewayOptions OptionsOf(HostOptions const& p_Options, QUrl const& p_Server)
 {
     using std::chrono::milliseconds;
@@ -93,13 +85,14 @@ NetworkDoor::NetworkDoor(HostOptions const& p_Options, QString p_AppId)
     , FormerUrl(Variable())
     , UsedSystemProxies(QNetworkProxyFactory::usesSystemConfiguration())
     , FormerProxy(QNetworkProxy::applicationProxy())
-    , Server(ServerOf(p_Options).toString(QUrl::RemoveUserInfo))
-    , Door(std::make_unique<Gateway::Gateway>(OptionsOf(p_Options, ServerOf(p_Options))))
+    , Server(QUrl(p_Options.ContentServer()).toString(QUrl::RemoveUserInfo))
+    , Door(std::make_unique<Gateway::Gateway>(OptionsOf(p_Options, p_Options.ContentServer())))
     , Base(QString::fromStdString(Door->BaseUrl()))
 {
     if (!IsOpen())
         return;
     Announce();
+    p_Options.Names->Set({{Base + c_DefaultServer, Server}, {Base + c_Mirrors, c_MirrorsName}});
     QNetworkProxyFactory::setApplicationProxyFactory(
         new DirectWay(QUrl(Base).port(), UsedSystemProxies, FormerProxy));
 }

@@ -98,7 +98,7 @@ void RunControl::OnInspected()
         return TellUpdate();
     Survey =
         std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Folder(),
-                                     std::chrono::milliseconds(Context.Options.StallMilliseconds));
+                                          Context.Options.StallMilliseconds);
 }
 
 void RunControl::LookAtSizes()

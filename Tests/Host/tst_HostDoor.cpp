@@ -2,6 +2,7 @@
 #include "Host/Core/NetworkDoor.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 
 #include <QNetworkAccessManager>
@@ -48,6 +49,7 @@ private Q_SLOTS:
     void SessionsOneAfterTheOtherHaveServersOfTheirOwn();
     void ASessionWorksWhereAProxyIsSet();
     void TheGameSeesNoDoor();
+    void TheLogNamesServersAndNotTheDoor();
 };
 
 void HostDoorTest::EachProblemIsToldAsItsKind_data()
@@ -60,6 +62,7 @@ void HostDoorTest::EachProblemIsToldAsItsKind_data()
         QTest::newRow(p_Name) << static_cast<int>(p_Type) << p_Identifier;
     };
     row("unreachable", Type::Unreachable, "server-unreachable");
+    row("untrusted", Type::Untrusted, "server-untrusted");
     row("dropped", Type::Dropped, "server-unreachable");
     row("silent", Type::Silent, "server-silent");
     row("refused", Type::Refused, "server-refusal");
@@ -72,8 +75,8 @@ void HostDoorTest::EachProblemIsToldAsItsKind()
     Host::Failure const failure = Host::ExplainFetch(
         {static_cast<Gateway::FetchProblem::Type>(type), "http://a.example/a%20b", "why", 0});
     QTEST(failure.Identifier(), "identifier");
-    QVERIFY2(failure.Sentence().contains("http://a.example/a b (why)") ||
-                 failure.Sentence().contains("http://a.example/a b is not usable (why)"),
+    QVERIFY2(failure.Sentence().contains("http://a.example/a b ") &&
+                 failure.Sentence().contains("(why)"),
              qPrintable(failure.Sentence()));
 }
 
@@ -215,6 +218,18 @@ void HostDoorTest::TheGameSeesNoDoor()
     QVERIFY(game.WaitForStarts(1));
     QVERIFY(game.Environment().contains("HOME="));
     QVERIFY2(!game.Environment().contains(c_Variable), qPrintable(game.Environment()));
+}
+
+void HostDoorTest::TheLogNamesServersAndNotTheDoor()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    QString const log = game.Base + "log.txt";
+    QCOMPARE(HostProcess(game, {"--log-file", log, "-q", "install", game.Folder}).Finish().Status,
+             0);
+    QString const text = QString::fromUtf8(ReadFile(log));
+    QVERIFY2(text.contains(" mirrors/pelmora_app/builds/build_1/"), qPrintable(text));
+    QVERIFY2(!text.contains("127.0.0.1"), qPrintable(text));
 }
 
 } // namespace Varnholt::TestSupport
