@@ -28,28 +28,19 @@ SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door,
 
 bool SizeSurvey::Look()
 {
-    std::size_t const before = Next;
-    while (Next < Files.size() && Take(Files[Next]))
-        ++Next;
     auto const snapshot = Door->Snapshot();
-    if (Next != before || snapshot.SizesKnown != Known)
+    if (snapshot.SizesKnown != Settled)
         SinceAnswer.start();
-    Known = snapshot.SizesKnown;
-    bool const isDone = Next == Files.size() || snapshot.GaveUp || SinceAnswer.hasExpired(Patience);
+    Settled = snapshot.SizesKnown;
+    bool const isDone =
+        Settled == Files.size() || snapshot.GaveUp || SinceAnswer.hasExpired(Patience);
     for (std::size_t i = 0; isDone && i < Files.size(); ++i)
-        Take(Files[i]);
+        if (auto const size = Door.SizeOf(Files[i].Location)) {
+            QString const part = Launcher::Helper::Paths::PartFile(Folder + Files[i].Path);
+            Files[i].Bytes =
+                std::max<qint64>(0, static_cast<qint64>(*size) - QFileInfo(part).size());
+        }
     return isDone;
-}
-
-bool SizeSurvey::Take(FileFinding& p_Finding) const
-{
-    auto const size = Door.SizeOf(p_Finding.Location);
-    if (!size)
-        return Door.ProblemOf(p_Finding.Location).has_value();
-    qint64 const there =
-        QFileInfo(Launcher::Helper::Paths::PartFile(Folder + p_Finding.Path)).size();
-    p_Finding.Bytes = std::max<qint64>(0, static_cast<qint64>(*size) - there);
-    return true;
 }
 
 } // namespace Varnholt::Host

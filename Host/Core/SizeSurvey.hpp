@@ -22,18 +22,15 @@ public:
 
     /// With the sizes that are known; those that no server told stay unknown.
     std::vector<FileFinding> const& Findings() const { return Files; }
-    quint32 Answered() const { return static_cast<quint32>(Next); }
+    quint32 Answered() const { return Settled; }
 
 private:
-    bool Take(FileFinding& p_Finding) const;
-
     std::vector<FileFinding> Files;
     NetworkDoor& Door;
     QString Folder;
     int Patience;
     QElapsedTimer SinceAnswer;
-    quint32 Known = 0;
-    std::size_t Next = 0; ///< all before it are answered
+    quint32 Settled = 0; ///< files that are answered, with a size or without
 };
 
 } // namespace Varnholt::Host
