@@ -43,8 +43,8 @@ private:
 /// What Qt asks a server for behind p_Base.
 std::string BehindBase(QString const& p_Base, QString const& p_Path)
 {
-    QByteArray const url =
-        QUrl(p_Base + p_Path, QUrl::TolerantMode).toEncoded(QUrl::RemoveFragment);
+    QByteArray const url = QUrl(p_Base + p_Path, QUrl::TolerantMode)
+                               .toEncoded(QUrl::RemoveFragment | QUrl::NormalizePathSegments);
     return url.mid(p_Base.size()).toStdString(); // the door's own address needs no encoding
 }
 
@@ -76,6 +76,17 @@ Gateway::GatewayOptions OptionsOf(HostOptions const& p_Options, QUrl const& p_Se
     options.RetryFor = milliseconds(p_Options.RetryForMilliseconds);
     options.CopyDelay = milliseconds(p_Options.CopyDelayMilliseconds);
     return options;
+}
+
+/// A refusal is a problem too.
+void Judge(Gateway::Reply& p_Reply, std::string const& p_Url)
+{
+    constexpr int c_FirstError = 400;
+
+    if (!p_Reply.Problem && p_Reply.HttpStatus >= c_FirstError)
+        p_Reply.Problem = Gateway::FetchProblem{Gateway::FetchProblem::Type::Refused, p_Url,
+                                                "HTTP status " + std::to_string(p_Reply.HttpStatus),
+                                                p_Reply.HttpStatus};
 }
 
 } // namespace
@@ -157,8 +168,10 @@ void NetworkDoor::Ask(Gateway::Question p_Question, QObject& p_Context,
                       std::function<void(Gateway::Reply const&)> p_OnReply)
 {
     QPointer<QObject> const context(&p_Context);
+    std::string const url = p_Question.Server + p_Question.Path;
     Door->Ask(std::move(p_Question),
-              [this, context, onReply = std::move(p_OnReply)](Gateway::Reply const& p_Reply) {
+              [this, context, url, onReply = std::move(p_OnReply)](Gateway::Reply p_Reply) {
+                  Judge(p_Reply, url);
                   QMetaObject::invokeMethod(
                       &Relay,
                       [context, onReply, p_Reply] {

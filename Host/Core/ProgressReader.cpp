@@ -80,13 +80,15 @@ void ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
 {
     Gateway::GatewaySnapshot const door = Door->Snapshot();
     p_Snapshot.BytesReceived = door.Received;
+    if (p_Snapshot.Phase != RunPhase::Suspended)
+        p_Snapshot.Wait = WaitOf(door.Waits);
+    if (!IsDownloading(p_Snapshot.Phase))
+        return;
     p_Snapshot.Rate = door.Rate;
     p_Snapshot.Mirror = QString::fromStdString(door.Server);
     for (auto const& server : door.Servers)
         if (server.Received > 0)
             p_Snapshot.Servers.push_back({QString::fromStdString(server.Name), server.Rate});
-    if (p_Snapshot.Phase != RunPhase::Suspended)
-        p_Snapshot.Wait = WaitOf(door.Waits);
 }
 
 void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const

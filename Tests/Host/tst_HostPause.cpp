@@ -18,8 +18,7 @@ QString const c_Streamed = QStringLiteral("Data/streamed 1.MPQ");
 /// Lets a run stand still within a file's content.
 void HoldContent(SessionGame& p_Game, QString const& p_File, qint64 p_Bytes)
 {
-    p_Game.Server.Script(p_Game.Content.ServerPath(p_File))
-        .Then(Answer::Normal()) // its size
+    p_Game.Server.Script("GET " + p_Game.Content.ServerPath(p_File))
         .Then(Answer::SilentAfter(p_Bytes));
 }
 
@@ -158,12 +157,11 @@ void HostPauseTest::APauseBeforeTheAnswerHolds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Server.Script(game.Content.ServerPath(c_FirstBuild))
-        .Then(Answer::Normal())
-        .Then(Answer::SilentBeforeHeaders());
+    QString const content = "GET " + game.Content.ServerPath(c_FirstBuild);
+    game.Server.Script(content).Then(Answer::SilentBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return game.Requests(c_FirstBuild) == 2; }));
+    QVERIFY(game.WaitUntil([&] { return game.Server.ScriptedAnswers(content) == 1; }));
     game.Session().Pause();
     HoldsFor(game);
     QVERIFY(!game.Has(c_FirstBuild));
@@ -239,8 +237,7 @@ void HostPauseTest::APausedRunHasNoRate()
     SessionGame game;
     game.AddFiles().Publish();
     QString const path = game.Content.ServerPath(c_Base);
-    game.Server.Script(path).Then(Answer::Normal());
-    game.Server.Script(path).Always(Answer::Drip(600, 10)); // a second at least
+    game.Server.Script("GET " + path).Always(Answer::Drip(600, 10)); // a second at least
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitUntil([&] { return !game.Snapshots.empty() && game.Snapshots.back().Rate; }));
@@ -274,12 +271,11 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
     HostGame game;
     game.AddFiles().Publish();
     QString const path = game.Content.ServerPath(c_Base);
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(20000));
     HostProcess host(game, {"install", game.Folder});
     QVERIFY(host.WaitUntil([&] { return game.Read(c_Base + ".part").size() == 20000; }));
     host.Signal(SIGUSR1);
     QVERIFY(host.WaitForErr("\nsuspended\n"));
-    QCOMPARE(game.Server.Count(path), 2);
     host.Signal(SIGUSR1);
     Outcome const outcome = host.Finish();
     QCOMPARE(outcome.Status, 0);
