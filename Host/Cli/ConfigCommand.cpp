@@ -85,7 +85,7 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
 {
     if (!Keys().contains(p_Key))
         return Failure{FailureKind::OptionUnknown, p_Key, Keys().join(QStringLiteral(", "))};
-    if (auto const fault = FaultOf(p_Key, p_Value))
+    if (auto fault = FaultOf(p_Key, p_Value))
         return fault;
     if (p_Value.isEmpty())
         p_Settings.Remove(StoreKey(p_Key));

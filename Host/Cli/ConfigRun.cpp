@@ -49,7 +49,7 @@ std::optional<Failure> ConfigRun::Set()
         return Failure{FailureKind::OptionInvalid, key,
                        QStringLiteral("every user of the machine could read a password on the "
                                       "command line; without one it is asked for")};
-    auto const failure = ConfigCommand::Set(Settings, key, Chosen.ConfigValue);
+    auto failure = ConfigCommand::Set(Settings, key, Chosen.ConfigValue);
     if (!failure && key == QLatin1String("limit-rate"))
         TellRate();
     return failure;

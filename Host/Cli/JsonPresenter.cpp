@@ -10,6 +10,29 @@ namespace Varnholt::Host {
 
 namespace {
 
+/// A figure that can exceed what a script's 32-bit integer holds, never a double's 53 bits.
+double Figure(quint64 p_Value)
+{
+    return static_cast<double>(p_Value);
+}
+
+QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
+{
+    QJsonArray servers;
+    for (ServerShare const& server : p_Servers)
+        servers.append(QJsonObject{{QStringLiteral("server"), server.Name},
+                                   {QStringLiteral("rate"), Figure(server.Rate)}});
+    return servers;
+}
+
+QJsonObject ObjectOf(ServerWait const& p_Wait)
+{
+    return {{QStringLiteral("server"), p_Wait.Server},
+            {QStringLiteral("cause"), p_Wait.Cause},
+            {QStringLiteral("silent"), p_Wait.Silent},
+            {QStringLiteral("nextAttempt"), p_Wait.NextAttempt}};
+}
+
 QJsonObject ObjectOf(FileFinding const& p_Finding)
 {
     QJsonObject object{{QStringLiteral("file"), p_Finding.Path},
@@ -38,12 +61,6 @@ QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
     for (auto const& row : p_Rows)
         object.insert(row.first, row.second);
     return object;
-}
-
-/// A figure that can exceed what a script's 32-bit integer holds, never a double's 53 bits.
-double Figure(quint64 p_Value)
-{
-    return static_cast<double>(p_Value);
 }
 
 } // namespace
@@ -102,11 +119,18 @@ void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     if (!isNew && !SinceProgress.hasExpired(c_IntervalMilliseconds))
         return;
     Phase = p_Snapshot.Phase;
+    Write("progress", Progress(p_Snapshot));
+    SinceProgress.start(); // behind the line: its own time decides how often lines come
+}
+
+QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
+{
     QJsonObject object{{QStringLiteral("phase"), PhaseName(p_Snapshot.Phase)},
                        {QStringLiteral("fileNumber"), static_cast<qint64>(p_Snapshot.FileNumber)},
                        {QStringLiteral("fileCount"), static_cast<qint64>(p_Snapshot.FileCount)},
                        {QStringLiteral("bytes"), Figure(p_Snapshot.BytesDone)},
                        {QStringLiteral("total"), Figure(p_Snapshot.BytesTotal)},
+                       {QStringLiteral("received"), Figure(p_Snapshot.BytesReceived)},
                        {QStringLiteral("rate"), Figure(p_Snapshot.Rate)}};
     if (!p_Snapshot.File.isEmpty())
         object.insert(QStringLiteral("file"), p_Snapshot.File);
@@ -114,8 +138,11 @@ void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
         object.insert(QStringLiteral("mirror"), p_Snapshot.Mirror);
     if (p_Snapshot.Remaining >= 0)
         object.insert(QStringLiteral("eta"), p_Snapshot.Remaining);
-    Write("progress", object);
-    SinceProgress.start(); // behind the line: its own time decides how often lines come
+    if (!p_Snapshot.Servers.empty())
+        object.insert(QStringLiteral("servers"), ArrayOf(p_Snapshot.Servers));
+    if (p_Snapshot.Wait)
+        object.insert(QStringLiteral("wait"), ObjectOf(*p_Snapshot.Wait));
+    return object;
 }
 
 void JsonPresenter::ShowNotice(QString const& p_Text)

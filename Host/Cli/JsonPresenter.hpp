@@ -26,6 +26,9 @@ public:
                     QString const& p_Game) override;
     void ShowFailure(Failure const& p_Failure) override;
 
+    /// What "progress" says, without type and time.
+    static QJsonObject Progress(RunSnapshot const& p_Snapshot);
+
 private:
     /// Adds type and time and writes the line.
     void Write(char const* p_Type, QJsonObject p_Object);

@@ -34,6 +34,46 @@ QString Figures(RunSnapshot const& p_Snapshot)
     return figures.join(QStringLiteral(", "));
 }
 
+/// Who serves: what has brought nothing lately is left out.
+QString Source(RunSnapshot const& p_Snapshot)
+{
+    QStringList names;
+    for (ServerShare const& server : p_Snapshot.Servers)
+        if (server.Rate > 0)
+            names += server.Name;
+    return names.size() > 1 ? names.join(QStringLiteral(", ")) : p_Snapshot.Mirror;
+}
+
+/// "12 s" or "5 min 3 s".
+QString Seconds(qint64 p_Seconds)
+{
+    constexpr qint64 c_Minute = 60;
+
+    QString const seconds = QStringLiteral("%1 s").arg(p_Seconds % c_Minute);
+    return p_Seconds < c_Minute ? seconds
+                                : QStringLiteral("%1 min ").arg(p_Seconds / c_Minute) + seconds;
+}
+
+QString WaitText(ServerWait const& p_Wait)
+{
+    QString const next = p_Wait.NextAttempt > 0
+                             ? QStringLiteral("next attempt in ") + Seconds(p_Wait.NextAttempt)
+                             : QStringLiteral("next attempt under way");
+    return QStringLiteral("server silent for %1, %2 (%3: %4)")
+        .arg(Seconds(p_Wait.Silent), next, p_Wait.Server, p_Wait.Cause);
+}
+
+/// The longest that has room: what is done matters less than what is waited for.
+QString WaitBar(RunSnapshot const& p_Snapshot, QString const& p_Percent, int p_Width)
+{
+    QString const wait = WaitText(*p_Snapshot.Wait);
+    QString const phase = PhaseText(p_Snapshot.Phase) + QStringLiteral("  ");
+    for (QString const& line : {phase + p_Percent + wait, phase + wait})
+        if (line.size() <= p_Width)
+            return line;
+    return wait.left(p_Width);
+}
+
 QString DrawnBar(int p_Permille, int p_Cells, bool p_Unicode)
 {
     constexpr int c_Whole = 1000;
@@ -73,8 +113,10 @@ QString Line(RunSnapshot const& p_Snapshot)
     QString const figures = Figures(p_Snapshot);
     if (!figures.isEmpty())
         parts += figures;
-    if (!p_Snapshot.Mirror.isEmpty())
-        parts += QStringLiteral("from %1").arg(p_Snapshot.Mirror);
+    if (p_Snapshot.Wait)
+        parts += WaitText(*p_Snapshot.Wait);
+    else if (QString const source = Source(p_Snapshot); !source.isEmpty())
+        parts += QStringLiteral("from %1").arg(source);
     return parts.isEmpty() ? line : line + QStringLiteral(": ") + parts.join(QStringLiteral(", "));
 }
 
@@ -85,10 +127,14 @@ QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode)
 
     QString line = PhaseText(p_Snapshot.Phase);
     int const permille = Permille(p_Snapshot);
+    QString const percent = QStringLiteral(" %1 %").arg(permille / 10, 3);
+    if (p_Snapshot.Wait)
+        return WaitBar(p_Snapshot,
+                       permille < 0 ? QString() : percent.trimmed() + QStringLiteral("  "),
+                       p_Width);
     if (permille < 0)
         return line.left(p_Width);
     line += QStringLiteral("  %1/%2").arg(p_Snapshot.FileNumber).arg(p_Snapshot.FileCount);
-    QString const percent = QStringLiteral(" %1 %").arg(permille / 10, 3);
     QString const figures = Figures(p_Snapshot);
     QString const tail = figures.isEmpty() ? percent : percent + QStringLiteral("  ") + figures;
 

@@ -112,7 +112,10 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
     case RunRequest::Type::Repair:
         return {FetchSummary(p_Result, p_Name)};
     case RunRequest::Type::Check:
-        return {QStringLiteral("%1, build %2, is up to date").arg(p_Name, p_Result.Build)};
+        return {(p_Request.Quick ? QStringLiteral("%1, build %2, is the current build; its files "
+                                                  "were not looked at")
+                                 : QStringLiteral("%1, build %2, is up to date"))
+                    .arg(p_Name, p_Result.Build)};
     case RunRequest::Type::Verify:
         return {QStringLiteral("every file of %1, build %2, is right").arg(p_Name, p_Result.Build)};
     case RunRequest::Type::AskMirrors:

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int c_WaitMilliseconds = 3'000;
 constexpr int c_LongestLine = 32;
-constexpr char c_Limit[] = "limit ";
+QByteArray const c_Limit = QByteArrayLiteral("limit ");
 
 QByteArray LineOf(ControlMessage const& p_Message)
 {
@@ -32,7 +32,7 @@ std::optional<ControlMessage> MessageOf(QByteArray const& p_Line)
     ControlMessage message;
     if (p_Line.startsWith(c_Limit)) {
         message.Kind = ControlMessage::Type::LimitRate;
-        message.BytesPerSecond = p_Line.mid(qstrlen(c_Limit)).chopped(1).toULongLong();
+        message.BytesPerSecond = p_Line.mid(c_Limit.size()).chopped(1).toULongLong();
     } else if (p_Line.startsWith('r')) {
         message.Kind = ControlMessage::Type::Resume;
     }

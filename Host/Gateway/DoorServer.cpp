@@ -1,7 +1,8 @@
 #include "Host/Gateway/DoorServer.hpp"
 
-#include <array>
+#include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <random>
 
 namespace Varnholt::Gateway {
@@ -24,9 +25,11 @@ std::string NewSecret()
     return secret;
 }
 
-/// Whether a path names a file and nothing above or beside it.
-bool IsFilePath(std::string const& p_Path)
+/// Whether a path, decoded, names a file and nothing above or beside it. What a server may take for
+/// the end of an element counts as one.
+bool IsFilePath(std::string p_Path)
 {
+    std::replace(p_Path.begin(), p_Path.end(), '\\', '/');
     std::size_t begin = 0;
     for (;;) {
         std::size_t const end = p_Path.find('/', begin);
@@ -40,18 +43,19 @@ bool IsFilePath(std::string const& p_Path)
 }
 
 /// Where a request for the rest of a file begins: "bytes=300-". Anything else gets the whole.
-std::uint64_t OffsetOf(httplib::Request const& p_Request)
+std::optional<std::uint64_t> OffsetOf(httplib::Request const& p_Request)
 {
     constexpr std::size_t c_MostDigits = 18;
 
     std::string const range = p_Request.get_header_value("Range");
     std::string const before = "bytes=";
     if (range.rfind(before, 0) != 0 || range.size() < before.size() + 2 || range.back() != '-')
-        return 0;
+        return std::nullopt;
     std::string const digits = range.substr(before.size(), range.size() - before.size() - 1);
     bool const isNumber = digits.size() <= c_MostDigits &&
                           digits.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? std::strtoull(digits.c_str(), nullptr, 10) : 0;
+    return isNumber ? std::make_optional<std::uint64_t>(std::strtoull(digits.c_str(), nullptr, 10))
+                    : std::nullopt;
 }
 
 /// Hands a client what has arrived. \return false when its connection is to be closed
@@ -134,12 +138,11 @@ void DoorServer::Answer(httplib::Request const& p_Request, httplib::Response& p_
     std::string const key = target.rfind(own, 0) == 0 ? target.substr(own.size()) : std::string();
     bool const isDefault = key.rfind("d/", 0) == 0;
     std::string const path = isDefault || key.rfind("m/", 0) == 0 ? key.substr(2) : std::string();
-    bool const isDocument = isDefault && Document::IsOne(path);
-    bool const isFile = path.find('/') != std::string::npos && IsFilePath(path);
-    if (isDocument && IsFilePath(path))
+    bool const isFile = !path.empty() && IsFilePath(p_Request.path.substr(1));
+    if (isFile && isDefault && Document::IsOne(path))
         AnswerDocument(path, p_Response);
-    else if (isFile)
-        AnswerFile(key, p_Request, p_Response);
+    else if (isFile && path.find('/') != std::string::npos)
+        AnswerFile(path, isDefault, p_Request, p_Response);
     else
         p_Response.status = c_NotFound;
 }
@@ -152,20 +155,21 @@ void DoorServer::AnswerDocument(std::string const& p_Path, httplib::Response& p_
 }
 
 /// The length is written by hand: the library would cut ranges to a size that it cannot know.
-void DoorServer::AnswerFile(std::string const& p_Key, httplib::Request const& p_Request,
-                            httplib::Response& p_Response)
+void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
+                            httplib::Request const& p_Request, httplib::Response& p_Response)
 {
     constexpr int c_Success = 200;
     constexpr int c_PartialContent = 206;
     constexpr int c_RangeNotSatisfiable = 416;
 
-    Exchange::FileHead const head = Source.FetchHead(p_Key);
+    Exchange::FileHead const head = Source.FetchHead(p_Path, p_OfDefaultServer);
     p_Response.status = head.Status;
     if (head.Status != c_Success)
         return;
-    std::uint64_t const offset = head.Size ? OffsetOf(p_Request) : 0;
+    auto const range = head.Size ? OffsetOf(p_Request) : std::nullopt;
+    std::uint64_t const offset = range.value_or(0);
     std::string const size = head.Size ? std::to_string(*head.Size) : std::string();
-    if (offset > 0 && offset >= *head.Size) {
+    if (range && offset >= *head.Size) {
         p_Response.status = c_RangeNotSatisfiable;
         p_Response.set_header("Content-Range", "bytes */" + size);
         return;
@@ -174,7 +178,7 @@ void DoorServer::AnswerFile(std::string const& p_Key, httplib::Request const& p_
         p_Response.set_header("Accept-Ranges", "bytes");
         p_Response.set_header("Content-Length", std::to_string(*head.Size - offset));
     }
-    if (offset > 0) {
+    if (range) {
         p_Response.status = c_PartialContent;
         p_Response.set_header("Content-Range", "bytes " + std::to_string(offset) + '-' +
                                                    std::to_string(*head.Size - 1) + '/' + size);
@@ -183,8 +187,8 @@ void DoorServer::AnswerFile(std::string const& p_Key, httplib::Request const& p_
         p_Response.set_header("Content-Type", c_ContentType);
         return;
     }
-    auto const give = [this, reader = Source.Open(p_Key, offset)](std::size_t,
-                                                                  httplib::DataSink& p_Sink) {
+    auto const give = [this, reader = Source.Open(p_Path, offset)](std::size_t,
+                                                                   httplib::DataSink& p_Sink) {
         return HandOn(Source, *reader, p_Sink);
     };
     if (head.Size)

@@ -27,8 +27,8 @@ public:
 private:
     void Answer(httplib::Request const& p_Request, httplib::Response& p_Response);
     void AnswerDocument(std::string const& p_Path, httplib::Response& p_Response);
-    void AnswerFile(std::string const& p_Key, httplib::Request const& p_Request,
-                    httplib::Response& p_Response);
+    void AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
+                    httplib::Request const& p_Request, httplib::Response& p_Response);
 
     Exchange& Source;
     httplib::Server Server;

@@ -53,16 +53,16 @@ TimePoint Exchange::Turn()
         for (auto const& row : DocumentsByPath)
             if (!row.second->IsDone && row.second->Transfer == 0)
                 next = std::min(next, row.second->NotBefore);
-        if (IsRunning && !Paused && !GaveUp) {
+        if (IsRunning && !Paused && !GaveUp && From != Gateway::Source::Copies) {
             StartFiles(now);
             StartQueries(now);
             next = std::min(next, Board.NextTrial(now));
         }
         CheckWaits(now);
-        bool const rateAllows = IsRateBlocked && Limit.MayTake(now);
+        bool const rateAllows = IsRateBlocked && !Paused && Limit.MayTake(now);
         bool const roomAllows = IsRoomBlocked && HasRoom(Span::c_BlockBytes);
         goesOn = rateAllows || roomAllows;
-        if (IsRateBlocked && !rateAllows)
+        if (IsRateBlocked && !rateAllows && !Paused)
             next = std::min(next, Limit.Next(now));
         if (goesOn)
             IsRateBlocked = IsRoomBlocked = false;
@@ -122,27 +122,19 @@ void Exchange::Forget()
     Changed.notify_all();
 }
 
-std::string Exchange::KeyOf(PlannedFile const& p_File)
+Exchange::File Exchange::FileOf(std::string const& p_Path, bool p_OfDefaultServer)
 {
-    return (p_File.OfDefaultServer ? "d/" : "m/") + p_File.Path;
-}
-
-Exchange::File Exchange::FileOf(std::string const& p_Key)
-{
-    File& file = Files[p_Key];
+    File& file = Files[p_Path];
     if (!file)
-        file = std::make_shared<FileContent>(p_Key.substr(2), p_Key[0] == 'd');
+        file = std::make_shared<FileContent>(p_Path);
+    file->OfDefaultServer |= p_OfDefaultServer;
     return file;
 }
 
 Exchange::File Exchange::Known(std::string const& p_Path) const
 {
-    for (char const* const prefix : {"m/", "d/"}) {
-        auto const found = Files.find(prefix + p_Path);
-        if (found != Files.end())
-            return found->second;
-    }
-    return nullptr;
+    auto const found = Files.find(p_Path);
+    return found == Files.end() ? nullptr : found->second;
 }
 
 std::vector<Exchange::File> Exchange::FilesOf(std::vector<PlannedFile> const& p_Files)
@@ -150,7 +142,7 @@ std::vector<Exchange::File> Exchange::FilesOf(std::vector<PlannedFile> const& p_
     std::vector<File> files;
     files.reserve(p_Files.size());
     for (PlannedFile const& planned : p_Files) {
-        files.push_back(FileOf(KeyOf(planned)));
+        files.push_back(FileOf(planned.Path, planned.OfDefaultServer));
         files.back()->Offset = planned.Offset;
     }
     return files;
@@ -217,16 +209,8 @@ void Exchange::SetPaused(bool p_Paused)
     if (Paused == p_Paused)
         return;
     Paused = p_Paused;
-    if (Paused)
-        for (auto const& row : Files) {
-            for (Span& span : row.second->Spans)
-                CancelTransfer(span);
-            row.second->Tidy();
-            Recount(*row.second);
-        }
     Meter.Clear();
     WasWaitedFor = false;
-    PlanAhead = PlanNext;
     Loop.Wake();
 }
 

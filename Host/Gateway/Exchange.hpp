@@ -74,10 +74,10 @@ public:
     std::vector<std::string> Servers() const;
     void Ask(Question p_Question, std::function<void(Reply)> p_OnReply);
 
-    // For clients of the door, on their threads. \param p_Key "m/" or "d/" and the path
+    // For clients of the door, on their threads.
     DocumentAnswer FetchDocument(std::string const& p_Path);
-    FileHead FetchHead(std::string const& p_Key);
-    std::shared_ptr<Reader> Open(std::string const& p_Key, std::uint64_t p_Offset);
+    FileHead FetchHead(std::string const& p_Path, bool p_OfDefaultServer);
+    std::shared_ptr<Reader> Open(std::string const& p_Path, std::uint64_t p_Offset);
     /// Waits a moment when there is nothing.
     Given Next(Reader& p_Reader, FileContent::Bytes& p_Bytes);
 
@@ -90,8 +90,7 @@ private:
     void Forget();
     bool IsOver(std::uint64_t p_Run) const { return Closing || p_Run != Run || GaveUp; }
     void Fail(FetchProblem const& p_Problem) { Latest = p_Problem; }
-    static std::string KeyOf(PlannedFile const& p_File);
-    File FileOf(std::string const& p_Key);
+    File FileOf(std::string const& p_Path, bool p_OfDefaultServer);
     std::vector<File> FilesOf(std::vector<PlannedFile> const& p_Files);
     File Known(std::string const& p_Path) const;
 
@@ -165,7 +164,7 @@ private:
     std::optional<FetchProblem> CopiesProblem;
     TimePoint CopiesFrom; ///< when the servers have been given enough time
     std::map<std::string, std::shared_ptr<Document>> DocumentsByPath;
-    std::map<std::string, File> Files; ///< by key
+    std::map<std::string, File> Files; ///< by path
     std::vector<File> Planned;
     std::size_t PlanNext = 0;  ///< the first that no client has got
     std::size_t PlanAhead = 0; ///< the first with a gap

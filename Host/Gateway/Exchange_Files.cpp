@@ -21,8 +21,6 @@ std::uint64_t PieceBytes(Server const& p_Server)
 {
     constexpr double c_Seconds = 0.6;
 
-    if (p_Server.IsOnTrial())
-        return c_SmallPiece;
     if (p_Server.Speed <= 0)
         return c_FirstPiece;
     double const bytes = std::min(p_Server.Speed * c_Seconds, static_cast<double>(c_LargestPiece));
@@ -226,7 +224,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
     FileContent& file = *p_Transfer.File;
     Span& span = *p_Transfer.Part;
     TimePoint const now = Clock::now();
-    if (!Limit.MayTake(now)) {
+    if (Paused || !Limit.MayTake(now)) {
         IsRateBlocked = true;
         return Take::Later;
     }

@@ -4,10 +4,10 @@
 
 namespace Varnholt::Gateway {
 
-std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Key, std::uint64_t p_Offset)
+std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std::uint64_t p_Offset)
 {
     Lock const lock(Guard);
-    File const file = FileOf(p_Key);
+    File const file = FileOf(p_Path, false);
     auto const leave = [this](Reader* p_Reader) {
         Lock const ownLock(Guard);
         std::unique_ptr<Reader> const reader(p_Reader);

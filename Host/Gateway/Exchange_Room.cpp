@@ -59,6 +59,7 @@ void Exchange::RelieveSlowOnes(TimePoint p_Now)
 {
     constexpr double c_Least = 1.0; // seconds, before a judgement
     constexpr double c_TooLong = 2; // times
+    constexpr double c_LeastRate = 1024;
 
     if (Transfers >= Options.Connections)
         return;
@@ -77,6 +78,8 @@ void Exchange::RelieveSlowOnes(TimePoint p_Now)
             double const rate = static_cast<double>(span.Arrived - span.By->Begin) / elapsed;
             if (!other || rest / other->Speed * c_TooLong + c_Least > rest / std::max(rate, 1.0))
                 continue;
+            if (rate < c_LeastRate)
+                Board.NoteFailure(*span.From, 0, p_Now);
             // What it has shown here counts: it gets smaller pieces from now on.
             span.From->Speed = std::max(std::min(span.From->Speed, rate), 1.0);
             FileContent::Gap const gap{span.Arrived, span.End};

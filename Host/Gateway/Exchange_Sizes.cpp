@@ -20,15 +20,15 @@ constexpr int c_NotImplemented = 501;
 } // namespace
 
 /// Waits until it is known what a client is to be told of a file before its first byte.
-Exchange::FileHead Exchange::FetchHead(std::string const& p_Key)
+Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefaultServer)
 {
     constexpr int c_Unavailable = 503;
 
     Lock lock(Guard);
     std::uint64_t const run = Run;
-    if (!IsRunning || IsOver(run))
+    if (!IsRunning || IsOver(run) || From == Gateway::Source::Copies)
         return {c_Unavailable, std::nullopt};
-    File const file = FileOf(p_Key);
+    File const file = FileOf(p_Path, p_OfDefaultServer);
     if (file->Refusal) { // perhaps it is there by now
         file->Refusal.reset();
         file->RefusedBy.clear();
@@ -77,8 +77,8 @@ Exchange::File Exchange::NextToQuery()
         bool const comesAnyway =
             std::any_of(p_File.Spans.begin(), p_File.Spans.end(),
                         [](Span const& p_Span) { return p_Span.IsUnderWay(); });
-        return !p_File.Size && !p_File.HasNoSize && !p_File.Refusal && !p_File.IsAsked &&
-               !comesAnyway;
+        bool const isOpen = !p_File.Size && !p_File.HasNoSize && !comesAnyway;
+        return (isOpen || p_File.IsDisputed) && !p_File.Refusal && !p_File.IsAsked;
     };
     while (!SizesWanted.empty()) {
         File const file = SizesWanted.front();
@@ -97,9 +97,7 @@ bool Exchange::StartQuery(File const& p_File, TimePoint p_Now)
     auto const allowed = Allowed(*p_File);
     auto const server = Board.ForSize(
         [&](Server const& p_Server) {
-            bool const decides = !p_File->IsDisputed || p_Server.IsDefault ||
-                                 p_File->RefusedBy.count(&Board.Default()) != 0;
-            return allowed(p_Server) && decides;
+            return allowed(p_Server) && (!p_File->IsDisputed || p_Server.IsDefault);
         },
         p_Now);
     if (!server)
@@ -172,6 +170,10 @@ void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> con
     --Queries;
     --p_Query.From->Queries;
     file->IsAsked = false;
+    bool const isDecided = p_Query.From->IsDefault && p_Query.IsSettled;
+    file->IsDisputed = file->IsDisputed && !isDecided;
+    if (isDecided && file->Size && !p_Query.Problem)
+        file->SizeFrom = p_Query.From;
     auto const problem = p_Query.Problem ? p_Query.Problem : p_Problem;
     if (problem && (p_Query.IsSettled || !p_Query.Problem))
         NoteFailure(p_Query, *problem);
@@ -179,12 +181,13 @@ void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> con
         LastByte = Clock::now();
         p_Query.From->Failures = 0;
     }
-    if (!file->Size && !file->HasNoSize && !file->Refusal)
+    if ((!file->Size && !file->HasNoSize && !file->Refusal) || file->IsDisputed)
         AskAgain(file);
     Changed.notify_all();
 }
 
-/// \return false when it contradicts what is known: the bytes are not to be trusted then
+/// When servers differ in a length the default one decides. \return false when it is not the one
+/// that is known: the bytes are not to be trusted then
 bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
 {
     FileContent& file = *p_Transfer.File;
@@ -199,24 +202,22 @@ bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
     }
     if (*file.Size == p_Size)
         return true;
-    p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
-                                      "its length is not the one that was told before", 0};
-    bool const isItsOwn = file.SizeFrom == p_Transfer.From;
-    if (!isItsOwn && !server.IsDefault && (file.IsDisputed || file.SizeFrom->IsDefault)) {
-        p_Transfer.IsRefused = true;
-        return false;
-    }
-    // Nothing that came before fits: clients begin anew, and so does the file.
-    Drop(file);
-    file.Size.reset();
-    if (isItsOwn || server.IsDefault) {
+    if (server
+            .IsDefault) { // nothing that came before fits: clients begin anew, and so does the file
+        Drop(file);
         file.Size = p_Size;
         file.SizeFrom = p_Transfer.From;
-    } else {
-        file.IsDisputed = true;
-        AskAgain(p_Transfer.File);
+        file.RefusedBy.clear();
+        Changed.notify_all();
+        return false;
     }
-    Changed.notify_all();
+    p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
+                                      "its length is not the one that was told before", 0};
+    p_Transfer.IsRefused = true;
+    if (file.SizeFrom->IsDefault || file.RefusedBy.count(&Board.Default()) != 0)
+        return false;
+    file.IsDisputed = true;
+    AskAgain(p_Transfer.File);
     return false;
 }
 

@@ -56,6 +56,8 @@ void Exchange::CheckWaits(TimePoint p_Now)
         return;
     GaveUp = Latest.value_or(
         FetchProblem{FetchProblem::Type::Silent, Options.ContentServer, "no answer in time", 0});
+    ToCancel.insert(ToCancel.end(), UnderWay.begin(), UnderWay.end());
+    Loop.Wake();
     Changed.notify_all();
 }
 

@@ -63,14 +63,13 @@ public:
         std::size_t Count = 0;
     };
 
-    FileContent(std::string p_Path, bool p_OfDefaultServer)
+    explicit FileContent(std::string p_Path)
         : Path(std::move(p_Path))
-        , OfDefaultServer(p_OfDefaultServer)
     {
     }
 
     std::string const Path;
-    bool const OfDefaultServer;
+    bool OfDefaultServer = false; ///< no mirror may give it
 
     std::optional<std::uint64_t> Size;
     std::shared_ptr<Server> SizeFrom;    ///< who has told it

@@ -47,6 +47,8 @@ bool BeginsWith(std::string const& p_Text, char const* p_Beginning)
 std::string AddressOf(std::string const& p_Name, bool p_Https)
 {
     bool const hasScheme = BeginsWith(p_Name, "http://") || BeginsWith(p_Name, "https://");
+    if (!hasScheme && p_Name.find("://") != std::string::npos)
+        return {};
     std::string address = hasScheme ? p_Name : (p_Https ? "https://" : "http://") + p_Name;
     if (address.back() != '/')
         address += '/';

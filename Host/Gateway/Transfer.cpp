@@ -12,6 +12,7 @@ namespace Varnholt::Gateway {
 namespace {
 
 constexpr std::size_t c_MostHeaderBytes = 128UL * 1024;
+constexpr curl_off_t c_LongestDelay = 24L * 60 * 60; ///< seconds
 
 template <typename Value>
 void Set(CURL* p_Easy, CURLoption p_Option, Value p_Value)
@@ -141,18 +142,14 @@ void Transfer::ReadHeader(std::string const& p_Line)
         Head = {};
         return;
     }
-    if (auto const length = ValueOf(p_Line, "content-length"))
-        Head.Length = NumberOf(*length);
-    if (auto const delay = ValueOf(p_Line, "retry-after"))
-        Head.RetryAfter = static_cast<int>(
-            std::min<std::uint64_t>(NumberOf(*delay).value_or(0), 24ULL * 60 * 60));
     if (auto const encoding = ValueOf(p_Line, "content-encoding"))
         Head.IsEncoded = !encoding->empty() && *encoding != "identity";
     if (auto const range = ValueOf(p_Line, "content-range")) {
-        auto const begin = range->find_first_of("0123456789");
+        std::string const unit = "bytes ";
+        auto const begin = range->rfind(unit, 0) == 0 ? unit.size() : std::string::npos;
         auto const dash = range->find('-');
         auto const slash = range->find('/');
-        if (begin != std::string::npos && dash != std::string::npos && begin < dash)
+        if (begin < dash && dash != std::string::npos)
             Head.RangeBegin = NumberOf(range->substr(begin, dash - begin));
         if (slash != std::string::npos)
             Head.Total = NumberOf(range->substr(slash + 1));
@@ -167,6 +164,13 @@ bool Transfer::AnnounceHead()
     long status = 0;
     curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &status);
     Head.Status = static_cast<int>(status);
+    curl_off_t length = -1;
+    curl_easy_getinfo(Easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    if (length >= 0)
+        Head.Length = static_cast<std::uint64_t>(length);
+    curl_off_t delay = 0;
+    curl_easy_getinfo(Easy, CURLINFO_RETRY_AFTER, &delay);
+    Head.RetryAfter = static_cast<int>(std::min<curl_off_t>(delay, c_LongestDelay));
     Stopped = !Events.OnHead(Head);
     return !Stopped;
 }

@@ -103,6 +103,10 @@ QString Environment(ProgramModel const& p_Model)
                                   : QStringLiteral("As the value of %1").arg(name)));
     }
     return page +
+           Item(Bold(QStringLiteral("VARNHOLT_CONTENT_PASSWORD")),
+                Sentence(QStringLiteral("The password at the content server, instead of the one "
+                                        "that the settings file keeps. It is no option: every "
+                                        "user could read it there"))) +
            Item(Bold(QStringLiteral("VARNHOLT_CONTENT_BASE_URL")),
                 Sentence(QStringLiteral("The module's own content server, when none is given as "
                                         "an option"))) +
@@ -116,7 +120,8 @@ QString Files()
     return Section(QStringLiteral("FILES")) +
            Item(Bold(QLatin1String(HostOptions::c_SettingsName)),
                 Sentence(QStringLiteral("The settings of host and module, in the user's "
-                                        "configuration folder: $XDG_CONFIG_HOME, or ~/.config"))) +
+                                        "configuration folder: $XDG_CONFIG_HOME, or ~/.config. "
+                                        "With a password in it nobody else can read it"))) +
            Item(Bold(HostOptions::InstalledModuleFile()),
                 Sentence(QStringLiteral("The module, as seen from the folder of the program")));
 }

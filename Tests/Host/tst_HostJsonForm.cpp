@@ -1,3 +1,5 @@
+#include "Host/Cli/ConfigCommand.hpp"
+#include "Host/Cli/JsonPresenter.hpp"
 #include "Host/Core/Failure.hpp"
 #include "Host/Core/FileFinding.hpp"
 #include "Host/Core/RunPhase.hpp"
@@ -79,6 +81,9 @@ private Q_SLOTS:
     void TheSchemaNamesThePhasesOfTheProgram();
     void TheSchemaNamesTheErrorsOfTheProgram();
     void TheSchemaNamesTheCausesOfTheProgram();
+    void SchemaAndDocumentNameTheOptionsOfTheProgram();
+    void ProgressTellsOfServersAndWaiting();
+    void ProgressLeavesOutWhatIsNotKnown();
     void TheDocumentNamesPhasesAndErrorsWithTheirStatus();
     void TheExamplesOfTheDocumentFitTheSchema();
     void TheSchemaRefusesWhatItDoesNotSay_data();
@@ -118,6 +123,57 @@ void HostJsonFormTest::TheSchemaNamesTheCausesOfTheProgram()
     QCOMPARE(Allowed("finding", "cause"), NamesUntil(QString(), 0, name));
 }
 
+void HostJsonFormTest::SchemaAndDocumentNameTheOptionsOfTheProgram()
+{
+    QStringList const keys = Host::ConfigCommand::Keys();
+    QVERIFY(keys.contains("limit-rate"));
+    QCOMPARE(Allowed("option", "key"), keys);
+    QString const row = Table("Key").filter("| `key` |").value(0).section(QLatin1Char('|'), 2, 2);
+    QCOMPARE(row.trimmed().remove(QLatin1Char('`')).replace(" or ", ", ").split(", "), keys);
+}
+
+namespace {
+
+/// As the line that it becomes.
+QJsonObject Line(Host::RunSnapshot const& p_Snapshot)
+{
+    QJsonObject line = Host::JsonPresenter::Progress(p_Snapshot);
+    line["type"] = "progress";
+    line["time"] = "now";
+    return line;
+}
+
+} // namespace
+
+void HostJsonFormTest::ProgressTellsOfServersAndWaiting()
+{
+    constexpr quint64 c_Large = 5'000'000'000;
+
+    Host::RunSnapshot snapshot;
+    snapshot.Phase = Host::RunPhase::DownloadingBase;
+    snapshot.BytesReceived = c_Large;
+    snapshot.Servers = {{"a.example", c_Large}, {"b.example:81", 0}};
+    snapshot.Wait = Host::ServerWait{"b.example:81", "connection refused", 12, 8};
+    QJsonObject const line = Line(snapshot);
+    QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
+    QCOMPARE(line["received"].toDouble(), double(c_Large));
+    QCOMPARE(line["servers"].toArray(),
+             (QJsonArray{QJsonObject{{"server", "a.example"}, {"rate", double(c_Large)}},
+                         QJsonObject{{"server", "b.example:81"}, {"rate", 0}}}));
+    QCOMPARE(line["wait"].toObject(), (QJsonObject{{"server", "b.example:81"},
+                                                   {"cause", "connection refused"},
+                                                   {"silent", 12},
+                                                   {"nextAttempt", 8}}));
+}
+
+void HostJsonFormTest::ProgressLeavesOutWhatIsNotKnown()
+{
+    QJsonObject const line = Line(Host::RunSnapshot());
+    QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
+    for (char const* const key : {"servers", "wait", "eta", "file", "mirror"})
+        QVERIFY2(!line.contains(QLatin1String(key)), key);
+}
+
 void HostJsonFormTest::TheDocumentNamesPhasesAndErrorsWithTheirStatus()
 {
     QStringList errors;
@@ -149,6 +205,7 @@ void HostJsonFormTest::TheExamplesOfTheDocumentFitTheSchema()
     QStringList known;
     for (QJsonValue const& schema : JsonSchema::Documented("host-json").Words()["oneOf"].toArray())
         known += schema["title"].toString();
+    types.removeDuplicates(); // one may show two sides of a type
     QCOMPARE(types, known);
 }
 
@@ -162,6 +219,8 @@ void HostJsonFormTest::TheSchemaRefusesWhatItDoesNotSay_data()
     QTest::newRow("a text for a figure") << "bytes" << QJsonValue("1");
     QTest::newRow("a negative figure") << "eta" << QJsonValue(-1);
     QTest::newRow("a part of a byte") << "rate" << QJsonValue(1.5);
+    QTest::newRow("servers that are none") << "servers" << QJsonValue(QJsonArray{"a"});
+    QTest::newRow("half a wait") << "wait" << QJsonValue(QJsonObject{{"server", "a"}});
     QTest::newRow("an unknown type") << "type" << QJsonValue("news");
     QTest::newRow("another type") << "type" << QJsonValue("notice");
 }
@@ -170,8 +229,9 @@ void HostJsonFormTest::TheSchemaRefusesWhatItDoesNotSay()
 {
     QFETCH(QString, key);
     QFETCH(QJsonValue, value);
-    QJsonObject line{{"type", "progress"}, {"time", "now"}, {"phase", "idle"}, {"fileNumber", 0},
-                     {"fileCount", 0},     {"bytes", 0},    {"total", 0},      {"rate", 0}};
+    QJsonObject line{{"type", "progress"}, {"time", "now"},  {"phase", "idle"},
+                     {"fileNumber", 0},    {"fileCount", 0}, {"bytes", 0},
+                     {"total", 0},         {"rate", 0},      {"received", 0}};
     QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
     line[key] = value;
     if (value.isUndefined())

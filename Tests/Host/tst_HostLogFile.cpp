@@ -1,8 +1,12 @@
+#include "Host/Cli/Console.hpp"
+#include "Host/Cli/MessageLog.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/FileTools.hpp"
 
 #include <QtTest>
+
+#include <thread>
 
 namespace Varnholt::TestSupport {
 
@@ -19,6 +23,8 @@ private Q_SLOTS:
     void TheLogIsShownOnlyToWhoAsks();
     void AFileThatCannotBeWrittenIsToldAndTheRunGoesOn();
     void StandardOutputStaysJsonWithoutTheFile();
+    void AddressesAreWrittenAsPeopleKnowThem();
+    void NamesMayChangeWhileTheLogIsWritten();
 
 private:
     Outcome Locales(QStringList const& p_Options) const
@@ -91,6 +97,51 @@ void HostLogFileTest::StandardOutputStaysJsonWithoutTheFile()
     QCOMPARE(JsonReport(outcome.Out).Foreign, QStringList());
     QCOMPARE(JsonReport(outcome.Out).Last()["type"].toString(), QString("result"));
     QVERIFY(outcome.Err.contains("The log file "));
+}
+
+void HostLogFileTest::AddressesAreWrittenAsPeopleKnowThem()
+{
+    QString const file = Game->Base + "host.log";
+    QString const door = "http://127.0.0.1:4711/6f1c/";
+    auto const names = std::make_shared<Host::AddressNames>();
+    Host::Console console(Host::Color::Never, true);
+    {
+        Host::MessageLog const log(console, false, file, names);
+        qWarning("%s", qPrintable("first " + door + "d/a"));
+        names->Set({{door + "d/", "https://content.example/"}, {door + "m/", "mirror:/"}});
+        qWarning("%s", qPrintable("from " + door + "d/pelmora_app/version.json, " + door +
+                                  "m/a%20b and " + door + "m/"));
+        qWarning().noquote() << QUrl(door + "d/x y");
+        qWarning("nothing of the kind");
+        names->Set({});
+        qWarning("%s", qPrintable("last " + door + "d/a"));
+    }
+    QStringList said;
+    for (QString const& line : Lines())
+        said += line.section(' ', 2);
+    QCOMPARE(said, (QStringList{"first " + door + "d/a",
+                                "from https://content.example/pelmora_app/version.json, "
+                                "mirror:/a%20b and mirror:/",
+                                "QUrl(https://content.example/x y)", "nothing of the kind",
+                                "last " + door + "d/a"}));
+}
+
+void HostLogFileTest::NamesMayChangeWhileTheLogIsWritten()
+{
+    constexpr int c_Turns = 2000;
+
+    Host::AddressNames names;
+    std::thread other([&] {
+        for (int i = 0; i < c_Turns; ++i)
+            names.Set({{"door", QString::number(i)}});
+    });
+    for (int i = 0; i < c_Turns; ++i) {
+        QString const text = names.Replace("at door/");
+        QVERIFY2(text == "at door/" || QRegularExpression("^at \\d+/$").match(text).hasMatch(),
+                 qPrintable(text));
+    }
+    other.join();
+    QCOMPARE(names.Replace("door"), QString::number(c_Turns - 1));
 }
 
 } // namespace Varnholt::TestSupport

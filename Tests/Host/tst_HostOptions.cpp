@@ -1,5 +1,6 @@
 #include "Host/Cli/CommandParser.hpp"
 #include "Host/Cli/ConfigCommand.hpp"
+#include "Host/Cli/Reports.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 
@@ -62,6 +63,7 @@ private Q_SLOTS:
     void ThePasswordOfTheEnvironmentStandsAboveTheOneKept();
     void ThePasswordGoesOutOfTheEnvironment();
     void AQuickCheckIsOne();
+    void AQuickCheckSaysWhatItHasNotLookedAt();
 
 private:
     std::vector<Row> Rows() const;
@@ -256,6 +258,19 @@ void HostOptionsTest::AQuickCheckIsOne()
     QVERIFY(Completed({"check", "--quick"}).Request.Quick);
     ScopedVariable const variable("VARNHOLT_QUICK", "true");
     QVERIFY(Completed({"check"}).Request.Quick);
+}
+
+void HostOptionsTest::AQuickCheckSaysWhatItHasNotLookedAt()
+{
+    RunRequest request;
+    request.Kind = RunRequest::Type::Check;
+    RunResult result;
+    result.Build = "5.4.8";
+    QCOMPARE(Reports::Success(request, result, "Game"),
+             QStringList("Game, build 5.4.8, is up to date"));
+    request.Quick = true;
+    QCOMPARE(Reports::Success(request, result, "Game"),
+             QStringList("Game, build 5.4.8, is the current build; its files were not looked at"));
 }
 
 } // namespace Varnholt::TestSupport

@@ -23,6 +23,19 @@ RunSnapshot Download()
     return snapshot;
 }
 
+RunSnapshot Waiting()
+{
+    RunSnapshot snapshot = Download();
+    snapshot.Rate = 0;
+    snapshot.Remaining = -1;
+    snapshot.Wait =
+        ServerWait{QStringLiteral("mirror.example"), QStringLiteral("connection refused"), 12, 8};
+    return snapshot;
+}
+
+QString const c_Wait = QStringLiteral(
+    "server silent for 12 s, next attempt in 8 s (mirror.example: connection refused)");
+
 } // namespace
 
 class ProgressTextTest : public QObject {
@@ -33,6 +46,13 @@ private Q_SLOTS:
     void DurationsAreWrittenAsOnAClock();
     void TheLineTellsEverything();
     void TheLineLeavesOutWhatIsNotKnown();
+    void TheLineNamesEveryServerThatServes();
+    void TheLineTellsOfAWait();
+    void AWaitIsToldInWords_data();
+    void AWaitIsToldInWords();
+    void TheBarGivesWayToAWait();
+    void OfAWaitTheServerOutlivesTheRest_data();
+    void OfAWaitTheServerOutlivesTheRest();
     void TheBarShowsTheShareOfBytesOfADownload();
     void TheBarShowsTheShareOfFilesOfAComparison();
     void ThePhaseAloneIsShownWithoutAMeasure();
@@ -79,6 +99,81 @@ void ProgressTextTest::TheLineLeavesOutWhatIsNotKnown()
     QCOMPARE(ProgressText::Line(snapshot), QString("asking for file sizes: file 3 of 9"));
 }
 
+void ProgressTextTest::TheLineNamesEveryServerThatServes()
+{
+    RunSnapshot snapshot = Download();
+    snapshot.Servers = {{"a.example", 5}, {"idle.example", 0}, {"b.example:81", 1}};
+    QVERIFY2(ProgressText::Line(snapshot).endsWith(" left, from a.example, b.example:81"),
+             qPrintable(ProgressText::Line(snapshot)));
+    snapshot.Servers.pop_back();
+    QVERIFY2(ProgressText::Line(snapshot).endsWith(" left, from mirror.example:8080"),
+             qPrintable(ProgressText::Line(snapshot)));
+}
+
+void ProgressTextTest::TheLineTellsOfAWait()
+{
+    QCOMPARE(
+        ProgressText::Line(Waiting()),
+        "downloading base files: file 12 of 312 (Data/some file.MPQ), 25.0 MiB of 100.0 MiB, " +
+            c_Wait);
+    RunSnapshot snapshot;
+    snapshot.Phase = RunPhase::Connecting;
+    snapshot.Wait = Waiting().Wait;
+    QCOMPARE(ProgressText::Line(snapshot), "connecting: " + c_Wait);
+}
+
+void ProgressTextTest::AWaitIsToldInWords_data()
+{
+    QTest::addColumn<qint64>("silent");
+    QTest::addColumn<qint64>("next");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("just begun") << qint64(0) << qint64(1) << "silent for 0 s, next attempt in 1 s";
+    QTest::newRow("a minute") << qint64(60) << qint64(59)
+                              << "silent for 1 min 0 s, next attempt in 59 s";
+    QTest::newRow("hours") << qint64(7203) << qint64(61)
+                           << "silent for 120 min 3 s, next attempt in 1 min 1 s";
+    QTest::newRow("at it") << qint64(12) << qint64(0) << "silent for 12 s, next attempt under way";
+}
+
+void ProgressTextTest::AWaitIsToldInWords()
+{
+    QFETCH(qint64, silent);
+    QFETCH(qint64, next);
+    QFETCH(QString, text);
+    RunSnapshot snapshot = Waiting();
+    snapshot.Wait->Silent = silent;
+    snapshot.Wait->NextAttempt = next;
+    for (QString const& shown :
+         {ProgressText::Line(snapshot), ProgressText::Bar(snapshot, 200, true)})
+        QVERIFY2(shown.endsWith("server " + text + " (mirror.example: connection refused)"),
+                 qPrintable(shown));
+}
+
+void ProgressTextTest::TheBarGivesWayToAWait()
+{
+    QCOMPARE(ProgressText::Bar(Waiting(), 200, true), "downloading base files  25 %  " + c_Wait);
+    RunSnapshot snapshot;
+    snapshot.Phase = RunPhase::Connecting;
+    snapshot.Wait = Waiting().Wait;
+    QCOMPARE(ProgressText::Bar(snapshot, 200, true), "connecting  " + c_Wait);
+}
+
+void ProgressTextTest::OfAWaitTheServerOutlivesTheRest_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<QString>("bar");
+    QTest::newRow("no percentage") << 104 << "downloading base files  " + c_Wait;
+    QTest::newRow("no phase") << 80 << c_Wait;
+    QTest::newRow("cut") << 20 << "server silent for 12";
+    QTest::newRow("nothing") << 0 << "";
+}
+
+void ProgressTextTest::OfAWaitTheServerOutlivesTheRest()
+{
+    QFETCH(int, width);
+    QTEST(ProgressText::Bar(Waiting(), width, true), "bar");
+}
+
 void ProgressTextTest::TheBarShowsTheShareOfBytesOfADownload()
 {
     QString const bar = ProgressText::Bar(Download(), 200, true);
@@ -111,8 +206,10 @@ void ProgressTextTest::TheBarIsNeverLongerThanTheTerminal()
 {
     for (int width = 0; width < 200; ++width)
         for (bool const unicode : {false, true}) {
-            QString const bar = ProgressText::Bar(Download(), width, unicode);
-            QVERIFY2(bar.size() <= width, qPrintable(bar));
+            for (RunSnapshot const& snapshot : {Download(), Waiting()}) {
+                QString const bar = ProgressText::Bar(snapshot, width, unicode);
+                QVERIFY2(bar.size() <= width, qPrintable(bar));
+            }
         }
 }
 
