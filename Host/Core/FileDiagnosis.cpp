@@ -1,6 +1,7 @@
 #include "Host/Core/FileDiagnosis.hpp"
 
 #include "Host/Core/ByteText.hpp"
+#include "Host/Core/FetchFailure.hpp"
 #include "Host/Core/FolderCheck.hpp"
 #include "Host/Core/GameVolumes.hpp"
 #include "Launcher/Helper/Paths.hpp"
@@ -32,10 +33,10 @@ QString Named(FileDiagnosis::Entries const& p_Missing)
 
 } // namespace
 
-FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkJournal const& p_Journal,
+FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
                              std::function<qint64(QString const&)> p_FreeBytes)
     : Folder(std::move(p_Folder))
-    , Journal(p_Journal)
+    , Door(p_Door)
     , FreeBytes(std::move(p_FreeBytes))
 {
 }
@@ -49,12 +50,15 @@ Failure FileDiagnosis::Explain(Entries const& p_Missing) const
         return *failure;
 
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
-        auto const note = Journal.FailureOfFile(entry.Location);
-        if (!note)
+        auto const problem = Door.ProblemOf(entry.Location);
+        if (!problem)
             continue;
-        auto const kind =
-            note->IsUnreachable() ? FailureKind::FilesUnreachable : FailureKind::FilesGivenUp;
-        return {kind, Named(p_Missing), QStringLiteral("%1 for %2").arg(note->Cause(), note->Url)};
+        bool const isAnswer = problem->Kind == Gateway::FetchProblem::Type::Refused ||
+                              problem->Kind == Gateway::FetchProblem::Type::Unusable;
+        auto const kind = isAnswer ? FailureKind::FilesGivenUp : FailureKind::FilesUnreachable;
+        return {kind, Named(p_Missing),
+                QStringLiteral("%1 for %2")
+                    .arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
     }
     return {FailureKind::FilesGivenUp, Named(p_Missing),
             QStringLiteral("what the server gave is not what the build announces")};
@@ -108,8 +112,8 @@ std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
         for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
             qint64 const there =
                 QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
-            needed +=
-                std::max<qint64>(0, static_cast<qint64>(Journal.SizeOf(entry.Location)) - there);
+            auto const size = static_cast<qint64>(Door.SizeOf(entry.Location).value_or(0));
+            needed += std::max<qint64>(0, size - there);
         }
         bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
         if (isFull && !share.Files.empty())

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failure.hpp"
-#include "Host/Core/NetworkJournal.hpp"
+#include "Host/Core/NetworkDoor.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QString>
@@ -17,7 +17,7 @@ public:
     using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
 
     /// \param p_Folder ends in "/"
-    FileDiagnosis(QString p_Folder, NetworkJournal const& p_Journal,
+    FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
                   std::function<qint64(QString const&)> p_FreeBytes);
 
     /// \param p_Missing not empty
@@ -28,7 +28,7 @@ private:
     std::optional<Failure> FullDisk(Entries const& p_Missing) const;
 
     QString Folder;
-    NetworkJournal const& Journal;
+    NetworkDoor const& Door;
     std::function<qint64(QString const&)> FreeBytes;
 };
 

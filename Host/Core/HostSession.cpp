@@ -29,8 +29,6 @@ HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
 {
     RegisterTypes();
     QDir::setCurrent(QCoreApplication::applicationDirPath());
-    if (!p_Options.ContentUrl.isEmpty())
-        qputenv("VARNHOLT_CONTENT_BASE_URL", p_Options.ContentUrl.toUtf8());
 
     Host->moveToThread(&ModuleThread);
     connect(Host, &ModuleHost::Loaded, this, &HostSession::Opened);

@@ -1,49 +1,19 @@
 #include "Host/Core/MirrorCheck.hpp"
 
-#include "Host/Core/FetchNote.hpp"
-
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace Varnholt::Host {
 
-namespace {
-
-constexpr int c_PartialContent = 206;
-
-QNetworkRequest RequestFor(QString const& p_Url)
+MirrorCheck::MirrorCheck(NetworkDoor& p_Door, std::string p_Manifest, std::string p_File)
+    : Door(p_Door)
+    , Manifest(std::move(p_Manifest))
+    , File(std::move(p_File))
 {
-    constexpr int c_TimeoutMilliseconds = 15'000;
-
-    QNetworkRequest request((QUrl(p_Url)));
-    request.setTransferTimeout(c_TimeoutMilliseconds);
-    return request;
-}
-
-int StatusOf(QNetworkReply const& p_Reply)
-{
-    return p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-}
-
-FetchNote NoteOf(QNetworkReply const& p_Reply)
-{
-    FetchNote note;
-    note.Url = p_Reply.url().toString();
-    note.Error = p_Reply.error();
-    note.Status = StatusOf(p_Reply);
-    note.TimedOut = p_Reply.error() == QNetworkReply::OperationCanceledError;
-    return note;
-}
-
-} // namespace
-
-MirrorCheck::MirrorCheck(Question p_Question)
-    : Asked(std::move(p_Question))
-    , Addresses(Asked.DefaultServer)
-{
-    for (QString const& host : Asked.Hosts)
-        Addresses += QStringLiteral("http://%1/").arg(host);
+    for (std::string const& server : Door->Servers())
+        if (std::find(Servers.begin(), Servers.end(), server) == Servers.end())
+            Servers.push_back(server);
 }
 
 void MirrorCheck::Begin()
@@ -53,59 +23,55 @@ void MirrorCheck::Begin()
 
 void MirrorCheck::AskNext()
 {
-    if (Found.size() == static_cast<std::size_t>(Addresses.size())) {
+    if (Found.size() == Servers.size()) {
         Q_EMIT Finished();
         return;
     }
-    QString const address = Addresses[static_cast<int>(Found.size())];
+    Gateway::Question question;
+    question.Server = Servers[Found.size()];
+    question.Path = Manifest;
     Found.push_back({});
-    Found.back().Host = QUrl(address).authority();
-    Clock.start();
-    QNetworkReply* const reply = Manager.get(RequestFor(address + Asked.ManifestPath));
-    connect(reply, &QNetworkReply::finished, this, [this, reply] {
-        OnManifest(*reply);
-        reply->deleteLater();
-    });
+    Found.back().Host = QUrl(QString::fromStdString(question.Server)).authority();
+    Door.Ask(question, *this, [this](Gateway::Reply const& p_Reply) { OnManifest(p_Reply); });
 }
 
-void MirrorCheck::OnManifest(QNetworkReply& p_Reply)
+void MirrorCheck::OnManifest(Gateway::Reply const& p_Reply)
 {
     MirrorReport& report = Found.back();
-    FetchNote const note = NoteOf(p_Reply);
-    report.IsReachable = note.Status != 0;
-    if (!note.IsSuccess()) {
-        report.Cause = note.Cause();
+    report.IsReachable = p_Reply.HttpStatus != 0;
+    if (p_Reply.Problem) {
+        report.Cause = QString::fromStdString(p_Reply.Problem->Cause);
         return AskNext();
     }
-    report.Milliseconds = Clock.elapsed();
-    QByteArray const manifest = p_Reply.readAll();
+    report.Milliseconds = p_Reply.Took.count();
     if (Found.size() == 1)
-        Expected = manifest;
-    report.HasSameBuild = !Expected.isEmpty() && manifest == Expected;
+        Expected = p_Reply.Body;
+    report.HasSameBuild = !Expected.empty() && p_Reply.Body == Expected;
     if (!report.HasSameBuild)
         report.Cause = QStringLiteral("its manifest is not the default server's");
-    if (Asked.FilePath.isEmpty()) {
+    if (File.empty()) {
         report.GivesRanges = true; // nothing to resume
         return AskNext();
     }
-    QString const address = Addresses[static_cast<int>(Found.size()) - 1];
-    QNetworkRequest request = RequestFor(address + Asked.FilePath);
-    request.setRawHeader("Range", "bytes=0-0");
-    QNetworkReply* const reply = Manager.get(request);
-    // The status tells; of a server that ignores ranges the whole file need not come.
-    connect(reply, &QNetworkReply::metaDataChanged, reply, &QNetworkReply::abort);
-    connect(reply, &QNetworkReply::finished, this, [this, reply] {
-        OnPiece(*reply);
-        reply->deleteLater();
-    });
+    Gateway::Question question;
+    question.Server = Servers[Found.size() - 1];
+    question.Path = File;
+    question.Range = "0-0";
+    question.MostBytes = 1; // of a server that ignores ranges the whole file need not come
+    Door.Ask(question, *this, [this](Gateway::Reply const& p_Piece) { OnPiece(p_Piece); });
 }
 
-void MirrorCheck::OnPiece(QNetworkReply& p_Reply)
+void MirrorCheck::OnPiece(Gateway::Reply const& p_Reply)
 {
+    constexpr int c_PartialContent = 206;
+
     MirrorReport& report = Found.back();
-    report.GivesRanges = StatusOf(p_Reply) == c_PartialContent;
+    report.GivesRanges = p_Reply.HttpStatus == c_PartialContent;
     if (!report.GivesRanges && report.Cause.isEmpty())
-        report.Cause = QStringLiteral("it answers a range with status %1").arg(StatusOf(p_Reply));
+        report.Cause =
+            p_Reply.HttpStatus == 0 && p_Reply.Problem
+                ? QString::fromStdString(p_Reply.Problem->Cause)
+                : QStringLiteral("it answers a range with status %1").arg(p_Reply.HttpStatus);
     AskNext();
 }
 

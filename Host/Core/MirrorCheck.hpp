@@ -1,36 +1,28 @@
 #pragma once
 
 #include "Host/Core/MirrorReport.hpp"
+#include "Host/Core/NetworkDoor.hpp"
 
-#include <QByteArray>
-#include <QElapsedTimer>
-#include <QNetworkAccessManager>
 #include <QObject>
-#include <QStringList>
 
+#include <string>
 #include <vector>
 
 namespace Varnholt::Host {
 
-/// Asks each mirror of a build for its manifest and for a piece of a file, one after another, the
-/// default server first. Lives on one thread.
+/// Asks each server of a build for its manifest and for a piece of a file, one after another, the
+/// default server first. Module thread.
 class MirrorCheck : public QObject {
     Q_OBJECT
 
 public:
-    /// Paths are those of an address behind its host.
-    struct Question {
-        QString DefaultServer; ///< address, ends in "/"
-        QStringList Hosts;
-        QString ManifestPath;
-        QString FilePath; ///< of a file that is not empty; empty when there is none
-    };
-
-    explicit MirrorCheck(Question p_Question);
+    /// \param p_Manifest its path, as the door has it
+    /// \param p_File path of a file that is not empty; empty when there is none
+    MirrorCheck(NetworkDoor& p_Door, std::string p_Manifest, std::string p_File);
 
     /// Answered by `Finished`, whatever the servers do.
     void Begin();
-    /// In the order of the question; the default server is the first.
+    /// The default server is the first.
     std::vector<MirrorReport> const& Reports() const { return Found; }
 
 Q_SIGNALS:
@@ -38,14 +30,14 @@ Q_SIGNALS:
 
 private:
     void AskNext();
-    void OnManifest(QNetworkReply& p_Reply);
-    void OnPiece(QNetworkReply& p_Reply);
+    void OnManifest(Gateway::Reply const& p_Reply);
+    void OnPiece(Gateway::Reply const& p_Reply);
 
-    QNetworkAccessManager Manager;
-    Question Asked;
-    QStringList Addresses; ///< with scheme, end in "/"
-    QElapsedTimer Clock;
-    QByteArray Expected; ///< the default server's manifest
+    NetworkDoor& Door;
+    std::string Manifest;
+    std::string File;
+    std::vector<std::string> Servers; ///< base addresses, each once
+    std::string Expected;             ///< the default server's manifest
     std::vector<MirrorReport> Found;
 };
 

@@ -32,6 +32,7 @@ ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
     : Options(std::move(p_Options))
     , Settings(p_Settings)
     , Environment{p_Settings, Gate, Options.UseDevChannel, SystemLocale(), {}, {}}
+    , Copies(p_Settings.File())
     , TurnTimer(this)
 {
     constexpr int c_TurnMilliseconds = 15; // the module's queue cannot wake anybody
@@ -50,15 +51,7 @@ void ModuleHost::Load()
         Q_EMIT LoadFailed({FailureKind::SettingsUnwritable, Settings.File(), {}});
         return;
     }
-    QString const file =
-        Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
-    if (!HostCallbacks::Claim(Environment)) {
-        Q_EMIT LoadFailed({FailureKind::ModuleUnloadable, file,
-                           QStringLiteral("another session of this program uses a module")});
-        return;
-    }
-    if (auto const failure = Loader.Load(file)) {
-        HostCallbacks::Remove(Environment);
+    if (auto const failure = LoadModule()) {
         Q_EMIT LoadFailed(*failure);
         return;
     }
@@ -69,17 +62,38 @@ void ModuleHost::Load()
     Q_EMIT Loaded(Loader.Info());
 }
 
+std::optional<Failure> ModuleHost::LoadModule()
+{
+    QString const file =
+        Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
+    if (!HostCallbacks::Claim(Environment))
+        return Failure{FailureKind::ModuleUnloadable, file,
+                       QStringLiteral("another session of this program uses a module")};
+    auto failure = Loader.Load(file);
+    if (!failure) {
+        Door = std::make_unique<NetworkDoor>(Options, Loader.Application()->AppId);
+        if (Door->IsOpen())
+            return std::nullopt;
+        failure = Failure{FailureKind::Other, QStringLiteral("the start"),
+                          QStringLiteral("the system lets nobody listen on 127.0.0.1")};
+        Loader.Release();
+        Door.reset();
+    }
+    HostCallbacks::Remove(Environment);
+    return failure;
+}
+
 void ModuleHost::Assemble()
 {
     Launcher::StandartApplication& module = *Loader.Application();
     Record = std::make_unique<InstallRecord>(Settings, module.AppId);
     Pump = std::make_unique<QueuePump>(module);
     Worker = std::make_unique<AsyncWorker>(module);
-    Ledger = std::make_unique<TransferLedger>(module);
-    Journal = std::make_unique<NetworkJournal>(*module.NetworkManager, module.AppId);
+    Ledger = std::make_unique<TransferLedger>(
+        module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
     Watch = std::make_unique<RunWatch>(module, *Pump, *Worker, *Ledger);
     Control = std::make_unique<RunControl>(
-        RunContext{module, Options, *Record, Gate, *Journal, *Ledger, *Watch});
+        RunContext{module, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
     connect(Control.get(), &RunControl::Progressed, this, &ModuleHost::Progressed);
     connect(Control.get(), &RunControl::Noticed, this, &ModuleHost::Noticed);
     connect(Control.get(), &RunControl::Ended, this, &ModuleHost::Ended);
@@ -94,17 +108,8 @@ void ModuleHost::Assemble()
 
 void ModuleHost::OnError(QString const& p_Message)
 {
-    QString const download = QStringLiteral("Http Error ");
-    if (!IsLoaded())
-        return;
-    // Posted by the download thread before its completion, so the transfer is still the current.
-    if (p_Message.startsWith(download)) {
-        if (Loader.Application()->CurrentDownload != nullptr)
-            Journal->NoteDownloadError(Loader.Application()->CurrentDownload->Url,
-                                       p_Message.mid(download.size()).toInt());
-    } else if (p_Message.startsWith(QLatin1String("File "))) {
-        Q_EMIT Noticed(p_Message);
-    }
+    if (p_Message.startsWith(QLatin1String("File ")))
+        Q_EMIT Noticed(p_Message); // the door knows the others better
 }
 
 void ModuleHost::ReadStatus()
@@ -146,7 +151,10 @@ void ModuleHost::Continue()
 
 void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
 {
-    Options.BytesPerSecond = p_BytesPerSecond;
+    if (Door)
+        (*Door)->SetRateLimit(p_BytesPerSecond);
+    else
+        Options.BytesPerSecond = p_BytesPerSecond;
 }
 
 void ModuleHost::Interrupt()
@@ -209,7 +217,6 @@ void ModuleHost::FinishClose()
     Watch.reset();
     if (Worker)
         Worker->Stop();
-    Journal.reset();
     HostCallbacks::Remove(Environment);
     Pump.reset();
     if (IsLoaded()) {
@@ -218,6 +225,7 @@ void ModuleHost::FinishClose()
         Worker.reset();
         Loader.Release();
     }
+    Door.reset();
     Q_EMIT Closed();
 }
 

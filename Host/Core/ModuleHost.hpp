@@ -7,7 +7,8 @@
 #include "Host/Core/InstallStatus.hpp"
 #include "Host/Core/ModuleInfo.hpp"
 #include "Host/Core/ModuleLoader.hpp"
-#include "Host/Core/NetworkJournal.hpp"
+#include "Host/Core/NetworkDoor.hpp"
+#include "Host/Core/OfflineCopies.hpp"
 #include "Host/Core/QueuePump.hpp"
 #include "Host/Core/RunControl.hpp"
 #include "Host/Core/RunWatch.hpp"
@@ -51,6 +52,7 @@ Q_SIGNALS:
 
 private:
     bool IsLoaded() const { return Loader.Application() != nullptr; }
+    std::optional<Failure> LoadModule();
     void Assemble();
     void Turn();
     void OnError(QString const& p_Message);
@@ -61,6 +63,8 @@ private:
     HostSettings& Settings;
     RunGate Gate;
     HostEnvironment Environment;
+    OfflineCopies Copies;
+    std::unique_ptr<NetworkDoor> Door; ///< null until the module is loaded; outlives it
     ModuleLoader Loader;
     QTimer TurnTimer;
     bool Closing = false;
@@ -71,7 +75,6 @@ private:
     std::unique_ptr<QueuePump> Pump;
     std::unique_ptr<AsyncWorker> Worker;
     std::unique_ptr<TransferLedger> Ledger;
-    std::unique_ptr<NetworkJournal> Journal;
     std::unique_ptr<RunWatch> Watch;
     std::unique_ptr<RunControl> Control;
 };

@@ -7,10 +7,27 @@
 
 namespace Varnholt::Host {
 
-ProgressReader::ProgressReader(Launcher::StandartApplication& p_Module,
-                               NetworkJournal const& p_Journal)
+namespace {
+
+std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> const& p_Wait)
+{
+    constexpr qint64 c_Second = 1'000;
+
+    if (!p_Wait)
+        return std::nullopt;
+    ServerWait wait;
+    wait.Server = QUrl(QString::fromStdString(p_Wait->Problem.Url)).authority();
+    wait.Cause = QString::fromStdString(p_Wait->Problem.Cause);
+    wait.Silent = p_Wait->Silent.count() / c_Second;
+    wait.NextAttempt = (p_Wait->NextAttempt.count() + c_Second - 1) / c_Second;
+    return wait;
+}
+
+} // namespace
+
+ProgressReader::ProgressReader(Launcher::StandartApplication& p_Module, NetworkDoor const& p_Door)
     : Module(p_Module)
-    , Journal(p_Journal)
+    , Door(p_Door)
 {
 }
 
@@ -37,16 +54,16 @@ RunPhase ProgressReader::Phase() const
     }
 }
 
-RunSnapshot ProgressReader::Read(RunPhase p_Phase, qint64 p_Now)
+RunSnapshot ProgressReader::Read(RunPhase p_Phase)
 {
     if (p_Phase != LastPhase) {
         LastPhase = p_Phase;
-        Meter.Clear();
         CountedFiles = 0;
         CountedBytes = DoneBytes = TotalBytes = 0;
     }
     RunSnapshot snapshot;
     snapshot.Phase = p_Phase;
+    ReadDoor(snapshot);
     QMutexLocker const lock(&Module.RunMutex);
     if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
         ReadComparison(snapshot);
@@ -54,9 +71,24 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase, qint64 p_Now)
         snapshot.FileNumber = Module.SizeRepliesReceived;
         snapshot.FileCount = static_cast<quint32>(Module.FilesToDownload.size());
     } else if (IsDownloading(p_Phase)) {
-        ReadDownload(snapshot, p_Now);
+        ReadDownload(snapshot);
     }
     return snapshot;
+}
+
+void ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
+{
+    Gateway::GatewaySnapshot const door = Door->Snapshot();
+    p_Snapshot.BytesReceived = door.Received;
+    if (p_Snapshot.Phase != RunPhase::Suspended)
+        p_Snapshot.Wait = WaitOf(door.Waits);
+    if (!IsDownloading(p_Snapshot.Phase))
+        return;
+    p_Snapshot.Rate = door.Rate;
+    p_Snapshot.Mirror = QString::fromStdString(door.Server);
+    for (auto const& server : door.Servers)
+        if (server.Received > 0)
+            p_Snapshot.Servers.push_back({QString::fromStdString(server.Name), server.Rate});
 }
 
 void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
@@ -71,7 +103,7 @@ void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
         p_Snapshot.File = files[number - 1].Path;
 }
 
-void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, qint64 p_Now)
+void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot)
 {
     std::size_t const count = Module.FilesToDownload.size();
     std::size_t const index = Module.CurrentDownloadIndex;
@@ -81,19 +113,14 @@ void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, qint64 p_Now)
         p_Snapshot.File = Module.FilesToDownload[index].Path;
 
     quint64 done = FinishedBytes();
-    if (Module.CurrentDownload != nullptr) {
+    if (Module.CurrentDownload != nullptr)
         done += static_cast<quint64>(Module.CurrentDownload->BytesOnDisk);
-        p_Snapshot.Mirror = QUrl(Module.CurrentDownload->Url).authority();
-    }
     // The module's own figure falls back on a resumed file, of which it counts the last attempt
     // only; and a file that is fetched again grows the total after its bytes have been counted.
     TotalBytes = std::max<quint64>(TotalBytes, Module.UISetting.Download.Total);
     DoneBytes = std::min(std::max(DoneBytes, done), TotalBytes);
-    Meter.Add(p_Now, DoneBytes);
-
     p_Snapshot.BytesDone = DoneBytes;
     p_Snapshot.BytesTotal = TotalBytes;
-    p_Snapshot.Rate = Meter.Rate();
     if (p_Snapshot.Rate > 0)
         p_Snapshot.Remaining = static_cast<qint64>(RemainingBytes() / p_Snapshot.Rate);
 }
@@ -105,7 +132,7 @@ quint64 ProgressReader::FinishedBytes()
     if (finished < CountedFiles)
         CountedFiles = CountedBytes = 0;
     for (; CountedFiles < finished; ++CountedFiles)
-        CountedBytes += Journal.SizeOf(Module.FilesToDownload[CountedFiles].Location);
+        CountedBytes += Door.SizeOf(Module.FilesToDownload[CountedFiles].Location).value_or(0);
     return CountedBytes;
 }
 

@@ -1,35 +1,34 @@
 #pragma once
 
 #include "GameModules/StandartApplication.hpp"
-#include "Host/Core/NetworkJournal.hpp"
-#include "Host/Core/RateMeter.hpp"
+#include "Host/Core/NetworkDoor.hpp"
 #include "Host/Core/RunSnapshot.hpp"
 
 #include <cstddef>
 
 namespace Varnholt::Host {
 
-/// Turns the module's raw record into a snapshot. Module thread.
+/// Turns the module's raw record and the door's figures into a snapshot. Module thread.
 class ProgressReader {
 public:
-    ProgressReader(Launcher::StandartApplication& p_Module, NetworkJournal const& p_Journal);
+    ProgressReader(Launcher::StandartApplication& p_Module, NetworkDoor const& p_Door);
 
     /// The phase of a run that is under way.
     RunPhase Phase() const;
     /// \param p_Phase as the host knows it
-    /// \param p_Now a monotonic clock, milliseconds
-    RunSnapshot Read(RunPhase p_Phase, qint64 p_Now);
-    /// Bytes that the current phase has still to fetch, as of the last snapshot.
+    RunSnapshot Read(RunPhase p_Phase);
+    /// Bytes that the current phase has still to write, as of the last snapshot.
     quint64 RemainingBytes() const { return TotalBytes - DoneBytes; }
+    /// Adds what the door tells: rate, servers, waits.
+    void ReadDoor(RunSnapshot& p_Snapshot) const;
 
 private:
     void ReadComparison(RunSnapshot& p_Snapshot) const;
-    void ReadDownload(RunSnapshot& p_Snapshot, qint64 p_Now);
+    void ReadDownload(RunSnapshot& p_Snapshot);
     quint64 FinishedBytes();
 
     Launcher::StandartApplication& Module;
-    NetworkJournal const& Journal;
-    RateMeter Meter;
+    NetworkDoor const& Door;
     RunPhase LastPhase = RunPhase::Idle;
     std::size_t CountedFiles = 0; ///< of the list, whose sizes are in `CountedBytes`
     quint64 CountedBytes = 0;

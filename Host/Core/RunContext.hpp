@@ -3,7 +3,8 @@
 #include "GameModules/StandartApplication.hpp"
 #include "Host/Core/HostOptions.hpp"
 #include "Host/Core/InstallRecord.hpp"
-#include "Host/Core/NetworkJournal.hpp"
+#include "Host/Core/NetworkDoor.hpp"
+#include "Host/Core/OfflineCopies.hpp"
 #include "Host/Core/RunGate.hpp"
 #include "Host/Core/RunWatch.hpp"
 #include "Host/Core/TransferLedger.hpp"
@@ -16,7 +17,8 @@ struct RunContext {
     HostOptions const& Options;
     InstallRecord& Record;
     RunGate& Gate;
-    NetworkJournal& Journal;
+    NetworkDoor& Door;
+    OfflineCopies const& Copies;
     TransferLedger& Ledger;
     RunWatch& Watch;
 };

@@ -1,5 +1,6 @@
 #include "Host/Core/RunControl.hpp"
 
+#include "Host/Core/FetchFailure.hpp"
 #include "Host/Core/FolderCheck.hpp"
 #include "Host/Core/GameVolumes.hpp"
 
@@ -25,9 +26,9 @@ bool IsAboutLocales(RunRequest const& p_Request)
 
 RunControl::RunControl(RunContext const& p_Context)
     : Context(p_Context)
-    , Reader(p_Context.Module, p_Context.Journal)
+    , Reader(p_Context.Module, p_Context.Door)
     , Room(p_Context.Options.FreeBytes)
-    , Stall(p_Context.Options.StallMilliseconds)
+    , Plan(p_Context.Module, p_Context.Door)
 {
     Clock.start();
 }
@@ -54,25 +55,35 @@ void RunControl::Begin(RunRequest const& p_Request)
     Context.Gate.SetPreview(IsInspection(Request) ||
                             Request.Kind == RunRequest::Type::ListLocales ||
                             Request.Kind == RunRequest::Type::Install);
-    Attempts = Passes = 0;
+    Passes = 0;
     LastMissing = std::numeric_limits<std::size_t>::max();
-    Pending.reset();
     Blocked.reset();
     PassedOver.clear();
     Told.clear();
-    Context.Journal.Clear();
     if (auto failure = Preconditions())
         return Fail(*failure);
-    bool const needsBuild = Request.Kind != RunRequest::Type::Uninstall || Request.DeletesFiles;
-    if (needsBuild)
-        StartUp();
-    else
+    OpenDoor();
+    if (Request.Kind == RunRequest::Type::Uninstall && !Request.DeletesFiles)
         BeginUninstall();
+    else if (UsesKept && Kept.empty())
+        Fail(NothingKept());
+    else if (Request.Kind == RunRequest::Type::Check && Request.Quick)
+        AskForVersion();
+    else
+        StartUp();
+}
+
+bool RunControl::Completes(RunRequest const& p_Request)
+{
+    return p_Request.Kind == RunRequest::Type::Install ||
+           p_Request.Kind == RunRequest::Type::Update || p_Request.Kind == RunRequest::Type::Repair;
 }
 
 std::optional<Failure> RunControl::Preconditions()
 {
     InstallRecord const& record = Context.Record;
+    if (auto failure = OfflinePreconditions())
+        return failure;
     if (Request.Kind == RunRequest::Type::ListLocales)
         return std::nullopt;
     if (Request.Kind == RunRequest::Type::ChooseLocale && !record.IsInstalled())
@@ -108,27 +119,13 @@ std::optional<Failure> RunControl::LockFolder(QString const& p_Folder)
     return Failure{FailureKind::FolderLocked, p_Folder, {}};
 }
 
-void RunControl::StartUp()
-{
-    CurrentStep = Step::StartingUp;
-    Context.Watch.Reset();
-    Stall.Reset();
-    bool const chainGoesOn = Request.Kind == RunRequest::Type::Update && !WantsEveryFile;
-    if (chainGoesOn)
-        Context.Gate.Open();
-    else
-        Context.Gate.Close();
-    Context.Module.DownloadRetryCount = 0;
-    LastDead = Context.Journal.DeadMirrors().size();
-    Context.Module.Init();
-}
-
 void RunControl::OnConnected()
 {
     Launcher::StandartApplication& module = Context.Module;
     Result.Build = module.Manifest.BuildStr;
     Context.Watch.Reset();
-    Stall.Reset();
+    NoticeCopies();
+    NoticeHostList();
     if (IsAboutLocales(Request))
         return AnswerLocales();
     if (Request.Kind == RunRequest::Type::Uninstall)
@@ -187,11 +184,10 @@ void RunControl::BeginRepair()
 
 void RunControl::BeforePump()
 {
-    if (CurrentStep == Step::Idle)
-        return;
-    CleanMirrors();
     if (CurrentStep != Step::Running)
         return;
+    // Before the first file is asked for: the door is ahead of the module.
+    Plan.Look(Folder());
     CheckRoom(Reader.Phase());
     if (Paused)
         StopTransfer();
@@ -200,23 +196,22 @@ void RunControl::BeforePump()
 void RunControl::AfterPump()
 {
     if (CurrentStep != Step::Idle)
-        WatchFetches();
+        if (auto const problem = Context.Door->Snapshot().GaveUp)
+            OnGaveUp(ExplainFetch(*problem));
     if (CurrentStep == Step::StartingUp) {
         if (Context.Module.UISetting.State != Launcher::ApplicationUISetting::StateStartingUp)
             OnConnected();
         else if (Context.Watch.Observe())
-            OnStartUpFailed();
+            OnStartUpFailed(StartUpFailure());
     } else if (CurrentStep == Step::Settling && Context.Watch.Observe()) {
         Context.Watch.Reset();
         std::exchange(AfterSettling, nullptr)();
-    } else if (CurrentStep == Step::Inspecting && !Survey && !Mirrors && Examiner->IsFinished()) {
+    } else if (CurrentStep == Step::Inspecting && Survey) {
+        LookAtSizes();
+    } else if (CurrentStep == Step::Inspecting && Examiner && Examiner->IsFinished()) {
         OnInspected();
     } else if (CurrentStep == Step::Running && !IsSuspended() && Context.Watch.Observe()) {
         OnQuiet();
-    }
-    if (CurrentStep == Step::StartingUp || CurrentStep == Step::Running) {
-        WatchForStall(CurrentPhase());
-        WatchForDrops(CurrentPhase());
     }
     ShowProgress();
 }
@@ -230,9 +225,7 @@ void RunControl::Settle(std::function<void()> p_Next)
 
 void RunControl::Finish()
 {
-    bool const completes = Request.Kind == RunRequest::Type::Install ||
-                           Request.Kind == RunRequest::Type::Update ||
-                           Request.Kind == RunRequest::Type::Repair;
+    bool const completes = Completes(Request);
     if (completes)
         if (auto const failure = LinkFailure())
             return Fail(*failure);
@@ -249,6 +242,10 @@ void RunControl::Finish()
     }
     if (completes && !Context.Record.MarkComplete(Context.Module.RemoteBuild))
         return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
+    if (completes &&
+        !Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
+        NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")
+                       .arg(Context.Copies.Folder()));
     End();
 }
 
@@ -278,6 +275,7 @@ void RunControl::End()
     Result.Locale = Context.Module.GetAppLocale();
     Context.Gate.Close();
     Context.Gate.Release();
+    Context.Door->EndRun();
     Paused = false;
     AfterSettling = nullptr;
     if (Examiner)
@@ -285,6 +283,7 @@ void RunControl::End()
     Examiner.reset();
     Survey.reset();
     Mirrors.reset();
+    Asking.reset();
     Context.Gate.SetPreview(false);
     Lock.reset();
     CurrentStep = Step::Idle;
@@ -301,10 +300,9 @@ RunPhase RunControl::CurrentPhase() const
         return RunPhase::Idle;
     if (CurrentStep == Step::Inspecting)
         return InspectionSnapshot().Phase;
-    if (CurrentStep != Step::Running)
-        return RunPhase::Connecting;
-    RunPhase const phase = Reader.Phase();
-    return Paused && phase == RunPhase::WaitingForHost ? RunPhase::Suspended : phase;
+    RunPhase const phase = CurrentStep == Step::Running ? Reader.Phase() : RunPhase::Connecting;
+    bool const waitsForDoor = phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes;
+    return Paused && waitsForDoor ? RunPhase::Suspended : phase;
 }
 
 void RunControl::ShowProgress()
@@ -320,7 +318,7 @@ void RunControl::ShowProgress()
     LastShown = now;
     Context.Module.UISettingChanged = false;
     RunSnapshot const snapshot =
-        CurrentStep == Step::Inspecting ? InspectionSnapshot() : Reader.Read(phase, now);
+        CurrentStep == Step::Inspecting ? InspectionSnapshot() : Reader.Read(phase);
     if (snapshot == LastSnapshot)
         return;
     LastSnapshot = snapshot;

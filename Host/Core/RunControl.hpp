@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/DropWatch.hpp"
+#include "Host/Core/DownloadPlan.hpp"
 #include "Host/Core/FolderLock.hpp"
 #include "Host/Core/Inspection.hpp"
 #include "Host/Core/MirrorCheck.hpp"
@@ -11,13 +11,11 @@
 #include "Host/Core/RunResult.hpp"
 #include "Host/Core/RunSnapshot.hpp"
 #include "Host/Core/SizeSurvey.hpp"
-#include "Host/Core/StallWatch.hpp"
 
 #include <QElapsedTimer>
 #include <QObject>
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -58,11 +56,11 @@ Q_SIGNALS:
     void Ended(RunResult p_Result);
 
 private:
-    enum class Step { Idle, StartingUp, Settling, Running, Inspecting, BackingOff };
+    enum class Step { Idle, StartingUp, Settling, Running, Inspecting };
 
+    static bool Completes(RunRequest const& p_Request);
     std::optional<Failure> Preconditions();
     std::optional<Failure> LockFolder(QString const& p_Folder);
-    void StartUp();
     void OnConnected();
     std::optional<Failure> BeginInstall();
     void BeginRepair();
@@ -75,6 +73,20 @@ private:
     void ShowProgress();
     RunPhase CurrentPhase() const;
     QString Folder() const { return Context.Record.Folder(); }
+
+    // _StartUp
+    std::optional<Failure> OfflinePreconditions() const;
+    void OpenDoor();
+    void StartUp();
+    void OnStartUpFailed(Failure const& p_Failure);
+    Failure StartUpFailure() const;
+    Failure NothingKept() const;
+    void NoticeHostList();
+    void NoticeCopies();
+    QString VersionFile() const;
+    QString ManifestFile(QString const& p_Build) const;
+    void AskForVersion();
+    void OnVersion(Gateway::Reply const& p_Reply);
 
     // _Pause
     bool IsSuspended() const;
@@ -95,7 +107,8 @@ private:
     void BeginInspection();
     void Inspect(bool p_EveryFile);
     void OnInspected();
-    void OnSized();
+    void LookAtSizes();
+    void TellUpdate();
     void AskMirrors();
     void OnMirrorsAsked();
     RunSnapshot InspectionSnapshot() const;
@@ -107,57 +120,42 @@ private:
     std::optional<Failure> LinkFailure() const;
 
     // _Faults
-    void OnStartUpFailed();
-    void Retry(Failure const& p_Failure);
+    void OnGaveUp(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);
     QString VolumeInUse() const;
-    void WatchForStall(RunPhase p_Phase);
-    void WatchFetches();
-    void WatchForDrops(RunPhase p_Phase);
-    void GiveUpTransfer(Failure const& p_Failure);
-    std::vector<QNetworkReply*> UnfinishedReplies() const;
-    void StopSilentReplies();
     void AbandonReplies();
-    void CleanMirrors();
     void NoticeRealmList();
     void NoticeOnce(QString const& p_Text);
-    std::optional<FetchNote> UnansweredSize() const;
-    Failure ExplainFetch(FetchNote const& p_Note) const;
-    std::size_t CountMissing() const;
+    std::size_t ServersBehind() const;
+    Failure LatestFailure() const;
 
     RunContext Context;
     ProgressReader Reader;
     RoomCheck Room;
-    StallWatch Stall;
-    DropWatch Drops;
+    DownloadPlan Plan;
     QElapsedTimer Clock;
     std::unique_ptr<FolderLock> Lock;
     RunRequest Request;
     RunResult Result;
     Step CurrentStep = Step::Idle;
     std::function<void()> AfterSettling;
-    /// How far a fetch has come, and since when, as `Clock` has it.
-    struct FetchProgress {
-        int Bytes = 0;
-        qint64 Since = 0;
-    };
-    std::map<QNetworkReply*, FetchProgress> Fetches;
     std::shared_ptr<Inspection> Examiner; ///< shared with the worker
     std::unique_ptr<SizeSurvey> Survey;
     std::unique_ptr<MirrorCheck> Mirrors;
+    std::unique_ptr<QObject> Asking; ///< of a quick check; its end is the question's
     bool PumpHeld = false;
     bool Paused = false;
     bool WantsEveryFile = false; ///< the pending lists are not to be trusted
     bool HasInstalled = false;
-    int Attempts = 0; ///< repetitions since the last file arrived
     std::size_t LastMissing = 0;
     int Passes = 0;
-    QStringList CleanHosts;         ///< the mirrors when they were looked at last
-    QSet<QString> CleanDead;        ///< those of them that were out of use
     std::set<QString> PassedOver;   ///< files that could not be begun
     std::optional<Failure> Blocked; ///< why, of the first of them
-    int LastDead = 0;               ///< dead mirrors when the pass began
-    std::optional<Failure> Pending; ///< why the transfer was stopped, told when it has ended
+    std::size_t LastBehind = 0;     ///< servers that had fallen behind when the pass began
+    OfflineCopies::Documents Kept;  ///< that the run may go on from
+    bool MayUseKept = false;        ///< once the servers have failed
+    bool UsesKept = false;          ///< no server is asked
+    std::optional<Failure> Missed;  ///< why, when they were to be asked
     std::set<QString> Told;
     RunSnapshot LastSnapshot;
     qint64 LastShown = 0;

@@ -78,6 +78,7 @@ void RunControl::BeginUninstall()
     QString const folder = Folder();
     Context.Module.Uninstall(Request.DeletesFiles);
     Context.Record.Forget();
+    Context.Copies.Forget();
     // What could not be deleted is reported by messages that are still on their way.
     Settle([this, folder] { FinishUninstall(folder); });
 }
@@ -135,7 +136,10 @@ void RunControl::Play()
     Context.Gate.Hold();
     Context.Gate.Open(); // or the module would leave the permissions as they are
     bool const wasRunning = module.IsGameRunning();
-    module.Start(Request.Argument, Request.Password);
+    {
+        NetworkDoor::Outside const outside(Context.Door); // the game has an environment of its own
+        module.Start(Request.Argument, Request.Password);
+    }
     program.refresh();
     if (!program.isExecutable()) {
         module.Start({}, {}); // takes the account's files away

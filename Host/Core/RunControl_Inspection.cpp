@@ -2,10 +2,8 @@
 
 #include "Host/Core/ByteText.hpp"
 #include "Host/Core/FileDiagnosis.hpp"
-#include "Launcher/Application/ContentServer.hpp"
 
 #include <QFileInfo>
-#include <QMutexLocker>
 
 #include <algorithm>
 
@@ -92,45 +90,33 @@ void RunControl::OnInspected()
     if (Examiner->Findings().empty())
         return Finish();
     if (!IsInspection(Request))
-        return Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes)
+        return Fail(FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes)
                         .Explain(EntriesOf(Examiner->Findings())));
     if (Request.Kind == RunRequest::Type::Verify)
         return Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
-    SizeSurvey::Servers servers;
-    QString const folder = Context.Module.AppId + QLatin1Char('/');
-    servers.Default = Launcher::DefaultContentBaseUrl() + folder;
-    servers.Mirror = servers.Default;
-    {
-        QMutexLocker const lock(&Context.Module.RunMutex);
-        if (!Context.Module.CdnHosts.isEmpty())
-            servers.Mirror =
-                QStringLiteral("http://%1/").arg(Context.Module.CdnHosts.first()) + folder;
-    }
-    Survey = std::make_unique<SizeSurvey>(Result.Findings, servers, Folder());
-    connect(Survey.get(), &SizeSurvey::Finished, this, &RunControl::OnSized, Qt::QueuedConnection);
-    Survey->Begin();
+    if (UsesKept) // nobody is asked
+        return TellUpdate();
+    Survey =
+        std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Folder(),
+                                          Context.Options.StallMilliseconds);
 }
 
-/// Called when the servers have been asked for every size.
-void RunControl::OnSized()
+void RunControl::LookAtSizes()
 {
-    if (CurrentStep != Step::Inspecting)
+    if (!Survey->Look())
         return;
     Result.Findings = Survey->Findings();
+    TellUpdate();
+}
+
+void RunControl::TellUpdate()
+{
     Fail({FailureKind::UpdateAvailable, AmountText(Result.Findings), Result.Build});
 }
 
 void RunControl::AskMirrors()
 {
     Launcher::StandartApplication const& module = Context.Module;
-    MirrorCheck::Question question;
-    question.DefaultServer = Launcher::DefaultContentBaseUrl();
-    question.ManifestPath =
-        QStringLiteral("%1/builds/%2/info.json").arg(module.AppId, module.RemoteBuild);
-    {
-        QMutexLocker const lock(&module.RunMutex);
-        question.Hosts = module.CdnHosts;
-    }
     // Of an empty file there is no piece; whether one is empty, its digest tells.
     QString const empty = QStringLiteral("D41D8CD98F00B204E9800998ECF8427E");
     auto const& files = module.Manifest.Files;
@@ -138,9 +124,9 @@ void RunControl::AskMirrors()
         return p_Entry.Md5 != empty &&
                !p_Entry.Has(Launcher::ApplicationManifestFileEntry::DefaultServerOnly);
     });
-    if (file != files.end())
-        question.FilePath = module.AppId + QLatin1Char('/') + file->Location;
-    Mirrors = std::make_unique<MirrorCheck>(question);
+    Mirrors = std::make_unique<MirrorCheck>(
+        Context.Door, Context.Door.PathOf(ManifestFile(module.RemoteBuild)),
+        file == files.end() ? std::string() : Context.Door.PathOf(file->Location));
     connect(Mirrors.get(), &MirrorCheck::Finished, this, &RunControl::OnMirrorsAsked,
             Qt::QueuedConnection);
     CurrentStep = Step::Inspecting;
@@ -166,7 +152,9 @@ void RunControl::OnMirrorsAsked()
 RunSnapshot RunControl::InspectionSnapshot() const
 {
     RunSnapshot snapshot;
-    if (Mirrors) {
+    if (!Examiner && !Mirrors) {
+        snapshot.Phase = RunPhase::Connecting;
+    } else if (Mirrors) {
         snapshot.Phase = RunPhase::AskingMirrors;
     } else if (Survey) {
         snapshot.Phase = RunPhase::AskingSizes;

@@ -4,10 +4,11 @@ namespace Varnholt::Host {
 
 void RunControl::Pause()
 {
-    if (CurrentStep == Step::Idle)
-        return;
+    if (CurrentStep == Step::Idle || !Completes(Request))
+        return; // there is no transfer to pause
     Paused = true;
     Context.Gate.Hold();
+    Context.Door->Pause();
 }
 
 void RunControl::Continue()
@@ -17,8 +18,8 @@ void RunControl::Continue()
     bool const stopped = IsSuspended();
     Paused = false;
     Context.Gate.Release();
+    Context.Door->Continue();
     Context.Watch.Reset();
-    Stall.Reset();
     if (CurrentStep == Step::Running && stopped)
         Context.Module.ResumeDownload();
 }

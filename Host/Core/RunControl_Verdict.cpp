@@ -24,27 +24,16 @@ void RunControl::OnQuiet()
     Launcher::StandartApplication& module = Context.Module;
     Context.Watch.Reset();
     qint32 mode = 0;
-    QString server;
     Launcher::StandartApplication::Entries stopped;
     {
         QMutexLocker const lock(&module.RunMutex);
         mode = module.UISetting.Download.Mode;
-        server = module.ContentBaseUrl;
         if (module.CurrentDownloadIndex < module.FilesToDownload.size())
             stopped = {module.FilesToDownload[module.CurrentDownloadIndex]};
     }
-    if (Pending) {
-        Failure const failure = *Pending;
-        Pending.reset();
-        if (failure.IsNetwork())
-            return Retry(failure);
-        return Fail(failure);
-    }
-    if (mode == Launcher::ApplicationUISetting::ModeAskingSizes && !stopped.empty()) {
-        // One query without an answer and the size pass never ends.
-        auto const note = UnansweredSize();
-        return Retry(note ? ExplainFetch(*note) : Failure{FailureKind::ServerSilent, server, {}});
-    }
+    // One query without an answer and the size pass never ends.
+    if (mode == Launcher::ApplicationUISetting::ModeAskingSizes && !stopped.empty())
+        return Fail(LatestFailure());
     if (!stopped.empty())
         return PassOver(stopped.front());
     Verify();
@@ -55,7 +44,7 @@ void RunControl::OnQuiet()
 void RunControl::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
 {
     Failure const failure =
-        FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain({p_Entry});
+        FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain({p_Entry});
     PassedOver.insert(p_Entry.Path);
     // The next one would fare no better, or there is no end of them.
     bool const isAlone = failure.Kind != FailureKind::DiskFull &&
@@ -84,17 +73,16 @@ void RunControl::Verify()
         return Inspect(true);
 
     // The module has one budget of repetitions for all files: one bad file takes it from the rest.
-    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing ||
-                         Context.Journal.DeadMirrors().size() > LastDead;
-    bool const isSettled =
-        WantsEveryFile && missing.size() == 1 && Context.Journal.DeadMirrors().size() <= LastDead;
+    bool const isNextFromOthers = ServersBehind() > LastBehind;
+    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing || isNextFromOthers;
+    bool const isSettled = WantsEveryFile && missing.size() == 1 && !isNextFromOthers;
     if (mayHelp && !isSettled && ++Passes < c_MostPasses) {
         LastMissing = WantsEveryFile ? missing.size() : LastMissing;
-        LastDead = Context.Journal.DeadMirrors().size();
+        LastBehind = ServersBehind();
         module.DownloadRetryCount = 0;
         return BeginRepair();
     }
-    Fail(FileDiagnosis(Folder(), Context.Journal, Context.Options.FreeBytes).Explain(missing));
+    Fail(FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(missing));
 }
 
 /// A game whose files are partly elsewhere, where the module leaves them alone, is not complete.

@@ -3,75 +3,44 @@
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
-#include <QNetworkReply>
-#include <QNetworkRequest>
-#include <QUrl>
 
 #include <algorithm>
 
 namespace Varnholt::Host {
 
-namespace {
-
-constexpr int c_MostUnanswered = 6;
-
-} // namespace
-
-SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, Servers p_Servers, QString p_Folder)
+SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door, QString p_Folder,
+                       int p_Patience)
     : Files(std::move(p_Findings))
-    , From(std::move(p_Servers))
+    , Door(p_Door)
     , Folder(std::move(p_Folder))
+    , Patience(p_Patience)
 {
-}
-
-void SizeSurvey::Begin()
-{
-    constexpr int c_Parallel = 6;
-
-    if (Files.empty()) {
-        QMetaObject::invokeMethod(this, &SizeSurvey::Finished, Qt::QueuedConnection);
-        return;
+    std::vector<Gateway::PlannedFile> asked;
+    for (FileFinding const& finding : Files) {
+        Gateway::PlannedFile file;
+        file.Path = Door.PathOf(finding.Location);
+        file.OfDefaultServer = finding.IsDefaultServerOnly;
+        asked.push_back(file);
     }
-    for (int i = 0; i < c_Parallel; ++i)
-        AskNext();
+    Door->AskSizes(std::move(asked));
+    SinceAnswer.start();
 }
 
-void SizeSurvey::AskNext()
+bool SizeSurvey::Look()
 {
-    constexpr int c_TimeoutMilliseconds = 30'000;
-
-    if (Next >= Files.size())
-        return;
-    std::size_t const index = Next++;
-    FileFinding const& file = Files[index];
-    QNetworkRequest request(
-        QUrl((file.IsDefaultServerOnly ? From.Default : From.Mirror) + file.Location));
-    request.setTransferTimeout(c_TimeoutMilliseconds);
-    QNetworkReply* const reply = Manager.head(request);
-    connect(reply, &QNetworkReply::finished, this, [this, index, reply] {
-        OnAnswer(index, *reply);
-        reply->deleteLater();
-    });
-}
-
-void SizeSurvey::OnAnswer(std::size_t p_Index, QNetworkReply& p_Reply)
-{
-    FileFinding& file = Files[p_Index];
-    bool known = false;
-    qint64 const size = p_Reply.header(QNetworkRequest::ContentLengthHeader).toLongLong(&known);
-    bool const answered = p_Reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
-    Unanswered = answered ? 0 : Unanswered + 1;
-    if (p_Reply.error() == QNetworkReply::NoError && known) {
-        qint64 const there =
-            QFileInfo(Launcher::Helper::Paths::PartFile(Folder + file.Path)).size();
-        file.Bytes = std::max<qint64>(0, size - there);
-    }
-    ++Answers;
-    // A server that is silent for a while is not asked for the rest.
-    if (Unanswered == c_MostUnanswered || Answers == Files.size())
-        Q_EMIT Finished();
-    else if (Unanswered < c_MostUnanswered)
-        AskNext();
+    auto const snapshot = Door->Snapshot();
+    if (snapshot.SizesKnown != Settled)
+        SinceAnswer.start();
+    Settled = snapshot.SizesKnown;
+    bool const isDone =
+        Settled == Files.size() || snapshot.GaveUp || SinceAnswer.hasExpired(Patience);
+    for (std::size_t i = 0; isDone && i < Files.size(); ++i)
+        if (auto const size = Door.SizeOf(Files[i].Location)) {
+            QString const part = Launcher::Helper::Paths::PartFile(Folder + Files[i].Path);
+            Files[i].Bytes =
+                std::max<qint64>(0, static_cast<qint64>(*size) - QFileInfo(part).size());
+        }
+    return isDone;
 }
 
 } // namespace Varnholt::Host

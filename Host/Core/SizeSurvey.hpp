@@ -1,49 +1,36 @@
 #pragma once
 
 #include "Host/Core/FileFinding.hpp"
+#include "Host/Core/NetworkDoor.hpp"
 
-#include <QNetworkAccessManager>
-#include <QObject>
+#include <QElapsedTimer>
 
 #include <vector>
 
 namespace Varnholt::Host {
 
-/// Asks servers for the sizes of files, without their content. Lives on one thread.
-class SizeSurvey : public QObject {
-    Q_OBJECT
-
+/// Asks for the sizes of files, without their content. Module thread.
+class SizeSurvey {
 public:
-    /// Addresses end in "/" and are followed by a file's location.
-    struct Servers {
-        QString Default;
-        QString Mirror;
-    };
-
     /// \param p_Folder where the beginnings of files lie that need not be fetched again
-    SizeSurvey(std::vector<FileFinding> p_Findings, Servers p_Servers, QString p_Folder);
+    /// \param p_Patience milliseconds in which no answer at all may come
+    SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door, QString p_Folder,
+               int p_Patience);
 
-    /// Answered by `Finished`, whatever the servers do.
-    void Begin();
+    /// Called once in each turn. \return true when no more answers are to be expected
+    bool Look();
 
-    /// With sizes after `Finished`; unknown where a server did not tell.
+    /// With the sizes that are known; those that no server told stay unknown.
     std::vector<FileFinding> const& Findings() const { return Files; }
-    quint32 Answered() const { return Answers; }
-
-Q_SIGNALS:
-    void Finished();
+    quint32 Answered() const { return Settled; }
 
 private:
-    void AskNext();
-    void OnAnswer(std::size_t p_Index, QNetworkReply& p_Reply);
-
-    QNetworkAccessManager Manager;
     std::vector<FileFinding> Files;
-    Servers From;
+    NetworkDoor& Door;
     QString Folder;
-    std::size_t Next = 0;
-    quint32 Answers = 0;
-    int Unanswered = 0; ///< in a row
+    int Patience;
+    QElapsedTimer SinceAnswer;
+    quint32 Settled = 0; ///< files that are answered, with a size or without
 };
 
 } // namespace Varnholt::Host

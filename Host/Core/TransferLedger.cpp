@@ -2,20 +2,33 @@
 
 #include <QFile>
 #include <QMutexLocker>
-#include <QUrl>
-
-#include <utility>
 
 namespace Varnholt::Host {
 
-TransferLedger::TransferLedger(Launcher::Application& p_Application)
+namespace {
+
+/// Once the module has handled it, what is as announced has got its final name, and what can still
+/// become the file lies there as a part.
+bool IsWrong(HTTP_DownloadFileRequest const& p_Request)
+{
+    QString const part = QStringLiteral(".part");
+    return !p_Request.Aborted && p_Request.FilePath.endsWith(part) &&
+           !QFile::exists(p_Request.FilePath) &&
+           !QFile::exists(p_Request.FilePath.chopped(part.size()));
+}
+
+} // namespace
+
+TransferLedger::TransferLedger(Launcher::Application& p_Application,
+                               std::function<void(QString const&)> p_OnWrong)
+    : OnWrong(std::move(p_OnWrong))
 {
     // By name and at once: the object's class is the module's own, and the signal comes from the
     // download thread itself.
     connect(&p_Application, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
             SLOT(OnComplete(HTTP_DownloadFileRequest*)), Qt::DirectConnection);
-    connect(&p_Application, SIGNAL(OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)), this,
-            SLOT(OnRestarted()), Qt::DirectConnection);
+    connect(&p_Application, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
+            SLOT(OnHandled(HTTP_DownloadFileRequest*)), Qt::QueuedConnection);
     p_Application.OnDownloadRetired =
         [this, previous = p_Application.OnDownloadRetired](HTTP_DownloadFileRequest* p_Request) {
             if (previous)
@@ -36,18 +49,6 @@ quint32 TransferLedger::Count() const
     return Ended;
 }
 
-quint32 TransferLedger::Restarts() const
-{
-    QMutexLocker const lock(&Mutex);
-    return Restarted;
-}
-
-QSet<QString> TransferLedger::TakeSuspects()
-{
-    QMutexLocker const lock(&Mutex);
-    return std::exchange(Suspects, {});
-}
-
 void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
 {
     QMutexLocker const lock(&Mutex);
@@ -55,21 +56,15 @@ void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
     ++Ended;
 }
 
-void TransferLedger::OnRestarted()
+void TransferLedger::OnHandled(HTTP_DownloadFileRequest* p_Request)
 {
-    QMutexLocker const lock(&Mutex);
-    ++Restarted;
+    if (IsWrong(*p_Request))
+        OnWrong(p_Request->Url);
 }
 
 void TransferLedger::OnRetired(HTTP_DownloadFileRequest* p_Request)
 {
-    // Its completion was handled before: what is as announced has got its final name.
-    QString const part = QStringLiteral(".part");
-    bool const isInPlace = !p_Request->FilePath.endsWith(part) ||
-                           QFile::exists(p_Request->FilePath.chopped(part.size()));
     QMutexLocker const lock(&Mutex);
-    if (!isInPlace && !p_Request->Aborted)
-        Suspects += QUrl(p_Request->Url).authority();
     Ending.erase(p_Request);
 }
 

@@ -4,9 +4,9 @@
 
 #include <QMutex>
 #include <QObject>
-#include <QSet>
 #include <QString>
 
+#include <functional>
 #include <set>
 
 namespace Varnholt::Host {
@@ -20,29 +20,28 @@ class TransferLedger : public QObject {
     Q_OBJECT
 
 public:
-    explicit TransferLedger(Launcher::Application& p_Application);
+    /// \param p_OnWrong called on the module thread with the address of a file that has arrived and
+    ///        was not put in place: its bytes are not those that the build announces
+    TransferLedger(Launcher::Application& p_Application,
+                   std::function<void(QString const&)> p_OnWrong);
 
     bool IsEmpty() const;
     /// Transfers that have ended since the start.
     quint32 Count() const;
-    /// How often, since the start, a transfer was begun anew by itself.
-    quint32 Restarts() const;
-    /// Hosts, with port, that since the last call have given a file that was not put in place.
-    QSet<QString> TakeSuspects();
 
 private Q_SLOTS:
     /// Called on the download thread.
     void OnComplete(HTTP_DownloadFileRequest* p_Request);
-    void OnRestarted();
+    /// Called behind the module's own handling of the completion.
+    void OnHandled(HTTP_DownloadFileRequest* p_Request);
 
 private:
     void OnRetired(HTTP_DownloadFileRequest* p_Request);
 
+    std::function<void(QString const&)> OnWrong;
     mutable QMutex Mutex;
     std::set<HTTP_DownloadFileRequest*> Ending;
-    QSet<QString> Suspects;
     quint32 Ended = 0;
-    quint32 Restarted = 0;
 };
 
 } // namespace Varnholt::Host

@@ -100,6 +100,13 @@ int HostGame::Requests(QString const& p_File) const
     return Server.Count(Content.ServerPath(p_File));
 }
 
+bool HostGame::WasResumedAt(QString const& p_File, qint64 p_Offset) const
+{
+    auto const requests = Server.Requests(Content.ServerPath(p_File));
+    return !requests.empty() && requests.back().Header("Range").startsWith(
+                                    "bytes=" + QByteArray::number(p_Offset) + '-');
+}
+
 QVariant HostGame::Setting(QString const& p_Key) const
 {
     return QSettings(SettingsFile, QSettings::IniFormat).value(p_Key);

@@ -35,6 +35,8 @@ public:
     /// The build's files that were asked for, each as often as it was, in alphabetical order.
     QStringList Requested() const;
     int Requests(QString const& p_File) const;
+    /// Whether the latest request for a file began at this byte.
+    bool WasResumedAt(QString const& p_File, qint64 p_Offset) const;
     /// Begins to count in `Requested()` anew.
     void ForgetRequests() { Forgotten = Server.Requests().size(); }
 

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace Varnholt::TestSupport {
 
 SessionGame::SessionGame()
@@ -144,6 +146,13 @@ std::vector<Host::RunPhase> SessionGame::Phases() const
         if (phases.empty() || phases.back() != snapshot.Phase)
             phases.push_back(snapshot.Phase);
     return phases;
+}
+
+bool SessionGame::HasWaitedFor(QString const& p_Cause) const
+{
+    return std::any_of(Snapshots.begin(), Snapshots.end(), [&](auto const& p_Snapshot) {
+        return p_Snapshot.Wait && p_Snapshot.Wait->Cause == p_Cause;
+    });
 }
 
 void SessionGame::Forget()

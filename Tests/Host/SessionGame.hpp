@@ -53,6 +53,8 @@ public:
     QString Sentence() const;
     /// The phases since the last start, each as often as it was entered.
     std::vector<Host::RunPhase> Phases() const;
+    /// Whether a snapshot since the last start told that a server is waited for, and why.
+    bool HasWaitedFor(QString const& p_Cause) const;
     /// Forgets all that was said.
     void Forget();
 

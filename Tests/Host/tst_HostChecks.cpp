@@ -1,6 +1,5 @@
 #include "Host/Core/Failure.hpp"
 #include "Host/Core/FolderCheck.hpp"
-#include "Host/Core/MirrorFilter.hpp"
 #include "Host/Core/MissingFiles.hpp"
 #include "Host/Core/RoomCheck.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -53,12 +52,6 @@ private Q_SLOTS:
     void EveryKindHasASentenceARemedyAndAStatusOfTheList();
     void TheNetworksFailuresAreThoseOfItsStatus();
     void MarksInAFileNameStayThemselves();
-
-    void DeadMirrorsGo();
-    void WhenAllMirrorsAreDeadAllAreAsked();
-    void BlanksAndLineEndsOfAHostListGo();
-    void AListThatIsNoListOfHostsIsNone_data();
-    void AListThatIsNoListOfHostsIsNone();
 
     void FilesOfOtherLanguagesAreNotMissing();
     void AFolderInAFilesPlaceIsAMissingFile();
@@ -118,44 +111,6 @@ void HostChecksTest::MarksInAFileNameStayThemselves()
 {
     Failure const failure{FailureKind::FileUnwritable, "a {d} {s} b", "the {s} cause"};
     QCOMPARE(failure.Sentence(), QString("the file a {d} {s} b cannot be written (the {s} cause)"));
-}
-
-void HostChecksTest::DeadMirrorsGo()
-{
-    QStringList const hosts{"a.example", "b.example:8080", "c.example", "c.example:8080"};
-    QCOMPARE(MirrorFilter::Apply(hosts, {"b.example:8080", "c.example"}),
-             QStringList({"a.example", "c.example:8080"}));
-}
-
-void HostChecksTest::WhenAllMirrorsAreDeadAllAreAsked()
-{
-    QStringList const hosts{"a.example", "b.example"};
-    QCOMPARE(MirrorFilter::Apply(hosts, {"a.example", "b.example"}), hosts);
-}
-
-void HostChecksTest::BlanksAndLineEndsOfAHostListGo()
-{
-    QCOMPARE(MirrorFilter::Apply({"", "a.example", " ", "b.example\r\n", ""}, {}),
-             QStringList({"a.example", "b.example"}));
-    QVERIFY(!MirrorFilter::IsForeign({"", "a.example\n"}));
-    QCOMPARE(MirrorFilter::Apply({""}, {}), QStringList());
-}
-
-void HostChecksTest::AListThatIsNoListOfHostsIsNone_data()
-{
-    QTest::addColumn<QStringList>("hosts");
-    QTest::newRow("a page") << QStringList{"<html>", "<body>page</body>", "</html>"};
-    QTest::newRow("names and markup") << QStringList{"a.example", "<br>"};
-    QTest::newRow("JSON") << QStringList{"{\"error\":404}"};
-    QTest::newRow("two lines") << QStringList{"a.example\nb.example"};
-    QTest::newRow("a port that is none") << QStringList{"a.example:99999"};
-}
-
-void HostChecksTest::AListThatIsNoListOfHostsIsNone()
-{
-    QFETCH(QStringList, hosts);
-    QVERIFY(MirrorFilter::IsForeign(hosts));
-    QCOMPARE(MirrorFilter::Apply(hosts, {}), QStringList());
 }
 
 void HostChecksTest::FilesOfOtherLanguagesAreNotMissing()

@@ -62,8 +62,7 @@ void HostControlTest::init()
 {
     Game = std::make_unique<HostGame>();
     Game->AddFiles().Publish();
-    Game->Server.Script(File()).Then(Answer::Normal()); // its size
-    Game->Server.Script(File()).Then(Answer::SilentAfter(c_Half));
+    Game->Server.Script("GET " + File()).Then(Answer::SilentAfter(c_Half));
     RunFolder = Game->Base + "run";
     QVERIFY(QDir().mkpath(RunFolder));
     QVERIFY(SetMode(RunFolder, 0700));
@@ -199,8 +198,7 @@ void HostControlTest::AKilledDownloadStandsInNobodysWay()
     QCOMPARE(Run({"pause"}).Status, 1);
 
     QVERIFY(QFile::remove(Game->Path("Data/base.MPQ.part")));
-    Game->Server.Script(File()).Then(Answer::Normal());
-    Game->Server.Script(File()).Then(Answer::SilentAfter(c_Half));
+    Game->Server.Script("GET " + File()).Then(Answer::SilentAfter(c_Half));
     auto const process = Begin();
     QCOMPARE(Run({"pause"}).Status, 0);
     QVERIFY(process->WaitForErr("suspended\n"));

@@ -40,7 +40,6 @@ void HostDiskFailuresTest::AGameThatDoesNotFitIsRefusedBeforeItsFirstByte()
     QCOMPARE(game.Sentence(), "the volume of " + game.Folder +
                                   " is too full (89.8 KiB are free, 89.9 KiB more are needed)");
     QCOMPARE(game.Result().Problem->ExitStatus(), 6);
-    QCOMPARE(game.Requests("Data/base.MPQ"), 1); // its size
     QVERIFY(!game.Has("Data/base.MPQ.part"));
     ++free;
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
@@ -80,7 +79,7 @@ void HostDiskFailuresTest::ADiskThatFillsUpStopsTheTransferAndKeepsIt()
     std::atomic<qint64> free{1'000'000};
     game.Options.FreeBytes = [&](QString const&) { return free.load(); };
     QString const path = game.Content.ServerPath("Data/first build.MPQ");
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(10000));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(10000));
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
@@ -92,7 +91,7 @@ void HostDiskFailuresTest::ADiskThatFillsUpStopsTheTransferAndKeepsIt()
     game.ForgetRequests();
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=10000-"));
+    QVERIFY(game.WasResumedAt("Data/first build.MPQ", 10000));
     QVERIFY(!game.Requested().contains("Data/base.MPQ"));
 }
 
@@ -152,7 +151,7 @@ void HostDiskFailuresTest::ARealVolumeThatFillsUpLosesNothing()
         return game.Has("other") && free > 0 ? qint64(-1) : free;
     };
     QString const path = game.Content.ServerPath("Data/first build.MPQ");
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(10000));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(10000));
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));

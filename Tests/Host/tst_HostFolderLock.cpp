@@ -30,7 +30,7 @@ void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
     HostGame game;
     game.AddFiles().Publish();
     QString const base = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script(base).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    game.Server.Script("GET " + base).Then(Answer::SilentAfter(20000));
     HostProcess first(game, {"install", game.Folder});
     QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
     game.ForgetRequests();
@@ -53,7 +53,7 @@ void HostFolderLockTest::ALockWhoseOwnerHasDiedIsTakenOver()
     HostGame game;
     game.AddFiles().Publish();
     QString const base = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script(base).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    game.Server.Script("GET " + base).Then(Answer::SilentAfter(20000));
     {
         HostProcess first(game, {"install", game.Folder});
         QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
@@ -146,7 +146,7 @@ void HostFolderLockTest::AFolderThatWasMovedAwayInMidRunIsNotLocked()
     QString const away = game.Base + "away";
     QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
     QString const path = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(20000));
     QVERIFY(game.Open());
     game.Start(RequestType::Update);
     QVERIFY(game.WaitForPart("Data/base.MPQ", 20000));

@@ -18,8 +18,7 @@ constexpr qint64 c_Held = 5000; ///< bytes that arrive before a run is stopped
 
 void HoldContent(HostGame& p_Game, QString const& p_File)
 {
-    p_Game.Server.Script(p_Game.Content.ServerPath(p_File))
-        .Then(Answer::Normal()) // its size
+    p_Game.Server.Script("GET " + p_Game.Content.ServerPath(p_File))
         .Then(Answer::SilentAfter(c_Held));
 }
 
@@ -50,28 +49,31 @@ private:
 void HostInterruptTest::AnInterruptionEndsTheRunInEveryPhase_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("normal"); ///< answers before the one that stands still
-    QTest::newRow("asking for the version") << "/pelmora_app/version.json" << 0;
-    QTest::newRow("asking for the manifest") << "/pelmora_app/builds/build_1/info.json" << 0;
-    QTest::newRow("asking for the mirrors") << "/cdns.info" << 0;
-    QTest::newRow("asking for a size") << "/pelmora_app/builds/build_1/files/Data/base.MPQ" << 0;
-    QTest::newRow("within a base file") << "/pelmora_app/builds/build_1/files/Data/base.MPQ" << 1;
-    QTest::newRow("asking for a streamed size")
-        << "/pelmora_app/builds/build_1/files/Data/streamed 1.MPQ" << 0;
-    QTest::newRow("within a streamed file")
-        << "/pelmora_app/builds/build_1/files/Data/streamed 1.MPQ" << 1;
+    QTest::addColumn<Answer>("answer");
+    Answer const silence = Answer::SilentBeforeHeaders();
+    Answer const cut = Answer::SilentAfter(c_Held);
+    QString const base = QStringLiteral("/pelmora_app/builds/build_1/files/Data/base.MPQ");
+    QString const streamed =
+        QStringLiteral("/pelmora_app/builds/build_1/files/Data/streamed 1.MPQ");
+    QTest::newRow("asking for the version") << "/pelmora_app/version.json" << silence;
+    QTest::newRow("asking for the manifest") << "/pelmora_app/builds/build_1/info.json" << silence;
+    QTest::newRow("asking for the mirrors") << "/cdns.info" << silence;
+    QTest::newRow("asking for a size") << base << silence;
+    QTest::newRow("within a base file") << "GET " + base << cut;
+    QTest::newRow("asking for a streamed size") << streamed << silence;
+    QTest::newRow("within a streamed file") << "GET " + streamed << cut;
 }
 
 void HostInterruptTest::AnInterruptionEndsTheRunInEveryPhase()
 {
     QFETCH(QString, path);
-    QFETCH(int, normal);
+    QFETCH(Answer, answer);
     SessionGame game;
     game.AddFiles().Publish();
-    game.Server.Script(path).Then(Answer::Normal(), normal).Then(Answer::SilentBeforeHeaders());
+    game.Server.Script(path).Then(answer);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return game.Server.Count(path) == normal + 1; }));
+    QVERIFY(game.WaitUntil([&] { return game.Server.ScriptedAnswers(path) == 1; }));
     game.Session().Interrupt();
     QCOMPARE(game.End(), QString("interrupted"));
     QCOMPARE(game.Result().Problem->ExitStatus(), 130);
@@ -105,12 +107,14 @@ void HostInterruptTest::AnInterruptionWhileWaitingToTryAgainEnds()
     SessionGame game;
     game.AddFiles().Publish();
     game.Options.RetryPauseMilliseconds = 3'600'000;
-    game.Server.Script(game.Content.ServerPath(c_Base)).Then(Answer::ClosedBeforeHeaders(), 2);
+    QString const path = game.Content.ServerPath(c_Base);
+    game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return !game.Notices.isEmpty(); }));
+    QVERIFY(game.WaitUntil([&] { return game.HasWaitedFor("connection closed before the end"); }));
     game.Session().Interrupt();
     QCOMPARE(game.End(), QString("interrupted"));
+    game.Server.ClearScript(path);
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
 }
@@ -168,8 +172,7 @@ void HostInterruptTest::AfterAnyStopTheNextRunBringsEveryFile()
     QCOMPARE(outcome.Err, QString());
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.Requests(game.Content.ServerPath(file)).back().Header("Range"),
-             QByteArray("bytes=5000-"));
+    QVERIFY(game.WasResumedAt(file, c_Held));
     QVERIFY(!game.IsMarkedUnfinished());
 }
 

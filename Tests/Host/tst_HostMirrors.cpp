@@ -22,6 +22,7 @@ private Q_SLOTS:
     void AServerThatIsNotInOrderIsNamed_data();
     void AServerThatIsNotInOrderIsNamed();
     void ADeadMirrorDoesNotKeepTheOthersFromBeingAsked();
+    void AServerThatIsListedTwiceIsAskedOnce();
     void TheDefaultServerIsJudgedToo();
     void WithoutAFileOfTheMirrorsNoPieceIsAskedFor();
     void AnUnreachableDefaultServerIsTold();
@@ -159,6 +160,17 @@ void HostMirrorsTest::ADeadMirrorDoesNotKeepTheOthersFromBeingAsked()
     QCOMPARE(report.Of("mirror")[1]["cause"].toString(), QString("connection refused"));
     QVERIFY(!report.Of("mirror")[1].contains("milliseconds"));
     QCOMPARE(outcome.Status, 5);
+}
+
+void HostMirrorsTest::AServerThatIsListedTwiceIsAskedOnce()
+{
+    QStringList const listed{First->Host(), Game->Server.Host(), First->Host()};
+    Game->Server.Serve("/cdns.info", listed.join(' ').toUtf8());
+    Outcome const outcome = Run();
+    QCOMPARE(JsonReport(outcome.Out).Texts("mirror", "mirror"),
+             (QStringList{Game->Server.Host(), First->Host()}));
+    QCOMPARE(First->Count(Game->Content.ManifestPath()), 1);
+    QCOMPARE(outcome.Status, 0);
 }
 
 void HostMirrorsTest::TheDefaultServerIsJudgedToo()

@@ -18,8 +18,7 @@ QString const c_Streamed = QStringLiteral("Data/streamed 1.MPQ");
 /// Lets a run stand still within a file's content.
 void HoldContent(SessionGame& p_Game, QString const& p_File, qint64 p_Bytes)
 {
-    p_Game.Server.Script(p_Game.Content.ServerPath(p_File))
-        .Then(Answer::Normal()) // its size
+    p_Game.Server.Script("GET " + p_Game.Content.ServerPath(p_File))
         .Then(Answer::SilentAfter(p_Bytes));
 }
 
@@ -44,6 +43,7 @@ private Q_SLOTS:
     void APauseAtTheEndOfAFileHolds();
     void QuickPausesAndContinuationsComeToTheEnd();
     void APauseWhileWaitingToTryAgainHolds();
+    void APausedRunHasNoRate();
     void APauseOfAPlayedGameDoesNotOutliveItsRun();
     void TheUsersSignalPausesAndContinues();
 
@@ -149,8 +149,7 @@ void HostPauseTest::APauseWithinAFileKeepsItsBytes()
     game.Session().Continue();
     QCOMPARE(game.End(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.Requests(game.Content.ServerPath(file)).back().Header("Range"),
-             QByteArray("bytes=5000-"));
+    QVERIFY(game.WasResumedAt(file, 5000));
     QVERIFY(!game.IsMarkedUnfinished());
 }
 
@@ -158,12 +157,11 @@ void HostPauseTest::APauseBeforeTheAnswerHolds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Server.Script(game.Content.ServerPath(c_FirstBuild))
-        .Then(Answer::Normal())
-        .Then(Answer::SilentBeforeHeaders());
+    QString const content = "GET " + game.Content.ServerPath(c_FirstBuild);
+    game.Server.Script(content).Then(Answer::SilentBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return game.Requests(c_FirstBuild) == 2; }));
+    QVERIFY(game.WaitUntil([&] { return game.Server.ScriptedAnswers(content) == 1; }));
     game.Session().Pause();
     HoldsFor(game);
     QVERIFY(!game.Has(c_FirstBuild));
@@ -221,13 +219,31 @@ void HostPauseTest::APauseWhileWaitingToTryAgainHolds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Options.RetryPauseMilliseconds = 300;
-    game.Server.Script(game.Content.ServerPath("readme.txt"))
-        .Then(Answer::ClosedBeforeHeaders(), 2);
+    QString const path = game.Content.ServerPath("readme.txt");
+    game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return !game.Notices.isEmpty(); }));
+    QVERIFY(game.WaitUntil([&] { return game.HasWaitedFor("connection closed before the end"); }));
     game.Session().Pause();
+    HoldsFor(game);
+    game.Server.ClearScript(path);
+    game.Session().Continue();
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostPauseTest::APausedRunHasNoRate()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const path = game.Content.ServerPath(c_Base);
+    game.Server.Script("GET " + path).Always(Answer::Drip(600, 10)); // a second at least
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitUntil([&] { return !game.Snapshots.empty() && game.Snapshots.back().Rate; }));
+    game.Session().Pause();
+    QVERIFY(game.WaitForPhase(RunPhase::Suspended));
+    QCOMPARE(game.Snapshots.back().Rate, quint64(0));
     HoldsFor(game);
     game.Session().Continue();
     QCOMPARE(game.End(), QString("done"));
@@ -255,17 +271,16 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
     HostGame game;
     game.AddFiles().Publish();
     QString const path = game.Content.ServerPath(c_Base);
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(20000));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(20000));
     HostProcess host(game, {"install", game.Folder});
     QVERIFY(host.WaitUntil([&] { return game.Read(c_Base + ".part").size() == 20000; }));
     host.Signal(SIGUSR1);
     QVERIFY(host.WaitForErr("\nsuspended\n"));
-    QCOMPARE(game.Server.Count(path), 2);
     host.Signal(SIGUSR1);
     Outcome const outcome = host.Finish();
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=20000-"));
+    QVERIFY(game.WasResumedAt(c_Base, 20000));
 }
 
 } // namespace Varnholt::TestSupport

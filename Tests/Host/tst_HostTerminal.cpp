@@ -17,7 +17,7 @@ QString HoldWithinAFile(HostGame& p_Game)
 {
     p_Game.AddFiles().Publish();
     QString const path = p_Game.Content.ServerPath("Data/base.MPQ");
-    p_Game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(30000));
+    p_Game.Server.Script("GET " + path).Then(Answer::SilentAfter(30000));
     return path;
 }
 

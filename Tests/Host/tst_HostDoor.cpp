@@ -1,0 +1,238 @@
+#include "Host/Core/FetchFailure.hpp"
+#include "Host/Core/NetworkDoor.hpp"
+#include "Tests/Host/PlayedGame.hpp"
+#include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/ScopedVariable.hpp"
+
+#include <QNetworkAccessManager>
+#include <QNetworkProxyFactory>
+#include <QNetworkReply>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+using Host::NetworkDoor;
+
+namespace {
+
+constexpr char c_Variable[] = "VARNHOLT_CONTENT_BASE_URL";
+
+Host::HostOptions OptionsFor(QString const& p_Server)
+{
+    Host::HostOptions options;
+    options.ContentUrl = p_Server;
+    return options;
+}
+
+/// The proxies that Qt would use for an address.
+QList<QNetworkProxy> ProxiesFor(QString const& p_Url)
+{
+    return QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(QUrl(p_Url)));
+}
+
+} // namespace
+
+/// The door to the network, as a process with a session has it.
+class HostDoorTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void EachProblemIsToldAsItsKind_data();
+    void EachProblemIsToldAsItsKind();
+    void APathIsWhatQtAsksFor_data();
+    void APathIsWhatQtAsksFor();
+    void TheEnvironmentNamesTheDoorWhileItLives_data();
+    void TheEnvironmentNamesTheDoorWhileItLives();
+    void NoProxyIsUsedForTheDoorAndTheFormerForTheRest();
+    void TheServerOfTheEnvironmentIsTheOneBehindTheDoor();
+    void SessionsOneAfterTheOtherHaveServersOfTheirOwn();
+    void ASessionWorksWhereAProxyIsSet();
+    void TheGameSeesNoDoor();
+    void TheLogNamesServersAndNotTheDoor();
+};
+
+void HostDoorTest::EachProblemIsToldAsItsKind_data()
+{
+    using Type = Gateway::FetchProblem::Type;
+
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("identifier");
+    auto const row = [](char const* p_Name, Type p_Type, char const* p_Identifier) {
+        QTest::newRow(p_Name) << static_cast<int>(p_Type) << p_Identifier;
+    };
+    row("unreachable", Type::Unreachable, "server-unreachable");
+    row("untrusted", Type::Untrusted, "server-untrusted");
+    row("dropped", Type::Dropped, "server-unreachable");
+    row("silent", Type::Silent, "server-silent");
+    row("refused", Type::Refused, "server-refusal");
+    row("unusable", Type::Unusable, "content-invalid");
+}
+
+void HostDoorTest::EachProblemIsToldAsItsKind()
+{
+    QFETCH(int, type);
+    Host::Failure const failure = Host::ExplainFetch(
+        {static_cast<Gateway::FetchProblem::Type>(type), "http://a.example/a%20b", "why", 0});
+    QTEST(failure.Identifier(), "identifier");
+    QVERIFY2(failure.Sentence().contains("http://a.example/a b ") &&
+                 failure.Sentence().contains("(why)"),
+             qPrintable(failure.Sentence()));
+}
+
+void HostDoorTest::APathIsWhatQtAsksFor_data()
+{
+    QTest::addColumn<QString>("location");
+    for (char const* const location :
+         {"files/plain", "files/with blank", "files/per%cent", "files/per%20cent", "files/que?ry=1",
+          "files/sha#rp", "files/\xc3\xa4\xc3\xb6/\xe2\x82\xac", "files/plus+and&=;:@",
+          "files/\"quotes\"<>{}|^`", "files/[brackets]", "files/back\\slash", "files//two",
+          "files/./dot"})
+        QTest::newRow(location) << QString::fromUtf8(location);
+}
+
+void HostDoorTest::APathIsWhatQtAsksFor()
+{
+    QFETCH(QString, location);
+    ScriptedServer server;
+    NetworkDoor const door(OptionsFor(server.BaseUrl()), "app");
+    QNetworkAccessManager manager;
+    QString const asked = server.BaseUrl() + "app/" + location;
+    QScopedPointer<QNetworkReply> const reply(
+        manager.get(QNetworkRequest(QUrl(asked, QUrl::TolerantMode))));
+    QVERIFY(QTest::qWaitFor([&] { return reply->isFinished(); }));
+    QCOMPARE(server.Requests().size(), std::size_t(1));
+    QByteArray const target = server.Requests()[0].Target;
+    QCOMPARE('/' + QByteArray::fromStdString(door.PathOf(location)), target);
+    for (char const* const below : {"m/", "d/"})
+        QCOMPARE(door.PathIn(QString::fromStdString(door->BaseUrl()) + below + "app/" + location),
+                 door.PathOf(location));
+}
+
+void HostDoorTest::TheEnvironmentNamesTheDoorWhileItLives_data()
+{
+    QTest::addColumn<bool>("wasSet");
+    QTest::newRow("set before") << true;
+    QTest::newRow("not set before") << false;
+}
+
+void HostDoorTest::TheEnvironmentNamesTheDoorWhileItLives()
+{
+    QFETCH(bool, wasSet);
+    ScopedVariable const before(c_Variable, "http://before.example/");
+    if (!wasSet)
+        qunsetenv(c_Variable);
+    {
+        NetworkDoor door(OptionsFor("http://content.example/"), "app");
+        QVERIFY(door.IsOpen());
+        QByteArray const address = QByteArray::fromStdString(door->BaseUrl()) + "d/";
+        QCOMPARE(qgetenv(c_Variable), address);
+        {
+            NetworkDoor::Outside const outside(door);
+            QCOMPARE(qEnvironmentVariableIsSet(c_Variable), wasSet);
+        }
+        QCOMPARE(qgetenv(c_Variable), address);
+    }
+    QCOMPARE(qEnvironmentVariableIsSet(c_Variable), wasSet);
+    QCOMPARE(qgetenv(c_Variable), QByteArray(wasSet ? "http://before.example/" : ""));
+}
+
+void HostDoorTest::NoProxyIsUsedForTheDoorAndTheFormerForTheRest()
+{
+    QNetworkProxy const former(QNetworkProxy::HttpProxy, "proxy.example", 3128);
+    bool const usedSystem = QNetworkProxyFactory::usesSystemConfiguration();
+    QNetworkProxy::setApplicationProxy(former);
+    {
+        NetworkDoor const door(OptionsFor("http://content.example/"), "app");
+        QString const address = QString::fromStdString(door->BaseUrl());
+        QCOMPARE(ProxiesFor(address), QList<QNetworkProxy>{QNetworkProxy::NoProxy});
+        QCOMPARE(ProxiesFor("http://news.example/"), QList<QNetworkProxy>{former});
+        QCOMPARE(ProxiesFor("http://127.0.0.1:1/"), QList<QNetworkProxy>{former});
+    }
+    QCOMPARE(QNetworkProxy::applicationProxy(), former);
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    {
+        ScopedVariable const variable("http_proxy", "http://system.example:8080");
+        NetworkDoor const door(OptionsFor("http://content.example/"), "app");
+        QString const address = QString::fromStdString(door->BaseUrl());
+        QCOMPARE(ProxiesFor(address), QList<QNetworkProxy>{QNetworkProxy::NoProxy});
+        QCOMPARE(ProxiesFor("http://news.example/").value(0).hostName(), QString("system.example"));
+    }
+    QVERIFY(QNetworkProxyFactory::usesSystemConfiguration());
+    QNetworkProxyFactory::setUseSystemConfiguration(usedSystem);
+}
+
+void HostDoorTest::TheServerOfTheEnvironmentIsTheOneBehindTheDoor()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    game.Server.BecomeDefaultContentServer();
+    QByteArray const before = qgetenv(c_Variable);
+    game.Options.ContentUrl.clear();
+    QVERIFY(game.Open());
+    QVERIFY(qgetenv(c_Variable) != before);
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    game.Close();
+    QCOMPARE(qgetenv(c_Variable), before);
+}
+
+void HostDoorTest::SessionsOneAfterTheOtherHaveServersOfTheirOwn()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+
+    ScriptedServer other;
+    game.Content.Build = "build_2";
+    game.Content.Add({"new.txt", "new"});
+    game.Content.Publish(other);
+    std::size_t const asked = game.Server.Requests().size();
+    game.Options.ContentUrl = other.BaseUrl();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(game.Status().Build, QString("build_2"));
+    QCOMPARE(game.Server.Requests().size(), asked);
+}
+
+void HostDoorTest::ASessionWorksWhereAProxyIsSet()
+{
+    ScriptedServer proxy;
+    HostGame game;
+    game.AddFiles().Publish();
+    Outcome const outcome =
+        HostProcess(game, {"-q", "install", game.Folder},
+                    {{"http_proxy", proxy.BaseUrl()}, {"no_proxy", game.Server.Host()}})
+            .Finish();
+    QCOMPARE(outcome.Err, QString());
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(proxy.Requests().size(), std::size_t(0)); // which the door itself would not pass
+}
+
+void HostDoorTest::TheGameSeesNoDoor()
+{
+    PlayedGame const game;
+    QCOMPARE(game.Play().Status, 0);
+    QVERIFY(game.WaitForStarts(1));
+    QVERIFY(game.Environment().contains("HOME="));
+    QVERIFY2(!game.Environment().contains(c_Variable), qPrintable(game.Environment()));
+}
+
+void HostDoorTest::TheLogNamesServersAndNotTheDoor()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    QString const log = game.Base + "log.txt";
+    QCOMPARE(HostProcess(game, {"--log-file", log, "-q", "install", game.Folder}).Finish().Status,
+             0);
+    QString const text = QString::fromUtf8(ReadFile(log));
+    QVERIFY2(text.contains(" mirrors/pelmora_app/builds/build_1/"), qPrintable(text));
+    QVERIFY2(!text.contains("127.0.0.1"), qPrintable(text));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostDoorTest)
+#include "tst_HostDoor.moc"

@@ -1,0 +1,414 @@
+#include "Host/Core/OfflineCopies.hpp"
+#include "Tests/Host/PlayedGame.hpp"
+#include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/FileTools.hpp"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+using Host::OfflineCopies;
+
+namespace {
+
+std::string const c_Version = "app/version.json";
+OfflineCopies::Documents const c_First{
+    {c_Version, "one"}, {"app/builds/1/info.json", "manifest one"}, {"cdns.info", "a.example"}};
+OfflineCopies::Documents const c_Second{
+    {c_Version, "two"}, {"app/builds/2/info.json", "manifest two"}, {"cdns.info", "b.example"}};
+
+/// A game that was installed by a session, and its program.
+void Complete(SessionGame& p_Game)
+{
+    p_Game.AddFiles();
+    p_Game.Content.Add({"Game.app/Game", "#!/bin/sh\nexit 0\n", PlayedGame::c_ExecutableFlags});
+    p_Game.Publish();
+    QVERIFY(p_Game.Open());
+    QCOMPARE(p_Game.Install(), QString("done"));
+}
+
+void PublishAnotherBuild(SessionGame& p_Game)
+{
+    p_Game.Content.Build = "build_2";
+    p_Game.Content.BuildStr = "Second build";
+    p_Game.Content.Add({"new.txt", "new"});
+    p_Game.Publish();
+}
+
+QStringList const c_GoesOn{"; going on with what is known of build Sample build."};
+
+} // namespace
+
+/// Runs without a server, and what is kept for them.
+class HostOfflineTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void WhatIsKeptIsReadAgain();
+    void NoPathLeadsOutOfTheFolder();
+    void AnotherSetReplacesTheFormer();
+    void AWriteThatFailsLeavesTheFormerSet_data();
+    void AWriteThatFailsLeavesTheFormerSet();
+    void WhatIsForgottenIsGone();
+
+    void WithoutAServerTheGameIsStartedAndThatIsTold();
+    void ARunGoesOnWithoutWhatTheServerDoesNotGive_data();
+    void ARunGoesOnWithoutWhatTheServerDoesNotGive();
+    void ASilentServerIsWaitedForAMomentOnly();
+    void AServerThatAnswersIsWorthMoreThanCopies();
+    void CopiesAreOfTheBuildThatWasCompletedLast();
+    void AnUpdateWantsAServer();
+    void OfflineAsksNobody();
+    void OfflineRefusesWhatNeedsServers();
+    void OfflineWithoutCopiesIsToldAsSuch();
+    void AnUninstallationForgetsTheCopies();
+
+    void AQuickCheckAsksForTheVersionFileOnly();
+    void AQuickCheckTellsOfAnotherBuild();
+    void AQuickCheckOfAnUnfinishedGameIsNoSuccess();
+    void AQuickCheckNamesWhatIsWrong_data();
+    void AQuickCheckNamesWhatIsWrong();
+    void AQuickCheckCanBeInterrupted();
+
+private:
+    static Host::RunRequest QuickCheck();
+};
+
+void HostOfflineTest::WhatIsKeptIsReadAgain()
+{
+    QTemporaryDir const folder;
+    OfflineCopies const copies(folder.filePath("my.host.ini"));
+    QVERIFY(copies.Read().empty());
+    OfflineCopies::Documents documents = c_First;
+    documents["app/builds/1%20%C3%A4/info.json"] = std::string("\0\xff\n", 3);
+    documents["empty"] = "";
+    QVERIFY(copies.Keep(documents, c_Version));
+    QVERIFY(copies.Read() == documents);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList("my.host.offline"));
+}
+
+void HostOfflineTest::NoPathLeadsOutOfTheFolder()
+{
+    QTemporaryDir const folder;
+    OfflineCopies const copies(folder.filePath("a/b/c/host.ini"));
+    OfflineCopies::Documents documents = c_First;
+    documents["app/builds/../../../../x/info.json"] = "outside";
+    documents["/etc/x"] = "outside";
+    copies.Keep(documents, c_Version);
+    QStringList files;
+    QDirIterator every(folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (every.hasNext())
+        files += QFileInfo(every.next()).path();
+    files.removeDuplicates();
+    QCOMPARE(files, QStringList(QDir::cleanPath(copies.Folder())));
+}
+
+void HostOfflineTest::AnotherSetReplacesTheFormer()
+{
+    QTemporaryDir const folder;
+    OfflineCopies const copies(folder.filePath("host.ini"));
+    QVERIFY(copies.Keep(c_First, c_Version));
+    QVERIFY(WriteFile(copies.Folder() + "cdns.info.AbCdEf", "of one that was killed"));
+    QVERIFY(copies.Keep(c_Second, c_Version));
+    QVERIFY(copies.Read() == c_Second);
+}
+
+void HostOfflineTest::AWriteThatFailsLeavesTheFormerSet_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("the manifest") << "app%2Fbuilds%2F2%2Finfo.json";
+    QTest::newRow("the version file") << "app%2Fversion.json";
+}
+
+/// A kill before a write leaves what its failure leaves.
+void HostOfflineTest::AWriteThatFailsLeavesTheFormerSet()
+{
+    QFETCH(QString, name);
+    QTemporaryDir const folder;
+    OfflineCopies const copies(folder.filePath("host.ini"));
+    QVERIFY(copies.Keep(c_First, c_Version));
+    bool const isVersion = name.contains("version");
+    if (isVersion) // a file is not replaced by a folder's name alone
+        QVERIFY(QFile::rename(copies.Folder() + name, folder.filePath("aside")));
+    QVERIFY(QDir().mkpath(copies.Folder() + name + "/in the way"));
+    QVERIFY(!copies.Keep(c_Second, c_Version));
+    QVERIFY(QDir(copies.Folder() + name).removeRecursively());
+    if (isVersion)
+        QVERIFY(QFile::rename(folder.filePath("aside"), copies.Folder() + name));
+    OfflineCopies::Documents const left = copies.Read();
+    QCOMPARE(left.at(c_Version), std::string("one"));
+    QCOMPARE(left.at("app/builds/1/info.json"), std::string("manifest one"));
+    QVERIFY(copies.Keep(c_Second, c_Version));
+    QVERIFY(copies.Read() == c_Second);
+}
+
+void HostOfflineTest::WhatIsForgottenIsGone()
+{
+    QTemporaryDir const folder;
+    OfflineCopies const copies(folder.filePath("host.ini"));
+    copies.Forget();
+    QVERIFY(copies.Keep(c_First, c_Version));
+    copies.Forget();
+    QVERIFY(copies.Read().empty());
+    QVERIFY(!QFileInfo::exists(copies.Folder()));
+}
+
+void HostOfflineTest::WithoutAServerTheGameIsStartedAndThatIsTold()
+{
+    PlayedGame game;
+    QCOMPARE(HostProcess(game, {"-q", "update"}).Finish().Status, 0);
+    game.Server.Stop();
+    Outcome const outcome = HostProcess(game, {"play"}).Finish();
+    QCOMPARE(outcome.Status, 0);
+    QVERIFY(game.WaitForStarts(1));
+    QVERIFY2(
+        outcome.Err.contains("version.json cannot be fetched (connection refused)" + c_GoesOn[0]),
+        qPrintable(outcome.Err));
+    QCOMPARE(outcome.Err.count("going on"), 1);
+}
+
+void HostOfflineTest::ARunGoesOnWithoutWhatTheServerDoesNotGive_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QString>("why");
+    Answer const page = Answer().Body("<html>Some page of a hotel's network</html>");
+    QString const version = SampleContent().VersionPath();
+    QString const manifest = SampleContent("pelmora_app", "build_2").ManifestPath();
+    QTest::newRow("no version") << version << Answer::Status(404) << "HTTP status 404";
+    QTest::newRow("a page for it") << version << page << "page of another kind";
+    QTest::newRow("it closes") << version << Answer::ClosedBeforeHeaders() << "connection closed";
+    QTest::newRow("no manifest") << manifest << Answer::Status(404) << "HTTP status 404";
+    QTest::newRow("a page as manifest") << manifest << page << "page of another kind";
+}
+
+void HostOfflineTest::ARunGoesOnWithoutWhatTheServerDoesNotGive()
+{
+    QFETCH(QString, path);
+    QFETCH(Answer, answer);
+    QFETCH(QString, why);
+    SessionGame game;
+    Complete(game);
+    PublishAnotherBuild(game);
+    game.Server.Script(path).Always(answer);
+    for (RequestType const kind : {RequestType::Play, RequestType::Verify}) {
+        QCOMPARE(game.Run(kind), QString("done"));
+        QCOMPARE(game.Result().Build, QString("Sample build"));
+        QCOMPARE(game.Notices.size(), 1);
+        QVERIFY2(game.Notices[0].contains(why) && game.Notices[0].endsWith(c_GoesOn[0]),
+                 qPrintable(game.Notices[0]));
+    }
+}
+
+void HostOfflineTest::ASilentServerIsWaitedForAMomentOnly()
+{
+    constexpr int c_MostMilliseconds = 15'000; // half of what a silent answer is waited for
+
+    SessionGame game;
+    game.Options.CopyDelayMilliseconds = 200;
+    Complete(game);
+    game.Server.Script("*").Always(Answer::SilentBeforeHeaders());
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(game.Run(RequestType::Play), QString("done"));
+    QVERIFY2(clock.elapsed() < c_MostMilliseconds, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(game.Notices.size(), 1);
+    QVERIFY2(game.Notices[0].contains("no answer in time"), qPrintable(game.Notices[0]));
+}
+
+void HostOfflineTest::AServerThatAnswersIsWorthMoreThanCopies()
+{
+    SessionGame game;
+    Complete(game);
+    PublishAnotherBuild(game);
+    QCOMPARE(game.Run(RequestType::Play), QString("done"));
+    QCOMPARE(game.Result().Build, QString("Second build"));
+    QCOMPARE(game.Notices, QStringList());
+}
+
+void HostOfflineTest::CopiesAreOfTheBuildThatWasCompletedLast()
+{
+    SessionGame game;
+    Complete(game);
+    PublishAnotherBuild(game);
+    game.Server.Script(game.Content.ServerPath("new.txt")).Always(Answer::Status(404));
+    QCOMPARE(game.Run(RequestType::Update), QString("files-given-up"));
+    game.Options.Offline = true;
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Verify), QString("done"));
+    QCOMPARE(game.Result().Build, QString("Sample build"));
+
+    game.Server.ClearScript(game.Content.ServerPath("new.txt"));
+    game.Options.Offline = false;
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    game.Server.Stop();
+    QCOMPARE(game.Run(RequestType::Verify), QString("done"));
+    QCOMPARE(game.Result().Build, QString("Second build"));
+}
+
+void HostOfflineTest::AnUpdateWantsAServer()
+{
+    SessionGame game;
+    Complete(game);
+    game.Server.Stop();
+    for (RequestType const kind : {RequestType::Update, RequestType::Repair, RequestType::Check})
+        QCOMPARE(game.Run(kind), QString("server-unreachable"));
+}
+
+void HostOfflineTest::OfflineAsksNobody()
+{
+    SessionGame game;
+    Complete(game);
+    game.Options.Offline = true;
+    QVERIFY(game.Open());
+    std::size_t const asked = game.Server.Requests().size();
+    QCOMPARE(game.Run(RequestType::Play), QString("done"));
+    QCOMPARE(game.Notices, QStringList("No server is asked" + c_GoesOn[0]));
+    QCOMPARE(game.Run(RequestType::ListLocales), QString("done"));
+    QCOMPARE(game.Result().Locales.size(), std::size_t(2));
+    QCOMPARE(game.Run(RequestType::Check), QString("done"));
+    QCOMPARE(game.Run(QuickCheck()), QString("done"));
+    QCOMPARE(game.Run(RequestType::Verify), QString("done"));
+    QVERIFY(QFile::remove(game.Path("readme.txt")));
+    QCOMPARE(game.Run(RequestType::Check), QString("update-available"));
+    QVERIFY2(game.Sentence().contains("1 file (at least 0 bytes)"), qPrintable(game.Sentence()));
+    QCOMPARE(game.Run(RequestType::Verify), QString("files-wrong"));
+    QVERIFY(game.Status().IsInstalled);
+    QCOMPARE(game.Server.Requests().size(), asked);
+}
+
+void HostOfflineTest::OfflineRefusesWhatNeedsServers()
+{
+    SessionGame game;
+    Complete(game);
+    game.Options.Offline = true;
+    QVERIFY(game.Open());
+    std::size_t const asked = game.Server.Requests().size();
+    for (RequestType const kind : {RequestType::Install, RequestType::Update, RequestType::Repair,
+                                   RequestType::AskMirrors}) {
+        QCOMPARE(game.Run(kind, game.Folder), QString("option-invalid"));
+        QCOMPARE(game.Result().Problem->ExitStatus(), 2);
+        QVERIFY2(game.Sentence().contains("\"offline\""), qPrintable(game.Sentence()));
+    }
+    QCOMPARE(game.Server.Requests().size(), asked);
+    QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostOfflineTest::OfflineWithoutCopiesIsToldAsSuch()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Options.Offline = true;
+    QVERIFY(game.Open());
+    for (RequestType const kind :
+         {RequestType::Play, RequestType::Verify, RequestType::Check, RequestType::ListLocales}) {
+        QCOMPARE(game.Run(kind), QString("offline-unknown"));
+        QVERIFY2(game.Sentence().contains("host.offline"), qPrintable(game.Sentence()));
+    }
+    QCOMPARE(game.Run(QuickCheck()), QString("offline-unknown"));
+    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+}
+
+void HostOfflineTest::AnUninstallationForgetsTheCopies()
+{
+    SessionGame game;
+    Complete(game);
+    QString const folder = OfflineCopies(game.SettingsFile).Folder();
+    QVERIFY(QFileInfo::exists(folder));
+    QCOMPARE(game.Run(RequestType::Uninstall), QString("done"));
+    QVERIFY(!QFileInfo::exists(folder));
+}
+
+Host::RunRequest HostOfflineTest::QuickCheck()
+{
+    Host::RunRequest request;
+    request.Kind = RequestType::Check;
+    request.Quick = true;
+    return request;
+}
+
+void HostOfflineTest::AQuickCheckAsksForTheVersionFileOnly()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put("readme.txt", "damaged"); // which it does not look for
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(QuickCheck()), QString("done"));
+    QCOMPARE(game.Result().Build, QString("build_1"));
+    QCOMPARE(game.Server.Requests().size(), std::size_t(1));
+    QCOMPARE(game.Server.Count(game.Content.VersionPath()), 1);
+}
+
+void HostOfflineTest::AQuickCheckTellsOfAnotherBuild()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Server.Serve(game.Content.VersionPath(), "{\"build\":\"build_2\"}");
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(QuickCheck()), QString("update-available"));
+    QCOMPARE(game.Result().Problem->ExitStatus(), 3);
+    QCOMPARE(game.Sentence(), QString("an update to build build_2 fetches what differs "
+                                      "(its size was not asked for)"));
+    QCOMPARE(game.Server.Requests().size(), std::size_t(1));
+    QCOMPARE(game.Run(RequestType::Update), QString("server-refusal")); // there is no manifest
+}
+
+void HostOfflineTest::AQuickCheckOfAnUnfinishedGameIsNoSuccess()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.SetSetting("host/pelmora_app/unfinished", true);
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(QuickCheck()), QString("update-available"));
+}
+
+void HostOfflineTest::AQuickCheckNamesWhatIsWrong_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<QString>("identifier");
+    QTest::newRow("404") << Answer::Status(404) << "server-refusal";
+    QTest::newRow("a page") << Answer().Body("<html></html>") << "content-invalid";
+    QTest::newRow("no build") << Answer().Body("{}") << "content-invalid";
+    QTest::newRow("it closes") << Answer::ClosedBeforeHeaders() << "server-unreachable";
+    QTest::newRow("it is silent") << Answer::SilentBeforeHeaders() << "server-silent";
+}
+
+void HostOfflineTest::AQuickCheckNamesWhatIsWrong()
+{
+    QFETCH(Answer, answer);
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Options.StallMilliseconds = 1'000;
+    game.Server.Script(game.Content.VersionPath()).Always(answer);
+    QVERIFY(game.Open());
+    QTEST(game.Run(QuickCheck()), "identifier");
+    QVERIFY2(game.Sentence().contains(game.Server.Url(game.Content.VersionPath())),
+             qPrintable(game.Sentence()));
+    game.Server.ClearScript(game.Content.VersionPath());
+    QCOMPARE(game.Run(QuickCheck()), QString("done"));
+}
+
+void HostOfflineTest::AQuickCheckCanBeInterrupted()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QString const version = game.Content.VersionPath();
+    game.Server.Script(version).Then(Answer().Held());
+    QVERIFY(game.Open());
+    game.Start(QuickCheck());
+    QVERIFY(game.WaitUntil([&] { return game.Server.Count(version) == 1; }));
+    game.Session().Interrupt();
+    QCOMPARE(game.End(), QString("interrupted"));
+    game.Server.OpenGate(version); // what it answers now is nobody's
+    QCOMPARE(game.Run(QuickCheck()), QString("done"));
+    QCOMPARE(game.Results.size(), std::size_t(1));
+}
+
+} // namespace Varnholt::TestSupport
+
+QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostOfflineTest)
+#include "tst_HostOffline.moc"
