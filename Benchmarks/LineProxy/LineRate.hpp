@@ -10,7 +10,7 @@ namespace Varnholt::LineProxy {
 using Clock = std::chrono::steady_clock;
 
 /// Bytes that are read at once.
-constexpr std::uint64_t c_LargestPortion = 64 * 1024;
+constexpr std::uint64_t c_LargestPortion = 64ULL * 1024;
 
 /// When a line that carries so many bytes a second is free for the next ones. A time without bytes
 /// is lost, except for the few milliseconds by which this program may wake too late.

@@ -5,12 +5,16 @@
 #include <CLI/CLI.hpp>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -36,6 +40,8 @@ bool WatchSignals()
 
 void Run(LineOptions const& p_Options)
 {
+    if (!WatchSignals())
+        throw std::system_error(errno, std::generic_category(), "no pipe");
     Line line(p_Options);
     std::cout << line.Port() << std::endl;
     line.Run(g_StopPipe[0]);
@@ -44,9 +50,7 @@ void Run(LineOptions const& p_Options)
               << std::chrono::duration<double>(figures.Time).count() << std::endl;
 }
 
-} // namespace
-
-int main(int p_Count, char* p_Arguments[])
+int RunProgram(int p_Count, char* p_Arguments[])
 {
     LineOptions options;
     std::string server;
@@ -66,20 +70,23 @@ int main(int p_Count, char* p_Arguments[])
     CLI11_PARSE(program, p_Count, p_Arguments);
 
     std::size_t const colon = server.rfind(':');
-    if (colon == std::string::npos) {
-        std::cerr << "varnholt-line: --to wants HOST:PORT\n";
-        return EXIT_FAILURE;
-    }
+    if (colon == std::string::npos)
+        throw std::invalid_argument("--to wants HOST:PORT");
     options.ServerHost = server.substr(0, colon);
     options.ServerPort = server.substr(colon + 1);
     options.Delay = std::chrono::milliseconds(delay);
+    Run(options);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int p_Count, char* p_Arguments[])
+{
     try {
-        if (!WatchSignals())
-            throw std::system_error(errno, std::generic_category(), "no pipe");
-        Run(options);
+        return RunProgram(p_Count, p_Arguments);
     } catch (std::exception const& error) {
         std::cerr << "varnholt-line: " << error.what() << '\n';
-        return EXIT_FAILURE;
     }
-    return EXIT_SUCCESS;
+    return EXIT_FAILURE;
 }

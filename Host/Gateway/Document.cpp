@@ -17,6 +17,13 @@ bool Document::IsOptional() const
     return IsHostList() || EndsWith(Path, "/realmlist.info");
 }
 
+std::size_t Document::MostBytes() const
+{
+    constexpr std::size_t c_MiB = 1024UL * 1024;
+
+    return EndsWith(Path, "/info.json") ? 48 * c_MiB : c_MiB;
+}
+
 bool Document::IsOne(std::string const& p_Path)
 {
     auto const application = p_Path.find('/');

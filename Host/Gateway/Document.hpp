@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -12,8 +13,6 @@ namespace Varnholt::Gateway {
 
 /// A small file of the content server's that is fetched as a whole. Guarded by its user.
 struct Document {
-    static constexpr std::size_t c_MostBytes = 64UL * 1024 * 1024;
-
     std::string Path;
     std::string Url;
     std::uint64_t Run = 0;
@@ -22,11 +21,13 @@ struct Document {
     int Attempts = 0;
     int RetryAfter = 0; ///< seconds, of the latest answer
     TimePoint NotBefore;
-    std::string Body;
+    std::shared_ptr<std::string> Body = std::make_shared<std::string>(); ///< whole once it is done
     std::optional<FetchProblem> Problem;
 
     /// The list of mirrors and the realm list: a run goes on without them.
     bool IsOptional() const;
+    /// Of the body: 200,000 files need 32 MiB of a manifest.
+    std::size_t MostBytes() const;
     bool IsHostList() const { return Path == "cdns.info"; }
     /// Whether a path is that of a document, not of content.
     static bool IsOne(std::string const& p_Path);

@@ -114,6 +114,9 @@ bool DoorServer::Listen()
     if (Port < 0)
         return false;
     Listener = std::thread([this] { Server.listen_after_bind(); });
+    // The library forgets a stop that comes before it listens.
+    while (!Server.is_running())
+        std::this_thread::yield();
     return true;
 }
 
@@ -151,7 +154,13 @@ void DoorServer::AnswerDocument(std::string const& p_Path, httplib::Response& p_
 {
     Exchange::DocumentAnswer const answer = Source.FetchDocument(p_Path);
     p_Response.status = answer.Status;
-    p_Response.set_content(answer.Body, c_ContentType);
+    if (!answer.Body || answer.Body->empty())
+        return p_Response.set_content(std::string(), c_ContentType);
+    p_Response.set_content_provider(
+        answer.Body->size(), c_ContentType,
+        [body = answer.Body](std::size_t p_Offset, std::size_t p_Count, httplib::DataSink& p_Sink) {
+            return p_Sink.write(body->data() + p_Offset, p_Count);
+        });
 }
 
 /// The length is written by hand: the library would cut ranges to a size that it cannot know.

@@ -77,8 +77,12 @@ void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies)
     Lock const lock(Guard);
     Forget();
     IsRunning = true;
-    From = p_Copies.empty() && p_Source == Gateway::Source::ServerOrCopies ? Gateway::Source::Server
-                                                                           : p_Source;
+    // Of no use without the one that tells the build.
+    bool const areUsable = std::any_of(p_Copies.begin(), p_Copies.end(), [](auto const& p_Row) {
+        return p_Row.first.find("/version") != std::string::npos;
+    });
+    From = !areUsable && p_Source == Gateway::Source::ServerOrCopies ? Gateway::Source::Server
+                                                                     : p_Source;
     Copies = std::move(p_Copies);
     CopiesFrom = {};
     if (From == Gateway::Source::Copies)
@@ -108,6 +112,7 @@ void Exchange::Forget()
     Planned.clear();
     SizesWanted.clear();
     PlanNext = PlanAhead = PlanSizes = 0;
+    SizesKnown.reset();
     SizesFirst = SizesOnly = false;
     Queries = Transfers = 0;
     Board.BeginRun();
@@ -161,6 +166,7 @@ void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
         Planned[i]->IsDelivered = false; // it is wanted again
     }
     PlanNext = PlanAhead = PlanSizes = 0;
+    SizesKnown.reset();
     SizesFirst = p_SizesFirst;
     SizesOnly = false;
     Changed.notify_all();
@@ -200,7 +206,10 @@ std::optional<FetchProblem> Exchange::LatestProblem() const
 Gateway::Documents Exchange::Fetched() const
 {
     Lock const lock(Guard);
-    return FetchedDocuments;
+    Gateway::Documents documents;
+    for (auto const& row : FetchedDocuments)
+        documents.emplace(row.first, *row.second);
+    return documents;
 }
 
 void Exchange::SetPaused(bool p_Paused)

@@ -43,7 +43,7 @@ public:
     enum class Given { Bytes, Nothing, End, Failure };
     struct DocumentAnswer {
         int Status = 0;
-        std::string Body;
+        std::shared_ptr<std::string const> Body; ///< null: empty
     };
     struct FileHead {
         int Status = 0;
@@ -160,15 +160,16 @@ private:
     bool IsRunning = false;
     Gateway::Source From = Gateway::Source::Server;
     Gateway::Documents Copies;
-    Gateway::Documents FetchedDocuments;
+    std::map<std::string, std::shared_ptr<std::string const>> FetchedDocuments;
     std::optional<FetchProblem> CopiesProblem;
     TimePoint CopiesFrom; ///< when the servers have been given enough time
     std::map<std::string, std::shared_ptr<Document>> DocumentsByPath;
     std::map<std::string, File> Files; ///< by path
     std::vector<File> Planned;
-    std::size_t PlanNext = 0;  ///< the first that no client has got
-    std::size_t PlanAhead = 0; ///< the first with a gap
-    std::size_t PlanSizes = 0; ///< the first whose size was not asked for
+    std::size_t PlanNext = 0;                        ///< the first that no client has got
+    std::size_t PlanAhead = 0;                       ///< the first with a gap
+    std::size_t PlanSizes = 0;                       ///< the first whose size was not asked for
+    mutable std::optional<std::uint32_t> SizesKnown; ///< of the plan; none until it is counted
     bool SizesFirst = false;
     bool SizesOnly = false;
     std::deque<File> SizesWanted; ///< before those of the plan

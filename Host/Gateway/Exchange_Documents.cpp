@@ -64,7 +64,7 @@ Exchange::DocumentAnswer Exchange::AnswerOf(Document const& p_Document) const
 {
     // Whatever becomes of the list, the door is the one mirror.
     if (p_Document.IsHostList())
-        return {c_Success, OwnName};
+        return {c_Success, std::make_shared<std::string const>(OwnName)};
     if (!p_Document.Problem && p_Document.IsDone)
         return {c_Success, p_Document.Body};
     int const status = p_Document.Problem ? p_Document.Problem->HttpStatus : 0;
@@ -76,11 +76,11 @@ Exchange::DocumentAnswer Exchange::CopyOf(std::string const& p_Path)
     auto const copy = Copies.find(p_Path);
     if (p_Path == "cdns.info") {
         UseMirrors(copy == Copies.end() ? std::string() : copy->second);
-        return {c_Success, OwnName};
+        return {c_Success, std::make_shared<std::string const>(OwnName)};
     }
     if (copy == Copies.end())
         return {c_Unavailable, {}};
-    return {c_Success, copy->second};
+    return {c_Success, std::make_shared<std::string const>(copy->second)};
 }
 
 /// From here on the run is told what an earlier one has learned.
@@ -103,7 +103,7 @@ void Exchange::StartDocuments(TimePoint p_Now)
 
 void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
 {
-    p_Document->Body.clear();
+    p_Document->Body = std::make_shared<std::string>();
     p_Document->RetryAfter = 0;
     ++p_Document->Attempts;
     TransferRequest request;
@@ -128,12 +128,13 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
         }
         Limit.Take(p_Count);
         LastByte = now;
-        if (p_Document->Run != Run || p_Document->Body.size() + p_Count > Document::c_MostBytes) {
+        if (p_Document->Run != Run ||
+            p_Document->Body->size() + p_Count > p_Document->MostBytes()) {
             p_Document->Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document->Url,
                                                "it is larger than such a file can be", 0};
             return Take::Stop;
         }
-        p_Document->Body.append(p_Data, p_Count);
+        p_Document->Body->append(p_Data, p_Count);
         return Take::More;
     };
     events.OnEnd = [this, p_Document](std::optional<FetchProblem> const& p_Problem) {
@@ -183,9 +184,9 @@ void Exchange::Finish(Document& p_Document, std::optional<FetchProblem> const& p
         FetchedDocuments[p_Document.Path] = p_Document.Body;
     }
     if (p_Document.IsHostList()) {
-        UseMirrors(p_Problem ? std::string() : p_Document.Body);
+        UseMirrors(p_Problem ? std::string() : *p_Document.Body);
         std::vector<std::string> addresses;
-        if (!p_Problem && !HostList::Read(p_Document.Body, Options.HttpsMirrors, addresses)) {
+        if (!p_Problem && !HostList::Read(*p_Document.Body, Options.HttpsMirrors, addresses)) {
             p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.Url,
                                               "it is no list of hosts", 0};
             FetchedDocuments.erase(p_Document.Path);
@@ -227,10 +228,12 @@ void Exchange::StartQuestions()
             reply->Body.append(p_Data, p_Count);
             return Take::More;
         };
-        events.OnEnd = [reply, begin, onReply = std::move(onReply)](
+        events.OnEnd = [reply, begin, url = request.Url, onReply = std::move(onReply)](
                            std::optional<FetchProblem> const& p_Problem) {
             if (p_Problem)
                 reply->Problem = p_Problem;
+            else if (!reply->Problem && reply->HttpStatus >= c_FirstError)
+                reply->Problem = StatusProblem(reply->HttpStatus, url);
             reply->Took = MillisecondsBetween(begin, Clock::now());
             onReply(std::move(*reply));
         };

@@ -176,12 +176,12 @@ bool Exchange::OnFileHead(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 {
     Span& span = *p_Transfer.Part;
-    if (p_Head.Total && !LearnSize(p_Transfer, *p_Head.Total))
+    bool const begins = p_Head.RangeBegin == p_Transfer.Begin && !p_Head.IsEncoded;
+    if (begins && p_Head.Total && !LearnSize(p_Transfer, *p_Head.Total))
         return false;
-    std::uint64_t const wanted = span.End - p_Transfer.Begin;
-    bool const isRight = p_Head.RangeBegin == p_Transfer.Begin && !p_Head.IsEncoded &&
-                         (!p_Head.Length || *p_Head.Length == wanted);
-    if (isRight)
+    bool const ends = p_Head.RangeLast == span.End - 1 &&
+                      (!p_Head.Length || *p_Head.Length == span.End - p_Transfer.Begin);
+    if (begins && ends)
         return true;
     p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
                                       "it is another part than was asked for", 0};
@@ -193,12 +193,19 @@ bool Exchange::OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 {
     FileContent& file = *p_Transfer.File;
     p_Transfer.From->IgnoresRanges = true;
+    if (p_Head.IsEncoded && !p_Transfer.From->IsDefault) {
+        p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
+                                          "it is packed, which nobody has asked for", 0};
+        p_Transfer.IsRefused = true;
+        return false;
+    }
     bool const hasLength = p_Head.Length && !p_Head.IsEncoded;
     if (hasLength && !LearnSize(p_Transfer, *p_Head.Length))
         return false;
     Span& span = *p_Transfer.Part;
     if (!hasLength && !file.Size)
         file.HasNoSize = true;
+    SizesKnown.reset();
     span.IsStream = true;
     span.ToSkip = p_Transfer.Begin;
     auto const next = std::next(p_Transfer.Part);
@@ -308,6 +315,7 @@ void Exchange::Refuse(FileContent& p_File, Server& p_Server, FetchProblem const&
                      [&](std::shared_ptr<Server> const& p_Other) { return allowed(*p_Other); });
     if (isHopeless)
         p_File.Refusal = p_Problem;
+    SizesKnown.reset();
 }
 
 } // namespace Varnholt::Gateway

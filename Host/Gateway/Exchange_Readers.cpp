@@ -122,6 +122,7 @@ void Exchange::Reject(std::string const& p_Path)
     file->Size.reset();
     file->SizeFrom.reset();
     file->HasNoSize = file->IsDisputed = false;
+    SizesKnown.reset();
     Changed.notify_all();
     Loop.Wake();
 }

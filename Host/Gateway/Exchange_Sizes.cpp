@@ -139,6 +139,7 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
 {
     FileContent& file = *p_Query.File;
     int const status = p_Head.Status;
+    SizesKnown.reset();
     p_Query.IsSettled = true;
     p_Query.RetryAfter = p_Head.RetryAfter;
     bool const isEmpty = status == c_RangeNotSatisfiable && p_Head.Total == std::uint64_t{0};
@@ -192,6 +193,7 @@ bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
 {
     FileContent& file = *p_Transfer.File;
     Server& server = *p_Transfer.From;
+    SizesKnown.reset();
     if (!file.Size) {
         file.Size = p_Size;
         file.SizeFrom = p_Transfer.From;

@@ -9,9 +9,9 @@ namespace {
 /// Shorter than this is no silence that anybody has to know of.
 constexpr Milliseconds c_Noticeable{2'000};
 
-bool IsSizeSettled(FileContent const& p_File)
+bool IsSizeSettled(std::shared_ptr<FileContent> const& p_File)
 {
-    return p_File.Size || p_File.HasNoSize || p_File.Refusal;
+    return p_File->Size || p_File->HasNoSize || p_File->Refusal;
 }
 
 } // namespace
@@ -77,8 +77,10 @@ GatewaySnapshot Exchange::Snapshot() const
                                         server->Received, Paused ? 0 : server->Meter.Rate(now)});
     snapshot.GaveUp = GaveUp;
     snapshot.Copies = CopiesProblem;
-    for (std::size_t i = 0; SizesOnly && i < Planned.size(); ++i)
-        snapshot.SizesKnown += IsSizeSettled(*Planned[i]) ? 1 : 0;
+    if (!SizesKnown)
+        SizesKnown = static_cast<std::uint32_t>(
+            std::count_if(Planned.begin(), Planned.end(), IsSizeSettled));
+    snapshot.SizesKnown = *SizesKnown;
     Milliseconds const silent = MillisecondsBetween(std::max(LastByte, WaitedSince), now);
     if (WasWaitedFor && silent >= c_Noticeable) {
         TimePoint next = Board.NextTrial(now);

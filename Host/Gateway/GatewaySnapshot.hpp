@@ -35,7 +35,7 @@ struct GatewaySnapshot {
     std::optional<Wait> Waits;
     std::optional<FetchProblem> GaveUp; ///< nothing has come for as long as is allowed
     std::optional<FetchProblem> Copies; ///< copies are handed out, and why
-    std::uint32_t SizesKnown = 0;       ///< of those that only the sizes are asked of
+    std::uint32_t SizesKnown = 0;       ///< of the files of the plan, or refused
 };
 
 } // namespace Varnholt::Gateway

@@ -10,6 +10,8 @@ namespace Varnholt::Gateway::HostList {
 
 namespace {
 
+constexpr std::size_t c_MostHosts = 1'000; ///< the rest is passed over
+
 using Url = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
 
 Url Parsed(std::string const& p_Address)
@@ -62,7 +64,7 @@ bool Read(std::string const& p_Text, bool p_Https, std::vector<std::string>& p_A
 {
     p_Addresses.clear();
     std::istringstream names(p_Text);
-    for (std::string name; names >> name;) {
+    for (std::string name; p_Addresses.size() < c_MostHosts && names >> name;) {
         std::string const address = IsPlain(name) ? AddressOf(name, p_Https) : std::string();
         if (address.empty()) {
             p_Addresses.clear();

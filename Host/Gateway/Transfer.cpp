@@ -144,16 +144,24 @@ void Transfer::ReadHeader(std::string const& p_Line)
     }
     if (auto const encoding = ValueOf(p_Line, "content-encoding"))
         Head.IsEncoded = !encoding->empty() && *encoding != "identity";
-    if (auto const range = ValueOf(p_Line, "content-range")) {
-        std::string const unit = "bytes ";
-        auto const begin = range->rfind(unit, 0) == 0 ? unit.size() : std::string::npos;
-        auto const dash = range->find('-');
-        auto const slash = range->find('/');
-        if (begin < dash && dash != std::string::npos)
-            Head.RangeBegin = NumberOf(range->substr(begin, dash - begin));
-        if (slash != std::string::npos)
-            Head.Total = NumberOf(range->substr(slash + 1));
-    }
+    if (auto const range = ValueOf(p_Line, "content-range"))
+        ReadRange(*range);
+}
+
+/// "bytes 0-99/1000", "bytes 0-99/*" or "bytes */1000".
+void Transfer::ReadRange(std::string const& p_Range)
+{
+    std::string const unit = "bytes ";
+    auto const dash = p_Range.find('-');
+    auto const slash = p_Range.find('/');
+    if (p_Range.rfind(unit, 0) != 0 || slash == std::string::npos)
+        return;
+    std::string const total = p_Range.substr(slash + 1);
+    Head.Total = NumberOf(total);
+    if (dash == std::string::npos || dash > slash || (!Head.Total && total != "*"))
+        return;
+    Head.RangeBegin = NumberOf(p_Range.substr(unit.size(), dash - unit.size()));
+    Head.RangeLast = NumberOf(p_Range.substr(dash + 1, slash - dash - 1));
 }
 
 bool Transfer::AnnounceHead()

@@ -28,7 +28,8 @@ struct TransferRequest {
 struct AnswerHead {
     int Status = 0;
     std::optional<std::uint64_t> Length;     ///< of the body that follows
-    std::optional<std::uint64_t> RangeBegin; ///< of a part
+    std::optional<std::uint64_t> RangeBegin; ///< of a part: its first byte
+    std::optional<std::uint64_t> RangeLast;  ///< and its last
     std::optional<std::uint64_t> Total;      ///< of the file that it is a part of
     bool IsEncoded = false;                  ///< the length is not that of the bytes handed on
     int RetryAfter = 0;                      ///< seconds; 0: not said
@@ -70,6 +71,7 @@ private:
     void SetUpTrust(GatewayOptions const& p_Options);
     bool AnnounceHead();
     void ReadHeader(std::string const& p_Line);
+    void ReadRange(std::string const& p_Range);
     static std::size_t OnHeaderLine(char* p_Data, std::size_t, std::size_t p_Count, void* p_Self);
     static std::size_t OnBody(char* p_Data, std::size_t, std::size_t p_Count, void* p_Self);
 

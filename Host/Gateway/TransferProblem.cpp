@@ -56,7 +56,7 @@ std::string CertificateCause(std::string const& p_Text, CURLcode p_Code)
     if (at != std::string::npos)
         return "certificate not trusted: " + p_Text.substr(at + before.size());
     if (p_Text.find("subject name") != std::string::npos)
-        return "certificate not trusted: it is not this host's";
+        return "certificate not trusted: it is of another host's name";
     return p_Text.empty() ? curl_easy_strerror(p_Code) : p_Text;
 }
 

@@ -100,7 +100,6 @@ void GatewayFailoverTest::ASickMirrorIsReplaced_data()
     QTest::newRow("claims more") << Answer::ClaimingLength(c_MiB + 1000);
     QTest::newRow("another range") << Answer::WrongRangeStart(7);
     QTest::newRow("another total") << Answer::ClaimingRange("bytes 0-1048575/2000000");
-    QTest::newRow("another unit") << Answer::ClaimingRange("lines 0-1048575/1048576");
     QTest::newRow("no range at all") << Answer::ClaimingRange("nonsense");
     QTest::newRow("redirect to nowhere")
         << Answer::Redirect(ScriptedServer::RefusingUrl("/a").toLatin1());
@@ -127,8 +126,13 @@ void GatewayFailoverTest::ASickMirrorIsReplaced()
     }
     QVERIFY(Bench->Mirrors[0]->ScriptedAnswers("GET *") > 0);
     QCOMPARE(Bench->Server->Count("/game/files/1"), 0);
-    for (auto const& server : Bench->Door->Snapshot().Servers)
-        QCOMPARE(server.IsBehind, server.Name == Bench->Mirrors[0]->Host().toStdString());
+    QVERIFY(Becomes([&] { // its last transfer may still be under way
+        auto const servers = Bench->Door->Snapshot().Servers;
+        return std::all_of(servers.begin(), servers.end(), [&](auto const& p_Server) {
+            bool const isSick = p_Server.Name == Bench->Mirrors[0]->Host().toStdString();
+            return p_Server.IsBehind == isSick;
+        });
+    }));
 }
 
 void GatewayFailoverTest::ALargeFileOutlivesAMirror()

@@ -10,8 +10,8 @@ QByteArray const c_Path = "game/files/a";
 QByteArray const c_Version = "game/version.json";
 QByteArray const c_Manifest = "game/builds/build_1/info.json";
 
-/// What a whole window takes, twice.
-constexpr qint64 c_MuchMemory = 128 * c_MiB;
+/// What the largest document takes while it grows, and a window.
+constexpr qint64 c_MuchMemory = 256 * c_MiB;
 constexpr int c_MuchTime = 30000;
 
 /// Zeros, packed: a gzip stream without its end, which nobody should get to.
@@ -182,9 +182,8 @@ void GatewayHostileTest::WrongRangesGiveNoWrongBytes_data()
 {
     QTest::addColumn<QByteArray>("range");
     for (char const* const range :
-         {"", "bytes", "bytes */1048576", "bytes 0-0/1048576", "bytes 1-1048575/1048576",
-          "bytes 0-1048575/1", "bytes 0-1048575/99999999999999999999", "bytes 5-2/1048576",
-          "bytes -1-1048575/1048576", "bytes 0-18446744073709551615/18446744073709551616",
+         {"", "bytes", "bytes */1048576", "bytes 1-1048575/1048576", "bytes 0-1048575/1",
+          "bytes 0-1048575/1048577", "bytes 5-2/1048576", "bytes -1-1048575/1048576",
           "bytes 18446744073709551615-18446744073709551615/1048576"})
         QTest::newRow(range) << QByteArray(range);
 }

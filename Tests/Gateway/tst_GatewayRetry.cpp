@@ -44,7 +44,7 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<GatewayBench> Bench;
-    QByteArray const Bytes = LargeBytes(c_MiB);
+    QByteArray const Bytes = LargeBytes(200'000); // comes in one piece
 };
 
 void GatewayRetryTest::init()
@@ -66,9 +66,10 @@ void GatewayRetryTest::PausesGrow()
     QVERIFY(Bench->Content(c_Path).Body == Bytes);
     auto const requests = Bench->Requests(c_Path, "GET");
     QCOMPARE(requests.size(), std::size_t{6});
-    for (std::size_t i = 1; i < 6; ++i) {
+    // A connection that was kept and is closed under a request gets a second one at once.
+    for (std::size_t i = 2; i < 6; ++i) {
         qint64 const pause = requests[i].Milliseconds - requests[i - 1].Milliseconds;
-        QVERIFY2(pause >= (50 << (i - 1)) - 5, QByteArray::number(pause));
+        QVERIFY2(pause >= (50 << (i - 2)) - 5, QByteArray::number(pause));
     }
 }
 

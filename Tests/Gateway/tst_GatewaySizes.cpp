@@ -46,7 +46,7 @@ void GatewaySizesTest::SizesOfAPlanAreAskedOnce()
         plan.push_back(Planned(Numbered(i)));
     }
     bench.Open();
-    bench.Door->Plan(plan);
+    bench.Door->AskSizes(plan);
     QVERIFY(Becomes([&] { return bench.Door->Snapshot().SizesKnown == 100; }));
     for (int i = 0; i < 100; ++i) {
         QCOMPARE(bench.Door->SizeOf(Numbered(i).toStdString()), std::uint64_t(i));
@@ -55,7 +55,7 @@ void GatewaySizesTest::SizesOfAPlanAreAskedOnce()
         QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
     }
     bench.Door->Plan(plan);
-    QCOMPARE(bench.Door->Snapshot().SizesKnown, std::uint32_t{100});
+    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Held == 99 * 100 / 2; }));
     for (int i = 0; i < 100; ++i)
         QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
 }
@@ -130,6 +130,7 @@ void GatewaySizesTest::AreLearntFromAGetWhereHeadIsRefused()
         Becomes([&] { return bench.Door->SizeOf(c_Path.toStdString()) == std::uint64_t{c_MiB}; }));
     QCOMPARE(bench.SentBytes(c_Path), qint64{1});
     QCOMPARE(bench.Requests(c_Path, "GET").front().Header("Range"), QByteArray("bytes=0-0"));
+    bench.Door->Plan({});
     QVERIFY(bench.Content(c_Path).Body == bytes);
 }
 
