@@ -19,8 +19,8 @@ class ModuleHost;
 /// A module at work, as a program sees it. Requests return at once; what comes of them arrives by
 /// signals on the thread of the session. One session at a time in a process.
 ///
-/// While it is open, VARNHOLT_CONTENT_BASE_URL names the session's door to the network, which Qt
-/// uses no proxy for; both are as before when it has ended.
+/// While it is open, VARNHOLT_CONTENT_BASE_URL names the session's door to the network; it is as
+/// before when the session has ended.
 ///
 /// The process's current folder becomes the program's own: the module takes an installation in the
 /// current folder for one beside the launcher and moves it one level down, which must not happen to

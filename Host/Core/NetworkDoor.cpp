@@ -3,7 +3,6 @@
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
-#include <QNetworkProxyFactory>
 #include <QUrl>
 
 #include <chrono>
@@ -16,29 +15,6 @@ constexpr char c_Variable[] = "VARNHOLT_CONTENT_BASE_URL";
 QString const c_DefaultServer = QStringLiteral("d/"); // below the door's address
 QString const c_Mirrors = QStringLiteral("m/");
 QString const c_MirrorsName = QStringLiteral("mirrors/"); // which of them, the door decides
-
-/// Reaches one port of this machine without a proxy, and everything else as before.
-class DirectWay : public QNetworkProxyFactory {
-public:
-    DirectWay(int p_Port, bool p_UsesSystem, QNetworkProxy const& p_Former)
-        : Port(p_Port)
-        , UsesSystem(p_UsesSystem)
-        , Former(p_Former)
-    {
-    }
-
-    QList<QNetworkProxy> queryProxy(QNetworkProxyQuery const& p_Query) override
-    {
-        if (p_Query.peerPort() == Port && p_Query.peerHostName() == QLatin1String("127.0.0.1"))
-            return {QNetworkProxy::NoProxy};
-        return UsesSystem ? systemProxyForQuery(p_Query) : QList<QNetworkProxy>{Former};
-    }
-
-private:
-    int Port;
-    bool UsesSystem;
-    QNetworkProxy Former;
-};
 
 /// What Qt asks a server for behind p_Base.
 std::string BehindBase(QString const& p_Base, QString const& p_Path)
@@ -94,8 +70,6 @@ void Judge(Gateway::Reply& p_Reply, std::string const& p_Url)
 NetworkDoor::NetworkDoor(HostOptions const& p_Options, QString p_AppId)
     : AppId(std::move(p_AppId))
     , FormerUrl(Variable())
-    , UsedSystemProxies(QNetworkProxyFactory::usesSystemConfiguration())
-    , FormerProxy(QNetworkProxy::applicationProxy())
     , Server(QUrl(p_Options.ContentServer()).toString(QUrl::RemoveUserInfo))
     , Door(std::make_unique<Gateway::Gateway>(OptionsOf(p_Options, p_Options.ContentServer())))
     , Base(QString::fromStdString(Door->BaseUrl()))
@@ -104,20 +78,13 @@ NetworkDoor::NetworkDoor(HostOptions const& p_Options, QString p_AppId)
         return;
     Announce();
     p_Options.Names->Set({{Base + c_DefaultServer, Server}, {Base + c_Mirrors, c_MirrorsName}});
-    QNetworkProxyFactory::setApplicationProxyFactory(
-        new DirectWay(QUrl(Base).port(), UsedSystemProxies, FormerProxy));
 }
 
 NetworkDoor::~NetworkDoor()
 {
-    bool const isAnnounced = IsOpen();
     Door.reset(); // its threads read the environment
-    if (!isAnnounced)
-        return;
-    QNetworkProxy::setApplicationProxy(FormerProxy);
-    if (UsedSystemProxies)
-        QNetworkProxyFactory::setUseSystemConfiguration(true);
-    Withdraw();
+    if (IsOpen())
+        Withdraw();
 }
 
 void NetworkDoor::Announce() const

@@ -5,7 +5,6 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QByteArray>
-#include <QNetworkProxy>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -26,8 +25,8 @@ public:
     using Problem = std::optional<Gateway::FetchProblem>;
     static constexpr char c_HostList[] = "cdns.info";
 
-    /// Opens the door: names it in the environment, where the module looks for its content server,
-    /// and keeps Qt from using a proxy for it. A proxy factory of the application's own is lost.
+    /// Opens the door and names it in the environment, where the module looks for its content
+    /// server. Qt uses no proxy for it: it is on this machine.
     NetworkDoor(HostOptions const& p_Options, QString p_AppId);
     /// Takes all of that back. To be called after the end of the module.
     ~NetworkDoor();
@@ -78,8 +77,6 @@ private:
 
     QString AppId;
     std::optional<QByteArray> FormerUrl; ///< of the environment
-    bool UsedSystemProxies;              ///< the application, before
-    QNetworkProxy FormerProxy;
     QString Server;
     QObject Relay; ///< outlives the door's threads
     std::unique_ptr<Gateway::Gateway> Door;
