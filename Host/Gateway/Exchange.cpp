@@ -3,6 +3,7 @@
 #include "Host/Gateway/HostList.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace Varnholt::Gateway {
 
@@ -158,13 +159,16 @@ void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
     Lock const lock(Guard);
     if (!IsRunning)
         return;
-    for (File const& file : Planned)
+    std::vector<File> const former = std::exchange(Planned, FilesOf(p_Files));
+    for (File const& file : former)
         file->PlanIndex = FileContent::c_Unplanned;
-    Planned = FilesOf(p_Files);
     for (std::size_t i = Planned.size(); i-- > 0;) {
         Planned[i]->PlanIndex = i;
         Planned[i]->IsDelivered = false; // it is wanted again
     }
+    for (File const& file : former)
+        if (file->PlanIndex == FileContent::c_Unplanned && file->Readers == 0)
+            Drop(*file);
     PlanNext = PlanAhead = PlanSizes = 0;
     SizesKnown.reset();
     SizesFirst = p_SizesFirst;

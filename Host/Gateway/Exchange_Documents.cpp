@@ -228,12 +228,10 @@ void Exchange::StartQuestions()
             reply->Body.append(p_Data, p_Count);
             return Take::More;
         };
-        events.OnEnd = [reply, begin, url = request.Url, onReply = std::move(onReply)](
+        events.OnEnd = [reply, begin, onReply = std::move(onReply)](
                            std::optional<FetchProblem> const& p_Problem) {
             if (p_Problem)
                 reply->Problem = p_Problem;
-            else if (!reply->Problem && reply->HttpStatus >= c_FirstError)
-                reply->Problem = StatusProblem(reply->HttpStatus, url);
             reply->Took = MillisecondsBetween(begin, Clock::now());
             onReply(std::move(*reply));
         };
