@@ -20,9 +20,11 @@ void DownloadPlan::Look(QString const& p_Folder)
         auto const& files = Module.FilesToDownload;
         qint32 const mode = Module.UISetting.Download.Mode;
         bool const asksSizes = mode == Launcher::ApplicationUISetting::ModeAskingSizes;
-        if (files.empty() ||
-            !(asksSizes || mode == Launcher::ApplicationUISetting::ModeDownloading))
-            return; // nothing may be fetched before the game has quit
+        bool const mayFetch = asksSizes ||
+                              mode == Launcher::ApplicationUISetting::ModeDownloading ||
+                              mode == Launcher::ApplicationUISetting::ModeSuspended;
+        if (files.empty() || !mayFetch)
+            return; // not before the game has quit
         Mark const mark{files.size(), Module.IsDownloadingBase, asksSizes, files.front().Path,
                         files.back().Path};
         if (mark == Last)

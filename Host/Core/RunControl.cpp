@@ -301,8 +301,10 @@ RunPhase RunControl::CurrentPhase() const
     if (CurrentStep == Step::Inspecting)
         return InspectionSnapshot().Phase;
     RunPhase const phase = CurrentStep == Step::Running ? Reader.Phase() : RunPhase::Connecting;
-    bool const waitsForDoor = phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes;
-    return Paused && waitsForDoor ? RunPhase::Suspended : phase;
+    // Through a door that is shut nothing comes, even where a transfer has not been stopped yet.
+    bool const usesDoor =
+        phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes || IsDownloading(phase);
+    return Paused && usesDoor ? RunPhase::Suspended : phase;
 }
 
 void RunControl::ShowProgress()

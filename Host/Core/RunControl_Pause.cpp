@@ -18,6 +18,10 @@ void RunControl::Continue()
     bool const stopped = IsSuspended();
     Paused = false;
     Context.Gate.Release();
+    if (CurrentStep == Step::Running) { // what has arrived until now is not to come again
+        Plan.Forget();
+        Plan.Look(Folder());
+    }
     Context.Door->Continue();
     Context.Watch.Reset();
     if (CurrentStep == Step::Running && stopped)
