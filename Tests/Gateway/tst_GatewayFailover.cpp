@@ -1,3 +1,4 @@
+#include "Tests/Gateway/DeafServer.hpp"
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
 
@@ -30,6 +31,7 @@ private Q_SLOTS:
     void AFetchGoesOnAtTheByteWhereAMirrorDied();
     void ASickMirrorIsReplaced_data();
     void ASickMirrorIsReplaced();
+    void AMirrorThatHearsNothingIsReplaced();
     void ALargeFileOutlivesAMirror();
     void WhatOneMirrorLacksAnotherGives_data();
     void WhatOneMirrorLacksAnotherGives();
@@ -136,6 +138,22 @@ void GatewayFailoverTest::ASickMirrorIsReplaced()
             return p_Server.IsBehind == isSick;
         });
     }));
+}
+
+void GatewayFailoverTest::AMirrorThatHearsNothingIsReplaced()
+{
+    DeafServer const deaf;
+    Bench->Server->Serve("/cdns.info", deaf.Host() + ' ' + Bench->Mirrors[0]->Host().toLatin1());
+    Bench->Options.ConnectTimeout = std::chrono::milliseconds{500};
+    Bench->Options.StallTime = std::chrono::minutes{1};
+    Bench->Open();
+    Bench->Door->Plan({Planned(c_Path)});
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 10; ++i)
+        QVERIFY(Bench->Content(c_Path).Body == Bytes);
+    QVERIFY2(timer.elapsed() < 20000, QByteArray::number(timer.elapsed()));
+    QCOMPARE(Bench->Server->Count(c_ServerPath), 0);
 }
 
 void GatewayFailoverTest::ALargeFileOutlivesAMirror()
