@@ -166,6 +166,9 @@ void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
         Planned[i]->PlanIndex = i;
         Planned[i]->IsDelivered = false; // it is wanted again
     }
+    for (auto const& row : Files) // room for what is planned now
+        if (row.second->PlanIndex == FileContent::c_Unplanned && row.second->Readers == 0)
+            Drop(*row.second);
     for (File const& file : former)
         if (file->PlanIndex == FileContent::c_Unplanned && file->Readers == 0)
             Drop(*file);

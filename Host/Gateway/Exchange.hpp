@@ -143,6 +143,7 @@ private:
     // _Waits
     void CheckWaits(TimePoint p_Now);
     bool IsWaitedFor() const;
+    FetchProblem Silence() const;
     void CountBytes(Server& p_Server, std::uint64_t p_Bytes, TimePoint p_Now);
 
     static constexpr std::uint64_t c_WindowBytes = 48ULL * 1024 * 1024;

@@ -250,7 +250,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
     if (wanted > 0) {
         span.Append(p_Data + skipped, static_cast<std::size_t>(wanted));
         file.Contributors.insert(p_Transfer.From);
-        p_Transfer.From->Failures = 0;
+        p_Transfer.From->Failures = p_Transfer.From->Refusals = 0;
         Recount(file);
         if (file.Readers > 0)
             Changed.notify_all();
@@ -307,7 +307,11 @@ void Exchange::NoteFailure(FileTransfer& p_Transfer, FetchProblem const& p_Probl
 
 void Exchange::Refuse(FileContent& p_File, Server& p_Server, FetchProblem const& p_Problem)
 {
+    constexpr int c_MostRefusals = 3; // a mirror that lacks more than that lacks everything
+
     p_File.RefusedBy.insert(&p_Server);
+    if (++p_Server.Refusals > c_MostRefusals && !p_Server.IsDefault)
+        Board.NoteFailure(p_Server, 0, Clock::now());
     auto const allowed = Allowed(p_File);
     auto const& servers = Board.All();
     bool const isHopeless =
@@ -315,6 +319,7 @@ void Exchange::Refuse(FileContent& p_File, Server& p_Server, FetchProblem const&
                      [&](std::shared_ptr<Server> const& p_Other) { return allowed(*p_Other); });
     if (isHopeless)
         p_File.Refusal = p_Problem;
+    p_File.RefusedAt = Clock::now();
     SizesKnown.reset();
 }
 

@@ -15,6 +15,7 @@ constexpr int c_Gone = 410;
 constexpr int c_RangeNotSatisfiable = 416;
 constexpr int c_FirstError = 400;
 constexpr int c_FirstServerError = 500;
+constexpr int c_BadGateway = 502;
 constexpr int c_NotImplemented = 501;
 
 } // namespace
@@ -23,13 +24,16 @@ constexpr int c_NotImplemented = 501;
 Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefaultServer)
 {
     constexpr int c_Unavailable = 503;
+    // Long enough for a client whose answer was broken off to be told why.
+    constexpr std::chrono::seconds c_RefusalHolds{20};
 
     Lock lock(Guard);
     std::uint64_t const run = Run;
     if (!IsRunning || IsOver(run) || From == Gateway::Source::Copies)
         return {c_Unavailable, std::nullopt};
     File const file = FileOf(p_Path, p_OfDefaultServer);
-    if (file->Refusal) { // perhaps it is there by now
+    if (file->Refusal &&
+        Clock::now() - file->RefusedAt > c_RefusalHolds) { // perhaps it is there now
         file->Refusal.reset();
         file->RefusedBy.clear();
         AskAgain(file);
@@ -43,8 +47,10 @@ Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefau
     --HeadsWaited;
     if (IsOver(run))
         return {c_Unavailable, std::nullopt};
-    if (file->Refusal)
-        return {file->Refusal->HttpStatus, std::nullopt};
+    if (file->Refusal) {
+        int const status = file->Refusal->HttpStatus;
+        return {status >= c_FirstError ? status : c_BadGateway, std::nullopt};
+    }
     return {c_Success, file->Size};
 }
 
@@ -74,10 +80,7 @@ void Exchange::StartQueries(TimePoint p_Now)
 Exchange::File Exchange::NextToQuery()
 {
     auto const isWanted = [](FileContent const& p_File) {
-        bool const comesAnyway =
-            std::any_of(p_File.Spans.begin(), p_File.Spans.end(),
-                        [](Span const& p_Span) { return p_Span.IsUnderWay(); });
-        bool const isOpen = !p_File.Size && !p_File.HasNoSize && !comesAnyway;
+        bool const isOpen = !p_File.Size && !p_File.HasNoSize;
         return (isOpen || p_File.IsDisputed) && !p_File.Refusal && !p_File.IsAsked;
     };
     while (!SizesWanted.empty()) {
@@ -180,7 +183,7 @@ void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> con
         NoteFailure(p_Query, *problem);
     else {
         LastByte = Clock::now();
-        p_Query.From->Failures = 0;
+        p_Query.From->Failures = p_Query.From->Refusals = 0;
     }
     if ((!file->Size && !file->HasNoSize && !file->Refusal) || file->IsDisputed)
         AskAgain(file);

@@ -43,6 +43,20 @@ bool Exchange::IsWaitedFor() const
            (starves || lacksDocument || HeadsWaited > 0 || Queries > 0 || lacksSize);
 }
 
+/// What is told of as long as nothing has failed, and nothing comes.
+FetchProblem Exchange::Silence() const
+{
+    std::string url = Options.ContentServer;
+    for (auto const& row : DocumentsByPath)
+        if (!row.second->IsDone)
+            url = row.second->Url;
+    for (Reader const* const reader : Readers)
+        for (Span const& span : reader->File->Spans)
+            if (reader->Starves && span.IsUnderWay())
+                url = span.By->Url;
+    return {FetchProblem::Type::Silent, url, "no answer in time", 0};
+}
+
 /// Gives up when nothing has come for as long as is allowed.
 void Exchange::CheckWaits(TimePoint p_Now)
 {
@@ -54,8 +68,7 @@ void Exchange::CheckWaits(TimePoint p_Now)
         return;
     if (p_Now - std::max(LastByte, WaitedSince) < Options.RetryFor)
         return;
-    GaveUp = Latest.value_or(
-        FetchProblem{FetchProblem::Type::Silent, Options.ContentServer, "no answer in time", 0});
+    GaveUp = Latest.value_or(Silence());
     ToCancel.insert(ToCancel.end(), UnderWay.begin(), UnderWay.end());
     Loop.Wake();
     Changed.notify_all();
@@ -90,11 +103,9 @@ GatewaySnapshot Exchange::Snapshot() const
             if (!row.second->IsDone && row.second->NotBefore > now)
                 next = std::min(next, row.second->NotBefore);
         }
-        snapshot.Waits = GatewaySnapshot::Wait{
-            Latest.value_or(FetchProblem{FetchProblem::Type::Silent, Options.ContentServer,
-                                         "no answer yet", 0}),
-            silent,
-            isUnderWay || next == TimePoint::max() ? Milliseconds(0)
+        snapshot.Waits = GatewaySnapshot::Wait{Latest.value_or(Silence()), silent,
+                                               isUnderWay || next == TimePoint::max()
+                                                   ? Milliseconds(0)
                                                    : MillisecondsBetween(now, next)};
     }
     return snapshot;

@@ -77,6 +77,7 @@ public:
     bool IsAsked = false;                ///< for its size
     bool IsDisputed = false;             ///< servers differ in its size: the default one decides
     std::optional<FetchProblem> Refusal; ///< every server has refused it
+    TimePoint RefusedAt;
     std::optional<FetchProblem> Problem; ///< of the latest attempt
     std::set<Server const*> RefusedBy;
 

@@ -20,7 +20,7 @@ std::shared_ptr<Server> NewServer(std::string const& p_Address, bool p_IsDefault
 void Reset(Server& p_Server)
 {
     p_Server.Transfers = p_Server.Queries = 0;
-    p_Server.Failures = 0;
+    p_Server.Failures = p_Server.Refusals = 0;
     p_Server.NotBefore = {};
     p_Server.WrongFiles = 0;
     p_Server.Received = 0;

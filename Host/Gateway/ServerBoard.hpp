@@ -26,6 +26,7 @@ struct Server {
     bool RefusesHead = false;
 
     int Failures = 0;    ///< in a row
+    int Refusals = 0;    ///< of files, in a row
     TimePoint NotBefore; ///< not asked until then
     int WrongFiles = 0;
     TimePoint WrongUntil; ///< the others come first until then

@@ -44,6 +44,8 @@ bool DoorClient::Connect(QByteArray const& p_Url)
     setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
     Socket = socket;
     IsUsable = ::connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0;
+    if (IsAbandoned)
+        Abandon();
     return IsUsable;
 }
 
@@ -73,6 +75,7 @@ DoorReply DoorClient::Ask(DoorRequest const& p_Request)
 
 void DoorClient::Abandon()
 {
+    IsAbandoned = true;
     // Not closed: the thread that reads uses its number.
     if (Socket >= 0)
         ::shutdown(Socket, SHUT_RDWR);

@@ -46,7 +46,7 @@ public:
     bool Send(QByteArray const& p_Bytes);
     /// Waits for the whole answer.
     DoorReply Ask(DoorRequest const& p_Request);
-    /// Ends the connection and an `Ask` that waits; may be called on any thread.
+    /// Ends the connection and an `Ask` that waits, for good; may be called on any thread.
     void Abandon();
 
 private:
@@ -63,6 +63,7 @@ private:
     QByteArray Input;
     bool IsUsable = false; ///< for one more request
     std::atomic<int> Socket{-1};
+    std::atomic<bool> IsAbandoned{false};
 };
 
 /// One request on a connection of its own.

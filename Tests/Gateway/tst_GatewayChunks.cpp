@@ -190,11 +190,12 @@ void GatewayChunksTest::NoMoreConnectionsThanAreAllowed()
     bench.Open();
     bench.Door->Plan(plan);
     QVERIFY(Becomes([&] { return bench.AnswersNow() == expected; }));
-    // The door has had every occasion for one more when it has answered this and all sizes.
+    // The door has had every occasion for one more when it has answered this and all sizes but
+    // theirs.
     QVERIFY(Becomes([&] {
-        return std::all_of(plan.begin(), plan.end(), [&](PlannedFile const& p_File) {
-            return bench.Door->SizeOf(p_File.Path).has_value();
-        });
+        return std::count_if(plan.begin(), plan.end(), [&](PlannedFile const& p_File) {
+                   return bench.Door->SizeOf(p_File.Path).has_value();
+               }) == 50 - expected;
     }));
     QCOMPARE(bench.Document("game/version.json").Status, 200);
     QCOMPARE(bench.AnswersNow(), expected);
@@ -257,7 +258,7 @@ void GatewayChunksTest::MemoryIsBoundedWhenNobodyReads()
     qint64 position = 0;
     bool isRight = true;
     DoorReader reader({bench.ContentUrl(c_Path)}, [&](QByteArray const& p_Bytes) {
-        turns.acquire(p_Bytes.size());
+        turns.tryAcquire(p_Bytes.size(), DoorClient::c_Patience);
         isRight = isRight && bytes.indexOf(p_Bytes, int(position)) == position;
         position += p_Bytes.size();
     });

@@ -263,9 +263,9 @@ void GatewayDoorTest::AClientThatLeavesHarmsNobody()
     QByteArray const large = LargeBytes(20 * c_MiB);
     Bench->Serve("game/files/large", large);
     for (int i = 0; i < 20; ++i) {
-        QSemaphore turns(i);
+        QSemaphore turns(i + 1);
         DoorReader leaving({Bench->ContentUrl("game/files/large")},
-                           [&](QByteArray const&) { turns.acquire(); });
+                           [&](QByteArray const&) { turns.tryAcquire(1, DoorClient::c_Patience); });
         QVERIFY(Becomes([&] { return turns.available() == 0; }));
         leaving.Abandon();
         turns.release(1000);

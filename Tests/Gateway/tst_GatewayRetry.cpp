@@ -61,7 +61,7 @@ void GatewayRetryTest::cleanup()
 void GatewayRetryTest::PausesGrow()
 {
     Bench->Options.RetryPause = 50ms;
-    Bench->ScriptAll(c_Get, Answer::ClosedBeforeHeaders(), 5);
+    Bench->ScriptAll(c_Get, Answer::Status(500), 5);
     Bench->Open();
     QVERIFY(Bench->Content(c_Path).Body == Bytes);
     auto const requests = Bench->Requests(c_Path, "GET");
@@ -121,7 +121,7 @@ void GatewayRetryTest::AFetchGoesOnWhenTheServerIsBack()
     GatewayBench bench;
     bench.Serve(c_Path, Bytes);
     bench.Open();
-    bench.ScriptAll(c_Get, Answer::Truncated(100000));
+    bench.ScriptAll(c_Get, Answer::Truncated(50000));
     bench.ScriptForEver(c_Get, Answer::ClosedBeforeHeaders());
     DoorReader reader({bench.ContentUrl(c_Path)});
     QVERIFY(Becomes([&] { return bench.Requests(c_Path, "GET").size() >= 12; }));

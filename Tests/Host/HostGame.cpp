@@ -102,7 +102,10 @@ int HostGame::Requests(QString const& p_File) const
 
 bool HostGame::WasResumedAt(QString const& p_File, qint64 p_Offset) const
 {
-    auto const requests = Server.Requests(Content.ServerPath(p_File));
+    auto requests = Server.Requests(Content.ServerPath(p_File));
+    requests.erase(std::remove_if(requests.begin(), requests.end(),
+                                  [](auto const& p_Request) { return p_Request.Method != "GET"; }),
+                   requests.end());
     return !requests.empty() && requests.back().Header("Range").startsWith(
                                     "bytes=" + QByteArray::number(p_Offset) + '-');
 }

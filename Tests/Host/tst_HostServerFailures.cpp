@@ -237,7 +237,10 @@ void HostServerFailuresTest::AServerThatGoesAwayIsToldAndNothingIsLost()
     QVERIFY(game.Open());
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
-    QVERIFY(another.Requests(first).back().Header("Range").startsWith("bytes=10000-"));
+    bool wasResumed = false;
+    for (RecordedRequest const& request : another.Requests(first))
+        wasResumed = wasResumed || request.Header("Range").startsWith("bytes=10000-");
+    QVERIFY(wasResumed);
     QCOMPARE(another.Count(game.Content.ServerPath("Data/base.MPQ")), 0);
 }
 
