@@ -145,7 +145,7 @@ void HostServerFailuresTest::AStalledTransferGoesOnWhereItStopped()
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(game.WasResumedAt("Data/base.MPQ", 25000));
-    QVERIFY(game.HasWaitedFor("no answer yet"));
+    QVERIFY(game.HasWaitedFor("no answer in time"));
     QCOMPARE(game.Notices, QStringList());
 }
 
