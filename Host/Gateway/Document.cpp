@@ -21,7 +21,8 @@ std::size_t Document::MostBytes() const
 {
     constexpr std::size_t c_MiB = 1024UL * 1024;
 
-    return EndsWith(Path, "/info.json") ? 48 * c_MiB : c_MiB;
+    bool const isShort = IsHostList() || EndsWith(Path, "/version.json");
+    return isShort ? c_MiB : 48 * c_MiB;
 }
 
 bool Document::IsOne(std::string const& p_Path)

@@ -159,8 +159,7 @@ void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
     Lock const lock(Guard);
     if (!IsRunning)
         return;
-    std::vector<File> const former = std::exchange(Planned, FilesOf(p_Files));
-    for (File const& file : former)
+    for (File const& file : std::exchange(Planned, FilesOf(p_Files)))
         file->PlanIndex = FileContent::c_Unplanned;
     for (std::size_t i = Planned.size(); i-- > 0;) {
         Planned[i]->PlanIndex = i;
@@ -169,9 +168,6 @@ void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
     for (auto const& row : Files) // room for what is planned now
         if (row.second->PlanIndex == FileContent::c_Unplanned && row.second->Readers == 0)
             Drop(*row.second);
-    for (File const& file : former)
-        if (file->PlanIndex == FileContent::c_Unplanned && file->Readers == 0)
-            Drop(*file);
     PlanNext = PlanAhead = PlanSizes = 0;
     SizesKnown.reset();
     SizesFirst = p_SizesFirst;
