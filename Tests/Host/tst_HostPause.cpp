@@ -116,16 +116,16 @@ void HostPauseTest::APauseWhileAskingSizesHolds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Server.Script(game.Content.ServerPath(c_Base))
-        .Then(Answer().Held())
-        .Then(Answer::SilentAfter(100));
+    QString const path = game.Content.ServerPath(c_Base);
+    for (QString const& method : {QString("HEAD "), QString("GET ")})
+        game.Server.Script(method + path).Then(Answer().Held());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPhase(RunPhase::AskingSizes));
-    QVERIFY(game.WaitUntil([&] { return game.Requests(c_Base) == 1; }));
+    QVERIFY(game.WaitUntil([&] { return game.Requests(c_Base) > 0; }));
     game.Session().Pause();
     game.Status(); // the pause has come first
-    Open(game, c_Base);
+    Open(game, c_Base, 2);
     HoldsFor(game);
     QVERIFY(!game.Has(c_Base));
     game.Session().Continue();
@@ -291,7 +291,6 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
     Outcome const outcome = host.Finish();
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Server.BodyBytes(path), qint64(60000));
 }
 
 } // namespace Varnholt::TestSupport

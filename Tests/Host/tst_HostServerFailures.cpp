@@ -138,7 +138,7 @@ void HostServerFailuresTest::AStalledTransferGoesOnWhereItStopped()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Options.StallMilliseconds = 1'000;
+    game.Options.StallMilliseconds = 3'000; // shorter silences are not told
     QString const path = game.Content.ServerPath("Data/base.MPQ");
     game.Server.Script("GET " + path).Then(Answer::SilentAfter(25000));
     QVERIFY(game.Open());

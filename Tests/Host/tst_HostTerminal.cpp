@@ -169,12 +169,13 @@ void HostTerminalTest::CtrlCLeavesACleanLine()
 void HostTerminalTest::APausedRunIsShownAsOne()
 {
     HostGame game;
-    HoldWithinAFile(game);
+    QString const path = HoldWithinAFile(game);
     Terminal terminal(game, {"install", game.Folder});
     QVERIFY(terminal.WaitForLine("29.3 KiB of 89.9 KiB"));
     HostProcess const pause(game, {"pause"});
     QVERIFY(terminal.WaitUntil([&] { return terminal.Screen().last() == "suspended"; }));
     HostProcess const resume(game, {"resume"});
+    game.Server.OpenGate(path);
     QCOMPARE(terminal.Finish(), 0);
     QCOMPARE(terminal.Screen().size(), 2);
     QVERIFY(terminal.Screen().first().startsWith("Mists of Pandaria, build Sample build, is "));
