@@ -60,7 +60,7 @@ void GatewayFlowTest::APauseTakesNothingMore()
     GatewayBench bench;
     QByteArray const bytes = LargeBytes(100 * c_MiB);
     bench.Serve(c_Path, bytes);
-    bench.Options.BytesPerSecond = 20 * c_MiB;
+    bench.ScriptForEver("GET " + c_ServerPath, Answer::Drip(64 * 1024, 5));
     bench.Open();
     bench.Door->Plan({Planned(c_Path)});
     DoorReader reader({bench.ContentUrl(c_Path)});
@@ -71,7 +71,8 @@ void GatewayFlowTest::APauseTakesNothingMore()
     std::uint64_t const received = bench.Door->Snapshot().Received;
     QVERIFY(!Happens([&] { return bench.Door->Snapshot().Received > received + c_MiB; }, 2000));
     QVERIFY(!reader.IsDone());
-    bench.Door->SetRateLimit(0);
+    for (ScriptedServer* const server : bench.Servers())
+        server->ClearScript("GET " + c_ServerPath);
     bench.Door->Continue();
     QVERIFY(reader.Reply().Body == bytes);
 }
