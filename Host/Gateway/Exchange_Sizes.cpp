@@ -146,7 +146,12 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
     p_Query.IsSettled = true;
     p_Query.RetryAfter = p_Head.RetryAfter;
     bool const isEmpty = status == c_RangeNotSatisfiable && p_Head.Total == std::uint64_t{0};
-    if (status == c_PartialContent && p_Head.Total) {
+    bool const isPart = status == c_PartialContent;
+    if (isPart && p_Head.IsEncoded && !p_Query.From->IsDefault) {
+        p_Query.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Query.Url,
+                                       "its parts are those of something packed", 0};
+        p_Query.IsRefused = true;
+    } else if (isPart && p_Head.Total && !p_Head.IsEncoded) {
         LearnSize(p_Query, *p_Head.Total);
     } else if (isEmpty) {
         LearnSize(p_Query, 0);
@@ -154,7 +159,7 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
         LearnSize(p_Query, *p_Head.Length);
     } else if (status == c_Success && p_Query.IsHeadRequest) {
         p_Query.From->RefusesHead = true; // what it says of the headers alone is not enough
-    } else if (status == c_Success || status == c_PartialContent) {
+    } else if (status == c_Success || isPart) {
         file.HasNoSize = true;
     } else {
         p_Query.Problem = StatusProblem(status, p_Query.Url);
@@ -165,7 +170,7 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
         p_Query.IsRefused = !isOfHead && IsOfTheFile(status);
         p_Query.IsSettled = !isOfHead;
     }
-    return p_Query.IsHeadRequest || status == c_PartialContent;
+    return p_Query.IsHeadRequest || isPart;
 }
 
 void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> const& p_Problem)

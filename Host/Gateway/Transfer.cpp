@@ -132,8 +132,27 @@ std::size_t Transfer::OnHeaderLine(char* p_Data, std::size_t, std::size_t p_Coun
     self.HeaderBytes += p_Count;
     if (self.HeaderBytes > c_MostHeaderBytes)
         return 0;
-    self.ReadHeader(std::string(p_Data, p_Count));
-    return p_Count;
+    std::string const line(p_Data, p_Count);
+    self.ReadHeader(line);
+    self.LeavesTls = self.LeavesTls || self.IsWayOutOfTls(line);
+    return self.LeavesTls ? 0 : p_Count;
+}
+
+/// libcurl knows one set of protocols for all redirects, wherever they start.
+bool Transfer::IsWayOutOfTls(std::string const& p_Line) const
+{
+    constexpr long c_FirstRedirect = 300;
+    constexpr long c_FirstError = 400;
+
+    auto const location = ValueOf(p_Line, "location");
+    if (!location || ValueOf(*location, "http") == std::nullopt)
+        return false;
+    long status = 0;
+    char const* scheme = nullptr;
+    curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(Easy, CURLINFO_SCHEME, &scheme);
+    bool const isSafe = scheme != nullptr && curl_strequal(scheme, "https") != 0;
+    return isSafe && status >= c_FirstRedirect && status < c_FirstError;
 }
 
 void Transfer::ReadHeader(std::string const& p_Line)
@@ -215,6 +234,8 @@ void Transfer::End(CURLcode p_Code)
     if (HeaderBytes > c_MostHeaderBytes)
         return Events.OnEnd(
             FetchProblem{FetchProblem::Type::Unusable, Request.Url, "endless headers", 0});
+    if (LeavesTls)
+        p_Code = CURLE_UNSUPPORTED_PROTOCOL;
     Events.OnEnd(TransferProblem(Easy, p_Code, Request.Url, ErrorText.data()));
 }
 

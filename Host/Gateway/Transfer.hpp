@@ -71,6 +71,7 @@ private:
     void SetUpTrust(GatewayOptions const& p_Options);
     bool AnnounceHead();
     void ReadHeader(std::string const& p_Line);
+    bool IsWayOutOfTls(std::string const& p_Line) const;
     void ReadRange(std::string const& p_Range);
     static std::size_t OnHeaderLine(char* p_Data, std::size_t, std::size_t p_Count, void* p_Self);
     static std::size_t OnBody(char* p_Data, std::size_t, std::size_t p_Count, void* p_Self);
@@ -81,6 +82,7 @@ private:
     std::array<char, CURL_ERROR_SIZE> ErrorText{};
     AnswerHead Head;
     std::size_t HeaderBytes = 0;
+    bool LeavesTls = false; ///< a redirect wants to
     bool IsAnnounced = false;
     bool Stopped = false;
     bool Paused = false;

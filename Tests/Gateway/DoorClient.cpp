@@ -76,9 +76,13 @@ DoorReply DoorClient::Ask(DoorRequest const& p_Request)
 void DoorClient::Abandon()
 {
     IsAbandoned = true;
+    if (Socket < 0)
+        return;
+    // As the system does it for a program that was ended before it has read everything.
+    linger const atOnce{1, 0};
+    setsockopt(Socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
     // Not closed: the thread that reads uses its number.
-    if (Socket >= 0)
-        ::shutdown(Socket, SHUT_RDWR);
+    ::shutdown(Socket, SHUT_RDWR);
 }
 
 DoorReply DoorClient::ReadReply(bool p_HasBody)

@@ -151,7 +151,8 @@ void GatewayDoorTest::AnotherServersAddressIsNotAskedFor()
 void GatewayDoorTest::OtherMethodsAreRefused_data()
 {
     QTest::addColumn<QByteArray>("method");
-    for (char const* const method : {"POST", "PUT", "DELETE", "OPTIONS", "PATCH", "TRACE"})
+    for (char const* const method :
+         {"POST", "PUT", "DELETE", "OPTIONS", "PATCH", "TRACE", "CONNECT"})
         QTest::newRow(method) << QByteArray(method);
 }
 

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void AFileIsNoLongerThanItsSize();
     void WrongRangesGiveNoWrongBytes_data();
     void WrongRangesGiveNoWrongBytes();
+    void HeadersThatDripAreSilence();
     void ManyRedirectsEndSoon();
     void ALongHostListIsCut();
     void SizesBeyondReasonAreNoSizes_data();
@@ -194,6 +195,20 @@ void GatewayHostileTest::WrongRangesGiveNoWrongBytes()
     QByteArray const wrong(c_MiB, 'w');
     Bench->Mirrors[0]->Script("GET *").Always(Answer::ClaimingRange(range).Body(wrong));
     QVERIFY(Bench->Content(c_Path).Body == Bytes);
+    QVERIFY(IsCheap());
+}
+
+void GatewayHostileTest::HeadersThatDripAreSilence()
+{
+    Answer drip = Answer::EndlessHeaders();
+    drip.PieceBytes = 1;
+    drip.PauseMilliseconds = 50;
+    Bench->ScriptForEver("/" + c_Version, drip);
+    Bench->ScriptForEver("GET /" + c_Path, drip);
+    DoorReader content({Bench->ContentUrl(c_Path)});
+    QVERIFY(Bench->Document(c_Version).Status >= 500);
+    QVERIFY(!content.Reply().IsWhole || content.Reply().Status >= 500);
+    QVERIFY(Bench->Door->Snapshot().GaveUp);
     QVERIFY(IsCheap());
 }
 

@@ -21,6 +21,7 @@ class GatewaySizesTest : public QObject {
 private Q_SLOTS:
     void SizesOfAPlanAreAskedOnce();
     void SizesMayBeAskedForAlone();
+    void WhoAsksForSizesByRequestsThatItDropsGetsNoContent();
     void ASizeNeedNotBeKnownToAnyPlan();
     void AreAskedForSideBySide();
     void AreLearntFromAGetWhereHeadIsRefused_data();
@@ -70,6 +71,20 @@ void GatewaySizesTest::SizesMayBeAskedForAlone()
     QVERIFY(Becomes([&] { return bench.Door->SizeOf(c_Path.toStdString()) == std::uint64_t{7}; }));
     QCOMPARE(bench.SentBytes(c_Path), qint64{0});
     QCOMPARE(bench.Door->Snapshot().Received, std::uint64_t{0});
+}
+
+void GatewaySizesTest::WhoAsksForSizesByRequestsThatItDropsGetsNoContent()
+{
+    GatewayBench bench;
+    bench.Serve(c_Path, LargeBytes(c_MiB));
+    bench.Open();
+    bench.Door->Plan({Planned(c_Path)}, true);
+    DoorReader dropping({bench.ContentUrl(c_Path)});
+    QVERIFY(Becomes([&] { return bench.Door->SizeOf(c_Path.toStdString()).has_value(); }));
+    QVERIFY(!Happens([&] { return dropping.Received() > 0; }, 300));
+    bench.Door->Plan({Planned(c_Path)});
+    QVERIFY(dropping.Reply().Body == LargeBytes(c_MiB));
+    QCOMPARE(dropping.Reply().Header("Content-Length").toInt(), c_MiB);
 }
 
 void GatewaySizesTest::ASizeNeedNotBeKnownToAnyPlan()

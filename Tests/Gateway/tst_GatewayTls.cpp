@@ -34,6 +34,7 @@ private Q_SLOTS:
     void AnUntrustedMirrorIsReplaced();
     void RedirectsToTlsAreFollowed();
     void RedirectsNeverLeaveTls();
+    void RedirectsThatHaveReachedTlsNeverLeaveIt();
     void TheNewerProtocolIsSpoken();
 
 private:
@@ -195,6 +196,19 @@ void GatewayTlsTest::RedirectsNeverLeaveTls()
     QVERIFY(Bench->Document("redirected/version.json").Status >= 500);
     QVERIFY(Bench->Door->ProblemOf("redirected/version.json"));
     QVERIFY(Bench->Content("redirected/files/a").Status != 200);
+    QCOMPARE(plain.Requests().size(), std::size_t{0});
+}
+
+void GatewayTlsTest::RedirectsThatHaveReachedTlsNeverLeaveIt()
+{
+    ScriptedServer plain;
+    plain.Serve("/redirected/a", "plain");
+    auto const server = Start(Authority.Good(), plain.BaseUrl());
+    Bench->Server->Script('/' + c_Version)
+        .Always(Answer::Redirect((Tls(*server) + "redirected/a").toLatin1()));
+    Bench->Open();
+    QVERIFY(Bench->Document(c_Version).Status >= 500);
+    QCOMPARE(Bench->ProblemOf(c_Version).Kind, Kind::Unusable);
     QCOMPARE(plain.Requests().size(), std::size_t{0});
 }
 
