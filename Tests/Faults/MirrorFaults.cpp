@@ -61,9 +61,9 @@ void OneDiesInMidRun(FaultGame& p_Game, ScriptedServer& p_Bad, ScriptedServer& p
 {
     p_Game.Content.Publish(p_Game.Server, {&p_Bad, &p_Good});
     for (SampleFile const& file : p_Game.Content.Files) {
-        auto script = p_Bad.Script(p_Game.Content.ServerPath(file.Path));
-        script.Then(Answer::Normal()).Then(Answer::Reset(file.Bytes.size() / 3));
-        script.Always(Answer::ClosedBeforeHeaders());
+        QString const path = p_Game.Content.ServerPath(file.Path);
+        p_Bad.Script("GET " + path).Then(Answer::Reset(file.Bytes.size() / 3));
+        p_Bad.Script("GET " + path).Always(Answer::ClosedBeforeHeaders());
     }
 }
 
