@@ -91,6 +91,8 @@ void ModuleHost::Assemble()
     Worker = std::make_unique<AsyncWorker>(module);
     Ledger = std::make_unique<TransferLedger>(
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
+    // The next file need not wait for the clock.
+    connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
     Watch = std::make_unique<RunWatch>(module, *Pump, *Worker, *Ledger);
     Control = std::make_unique<RunControl>(
         RunContext{module, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});

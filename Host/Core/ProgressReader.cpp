@@ -63,7 +63,7 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase)
     }
     RunSnapshot snapshot;
     snapshot.Phase = p_Phase;
-    ReadDoor(snapshot);
+    quint64 const held = ReadDoor(snapshot);
     QMutexLocker const lock(&Module.RunMutex);
     if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
         ReadComparison(snapshot);
@@ -71,24 +71,25 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase)
         snapshot.FileNumber = Module.SizeRepliesReceived;
         snapshot.FileCount = static_cast<quint32>(Module.FilesToDownload.size());
     } else if (IsDownloading(p_Phase)) {
-        ReadDownload(snapshot);
+        ReadDownload(snapshot, held);
     }
     return snapshot;
 }
 
-void ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
+quint64 ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
 {
     Gateway::GatewaySnapshot const door = Door->Snapshot();
     p_Snapshot.BytesReceived = door.Received;
     if (p_Snapshot.Phase != RunPhase::Suspended)
         p_Snapshot.Wait = WaitOf(door.Waits);
     if (!IsDownloading(p_Snapshot.Phase))
-        return;
+        return door.Held;
     p_Snapshot.Rate = door.Rate;
     p_Snapshot.Mirror = QString::fromStdString(door.Server);
     for (auto const& server : door.Servers)
         if (server.Received > 0)
             p_Snapshot.Servers.push_back({QString::fromStdString(server.Name), server.Rate});
+    return door.Held;
 }
 
 void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
@@ -103,7 +104,7 @@ void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
         p_Snapshot.File = files[number - 1].Path;
 }
 
-void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot)
+void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
 {
     std::size_t const count = Module.FilesToDownload.size();
     std::size_t const index = Module.CurrentDownloadIndex;
@@ -122,7 +123,8 @@ void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot)
     p_Snapshot.BytesDone = DoneBytes;
     p_Snapshot.BytesTotal = TotalBytes;
     if (p_Snapshot.Rate > 0)
-        p_Snapshot.Remaining = static_cast<qint64>(RemainingBytes() / p_Snapshot.Rate);
+        p_Snapshot.Remaining = static_cast<qint64>(
+            (RemainingBytes() - std::min(RemainingBytes(), p_Held)) / p_Snapshot.Rate);
 }
 
 quint64 ProgressReader::FinishedBytes()

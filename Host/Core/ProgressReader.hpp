@@ -19,12 +19,13 @@ public:
     RunSnapshot Read(RunPhase p_Phase);
     /// Bytes that the current phase has still to write, as of the last snapshot.
     quint64 RemainingBytes() const { return TotalBytes - DoneBytes; }
-    /// Adds what the door tells: rate, servers, waits.
-    void ReadDoor(RunSnapshot& p_Snapshot) const;
 
 private:
+    /// Adds what the door tells: rate, servers, waits. \return what it holds for the module
+    quint64 ReadDoor(RunSnapshot& p_Snapshot) const;
     void ReadComparison(RunSnapshot& p_Snapshot) const;
-    void ReadDownload(RunSnapshot& p_Snapshot);
+    /// \param p_Held bytes that have come through the network and are not on the disk yet
+    void ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held);
     quint64 FinishedBytes();
 
     Launcher::StandartApplication& Module;

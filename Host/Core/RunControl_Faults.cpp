@@ -91,12 +91,13 @@ void RunControl::AbandonReplies()
         module.NetworkManager->clearConnectionCache();
 }
 
-/// Servers that the door asks after the others.
+/// Servers that the door asks after the others; none when there are no others.
 std::size_t RunControl::ServersBehind() const
 {
     auto const servers = Context.Door->Snapshot().Servers;
-    return static_cast<std::size_t>(std::count_if(
+    auto const behind = static_cast<std::size_t>(std::count_if(
         servers.begin(), servers.end(), [](auto const& p_Server) { return p_Server.IsBehind; }));
+    return behind < Context.Door->Servers().size() ? behind : 0;
 }
 
 /// The latest thing that went wrong on the network.

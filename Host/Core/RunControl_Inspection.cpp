@@ -96,8 +96,7 @@ void RunControl::OnInspected()
         return Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
     if (UsesKept) // nobody is asked
         return TellUpdate();
-    Survey =
-        std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Folder(),
+    Survey = std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Folder(),
                                           Context.Options.StallMilliseconds);
 }
 

@@ -5,6 +5,7 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 
+#include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkProxyFactory>
 #include <QNetworkReply>
@@ -42,6 +43,10 @@ private Q_SLOTS:
     void TheServerOfTheEnvironmentIsTheOneBehindTheDoor();
     void SessionsOneAfterTheOtherHaveServersOfTheirOwn();
     void TheProgramWorksWhereAProxyIsSet();
+    void FilesComeAheadOfTheModule();
+    void AFileOfTheDefaultServerIsAskedOfThatOnly();
+    void AFileThatWasWrongComesFromAnotherServer();
+    void ALimitOfTheRateHoldsFromThenOn();
     void TheGameSeesNoDoor();
     void TheLogNamesServersAndNotTheDoor();
 };
@@ -193,6 +198,78 @@ void HostDoorTest::TheProgramWorksWhereAProxyIsSet()
     QCOMPARE(outcome.Err, QString());
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(proxy.Requests().size(), std::size_t(0));
+}
+
+void HostDoorTest::FilesComeAheadOfTheModule()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    QString const last = game.Content.ServerPath("readme.txt");
+    game.Server.Script("GET " + base).Then(Answer::SilentAfter(100));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.WaitForPart("Data/base.MPQ", 100));
+    QVERIFY(game.WaitUntil([&] { return game.Server.BodyBytes(last) > 0; }));
+    QVERIFY(!game.Has("readme.txt") && !game.Has("readme.txt.part"));
+    game.Server.OpenGate(base);
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    for (SampleFile const& file : game.Content.Files)
+        if (file.Locale != "frFR") // none of it twice
+            QCOMPARE(game.Server.BodyBytes(game.Content.ServerPath(file.Path)),
+                     qint64(file.Bytes.size()));
+}
+
+void HostDoorTest::AFileOfTheDefaultServerIsAskedOfThatOnly()
+{
+    constexpr qint32 c_DefaultServerOnly = 0x40;
+
+    SessionGame game;
+    ScriptedServer mirror;
+    game.AddFiles();
+    game.Content.Add({"own.txt", "own", c_DefaultServerOnly});
+    game.Content.Publish(game.Server, {&mirror});
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QVERIFY(QFile::remove(game.Path("own.txt")));
+    QCOMPARE(game.Run(RequestType::Check), QString("update-available"));
+    QCOMPARE(game.Result().Findings.at(0).Bytes, qint64(3));
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(mirror.Count(game.Content.ServerPath("own.txt")), 0);
+    QVERIFY(mirror.Count(game.Content.ServerPath("readme.txt")) > 0);
+}
+
+void HostDoorTest::AFileThatWasWrongComesFromAnotherServer()
+{
+    SessionGame game;
+    ScriptedServer mirror;
+    game.Content.Add({"file", QByteArray(5000, 'x')});
+    game.Content.Publish(game.Server, {&mirror});
+    mirror.Serve(game.Content.ServerPath("file"), QByteArray(5000, 'o'));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(mirror.BodyBytes(game.Content.ServerPath("file")), qint64(5000)); // once
+}
+
+void HostDoorTest::ALimitOfTheRateHoldsFromThenOn()
+{
+    constexpr int c_Bytes = 300'000;
+    constexpr int c_PerSecond = 100'000;
+    constexpr qint64 c_LeastMilliseconds = 2'000;
+
+    SessionGame game;
+    game.Content.Add({"file", SampleContent::Bytes(c_Bytes, 1)});
+    game.Publish();
+    QVERIFY(game.Open());
+    game.Session().SetRateLimit(c_PerSecond);
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(game.Install(), QString("done"));
+    QVERIFY2(clock.elapsed() >= c_LeastMilliseconds, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void HostDoorTest::TheGameSeesNoDoor()
