@@ -40,7 +40,7 @@ constexpr Row c_Table[] = {
      "the server {s} cannot be trusted ({d})",
      "name the authority that its operator goes by with --ca-file, or tell the operator"},
     {FailureKind::ProxyUnreachable, c_NetworkStatus, "proxy-unreachable",
-     "the proxy {s} cannot be reached ({d})",
+     "{s} cannot be fetched ({d})",
      "check --proxy and the variables of the environment that name a proxy, then try again"},
     {FailureKind::OfflineUnknown, c_NetworkStatus, "offline-unknown",
      "nothing is kept about {s} to go on with offline ({d})",

@@ -14,6 +14,8 @@ FailureKind KindOf(Gateway::FetchProblem::Type p_Type)
     case Type::Unreachable:
     case Type::Dropped:
         return FailureKind::ServerUnreachable;
+    case Type::ProxyUnreachable:
+        return FailureKind::ProxyUnreachable;
     case Type::Untrusted:
         return FailureKind::CertificateWrong;
     case Type::Silent:

@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QLocale>
-#include <QMutexLocker>
 
 namespace Varnholt::Host {
 
@@ -91,6 +90,8 @@ void ModuleHost::Assemble()
     Worker = std::make_unique<AsyncWorker>(module);
     Ledger = std::make_unique<TransferLedger>(
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
+    // The next file need not wait for the clock.
+    connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
     Watch = std::make_unique<RunWatch>(module, *Pump, *Worker, *Ledger);
     Control = std::make_unique<RunControl>(
         RunContext{module, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
@@ -186,15 +187,7 @@ void ModuleHost::Close()
     CloseDeadline.setRemainingTime(c_MostMilliseconds);
     Control->Interrupt();
     Loader.Application()->SuspendDownload();
-    // A fetch that is cut off leaves its record behind.
-    std::vector<QNetworkReply*> replies;
-    {
-        QMutexLocker const lock(&Loader.Application()->ContentRequestsMutex);
-        for (auto const& row : Loader.Application()->ContentRequests)
-            replies.push_back(row.first);
-    }
-    for (QNetworkReply* const reply : replies)
-        reply->abort();
+    Control->AbandonReplies(); // a fetch that is cut off leaves its record behind
 }
 
 void ModuleHost::CloseWhenRested()

@@ -7,13 +7,11 @@ namespace Varnholt::Host {
 
 namespace {
 
-/// Once the module has handled it, what is as announced has got its final name, and what can still
-/// become the file lies there as a part.
+/// Once the module has handled it, what is as announced has got its final name.
 bool IsWrong(HTTP_DownloadFileRequest const& p_Request)
 {
     QString const part = QStringLiteral(".part");
     return !p_Request.Aborted && p_Request.FilePath.endsWith(part) &&
-           !QFile::exists(p_Request.FilePath) &&
            !QFile::exists(p_Request.FilePath.chopped(part.size()));
 }
 
@@ -60,6 +58,7 @@ void TransferLedger::OnHandled(HTTP_DownloadFileRequest* p_Request)
 {
     if (IsWrong(*p_Request))
         OnWrong(p_Request->Url);
+    Q_EMIT Handled();
 }
 
 void TransferLedger::OnRetired(HTTP_DownloadFileRequest* p_Request)

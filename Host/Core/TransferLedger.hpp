@@ -29,6 +29,10 @@ public:
     /// Transfers that have ended since the start.
     quint32 Count() const;
 
+Q_SIGNALS:
+    /// The module has handled the end of a transfer and wants the next one.
+    void Handled();
+
 private Q_SLOTS:
     /// Called on the download thread.
     void OnComplete(HTTP_DownloadFileRequest* p_Request);

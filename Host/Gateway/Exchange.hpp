@@ -147,7 +147,7 @@ private:
     FetchProblem Silence() const;
     void CountBytes(Server& p_Server, std::uint64_t p_Bytes, TimePoint p_Now);
 
-    static constexpr std::uint64_t c_WindowBytes = 48ULL * 1024 * 1024;
+    static constexpr std::uint64_t c_WindowBytes = 24ULL * 1024 * 1024;
 
     GatewayOptions Options;
     mutable std::mutex Guard;

@@ -102,7 +102,7 @@ void Exchange::Reject(std::string const& p_Path)
     if (!file)
         return;
     TimePoint const now = Clock::now();
-    if (file->IsReadFromStart && file->Contributors.size() == 1) {
+    if (file->IsDelivered && file->IsReadFromStart && file->Contributors.size() == 1) {
         std::shared_ptr<Server> const server = *file->Contributors.begin();
         ServerBoard::NoteWrongFile(*server, now);
         file->Wrong.insert(server.get());

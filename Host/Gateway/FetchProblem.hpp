@@ -7,12 +7,13 @@ namespace Varnholt::Gateway {
 /// Why an address was not fetched, fit to be told: it names the real server, never the door.
 struct FetchProblem {
     enum class Type {
-        Unreachable, ///< no connection: refused, no such host, no route, the proxy
-        Untrusted,   ///< the server's certificate
-        Silent,      ///< nothing arrived in time
-        Dropped,     ///< the answer ended before its end
-        Refused,     ///< the server answered with a status that is none of success
-        Unusable,    ///< the answer is not what was asked for
+        Unreachable,      ///< no connection: refused, no such host, no route
+        ProxyUnreachable, ///< the same of the proxy, which the cause names
+        Untrusted,        ///< the server's certificate
+        Silent,           ///< nothing arrived in time
+        Dropped,          ///< the answer ended before its end
+        Refused,          ///< the server answered with a status that is none of success
+        Unusable,         ///< the answer is not what was asked for
     };
 
     Type Kind = Type::Unreachable;

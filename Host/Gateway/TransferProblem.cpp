@@ -64,9 +64,13 @@ FetchProblem Unconnected(CURL* p_Easy, std::string const& p_Url, std::string con
 {
     std::string const peer = PeerIn(p_Text);
     std::string const cause = SystemCause(p_Easy);
-    bool const isProxy = !peer.empty() && peer != WithPort(p_Url);
-    return {Type::Unreachable, p_Url,
-            isProxy ? "the proxy " + peer + " cannot be reached: " + cause : cause, 0};
+    if (peer.empty() || peer == WithPort(p_Url))
+        return {Type::Unreachable, p_Url, cause, 0};
+    char const* last = nullptr; // address of a redirection
+    curl_easy_getinfo(p_Easy, CURLINFO_EFFECTIVE_URL, &last);
+    if (last != nullptr && peer == WithPort(last))
+        return {Type::Unreachable, p_Url, "redirected to " + peer + ": " + cause, 0};
+    return {Type::ProxyUnreachable, p_Url, "the proxy " + peer + " cannot be reached: " + cause, 0};
 }
 
 } // namespace
@@ -80,7 +84,7 @@ FetchProblem TransferProblem(CURL* p_Easy, CURLcode p_Code, std::string const& p
     case CURLE_COULDNT_RESOLVE_HOST:
         return {Type::Unreachable, p_Url, "host not found", 0};
     case CURLE_COULDNT_RESOLVE_PROXY:
-        return {Type::Unreachable, p_Url, "the proxy's host is not found", 0};
+        return {Type::ProxyUnreachable, p_Url, "the proxy's host is not found", 0};
     case CURLE_OPERATION_TIMEDOUT:
         return {Type::Silent, p_Url, "no answer in time", 0};
     case CURLE_PARTIAL_FILE:

@@ -124,11 +124,11 @@ void Try(Plan const& p_Plan, FaultTally& p_Tally)
     ProcessGame game(p_Plan.Job, ProcessGame::Size::Plain);
     if (p_Plan.When == Moment::AgainAndAgain)
         game.SlowDown();
-    auto script = game.Server.Script(game.Content.ServerPath(c_File));
+    auto script = game.Server.Script("GET " + game.Content.ServerPath(c_File));
     if (p_Plan.When == Moment::InARetryPause)
         script.Then(Answer::ClosedBeforeHeaders(), 4);
     else
-        script.Then(Answer::Normal()).Then(Answer::SilentAfter(c_Arrived));
+        script.Then(Answer::SilentAfter(c_Arrived));
 
     OwnClock const clock(game);
     QElapsedTimer time;
@@ -137,7 +137,7 @@ void Try(Plan const& p_Plan, FaultTally& p_Tally)
     int times = 0;
     if (p_Plan.When != Moment::InARetryPause) {
         times = SetInTransfer(game, host, clock, p_Plan);
-    } else if (host.WaitForErr(QStringLiteral("trying again"))) {
+    } else if (host.WaitForErr(QStringLiteral("next attempt in"))) {
         clock.Set(p_Plan.Offset);
         times = 1;
     }

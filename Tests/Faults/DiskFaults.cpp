@@ -60,7 +60,7 @@ void FillInMidFile(QString const& p_File, RequestType p_Kind, bool p_IsUnknown, 
         QFile::remove(game.Path(p_File));
     }
     QString const path = game.Content.ServerPath(p_File);
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(c_Arrived));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(c_Arrived));
     FaultTrial trial;
     trial.Where =
         QStringLiteral("%1, %2, %3")

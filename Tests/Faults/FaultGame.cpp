@@ -91,6 +91,12 @@ int FaultGame::UpdateUntilDone()
     return 0;
 }
 
+void FaultGame::Expect(QString const& p_End, QString const& p_Expected, QString const& p_Words)
+{
+    if (p_End != p_Expected || !Sentence().contains(p_Words))
+        Accuse(QStringLiteral("a run ended with %1 (%2)").arg(p_End, Sentence()));
+}
+
 QStringList FaultGame::Faults() const
 {
     return Broken + (Watcher ? Watcher->Faults() : QStringList());

@@ -38,6 +38,12 @@ public:
     /// Updates until a run says "done", a few times at most. \return runs it took, 0: none did
     int UpdateUntilDone();
 
+    /// Calls it a promise not kept when the latest run has not ended so. \param p_Words that its
+    /// sentence holds
+    void Expect(QString const& p_End, QString const& p_Expected, QString const& p_Words = {});
+    /// Adds a promise that was not kept.
+    void Accuse(QString const& p_Sentence) { Broken += p_Sentence; }
+
     Referee& Eyes() { return *Watcher; }
     /// What must not be and was; also once the session is over.
     QStringList Faults() const;

@@ -25,6 +25,8 @@ void FaultTrial::Run(FaultGame& p_Game, FaultTally& p_Tally) const
         if (Strike)
             injected = Strike(p_Game);
     });
+    if (!End.isEmpty())
+        p_Game.Expect(end, End, Words);
     QStringList faults;
     if (injected == 0)
         faults += QStringLiteral("the fault never struck");

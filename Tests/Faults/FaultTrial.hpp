@@ -17,6 +17,8 @@ struct FaultTrial {
     /// there from the beginning. \return how often it struck
     std::function<int(FaultGame&)> Strike;
     std::function<void(FaultGame&)> Undo; ///< called when the run has ended
+    QString End;                          ///< how the run must end; empty: anyhow
+    QString Words;                        ///< that its sentence must hold then
     QStringList NotKept;                  ///< files that the fault itself changes or takes away
     /// Bytes that a file may hold beside those of the build.
     std::vector<std::pair<QString, QByteArray>> Allowed;

@@ -21,8 +21,7 @@ QString const c_File = QStringLiteral("Data/base.MPQ");
 void TryWhileOneWorks(Task p_Task, QString const& p_Second, FaultTally& p_Tally)
 {
     ProcessGame game(p_Task, ProcessGame::Size::Plain);
-    game.Server.Script(game.Content.ServerPath(c_File))
-        .Then(Answer::Normal())
+    game.Server.Script("GET " + game.Content.ServerPath(c_File))
         .Then(Answer::SilentAfter(c_Arrived));
     QStringList faults;
     HostProcess first(game, game.Command());

@@ -2,79 +2,204 @@
 
 #include "Tests/Faults/FaultGame.hpp"
 
+#include <algorithm>
+
 namespace Varnholt::TestSupport {
 
 namespace {
 
 constexpr int c_Games = 8;
+constexpr int c_LargeBytes = 6'000'000; // of a file that comes in many chunks from both mirrors
+QString const c_Large = QStringLiteral("Data/large.MPQ");
 
-/// Publishes on mirrors and spoils some of them.
-using Spoil = std::function<void(FaultGame& p_Game, ScriptedServer& p_Bad, ScriptedServer& p_Good)>;
+/// A game with two mirrors, one of which is spoiled.
+struct MirrorGame {
+    QString LargePath() const { return Game.Content.ServerPath(c_Large); }
+    void AddLarge()
+    {
+        Game.Content.Files.insert(Game.Content.Files.begin() + 1,
+                                  {c_Large, SampleContent::Bytes(c_LargeBytes, 9)});
+    }
+    void Publish() { Game.Content.Publish(Game.Server, {&Bad, &Good}); }
 
-FaultReport Run(Spoil const& p_Spoil)
+    FaultGame Game;
+    ScriptedServer Bad;
+    ScriptedServer Good;
+};
+
+struct MirrorFault {
+    char const* Name;
+    std::function<void(MirrorGame&)> Prepare; ///< publishes, and spoils
+    std::function<void(MirrorGame&)> Meanwhile = {};
+    std::function<void(MirrorGame&)> Judge = {}; ///< called when the run has ended
+};
+
+/// A connection that is refused leaves no trace: without a large file it is counted as struck.
+int Injected(MirrorGame const& p_Game)
+{
+    bool const isTold = p_Game.Game.Content.Files[1].Path == c_Large;
+    return isTold && p_Game.Bad.BodyBytes(p_Game.LargePath()) == 0 ? 0 : 1;
+}
+
+FaultReport Run(MirrorFault const& p_Fault)
 {
     FaultTally tally;
     for (int i = 0; i < c_Games; ++i) {
-        FaultGame game;
-        ScriptedServer bad;
-        ScriptedServer good;
-        p_Spoil(game, bad, good);
-        QString end = QStringLiteral("the module does not load");
-        if (game.Begin())
-            end = game.InstallWatched();
-        bool const isDone = end == QLatin1String("done");
-        game.Content.Publish(game.Server, {&good});
+        MirrorGame mirrors;
+        FaultGame& game = mirrors.Game;
+        p_Fault.Prepare(mirrors);
+        if (!game.Begin())
+            game.Accuse(QStringLiteral("the module does not load"));
+        Host::RunRequest request;
+        request.Kind = RequestType::Install;
+        request.Argument = game.Folder;
+        QString const end = game.RunWatched(request, [&] {
+            if (p_Fault.Meanwhile)
+                p_Fault.Meanwhile(mirrors);
+        });
+        game.Expect(end, QStringLiteral("done")); // there is always somebody who helps out
+        int const injected = Injected(mirrors);
+        if (injected == 0)
+            game.Accuse(QStringLiteral("the fault never struck"));
+        if (p_Fault.Judge)
+            p_Fault.Judge(mirrors);
+        game.Content.Publish(game.Server, {&mirrors.Good});
         game.UpdateUntilDone();
         game.Quit();
-        tally.Add(QStringLiteral("game %1").arg(i + 1), 1,
-                  isDone ? QStringLiteral("complete at once")
-                         : end + QStringLiteral(", then complete"),
+        tally.Add(QStringLiteral("game %1").arg(i + 1), injected,
+                  end == QLatin1String("done") ? QStringLiteral("complete at once")
+                                               : end + QStringLiteral(", then complete"),
                   game);
     }
     return tally.Report();
 }
 
-void OneIsDead(FaultGame& p_Game, ScriptedServer& p_Bad, ScriptedServer& p_Good)
+void OneIsDead(MirrorGame& p_Game)
 {
-    p_Game.Content.Publish(p_Game.Server, {&p_Bad, &p_Good});
-    p_Bad.Stop();
+    p_Game.Publish();
+    p_Game.Bad.Stop();
 }
 
-void AllAreDead(FaultGame& p_Game, ScriptedServer& p_Bad, ScriptedServer& p_Good)
+void AllAreDead(MirrorGame& p_Game)
 {
-    ScriptedServer another;
-    p_Game.Content.Publish(p_Game.Server, {&p_Bad, &another});
-    p_Bad.Stop();
-    Q_UNUSED(p_Good);
+    p_Game.Publish();
+    p_Game.Bad.Stop();
+    p_Game.Good.Stop();
 }
 
 /// It holds the files of another build under the same names.
-void OneIsStale(FaultGame& p_Game, ScriptedServer& p_Bad, ScriptedServer& p_Good)
+void OneIsStale(MirrorGame& p_Game)
 {
-    p_Game.Content.Publish(p_Game.Server, {&p_Bad, &p_Good});
-    for (SampleFile const& file : p_Game.Content.Files)
-        p_Bad.Serve(p_Game.Content.ServerPath(file.Path), QByteArray(file.Bytes.size(), 'o'));
+    p_Game.Publish();
+    for (SampleFile const& file : p_Game.Game.Content.Files)
+        p_Game.Bad.Serve(p_Game.Game.Content.ServerPath(file.Path),
+                         QByteArray(file.Bytes.size(), 'o'));
 }
 
 /// Every transfer from it ends after some bytes, and nothing answers any more.
-void OneDiesInMidRun(FaultGame& p_Game, ScriptedServer& p_Bad, ScriptedServer& p_Good)
+void OneDiesInMidRun(MirrorGame& p_Game)
 {
-    p_Game.Content.Publish(p_Game.Server, {&p_Bad, &p_Good});
-    for (SampleFile const& file : p_Game.Content.Files) {
-        auto script = p_Bad.Script(p_Game.Content.ServerPath(file.Path));
-        script.Then(Answer::Normal()).Then(Answer::Reset(file.Bytes.size() / 3));
-        script.Always(Answer::ClosedBeforeHeaders());
+    p_Game.Publish();
+    for (SampleFile const& file : p_Game.Game.Content.Files) {
+        QString const path = "GET " + p_Game.Game.Content.ServerPath(file.Path);
+        p_Game.Bad.Script(path).Then(Answer::Reset(file.Bytes.size() / 3));
+        p_Game.Bad.Script(path).Always(Answer::ClosedBeforeHeaders());
     }
+}
+
+constexpr int c_BeforeDeath = 100'000;
+
+void OneWillDieInAChunk(MirrorGame& p_Game)
+{
+    p_Game.AddLarge();
+    p_Game.Publish();
+    p_Game.Bad.Script("GET " + p_Game.LargePath()).Always(Answer::SilentAfter(c_BeforeDeath));
+}
+
+void DieInAChunk(MirrorGame& p_Game)
+{
+    if (p_Game.Game.WaitUntil(
+            [&] { return p_Game.Bad.BodyBytes(p_Game.LargePath()) >= c_BeforeDeath; }))
+        p_Game.Bad.Stop();
+}
+
+qint64 BeginOf(RecordedRequest const& p_Request)
+{
+    return p_Request.Header("Range").mid(6).split('-').first().toLongLong();
+}
+
+/// What the dead one has brought of its chunk is not fetched again.
+void GoesOnInTheChunk(MirrorGame& p_Game)
+{
+    auto const others = p_Game.Good.Requests(p_Game.LargePath());
+    auto const own = p_Game.Bad.Requests(p_Game.LargePath());
+    bool const goesOn = std::any_of(own.begin(), own.end(), [&](RecordedRequest const& p_Own) {
+        return std::any_of(others.begin(), others.end(), [&](RecordedRequest const& p_Other) {
+            qint64 const brought = BeginOf(p_Other) - BeginOf(p_Own);
+            return p_Other.Method == "GET" && p_Own.Method == "GET" && brought > 0 &&
+                   brought <= c_BeforeDeath;
+        });
+    });
+    if (!goesOn)
+        p_Game.Game.Accuse(QStringLiteral("a chunk was fetched anew"));
+}
+
+void OneIsSlow(MirrorGame& p_Game)
+{
+    constexpr int c_Piece = 8'000;
+    constexpr int c_PauseMilliseconds = 20;
+
+    p_Game.AddLarge();
+    p_Game.Publish();
+    p_Game.Bad.Script("GET *").Always(Answer::Drip(c_Piece, c_PauseMilliseconds));
+}
+
+void TheFastOneGivesMost(MirrorGame& p_Game)
+{
+    qint64 const slow = p_Game.Bad.BodyBytes(p_Game.LargePath());
+    qint64 const fast = p_Game.Good.BodyBytes(p_Game.LargePath());
+    if (slow >= fast)
+        p_Game.Game.Accuse(
+            QStringLiteral("the slow mirror gave %1 bytes, the fast one %2").arg(slow).arg(fast));
+}
+
+void OneHasOtherBytes(MirrorGame& p_Game)
+{
+    p_Game.AddLarge();
+    p_Game.Publish();
+    p_Game.Bad.Serve(p_Game.LargePath(), QByteArray(c_LargeBytes, 'o'));
+}
+
+void OneHasAnotherLength(MirrorGame& p_Game)
+{
+    p_Game.AddLarge();
+    p_Game.Publish();
+    p_Game.Bad.Serve(p_Game.LargePath(), SampleContent::Bytes(c_LargeBytes / 2, 9));
+}
+
+std::vector<MirrorFault> const& Faults()
+{
+    static std::vector<MirrorFault> const s_Faults{
+        {"dead mirror among live ones", OneIsDead},
+        {"all mirrors dead", AllAreDead},
+        {"stale mirror among live ones", OneIsStale},
+        {"mirror dies in mid-run", OneDiesInMidRun},
+        {"mirror dies in a chunk", OneWillDieInAChunk, DieInAChunk, GoesOnInTheChunk},
+        {"mirrors of different speed", OneIsSlow, {}, TheFastOneGivesMost},
+        {"mirror with other bytes of one file", OneHasOtherBytes},
+        {"mirror with another length of one file", OneHasAnotherLength},
+    };
+    return s_Faults;
 }
 
 } // namespace
 
 std::vector<FaultRow> MirrorFaults()
 {
-    return {{QStringLiteral("dead mirror among live ones"), [] { return Run(OneIsDead); }},
-            {QStringLiteral("all mirrors dead"), [] { return Run(AllAreDead); }},
-            {QStringLiteral("stale mirror among live ones"), [] { return Run(OneIsStale); }},
-            {QStringLiteral("mirror dies in mid-run"), [] { return Run(OneDiesInMidRun); }}};
+    std::vector<FaultRow> rows;
+    for (MirrorFault const& fault : Faults())
+        rows.push_back({QString::fromUtf8(fault.Name), [&fault] { return Run(fault); }});
+    return rows;
 }
 
 } // namespace Varnholt::TestSupport

@@ -29,7 +29,7 @@ void Try(Removal const& p_Removal, QString const& p_File, RequestType p_Kind, Fa
         QFile::remove(game.Path(p_File));
     }
     QString const path = game.Content.ServerPath(p_File);
-    game.Server.Script(path).Then(Answer::Normal()).Then(Answer::SilentAfter(c_Arrived));
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(c_Arrived));
     FaultTrial trial;
     trial.Where = QStringLiteral("%1, %2").arg(p_File, p_Kind == RequestType::Install
                                                            ? QStringLiteral("install")

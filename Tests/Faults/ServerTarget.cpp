@@ -17,11 +17,12 @@ QByteArray BytesOf(FaultGame const& p_Game, QString const& p_File)
     return found->Bytes;
 }
 
-ServerTarget ContentFile(char const* p_Name, QString const& p_File, bool p_IsTransfer)
+ServerTarget ContentFile(char const* p_Name, QString const& p_File,
+                         ServerTarget::Type p_Kind = ServerTarget::Type::Content)
 {
     return {QString::fromUtf8(p_Name),
             [p_File](auto const& p_Game) { return p_Game.Content.ServerPath(p_File); },
-            [p_File](auto const& p_Game) { return BytesOf(p_Game, p_File); }, p_IsTransfer};
+            [p_File](auto const& p_Game) { return BytesOf(p_Game, p_File); }, p_Kind};
 }
 
 } // namespace
@@ -39,13 +40,19 @@ std::vector<ServerTarget> const& ServerTarget::All()
          [](auto const& p_Game) { return p_Game.Server.Host().toUtf8(); }},
         {QStringLiteral("realm list"),
          [](auto const& p_Game) { return p_Game.Content.RealmListPath(); },
-         [](auto const& p_Game) { return p_Game.Content.RealmList; }, false, true},
-        ContentFile("size of the middle file", FaultGame::c_Middle, false),
-        ContentFile("first file", FaultGame::c_First, true),
-        ContentFile("middle file", FaultGame::c_Middle, true),
-        ContentFile("last file", FaultGame::c_Last, true),
+         [](auto const& p_Game) { return p_Game.Content.RealmList; }, Type::Document, true},
+        ContentFile("size of the middle file", FaultGame::c_Middle, Type::Size),
+        ContentFile("first file", FaultGame::c_First),
+        ContentFile("middle file", FaultGame::c_Middle),
+        ContentFile("last file", FaultGame::c_Last),
     };
     return s_Targets;
+}
+
+QString ServerTarget::Script(FaultGame const& p_Game) const
+{
+    QString const method = QLatin1String(Kind == Type::Size ? "HEAD " : "GET ");
+    return method + Path(p_Game);
 }
 
 void ServerTarget::Prepare(FaultGame& p_Game) const

@@ -4,9 +4,11 @@
 #include "Tests/Faults/FaultProgram.hpp"
 #include "Tests/Faults/FolderFaults.hpp"
 #include "Tests/Faults/KillFaults.hpp"
+#include "Tests/Faults/LineFaults.hpp"
 #include "Tests/Faults/LockFaults.hpp"
 #include "Tests/Faults/RemovalFaults.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
+#include "Tests/Faults/TrustFaults.hpp"
 
 using namespace Varnholt::TestSupport;
 
@@ -15,8 +17,9 @@ namespace {
 std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
-    for (auto const& group : {ServerFaults(), DiskFaults(), FolderFaults(), RemovalFaults(),
-                              KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
+    for (auto const& group :
+         {ServerFaults(), LineFaults(), TrustFaults(), DiskFaults(), FolderFaults(),
+          RemovalFaults(), KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }

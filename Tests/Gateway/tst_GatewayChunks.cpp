@@ -10,7 +10,7 @@ namespace {
 
 QByteArray const c_Path = "game/files/a";
 constexpr int c_Window = 64 * c_MiB; // at most
-constexpr int c_LeastWindow = 32 * c_MiB;
+constexpr int c_LeastWindow = 16 * c_MiB;
 
 QByteArray Numbered(int p_Number)
 {

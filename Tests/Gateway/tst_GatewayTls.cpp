@@ -1,4 +1,4 @@
-#include "Tests/Gateway/Certificates.hpp"
+#include "Tests/Operating/Certificates.hpp"
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Operating/NginxServer.hpp"
 #include "Tests/Support/FileTools.hpp"

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void OtherProtocolsAreNotFollowed_data();
     void OtherProtocolsAreNotFollowed();
 
+    void ARedirectionToADeadServerIsTold();
     void AProxyIsUsed();
     void ADeadProxyIsNamed();
     void TheProxyOfTheEnvironmentIsUsed();
@@ -250,6 +251,19 @@ void GatewayTrustTest::OtherProtocolsAreNotFollowed()
     QVERIFY(Bench->Door->ProblemOf(c_Version.toStdString()));
 }
 
+void GatewayTrustTest::ARedirectionToADeadServerIsTold()
+{
+    QString const dead = ScriptedServer::RefusingUrl("/a");
+    Bench->Server->Script('/' + c_Version).Always(Answer::Redirect(dead.toLatin1()));
+    Bench->Open();
+    QVERIFY(Bench->Document(c_Version).Status >= 500);
+    FetchProblem const problem = Bench->ProblemOf(c_Version);
+    QCOMPARE(problem.Kind, Kind::Unreachable);
+    QCOMPARE(problem.Url, (Bench->Server->BaseUrl() + c_Version).toStdString());
+    QCOMPARE(QString::fromStdString(problem.Cause),
+             "redirected to " + QUrl(dead).authority() + ": connection refused");
+}
+
 void GatewayTrustTest::AProxyIsUsed()
 {
     ScriptedServer proxy;
@@ -272,7 +286,7 @@ void GatewayTrustTest::ADeadProxyIsNamed()
     Bench->Open();
     QVERIFY(Bench->Document(c_Version).Status >= 500);
     FetchProblem const problem = Bench->ProblemOf(c_Version);
-    QCOMPARE(problem.Kind, Kind::Unreachable);
+    QCOMPARE(problem.Kind, Kind::ProxyUnreachable);
     QVERIFY2(problem.Cause.find("proxy") != std::string::npos, problem.Cause.c_str());
     QVERIFY2(problem.Cause.find(QUrl(proxy).authority().toStdString()) != std::string::npos,
              problem.Cause.c_str());

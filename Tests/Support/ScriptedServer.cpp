@@ -214,4 +214,12 @@ void ScriptedServer::Stop()
     });
 }
 
+void ScriptedServer::Restart()
+{
+    Inner->OnThread([this] {
+        if (!Inner->Server->listen(QHostAddress(Inner->Address), Inner->Port))
+            qFatal("port %d is taken", Inner->Port);
+    });
+}
+
 } // namespace Varnholt::TestSupport

@@ -85,6 +85,8 @@ public:
 
     /// Accepts no more connections and closes those there are.
     void Stop();
+    /// Is there again, at the same address.
+    void Restart();
 
 private:
     class Listener;
