@@ -65,6 +65,8 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
     }
     p_Bytes = *file.At(p_Reader.At);
     p_Reader.At += p_Bytes.Count;
+    // Its client may reject it before the door is asked for more.
+    file.IsDelivered = file.IsDelivered || file.EndsAt(p_Reader.At);
     Release(file);
     return Given::Bytes;
 }
