@@ -36,6 +36,9 @@ ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
 {
     constexpr int c_TurnMilliseconds = 15; // the module's queue cannot wake anybody
 
+    // Here and not on the module thread: others may read the environment once that runs.
+    if (HostCallbacks::Claim(Environment))
+        Door = std::make_unique<NetworkDoor>(Options, *this);
     TurnTimer.setInterval(c_TurnMilliseconds);
     connect(&TurnTimer, &QTimer::timeout, this, [this] { Turn(); });
 }
@@ -65,26 +68,19 @@ std::optional<Failure> ModuleHost::LoadModule()
 {
     QString const file =
         Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
-    if (!HostCallbacks::Claim(Environment))
+    if (!Door)
         return Failure{FailureKind::ModuleUnloadable, file,
                        QStringLiteral("another session of this program uses a module")};
-    auto failure = Loader.Load(file);
-    if (!failure) {
-        Door = std::make_unique<NetworkDoor>(Options, Loader.Application()->AppId);
-        if (Door->IsOpen())
-            return std::nullopt;
-        failure = Failure{FailureKind::Other, QStringLiteral("the start"),
-                          QStringLiteral("the system lets nobody listen on 127.0.0.1")};
-        Loader.Release();
-        Door.reset();
-    }
-    HostCallbacks::Remove(Environment);
-    return failure;
+    if (!Door->IsOpen())
+        return Failure{FailureKind::Other, QStringLiteral("the start"),
+                       QStringLiteral("the system lets nobody listen on 127.0.0.1")};
+    return Loader.Load(file);
 }
 
 void ModuleHost::Assemble()
 {
     Launcher::StandartApplication& module = *Loader.Application();
+    Door->Serve(module.AppId);
     Record = std::make_unique<InstallRecord>(Settings, module.AppId);
     Pump = std::make_unique<QueuePump>(module);
     Worker = std::make_unique<AsyncWorker>(module);

@@ -64,7 +64,7 @@ private:
     RunGate Gate;
     HostEnvironment Environment;
     OfflineCopies Copies;
-    std::unique_ptr<NetworkDoor> Door; ///< null until the module is loaded; outlives it
+    std::unique_ptr<NetworkDoor> Door; ///< null when another session has one; outlives the module
     ModuleLoader Loader;
     QTimer TurnTimer;
     bool Closing = false;

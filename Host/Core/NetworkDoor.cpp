@@ -67,8 +67,8 @@ void Judge(Gateway::Reply& p_Reply, std::string const& p_Url)
 
 } // namespace
 
-NetworkDoor::NetworkDoor(HostOptions const& p_Options, QString p_AppId)
-    : AppId(std::move(p_AppId))
+NetworkDoor::NetworkDoor(HostOptions const& p_Options, QObject& p_Owner)
+    : Owner(p_Owner)
     , FormerUrl(Variable())
     , Server(QUrl(p_Options.ContentServer()).toString(QUrl::RemoveUserInfo))
     , Door(std::make_unique<Gateway::Gateway>(OptionsOf(p_Options, p_Options.ContentServer())))
@@ -140,7 +140,7 @@ void NetworkDoor::Ask(Gateway::Question p_Question, QObject& p_Context,
               [this, context, url, onReply = std::move(p_OnReply)](Gateway::Reply p_Reply) {
                   Judge(p_Reply, url);
                   QMetaObject::invokeMethod(
-                      &Relay,
+                      &Owner,
                       [context, onReply, p_Reply] {
                           if (context)
                               onReply(p_Reply);

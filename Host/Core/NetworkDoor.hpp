@@ -16,7 +16,8 @@
 namespace Varnholt::Host {
 
 /// The gateway as the host and the module's object see it: while it lives it is the content server
-/// of this process's module. Lives on the module thread.
+/// of this process's module. Made before the threads that read the environment; from then on it is
+/// the module thread's.
 ///
 /// Addresses below the gateway's are those of `Gateway::Gateway`: "<AppId>/<location>" of a file,
 /// percent-encoded as Qt sends them.
@@ -27,12 +28,15 @@ public:
 
     /// Opens the door and names it in the environment, where the module looks for its content
     /// server. Qt uses no proxy for it: it is on this machine.
-    NetworkDoor(HostOptions const& p_Options, QString p_AppId);
+    /// \param p_Owner outlives it; on whose thread replies arrive
+    NetworkDoor(HostOptions const& p_Options, QObject& p_Owner);
     /// Takes all of that back. To be called after the end of the module.
     ~NetworkDoor();
     NetworkDoor(NetworkDoor const&) = delete;
     NetworkDoor& operator=(NetworkDoor const&) = delete;
 
+    /// Names the application whose files are asked for.
+    void Serve(QString const& p_AppId) { AppId = p_AppId; }
     /// False when the system lets nobody listen.
     bool IsOpen() const { return !Base.isEmpty(); }
     Gateway::Gateway* operator->() { return Door.get(); }
@@ -55,7 +59,7 @@ public:
     /// A file that a run is going to ask for. \param p_Path where it belongs on the disk
     Gateway::PlannedFile Planned(Launcher::ApplicationManifestFileEntry const& p_Entry,
                                  QString const& p_Path) const;
-    /// Asks one question. \param p_OnReply called on the module thread, while p_Context lives
+    /// Asks one question. \param p_OnReply called on the owner's thread, while p_Context lives
     void Ask(Gateway::Question p_Question, QObject& p_Context,
              std::function<void(Gateway::Reply const&)> p_OnReply);
 
@@ -75,10 +79,10 @@ private:
     void Announce() const;
     void Withdraw() const;
 
+    QObject& Owner;
     QString AppId;
     std::optional<QByteArray> FormerUrl; ///< of the environment
     QString Server;
-    QObject Relay; ///< outlives the door's threads
     std::unique_ptr<Gateway::Gateway> Door;
     QString Base; ///< the door's address; ends in "/"
 };

@@ -94,7 +94,9 @@ void HostDoorTest::APathIsWhatQtAsksFor()
 {
     QFETCH(QString, location);
     ScriptedServer server;
-    NetworkDoor const door(OptionsFor(server.BaseUrl()), "app");
+    QObject owner;
+    NetworkDoor door(OptionsFor(server.BaseUrl()), owner);
+    door.Serve("app");
     QNetworkAccessManager manager;
     QString const asked = server.BaseUrl() + "app/" + location;
     QScopedPointer<QNetworkReply> const reply(
@@ -122,7 +124,8 @@ void HostDoorTest::TheEnvironmentNamesTheDoorWhileItLives()
     if (!wasSet)
         qunsetenv(c_Variable);
     {
-        NetworkDoor door(OptionsFor("http://content.example/"), "app");
+        QObject owner;
+        NetworkDoor door(OptionsFor("http://content.example/"), owner);
         QVERIFY(door.IsOpen());
         QByteArray const address = QByteArray::fromStdString(door->BaseUrl()) + "d/";
         QCOMPARE(qgetenv(c_Variable), address);
