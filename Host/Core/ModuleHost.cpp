@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QLocale>
-#include <QMutexLocker>
 
 namespace Varnholt::Host {
 
@@ -188,15 +187,7 @@ void ModuleHost::Close()
     CloseDeadline.setRemainingTime(c_MostMilliseconds);
     Control->Interrupt();
     Loader.Application()->SuspendDownload();
-    // A fetch that is cut off leaves its record behind.
-    std::vector<QNetworkReply*> replies;
-    {
-        QMutexLocker const lock(&Loader.Application()->ContentRequestsMutex);
-        for (auto const& row : Loader.Application()->ContentRequests)
-            replies.push_back(row.first);
-    }
-    for (QNetworkReply* const reply : replies)
-        reply->abort();
+    Control->AbandonReplies(); // a fetch that is cut off leaves its record behind
 }
 
 void ModuleHost::CloseWhenRested()

@@ -48,6 +48,8 @@ public:
     void Continue();
     /// Ends the request under way; nothing that has arrived is lost.
     void Interrupt();
+    /// Ends what the module is asking for.
+    void AbandonReplies();
 
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
@@ -123,7 +125,6 @@ private:
     void OnGaveUp(Failure const& p_Failure);
     void CheckRoom(RunPhase p_Phase);
     QString VolumeInUse() const;
-    void AbandonReplies();
     void NoticeRealmList();
     void NoticeOnce(QString const& p_Text);
     std::size_t ServersBehind() const;

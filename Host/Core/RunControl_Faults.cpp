@@ -76,8 +76,8 @@ QString RunControl::VolumeInUse() const
     return GameVolumes::Of(Folder(), current).back().Folder;
 }
 
-/// Called at the end of a run that has failed: what still hangs must not answer into the next one,
-/// nor keep it from being over.
+/// Called when a run has failed: what still hangs must not answer into the next one, nor keep it
+/// from being over.
 void RunControl::AbandonReplies()
 {
     Launcher::StandartApplication& module = Context.Module;

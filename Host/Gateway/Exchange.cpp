@@ -154,9 +154,20 @@ std::vector<Exchange::File> Exchange::FilesOf(std::vector<PlannedFile> const& p_
     return files;
 }
 
-void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
+void Exchange::Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst)
 {
     Lock const lock(Guard);
+    SetPlan(p_Files, p_SizesFirst, false);
+}
+
+void Exchange::AskSizes(std::vector<PlannedFile> const& p_Files)
+{
+    Lock const lock(Guard);
+    SetPlan(p_Files, true, true);
+}
+
+void Exchange::SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly)
+{
     if (!IsRunning)
         return;
     for (File const& file : std::exchange(Planned, FilesOf(p_Files)))
@@ -171,16 +182,9 @@ void Exchange::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
     PlanNext = PlanAhead = PlanSizes = 0;
     SizesKnown.reset();
     SizesFirst = p_SizesFirst;
-    SizesOnly = false;
+    SizesOnly = p_SizesOnly;
     Changed.notify_all();
     Loop.Wake();
-}
-
-void Exchange::AskSizes(std::vector<PlannedFile> p_Files)
-{
-    Plan(std::move(p_Files), true);
-    Lock const lock(Guard);
-    SizesOnly = true;
 }
 
 std::optional<std::uint64_t> Exchange::SizeOf(std::string const& p_Path) const

@@ -61,8 +61,8 @@ public:
     void BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies);
     void EndRun();
     Gateway::Documents Fetched() const;
-    void Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst);
-    void AskSizes(std::vector<PlannedFile> p_Files);
+    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst);
+    void AskSizes(std::vector<PlannedFile> const& p_Files);
     std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const;
     std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const;
     std::optional<FetchProblem> LatestProblem() const;
@@ -92,6 +92,7 @@ private:
     void Fail(FetchProblem const& p_Problem) { Latest = p_Problem; }
     File FileOf(std::string const& p_Path, bool p_OfDefaultServer);
     std::vector<File> FilesOf(std::vector<PlannedFile> const& p_Files);
+    void SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly);
     File Known(std::string const& p_Path) const;
 
     // _Documents
@@ -146,7 +147,7 @@ private:
     FetchProblem Silence() const;
     void CountBytes(Server& p_Server, std::uint64_t p_Bytes, TimePoint p_Now);
 
-    static constexpr std::uint64_t c_WindowBytes = 48ULL * 1024 * 1024;
+    static constexpr std::uint64_t c_WindowBytes = 24ULL * 1024 * 1024;
 
     GatewayOptions Options;
     mutable std::mutex Guard;

@@ -13,7 +13,7 @@ constexpr int c_PartialContent = 206;
 constexpr int c_RangeNotSatisfiable = 416;
 constexpr std::uint64_t c_SmallPiece = 256ULL * 1024;
 constexpr std::uint64_t c_FirstPiece = 1024ULL * 1024;
-constexpr std::uint64_t c_LargestPiece = 8ULL * 1024 * 1024;
+constexpr std::uint64_t c_LargestPiece = 4ULL * 1024 * 1024;
 
 /// What a server is asked for at once: as much as it brings in a moment, so that a slow one does
 /// not keep the others waiting for long.

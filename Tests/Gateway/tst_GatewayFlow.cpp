@@ -97,7 +97,7 @@ void GatewayFlowTest::WhatHasArrivedIsHandedOnInAPause()
     bench.Serve(c_Path, bytes);
     bench.Open();
     bench.Door->Plan({Planned(c_Path)});
-    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Held == 3 * c_MiB; }));
+    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Received == 3 * c_MiB; }));
     bench.Door->Pause();
     QVERIFY(bench.Content(c_Path).Body == bytes);
 }

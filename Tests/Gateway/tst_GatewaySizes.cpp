@@ -56,7 +56,7 @@ void GatewaySizesTest::SizesOfAPlanAreAskedOnce()
         QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
     }
     bench.Door->Plan(plan);
-    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Held == 99 * 100 / 2; }));
+    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Received == 99 * 100 / 2; }));
     for (int i = 0; i < 100; ++i)
         QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
 }
@@ -191,7 +191,7 @@ void GatewaySizesTest::AreForgottenWithTheRun()
     bench.Serve(c_Path, "content");
     bench.Open();
     bench.Door->Plan({Planned(c_Path)});
-    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Held == 7; }));
+    QVERIFY(Becomes([&] { return bench.Door->Snapshot().Received == 7; }));
     bench.Serve(c_Path, "another content");
     bench.Door->BeginRun(GatewayBench::Source::Server);
     QVERIFY(!bench.Door->SizeOf(c_Path.toStdString()));
