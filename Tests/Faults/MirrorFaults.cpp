@@ -15,12 +15,20 @@ QString const c_Large = QStringLiteral("Data/large.MPQ");
 /// A game with two mirrors, one of which is spoiled.
 struct MirrorGame {
     QString LargePath() const { return Game.Content.ServerPath(c_Large); }
-    void AddLarge()
-    {
-        Game.Content.Files.insert(Game.Content.Files.begin() + 1,
-                                  {c_Large, SampleContent::Bytes(c_LargeBytes, 9)});
-    }
     void Publish() { Game.Content.Publish(Game.Server, {&Bad, &Good}); }
+    /// With a large file, which comes over lines that are no faster than real ones.
+    void PublishLarge()
+    {
+        constexpr int c_PieceBytes = 40'000;
+        constexpr int c_PauseMilliseconds = 10;
+
+        Game.Content.Files.insert(Game.Content.Files.begin(),
+                                  {c_Large, SampleContent::Bytes(c_LargeBytes, 9)});
+        Publish();
+        for (ScriptedServer* const mirror : {&Bad, &Good})
+            mirror->Script("GET " + LargePath())
+                .Always(Answer::Drip(c_PieceBytes, c_PauseMilliseconds));
+    }
 
     FaultGame Game;
     ScriptedServer Bad;
@@ -37,7 +45,7 @@ struct MirrorFault {
 /// A connection that is refused leaves no trace: without a large file it is counted as struck.
 int Injected(MirrorGame const& p_Game)
 {
-    bool const isTold = p_Game.Game.Content.Files[1].Path == c_Large;
+    bool const isTold = p_Game.Game.Content.Files[0].Path == c_Large;
     return isTold && p_Game.Bad.BodyBytes(p_Game.LargePath()) == 0 ? 0 : 1;
 }
 
@@ -111,8 +119,7 @@ constexpr int c_BeforeDeath = 100'000;
 
 void OneWillDieInAChunk(MirrorGame& p_Game)
 {
-    p_Game.AddLarge();
-    p_Game.Publish();
+    p_Game.PublishLarge();
     p_Game.Bad.Script("GET " + p_Game.LargePath()).Always(Answer::SilentAfter(c_BeforeDeath));
 }
 
@@ -149,9 +156,8 @@ void OneIsSlow(MirrorGame& p_Game)
     constexpr int c_Piece = 8'000;
     constexpr int c_PauseMilliseconds = 20;
 
-    p_Game.AddLarge();
-    p_Game.Publish();
-    p_Game.Bad.Script("GET *").Always(Answer::Drip(c_Piece, c_PauseMilliseconds));
+    p_Game.PublishLarge();
+    p_Game.Bad.Script("GET " + p_Game.LargePath()).Always(Answer::Drip(c_Piece, c_PauseMilliseconds));
 }
 
 void TheFastOneGivesMost(MirrorGame& p_Game)
@@ -165,15 +171,13 @@ void TheFastOneGivesMost(MirrorGame& p_Game)
 
 void OneHasOtherBytes(MirrorGame& p_Game)
 {
-    p_Game.AddLarge();
-    p_Game.Publish();
+    p_Game.PublishLarge();
     p_Game.Bad.Serve(p_Game.LargePath(), QByteArray(c_LargeBytes, 'o'));
 }
 
 void OneHasAnotherLength(MirrorGame& p_Game)
 {
-    p_Game.AddLarge();
-    p_Game.Publish();
+    p_Game.PublishLarge();
     p_Game.Bad.Serve(p_Game.LargePath(), SampleContent::Bytes(c_LargeBytes / 2, 9));
 }
 
