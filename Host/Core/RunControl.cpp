@@ -213,6 +213,9 @@ void RunControl::AfterPump()
     } else if (CurrentStep == Step::Running && !IsSuspended() && Context.Watch.Observe()) {
         OnQuiet();
     }
+    // After a drop a refused file would be asked for without end. It is passed over.
+    if (CurrentStep == Step::Running && !Paused && Context.Ledger.ComesNoFurther())
+        StopTransfer();
     ShowProgress();
 }
 

@@ -23,6 +23,8 @@ TransferLedger::TransferLedger(Launcher::Application& p_Application,
 {
     // By name and at once: the object's class is the module's own, and the signal comes from the
     // download thread itself.
+    connect(&p_Application, SIGNAL(OnHTTPDownloadRestarted(HTTP_DownloadFileRequest*)), this,
+            SLOT(OnRestarted(HTTP_DownloadFileRequest*)), Qt::DirectConnection);
     connect(&p_Application, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
             SLOT(OnComplete(HTTP_DownloadFileRequest*)), Qt::DirectConnection);
     connect(&p_Application, SIGNAL(OnHTTPDownloadProgressComplete(HTTP_DownloadFileRequest*)), this,
@@ -47,9 +49,27 @@ quint32 TransferLedger::Count() const
     return Ended;
 }
 
+bool TransferLedger::ComesNoFurther() const
+{
+    // One that goes on well needs two of them: one at its end, one from its start.
+    constexpr int c_TooMany = 3;
+
+    QMutexLocker const lock(&Mutex);
+    return FruitlessRestarts >= c_TooMany;
+}
+
+void TransferLedger::OnRestarted(HTTP_DownloadFileRequest* p_Request)
+{
+    QMutexLocker const lock(&Mutex);
+    bool const hasGained = p_Request->BytesOnDisk != BytesAtRestart;
+    FruitlessRestarts = hasGained ? 1 : FruitlessRestarts + 1;
+    BytesAtRestart = p_Request->BytesOnDisk;
+}
+
 void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
 {
     QMutexLocker const lock(&Mutex);
+    FruitlessRestarts = 0;
     Ending.insert(p_Request);
     ++Ended;
 }

@@ -28,13 +28,17 @@ public:
     bool IsEmpty() const;
     /// Transfers that have ended since the start.
     quint32 Count() const;
+    /// Whether the transfer in flight has been begun anew again and again without a byte more: the
+    /// module would go on with that for ever.
+    bool ComesNoFurther() const;
 
 Q_SIGNALS:
     /// The module has handled the end of a transfer and wants the next one.
     void Handled();
 
 private Q_SLOTS:
-    /// Called on the download thread.
+    /// These two are called on the download thread.
+    void OnRestarted(HTTP_DownloadFileRequest* p_Request);
     void OnComplete(HTTP_DownloadFileRequest* p_Request);
     /// Called behind the module's own handling of the completion.
     void OnHandled(HTTP_DownloadFileRequest* p_Request);
@@ -46,6 +50,8 @@ private:
     mutable QMutex Mutex;
     std::set<HTTP_DownloadFileRequest*> Ending;
     quint32 Ended = 0;
+    int FruitlessRestarts = 0; ///< of the transfer in flight, in a row
+    qint64 BytesAtRestart = 0;
 };
 
 } // namespace Varnholt::Host

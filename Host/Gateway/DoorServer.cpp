@@ -196,8 +196,8 @@ void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
         p_Response.set_header("Content-Type", c_ContentType);
         return;
     }
-    auto const give = [this, reader = Source.Open(p_Path, offset)](std::size_t,
-                                                                   httplib::DataSink& p_Sink) {
+    auto const give = [this, reader = Source.Open(p_Path, offset, head.Size)](
+                          std::size_t, httplib::DataSink& p_Sink) {
         return HandOn(Source, *reader, p_Sink);
     };
     if (head.Size)

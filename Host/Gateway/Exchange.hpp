@@ -77,7 +77,9 @@ public:
     // For clients of the door, on their threads.
     DocumentAnswer FetchDocument(std::string const& p_Path);
     FileHead FetchHead(std::string const& p_Path, bool p_OfDefaultServer);
-    std::shared_ptr<Reader> Open(std::string const& p_Path, std::uint64_t p_Offset);
+    /// \param p_Size as the client was told: it may have changed since
+    std::shared_ptr<Reader> Open(std::string const& p_Path, std::uint64_t p_Offset,
+                                 std::optional<std::uint64_t> p_Size);
     /// Waits a moment when there is nothing.
     Given Next(Reader& p_Reader, FileContent::Bytes& p_Bytes);
 

@@ -4,7 +4,8 @@
 
 namespace Varnholt::Gateway {
 
-std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std::uint64_t p_Offset)
+std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std::uint64_t p_Offset,
+                                                 std::optional<std::uint64_t> p_Size)
 {
     Lock const lock(Guard);
     File const file = FileOf(p_Path, false);
@@ -18,7 +19,7 @@ std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std:
     std::shared_ptr<Reader> const reader(new Reader, leave);
     reader->File = file;
     reader->At = p_Offset;
-    reader->Size = file->Size;
+    reader->Size = p_Size;
     reader->Run = Run;
     Readers.push_back(reader.get());
     ++file->Readers;

@@ -157,7 +157,8 @@ void OneIsSlow(MirrorGame& p_Game)
     constexpr int c_PauseMilliseconds = 20;
 
     p_Game.PublishLarge();
-    p_Game.Bad.Script("GET " + p_Game.LargePath()).Always(Answer::Drip(c_Piece, c_PauseMilliseconds));
+    p_Game.Bad.Script("GET " + p_Game.LargePath())
+        .Always(Answer::Drip(c_Piece, c_PauseMilliseconds));
 }
 
 void TheFastOneGivesMost(MirrorGame& p_Game)

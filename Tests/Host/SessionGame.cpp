@@ -136,7 +136,7 @@ bool SessionGame::WaitForPart(QString const& p_File, qint64 p_Bytes)
 
 QString SessionGame::Sentence() const
 {
-    return Result().Problem ? Result().Problem->Sentence() : QString();
+    return !Results.empty() && Result().Problem ? Result().Problem->Sentence() : QString();
 }
 
 std::vector<Host::RunPhase> SessionGame::Phases() const

@@ -50,6 +50,7 @@ public:
 
     /// Of the last run that ended.
     Host::RunResult const& Result() const { return Results.back(); }
+    /// Of its failure; empty when there was none, or no end.
     QString Sentence() const;
     /// The phases since the last start, each as often as it was entered.
     std::vector<Host::RunPhase> Phases() const;
