@@ -23,6 +23,7 @@ class HostServerFailuresTest : public QObject {
 private Q_SLOTS:
     void AFileThatCannotBeHadIsNamedAndTheRestArrives_data();
     void AFileThatCannotBeHadIsNamedAndTheRestArrives();
+    void AFileThatIsRefusedAfterADropIsNamedAndTheRestArrives();
     void AFileWhoseServerClosesEachTimeIsGivenUp();
     void ASizeThatCannotBeHadIsNamedAndAskedForAgain();
     void ASizeThatComesLateIsWaitedFor();
@@ -78,6 +79,29 @@ void HostServerFailuresTest::AFileThatCannotBeHadIsNamedAndTheRestArrives()
     asked.removeDuplicates();
     QCOMPARE(asked, QStringList(file));
     QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostServerFailuresTest::AFileThatIsRefusedAfterADropIsNamedAndTheRestArrives()
+{
+    constexpr int c_Arrived = 20000;
+
+    SessionGame game;
+    game.AddFiles().Publish();
+    QString const file = QStringLiteral("Data/base.MPQ");
+    QString const path = "GET " + game.Content.ServerPath(file);
+    game.Server.Script(path).Then(Answer::Truncated(c_Arrived));
+    game.Server.Script(path).Always(Answer::Status(404, c_Page));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("files-given-up"));
+    QVERIFY2(game.Sentence().contains(file), qPrintable(game.Sentence()));
+    QVERIFY2(game.Sentence().contains("HTTP status 404"), qPrintable(game.Sentence()));
+    QCOMPARE(game.Wrong(), QStringList(file));
+    QCOMPARE(game.Read(file + ".part").size(), c_Arrived);
+
+    game.Server.ClearScript(path);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QVERIFY(game.WasResumedAt(file, c_Arrived));
 }
 
 void HostServerFailuresTest::AFileWhoseServerClosesEachTimeIsGivenUp()
