@@ -1,5 +1,5 @@
-#include "Tests/Operating/Certificates.hpp"
 #include "Tests/Gateway/GatewayBench.hpp"
+#include "Tests/Operating/Certificates.hpp"
 #include "Tests/Operating/NginxServer.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
