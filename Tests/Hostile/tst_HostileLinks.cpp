@@ -214,8 +214,7 @@ void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen()
     HostileGame game;
     game.Begin();
     QString const first = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script(first).Then(Answer::Normal()); // the question for its size
-    game.Server.Script(first).Then(Answer::SilentAfter(1000));
+    game.Server.Script("GET " + first).Then(Answer::SilentAfter(1000));
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/base.MPQ", 1000));
     game.Link(Link, Target.replace("(out)", game.Outside.Path()));
