@@ -59,6 +59,7 @@ private Q_SLOTS:
     void SendsWithoutEndUntilTheClientHasGone();
     void CountsTheAnswersUnderWay();
     void ServesOnSeveralAddresses();
+    void CanBeAwayForAWhile();
 };
 
 void ScriptedServerTest::ServesFilesWholeAndByRange()
@@ -268,6 +269,16 @@ void ScriptedServerTest::ServesOnSeveralAddresses()
     QCOMPARE(Get(second, "/a").Body, QByteArray("2"));
     second.Stop();
     QCOMPARE(Get(second, "/a").Error, QNetworkReply::ConnectionRefusedError);
+}
+
+void ScriptedServerTest::CanBeAwayForAWhile()
+{
+    ScriptedServer server;
+    server.Serve("/a", "a");
+    server.Stop();
+    QCOMPARE(Get(server, "/a").Error, QNetworkReply::ConnectionRefusedError);
+    server.Restart();
+    QCOMPARE(Get(server, "/a").Body, QByteArray("a"));
 }
 
 } // namespace Varnholt::TestSupport
