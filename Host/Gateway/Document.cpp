@@ -21,7 +21,8 @@ std::size_t Document::MostBytes() const
 {
     constexpr std::size_t c_MiB = 1024UL * 1024;
 
-    bool const isShort = IsHostList() || EndsWith(Path, "/version.json");
+    bool const isShort =
+        IsHostList() || EndsWith(Path, "/version.json") || EndsWith(Path, "/version_dev.json");
     return isShort ? c_MiB : 48 * c_MiB;
 }
 

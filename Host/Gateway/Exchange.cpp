@@ -21,6 +21,7 @@ Exchange::~Exchange()
     Loop.Stop();
     if (Thread.joinable())
         Thread.join();
+    Forget(); // files and what brings them hold each other
 }
 
 void Exchange::Begin(std::string const& p_Name)
@@ -52,7 +53,7 @@ TimePoint Exchange::Turn()
         StartQuestions();
         StartDocuments(now);
         for (auto const& row : DocumentsByPath)
-            if (!row.second->IsDone && row.second->Transfer == 0)
+            if (!row.second->IsDone && row.second->Transfer == 0 && !CopiesProblem && !GaveUp)
                 next = std::min(next, row.second->NotBefore);
         if (IsRunning && !Paused && !GaveUp && From != Gateway::Source::Copies) {
             StartFiles(now);
@@ -101,6 +102,8 @@ void Exchange::EndRun()
 /// Leaves nothing of a run; whoever waits for something of it goes on without.
 void Exchange::Forget()
 {
+    for (auto const& row : Files)
+        Drop(*row.second);
     ++Run; // what is under way reports to nobody from here on
     ToCancel.insert(ToCancel.end(), UnderWay.begin(), UnderWay.end());
     UnderWay.clear();
@@ -117,8 +120,8 @@ void Exchange::Forget()
     SizesFirst = SizesOnly = false;
     Queries = Transfers = 0;
     Board.BeginRun();
-    Held = 0;
-    Paused = IsRateBlocked = IsRoomBlocked = WasWaitedFor = false;
+    Held = Expected = 0;
+    Paused = IsRateBlocked = IsRoomBlocked = WantsRoom = WasWaitedFor = false;
     LastByte = {};
     Received = 0;
     Meter.Clear();

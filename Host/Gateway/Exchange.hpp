@@ -102,7 +102,7 @@ private:
     void StartDocument(std::shared_ptr<Document> const& p_Document);
     void OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem);
     void Finish(Document& p_Document, std::optional<FetchProblem> const& p_Problem);
-    void UseMirrors(std::string const& p_List);
+    bool UseMirrors(std::string const& p_List);
     void TurnToCopies(FetchProblem const& p_Problem);
     DocumentAnswer CopyOf(std::string const& p_Path);
     DocumentAnswer AnswerOf(Document const& p_Document) const;
@@ -181,10 +181,12 @@ private:
     int HeadsWaited = 0; ///< clients that wait for headers
     int Transfers = 0;
     int Queries = 0;
-    std::uint64_t Held = 0;
+    std::uint64_t Held = 0;     ///< bytes in memory and those on their way there
+    std::uint64_t Expected = 0; ///< of these, those on their way
     bool Paused = false;
     bool IsRateBlocked = false; ///< some transfer waits for the limit
-    bool IsRoomBlocked = false; ///< some transfer, or the plan, waits for room
+    bool IsRoomBlocked = false; ///< some transfer waits for room
+    bool WantsRoom = false;     ///< the plan waits for room
     TimePoint WaitedSince;
     bool WasWaitedFor = false;
     TimePoint LastByte;

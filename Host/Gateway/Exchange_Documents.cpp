@@ -181,25 +181,25 @@ void Exchange::Finish(Document& p_Document, std::optional<FetchProblem> const& p
     p_Document.IsDone = true;
     if (!p_Problem) {
         LastByte = Clock::now();
+        Latest.reset();
         FetchedDocuments[p_Document.Path] = p_Document.Body;
     }
-    if (p_Document.IsHostList()) {
-        UseMirrors(p_Problem ? std::string() : *p_Document.Body);
-        std::vector<std::string> addresses;
-        if (!p_Problem && !HostList::Read(*p_Document.Body, Options.HttpsMirrors, addresses)) {
-            p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.Url,
-                                              "it is no list of hosts", 0};
-            FetchedDocuments.erase(p_Document.Path);
-        }
+    if (p_Document.IsHostList() && !p_Problem && !UseMirrors(*p_Document.Body)) {
+        p_Document.Problem =
+            FetchProblem{FetchProblem::Type::Unusable, p_Document.Url, "it is no list of hosts", 0};
+        FetchedDocuments.erase(p_Document.Path);
     }
     Changed.notify_all();
 }
 
-void Exchange::UseMirrors(std::string const& p_List)
+/// \return false when it is no list of hosts: those that are known stay
+bool Exchange::UseMirrors(std::string const& p_List)
 {
     std::vector<std::string> addresses;
-    HostList::Read(p_List, Options.HttpsMirrors, addresses);
+    if (!HostList::Read(p_List, Options.HttpsMirrors, addresses))
+        return false;
     Board.SetMirrors(addresses);
+    return true;
 }
 
 void Exchange::StartQuestions()

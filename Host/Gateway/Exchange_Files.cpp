@@ -45,6 +45,7 @@ std::string RangeText(FileContent::Gap const& p_Piece)
 /// What clients wait for first, then what the plan says that they will ask for.
 void Exchange::StartFiles(TimePoint p_Now)
 {
+    WantsRoom = false;
     for (Reader* const reader : Readers)
         if (reader->Run == Run && reader->Starves &&
             !FetchGaps(reader->File, reader->At, true, p_Now))
@@ -85,7 +86,7 @@ bool Exchange::FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWait
             server->IgnoresRanges ? Span::c_BlockBytes : piece.End - piece.Begin;
         if (!HasRoom(bytes)) {
             if (!p_IsWaitedFor || gap->Begin != p_From) {
-                IsRoomBlocked = true;
+                WantsRoom = true;
                 return false;
             }
             MakeRoom(bytes);
@@ -93,18 +94,6 @@ bool Exchange::FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWait
         StartTransfer(p_File, piece, server, p_Now);
     }
     return true;
-}
-
-/// Whether a server may be asked for a file.
-ServerBoard::Filter Exchange::Allowed(FileContent const& p_File) const
-{
-    auto const only = p_File.HasOneSource ? p_File.OnlyFrom.lock() : nullptr;
-    return [&p_File, only](Server const& p_Server) {
-        bool const isRefused = p_File.RefusedBy.count(&p_Server) != 0;
-        bool const isWrong = p_File.Wrong.count(&p_Server) != 0;
-        return !isRefused && !isWrong && (!p_File.OfDefaultServer || p_Server.IsDefault) &&
-               (!only || only.get() == &p_Server || only->IsOnTrial());
-    };
 }
 
 void Exchange::StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
@@ -192,7 +181,9 @@ bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 bool Exchange::OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 {
     FileContent& file = *p_Transfer.File;
-    p_Transfer.From->IgnoresRanges = true;
+    // Of a file that is no longer than what was asked for, the whole is a good answer.
+    bool const isAll = p_Transfer.Begin == 0 && p_Head.Length <= p_Transfer.Part->End;
+    p_Transfer.From->IgnoresRanges |= !isAll || !p_Head.Length;
     if (p_Head.IsEncoded && !p_Transfer.From->IsDefault) {
         p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
                                           "it is packed, which nobody has asked for", 0};
@@ -221,7 +212,7 @@ bool Exchange::OnBehindEnd(FileTransfer& p_Transfer, AnswerHead const& p_Head)
         LearnSize(p_Transfer, *p_Head.Total);
         return false;
     }
-    p_Transfer.From->IgnoresRanges = true; // perhaps it gives the whole
+    p_Transfer.From->IgnoresRanges |= p_Transfer.Begin == 0; // perhaps it gives the whole
     p_Transfer.Problem = StatusProblem(p_Head.Status, p_Transfer.Url);
     return false;
 }
@@ -290,37 +281,6 @@ void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p
     file.Tidy();
     Recount(file);
     Changed.notify_all();
-}
-
-void Exchange::NoteFailure(FileTransfer& p_Transfer, FetchProblem const& p_Problem)
-{
-    FileContent& file = *p_Transfer.File;
-    Fail(p_Problem);
-    file.Problem = p_Problem;
-    if (p_Transfer.IsRefused)
-        Refuse(file, *p_Transfer.From, p_Problem);
-    else
-        Board.NoteFailure(*p_Transfer.From, p_Transfer.RetryAfter, Clock::now());
-    if (!file.Size && !file.HasNoSize && !file.IsAsked && !file.Refusal)
-        SizesWanted.push_back(p_Transfer.File);
-}
-
-void Exchange::Refuse(FileContent& p_File, Server& p_Server, FetchProblem const& p_Problem)
-{
-    constexpr int c_MostRefusals = 3; // a mirror that lacks more than that lacks everything
-
-    p_File.RefusedBy.insert(&p_Server);
-    if (++p_Server.Refusals > c_MostRefusals && !p_Server.IsDefault)
-        Board.NoteFailure(p_Server, 0, Clock::now());
-    auto const allowed = Allowed(p_File);
-    auto const& servers = Board.All();
-    bool const isHopeless =
-        std::none_of(servers.begin(), servers.end(),
-                     [&](std::shared_ptr<Server> const& p_Other) { return allowed(*p_Other); });
-    if (isHopeless)
-        p_File.Refusal = p_Problem;
-    p_File.RefusedAt = Clock::now();
-    SizesKnown.reset();
 }
 
 } // namespace Varnholt::Gateway

@@ -83,7 +83,7 @@ void Exchange::Release(FileContent& p_File)
         span.Release(least);
     p_File.Tidy();
     Recount(p_File);
-    if (IsRoomBlocked)
+    if (IsRoomBlocked || WantsRoom)
         Loop.Wake();
 }
 

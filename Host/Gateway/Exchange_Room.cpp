@@ -7,8 +7,11 @@ namespace Varnholt::Gateway {
 void Exchange::Recount(FileContent& p_File)
 {
     std::uint64_t const held = p_File.Held();
+    std::uint64_t const expected = p_File.Expected();
     Held += held - p_File.Counted;
+    Expected += expected - p_File.CountedExpected;
     p_File.Counted = held;
+    p_File.CountedExpected = expected;
 }
 
 /// Disowns a transfer; what it has brought stays.
@@ -63,10 +66,11 @@ void Exchange::RelieveSlowOnes(TimePoint p_Now)
 
     if (Transfers >= Options.Connections)
         return;
-    for (auto const& reader : Readers)
+    for (Reader const* const reader : Readers)
         for (Span& span : reader->File->Spans) {
             double const elapsed = SecondsBetween(span.Started, p_Now);
-            if (!span.IsUnderWay() || span.IsStream || elapsed < c_Least || Limit.IsSet())
+            if (reader->Run != Run || !span.IsUnderWay() || span.IsStream || elapsed < c_Least ||
+                Limit.IsSet())
                 continue;
             auto const allowed = Allowed(*reader->File);
             auto const other = Board.ForContent(

@@ -165,7 +165,8 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
         p_Query.Problem = StatusProblem(status, p_Query.Url);
         bool const isOfHead = p_Query.IsHeadRequest && status != c_NotFound && status != c_Gone &&
                               (status < c_FirstServerError || status == c_NotImplemented) &&
-                              status >= c_FirstError && p_Head.RetryAfter == 0;
+                              status >= c_FirstError && p_Head.RetryAfter == 0 &&
+                              (IsOfTheFile(status) || status == c_NotImplemented);
         p_Query.From->RefusesHead |= isOfHead;
         p_Query.IsRefused = !isOfHead && IsOfTheFile(status);
         p_Query.IsSettled = !isOfHead;
@@ -188,6 +189,7 @@ void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> con
         NoteFailure(p_Query, *problem);
     else {
         LastByte = Clock::now();
+        Latest.reset();
         p_Query.From->Failures = p_Query.From->Refusals = 0;
     }
     if ((!file->Size && !file->HasNoSize && !file->Refusal) || file->IsDisputed)
@@ -212,8 +214,8 @@ bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
     }
     if (*file.Size == p_Size)
         return true;
-    if (server
-            .IsDefault) { // nothing that came before fits: clients begin anew, and so does the file
+    // Nothing that came before fits: clients begin anew, and so does the file.
+    if (server.IsDefault) {
         Drop(file);
         file.Size = p_Size;
         file.SizeFrom = p_Transfer.From;

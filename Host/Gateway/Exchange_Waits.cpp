@@ -52,7 +52,7 @@ FetchProblem Exchange::Silence() const
             url = row.second->Url;
     for (Reader const* const reader : Readers)
         for (Span const& span : reader->File->Spans)
-            if (reader->Starves && span.IsUnderWay())
+            if (reader->Run == Run && reader->Starves && span.IsUnderWay())
                 url = span.By->Url;
     return {FetchProblem::Type::Silent, url, "no answer in time", 0};
 }
@@ -64,6 +64,8 @@ void Exchange::CheckWaits(TimePoint p_Now)
     if (isWaitedFor && !WasWaitedFor)
         WaitedSince = p_Now;
     WasWaitedFor = isWaitedFor;
+    if (IsRateBlocked) // that is no silence of a server's
+        LastByte = p_Now;
     if (!isWaitedFor || GaveUp || Options.RetryFor == Options.RetryFor.zero())
         return;
     if (p_Now - std::max(LastByte, WaitedSince) < Options.RetryFor)
@@ -81,7 +83,7 @@ GatewaySnapshot Exchange::Snapshot() const
     GatewaySnapshot snapshot;
     snapshot.Received = Received;
     snapshot.Rate = Paused ? 0 : Meter.Rate(now);
-    snapshot.Held = Held;
+    snapshot.Held = Held - Expected;
     snapshot.Server = LatestServer ? LatestServer->Name : std::string();
     for (std::shared_ptr<Server> const& server : Board.All())
         if (server->Received > 0 || server->Failures > 0 || server->WrongFiles > 0)

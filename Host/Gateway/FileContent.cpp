@@ -81,10 +81,18 @@ std::list<Span>::iterator FileContent::Insert(Span p_Span)
 
 std::uint64_t FileContent::Held() const
 {
-    std::uint64_t held = 0;
+    std::uint64_t held = Expected();
     for (Span const& span : Spans)
-        held += span.Held() + span.Expected();
+        held += span.Held();
     return held;
+}
+
+std::uint64_t FileContent::Expected() const
+{
+    std::uint64_t expected = 0;
+    for (Span const& span : Spans)
+        expected += span.Expected();
+    return expected;
 }
 
 } // namespace Varnholt::Gateway

@@ -89,6 +89,7 @@ public:
     bool IsDelivered = false;
     bool IsReadFromStart = false; ///< by a client of this run: all of it came from `Contributors`
     std::uint64_t Counted = 0;    ///< bytes that it was last known to hold
+    std::uint64_t CountedExpected = 0;
     std::set<std::shared_ptr<Server>> Contributors;
     std::set<Server const*> Wrong;  ///< those whose bytes were rejected
     std::weak_ptr<Server> OnlyFrom; ///< after bytes of several were rejected together
@@ -104,7 +105,10 @@ public:
     void Tidy();
     /// A new one in its place.
     std::list<Span>::iterator Insert(Span p_Span);
+    /// Bytes in memory and those that are sure to come.
     std::uint64_t Held() const;
+    /// Those that are sure to come.
+    std::uint64_t Expected() const;
 };
 
 } // namespace Varnholt::Gateway

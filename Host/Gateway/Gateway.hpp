@@ -21,7 +21,8 @@ struct PlannedFile {
     bool OfDefaultServer = false; ///< no mirror may give it
 };
 
-/// One question to one server, past everything that the door does for files.
+/// One question to one server, past everything that the door does for files: no limit of the rate,
+/// no second try, and the end of a run does not end it.
 struct Question {
     std::string Server;                            ///< base address, ends in "/"
     std::string Path;                              ///< below it, percent-encoded
@@ -91,7 +92,7 @@ public:
     /// others.
     void Reject(std::string const& p_Path);
 
-    /// Takes nothing more from the network until `Continue`; what has arrived is handed on.
+    /// Takes no more content from the network until `Continue`; what has arrived is handed on.
     void Pause();
     void Continue();
     /// \param p_BytesPerSecond 0: as fast as it comes

@@ -26,12 +26,11 @@ struct GatewaySnapshot {
         std::chrono::milliseconds NextAttempt{0}; ///< 0: under way
     };
 
-    std::uint64_t Received = 0; ///< bytes of content since the run began, from the network
-    std::uint64_t Rate = 0;     ///< bytes per second over the last seconds; 0 while paused
-    std::uint64_t Held = 0;     ///< bytes in memory
-    std::string Server;         ///< that gave the latest bytes
-    std::vector<ServerFigures>
-        Servers; ///< those that were asked in this run, the default one first
+    std::uint64_t Received = 0;         ///< bytes of content since the run began, from the network
+    std::uint64_t Rate = 0;             ///< bytes per second over the last seconds; 0 while paused
+    std::uint64_t Held = 0;             ///< bytes in memory
+    std::string Server;                 ///< that gave the latest bytes
+    std::vector<ServerFigures> Servers; ///< that gave bytes or failed, the default one first
     std::optional<Wait> Waits;
     std::optional<FetchProblem> GaveUp; ///< nothing has come for as long as is allowed
     std::optional<FetchProblem> Copies; ///< copies are handed out, and why

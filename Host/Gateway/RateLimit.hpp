@@ -12,7 +12,6 @@ public:
     /// \param p_BytesPerSecond 0: no limit
     void Set(std::uint64_t p_BytesPerSecond, TimePoint p_Now);
     bool IsSet() const { return Rate != 0; }
-    std::uint64_t BytesPerSecond() const { return Rate; }
 
     bool MayTake(TimePoint p_Now);
     /// May take more than there is: what follows waits for it.

@@ -48,6 +48,8 @@ void ServerBoard::SetMirrors(std::vector<std::string> const& p_Addresses)
 {
     Servers.resize(1);
     for (std::string const& address : p_Addresses) {
+        if (address == Servers.front()->Address)
+            continue;
         std::shared_ptr<Server>& server = Known[address];
         if (!server)
             server = NewServer(address, false);
@@ -126,11 +128,14 @@ void ServerBoard::NoteFailure(Server& p_Server, int p_RetryAfterSeconds, TimePoi
     constexpr int c_MostDoublings = 6;
     constexpr Milliseconds c_LongestPause{30'000};
 
-    Milliseconds const pause =
-        std::min(RetryPause * (1 << std::min(p_Server.Failures, c_MostDoublings)), c_LongestPause);
-    ++p_Server.Failures;
-    p_Server.NotBefore =
-        p_Now + std::max<Milliseconds>(pause, std::chrono::seconds(p_RetryAfterSeconds));
+    TimePoint const asked = p_Now + std::chrono::seconds(p_RetryAfterSeconds);
+    if (p_Server.IsAskable(p_Now)) { // else what it has failed at before is the same outage
+        Milliseconds const pause = std::min(
+            RetryPause * (1 << std::min(p_Server.Failures, c_MostDoublings)), c_LongestPause);
+        ++p_Server.Failures;
+        p_Server.NotBefore = p_Now + pause;
+    }
+    p_Server.NotBefore = std::max(p_Server.NotBefore, asked);
 }
 
 void ServerBoard::NoteWrongFile(Server& p_Server, TimePoint p_Now)

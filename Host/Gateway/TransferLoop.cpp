@@ -52,12 +52,6 @@ void TransferLoop::Cancel(Id p_Transfer)
     Transfers.erase(found);
 }
 
-bool TransferLoop::HasPaused() const
-{
-    return std::any_of(Transfers.begin(), Transfers.end(),
-                       [](auto const& p_Row) { return p_Row.second->IsPaused(); });
-}
-
 void TransferLoop::ResumePaused()
 {
     std::vector<Transfer*> paused;

@@ -26,7 +26,6 @@ public:
     void Cancel(Id p_Transfer);
     /// Hands its bytes again to all that did not take them.
     void ResumePaused();
-    bool HasPaused() const;
 
     /// \param p_OnTurn called before each wait; tells when it wants to be called again at the
     /// latest

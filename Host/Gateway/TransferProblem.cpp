@@ -2,6 +2,8 @@
 
 #include "Host/Gateway/HostList.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 
@@ -37,6 +39,22 @@ std::string WithPort(std::string const& p_Url)
     return name + (p_Url.rfind("https:", 0) == 0 ? ":443" : ":80");
 }
 
+/// Without the brackets of an IPv6 address, and whatever the case of a name.
+bool IsSamePeer(std::string const& p_One, std::string const& p_Other)
+{
+    auto const plain = [](std::string p_Text) {
+        p_Text.erase(std::remove_if(
+                         p_Text.begin(), p_Text.end(),
+                         [](char p_Character) { return p_Character == '[' || p_Character == ']'; }),
+                     p_Text.end());
+        std::transform(p_Text.begin(), p_Text.end(), p_Text.begin(), [](unsigned char p_Character) {
+            return static_cast<char>(std::tolower(p_Character));
+        });
+        return p_Text;
+    };
+    return plain(p_One) == plain(p_Other);
+}
+
 std::string SystemCause(CURL* p_Easy)
 {
     long error = 0;
@@ -64,11 +82,11 @@ FetchProblem Unconnected(CURL* p_Easy, std::string const& p_Url, std::string con
 {
     std::string const peer = PeerIn(p_Text);
     std::string const cause = SystemCause(p_Easy);
-    if (peer.empty() || peer == WithPort(p_Url))
+    if (peer.empty() || IsSamePeer(peer, WithPort(p_Url)))
         return {Type::Unreachable, p_Url, cause, 0};
     char const* last = nullptr; // address of a redirection
     curl_easy_getinfo(p_Easy, CURLINFO_EFFECTIVE_URL, &last);
-    if (last != nullptr && peer == WithPort(last))
+    if (last != nullptr && IsSamePeer(peer, WithPort(last)))
         return {Type::Unreachable, p_Url, "redirected to " + peer + ": " + cause, 0};
     return {Type::ProxyUnreachable, p_Url, "the proxy " + peer + " cannot be reached: " + cause, 0};
 }
@@ -78,6 +96,13 @@ FetchProblem Unconnected(CURL* p_Easy, std::string const& p_Url, std::string con
 FetchProblem TransferProblem(CURL* p_Easy, CURLcode p_Code, std::string const& p_Url,
                              std::string const& p_Text)
 {
+    constexpr long c_FirstOther = 300;
+
+    long answer = 0; // of a proxy that is asked for a way through
+    curl_easy_getinfo(p_Easy, CURLINFO_HTTP_CONNECTCODE, &answer);
+    if (answer >= c_FirstOther)
+        return {Type::ProxyUnreachable, p_Url,
+                "the proxy answers with HTTP status " + std::to_string(answer), 0};
     switch (p_Code) {
     case CURLE_COULDNT_CONNECT:
         return Unconnected(p_Easy, p_Url, p_Text);
