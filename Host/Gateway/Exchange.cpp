@@ -21,6 +21,8 @@ Exchange::~Exchange()
     Loop.Stop();
     if (Thread.joinable())
         Thread.join();
+    Lock const lock(Guard);
+    Forget();
 }
 
 void Exchange::Begin(std::string const& p_Name)
@@ -109,6 +111,8 @@ void Exchange::Forget()
     FetchedDocuments.clear();
     CopiesProblem.reset();
     DocumentsByPath.clear();
+    for (auto const& row : Files)
+        Drop(*row.second); // a file and its transfers keep each other
     Files.clear();
     Planned.clear();
     SizesWanted.clear();
