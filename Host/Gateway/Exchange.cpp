@@ -21,6 +21,7 @@ Exchange::~Exchange()
     Loop.Stop();
     if (Thread.joinable())
         Thread.join();
+    Lock const lock(Guard);
     Forget(); // files and what brings them hold each other
 }
 
@@ -112,6 +113,8 @@ void Exchange::Forget()
     FetchedDocuments.clear();
     CopiesProblem.reset();
     DocumentsByPath.clear();
+    for (auto const& row : Files)
+        Drop(*row.second); // a file and its transfers keep each other
     Files.clear();
     Planned.clear();
     SizesWanted.clear();

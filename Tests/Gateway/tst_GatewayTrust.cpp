@@ -42,9 +42,8 @@ private Q_SLOTS:
 
     void ARedirectionToADeadServerIsTold();
     void AProxyIsUsed();
-    void ADeadProxyIsNamed();
+    void ADeadProxyIsNamedWithoutItsPassword();
     void TheProxyOfTheEnvironmentIsUsed();
-    void NoProblemTellsTheProxysPassword();
 
 private:
     /// Headers of that name that a server has got; a request without it counts as an empty one.
@@ -278,19 +277,20 @@ void GatewayTrustTest::AProxyIsUsed()
     QCOMPARE(Bench->Content(c_Path).Body, Bytes);
 }
 
-void GatewayTrustTest::ADeadProxyIsNamed()
+void GatewayTrustTest::ADeadProxyIsNamedWithoutItsPassword()
 {
-    QString const proxy = ScriptedServer::RefusingUrl("");
-    Bench->Options.Proxy = proxy.toStdString();
+    QString const proxy = QUrl(ScriptedServer::RefusingUrl("")).authority();
+    Bench->Options.Proxy = ("http://player:s3cret@" + proxy).toStdString();
     Bench->Options.ContentServer = "http://content.example/";
     Bench->Open();
-    QVERIFY(Bench->Document(c_Version).Status >= 500);
+    DoorReply const reply = Bench->Document(c_Version);
+    QVERIFY(reply.Status >= 500);
     FetchProblem const problem = Bench->ProblemOf(c_Version);
     QCOMPARE(problem.Kind, Kind::ProxyUnreachable);
-    QVERIFY2(problem.Cause.find("proxy") != std::string::npos, problem.Cause.c_str());
-    QVERIFY2(problem.Cause.find(QUrl(proxy).authority().toStdString()) != std::string::npos,
-             problem.Cause.c_str());
     QCOMPARE(problem.Url, "http://content.example/" + c_Version.toStdString());
+    QString const cause = QString::fromStdString(problem.Cause);
+    QVERIFY2(cause.contains("proxy") && cause.contains(proxy), qPrintable(cause));
+    QVERIFY2(!cause.contains("s3cret") && !reply.Body.contains("s3cret"), qPrintable(cause));
 }
 
 void GatewayTrustTest::TheProxyOfTheEnvironmentIsUsed()
@@ -301,19 +301,6 @@ void GatewayTrustTest::TheProxyOfTheEnvironmentIsUsed()
     Bench->Options.ContentServer = "http://content.example/";
     Bench->Open();
     QCOMPARE(Bench->Document(c_Version).Body, QByteArray("by proxy"));
-}
-
-void GatewayTrustTest::NoProblemTellsTheProxysPassword()
-{
-    Bench->Options.Proxy =
-        ScriptedServer::RefusingUrl("").replace("http://", "http://player:s3cret@").toStdString();
-    Bench->Open();
-    DoorReply const reply = Bench->Document(c_Version);
-    QVERIFY(reply.Status >= 500);
-    QVERIFY2(!reply.Body.contains("s3cret"), reply.Body);
-    FetchProblem const problem = Bench->ProblemOf(c_Version);
-    QVERIFY2(problem.Cause.find("s3cret") == std::string::npos, problem.Cause.c_str());
-    QVERIFY(problem.Url.find("s3cret") == std::string::npos);
 }
 
 } // namespace Varnholt::TestSupport
