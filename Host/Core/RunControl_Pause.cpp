@@ -39,8 +39,8 @@ bool RunControl::IsSuspended() const
     return Paused && Reader.Phase() == RunPhase::Suspended;
 }
 
-/// Called in each turn of a paused run: between two files nothing can be stopped, but the next one
-/// can, as soon as it has begun.
+/// Called in each turn of a paused run, or when a transfer comes no further: between two files
+/// nothing can be stopped, but the next one can, as soon as it has begun.
 void RunControl::StopTransfer()
 {
     Launcher::HTTP_DownloadFileRequest const* const transfer = Context.Module.CurrentDownload;
