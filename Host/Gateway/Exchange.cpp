@@ -113,8 +113,6 @@ void Exchange::Forget()
     FetchedDocuments.clear();
     CopiesProblem.reset();
     DocumentsByPath.clear();
-    for (auto const& row : Files)
-        Drop(*row.second); // a file and its transfers keep each other
     Files.clear();
     Planned.clear();
     SizesWanted.clear();

@@ -41,6 +41,8 @@ struct Reply {
 /// server and its only mirror. Behind it are the real ones, with several connections, chunks,
 /// failover, waiting, TLS, proxies and a limit of the rate.
 ///
+/// Holds at most 24 MiB of content, and with its libraries takes less than 64 MiB.
+///
 /// Lives on no thread: every operation may be called on any, and none waits for the network.
 ///
 /// 1. Construct it, give `BaseUrl()` to the module as its content server
