@@ -16,7 +16,7 @@ std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std:
         if (reader->Run == Run)
             --reader->File->Readers;
     };
-    std::shared_ptr<Reader> const reader(new Reader, leave);
+    std::shared_ptr<Reader> reader(new Reader, leave);
     reader->File = file;
     reader->At = p_Offset;
     reader->Size = p_Size;

@@ -84,7 +84,7 @@ Exchange::File Exchange::NextToQuery()
         return (isOpen || p_File.IsDisputed) && !p_File.Refusal && !p_File.IsAsked;
     };
     while (!SizesWanted.empty()) {
-        File const file = SizesWanted.front();
+        File file = SizesWanted.front();
         SizesWanted.pop_front();
         if (isWanted(*file))
             return file;

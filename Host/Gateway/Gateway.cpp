@@ -51,14 +51,14 @@ Gateway::Documents Gateway::Fetched() const
     return Details->Inner.Fetched();
 }
 
-void Gateway::Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst)
+void Gateway::Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst)
 {
-    Details->Inner.Plan(std::move(p_Files), p_SizesFirst);
+    Details->Inner.Plan(p_Files, p_SizesFirst);
 }
 
-void Gateway::AskSizes(std::vector<PlannedFile> p_Files)
+void Gateway::AskSizes(std::vector<PlannedFile> const& p_Files)
 {
-    Details->Inner.AskSizes(std::move(p_Files));
+    Details->Inner.AskSizes(p_Files);
 }
 
 std::optional<std::uint64_t> Gateway::SizeOf(std::string const& p_Path) const

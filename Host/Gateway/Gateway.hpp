@@ -81,9 +81,9 @@ public:
     /// The files in the order in which they will be asked for. Their sizes are asked for at once,
     /// their content is fetched ahead of the module, as far as memory allows. \param p_SizesFirst
     /// the module asks for sizes now, by requests that it drops: they get no content
-    void Plan(std::vector<PlannedFile> p_Files, bool p_SizesFirst = false);
+    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst = false);
     /// Asks for sizes only.
-    void AskSizes(std::vector<PlannedFile> p_Files);
+    void AskSizes(std::vector<PlannedFile> const& p_Files);
     /// None when it is not known (yet).
     std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const;
     /// How the latest attempt at a path failed; none when it did not.

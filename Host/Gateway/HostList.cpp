@@ -27,7 +27,7 @@ std::string Piece(CURLU* p_Url, CURLUPart p_Part)
     char* text = nullptr;
     if (p_Url == nullptr || curl_url_get(p_Url, p_Part, &text, 0) != CURLUE_OK)
         return {};
-    std::string const piece(text);
+    std::string piece(text);
     curl_free(text);
     return piece;
 }

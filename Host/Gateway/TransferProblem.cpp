@@ -31,7 +31,7 @@ std::string PeerIn(std::string const& p_Text)
 
 std::string WithPort(std::string const& p_Url)
 {
-    std::string const name = HostList::NameOf(p_Url);
+    std::string name = HostList::NameOf(p_Url);
     bool const hasPort = name.find(':', name.find(']') == std::string::npos ? 0 : name.find(']')) !=
                          std::string::npos;
     if (hasPort)
