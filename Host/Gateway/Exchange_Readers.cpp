@@ -47,9 +47,13 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
     auto const isThere = [&] {
         return !SizesFirst && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
     };
-    if (!isThere() && !isOver())
+    if (!isThere() && !isOver()) {
         Changed.wait_for(lock, p_Reader.Starves ? c_Wait : c_FirstWait,
                          [&] { return isThere() || isOver(); });
+        // The client may have gone meanwhile, and what it is given is forgotten.
+        if (isThere() && !isOver())
+            return Given::Nothing;
+    }
     if (isOver())
         return Given::Failure;
     if (!isThere()) {

@@ -120,13 +120,15 @@ void Try(Plan const& p_Plan, FaultTally& p_Tally)
 {
     // The pauses of this run together are shorter; a clock that is waited for takes a day.
     constexpr qint64 c_MostMilliseconds = 20'000;
+    constexpr int c_Closed = 4;
 
     ProcessGame game(p_Plan.Job, ProcessGame::Size::Plain);
     if (p_Plan.When == Moment::AgainAndAgain)
         game.SlowDown();
-    auto script = game.Server.Script("GET " + game.Content.ServerPath(c_File));
+    QString const rule = "GET " + game.Content.ServerPath(c_File);
+    auto script = game.Server.Script(rule);
     if (p_Plan.When == Moment::InARetryPause)
-        script.Then(Answer::ClosedBeforeHeaders(), 4);
+        script.Then(Answer::ClosedBeforeHeaders(), c_Closed);
     else
         script.Then(Answer::SilentAfter(c_Arrived));
 
@@ -137,7 +139,7 @@ void Try(Plan const& p_Plan, FaultTally& p_Tally)
     int times = 0;
     if (p_Plan.When != Moment::InARetryPause) {
         times = SetInTransfer(game, host, clock, p_Plan);
-    } else if (host.WaitForErr(QStringLiteral("next attempt in"))) {
+    } else if (host.WaitUntil([&] { return game.Server.ScriptedAnswers(rule) >= c_Closed - 1; })) {
         clock.Set(p_Plan.Offset);
         times = 1;
     }
