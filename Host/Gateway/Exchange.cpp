@@ -123,7 +123,7 @@ void Exchange::Forget()
     Board.BeginRun();
     Held = Expected = 0;
     Paused = IsRateBlocked = IsRoomBlocked = WantsRoom = WasWaitedFor = false;
-    LastByte = {};
+    LastByte = LastSkipped = {};
     Received = 0;
     Meter.Clear();
     LatestServer.reset();

@@ -8,6 +8,7 @@
 #include "Host/Gateway/ServerBoard.hpp"
 #include "Host/Gateway/TransferLoop.hpp"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <map>
@@ -147,7 +148,8 @@ private:
     void CheckWaits(TimePoint p_Now);
     bool IsWaitedFor() const;
     FetchProblem Silence() const;
-    void CountBytes(Server& p_Server, std::uint64_t p_Bytes, TimePoint p_Now);
+    void CountBytes(Server& p_Server, std::uint64_t p_Bytes, bool p_AreNew, TimePoint p_Now);
+    TimePoint LastSign() const { return std::max({LastByte, LastSkipped, WaitedSince}); }
 
     static constexpr std::uint64_t c_WindowBytes = 24ULL * 1024 * 1024;
 
@@ -189,6 +191,7 @@ private:
     bool WantsRoom = false;     ///< the plan waits for room
     TimePoint WaitedSince;
     bool WasWaitedFor = false;
+    TimePoint LastSkipped; ///< of bytes that are there already; none once they have led to nothing
     TimePoint LastByte;
     std::uint64_t Received = 0;
     RateMeter Meter;

@@ -233,7 +233,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
         return Take::Later;
     }
     Limit.Take(p_Count);
-    CountBytes(*p_Transfer.From, p_Count, now);
+    CountBytes(*p_Transfer.From, p_Count, p_Count > span.ToSkip, now);
     std::uint64_t const skipped = std::min<std::uint64_t>(span.ToSkip, p_Count);
     span.ToSkip -= skipped;
     std::uint64_t const left = p_Count - skipped;
@@ -259,6 +259,8 @@ void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p
     --Transfers;
     span.Transfer = 0;
     span.By.reset();
+    if (span.Arrived == p_Transfer.Begin)
+        LastSkipped = {};
     if (!Limit.IsSet() && !span.IsStream)
         ServerBoard::NoteSpeed(server, span.Arrived - p_Transfer.Begin,
                                SecondsBetween(span.FirstByte, now));

@@ -16,13 +16,13 @@ bool IsSizeSettled(std::shared_ptr<FileContent> const& p_File)
 
 } // namespace
 
-void Exchange::CountBytes(Server& p_Server, std::uint64_t p_Bytes, TimePoint p_Now)
+void Exchange::CountBytes(Server& p_Server, std::uint64_t p_Bytes, bool p_AreNew, TimePoint p_Now)
 {
     Received += p_Bytes;
     Meter.Add(p_Bytes, p_Now);
     p_Server.Received += p_Bytes;
     p_Server.Meter.Add(p_Bytes, p_Now);
-    LastByte = p_Now;
+    (p_AreNew ? LastByte : LastSkipped) = p_Now;
     Latest.reset(); // it is over
     for (std::shared_ptr<Server> const& server : Board.All())
         if (server.get() == &p_Server)
@@ -68,7 +68,7 @@ void Exchange::CheckWaits(TimePoint p_Now)
         LastByte = p_Now;
     if (!isWaitedFor || GaveUp || Options.RetryFor == Options.RetryFor.zero())
         return;
-    if (p_Now - std::max(LastByte, WaitedSince) < Options.RetryFor)
+    if (p_Now - LastSign() < Options.RetryFor)
         return;
     GaveUp = Latest.value_or(Silence());
     ToCancel.insert(ToCancel.end(), UnderWay.begin(), UnderWay.end());
@@ -96,7 +96,7 @@ GatewaySnapshot Exchange::Snapshot() const
         SizesKnown = static_cast<std::uint32_t>(
             std::count_if(Planned.begin(), Planned.end(), IsSizeSettled));
     snapshot.SizesKnown = *SizesKnown;
-    Milliseconds const silent = MillisecondsBetween(std::max(LastByte, WaitedSince), now);
+    Milliseconds const silent = MillisecondsBetween(LastSign(), now);
     if (WasWaitedFor && silent >= c_Noticeable) {
         TimePoint next = Board.NextTrial(now);
         bool isUnderWay = Transfers > 0 || Queries > 0;

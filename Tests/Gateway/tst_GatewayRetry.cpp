@@ -156,6 +156,7 @@ void GatewayRetryTest::GivesUpWhenNothingComes_data()
     QTest::newRow("500") << Answer::Status(500) << Kind::Refused;
     QTest::newRow("silent") << Answer::SilentBeforeHeaders() << Kind::Silent;
     QTest::newRow("wrong") << Answer::ClaimingRange("nonsense") << Kind::Unusable;
+    QTest::newRow("nothing new") << Answer::IgnoringRange().CutAfter(50000) << Kind::Dropped;
 }
 
 void GatewayRetryTest::GivesUpWhenNothingComes()
