@@ -37,8 +37,7 @@ struct MirrorGame {
 
 struct MirrorFault {
     char const* Name;
-    std::function<void(MirrorGame&)> Prepare; ///< publishes, and spoils
-    std::function<void(MirrorGame&)> Meanwhile = {};
+    std::function<void(MirrorGame&)> Prepare;    ///< publishes, and spoils
     std::function<void(MirrorGame&)> Judge = {}; ///< called when the run has ended
 };
 
@@ -58,13 +57,7 @@ FaultReport Run(MirrorFault const& p_Fault)
         p_Fault.Prepare(mirrors);
         if (!game.Begin())
             game.Accuse(QStringLiteral("the module does not load"));
-        Host::RunRequest request;
-        request.Kind = RequestType::Install;
-        request.Argument = game.Folder;
-        QString const end = game.RunWatched(request, [&] {
-            if (p_Fault.Meanwhile)
-                p_Fault.Meanwhile(mirrors);
-        });
+        QString const end = game.InstallWatched();
         game.Expect(end, QStringLiteral("done")); // there is always somebody who helps out
         int const injected = Injected(mirrors);
         if (injected == 0)
@@ -117,17 +110,14 @@ void OneDiesInMidRun(MirrorGame& p_Game)
 
 constexpr int c_BeforeDeath = 100'000;
 
-void OneWillDieInAChunk(MirrorGame& p_Game)
+void OneDiesInAChunk(MirrorGame& p_Game)
 {
     p_Game.PublishLarge();
-    p_Game.Bad.Script("GET " + p_Game.LargePath()).Always(Answer::SilentAfter(c_BeforeDeath));
-}
-
-void DieInAChunk(MirrorGame& p_Game)
-{
-    if (p_Game.Game.WaitUntil(
-            [&] { return p_Game.Bad.BodyBytes(p_Game.LargePath()) >= c_BeforeDeath; }))
-        p_Game.Bad.Stop();
+    QString const path = "GET " + p_Game.LargePath();
+    p_Game.Bad.ClearScript(path);
+    p_Game.Bad.Script(path).Then(Answer::Reset(c_BeforeDeath), 2);
+    p_Game.Bad.Script("*").Always(Answer::ClosedBeforeHeaders());
+    p_Game.Bad.Script(path).Always(Answer::ClosedBeforeHeaders());
 }
 
 qint64 BeginOf(RecordedRequest const& p_Request)
@@ -138,7 +128,9 @@ qint64 BeginOf(RecordedRequest const& p_Request)
 /// What the dead one has brought of its chunk is not fetched again.
 void GoesOnInTheChunk(MirrorGame& p_Game)
 {
-    auto const others = p_Game.Good.Requests(p_Game.LargePath());
+    auto others = p_Game.Good.Requests(p_Game.LargePath());
+    for (RecordedRequest const& request : p_Game.Game.Server.Requests(p_Game.LargePath()))
+        others.push_back(request);
     auto const own = p_Game.Bad.Requests(p_Game.LargePath());
     bool const goesOn = std::any_of(own.begin(), own.end(), [&](RecordedRequest const& p_Own) {
         return std::any_of(others.begin(), others.end(), [&](RecordedRequest const& p_Other) {
@@ -189,8 +181,8 @@ std::vector<MirrorFault> const& Faults()
         {"all mirrors dead", AllAreDead},
         {"stale mirror among live ones", OneIsStale},
         {"mirror dies in mid-run", OneDiesInMidRun},
-        {"mirror dies in a chunk", OneWillDieInAChunk, DieInAChunk, GoesOnInTheChunk},
-        {"mirrors of different speed", OneIsSlow, {}, TheFastOneGivesMost},
+        {"mirror dies in a chunk", OneDiesInAChunk, GoesOnInTheChunk},
+        {"mirrors of different speed", OneIsSlow, TheFastOneGivesMost},
         {"mirror with other bytes of one file", OneHasOtherBytes},
         {"mirror with another length of one file", OneHasAnotherLength},
     };
