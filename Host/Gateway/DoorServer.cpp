@@ -1,4 +1,5 @@
 #include "Host/Gateway/DoorServer.hpp"
+#include "Host/Gateway/HttpStatus.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -6,6 +7,8 @@
 #include <random>
 
 namespace Varnholt::Gateway {
+
+using namespace HttpStatus;
 
 namespace {
 
@@ -127,9 +130,6 @@ std::string DoorServer::Name() const
 
 void DoorServer::Answer(httplib::Request const& p_Request, httplib::Response& p_Response)
 {
-    constexpr int c_NotFound = 404;
-    constexpr int c_NotAllowed = 405;
-
     if (p_Request.method != "GET" && p_Request.method != "HEAD") {
         p_Response.status = c_NotAllowed;
         p_Response.set_header("Allow", "GET, HEAD");
@@ -167,10 +167,6 @@ void DoorServer::AnswerDocument(std::string const& p_Path, httplib::Response& p_
 void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
                             httplib::Request const& p_Request, httplib::Response& p_Response)
 {
-    constexpr int c_Success = 200;
-    constexpr int c_PartialContent = 206;
-    constexpr int c_RangeNotSatisfiable = 416;
-
     Exchange::FileHead const head = Source.FetchHead(p_Path, p_OfDefaultServer);
     p_Response.status = head.Status;
     if (head.Status != c_Success)

@@ -1,20 +1,16 @@
 #include "Host/Gateway/Exchange.hpp"
 
 #include "Host/Gateway/HostList.hpp"
+#include "Host/Gateway/HttpStatus.hpp"
 #include "Host/Gateway/TransferProblem.hpp"
 
 #include <algorithm>
 
 namespace Varnholt::Gateway {
 
-namespace {
+using namespace HttpStatus;
 
-constexpr int c_Unavailable = 503;
-constexpr int c_BadGateway = 502;
-constexpr int c_Success = 200;
-constexpr int c_FirstError = 400;
-constexpr int c_FirstServerError = 500;
-constexpr int c_TooManyRequests = 429;
+namespace {
 
 bool EndsSoon(FetchProblem const& p_Problem)
 {

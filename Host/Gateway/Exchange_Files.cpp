@@ -1,16 +1,16 @@
 #include "Host/Gateway/Exchange.hpp"
 
+#include "Host/Gateway/HttpStatus.hpp"
 #include "Host/Gateway/TransferProblem.hpp"
 
 #include <algorithm>
 
 namespace Varnholt::Gateway {
 
+using namespace HttpStatus;
+
 namespace {
 
-constexpr int c_Success = 200;
-constexpr int c_PartialContent = 206;
-constexpr int c_RangeNotSatisfiable = 416;
 constexpr std::uint64_t c_SmallPiece = 256ULL * 1024;
 constexpr std::uint64_t c_FirstPiece = 1024ULL * 1024;
 constexpr std::uint64_t c_LargestPiece = 4ULL * 1024 * 1024;

@@ -1,29 +1,17 @@
 #include "Host/Gateway/Exchange.hpp"
 
+#include "Host/Gateway/HttpStatus.hpp"
 #include "Host/Gateway/TransferProblem.hpp"
 
 #include <algorithm>
 
 namespace Varnholt::Gateway {
 
-namespace {
-
-constexpr int c_Success = 200;
-constexpr int c_PartialContent = 206;
-constexpr int c_NotFound = 404;
-constexpr int c_Gone = 410;
-constexpr int c_RangeNotSatisfiable = 416;
-constexpr int c_FirstError = 400;
-constexpr int c_FirstServerError = 500;
-constexpr int c_BadGateway = 502;
-constexpr int c_NotImplemented = 501;
-
-} // namespace
+using namespace HttpStatus;
 
 /// Waits until it is known what a client is to be told of a file before its first byte.
 Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefaultServer)
 {
-    constexpr int c_Unavailable = 503;
     // Long enough for a client whose answer was broken off to be told why.
     constexpr std::chrono::seconds c_RefusalHolds{20};
 

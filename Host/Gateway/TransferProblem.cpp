@@ -1,6 +1,7 @@
 #include "Host/Gateway/TransferProblem.hpp"
 
 #include "Host/Gateway/HostList.hpp"
+#include "Host/Gateway/HttpStatus.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -8,6 +9,8 @@
 #include <cstring>
 
 namespace Varnholt::Gateway {
+
+using namespace HttpStatus;
 
 namespace {
 
@@ -142,11 +145,6 @@ FetchProblem StatusProblem(int p_Status, std::string const& p_Url)
 
 bool IsOfTheFile(int p_Status)
 {
-    constexpr int c_Timeout = 408;
-    constexpr int c_TooEarly = 425;
-    constexpr int c_TooManyRequests = 429;
-    constexpr int c_FirstServerError = 500;
-
     return p_Status < c_FirstServerError && p_Status != c_Timeout && p_Status != c_TooEarly &&
            p_Status != c_TooManyRequests;
 }
