@@ -164,14 +164,13 @@ bool Exchange::OnFileHead(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 
 bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 {
-    Span& span = *p_Transfer.Part;
-    bool const begins = p_Head.RangeBegin == p_Transfer.Begin && !p_Head.IsEncoded;
-    if (begins && p_Head.Total && !LearnSize(p_Transfer, *p_Head.Total))
-        return false;
-    bool const ends = p_Head.RangeLast == span.End - 1 &&
-                      (!p_Head.Length || *p_Head.Length == span.End - p_Transfer.Begin);
-    if (begins && ends)
-        return true;
+    std::uint64_t const end =
+        p_Head.Total ? std::min(p_Transfer.Part->End, *p_Head.Total) : p_Transfer.Part->End;
+    bool const isAskedFor =
+        p_Head.RangeBegin == p_Transfer.Begin && p_Head.RangeLast == end - 1 && !p_Head.IsEncoded;
+    // Of a head that contradicts itself nothing is believed, its total neither.
+    if (isAskedFor && p_Head.Length.value_or(end - p_Transfer.Begin) == end - p_Transfer.Begin)
+        return !p_Head.Total || LearnSize(p_Transfer, *p_Head.Total);
     p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
                                       "it is another part than was asked for", 0};
     return false;

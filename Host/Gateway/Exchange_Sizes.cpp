@@ -139,6 +139,10 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
         p_Query.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Query.Url,
                                        "its parts are those of something packed", 0};
         p_Query.IsRefused = true;
+    } else if (isPart &&
+               (p_Head.RangeBegin != std::uint64_t{0} || p_Head.RangeLast != p_Head.RangeBegin)) {
+        p_Query.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Query.Url,
+                                       "it is another part than was asked for", 0};
     } else if (isPart && p_Head.Total && !p_Head.IsEncoded) {
         LearnSize(p_Query, *p_Head.Total);
     } else if (isEmpty) {

@@ -42,6 +42,8 @@ private Q_SLOTS:
     void AFileIsNoLongerThanItsSize();
     void WrongRangesGiveNoWrongBytes_data();
     void WrongRangesGiveNoWrongBytes();
+    void AHeadThatContradictsItselfTeachesNoLength_data();
+    void AHeadThatContradictsItselfTeachesNoLength();
     void HeadersThatDripAreSilence();
     void ManyRedirectsEndSoon();
     void ALongHostListIsCut();
@@ -196,6 +198,25 @@ void GatewayHostileTest::WrongRangesGiveNoWrongBytes()
     Bench->Mirrors[0]->Script("GET *").Always(Answer::ClaimingRange(range).Body(wrong));
     QVERIFY(Bench->Content(c_Path).Body == Bytes);
     QVERIFY(IsCheap());
+}
+
+void GatewayHostileTest::AHeadThatContradictsItselfTeachesNoLength_data()
+{
+    QTest::addColumn<Answer>("answer");
+    QTest::addColumn<bool>("isPlanned");
+    QTest::newRow("of a part") << Answer::SilentBeforeHeaders() << true;
+    QTest::newRow("of the first byte, asked for its size") << Answer::Status(405) << false;
+}
+
+void GatewayHostileTest::AHeadThatContradictsItselfTeachesNoLength()
+{
+    QFETCH(Answer, answer);
+    QFETCH(bool, isPlanned);
+    Bench->Mirrors[0]->Script("HEAD *").Always(answer);
+    Bench->Mirrors[0]->Script("GET *").Then(Answer::ClaimingRange("bytes 0-9/10"));
+    if (isPlanned) // otherwise the size is asked for first
+        Bench->Door->Plan({Planned(c_Path)});
+    QVERIFY(Bench->Content(c_Path).Body == Bytes);
 }
 
 void GatewayHostileTest::HeadersThatDripAreSilence()
