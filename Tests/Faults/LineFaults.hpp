@@ -6,8 +6,8 @@
 
 namespace Varnholt::TestSupport {
 
-/// What goes wrong between a host and its server: outages, proxies, redirects; and what a limit of
-/// the rate makes of all that.
+/// What goes wrong between a host and its server: outages and proxies; and what a limit of the rate
+/// makes of it.
 std::vector<FaultRow> LineFaults();
 
 } // namespace Varnholt::TestSupport

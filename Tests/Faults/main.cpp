@@ -6,6 +6,7 @@
 #include "Tests/Faults/KillFaults.hpp"
 #include "Tests/Faults/LineFaults.hpp"
 #include "Tests/Faults/LockFaults.hpp"
+#include "Tests/Faults/RedirectFaults.hpp"
 #include "Tests/Faults/RemovalFaults.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
 #include "Tests/Faults/TrustFaults.hpp"
@@ -18,8 +19,8 @@ std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
     for (auto const& group :
-         {ServerFaults(), LineFaults(), TrustFaults(), DiskFaults(), FolderFaults(),
-          RemovalFaults(), KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
+         {ServerFaults(), LineFaults(), RedirectFaults(), TrustFaults(), DiskFaults(),
+          FolderFaults(), RemovalFaults(), KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }

@@ -36,6 +36,14 @@ bool SessionGame::Open()
     return Info.has_value();
 }
 
+Host::RunRequest SessionGame::QuickCheck()
+{
+    Host::RunRequest request;
+    request.Kind = RequestType::Check;
+    request.Quick = true;
+    return request;
+}
+
 void SessionGame::Close()
 {
     Current.reset();

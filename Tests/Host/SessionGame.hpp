@@ -35,6 +35,8 @@ public:
     /// Waits for the end of what was started; tells how it ended, or "still" and the phase.
     QString End();
     /// Installs into the folder. \return how it ended
+    /// A check of the build's number only.
+    static Host::RunRequest QuickCheck();
     QString Install() { return Run(RequestType::Install, Folder); }
     /// The same though it holds other files.
     QString InstallOver();

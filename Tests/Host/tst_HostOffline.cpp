@@ -1,10 +1,9 @@
 #include "Host/Core/OfflineCopies.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/SessionGame.hpp"
-#include "Tests/Support/FileTools.hpp"
 
-#include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
@@ -12,12 +11,6 @@ namespace Varnholt::TestSupport {
 using Host::OfflineCopies;
 
 namespace {
-
-std::string const c_Version = "app/version.json";
-OfflineCopies::Documents const c_First{
-    {c_Version, "one"}, {"app/builds/1/info.json", "manifest one"}, {"cdns.info", "a.example"}};
-OfflineCopies::Documents const c_Second{
-    {c_Version, "two"}, {"app/builds/2/info.json", "manifest two"}, {"cdns.info", "b.example"}};
 
 /// A game that was installed by a session, and its program.
 void Complete(SessionGame& p_Game)
@@ -41,18 +34,11 @@ QStringList const c_GoesOn{"; going on with what is known of build Sample build.
 
 } // namespace
 
-/// Runs without a server, and what is kept for them.
+/// Runs without a server.
 class HostOfflineTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void WhatIsKeptIsReadAgain();
-    void NoPathLeadsOutOfTheFolder();
-    void AnotherSetReplacesTheFormer();
-    void AWriteThatFailsLeavesTheFormerSet_data();
-    void AWriteThatFailsLeavesTheFormerSet();
-    void WhatIsForgottenIsGone();
-
     void WithoutAServerTheGameIsStartedAndThatIsTold();
     void ARunGoesOnWithoutWhatTheServerDoesNotGive_data();
     void ARunGoesOnWithoutWhatTheServerDoesNotGive();
@@ -64,97 +50,7 @@ private Q_SLOTS:
     void OfflineRefusesWhatNeedsServers();
     void OfflineWithoutCopiesIsToldAsSuch();
     void AnUninstallationForgetsTheCopies();
-
-    void AQuickCheckAsksForTheVersionFileOnly();
-    void AQuickCheckTellsOfAnotherBuild();
-    void AQuickCheckOfAnUnfinishedGameIsNoSuccess();
-    void AQuickCheckNamesWhatIsWrong_data();
-    void AQuickCheckNamesWhatIsWrong();
-    void AQuickCheckCanBeInterrupted();
-
-private:
-    static Host::RunRequest QuickCheck();
 };
-
-void HostOfflineTest::WhatIsKeptIsReadAgain()
-{
-    QTemporaryDir const folder;
-    OfflineCopies const copies(folder.filePath("my.host.ini"));
-    QVERIFY(copies.Read().empty());
-    OfflineCopies::Documents documents = c_First;
-    documents["app/builds/1%20%C3%A4/info.json"] = std::string("\0\xff\n", 3);
-    documents["empty"] = "";
-    QVERIFY(copies.Keep(documents, c_Version));
-    QVERIFY(copies.Read() == documents);
-    QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList("my.host.offline"));
-}
-
-void HostOfflineTest::NoPathLeadsOutOfTheFolder()
-{
-    QTemporaryDir const folder;
-    OfflineCopies const copies(folder.filePath("a/b/c/host.ini"));
-    OfflineCopies::Documents documents = c_First;
-    documents["app/builds/../../../../x/info.json"] = "outside";
-    documents["/etc/x"] = "outside";
-    copies.Keep(documents, c_Version);
-    QStringList files;
-    QDirIterator every(folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (every.hasNext())
-        files += QFileInfo(every.next()).path();
-    files.removeDuplicates();
-    QCOMPARE(files, QStringList(QDir::cleanPath(copies.Folder())));
-}
-
-void HostOfflineTest::AnotherSetReplacesTheFormer()
-{
-    QTemporaryDir const folder;
-    OfflineCopies const copies(folder.filePath("host.ini"));
-    QVERIFY(copies.Keep(c_First, c_Version));
-    QVERIFY(WriteFile(copies.Folder() + "cdns.info.AbCdEf", "of one that was killed"));
-    QVERIFY(copies.Keep(c_Second, c_Version));
-    QVERIFY(copies.Read() == c_Second);
-}
-
-void HostOfflineTest::AWriteThatFailsLeavesTheFormerSet_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("the manifest") << "app%2Fbuilds%2F2%2Finfo.json";
-    QTest::newRow("the version file") << "app%2Fversion.json";
-}
-
-/// A kill before a write leaves what its failure leaves.
-void HostOfflineTest::AWriteThatFailsLeavesTheFormerSet()
-{
-    QFETCH(QString, name);
-    QTemporaryDir const folder;
-    OfflineCopies const copies(folder.filePath("host.ini"));
-    QVERIFY(copies.Keep(c_First, c_Version));
-    bool const isVersion = name.contains("version");
-    if (isVersion) // a file is not replaced by a folder's name alone
-        QVERIFY(QFile::rename(copies.Folder() + name, folder.filePath("aside")));
-    QVERIFY(QDir().mkpath(copies.Folder() + name + "/in the way"));
-    QVERIFY(!copies.Keep(c_Second, c_Version));
-    QVERIFY(QDir(copies.Folder() + name).removeRecursively());
-    if (isVersion)
-        QVERIFY(QFile::rename(folder.filePath("aside"), copies.Folder() + name));
-    OfflineCopies::Documents const left = copies.Read();
-    QCOMPARE(left.at(c_Version), std::string("one"));
-    QCOMPARE(left.at("app/builds/1/info.json"), std::string("manifest one"));
-    QVERIFY(copies.Keep(c_Second, c_Version));
-    QVERIFY(copies.Read() == c_Second);
-}
-
-void HostOfflineTest::WhatIsForgottenIsGone()
-{
-    QTemporaryDir const folder;
-    OfflineCopies const copies(folder.filePath("host.ini"));
-    copies.Forget();
-    QVERIFY(copies.Keep(c_First, c_Version));
-    copies.Forget();
-    QVERIFY(copies.Read().empty());
-    QVERIFY(!QFileInfo::exists(copies.Folder()));
-}
 
 void HostOfflineTest::WithoutAServerTheGameIsStartedAndThatIsTold()
 {
@@ -271,7 +167,7 @@ void HostOfflineTest::OfflineAsksNobody()
     QCOMPARE(game.Run(RequestType::ListLocales), QString("done"));
     QCOMPARE(game.Result().Locales.size(), std::size_t(2));
     QCOMPARE(game.Run(RequestType::Check), QString("done"));
-    QCOMPARE(game.Run(QuickCheck()), QString("done"));
+    QCOMPARE(game.Run(SessionGame::QuickCheck()), QString("done"));
     QCOMPARE(game.Run(RequestType::Verify), QString("done"));
     QVERIFY(QFile::remove(game.Path("readme.txt")));
     QCOMPARE(game.Run(RequestType::Check), QString("update-available"));
@@ -309,7 +205,7 @@ void HostOfflineTest::OfflineWithoutCopiesIsToldAsSuch()
         QCOMPARE(game.Run(kind), QString("offline-unknown"));
         QVERIFY2(game.Sentence().contains("host.offline"), qPrintable(game.Sentence()));
     }
-    QCOMPARE(game.Run(QuickCheck()), QString("offline-unknown"));
+    QCOMPARE(game.Run(SessionGame::QuickCheck()), QString("offline-unknown"));
     QCOMPARE(game.Server.Requests().size(), std::size_t(0));
 }
 
@@ -321,91 +217,6 @@ void HostOfflineTest::AnUninstallationForgetsTheCopies()
     QVERIFY(QFileInfo::exists(folder));
     QCOMPARE(game.Run(RequestType::Uninstall), QString("done"));
     QVERIFY(!QFileInfo::exists(folder));
-}
-
-Host::RunRequest HostOfflineTest::QuickCheck()
-{
-    Host::RunRequest request;
-    request.Kind = RequestType::Check;
-    request.Quick = true;
-    return request;
-}
-
-void HostOfflineTest::AQuickCheckAsksForTheVersionFileOnly()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    game.Put("readme.txt", "damaged"); // which it does not look for
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(QuickCheck()), QString("done"));
-    QCOMPARE(game.Result().Build, QString("build_1"));
-    QCOMPARE(game.Server.Requests().size(), std::size_t(1));
-    QCOMPARE(game.Server.Count(game.Content.VersionPath()), 1);
-}
-
-void HostOfflineTest::AQuickCheckTellsOfAnotherBuild()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    game.Server.Serve(game.Content.VersionPath(), "{\"build\":\"build_2\"}");
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(QuickCheck()), QString("update-available"));
-    QCOMPARE(game.Result().Problem->ExitStatus(), 3);
-    QCOMPARE(game.Sentence(), QString("an update to build build_2 fetches what differs "
-                                      "(its size was not asked for)"));
-    QCOMPARE(game.Server.Requests().size(), std::size_t(1));
-    QCOMPARE(game.Run(RequestType::Update), QString("server-refusal")); // there is no manifest
-}
-
-void HostOfflineTest::AQuickCheckOfAnUnfinishedGameIsNoSuccess()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    game.SetSetting("host/pelmora_app/unfinished", true);
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(QuickCheck()), QString("update-available"));
-}
-
-void HostOfflineTest::AQuickCheckNamesWhatIsWrong_data()
-{
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<QString>("identifier");
-    QTest::newRow("404") << Answer::Status(404) << "server-refusal";
-    QTest::newRow("a page") << Answer().Body("<html></html>") << "content-invalid";
-    QTest::newRow("no build") << Answer().Body("{}") << "content-invalid";
-    QTest::newRow("it closes") << Answer::ClosedBeforeHeaders() << "server-unreachable";
-    QTest::newRow("it is silent") << Answer::SilentBeforeHeaders() << "server-silent";
-}
-
-void HostOfflineTest::AQuickCheckNamesWhatIsWrong()
-{
-    QFETCH(Answer, answer);
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    game.Options.StallMilliseconds = 1'000;
-    game.Server.Script(game.Content.VersionPath()).Always(answer);
-    QVERIFY(game.Open());
-    QTEST(game.Run(QuickCheck()), "identifier");
-    QVERIFY2(game.Sentence().contains(game.Server.Url(game.Content.VersionPath())),
-             qPrintable(game.Sentence()));
-    game.Server.ClearScript(game.Content.VersionPath());
-    QCOMPARE(game.Run(QuickCheck()), QString("done"));
-}
-
-void HostOfflineTest::AQuickCheckCanBeInterrupted()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QString const version = game.Content.VersionPath();
-    game.Server.Script(version).Then(Answer().Held());
-    QVERIFY(game.Open());
-    game.Start(QuickCheck());
-    QVERIFY(game.WaitUntil([&] { return game.Server.Count(version) == 1; }));
-    game.Session().Interrupt();
-    QCOMPARE(game.End(), QString("interrupted"));
-    game.Server.OpenGate(version); // what it answers now is nobody's
-    QCOMPARE(game.Run(QuickCheck()), QString("done"));
-    QCOMPARE(game.Results.size(), std::size_t(1));
 }
 
 } // namespace Varnholt::TestSupport
