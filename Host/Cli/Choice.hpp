@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Host/Core/HostOptions.hpp"
-#include "Host/Core/RunRequest.hpp"
+#include "Host/Core/Jobs/RunRequest.hpp"
+#include "Host/Core/Settings/HostOptions.hpp"
 
 #include <QMap>
 #include <QString>

@@ -8,7 +8,7 @@
 #include "Host/Cli/MessageLog.hpp"
 #include "Host/Cli/Program.hpp"
 #include "Host/Cli/TextPresenter.hpp"
-#include "Host/Core/ControlSocket.hpp"
+#include "Host/Core/Session/ControlSocket.hpp"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 #include "Host/Cli/CommandParser.hpp"
 
 #include "Host/Cli/ConfigCommand.hpp"
-#include "Host/Core/ExitStatus.hpp"
+#include "Host/Core/Failures/ExitStatus.hpp"
 
 #include <QDir>
 #include <QVariant>

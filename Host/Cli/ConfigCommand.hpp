@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Host/Cli/Choice.hpp"
-#include "Host/Core/Failure.hpp"
-#include "Host/Core/HostSettings.hpp"
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Settings/HostSettings.hpp"
 
 #include <QString>
 #include <QStringList>

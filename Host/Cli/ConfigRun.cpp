@@ -4,7 +4,7 @@
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Prompt.hpp"
 #include "Host/Cli/SignalWatch.hpp"
-#include "Host/Core/ControlSocket.hpp"
+#include "Host/Core/Session/ControlSocket.hpp"
 
 namespace Varnholt::Host {
 

@@ -2,7 +2,7 @@
 
 #include "Host/Cli/Choice.hpp"
 #include "Host/Cli/Presenter.hpp"
-#include "Host/Core/HostSettings.hpp"
+#include "Host/Core/Settings/HostSettings.hpp"
 
 namespace Varnholt::Host {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/AddressNames.hpp"
+#include "Host/Core/Network/AddressNames.hpp"
 
 #include <QString>
 #include <QtGlobal>

@@ -1,6 +1,6 @@
 #include "Host/Cli/OptionText.hpp"
 
-#include "Host/Core/HostOptions.hpp"
+#include "Host/Core/Settings/HostOptions.hpp"
 
 #include <QFile>
 #include <QFileInfo>

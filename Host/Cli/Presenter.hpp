@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Host/Core/Failure.hpp"
-#include "Host/Core/InstallStatus.hpp"
-#include "Host/Core/ModuleInfo.hpp"
-#include "Host/Core/RunRequest.hpp"
-#include "Host/Core/RunResult.hpp"
-#include "Host/Core/RunSnapshot.hpp"
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/RunRequest.hpp"
+#include "Host/Core/Jobs/RunResult.hpp"
+#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Module/ModuleInfo.hpp"
+#include "Host/Core/Session/InstallStatus.hpp"
 
 #include <QString>
 

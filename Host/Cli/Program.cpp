@@ -2,7 +2,7 @@
 
 #include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
-#include "Host/Core/ByteText.hpp"
+#include "Host/Core/Failures/ByteText.hpp"
 
 #include <QCoreApplication>
 

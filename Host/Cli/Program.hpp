@@ -3,8 +3,8 @@
 #include "Host/Cli/Choice.hpp"
 #include "Host/Cli/Presenter.hpp"
 #include "Host/Cli/SignalWatch.hpp"
-#include "Host/Core/ControlSocket.hpp"
-#include "Host/Core/HostSession.hpp"
+#include "Host/Core/Session/ControlSocket.hpp"
+#include "Host/Core/Session/HostSession.hpp"
 
 #include <QObject>
 

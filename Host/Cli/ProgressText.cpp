@@ -1,6 +1,6 @@
 #include "Host/Cli/ProgressText.hpp"
 
-#include "Host/Core/ByteText.hpp"
+#include "Host/Core/Failures/ByteText.hpp"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/RunSnapshot.hpp"
+#include "Host/Core/Jobs/RunSnapshot.hpp"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #include "Host/Pages/ManPage.hpp"
 
-#include "Host/Core/ExitStatus.hpp"
-#include "Host/Core/Failure.hpp"
-#include "Host/Core/HostOptions.hpp"
+#include "Host/Core/Failures/ExitStatus.hpp"
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Settings/HostOptions.hpp"
 #include "Host/Pages/Troff.hpp"
 
 namespace Varnholt::Host::Pages {

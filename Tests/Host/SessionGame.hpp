@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/HostSession.hpp"
+#include "Host/Core/Session/HostSession.hpp"
 #include "Tests/Host/HostGame.hpp"
 #include "Tests/Support/LogCapture.hpp"
 

@@ -1,4 +1,4 @@
-#include "Host/Core/ControlSocket.hpp"
+#include "Host/Core/Session/ControlSocket.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 

@@ -1,4 +1,4 @@
-#include "Host/Core/HostSettings.hpp"
+#include "Host/Core/Settings/HostSettings.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/Terminal.hpp"

@@ -1,5 +1,5 @@
-#include "Host/Core/FetchFailure.hpp"
-#include "Host/Core/NetworkDoor.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
+#include "Host/Core/Network/NetworkDoor.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"

@@ -1,5 +1,5 @@
-#include "Host/Core/ByteText.hpp"
-#include "Host/Core/RunPhase.hpp"
+#include "Host/Core/Failures/ByteText.hpp"
+#include "Host/Core/Jobs/RunPhase.hpp"
 
 #include <QSet>
 #include <QtTest>

@@ -1,8 +1,8 @@
 #include "Host/Cli/ConfigCommand.hpp"
 #include "Host/Cli/JsonPresenter.hpp"
-#include "Host/Core/Failure.hpp"
-#include "Host/Core/FileFinding.hpp"
-#include "Host/Core/RunPhase.hpp"
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/FileFinding.hpp"
+#include "Host/Core/Jobs/RunPhase.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
 

@@ -1,4 +1,4 @@
-#include "Host/Core/OfflineCopies.hpp"
+#include "Host/Core/Network/OfflineCopies.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/SessionGame.hpp"
 

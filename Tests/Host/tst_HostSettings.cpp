@@ -1,4 +1,4 @@
-#include "Host/Core/HostSettings.hpp"
+#include "Host/Core/Settings/HostSettings.hpp"
 #include "Tests/Support/FileSizeLimit.hpp"
 #include "Tests/Support/FileTools.hpp"
 

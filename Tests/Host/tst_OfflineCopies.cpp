@@ -1,4 +1,4 @@
-#include "Host/Core/OfflineCopies.hpp"
+#include "Host/Core/Network/OfflineCopies.hpp"
 #include "Tests/Support/FileTools.hpp"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "Host/Core/ExitStatus.hpp"
+#include "Host/Core/Failures/ExitStatus.hpp"
 #include "Tests/HostPages/ProgramHelp.hpp"
 
 #include <QtTest>

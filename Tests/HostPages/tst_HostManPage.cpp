@@ -1,5 +1,5 @@
-#include "Host/Core/ExitStatus.hpp"
-#include "Host/Core/Failure.hpp"
+#include "Host/Core/Failures/ExitStatus.hpp"
+#include "Host/Core/Failures/Failure.hpp"
 #include "Tests/HostPages/CompletionShell.hpp"
 #include "Tests/HostPages/ProgramHelp.hpp"
 #include "Tests/HostPages/ToolRun.hpp"

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Host/Core/Failures/FailureKind.hpp"
+
+#include <QMetaType>
+#include <QString>
+#include <QVector>
+
+namespace Varnholt::Host {
+
+/// Why something was not done, ready to be told: one sentence, what to do, and an exit status.
+struct Failure {
+    FailureKind Kind = FailureKind::Other;
+    QString Subject; ///< the file, folder or address concerned
+    QString Detail;  ///< the cause, as far as it is known; may be empty
+
+    /// A word for programs, the same in every version: "disk-full".
+    QString Identifier() const;
+    /// One of `c_ExitStatuses`.
+    int ExitStatus() const;
+    /// What failed, without a full stop.
+    QString Sentence() const;
+    /// What to do about it, as the end of a sentence.
+    QString Remedy() const;
+    /// True for what may pass by itself: trying again later makes sense.
+    bool IsNetwork() const;
+
+    /// Every kind, in an order that is good to read.
+    static QVector<FailureKind> Kinds();
+};
+
+} // namespace Varnholt::Host
+
+Q_DECLARE_METATYPE(Varnholt::Host::Failure)

@@ -1,0 +1,128 @@
+#include "Host/Core/Folder/FileDiagnosis.hpp"
+
+#include "Host/Core/Failures/ByteText.hpp"
+#include "Host/Core/Folder/FolderCheck.hpp"
+#include "Host/Core/Folder/GameVolumes.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
+#include "Launcher/Helper/Paths.hpp"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+QString Named(FileDiagnosis::Entries const& p_Missing)
+{
+    constexpr std::size_t c_MostNamed = 10;
+
+    if (p_Missing.size() == 1)
+        return QStringLiteral("the file %1 could not be fetched").arg(p_Missing.front().Path);
+    QStringList names;
+    for (std::size_t i = 0; i < std::min(p_Missing.size(), c_MostNamed); ++i)
+        names += p_Missing[i].Path;
+    if (p_Missing.size() > c_MostNamed)
+        names += QStringLiteral("and %1 more").arg(p_Missing.size() - c_MostNamed);
+    return QStringLiteral("%1 files could not be fetched: %2")
+        .arg(p_Missing.size())
+        .arg(names.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
+                             std::function<qint64(QString const&)> p_FreeBytes)
+    : Folder(std::move(p_Folder))
+    , Door(p_Door)
+    , FreeBytes(std::move(p_FreeBytes))
+{
+}
+
+Failure FileDiagnosis::Explain(Entries const& p_Missing) const
+{
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing)
+        if (auto const failure = WhatStandsInTheWay(entry.Path))
+            return *failure;
+    if (auto const failure = FullDisk(p_Missing))
+        return *failure;
+
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
+        auto const problem = Door.ProblemOf(entry.Location);
+        if (!problem)
+            continue;
+        bool const isAnswer = problem->Kind == Gateway::FetchProblem::Type::Refused ||
+                              problem->Kind == Gateway::FetchProblem::Type::Unusable;
+        auto const kind = isAnswer ? FailureKind::FilesGivenUp : FailureKind::FilesUnreachable;
+        return {kind, Named(p_Missing),
+                QStringLiteral("%1 for %2")
+                    .arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
+    }
+    return {FailureKind::FilesGivenUp, Named(p_Missing),
+            QStringLiteral("what the server gave is not what the build announces")};
+}
+
+std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) const
+{
+    QString const path = Folder + p_Path;
+    if (QFileInfo(path).isDir())
+        return Failure{FailureKind::FolderBlocksFile, path, {}};
+    if (QFileInfo::exists(path)) // the module removes the old file before it places the new one
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("the old file cannot be replaced")};
+    QString const part = Launcher::Helper::Paths::PartFile(path);
+    if (QFileInfo(part).isDir())
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("a folder stands at %1").arg(part)};
+    if (QFileInfo::exists(part) && !QFile(part).open(QIODevice::WriteOnly | QIODevice::Append))
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("%1 cannot be opened").arg(part)};
+
+    QString above = QFileInfo(path).path();
+    while (!QFileInfo::exists(above) && above.size() > Folder.size())
+        above = QFileInfo(above).path();
+    if (!QFileInfo(above).isDir())
+        return Failure{FailureKind::FileUnwritable, path,
+                       QStringLiteral("%1 is no folder").arg(above)};
+    auto unwritable = FolderCheck::ForWriting(above);
+    // A full disk refuses new files too, and is told better elsewhere.
+    if (FreeBytes(above) == 0)
+        return std::nullopt;
+    if (unwritable)
+        return unwritable;
+    // Its name alone is left: too long, or of characters that the volume does not know.
+    if (QFileInfo::exists(part) || above != QFileInfo(path).path())
+        return std::nullopt;
+    QFile probe(part);
+    if (!probe.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return Failure{FailureKind::FileUnwritable, path, probe.errorString()};
+    probe.remove();
+    return std::nullopt;
+}
+
+std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
+{
+    constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
+
+    for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
+        qint64 const free = FreeBytes(share.Folder);
+        qint64 needed = 0;
+        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
+            qint64 const there =
+                QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
+            auto const size = static_cast<qint64>(Door.SizeOf(entry.Location).value_or(0));
+            needed += std::max<qint64>(0, size - there);
+        }
+        bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
+        if (isFull && !share.Files.empty())
+            return Failure{FailureKind::DiskFull, share.Folder,
+                           QStringLiteral("%1 are free, %2 more are needed")
+                               .arg(ByteText(static_cast<quint64>(free)),
+                                    ByteText(static_cast<quint64>(needed)))};
+    }
+    return std::nullopt;
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,86 @@
+#include "Host/Core/Folder/FolderCheck.hpp"
+
+#include "GameModules/PendingList.hpp"
+#include "Host/Core/Folder/FolderLock.hpp"
+#include "Launcher/Helper/Paths.hpp"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <algorithm>
+
+namespace Varnholt::Host::FolderCheck {
+
+namespace {
+
+/// The folder itself, or the nearest one above it that exists.
+QString NearestExisting(QString p_Path)
+{
+    while (!QFileInfo::exists(p_Path) && !QDir(p_Path).isRoot()) {
+        QString const above = QFileInfo(p_Path).path();
+        if (above == p_Path)
+            break;
+        p_Path = above;
+    }
+    return p_Path;
+}
+
+bool IsSame(QString const& p_Path, QString const& p_Other)
+{
+    QString const path = QFileInfo(p_Path).canonicalFilePath();
+    return !path.isEmpty() && path == QFileInfo(p_Other).canonicalFilePath();
+}
+
+bool HoldsForeignFiles(QString const& p_Folder)
+{
+    QDir const folder(p_Folder);
+    for (QString const& list : {Launcher::PendingList::c_Base, Launcher::PendingList::c_Streamed,
+                                Launcher::PendingList::c_FirstBuild})
+        if (folder.exists(list))
+            return false;
+    // Of an installation that was killed before it had recorded itself.
+    QStringList const names =
+        folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    return std::any_of(names.begin(), names.end(), [](QString const& p_Name) {
+        return !p_Name.startsWith(FolderLock::c_File);
+    });
+}
+
+} // namespace
+
+QString Normalized(QString const& p_Folder)
+{
+    QString folder = QDir::cleanPath(QDir::current().absoluteFilePath(p_Folder));
+    while (folder == QLatin1String("/..") || folder.startsWith(QLatin1String("/../")))
+        folder.remove(0, 3); // above the root is the root
+    return Launcher::Helper::Paths::WithSlash(folder);
+}
+
+std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known, bool p_Confirmed)
+{
+    QString const folder = QDir::cleanPath(p_Folder);
+    QString const nearest = NearestExisting(folder);
+    if (!QFileInfo(nearest).isDir())
+        return Failure{FailureKind::FolderIsFile, nearest, {}};
+    if (IsSame(folder, QDir::rootPath()))
+        return Failure{FailureKind::FolderForbidden, folder, QStringLiteral("it is the root")};
+    if (IsSame(folder, QDir::homePath()))
+        return Failure{FailureKind::FolderForbidden, folder,
+                       QStringLiteral("it is your home folder")};
+    bool const known = !p_Known.isEmpty() && IsSame(folder, p_Known);
+    if (nearest == folder && !known && !p_Confirmed && HoldsForeignFiles(folder))
+        return Failure{FailureKind::FolderForeign, folder, {}};
+    return ForWriting(nearest);
+}
+
+std::optional<Failure> ForWriting(QString const& p_Folder)
+{
+    // The permission bits tell little: mounts, quotas and access lists decide too.
+    QTemporaryFile probe(QDir(p_Folder).filePath(QStringLiteral(".varnholt-XXXXXX")));
+    if (probe.open())
+        return std::nullopt;
+    return Failure{FailureKind::FolderUnwritable, QDir::cleanPath(p_Folder), probe.errorString()};
+}
+
+} // namespace Varnholt::Host::FolderCheck

@@ -1,0 +1,42 @@
+#include "Host/Core/Folder/MissingFiles.hpp"
+
+#include "GameModules/FileLink.hpp"
+
+#include <QFileInfo>
+
+namespace Varnholt::Host {
+
+using Launcher::FileLink::At;
+using Launcher::FileLink::Kind;
+
+std::vector<Launcher::ApplicationManifestFileEntry>
+MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
+             QString const& p_Locale)
+{
+    Launcher::LinkGuard links(p_Folder);
+    std::vector<Launcher::ApplicationManifestFileEntry> missing;
+    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
+        for (Launcher::ApplicationManifestFileEntry const& entry : *entries) {
+            QString const path = p_Folder + entry.Path;
+            bool const wanted = entry.Locale.isEmpty() || entry.Locale == p_Locale;
+            bool const isThere = QFileInfo(path).isFile() && At(path) != Kind::Strange;
+            if (wanted && !isThere && !links.OnTheWay(entry.Path))
+                missing.push_back(entry);
+        }
+    return missing;
+}
+
+std::optional<Launcher::LinkGuard::Link>
+LinkOnTheWay(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
+             QString const& p_Locale)
+{
+    Launcher::LinkGuard links(p_Folder);
+    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
+        for (Launcher::ApplicationManifestFileEntry const& entry : *entries)
+            if (entry.Locale.isEmpty() || entry.Locale == p_Locale)
+                if (auto link = links.OnTheWay(entry.Path))
+                    return link;
+    return std::nullopt;
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,72 @@
+#include "Host/Core/Jobs/Inspection.hpp"
+
+#include "GameModules/LinkGuard.hpp"
+#include "GameModules/ManifestComparison.hpp"
+#include "GameModules/PendingList.hpp"
+#include "Host/Core/Folder/MissingFiles.hpp"
+
+#include <QFileInfo>
+
+namespace Varnholt::Host {
+
+Inspection::Inspection(Launcher::ApplicationManifest p_Manifest, QString p_Folder, QString p_Locale,
+                       bool p_EveryFile)
+    : Manifest(std::move(p_Manifest))
+    , Folder(std::move(p_Folder))
+    , Locale(std::move(p_Locale))
+    , EveryFile(p_EveryFile)
+    , Count(static_cast<quint32>(Manifest.Files.size() +
+                                 (p_EveryFile ? Manifest.StreamedFiles.size() : 0)))
+{
+}
+
+void Inspection::Run()
+{
+    Launcher::ManifestComparison comparison;
+    comparison.Folder = Folder;
+    comparison.Locale = Locale;
+    comparison.SkipFirstBuildOnly = !EveryFile;
+    Launcher::LinkGuard links(Folder);
+    comparison.IsBarred = [&](QString const& p_Path) { return links.OnTheWay(p_Path).has_value(); };
+    comparison.Continue = [this] { return !Stopped; };
+    comparison.OnEntry = [this](std::size_t) { ++Number; };
+
+    Entries const examined = comparison.Examine(Manifest.Files).Files;
+    Add(examined, FileFinding::Cause::Different);
+    if (EveryFile) {
+        Add(comparison.Examine(Manifest.StreamedFiles).Files, FileFinding::Cause::Different);
+    } else {
+        namespace PendingList = Launcher::PendingList;
+        auto const read = [&](QString const& p_Name) {
+            return PendingList::Read(Folder + p_Name, comparison.Continue).Paths;
+        };
+        constexpr auto c_Pending = FileFinding::Cause::Pending;
+        Add(comparison.LeftOver(Manifest.Files, read(PendingList::c_Base), examined), c_Pending);
+        Add(comparison.Named(Manifest.StreamedFiles, read(PendingList::c_Streamed)), c_Pending);
+        Add(MissingFiles(Manifest, Folder, Locale), c_Pending);
+    }
+    Finished = true;
+}
+
+void Inspection::Add(Entries const& p_Entries, FileFinding::Cause p_WhenThere)
+{
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Entries) {
+        if (Told.contains(entry.Path))
+            continue;
+        Told.insert(entry.Path);
+        FileFinding finding;
+        finding.Path = entry.Path;
+        finding.Location = entry.Location;
+        finding.IsDefaultServerOnly =
+            entry.Has(Launcher::ApplicationManifestFileEntry::DefaultServerOnly);
+        QFileInfo const file(Folder + entry.Path);
+        finding.Why = p_WhenThere;
+        if (!file.exists())
+            finding.Why = FileFinding::Cause::Missing;
+        else if (file.isDir())
+            finding.Why = FileFinding::Cause::Blocked;
+        Found.push_back(finding);
+    }
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,78 @@
+#include "Host/Core/Jobs/MirrorCheck.hpp"
+
+#include <QUrl>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+MirrorCheck::MirrorCheck(NetworkDoor& p_Door, std::string p_Manifest, std::string p_File)
+    : Door(p_Door)
+    , Manifest(std::move(p_Manifest))
+    , File(std::move(p_File))
+{
+    for (std::string const& server : Door->Servers())
+        if (std::find(Servers.begin(), Servers.end(), server) == Servers.end())
+            Servers.push_back(server);
+}
+
+void MirrorCheck::Begin()
+{
+    AskNext();
+}
+
+void MirrorCheck::AskNext()
+{
+    if (Found.size() == Servers.size()) {
+        Q_EMIT Finished();
+        return;
+    }
+    Gateway::Question question;
+    question.Server = Servers[Found.size()];
+    question.Path = Manifest;
+    Found.push_back({});
+    Found.back().Host = QUrl(QString::fromStdString(question.Server)).authority();
+    Door.Ask(question, *this, [this](Gateway::Reply const& p_Reply) { OnManifest(p_Reply); });
+}
+
+void MirrorCheck::OnManifest(Gateway::Reply const& p_Reply)
+{
+    MirrorReport& report = Found.back();
+    report.IsReachable = p_Reply.HttpStatus != 0;
+    if (p_Reply.Problem) {
+        report.Cause = QString::fromStdString(p_Reply.Problem->Cause);
+        return AskNext();
+    }
+    report.Milliseconds = p_Reply.Took.count();
+    if (Found.size() == 1)
+        Expected = p_Reply.Body;
+    report.HasSameBuild = !Expected.empty() && p_Reply.Body == Expected;
+    if (!report.HasSameBuild)
+        report.Cause = QStringLiteral("its manifest is not the default server's");
+    if (File.empty()) {
+        report.GivesRanges = true; // nothing to resume
+        return AskNext();
+    }
+    Gateway::Question question;
+    question.Server = Servers[Found.size() - 1];
+    question.Path = File;
+    question.Range = "0-0";
+    question.MostBytes = 1; // of a server that ignores ranges the whole file need not come
+    Door.Ask(question, *this, [this](Gateway::Reply const& p_Piece) { OnPiece(p_Piece); });
+}
+
+void MirrorCheck::OnPiece(Gateway::Reply const& p_Reply)
+{
+    constexpr int c_PartialContent = 206;
+
+    MirrorReport& report = Found.back();
+    report.GivesRanges = p_Reply.HttpStatus == c_PartialContent;
+    if (!report.GivesRanges && report.Cause.isEmpty())
+        report.Cause =
+            p_Reply.HttpStatus == 0 && p_Reply.Problem
+                ? QString::fromStdString(p_Reply.Problem->Cause)
+                : QStringLiteral("it answers a range with status %1").arg(p_Reply.HttpStatus);
+    AskNext();
+}
+
+} // namespace Varnholt::Host

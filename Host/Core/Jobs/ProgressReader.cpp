@@ -1,0 +1,141 @@
+#include "Host/Core/Jobs/ProgressReader.hpp"
+
+#include <QMutexLocker>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> const& p_Wait)
+{
+    constexpr qint64 c_Second = 1'000;
+
+    if (!p_Wait)
+        return std::nullopt;
+    ServerWait wait;
+    wait.Server = QUrl(QString::fromStdString(p_Wait->Problem.Url)).authority();
+    wait.Cause = QString::fromStdString(p_Wait->Problem.Cause);
+    wait.Silent = p_Wait->Silent.count() / c_Second;
+    wait.NextAttempt = (p_Wait->NextAttempt.count() + c_Second - 1) / c_Second;
+    return wait;
+}
+
+} // namespace
+
+ProgressReader::ProgressReader(Launcher::StandartApplication& p_Module, NetworkDoor const& p_Door)
+    : Module(p_Module)
+    , Door(p_Door)
+{
+}
+
+RunPhase ProgressReader::Phase() const
+{
+    using Launcher::ApplicationUISetting;
+
+    QMutexLocker const lock(&Module.RunMutex);
+    switch (Module.UISetting.Download.Mode) {
+    case ApplicationUISetting::ModeWaitingForHost:
+        return RunPhase::WaitingForHost;
+    case ApplicationUISetting::ModeWaitingForGame:
+        return RunPhase::WaitingForGame;
+    case ApplicationUISetting::ModeAskingSizes:
+        return RunPhase::AskingSizes;
+    case ApplicationUISetting::ModeDownloading:
+        return Module.IsDownloadingBase ? RunPhase::DownloadingBase : RunPhase::DownloadingStreamed;
+    case ApplicationUISetting::ModeSuspended:
+        return RunPhase::Suspended;
+    default: // comparing
+        // Raised for the base files and cleared for the streamed ones.
+        return Module.UISetting.Download.StatusFlag ? RunPhase::Comparing
+                                                    : RunPhase::ComparingStreamed;
+    }
+}
+
+RunSnapshot ProgressReader::Read(RunPhase p_Phase)
+{
+    if (p_Phase != LastPhase) {
+        LastPhase = p_Phase;
+        CountedFiles = 0;
+        CountedBytes = DoneBytes = TotalBytes = 0;
+    }
+    RunSnapshot snapshot;
+    snapshot.Phase = p_Phase;
+    quint64 const held = ReadDoor(snapshot);
+    QMutexLocker const lock(&Module.RunMutex);
+    if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
+        ReadComparison(snapshot);
+    } else if (p_Phase == RunPhase::AskingSizes) {
+        snapshot.FileNumber = Module.SizeRepliesReceived;
+        snapshot.FileCount = static_cast<quint32>(Module.FilesToDownload.size());
+    } else if (IsDownloading(p_Phase)) {
+        ReadDownload(snapshot, held);
+    }
+    return snapshot;
+}
+
+quint64 ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
+{
+    Gateway::GatewaySnapshot const door = Door->Snapshot();
+    p_Snapshot.BytesReceived = door.Received;
+    if (p_Snapshot.Phase != RunPhase::Suspended)
+        p_Snapshot.Wait = WaitOf(door.Waits);
+    if (!IsDownloading(p_Snapshot.Phase))
+        return door.Held;
+    p_Snapshot.Rate = door.Rate;
+    p_Snapshot.Mirror = QString::fromStdString(door.Server);
+    for (auto const& server : door.Servers)
+        if (server.Received > 0)
+            p_Snapshot.Servers.push_back({QString::fromStdString(server.Name), server.Rate});
+    return door.Held;
+}
+
+void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
+{
+    auto const& files = p_Snapshot.Phase == RunPhase::Comparing ? Module.Manifest.Files
+                                                                : Module.Manifest.StreamedFiles;
+    std::size_t const number =
+        std::min<std::size_t>(Module.UISetting.Download.Current, files.size());
+    p_Snapshot.FileNumber = static_cast<quint32>(number);
+    p_Snapshot.FileCount = static_cast<quint32>(files.size());
+    if (number > 0)
+        p_Snapshot.File = files[number - 1].Path;
+}
+
+void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
+{
+    std::size_t const count = Module.FilesToDownload.size();
+    std::size_t const index = Module.CurrentDownloadIndex;
+    p_Snapshot.FileCount = static_cast<quint32>(count);
+    p_Snapshot.FileNumber = static_cast<quint32>(std::min(index + 1, count));
+    if (index < count)
+        p_Snapshot.File = Module.FilesToDownload[index].Path;
+
+    quint64 done = FinishedBytes();
+    if (Module.CurrentDownload != nullptr)
+        done += static_cast<quint64>(Module.CurrentDownload->BytesOnDisk);
+    // The module's own figure falls back on a resumed file, of which it counts the last attempt
+    // only; and a file that is fetched again grows the total after its bytes have been counted.
+    TotalBytes = std::max<quint64>(TotalBytes, Module.UISetting.Download.Total);
+    DoneBytes = std::min(std::max(DoneBytes, done), TotalBytes);
+    p_Snapshot.BytesDone = DoneBytes;
+    p_Snapshot.BytesTotal = TotalBytes;
+    if (p_Snapshot.Rate > 0)
+        p_Snapshot.Remaining = static_cast<qint64>(
+            (RemainingBytes() - std::min(RemainingBytes(), p_Held)) / p_Snapshot.Rate);
+}
+
+quint64 ProgressReader::FinishedBytes()
+{
+    std::size_t const finished =
+        std::min<std::size_t>(Module.CurrentDownloadIndex, Module.FilesToDownload.size());
+    if (finished < CountedFiles)
+        CountedFiles = CountedBytes = 0;
+    for (; CountedFiles < finished; ++CountedFiles)
+        CountedBytes += Door.SizeOf(Module.FilesToDownload[CountedFiles].Location).value_or(0);
+    return CountedBytes;
+}
+
+} // namespace Varnholt::Host

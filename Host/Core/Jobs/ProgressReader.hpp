@@ -1,0 +1,40 @@
+#pragma once
+
+#include "GameModules/StandartApplication.hpp"
+#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Network/NetworkDoor.hpp"
+
+#include <cstddef>
+
+namespace Varnholt::Host {
+
+/// Turns the module's raw record and the door's figures into a snapshot. Module thread.
+class ProgressReader {
+public:
+    ProgressReader(Launcher::StandartApplication& p_Module, NetworkDoor const& p_Door);
+
+    /// The phase of a run that is under way.
+    RunPhase Phase() const;
+    /// \param p_Phase as the host knows it
+    RunSnapshot Read(RunPhase p_Phase);
+    /// Bytes that the current phase has still to write, as of the last snapshot.
+    quint64 RemainingBytes() const { return TotalBytes - DoneBytes; }
+
+private:
+    /// Adds what the door tells: rate, servers, waits. \return what it holds for the module
+    quint64 ReadDoor(RunSnapshot& p_Snapshot) const;
+    void ReadComparison(RunSnapshot& p_Snapshot) const;
+    /// \param p_Held bytes that have come through the network and are not on the disk yet
+    void ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held);
+    quint64 FinishedBytes();
+
+    Launcher::StandartApplication& Module;
+    NetworkDoor const& Door;
+    RunPhase LastPhase = RunPhase::Idle;
+    std::size_t CountedFiles = 0; ///< of the list, whose sizes are in `CountedBytes`
+    quint64 CountedBytes = 0;
+    quint64 DoneBytes = 0;
+    quint64 TotalBytes = 0;
+};
+
+} // namespace Varnholt::Host

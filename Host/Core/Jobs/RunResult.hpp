@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/FileFinding.hpp"
+#include "Host/Core/Jobs/MirrorReport.hpp"
+#include "Launcher/Application/ApplicationManifest.hpp"
+
+#include <QMetaType>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace Varnholt::Host {
+
+/// How a run ended.
+struct RunResult {
+    std::optional<Failure> Problem; ///< empty: everything wanted is in place
+    QString Build;                  ///< the build in words, empty when it is not known
+    QString Folder;
+    quint32 Transfers = 0; ///< files fetched, repeated ones counted again
+    QString Locale;        ///< the chosen language
+    std::vector<Launcher::ApplicationManifestLocale> Locales; ///< what the build offers
+    std::vector<FileFinding> Findings; ///< files that are not as the build wants them
+    std::vector<MirrorReport> Mirrors; ///< the default server first
+};
+
+} // namespace Varnholt::Host
+
+Q_DECLARE_METATYPE(Varnholt::Host::RunResult)

@@ -1,0 +1,124 @@
+#include "Host/Core/Module/HostCallbacks.hpp"
+
+#include <QReadWriteLock>
+
+namespace Varnholt::Host::HostCallbacks {
+
+namespace {
+
+// Read-locked by a callback for as long as it uses the environment. Recursive, since a callback may
+// lead to another one.
+QReadWriteLock g_EnvironmentLock(QReadWriteLock::Recursive);
+HostEnvironment* g_Environment = nullptr;
+
+/// Calls p_Use with the environment, or answers p_Otherwise when there is none.
+template <typename Result, typename Use>
+Result Ask(Result p_Otherwise, Use p_Use)
+{
+    QReadLocker const lock(&g_EnvironmentLock);
+    return g_Environment == nullptr ? p_Otherwise : p_Use(*g_Environment);
+}
+
+template <typename Use>
+void Tell(Use p_Use)
+{
+    QReadLocker const lock(&g_EnvironmentLock);
+    if (g_Environment != nullptr)
+        p_Use(*g_Environment);
+}
+
+void ErrorReporter(QString p_Message, bool)
+{
+    Tell([&](HostEnvironment& p_Host) { p_Host.OnError(p_Message); });
+}
+
+QVariant ReadSetting(QString p_Key, QVariant p_Default)
+{
+    return Ask(p_Default, [&](HostEnvironment& p_Host) {
+        bool const hidden = p_Host.Gate.IsPreview() && p_Key.endsWith(QLatin1String(".Installed"));
+        return hidden ? p_Default : p_Host.Settings.Value(p_Key, p_Default);
+    });
+}
+
+void WriteSetting(QString p_Key, QVariant p_Value)
+{
+    Tell([&](HostEnvironment& p_Host) {
+        if (!p_Host.Gate.IsPreview())
+            p_Host.Settings.SetValue(p_Key, p_Value);
+    });
+}
+
+QStringList ListSettingKeys()
+{
+    return Ask(QStringList(), [](HostEnvironment& p_Host) { return p_Host.Settings.Keys(); });
+}
+
+void RemoveSetting(QString p_Key)
+{
+    Tell([&](HostEnvironment& p_Host) {
+        if (!p_Host.Gate.IsPreview())
+            p_Host.Settings.Remove(p_Key);
+    });
+}
+
+Launcher::LauncherLocale CurrentLauncherLocale()
+{
+    return Ask(Launcher::LauncherLocale::Table()[0],
+               [](HostEnvironment& p_Host) { return p_Host.Locale; });
+}
+
+bool IsDownloadBlocked()
+{
+    return Ask(true, [](HostEnvironment& p_Host) { return !p_Host.Gate.IsOpenForDownload(); });
+}
+
+void NotifyDownloadStarting()
+{
+    Tell([](HostEnvironment& p_Host) { p_Host.OnDownloadStarting(); });
+}
+
+void NotifyDownloadFinished() {}
+
+bool ShouldContinue()
+{
+    return Ask(false, [](HostEnvironment& p_Host) { return p_Host.Gate.IsOpen(); });
+}
+
+bool UseDevChannel()
+{
+    return Ask(false, [](HostEnvironment& p_Host) { return p_Host.UseDevChannel; });
+}
+
+} // namespace
+
+bool Claim(HostEnvironment& p_Environment)
+{
+    QWriteLocker const lock(&g_EnvironmentLock);
+    if (g_Environment == nullptr)
+        g_Environment = &p_Environment;
+    return g_Environment == &p_Environment;
+}
+
+void Install(Launcher::Application& p_Application)
+{
+    p_Application.ErrorReporter = ErrorReporter;
+    p_Application.ReadSetting = ReadSetting;
+    p_Application.WriteSetting = WriteSetting;
+    p_Application.ListSettingKeys = ListSettingKeys;
+    p_Application.RemoveSetting = RemoveSetting;
+    p_Application.CurrentLauncherLocale = CurrentLauncherLocale;
+    p_Application.IsDownloadBlocked = IsDownloadBlocked;
+    p_Application.NotifyDownloadStarting = NotifyDownloadStarting;
+    p_Application.NotifyDownloadFinished = NotifyDownloadFinished;
+    p_Application.ShouldContinue = ShouldContinue;
+    p_Application.UseDevChannel = UseDevChannel;
+}
+
+void Remove(HostEnvironment& p_Environment)
+{
+    QWriteLocker const lock(&g_EnvironmentLock);
+    if (g_Environment == &p_Environment)
+        g_Environment = nullptr;
+}
+
+} // namespace Varnholt::Host::HostCallbacks

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Host/Core/Module/HostEnvironment.hpp"
+#include "Launcher/Application/Application.hpp"
+
+/// The host's side of the module's callback table.
+///
+/// The table holds plain functions without an argument for "whose", so that one environment serves
+/// the whole process. Without an environment the callbacks answer what stops a module soonest.
+namespace Varnholt::Host::HostCallbacks {
+
+/// Makes the environment the process's own: before a module is loaded, since a second loading
+/// gives the first one's object.
+/// \return false when another environment is in place already
+bool Claim(HostEnvironment& p_Environment);
+
+/// Fills in every callback.
+void Install(Launcher::Application& p_Application);
+
+/// Returns when no callback uses the environment any more.
+void Remove(HostEnvironment& p_Environment);
+
+} // namespace Varnholt::Host::HostCallbacks

@@ -1,0 +1,221 @@
+#include "Host/Core/Module/ModuleHost.hpp"
+
+#include "GameModules/PendingList.hpp"
+#include "Host/Core/Module/HostCallbacks.hpp"
+
+#include <QDir>
+#include <QLocale>
+
+namespace Varnholt::Host {
+
+namespace {
+
+/// The launcher language nearest to the system's.
+Launcher::LauncherLocale SystemLocale()
+{
+    QString const system = QLocale::system().name().left(2);
+    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available())
+        if (locale.Code.startsWith(system))
+            return locale;
+    return Launcher::LauncherLocale::Table()[0];
+}
+
+int PendingCount(QString const& p_List)
+{
+    return Launcher::PendingList::Read(p_List, [] { return true; }).Paths.size();
+}
+
+} // namespace
+
+ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
+    : Options(std::move(p_Options))
+    , Settings(p_Settings)
+    , Environment{p_Settings, Gate, Options.UseDevChannel, SystemLocale(), {}, {}}
+    , Copies(p_Settings.File())
+    , TurnTimer(this)
+{
+    constexpr int c_TurnMilliseconds = 15; // the module's queue cannot wake anybody
+
+    // Here and not on the module thread: others may read the environment once that runs.
+    if (HostCallbacks::Claim(Environment))
+        Door = std::make_unique<NetworkDoor>(Options, *this);
+    TurnTimer.setInterval(c_TurnMilliseconds);
+    connect(&TurnTimer, &QTimer::timeout, this, [this] { Turn(); });
+}
+
+ModuleHost::~ModuleHost() = default;
+
+void ModuleHost::Load()
+{
+    if (IsLoaded())
+        return;
+    if (!Settings.Flush()) {
+        Q_EMIT LoadFailed({FailureKind::SettingsUnwritable, Settings.File(), {}});
+        return;
+    }
+    if (auto const failure = LoadModule()) {
+        Q_EMIT LoadFailed(*failure);
+        return;
+    }
+    Assemble();
+    HostCallbacks::Install(*Loader.Application());
+    Worker->start();
+    TurnTimer.start();
+    Q_EMIT Loaded(Loader.Info());
+}
+
+std::optional<Failure> ModuleHost::LoadModule()
+{
+    QString const file =
+        Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
+    if (!Door)
+        return Failure{FailureKind::ModuleUnloadable, file,
+                       QStringLiteral("another session of this program uses a module")};
+    if (!Door->IsOpen())
+        return Failure{FailureKind::Other, QStringLiteral("the start"),
+                       QStringLiteral("the system lets nobody listen on 127.0.0.1")};
+    return Loader.Load(file);
+}
+
+void ModuleHost::Assemble()
+{
+    Launcher::StandartApplication& module = *Loader.Application();
+    Door->Serve(module.AppId);
+    Record = std::make_unique<InstallRecord>(Settings, module.AppId);
+    Pump = std::make_unique<QueuePump>(module);
+    Worker = std::make_unique<AsyncWorker>(module);
+    Ledger = std::make_unique<TransferLedger>(
+        module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
+    // The next file need not wait for the clock.
+    connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
+    Watch = std::make_unique<RunWatch>(module, *Pump, *Worker, *Ledger);
+    Control = std::make_unique<RunControl>(
+        RunContext{module, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
+    connect(Control.get(), &RunControl::Progressed, this, &ModuleHost::Progressed);
+    connect(Control.get(), &RunControl::Noticed, this, &ModuleHost::Noticed);
+    connect(Control.get(), &RunControl::Ended, this, &ModuleHost::Ended);
+
+    Environment.OnError = [this](QString const& p_Message) {
+        QMetaObject::invokeMethod(
+            this, [this, p_Message] { OnError(p_Message); }, Qt::QueuedConnection);
+    };
+    // The last moment before the first byte: from here on a kill leaves things half done.
+    Environment.OnDownloadStarting = [this] { Record->MarkUnfinished(); };
+}
+
+void ModuleHost::OnError(QString const& p_Message)
+{
+    if (p_Message.startsWith(QLatin1String("File ")))
+        Q_EMIT Noticed(p_Message); // the door knows the others better
+}
+
+void ModuleHost::ReadStatus()
+{
+    if (!IsLoaded())
+        return;
+    InstallStatus status;
+    status.Name = Loader.Application()->GetName();
+    status.IsInstalled = Record->IsInstalled();
+    status.Folder = Record->Folder();
+    status.FolderExists = !status.Folder.isEmpty() && QDir(status.Folder).exists();
+    status.Locale = Loader.Application()->GetAppLocale();
+    status.Build = Record->CompletedBuild();
+    status.IsUnfinished = Record->IsUnfinished();
+    if (status.FolderExists) {
+        status.PendingBase = PendingCount(status.Folder + Launcher::PendingList::c_Base);
+        status.PendingStreamed = PendingCount(status.Folder + Launcher::PendingList::c_Streamed);
+    }
+    Q_EMIT StatusRead(status);
+}
+
+void ModuleHost::Start(RunRequest const& p_Request)
+{
+    if (IsLoaded() && !Closing)
+        Control->Begin(p_Request);
+}
+
+void ModuleHost::Pause()
+{
+    if (IsLoaded() && !Closing)
+        Control->Pause();
+}
+
+void ModuleHost::Continue()
+{
+    if (IsLoaded() && !Closing)
+        Control->Continue();
+}
+
+void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
+{
+    if (Door)
+        (*Door)->SetRateLimit(p_BytesPerSecond);
+    else
+        Options.BytesPerSecond = p_BytesPerSecond;
+}
+
+void ModuleHost::Interrupt()
+{
+    if (IsLoaded() && !Closing)
+        Control->Interrupt();
+}
+
+void ModuleHost::Turn()
+{
+    if (Closing)
+        return CloseWhenRested();
+    Control->BeforePump();
+    if (!Control->HoldsPump())
+        Pump->Drain();
+    Control->AfterPump();
+}
+
+void ModuleHost::Close()
+{
+    constexpr int c_MostMilliseconds = 10'000;
+
+    if (Closing)
+        return;
+    Closing = true;
+    Gate.Close();
+    if (!TurnTimer.isActive())
+        return FinishClose();
+    CloseDeadline.setRemainingTime(c_MostMilliseconds);
+    Control->Interrupt();
+    Loader.Application()->SuspendDownload();
+    Control->AbandonReplies(); // a fetch that is cut off leaves its record behind
+}
+
+void ModuleHost::CloseWhenRested()
+{
+    bool const rested = Loader.Application()->CurrentDownload == nullptr && Ledger->IsEmpty();
+    if (!rested && !CloseDeadline.hasExpired())
+        return;
+    TurnTimer.stop();
+    // Behind the last clean-up. Not once the queue is empty: a wait for the game to quit queues
+    // itself for ever.
+    Loader.Application()->EnqueueAsync([this] {
+        QMetaObject::invokeMethod(
+            this, [this] { FinishClose(); }, Qt::QueuedConnection);
+    });
+}
+
+void ModuleHost::FinishClose()
+{
+    Control.reset();
+    Watch.reset();
+    if (Worker)
+        Worker->Stop();
+    HostCallbacks::Remove(Environment);
+    Pump.reset();
+    if (IsLoaded()) {
+        Loader.Application()->OnDownloadRetired = nullptr;
+        Ledger.reset();
+        Worker.reset();
+        Loader.Release();
+    }
+    Door.reset();
+    Q_EMIT Closed();
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Host/Core/Jobs/RunControl.hpp"
+#include "Host/Core/Module/AsyncWorker.hpp"
+#include "Host/Core/Module/HostEnvironment.hpp"
+#include "Host/Core/Module/ModuleInfo.hpp"
+#include "Host/Core/Module/ModuleLoader.hpp"
+#include "Host/Core/Module/QueuePump.hpp"
+#include "Host/Core/Module/RunWatch.hpp"
+#include "Host/Core/Module/TransferLedger.hpp"
+#include "Host/Core/Network/NetworkDoor.hpp"
+#include "Host/Core/Network/OfflineCopies.hpp"
+#include "Host/Core/Session/InstallStatus.hpp"
+#include "Host/Core/Settings/HostOptions.hpp"
+#include "Host/Core/Settings/InstallRecord.hpp"
+
+#include <QDeadlineTimer>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace Varnholt::Host {
+
+/// Everything that lives on the module thread: the module's object, the pump of its closures, and
+/// what watches it. `HostSession` is what programs use.
+class ModuleHost : public QObject {
+    Q_OBJECT
+
+public:
+    ModuleHost(HostOptions p_Options, HostSettings& p_Settings);
+    ~ModuleHost() override;
+
+    void Load();
+    void ReadStatus();
+    void Start(RunRequest const& p_Request);
+    void Pause();
+    void Continue();
+    void SetRateLimit(quint64 p_BytesPerSecond);
+    void Interrupt();
+    /// Ends what is under way, deletes the module and emits `Closed`.
+    void Close();
+
+Q_SIGNALS:
+    void Loaded(ModuleInfo p_Info);
+    void LoadFailed(Failure p_Failure);
+    void StatusRead(InstallStatus p_Status);
+    void Progressed(RunSnapshot p_Snapshot);
+    void Noticed(QString p_Text);
+    void Ended(RunResult p_Result);
+    void Closed();
+
+private:
+    bool IsLoaded() const { return Loader.Application() != nullptr; }
+    std::optional<Failure> LoadModule();
+    void Assemble();
+    void Turn();
+    void OnError(QString const& p_Message);
+    void CloseWhenRested();
+    void FinishClose();
+
+    HostOptions Options;
+    HostSettings& Settings;
+    RunGate Gate;
+    HostEnvironment Environment;
+    OfflineCopies Copies;
+    std::unique_ptr<NetworkDoor> Door; ///< null when another session has one; outlives the module
+    ModuleLoader Loader;
+    QTimer TurnTimer;
+    bool Closing = false;
+    QDeadlineTimer CloseDeadline;
+
+    // In the order of their needs; all null until the module is loaded.
+    std::unique_ptr<InstallRecord> Record;
+    std::unique_ptr<QueuePump> Pump;
+    std::unique_ptr<AsyncWorker> Worker;
+    std::unique_ptr<TransferLedger> Ledger;
+    std::unique_ptr<RunWatch> Watch;
+    std::unique_ptr<RunControl> Control;
+};
+
+} // namespace Varnholt::Host

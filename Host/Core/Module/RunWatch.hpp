@@ -1,0 +1,32 @@
+#pragma once
+
+#include "GameModules/StandartApplication.hpp"
+#include "Host/Core/Module/AsyncWorker.hpp"
+#include "Host/Core/Module/QueuePump.hpp"
+#include "Host/Core/Module/TransferLedger.hpp"
+
+namespace Varnholt::Host {
+
+/// Sees when a run is over. The module does not tell: it falls silent, whether all is in place, a
+/// server gave no answer, or a file could not be opened. Module thread.
+class RunWatch {
+public:
+    RunWatch(Launcher::StandartApplication& p_Module, QueuePump const& p_Pump,
+             AsyncWorker const& p_Worker, TransferLedger const& p_Ledger);
+
+    /// Called once in each turn of the event loop. \return true when nothing has been queued,
+    /// running or in flight for two turns: what one turn has finished may still have posted work
+    bool Observe();
+    void Reset() { QuietTurns = 0; }
+
+private:
+    bool IsQuiet() const;
+
+    Launcher::StandartApplication& Module;
+    QueuePump const& Pump;
+    AsyncWorker const& Worker;
+    TransferLedger const& Ledger;
+    int QuietTurns = 0;
+};
+
+} // namespace Varnholt::Host

@@ -1,0 +1,57 @@
+#include "Host/Core/Settings/InstallRecord.hpp"
+
+#include "Launcher/Helper/Paths.hpp"
+
+namespace Varnholt::Host {
+
+InstallRecord::InstallRecord(HostSettings& p_Settings, QString p_AppId)
+    : Settings(p_Settings)
+    , AppId(std::move(p_AppId))
+{
+}
+
+QString InstallRecord::HostKey(char const* p_Name) const
+{
+    return QStringLiteral("host/%1/%2").arg(AppId, QLatin1String(p_Name));
+}
+
+bool InstallRecord::IsInstalled() const
+{
+    return Settings.Value(ModuleKey(".Installed"), false).toBool() && !Folder().isEmpty();
+}
+
+QString InstallRecord::Folder() const
+{
+    QString const folder = Settings.Value(ModuleKey(".InstallFolder")).toString();
+    return folder.isEmpty() ? folder : Launcher::Helper::Paths::WithSlash(folder);
+}
+
+bool InstallRecord::IsUnfinished() const
+{
+    return Settings.Value(HostKey("unfinished"), false).toBool();
+}
+
+void InstallRecord::MarkUnfinished()
+{
+    Settings.SetValue(HostKey("unfinished"), true);
+}
+
+bool InstallRecord::MarkComplete(QString const& p_Build)
+{
+    Settings.SetValue(HostKey("build"), p_Build);
+    Settings.Remove(HostKey("unfinished"));
+    return Settings.Flush();
+}
+
+void InstallRecord::Forget()
+{
+    Settings.Remove(HostKey("build"));
+    Settings.Remove(HostKey("unfinished"));
+}
+
+QString InstallRecord::CompletedBuild() const
+{
+    return Settings.Value(HostKey("build")).toString();
+}
+
+} // namespace Varnholt::Host
