@@ -5,6 +5,7 @@
 #include "Host/Core/Failures/ByteText.hpp"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 namespace Varnholt::Host {
 
@@ -34,11 +35,26 @@ int Program::Run()
             [this](RunSnapshot const& p_Snapshot) { Output.ShowProgress(p_Snapshot); });
     connect(Session.get(), &HostSession::Noticed, this,
             [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
-    connect(Session.get(), &HostSession::Ended, this, &Program::OnEnded);
+    connect(Session.get(), &HostSession::Ended, this,
+            [this](quint64, RunResult const& p_Result) { OnEnded(p_Result); });
+    connect(Session.get(), &HostSession::Closed, this, [] { QCoreApplication::exit(); });
     Session->Open();
     int const status = QCoreApplication::exec();
-    Session.reset(); // stops what is under way, and waits for it
+    CloseSession();
     return status;
+}
+
+/// Waits for the module to put everything in order; not long once the user has had enough.
+void Program::CloseSession()
+{
+    constexpr int c_MostMilliseconds = 10'000;
+    constexpr int c_MostAfterInterruption = 50;
+
+    QTimer::singleShot(SignalWatch::IsEndRequested() ? c_MostAfterInterruption : c_MostMilliseconds,
+                       this, [] { QCoreApplication::exit(); });
+    Session->Close();
+    QCoreApplication::exec();
+    Session.reset();
 }
 
 void Program::OnOpened(ModuleInfo const& p_Info)

@@ -5,6 +5,7 @@
 #include "Host/Cli/SignalWatch.hpp"
 #include "Host/Core/Session/ControlSocket.hpp"
 #include "Host/Core/Session/HostSession.hpp"
+#include "Host/Core/Settings/HostSettings.hpp"
 
 #include <QObject>
 
@@ -23,6 +24,7 @@ public:
     int Run();
 
 private:
+    void CloseSession();
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
     void OnEnded(RunResult const& p_Result);

@@ -21,11 +21,14 @@ SessionGame::SessionGame()
     Options.Flush = [](QString const&) {}; // everybody's files would be waited for
 }
 
-SessionGame::~SessionGame() = default;
+SessionGame::~SessionGame()
+{
+    Close();
+}
 
 bool SessionGame::Open()
 {
-    Current.reset();
+    Close();
     Info.reset();
     OpenFailure.reset();
     Current = std::make_unique<Host::HostSession>(Options);
@@ -46,6 +49,14 @@ Host::RunRequest SessionGame::QuickCheck()
 
 void SessionGame::Close()
 {
+    if (!Current)
+        return;
+    bool isClosed = false;
+    QObject::connect(Current.get(), &Host::HostSession::Closed, Current.get(),
+                     [&] { isClosed = true; });
+    Current->Close();
+    if (!WaitUntil([&] { return isClosed; }))
+        qFatal("the session does not close");
     Current.reset();
 }
 
@@ -66,7 +77,10 @@ void SessionGame::Listen()
     QObject::connect(Current.get(), &HostSession::Noticed, context,
                      [this](QString const& p_Text) { Notices += p_Text; });
     QObject::connect(Current.get(), &HostSession::Ended, context,
-                     [this](Host::RunResult const& p_Result) { Results.push_back(p_Result); });
+                     [this](quint64 p_Id, Host::RunResult const& p_Result) {
+                         EndedIds.push_back(p_Id);
+                         Results.push_back(p_Result);
+                     });
 }
 
 void SessionGame::Start(RequestType p_Kind, QString const& p_Argument)
@@ -167,6 +181,7 @@ void SessionGame::Forget()
 {
     Snapshots.clear();
     Results.clear();
+    EndedIds.clear();
     Notices.clear();
 }
 

@@ -34,9 +34,9 @@ public:
     QString Run(Host::RunRequest const& p_Request);
     /// Waits for the end of what was started; tells how it ended, or "still" and the phase.
     QString End();
-    /// Installs into the folder. \return how it ended
     /// A check of the build's number only.
     static Host::RunRequest QuickCheck();
+    /// Installs into the folder. \return how it ended
     QString Install() { return Run(RequestType::Install, Folder); }
     /// The same though it holds other files.
     QString InstallOver();
@@ -65,6 +65,7 @@ public:
     LogCapture Log;
     std::vector<Host::RunSnapshot> Snapshots; ///< since the last start
     std::vector<Host::RunResult> Results;
+    std::vector<quint64> EndedIds; ///< of the requests, beside `Results`
     std::vector<Host::InstallStatus> Statuses;
     QStringList Notices;
     std::optional<Host::ModuleInfo> Info;

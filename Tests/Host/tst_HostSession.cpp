@@ -56,7 +56,7 @@ private Q_SLOTS:
     void WhatLiesThereOfAFileCountsAsDone();
     void ADownloadIsShownWithItsFileItsMirrorAndItsRate();
     void EveryRunEndsExactlyOnce();
-    void ARequestDuringARunIsNotHeard();
+    void ARequestDuringARunIsRefused();
     void OneSessionServesManyRequests();
     void ASessionAfterAnotherLoadsTheModuleAgain();
     void ASecondSessionBesideTheFirstIsRefused();
@@ -202,7 +202,7 @@ void HostSessionTest::EveryRunEndsExactlyOnce()
     QCOMPARE(game.Phases().back(), RunPhase::Failed);
 }
 
-void HostSessionTest::ARequestDuringARunIsNotHeard()
+void HostSessionTest::ARequestDuringARunIsRefused()
 {
     SessionGame game;
     game.AddFiles().Publish();
@@ -213,11 +213,13 @@ void HostSessionTest::ARequestDuringARunIsNotHeard()
     QVERIFY(game.WaitForPhase(RunPhase::Connecting));
     Host::RunRequest other;
     other.Kind = RequestType::Uninstall;
-    game.Session().Start(other);
+    quint64 const refused = game.Session().Start(other);
+    QCOMPARE(game.End(), QString("session-busy"));
+    QCOMPARE(game.EndedIds, std::vector<quint64>{refused});
     game.Server.OpenGate(version);
-    QCOMPARE(game.End(), QString("done"));
-    game.Status();
-    QCOMPARE(game.Results.size(), std::size_t(1));
+    QVERIFY(game.WaitUntil([&] { return game.Results.size() == 2; }));
+    QVERIFY(!game.Result().Problem);
+    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused - 1}));
     QCOMPARE(game.Wrong(), QStringList());
 }
 

@@ -10,6 +10,8 @@ enum class FailureKind {
     ModuleMissing,
     ModuleForeign,
     ModuleUnloadable,
+    ModuleNotLoaded,
+    SessionBusy,
     ServerUnreachable,
     ServerRefusal,
     ServerSilent,

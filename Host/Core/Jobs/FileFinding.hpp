@@ -3,6 +3,9 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <cstddef>
+#include <vector>
+
 namespace Varnholt::Host {
 
 /// A file that an update or repair would fetch, and why.
@@ -23,5 +26,10 @@ struct FileFinding {
     /// "missing", "different", "blocked" or "pending".
     QString CauseText() const;
 };
+
+/// "1 file", "3 files".
+QString FileCountText(std::size_t p_Count);
+/// "3 files (1.2 MiB)"; "at least" when a server did not tell every size.
+QString AmountText(std::vector<FileFinding> const& p_Findings);
 
 } // namespace Varnholt::Host

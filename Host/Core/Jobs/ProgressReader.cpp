@@ -1,6 +1,5 @@
 #include "Host/Core/Jobs/ProgressReader.hpp"
 
-#include <QMutexLocker>
 #include <QUrl>
 
 #include <algorithm>
@@ -25,8 +24,11 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
 
 } // namespace
 
-ProgressReader::ProgressReader(Launcher::StandartApplication& p_Module, NetworkDoor const& p_Door)
-    : Module(p_Module)
+ProgressReader::ProgressReader(ModuleView const& p_View,
+                               Launcher::ApplicationManifest const& p_Manifest,
+                               NetworkDoor const& p_Door)
+    : View(p_View)
+    , Manifest(p_Manifest)
     , Door(p_Door)
 {
 }
@@ -35,8 +37,7 @@ RunPhase ProgressReader::Phase() const
 {
     using Launcher::ApplicationUISetting;
 
-    QMutexLocker const lock(&Module.RunMutex);
-    switch (Module.UISetting.Download.Mode) {
+    switch (View.Mode()) {
     case ApplicationUISetting::ModeWaitingForHost:
         return RunPhase::WaitingForHost;
     case ApplicationUISetting::ModeWaitingForGame:
@@ -44,13 +45,11 @@ RunPhase ProgressReader::Phase() const
     case ApplicationUISetting::ModeAskingSizes:
         return RunPhase::AskingSizes;
     case ApplicationUISetting::ModeDownloading:
-        return Module.IsDownloadingBase ? RunPhase::DownloadingBase : RunPhase::DownloadingStreamed;
+        return View.FetchesBase() ? RunPhase::DownloadingBase : RunPhase::DownloadingStreamed;
     case ApplicationUISetting::ModeSuspended:
         return RunPhase::Suspended;
-    default: // comparing
-        // Raised for the base files and cleared for the streamed ones.
-        return Module.UISetting.Download.StatusFlag ? RunPhase::Comparing
-                                                    : RunPhase::ComparingStreamed;
+    default:
+        return View.ComparesBase() ? RunPhase::Comparing : RunPhase::ComparingStreamed;
     }
 }
 
@@ -64,12 +63,11 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase)
     RunSnapshot snapshot;
     snapshot.Phase = p_Phase;
     quint64 const held = ReadDoor(snapshot);
-    QMutexLocker const lock(&Module.RunMutex);
     if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
         ReadComparison(snapshot);
     } else if (p_Phase == RunPhase::AskingSizes) {
-        snapshot.FileNumber = Module.SizeRepliesReceived;
-        snapshot.FileCount = static_cast<quint32>(Module.FilesToDownload.size());
+        snapshot.FileNumber = View.SizesAnswered();
+        snapshot.FileCount = static_cast<quint32>(View.Progress().Count);
     } else if (IsDownloading(p_Phase)) {
         ReadDownload(snapshot, held);
     }
@@ -94,10 +92,9 @@ quint64 ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
 
 void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
 {
-    auto const& files = p_Snapshot.Phase == RunPhase::Comparing ? Module.Manifest.Files
-                                                                : Module.Manifest.StreamedFiles;
-    std::size_t const number =
-        std::min<std::size_t>(Module.UISetting.Download.Current, files.size());
+    auto const& files =
+        p_Snapshot.Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles;
+    std::size_t const number = std::min(View.ComparedFile(), files.size());
     p_Snapshot.FileNumber = static_cast<quint32>(number);
     p_Snapshot.FileCount = static_cast<quint32>(files.size());
     if (number > 0)
@@ -106,19 +103,15 @@ void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
 
 void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
 {
-    std::size_t const count = Module.FilesToDownload.size();
-    std::size_t const index = Module.CurrentDownloadIndex;
-    p_Snapshot.FileCount = static_cast<quint32>(count);
-    p_Snapshot.FileNumber = static_cast<quint32>(std::min(index + 1, count));
-    if (index < count)
-        p_Snapshot.File = Module.FilesToDownload[index].Path;
+    ModuleView::Download const download = View.Progress();
+    p_Snapshot.FileCount = static_cast<quint32>(download.Count);
+    p_Snapshot.FileNumber = static_cast<quint32>(std::min(download.Index + 1, download.Count));
+    p_Snapshot.File = download.File;
 
-    quint64 done = FinishedBytes();
-    if (Module.CurrentDownload != nullptr)
-        done += static_cast<quint64>(Module.CurrentDownload->BytesOnDisk);
+    quint64 const done = FinishedBytes(download.Index) + download.BytesOnDisk;
     // The module's own figure falls back on a resumed file, of which it counts the last attempt
     // only; and a file that is fetched again grows the total after its bytes have been counted.
-    TotalBytes = std::max<quint64>(TotalBytes, Module.UISetting.Download.Total);
+    TotalBytes = std::max(TotalBytes, download.BytesTotal);
     DoneBytes = std::min(std::max(DoneBytes, done), TotalBytes);
     p_Snapshot.BytesDone = DoneBytes;
     p_Snapshot.BytesTotal = TotalBytes;
@@ -127,14 +120,13 @@ void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
             (RemainingBytes() - std::min(RemainingBytes(), p_Held)) / p_Snapshot.Rate);
 }
 
-quint64 ProgressReader::FinishedBytes()
+quint64 ProgressReader::FinishedBytes(std::size_t p_Finished)
 {
-    std::size_t const finished =
-        std::min<std::size_t>(Module.CurrentDownloadIndex, Module.FilesToDownload.size());
-    if (finished < CountedFiles)
+    if (p_Finished < CountedFiles)
         CountedFiles = CountedBytes = 0;
-    for (; CountedFiles < finished; ++CountedFiles)
-        CountedBytes += Door.SizeOf(Module.FilesToDownload[CountedFiles].Location).value_or(0);
+    for (QString const& location : View.Locations(CountedFiles, p_Finished))
+        CountedBytes += Door.SizeOf(location).value_or(0);
+    CountedFiles = p_Finished;
     return CountedBytes;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "GameModules/StandartApplication.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 
 #include <cstddef>
@@ -11,7 +11,8 @@ namespace Varnholt::Host {
 /// Turns the module's raw record and the door's figures into a snapshot. Module thread.
 class ProgressReader {
 public:
-    ProgressReader(Launcher::StandartApplication& p_Module, NetworkDoor const& p_Door);
+    ProgressReader(ModuleView const& p_View, Launcher::ApplicationManifest const& p_Manifest,
+                   NetworkDoor const& p_Door);
 
     /// The phase of a run that is under way.
     RunPhase Phase() const;
@@ -26,9 +27,10 @@ private:
     void ReadComparison(RunSnapshot& p_Snapshot) const;
     /// \param p_Held bytes that have come through the network and are not on the disk yet
     void ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held);
-    quint64 FinishedBytes();
+    quint64 FinishedBytes(std::size_t p_Finished);
 
-    Launcher::StandartApplication& Module;
+    ModuleView const& View;
+    Launcher::ApplicationManifest const& Manifest;
     NetworkDoor const& Door;
     RunPhase LastPhase = RunPhase::Idle;
     std::size_t CountedFiles = 0; ///< of the list, whose sizes are in `CountedBytes`

@@ -25,6 +25,7 @@ constexpr Row c_Table[] = {
     {RunPhase::ComparingStreamed, "comparing-streamed", "comparing streamed files"},
     {RunPhase::DownloadingStreamed, "downloading-streamed", "downloading streamed files"},
     {RunPhase::Suspended, "suspended", "suspended"},
+    {RunPhase::Uninstalling, "uninstalling", "removing files"},
     {RunPhase::Finished, "finished", "finished"},
     {RunPhase::Failed, "failed", "failed"},
 };

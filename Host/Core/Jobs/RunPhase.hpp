@@ -17,6 +17,7 @@ enum class RunPhase {
     ComparingStreamed,
     DownloadingStreamed,
     Suspended,
+    Uninstalling,
     Finished,
     Failed,
 };

@@ -22,7 +22,7 @@ SizeSurvey::SizeSurvey(std::vector<FileFinding> p_Findings, NetworkDoor& p_Door,
         file.OfDefaultServer = finding.IsDefaultServerOnly;
         asked.push_back(file);
     }
-    Door->AskSizes(std::move(asked));
+    Door->AskSizes(asked);
     SinceAnswer.start();
 }
 

@@ -1,6 +1,7 @@
 #include "Host/Core/Module/ModuleHost.hpp"
 
 #include "GameModules/PendingList.hpp"
+#include "Host/Core/Jobs/JobTable.hpp"
 #include "Host/Core/Module/HostCallbacks.hpp"
 
 #include <QDir>
@@ -61,7 +62,7 @@ void ModuleHost::Load()
     HostCallbacks::Install(*Loader.Application());
     Worker->start();
     TurnTimer.start();
-    Q_EMIT Loaded(Loader.Info());
+    Q_EMIT Loaded(Info);
 }
 
 std::optional<Failure> ModuleHost::LoadModule()
@@ -80,6 +81,8 @@ std::optional<Failure> ModuleHost::LoadModule()
 void ModuleHost::Assemble()
 {
     Launcher::StandartApplication& module = *Loader.Application();
+    Info = Loader.Info();
+    View = std::make_unique<ModuleView>(module);
     Door->Serve(module.AppId);
     Record = std::make_unique<InstallRecord>(Settings, module.AppId);
     Pump = std::make_unique<QueuePump>(module);
@@ -88,12 +91,9 @@ void ModuleHost::Assemble()
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
     // The next file need not wait for the clock.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
-    Watch = std::make_unique<RunWatch>(module, *Pump, *Worker, *Ledger);
-    Control = std::make_unique<RunControl>(
-        RunContext{module, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
-    connect(Control.get(), &RunControl::Progressed, this, &ModuleHost::Progressed);
-    connect(Control.get(), &RunControl::Noticed, this, &ModuleHost::Noticed);
-    connect(Control.get(), &RunControl::Ended, this, &ModuleHost::Ended);
+    Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
+    Context = std::make_unique<RunContext>(
+        RunContext{module, *View, Info, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
 
     Environment.OnError = [this](QString const& p_Message) {
         QMetaObject::invokeMethod(
@@ -128,22 +128,49 @@ void ModuleHost::ReadStatus()
     Q_EMIT StatusRead(status);
 }
 
-void ModuleHost::Start(RunRequest const& p_Request)
+void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
 {
-    if (IsLoaded() && !Closing)
-        Control->Begin(p_Request);
+    if (!IsLoaded() || Closing)
+        return Refuse(p_Id, FailureKind::ModuleNotLoaded);
+    if (Current)
+        return Refuse(p_Id, FailureKind::SessionBusy);
+    PumpHeld = false;
+    Gate.Begin();
+    CurrentId = p_Id;
+    Current = JobTable::Make(*Context, p_Request);
+    connect(Current.get(), &Job::Progressed, this, &ModuleHost::Progressed);
+    connect(Current.get(), &Job::Noticed, this, &ModuleHost::Noticed);
+    connect(Current.get(), &Job::Ended, this, &ModuleHost::OnEnded);
+    Current->Begin();
+}
+
+void ModuleHost::Refuse(quint64 p_Id, FailureKind p_Kind)
+{
+    RunResult result;
+    result.Problem = Failure{p_Kind, {}, {}};
+    Q_EMIT Ended(p_Id, result);
+}
+
+/// Called by the job itself, which goes when that has returned.
+void ModuleHost::OnEnded(RunResult const& p_Result)
+{
+    PumpHeld = p_Result.Problem.has_value();
+    Current.release()->deleteLater();
+    Q_EMIT Ended(CurrentId, p_Result);
 }
 
 void ModuleHost::Pause()
 {
-    if (IsLoaded() && !Closing)
-        Control->Pause();
+    if (Current && Current->CanPause())
+        Current->Pause();
+    else
+        Gate.Release(); // there is no transfer to pause
 }
 
 void ModuleHost::Continue()
 {
-    if (IsLoaded() && !Closing)
-        Control->Continue();
+    if (Current)
+        Current->Continue();
 }
 
 void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
@@ -156,18 +183,20 @@ void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
 
 void ModuleHost::Interrupt()
 {
-    if (IsLoaded() && !Closing)
-        Control->Interrupt();
+    if (Current)
+        Current->Interrupt();
 }
 
 void ModuleHost::Turn()
 {
     if (Closing)
         return CloseWhenRested();
-    Control->BeforePump();
-    if (!Control->HoldsPump())
+    if (Current)
+        Current->BeforePump();
+    if (!PumpHeld && !(Current && Current->HoldsPump()))
         Pump->Drain();
-    Control->AfterPump();
+    if (Current)
+        Current->AfterPump();
 }
 
 void ModuleHost::Close()
@@ -181,9 +210,9 @@ void ModuleHost::Close()
     if (!TurnTimer.isActive())
         return FinishClose();
     CloseDeadline.setRemainingTime(c_MostMilliseconds);
-    Control->Interrupt();
+    Interrupt();
     Loader.Application()->SuspendDownload();
-    Control->AbandonReplies(); // a fetch that is cut off leaves its record behind
+    View->AbandonReplies(); // a fetch that is cut off leaves its record behind
 }
 
 void ModuleHost::CloseWhenRested()
@@ -202,7 +231,7 @@ void ModuleHost::CloseWhenRested()
 
 void ModuleHost::FinishClose()
 {
-    Control.reset();
+    Context.reset();
     Watch.reset();
     if (Worker)
         Worker->Stop();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/Jobs/RunControl.hpp"
+#include "Host/Core/Jobs/Job.hpp"
 #include "Host/Core/Module/AsyncWorker.hpp"
 #include "Host/Core/Module/HostEnvironment.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
@@ -33,11 +33,14 @@ public:
 
     void Load();
     void ReadStatus();
-    void Start(RunRequest const& p_Request);
+    /// Answered by one `Ended`, also when it is refused.
+    void Start(quint64 p_Id, RunRequest const& p_Request);
     void Pause();
     void Continue();
     void SetRateLimit(quint64 p_BytesPerSecond);
     void Interrupt();
+    /// What the module asks before it goes on; any thread.
+    RunGate& AnyThreadGate() { return Gate; }
     /// Ends what is under way, deletes the module and emits `Closed`.
     void Close();
 
@@ -47,13 +50,15 @@ Q_SIGNALS:
     void StatusRead(InstallStatus p_Status);
     void Progressed(RunSnapshot p_Snapshot);
     void Noticed(QString p_Text);
-    void Ended(RunResult p_Result);
+    void Ended(quint64 p_Id, RunResult p_Result);
     void Closed();
 
 private:
     bool IsLoaded() const { return Loader.Application() != nullptr; }
     std::optional<Failure> LoadModule();
     void Assemble();
+    void Refuse(quint64 p_Id, FailureKind p_Kind);
+    void OnEnded(RunResult const& p_Result);
     void Turn();
     void OnError(QString const& p_Message);
     void CloseWhenRested();
@@ -71,12 +76,19 @@ private:
     QDeadlineTimer CloseDeadline;
 
     // In the order of their needs; all null until the module is loaded.
+    std::unique_ptr<ModuleView> View;
+    ModuleInfo Info;
     std::unique_ptr<InstallRecord> Record;
     std::unique_ptr<QueuePump> Pump;
     std::unique_ptr<AsyncWorker> Worker;
     std::unique_ptr<TransferLedger> Ledger;
     std::unique_ptr<RunWatch> Watch;
-    std::unique_ptr<RunControl> Control;
+    std::unique_ptr<RunContext> Context;
+
+    std::unique_ptr<Job> Current; ///< null between two runs
+    quint64 CurrentId = 0;
+    bool PumpHeld =
+        false; ///< what a run that failed has queued must not begin behind the user's back
 };
 
 } // namespace Varnholt::Host

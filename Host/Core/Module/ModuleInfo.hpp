@@ -3,6 +3,7 @@
 #include <QMetaType>
 #include <QPair>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 namespace Varnholt::Host {
@@ -14,6 +15,8 @@ struct ModuleInfo {
     QString AppId;
     QString MetaDataName;
     QString Version;
+    QStringList LoginFiles;      ///< in the game folder; they log a player in while they exist
+    QString LoginTemplateSuffix; ///< of the files that they are made of
     QVector<QPair<QString, QString>> Presentation; ///< what it is, and the module's value
     QVector<QPair<QString, QString>> Images;       ///< what it is, and its resource path
 };

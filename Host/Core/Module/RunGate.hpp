@@ -4,25 +4,33 @@
 
 namespace Varnholt::Host {
 
-/// Whether the module may compare and download. Set on the module thread, read on any.
+/// Whether the module may compare and download. Any thread; the module asks on all of its own, in
+/// the midst of a long file too.
 class RunGate {
 public:
+    /// Ends what the module is at, whatever the module thread does, until `Begin`: the module
+    /// cannot tell what it was made to break off from what it has done.
+    void Interrupt() { Interrupted = true; }
+    void Begin() { Interrupted = false; }
+    bool IsInterrupted() const { return Interrupted; }
     void Open() { Opened = true; }
     void Close() { Opened = false; }
     /// A held gate lets the module compare, and begin no download.
     void Hold() { Held = true; }
     void Release() { Held = false; }
-    bool IsOpen() const { return Opened; }
+    bool IsHeld() const { return Held; }
+    bool IsOpen() const { return Opened && !Interrupted; }
     /// In a preview the module sees no installation, and what it writes to the settings is dropped:
     /// it learns of the current build and touches nothing.
     void SetPreview(bool p_Preview) { Preview = p_Preview; }
     bool IsPreview() const { return Preview; }
-    bool IsOpenForDownload() const { return Opened && !Held; }
+    bool IsOpenForDownload() const { return IsOpen() && !Held; }
 
 private:
     std::atomic<bool> Opened{false};
     std::atomic<bool> Held{false};
     std::atomic<bool> Preview{false};
+    std::atomic<bool> Interrupted{false};
 };
 
 } // namespace Varnholt::Host

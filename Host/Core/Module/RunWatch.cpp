@@ -1,14 +1,10 @@
 #include "Host/Core/Module/RunWatch.hpp"
 
-#include <QMutexLocker>
-
-#include <algorithm>
-
 namespace Varnholt::Host {
 
-RunWatch::RunWatch(Launcher::StandartApplication& p_Module, QueuePump const& p_Pump,
-                   AsyncWorker const& p_Worker, TransferLedger const& p_Ledger)
-    : Module(p_Module)
+RunWatch::RunWatch(ModuleView const& p_View, QueuePump const& p_Pump, AsyncWorker const& p_Worker,
+                   TransferLedger const& p_Ledger)
+    : View(p_View)
     , Pump(p_Pump)
     , Worker(p_Worker)
     , Ledger(p_Ledger)
@@ -26,18 +22,8 @@ bool RunWatch::Observe()
 bool RunWatch::IsQuiet() const
 {
     // The worker first: once it rests, only this thread can give it something to do.
-    if (!Worker.IsIdle() || !Pump.IsEmpty() || Module.CurrentDownload != nullptr ||
-        !Ledger.IsEmpty())
-        return false;
-    {
-        QMutexLocker const lock(&Module.ContentRequestsMutex);
-        if (!Module.ContentRequests.empty())
-            return false;
-    }
-    // A query that failed stays in the map for good.
-    QMutexLocker const lock(&Module.ContentSizeRequestsMutex);
-    return std::all_of(Module.ContentSizeRequests.begin(), Module.ContentSizeRequests.end(),
-                       [](auto const& p_Row) { return p_Row.first->isFinished(); });
+    return Worker.IsIdle() && Pump.IsEmpty() && !View.HasTransfer() && Ledger.IsEmpty() &&
+           !View.AwaitsReply();
 }
 
 } // namespace Varnholt::Host

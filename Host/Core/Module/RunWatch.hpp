@@ -1,7 +1,7 @@
 #pragma once
 
-#include "GameModules/StandartApplication.hpp"
 #include "Host/Core/Module/AsyncWorker.hpp"
+#include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Module/QueuePump.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
 
@@ -11,8 +11,8 @@ namespace Varnholt::Host {
 /// server gave no answer, or a file could not be opened. Module thread.
 class RunWatch {
 public:
-    RunWatch(Launcher::StandartApplication& p_Module, QueuePump const& p_Pump,
-             AsyncWorker const& p_Worker, TransferLedger const& p_Ledger);
+    RunWatch(ModuleView const& p_View, QueuePump const& p_Pump, AsyncWorker const& p_Worker,
+             TransferLedger const& p_Ledger);
 
     /// Called once in each turn of the event loop. \return true when nothing has been queued,
     /// running or in flight for two turns: what one turn has finished may still have posted work
@@ -22,7 +22,7 @@ public:
 private:
     bool IsQuiet() const;
 
-    Launcher::StandartApplication& Module;
+    ModuleView const& View;
     QueuePump const& Pump;
     AsyncWorker const& Worker;
     TransferLedger const& Ledger;

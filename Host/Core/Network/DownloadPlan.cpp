@@ -1,43 +1,23 @@
 #include "Host/Core/Network/DownloadPlan.hpp"
 
-#include <QMutexLocker>
-
-#include <algorithm>
-
 namespace Varnholt::Host {
 
-DownloadPlan::DownloadPlan(Launcher::StandartApplication& p_Module, NetworkDoor& p_Door)
-    : Module(p_Module)
+DownloadPlan::DownloadPlan(ModuleView const& p_View, NetworkDoor& p_Door)
+    : View(p_View)
     , Door(p_Door)
 {
 }
 
 void DownloadPlan::Look(QString const& p_Folder)
 {
-    Launcher::StandartApplication::Entries entries;
-    {
-        QMutexLocker const lock(&Module.RunMutex);
-        auto const& files = Module.FilesToDownload;
-        qint32 const mode = Module.UISetting.Download.Mode;
-        bool const asksSizes = mode == Launcher::ApplicationUISetting::ModeAskingSizes;
-        bool const mayFetch = asksSizes ||
-                              mode == Launcher::ApplicationUISetting::ModeDownloading ||
-                              mode == Launcher::ApplicationUISetting::ModeSuspended;
-        if (files.empty() || !mayFetch)
-            return; // not before the game has quit
-        Mark const mark{files.size(), Module.IsDownloadingBase, asksSizes, files.front().Path,
-                        files.back().Path};
-        if (mark == Last)
-            return;
-        Last = mark;
-        auto const done = std::min<std::size_t>(Module.CurrentDownloadIndex, files.size());
-        entries.assign(files.begin() + static_cast<std::ptrdiff_t>(done), files.end());
-    }
+    auto const mark = View.Mark();
+    if (!mark || mark == Last)
+        return;
+    Last = mark;
     std::vector<Gateway::PlannedFile> plan;
-    plan.reserve(entries.size());
-    for (Launcher::ApplicationManifestFileEntry const& entry : entries)
+    for (ModuleView::Entry const& entry : View.Remaining())
         plan.push_back(Door.Planned(entry, p_Folder + entry.Path));
-    Door->Plan(std::move(plan), Last.AsksSizes);
+    Door->Plan(plan, mark->AsksSizes);
 }
 
 } // namespace Varnholt::Host

@@ -1,13 +1,14 @@
 #include "Host/Core/Session/HostSession.hpp"
 
-#include "Host/Core/Module/ModuleHost.hpp"
+#include "Host/Core/Session/ModuleThread.hpp"
 
-#include <QCoreApplication>
-#include <QDir>
+#include <QTimer>
 
 namespace Varnholt::Host {
 
 namespace {
+
+constexpr int c_MostMilliseconds = 100;
 
 /// Queued connections look the types up by the names that the signals give them.
 void RegisterTypes()
@@ -23,74 +24,110 @@ void RegisterTypes()
 
 HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
     : QObject(p_Parent)
-    , Settings(p_Options.SettingsFile.isEmpty() ? HostOptions::DefaultSettingsFile()
-                                                : p_Options.SettingsFile)
-    , Host(new ModuleHost(p_Options, Settings))
+    , Module(new ModuleThread(p_Options))
 {
     RegisterTypes();
-    QDir::setCurrent(QCoreApplication::applicationDirPath());
-
-    Host->moveToThread(&ModuleThread);
-    connect(Host, &ModuleHost::Loaded, this, &HostSession::Opened);
-    connect(Host, &ModuleHost::LoadFailed, this, &HostSession::OpenFailed);
-    connect(Host, &ModuleHost::StatusRead, this, &HostSession::StatusRead);
-    connect(Host, &ModuleHost::Progressed, this, &HostSession::Progressed);
-    connect(Host, &ModuleHost::Noticed, this, &HostSession::Noticed);
-    connect(Host, &ModuleHost::Ended, this, &HostSession::Ended);
-    connect(Host, &ModuleHost::Closed, Host, &QObject::deleteLater);
-    connect(Host, &QObject::destroyed, &ModuleThread, &QThread::quit, Qt::DirectConnection);
-    ModuleThread.setObjectName(QStringLiteral("module"));
-    ModuleThread.start();
+    ModuleHost const* const host = &Module->Host();
+    connect(host, &ModuleHost::Loaded, this, &HostSession::Opened);
+    connect(host, &ModuleHost::LoadFailed, this, &HostSession::OpenFailed);
+    connect(host, &ModuleHost::StatusRead, this, &HostSession::StatusRead);
+    connect(host, &ModuleHost::Noticed, this, &HostSession::Noticed);
+    connect(host, &ModuleHost::Ended, this, &HostSession::OnEnded);
+    connect(host, &ModuleHost::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
+        if (!UnderWay.empty())
+            Q_EMIT Progressed(p_Snapshot);
+    });
+    connect(Module, &QThread::finished, this, [this] {
+        EndWithoutModule(std::set<quint64>(UnderWay));
+        Q_EMIT Closed();
+    });
+    Module->start();
 }
 
 HostSession::~HostSession()
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host] { host->Close(); }, Qt::QueuedConnection);
-    ModuleThread.wait();
+    Close();
+    Module->LetGo(c_MostMilliseconds);
+}
+
+bool HostSession::HasLeftModule()
+{
+    return ModuleThread::IsAnyLeft();
+}
+
+QThread& HostSession::Thread()
+{
+    return *Module;
 }
 
 void HostSession::Open()
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host] { host->Load(); }, Qt::QueuedConnection);
+    Module->Post([](ModuleHost& p_Host) { p_Host.Load(); });
 }
 
 void HostSession::ReadStatus()
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host] { host->ReadStatus(); }, Qt::QueuedConnection);
+    Module->Post([](ModuleHost& p_Host) { p_Host.ReadStatus(); });
 }
 
-void HostSession::Start(RunRequest const& p_Request)
+quint64 HostSession::Start(RunRequest const& p_Request)
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host, p_Request] { host->Start(p_Request); }, Qt::QueuedConnection);
+    quint64 const id = ++LastId;
+    UnderWay.insert(id);
+    Module->Post([id, p_Request](ModuleHost& p_Host) { p_Host.Start(id, p_Request); });
+    return id;
 }
 
 void HostSession::Pause()
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host] { host->Pause(); }, Qt::QueuedConnection);
+    if (UnderWay.empty())
+        return;
+    Module->Gate().Hold(); // seen by a thread that is busy
+    Module->Post([](ModuleHost& p_Host) { p_Host.Pause(); });
 }
 
 void HostSession::Continue()
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host] { host->Continue(); }, Qt::QueuedConnection);
+    Module->Post([](ModuleHost& p_Host) { p_Host.Continue(); });
 }
 
 void HostSession::SetRateLimit(quint64 p_BytesPerSecond)
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host, p_BytesPerSecond] { host->SetRateLimit(p_BytesPerSecond); },
-        Qt::QueuedConnection);
+    Module->Post([p_BytesPerSecond](ModuleHost& p_Host) { p_Host.SetRateLimit(p_BytesPerSecond); });
 }
 
 void HostSession::Interrupt()
 {
-    QMetaObject::invokeMethod(
-        Host, [host = Host] { host->Interrupt(); }, Qt::QueuedConnection);
+    if (UnderWay.empty())
+        return;
+    Module->Gate().Interrupt();
+    Module->Post([](ModuleHost& p_Host) { p_Host.Interrupt(); });
+    QTimer::singleShot(c_MostMilliseconds, this, [this, ids = UnderWay] { EndWithoutModule(ids); });
+}
+
+void HostSession::Close()
+{
+    if (Module->isFinished()) {
+        QMetaObject::invokeMethod(this, &HostSession::Closed, Qt::QueuedConnection);
+        return;
+    }
+    Interrupt();
+    Module->Post([](ModuleHost& p_Host) { p_Host.Close(); });
+}
+
+void HostSession::OnEnded(quint64 p_Id, RunResult const& p_Result)
+{
+    if (UnderWay.erase(p_Id) != 0) // otherwise its end was told already
+        Q_EMIT Ended(p_Id, p_Result);
+}
+
+/// Called when the module has had its time to hear of an interruption.
+void HostSession::EndWithoutModule(std::set<quint64> const& p_Ids)
+{
+    RunResult result;
+    result.Problem = Failure{FailureKind::Interrupted, {}, {}};
+    for (quint64 const id : p_Ids)
+        OnEnded(id, result);
 }
 
 } // namespace Varnholt::Host

@@ -7,38 +7,48 @@
 #include "Host/Core/Module/ModuleInfo.hpp"
 #include "Host/Core/Session/InstallStatus.hpp"
 #include "Host/Core/Settings/HostOptions.hpp"
-#include "Host/Core/Settings/HostSettings.hpp"
 
 #include <QObject>
-#include <QThread>
+#include <QString>
+
+#include <set>
+
+class QThread;
 
 namespace Varnholt::Host {
 
-class ModuleHost;
+class ModuleThread;
 
 /// A module at work, as a program sees it. Requests return at once; what comes of them arrives by
-/// signals on the thread of the session. One session at a time in a process.
+/// signals on the thread of the session. One session at a time in a process: another one's `Open`
+/// fails without harm.
 ///
-/// While it is open, VARNHOLT_CONTENT_BASE_URL names the session's door to the network; it is as
-/// before when the session has ended.
-///
-/// The process's current folder becomes the program's own: the module takes an installation in the
-/// current folder for one beside the launcher and moves it one level down, which must not happen to
-/// a user who stands in the game folder. Make relative paths absolute before.
+/// While it lives, VARNHOLT_CONTENT_BASE_URL names the session's door to the network, and the
+/// process's current folder is the program's own: the module takes an installation in the current
+/// folder for one beside the launcher and moves it one level down, which must not happen to a user
+/// who stands in the game folder. Make relative paths absolute before. Both are as before when it
+/// has closed.
 class HostSession : public QObject {
     Q_OBJECT
 
 public:
     explicit HostSession(HostOptions const& p_Options, QObject* p_Parent = nullptr);
-    /// Stops a transfer, keeping what has arrived, and waits for the threads.
+    /// Stops what is under way, keeping what has arrived. A module that is too busy to hear of it
+    /// within a tenth of a second is left to end by itself, on its own thread.
     ~HostSession() override;
+
+    /// Whether a module that was left is still at work. A program that ends then must do so by
+    /// `std::_Exit`: what its libraries tear down at an ordinary end is still in use.
+    static bool HasLeftModule();
 
     /// Loads the module; answered by `Opened` or `OpenFailed`.
     void Open();
     /// Answered by `StatusRead`, without network.
     void ReadStatus();
-    /// Answered by any number of `Progressed` and `Noticed`, and one `Ended`.
-    void Start(RunRequest const& p_Request);
+    /// Answered by any number of `Progressed` and `Noticed`, and by exactly one `Ended`, a moment
+    /// later at the soonest; also when it is refused, because another request is under way or no
+    /// module is loaded. \return the request's own number, from 1
+    quint64 Start(RunRequest const& p_Request);
     /// Stops the transfer of the run under way, or the first one it begins, until `Continue`.
     /// What has arrived is kept. The phase becomes `Suspended` when it holds.
     void Pause();
@@ -46,12 +56,16 @@ public:
     void Continue();
     /// \param p_BytesPerSecond that content may arrive with, from now on; 0: as fast as it comes
     void SetRateLimit(quint64 p_BytesPerSecond);
-    /// Ends the run under way with the failure `Interrupted`; what has arrived is kept.
+    /// Ends what is under way with the failure `Interrupted`; what has arrived is kept. Its `Ended`
+    /// comes soon, whatever the module is busy with.
     void Interrupt();
+    /// Interrupts, lets the module go and takes its traces in the process back; answered by
+    /// `Closed`.
+    void Close();
 
     /// Where the module lives: its event loop runs as long as the session lives. For one who
     /// watches whether it answers.
-    QThread& Thread() { return ModuleThread; }
+    QThread& Thread();
 
 Q_SIGNALS:
     void Opened(ModuleInfo p_Info);
@@ -59,12 +73,16 @@ Q_SIGNALS:
     void StatusRead(InstallStatus p_Status);
     void Progressed(RunSnapshot p_Snapshot);
     void Noticed(QString p_Text);
-    void Ended(RunResult p_Result);
+    void Ended(quint64 p_Id, RunResult p_Result);
+    void Closed();
 
 private:
-    HostSettings Settings;
-    QThread ModuleThread;
-    ModuleHost* Host; ///< lives on the module thread
+    void OnEnded(quint64 p_Id, RunResult const& p_Result);
+    void EndWithoutModule(std::set<quint64> const& p_Ids);
+
+    ModuleThread* Module; ///< deletes itself when it has ended
+    std::set<quint64> UnderWay;
+    quint64 LastId = 0;
 };
 
 } // namespace Varnholt::Host

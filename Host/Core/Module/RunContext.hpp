@@ -1,6 +1,8 @@
 #pragma once
 
 #include "GameModules/StandartApplication.hpp"
+#include "Host/Core/Module/ModuleInfo.hpp"
+#include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Module/RunGate.hpp"
 #include "Host/Core/Module/RunWatch.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
@@ -11,9 +13,11 @@
 
 namespace Varnholt::Host {
 
-/// What the control of a run works with; all of it outlives the control.
+/// What a job works with; all of it outlives the job.
 struct RunContext {
     Launcher::StandartApplication& Module;
+    ModuleView& View;
+    ModuleInfo const& Info;
     HostOptions const& Options;
     InstallRecord& Record;
     RunGate& Gate;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Host/Core/Jobs/InspectionJob.hpp"
+#include "Host/Core/Jobs/SizeSurvey.hpp"
+
+#include <memory>
+
+namespace Varnholt::Host {
+
+/// Finds out what an update would fetch.
+class CheckJob : public InspectionJob {
+public:
+    using InspectionJob::InspectionJob;
+
+protected:
+    bool LooksAtEveryFile() const override;
+    void Judge() override;
+    void Work() override;
+    void OnGaveUp(Failure const& p_Failure) override;
+    RunPhase Phase() const override;
+    RunSnapshot Look() override;
+
+private:
+    void TellUpdate();
+
+    std::unique_ptr<SizeSurvey> Survey;
+};
+
+} // namespace Varnholt::Host

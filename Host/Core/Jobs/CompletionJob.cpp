@@ -1,0 +1,216 @@
+#include "Host/Core/Jobs/CompletionJob.hpp"
+
+#include "Host/Core/Folder/FileDiagnosis.hpp"
+#include "Host/Core/Folder/GameVolumes.hpp"
+#include "Host/Core/Folder/MissingFiles.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+/// What the module repeats before it gives files up, all of them together.
+constexpr quint32 c_ModuleRestarts = 5;
+constexpr int c_MostPasses = 5;
+constexpr std::size_t c_MostPassedOver = 20;
+
+} // namespace
+
+void CompletionJob::OnBuildKnown()
+{
+    if (auto const failure = Faults.OfBuild())
+        return Fail(*failure);
+    if (auto const notice = Faults.LocaleNotice())
+        NoticeOnce(*notice);
+    BeginFiles();
+}
+
+void CompletionJob::CompareEverything()
+{
+    WantsEveryFile = true;
+    Context.Record.MarkUnfinished();
+    Context.Gate.Open();
+    Context.Module.Repair();
+}
+
+void CompletionJob::BeforePump()
+{
+    if (IsOver() || !IsWorking() || Examined)
+        return;
+    // Before the first file is asked for: the door is ahead of the module.
+    Plan.Look(Folder());
+    if (auto const failure = Faults.LookAtRoom(Folder()))
+        return Fail(*failure);
+    if (Paused)
+        Context.View.StopTransfer();
+}
+
+/// Between two files of a paused run the next one must not begin.
+bool CompletionJob::HoldsPump() const
+{
+    return Context.Gate.IsHeld() && IsDownloading(Reader.Phase()) && !Context.View.HasTransfer();
+}
+
+void CompletionJob::Work()
+{
+    if (Examined) {
+        if (Examined->IsFinished())
+            OnExamined();
+        return;
+    }
+    if (Phase() != RunPhase::Suspended && Context.Watch.Observe())
+        return OnQuiet();
+    // After a drop a refused file would be asked for without end. It is passed over.
+    if (!Paused && Context.Ledger.ComesNoFurther())
+        Context.View.StopTransfer();
+}
+
+void CompletionJob::Pause()
+{
+    Paused = true;
+    Context.Gate.Hold();
+    Context.Door->Pause();
+}
+
+void CompletionJob::Continue()
+{
+    if (!Paused)
+        return;
+    bool const stopped = IsSuspended();
+    Paused = false;
+    Context.Gate.Release();
+    if (IsWorking()) { // what has arrived until now is not to come again
+        Plan.Forget();
+        Plan.Look(Folder());
+    }
+    Context.Door->Continue();
+    Context.Watch.Reset();
+    if (IsWorking() && stopped)
+        Context.Module.ResumeDownload();
+}
+
+bool CompletionJob::IsSuspended() const
+{
+    return Paused && Reader.Phase() == RunPhase::Suspended;
+}
+
+RunPhase CompletionJob::Phase() const
+{
+    if (Examined)
+        return RunPhase::Comparing;
+    RunPhase const phase = IsWorking() ? Reader.Phase() : RunPhase::Connecting;
+    // Through a door that is shut nothing comes. A transfer that has not been stopped yet is told
+    // of as one that goes on.
+    bool const usesDoor = phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes ||
+                          (IsDownloading(phase) && !Context.View.HasTransfer());
+    return Paused && usesDoor ? RunPhase::Suspended : phase;
+}
+
+RunSnapshot CompletionJob::Look()
+{
+    return Examined ? Examined->Look() : Reader.Read(Phase());
+}
+
+/// Called when the module has fallen silent: finds out where it stopped.
+void CompletionJob::OnQuiet()
+{
+    Context.Watch.Reset();
+    auto const stopped = Context.View.Current();
+    // One query without an answer and the size pass never ends.
+    if (stopped && Reader.Phase() == RunPhase::AskingSizes)
+        return Fail(LatestFailure());
+    if (stopped)
+        return PassOver(*stopped);
+    Verify();
+}
+
+/// Called for a file that could not even be begun, at which the module stops: what is behind it
+/// shall arrive all the same.
+void CompletionJob::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
+{
+    Failure const failure = Explain({p_Entry});
+    PassedOver.insert(p_Entry.Path);
+    // The next one would fare no better, or there is no end of them.
+    bool const isAlone = failure.Kind != FailureKind::DiskFull &&
+                         failure.Kind != FailureKind::FolderUnwritable && !failure.IsNetwork();
+    if (!isAlone || PassedOver.size() > c_MostPassedOver)
+        return Fail(failure);
+    if (!Blocked)
+        Blocked = failure;
+    if (!Context.Module.PassOverFile())
+        Verify();
+}
+
+void CompletionJob::Verify()
+{
+    Launcher::StandartApplication& module = Context.Module;
+    auto missing = MissingFiles(module.Manifest, Folder(), module.GetAppLocale());
+    missing.erase(
+        std::remove_if(missing.begin(), missing.end(),
+                       [this](auto const& p_Entry) { return PassedOver.count(p_Entry.Path) != 0; }),
+        missing.end());
+    if (missing.empty() && Blocked)
+        return Fail(*Blocked);
+    if (missing.empty() && Context.View.Restarts() < c_ModuleRestarts)
+        return Complete();
+    if (missing.empty()) { // a file that was given up may still have its old content
+        Examined = std::make_unique<Examination>(Context, true);
+        return;
+    }
+    // The module has one budget of repetitions for all files: one bad file takes it from the rest.
+    bool const isNextFromOthers = Faults.ServersBehind() > LastBehind;
+    bool const mayHelp = !WantsEveryFile || missing.size() < LastMissing || isNextFromOthers;
+    bool const isSettled = WantsEveryFile && missing.size() == 1 && !isNextFromOthers;
+    if (mayHelp && !isSettled && ++Passes < c_MostPasses) {
+        LastMissing = WantsEveryFile ? missing.size() : LastMissing;
+        LastBehind = Faults.ServersBehind();
+        Context.View.RenewRestarts();
+        return CompareEverything();
+    }
+    Fail(Explain(missing));
+}
+
+/// Called when every file has been looked at once more.
+void CompletionJob::OnExamined()
+{
+    if (Examined->Findings().empty())
+        return Complete();
+    FaultWatch::Entries entries;
+    for (FileFinding const& finding : Examined->Findings()) {
+        entries.emplace_back();
+        entries.back().Path = finding.Path;
+        entries.back().Location = finding.Location;
+    }
+    Fail(Explain(entries));
+}
+
+void CompletionJob::Complete()
+{
+    if (Context.Gate.IsInterrupted()) // a comparison that was stopped has found nothing either
+        return Interrupt();
+    if (auto const failure = LinkFailure())
+        return Fail(*failure);
+    NoticeRealmList();
+    // After a power cut only the mark would tell of files that were still on their way to the disk.
+    if (Context.Record.IsUnfinished()) {
+        auto files = Context.Module.Manifest.Files;
+        auto const& streamed = Context.Module.Manifest.StreamedFiles;
+        files.insert(files.end(), streamed.begin(), streamed.end());
+        for (GameVolumes::Share const& share : GameVolumes::Of(Folder(), files))
+            Context.Options.Flush(share.Folder);
+    }
+    if (!Context.Record.MarkComplete(Context.Module.RemoteBuild))
+        return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
+    if (!Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
+        NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")
+                       .arg(Context.Copies.Folder()));
+    Finish();
+}
+
+Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing) const
+{
+    return FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+}
+
+} // namespace Varnholt::Host

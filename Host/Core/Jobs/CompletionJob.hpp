@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Host/Core/Jobs/Examination.hpp"
+#include "Host/Core/Jobs/FaultWatch.hpp"
+#include "Host/Core/Jobs/Job.hpp"
+#include "Host/Core/Network/DownloadPlan.hpp"
+
+#include <limits>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace Varnholt::Host {
+
+/// A job at whose end every file of the build is in place: what an install, an update and a repair
+/// have in common. The module compares and downloads in passes; when it falls silent, this finds
+/// out where it stopped, and what is to be done about it.
+///
+///   BeginComparison ─► the module works ─► OnQuiet ─┬─ a file could not be begun ─► PassOver
+///        ▲                                          └─ Verify ─┬─ all is there ─► Complete
+///        └──────────── once more may help ─────────────────────┴─ Fail
+class CompletionJob : public Job {
+public:
+    using Job::Job;
+
+    void BeforePump() override;
+    bool HoldsPump() const override;
+    void Pause() override;
+    void Continue() override;
+
+protected:
+    void OnBuildKnown() override;
+    void Work() override;
+    RunPhase Phase() const override;
+    RunSnapshot Look() override;
+
+    /// Called when the build is known and can be had.
+    virtual void BeginFiles() = 0;
+    /// Lets the module look at every file, whatever its pending lists say.
+    void CompareEverything();
+    /// What has a mark of an unfinished run, or of another build, is not to be trusted.
+    void DistrustLists() { WantsEveryFile = true; }
+    bool TrustsLists() const { return !WantsEveryFile; }
+
+private:
+    bool IsSuspended() const;
+    void OnQuiet();
+    void PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry);
+    void Verify();
+    void OnExamined();
+    void Complete();
+    Failure Explain(FaultWatch::Entries const& p_Missing) const;
+
+    DownloadPlan Plan{Context.View, Context.Door};
+    FaultWatch Faults{Context, Reader};
+    std::unique_ptr<Examination> Examined;
+    bool Paused = false;
+    bool WantsEveryFile = false;
+    std::size_t LastMissing = std::numeric_limits<std::size_t>::max();
+    int Passes = 0;
+    std::set<QString> PassedOver;   ///< files that could not be begun
+    std::optional<Failure> Blocked; ///< why, of the first of them
+    std::size_t LastBehind = 0;     ///< servers that had fallen behind when the pass began
+};
+
+} // namespace Varnholt::Host

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Host/Core/Jobs/Inspection.hpp"
+#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Module/RunContext.hpp"
+
+#include <memory>
+#include <vector>
+
+namespace Varnholt::Host {
+
+/// An inspection of the game folder at work on the module's worker; it ends with this object.
+/// Module thread.
+class Examination {
+public:
+    /// \param p_EveryFile see `Inspection`
+    Examination(RunContext const& p_Context, bool p_EveryFile);
+    ~Examination() { Work->Stop(); }
+    Examination(Examination const&) = delete;
+    Examination& operator=(Examination const&) = delete;
+
+    bool IsFinished() const { return Work->IsFinished(); }
+    /// Once it is finished.
+    std::vector<FileFinding> const& Findings() const { return Work->Findings(); }
+    RunSnapshot Look() const;
+
+private:
+    std::shared_ptr<Inspection> Work; ///< shared with the worker
+};
+
+} // namespace Varnholt::Host

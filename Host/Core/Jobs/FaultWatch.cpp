@@ -1,0 +1,63 @@
+#include "Host/Core/Jobs/FaultWatch.hpp"
+
+#include "Host/Core/Folder/GameVolumes.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+FaultWatch::FaultWatch(RunContext const& p_Context, ProgressReader const& p_Reader)
+    : Context(p_Context)
+    , Reader(p_Reader)
+    , Room(p_Context.Options.FreeBytes)
+{
+}
+
+std::optional<Failure> FaultWatch::OfBuild() const
+{
+    auto const& manifest = Context.Module.Manifest;
+    if (!manifest.Files.empty() || !manifest.StreamedFiles.empty())
+        return std::nullopt;
+    return Failure{FailureKind::BuildEmpty, Context.Module.RemoteBuild, {}};
+}
+
+std::optional<QString> FaultWatch::LocaleNotice() const
+{
+    auto const& locales = Context.Module.Manifest.Locales;
+    QString const locale = Context.Module.GetAppLocale();
+    if (locales.empty() || locales.count(locale) != 0)
+        return std::nullopt;
+    return QStringLiteral("The build does not offer the language %1; its files are left out until "
+                          "another one is chosen.")
+        .arg(locale);
+}
+
+std::optional<Failure> FaultWatch::LookAtRoom(QString const& p_Folder)
+{
+    constexpr qint64 c_IntervalMilliseconds = 1'000;
+
+    RunPhase const phase = Reader.Phase();
+    bool const begins = phase != LastPhase;
+    LastPhase = phase;
+    if (!IsDownloading(phase) || (!begins && !SinceLook.hasExpired(c_IntervalMilliseconds)))
+        return std::nullopt;
+    SinceLook.start();
+    if (begins)
+        return Room.BeforeDownload(p_Folder, Context.View.Listed(),
+                                   Context.View.Progress().BytesTotal);
+    Entries current;
+    if (auto const entry = Context.View.Current())
+        current.push_back(*entry);
+    QString const volume = GameVolumes::Of(p_Folder, current).back().Folder;
+    return Room.WhileDownloading(volume, Reader.RemainingBytes());
+}
+
+std::size_t FaultWatch::ServersBehind() const
+{
+    auto const servers = Context.Door->Snapshot().Servers;
+    auto const behind = static_cast<std::size_t>(std::count_if(
+        servers.begin(), servers.end(), [](auto const& p_Server) { return p_Server.IsBehind; }));
+    return behind < Context.Door->Servers().size() ? behind : 0;
+}
+
+} // namespace Varnholt::Host

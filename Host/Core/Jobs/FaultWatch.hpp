@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Host/Core/Jobs/ProgressReader.hpp"
+#include "Host/Core/Jobs/RoomCheck.hpp"
+#include "Host/Core/Module/RunContext.hpp"
+
+#include <QElapsedTimer>
+
+#include <optional>
+
+namespace Varnholt::Host {
+
+/// Sees what would keep a job from its end, before and while files arrive. Module thread.
+class FaultWatch {
+public:
+    using Entries = RoomCheck::Entries;
+
+    FaultWatch(RunContext const& p_Context, ProgressReader const& p_Reader);
+
+    /// Why the build, which is known, cannot be had.
+    std::optional<Failure> OfBuild() const;
+    /// What is to be told of a build that lacks the chosen language.
+    std::optional<QString> LocaleNotice() const;
+    /// Called in each turn before the module's closures are run, so that a list that does not fit
+    /// is refused before its first file is begun. \param p_Folder of the game
+    std::optional<Failure> LookAtRoom(QString const& p_Folder);
+    /// Servers that the door asks after the others; none when there are no others.
+    std::size_t ServersBehind() const;
+
+private:
+    RunContext Context;
+    ProgressReader const& Reader;
+    RoomCheck Room;
+    RunPhase LastPhase = RunPhase::Idle;
+    QElapsedTimer SinceLook;
+};
+
+} // namespace Varnholt::Host

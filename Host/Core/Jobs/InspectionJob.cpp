@@ -1,0 +1,38 @@
+#include "Host/Core/Jobs/InspectionJob.hpp"
+
+namespace Varnholt::Host {
+
+void InspectionJob::OnBuildKnown()
+{
+    FaultWatch const faults(Context, Reader);
+    if (auto const failure = faults.OfBuild())
+        return Fail(*failure);
+    if (auto const notice = faults.LocaleNotice())
+        NoticeOnce(*notice);
+    Settle([this] { Examined = std::make_unique<Examination>(Context, LooksAtEveryFile()); });
+}
+
+void InspectionJob::Work()
+{
+    if (IsJudged || !Examined || !Examined->IsFinished())
+        return;
+    IsJudged = true;
+    Result.Findings = Examined->Findings();
+    if (auto const failure = LinkFailure())
+        return Fail(*failure);
+    if (Result.Findings.empty())
+        return Finish();
+    Judge();
+}
+
+RunPhase InspectionJob::Phase() const
+{
+    return Examined ? RunPhase::Comparing : RunPhase::Connecting;
+}
+
+RunSnapshot InspectionJob::Look()
+{
+    return Examined ? Examined->Look() : Job::Look();
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Host/Core/Jobs/Examination.hpp"
+#include "Host/Core/Jobs/FaultWatch.hpp"
+#include "Host/Core/Jobs/Job.hpp"
+
+#include <memory>
+
+namespace Varnholt::Host {
+
+/// A job that compares the game folder with the build and changes nothing.
+class InspectionJob : public Job {
+public:
+    using Job::Job;
+
+protected:
+    std::optional<Failure> Prepare() override { return GameFailure(); }
+    void OnBuildKnown() override;
+    void Work() override;
+    RunPhase Phase() const override;
+    RunSnapshot Look() override;
+
+    /// Whether what earlier runs have verified and listed is not to be trusted.
+    virtual bool LooksAtEveryFile() const = 0;
+    /// Called with the findings in the result, when there are some.
+    virtual void Judge() = 0;
+
+private:
+    std::unique_ptr<Examination> Examined;
+    bool IsJudged = false;
+};
+
+} // namespace Varnholt::Host

@@ -1,0 +1,177 @@
+#include "Host/Core/Jobs/Job.hpp"
+
+#include "Host/Core/Folder/MissingFiles.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
+
+#include <QFileInfo>
+
+#include <utility>
+
+namespace Varnholt::Host {
+
+Job::Job(RunContext const& p_Context, RunRequest p_Request, Traits p_Traits)
+    : Context(p_Context)
+    , Request(std::move(p_Request))
+    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door)
+    , May(p_Traits)
+{
+    Clock.start();
+}
+
+Job::~Job() = default;
+
+void Job::Begin()
+{
+    Result.Transfers = Context.Ledger.Count();
+    Context.View.DiscardQueue();
+    // An installation begins in another folder, which the module must not take for the old one.
+    Context.Gate.SetPreview(May.IsPreview);
+    if (May.NeedsServers && Context.Options.Offline)
+        return Fail({FailureKind::OptionInvalid, QStringLiteral("offline"),
+                     QStringLiteral("this command asks servers")});
+    if (auto const failure = Prepare())
+        return Fail(*failure);
+    OpenDoor();
+    Start();
+}
+
+void Job::AfterPump()
+{
+    if (!Over && Context.Gate.IsInterrupted())
+        Interrupt();
+    if (auto const problem = Context.Door->Snapshot().GaveUp; problem && !Over)
+        OnGaveUp(ExplainFetch(*problem));
+    if (!Over)
+        Go();
+    if (!Over)
+        ShowProgress();
+}
+
+void Job::Go()
+{
+    switch (State) {
+    case Step::StartingUp:
+        if (!Context.View.IsStartingUp())
+            OnConnected();
+        else if (Context.Watch.Observe())
+            OnStartUpFailed(StartUpFailure());
+        return;
+    case Step::Settling:
+        if (!Context.Watch.Observe())
+            return;
+        Context.Watch.Reset();
+        State = Step::Working;
+        return std::exchange(AfterSettling, nullptr)();
+    case Step::Working:
+        return Work();
+    }
+}
+
+void Job::OnGaveUp(Failure const& p_Failure)
+{
+    if (State == Step::StartingUp)
+        OnStartUpFailed(p_Failure);
+    else
+        Fail(p_Failure);
+}
+
+void Job::Settle(std::function<void()> p_Next)
+{
+    Context.Watch.Reset();
+    AfterSettling = std::move(p_Next);
+    State = Step::Settling;
+}
+
+void Job::Interrupt()
+{
+    if (!Over)
+        Fail({FailureKind::Interrupted, {}, {}});
+}
+
+void Job::Finish()
+{
+    // A module that was told to stop falls silent as one that is done.
+    if (Context.Gate.IsInterrupted())
+        return Interrupt();
+    End();
+}
+
+void Job::Fail(Failure const& p_Failure)
+{
+    Result.Problem = p_Failure;
+    Context.Gate.Close();
+    Context.Module.SuspendDownload();
+    Context.View.AbandonReplies();
+    End();
+}
+
+void Job::End()
+{
+    Over = true;
+    Release();
+    Result.Transfers = Context.Ledger.Count() - Result.Transfers;
+    Result.Folder = Folder();
+    Result.Locale = Context.Module.GetAppLocale();
+    Context.Gate.Close();
+    Context.Gate.Release();
+    Context.Gate.SetPreview(false);
+    Context.Door->EndRun();
+    Lock.reset();
+    RunSnapshot last;
+    last.Phase = Result.Problem ? RunPhase::Failed : RunPhase::Finished;
+    Q_EMIT Progressed(last);
+    Q_EMIT Ended(Result);
+}
+
+void Job::ShowProgress()
+{
+    constexpr qint64 c_IntervalMilliseconds = 100;
+
+    qint64 const now = Clock.elapsed();
+    if (Phase() == LastSnapshot.Phase && now - LastShown < c_IntervalMilliseconds)
+        return;
+    LastShown = now;
+    Context.Module.UISettingChanged = false;
+    RunSnapshot const snapshot = Look();
+    if (snapshot == LastSnapshot)
+        return;
+    LastSnapshot = snapshot;
+    Q_EMIT Progressed(snapshot);
+}
+
+void Job::NoticeOnce(QString const& p_Text)
+{
+    if (Told.insert(p_Text).second)
+        Q_EMIT Noticed(p_Text);
+}
+
+std::optional<Failure> Job::GameFailure() const
+{
+    InstallRecord const& record = Context.Record;
+    if (!record.IsInstalled())
+        return Failure{FailureKind::NotInstalled, Context.Info.Name, {}};
+    // An absent drive must not lead to a second installation at its mount point.
+    if (!QFileInfo(record.Folder()).isDir())
+        return Failure{FailureKind::FolderMissing, record.Folder(), {}};
+    return std::nullopt;
+}
+
+std::optional<Failure> Job::LockFolder(QString const& p_Folder)
+{
+    Lock = std::make_unique<FolderLock>(p_Folder);
+    if (Lock->Take())
+        return std::nullopt;
+    Lock.reset();
+    return Failure{FailureKind::FolderLocked, p_Folder, {}};
+}
+
+std::optional<Failure> Job::LinkFailure() const
+{
+    Launcher::StandartApplication& module = Context.Module;
+    auto const link = LinkOnTheWay(module.Manifest, Folder(), module.GetAppLocale());
+    if (!link)
+        return std::nullopt;
+    return Failure{FailureKind::LinkLeadsOut, link->Path, link->Target};
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,156 @@
+#pragma once
+
+#include "Host/Core/Folder/FolderLock.hpp"
+#include "Host/Core/Jobs/ProgressReader.hpp"
+#include "Host/Core/Jobs/RunRequest.hpp"
+#include "Host/Core/Jobs/RunResult.hpp"
+#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Module/RunContext.hpp"
+
+#include <QElapsedTimer>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace Varnholt::Host {
+
+/// One thing that a host does with a module. A job is made for one request, tells once by `Ended`
+/// what has come of it, and is deleted then. Module thread.
+///
+///   Begin ─ Prepare ── failure ──────────────────────────────────────────┐
+///              │ Start                                                   │
+///              ▼                                                         │
+///          StartingUp ──── no build ──► from what is kept? ── no ──────► │
+///              │    ▲                        │ yes                       │
+///              │    └────────────────────────┘                           │
+///              │ OnBuildKnown                                            ▼
+///              ├───► Settling ── the module is silent ──┐              Ended
+///              ▼                                        ▼                ▲
+///           Working ◄───────────────────────────────────┘                │
+///              │ Work, in each turn                                      │
+///              └──── Finish, Fail, Interrupt, OnGaveUp ──────────────────┘
+///
+/// The module starts comparing and downloading as soon as its start-up chain has ended. When
+/// something else is wanted, the gate is closed until then: what it starts ends at once, and is
+/// replaced by what is wanted.
+class Job : public QObject {
+    Q_OBJECT
+
+public:
+    /// What a job may do.
+    struct Traits {
+        bool NeedsServers = false; ///< it is refused offline
+        bool UsesCopies = false;   ///< what is kept of a build does when the servers fail
+        bool IsPreview = false;    ///< the module shall see no installation, see `RunGate`
+        bool CanPause = false;
+    };
+
+    Job(RunContext const& p_Context, RunRequest p_Request, Traits p_Traits);
+    ~Job() override;
+
+    void Begin();
+    bool CanPause() const { return May.CanPause; }
+    /// Called in each turn before the module's closures are run.
+    virtual void BeforePump() {}
+    /// Called in each turn after the module's closures were run.
+    void AfterPump();
+    /// True when the module's closures must not be run.
+    virtual bool HoldsPump() const { return false; }
+
+    /// Stops the transfer in flight, or else the next one, until `Continue`.
+    virtual void Pause() {}
+    virtual void Continue() {}
+    /// Ends the run; nothing that has arrived is lost.
+    void Interrupt();
+
+Q_SIGNALS:
+    void Progressed(RunSnapshot p_Snapshot);
+    /// Something went wrong that the run goes on after.
+    void Noticed(QString p_Text);
+    void Ended(RunResult p_Result);
+
+protected:
+    /// Called first. \return why the request cannot be met; nothing has been changed then
+    virtual std::optional<Failure> Prepare() = 0;
+    /// Called when the door is open.
+    virtual void Start() { StartUp(); }
+    /// Called when the build is known, and perhaps the module at work already.
+    virtual void OnBuildKnown() = 0;
+    /// Called in each turn once the module has started.
+    virtual void Work() {}
+    /// Called when nothing has come through the door for as long as is allowed.
+    virtual void OnGaveUp(Failure const& p_Failure);
+    /// The phase, and a snapshot of it.
+    virtual RunPhase Phase() const { return RunPhase::Connecting; }
+    virtual RunSnapshot Look() { return Reader.Read(Phase()); }
+    /// Called at the end.
+    virtual void Release() {}
+
+    /// Calls p_Next once the module has fallen silent.
+    void Settle(std::function<void()> p_Next);
+    void Finish();
+    void Fail(Failure const& p_Failure);
+    void NoticeOnce(QString const& p_Text);
+    bool IsOver() const { return Over; }
+    bool IsWorking() const { return State == Step::Working; }
+    QString Folder() const { return Context.Record.Folder(); }
+    /// Why the game is not there, or cannot be had for this run alone.
+    std::optional<Failure> GameFailure() const;
+    std::optional<Failure> LockFolder(QString const& p_Folder);
+    /// A game whose files are partly elsewhere, where the module leaves them alone, is not
+    /// complete.
+    std::optional<Failure> LinkFailure() const;
+
+    // _StartUp
+    void StartUp();
+    /// Opens the module's gate at once: it goes on behind its start as it would by itself.
+    void LetChainGoOn() { ChainGoesOn = true; }
+    bool IsFromCopies() const { return UsesKept; }
+    OfflineCopies::Documents const& KeptDocuments() const { return Kept; }
+    Failure NothingKept() const;
+    QString VersionFile() const;
+    QString ManifestFile(QString const& p_Build) const;
+    /// The latest thing that went wrong on the network.
+    Failure LatestFailure() const;
+    void NoticeRealmList();
+
+    RunContext Context;
+    RunRequest Request;
+    RunResult Result;
+    ProgressReader Reader;
+
+private:
+    enum class Step { StartingUp, Settling, Working };
+
+    void Go();
+    void End();
+    void ShowProgress();
+
+    // _StartUp
+    void OpenDoor();
+    void OnConnected();
+    void OnStartUpFailed(Failure const& p_Failure);
+    Failure StartUpFailure() const;
+    void NoticeHostList();
+    void NoticeCopies();
+
+    Traits May;
+    Step State = Step::Working;
+    bool Over = false;
+    bool ChainGoesOn = false;
+    std::function<void()> AfterSettling;
+    std::unique_ptr<FolderLock> Lock;
+    std::set<QString> Told;
+    OfflineCopies::Documents Kept; ///< that the run may go on from
+    bool MayUseKept = false;       ///< once the servers have failed
+    bool UsesKept = false;         ///< no server is asked
+    std::optional<Failure> Missed; ///< why, when they were to be asked
+    QElapsedTimer Clock;
+    qint64 LastShown = 0;
+    RunSnapshot LastSnapshot;
+};
+
+} // namespace Varnholt::Host

@@ -1,0 +1,141 @@
+#include "Host/Core/Jobs/Job.hpp"
+
+#include "Host/Core/Jobs/VersionText.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
+
+namespace Varnholt::Host {
+
+QString Job::VersionFile() const
+{
+    return Context.Options.UseDevChannel ? QStringLiteral("version_dev.json")
+                                         : QStringLiteral("version.json");
+}
+
+QString Job::ManifestFile(QString const& p_Build) const
+{
+    return QStringLiteral("builds/%1/info.json").arg(p_Build);
+}
+
+/// Decides where the run learns of the build.
+void Job::OpenDoor()
+{
+    using Source = Gateway::Gateway::Source;
+
+    if (May.UsesCopies || Context.Options.Offline)
+        Kept = Context.Copies.Read();
+    UsesKept = Context.Options.Offline;
+    MayUseKept = !Kept.empty() && !UsesKept;
+    Source const source = UsesKept     ? Source::Copies
+                          : MayUseKept ? Source::ServerOrCopies
+                                       : Source::Server;
+    Context.Door->BeginRun(source, Kept);
+}
+
+void Job::StartUp()
+{
+    if (UsesKept && Kept.empty())
+        return Fail(NothingKept());
+    State = Step::StartingUp;
+    Context.Watch.Reset();
+    if (ChainGoesOn)
+        Context.Gate.Open();
+    else
+        Context.Gate.Close();
+    Context.View.RenewRestarts();
+    Context.Module.Init();
+}
+
+void Job::OnConnected()
+{
+    State = Step::Working;
+    Result.Build = Context.Module.Manifest.BuildStr;
+    Context.Watch.Reset();
+    NoticeCopies();
+    NoticeHostList();
+    OnBuildKnown();
+}
+
+/// Called when the module has ended its start without a manifest, or never will. What was kept of
+/// the build may do: the servers may have given one part of it and not the other.
+void Job::OnStartUpFailed(Failure const& p_Failure)
+{
+    if (!MayUseKept)
+        return Fail(Missed.value_or(p_Failure));
+    MayUseKept = false;
+    UsesKept = true;
+    Missed = p_Failure;
+    Context.Door->EndRun();
+    Context.View.AbandonReplies();
+    Context.View.DiscardQueue();
+    Context.Door->BeginRun(Gateway::Gateway::Source::Copies, Kept);
+    StartUp();
+}
+
+/// Why the start has ended; the module itself tells nothing.
+Failure Job::StartUpFailure() const
+{
+    NetworkDoor const& door = Context.Door;
+    auto const documents = door->Fetched();
+    auto const version = documents.find(door.PathOf(VersionFile()));
+    if (auto const problem = door.ProblemOf(VersionFile()))
+        return ExplainFetch(*problem);
+    if (version == documents.end())
+        return UsesKept ? NothingKept() : LatestFailure();
+    auto const build = VersionText::BuildIn(version->second);
+    if (auto const fault = VersionText::FaultOf(build, door.UrlOf(VersionFile())))
+        return *fault;
+    if (auto const problem = door.ProblemOf(ManifestFile(*build)))
+        return ExplainFetch(*problem);
+    return DamagedDocument(door.UrlOf(ManifestFile(*build)));
+}
+
+Failure Job::NothingKept() const
+{
+    return {FailureKind::OfflineUnknown, Context.Info.Name,
+            QStringLiteral("%1 holds no build").arg(Context.Copies.Folder())};
+}
+
+/// Called when the build is known: the host list has been answered by then.
+void Job::NoticeHostList()
+{
+    QString const noMirrors = QStringLiteral("%1; the files come from the default server.");
+    auto const problem = Context.Door->ProblemOf(NetworkDoor::c_HostList);
+    if (!problem || UsesKept)
+        return;
+    if (problem->Kind == Gateway::FetchProblem::Type::Unusable)
+        NoticeOnce(noMirrors.arg(QStringLiteral("The list of mirrors is damaged")));
+    else
+        NoticeOnce(noMirrors.arg(ExplainFetch(*problem).Sentence()));
+}
+
+void Job::NoticeCopies()
+{
+    if (auto const problem = Context.Door->Snapshot().Copies; problem && !UsesKept) {
+        UsesKept = true;
+        Missed = ExplainFetch(*problem);
+    }
+    if (UsesKept)
+        NoticeOnce(QStringLiteral("%1; going on with what is known of build %2.")
+                       .arg(Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
+                            Result.Build));
+}
+
+/// Called when the realm list is in use: of the other runs nothing wants it.
+void Job::NoticeRealmList()
+{
+    if (UsesKept)
+        return; // told already
+    if (auto const problem = Context.Door.ProblemOf(QStringLiteral("realmlist.info")))
+        NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
+                       .arg(ExplainFetch(*problem).Sentence()));
+}
+
+Failure Job::LatestFailure() const
+{
+    if (auto const problem = Context.Door->LatestProblem())
+        return ExplainFetch(*problem);
+    return {FailureKind::ServerSilent, Context.Door.ContentServer(),
+            QStringLiteral("no answer in time")};
+}
+
+} // namespace Varnholt::Host

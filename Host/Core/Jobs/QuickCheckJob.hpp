@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Host/Core/Jobs/Job.hpp"
+
+namespace Varnholt::Host {
+
+/// Asks for the version file only: one small file, and no work for the module.
+class QuickCheckJob : public Job {
+public:
+    using Job::Job;
+
+protected:
+    std::optional<Failure> Prepare() override { return GameFailure(); }
+    void Start() override;
+    void OnBuildKnown() override {}
+    void Release() override { Asking.reset(); }
+
+private:
+    void OnVersion(Gateway::Reply const& p_Reply);
+
+    std::unique_ptr<QObject> Asking = std::make_unique<QObject>(); ///< its end is the question's
+};
+
+} // namespace Varnholt::Host

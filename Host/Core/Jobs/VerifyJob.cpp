@@ -1,0 +1,10 @@
+#include "Host/Core/Jobs/VerifyJob.hpp"
+
+namespace Varnholt::Host {
+
+void VerifyJob::Judge()
+{
+    Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Host/Core/Jobs/InspectionJob.hpp"
+
+namespace Varnholt::Host {
+
+/// Compares every file.
+class VerifyJob : public InspectionJob {
+public:
+    using InspectionJob::InspectionJob;
+
+protected:
+    bool LooksAtEveryFile() const override { return true; }
+    void Judge() override;
+};
+
+} // namespace Varnholt::Host
