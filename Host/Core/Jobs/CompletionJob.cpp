@@ -59,7 +59,8 @@ void CompletionJob::Work()
             OnExamined();
         return;
     }
-    if (Phase() != RunPhase::Suspended && Context.Watch.Observe())
+    bool const isHeld = Paused && Phase() == RunPhase::Suspended;
+    if (!isHeld && Context.Watch.Observe())
         return OnQuiet();
     // After a drop a refused file would be asked for without end. It is passed over.
     if (!Paused && Context.Ledger.ComesNoFurther())

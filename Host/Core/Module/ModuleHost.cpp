@@ -65,10 +65,14 @@ void ModuleHost::Load()
     Q_EMIT Loaded(Info);
 }
 
+QString ModuleHost::ModuleFile() const
+{
+    return Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
+}
+
 std::optional<Failure> ModuleHost::LoadModule()
 {
-    QString const file =
-        Options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile() : Options.ModuleFile;
+    QString const file = ModuleFile();
     if (!Door)
         return Failure{FailureKind::ModuleUnloadable, file,
                        QStringLiteral("another session of this program uses a module")};
@@ -131,9 +135,9 @@ void ModuleHost::ReadStatus()
 void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
 {
     if (!IsLoaded() || Closing)
-        return Refuse(p_Id, FailureKind::ModuleNotLoaded);
+        return Refuse(p_Id, {FailureKind::ModuleNotLoaded, ModuleFile(), {}});
     if (Current)
-        return Refuse(p_Id, FailureKind::SessionBusy);
+        return Refuse(p_Id, {FailureKind::SessionBusy, Info.Name, {}});
     PumpHeld = false;
     Gate.Begin();
     CurrentId = p_Id;
@@ -144,10 +148,10 @@ void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
     Current->Begin();
 }
 
-void ModuleHost::Refuse(quint64 p_Id, FailureKind p_Kind)
+void ModuleHost::Refuse(quint64 p_Id, Failure const& p_Failure)
 {
     RunResult result;
-    result.Problem = Failure{p_Kind, {}, {}};
+    result.Problem = p_Failure;
     Q_EMIT Ended(p_Id, result);
 }
 

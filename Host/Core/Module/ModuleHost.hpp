@@ -57,7 +57,8 @@ private:
     bool IsLoaded() const { return Loader.Application() != nullptr; }
     std::optional<Failure> LoadModule();
     void Assemble();
-    void Refuse(quint64 p_Id, FailureKind p_Kind);
+    QString ModuleFile() const;
+    void Refuse(quint64 p_Id, Failure const& p_Failure);
     void OnEnded(RunResult const& p_Result);
     void Turn();
     void OnError(QString const& p_Message);
