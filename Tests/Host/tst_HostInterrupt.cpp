@@ -1,5 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -276,5 +277,5 @@ void HostInterruptTest::NothingIsLostWhenTheProgramQuitsHalfWay()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostInterruptTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostInterruptTest)
 #include "tst_HostInterrupt.moc"

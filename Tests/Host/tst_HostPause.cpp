@@ -1,5 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -295,5 +296,5 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostPauseTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostPauseTest)
 #include "tst_HostPause.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -193,5 +194,5 @@ void HostUninstallTest::NothingIsUninstalledTwice()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostUninstallTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostUninstallTest)
 #include "tst_HostUninstall.moc"
