@@ -3,6 +3,7 @@
 #include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -310,5 +311,5 @@ void ApplicationTest::DestroyingAnApplicationWithRequestsInFlightIsSafe()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::ApplicationTest)
+VARNHOLT_TEST(Varnholt::Launcher::ApplicationTest)
 #include "tst_Application.moc"

@@ -2,6 +2,7 @@
 #include "GameModules/StandartApplication.hpp"
 #include "Launcher/Application/Application.hpp"
 #include "Launcher/Application/ApplicationAsyncHttpDownloader.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QMetaMethod>
 #include <QtTest>
@@ -122,5 +123,5 @@ void MetaObjectsTest::TheRecordIsKnownByTheNameThatTheSignalsSpell()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::MetaObjectsTest)
+VARNHOLT_TEST(Varnholt::Launcher::MetaObjectsTest)
 #include "tst_MetaObjects.moc"

@@ -1,5 +1,6 @@
 #include "Launcher/Application/ApplicationUISetting.hpp"
 #include "Launcher/Application/RateClock.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -119,5 +120,5 @@ void ProgressRecordTest::ElapsedTimeIsNeverNegative()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::ProgressRecordTest)
+VARNHOLT_TEST(Varnholt::Launcher::ProgressRecordTest)
 #include "tst_ProgressRecord.moc"

@@ -1,5 +1,6 @@
 #include "GameModules/ManifestComparison.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -99,5 +100,5 @@ void ComparisonBigManifestTest::ALongListIsLinear()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonBigManifestTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonBigManifestTest)
 #include "tst_ComparisonBigManifest.moc"

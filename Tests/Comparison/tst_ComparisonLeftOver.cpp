@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -195,5 +196,5 @@ void ComparisonLeftOverTest::ALineTakesEveryEntryOfItsPath()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonLeftOverTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonLeftOverTest)
 #include "tst_ComparisonLeftOver.moc"

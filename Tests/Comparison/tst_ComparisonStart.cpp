@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -217,5 +218,5 @@ void ComparisonStartTest::TheStartReturnsBeforeTheComparison()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonStartTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonStartTest)
 #include "tst_ComparisonStart.moc"

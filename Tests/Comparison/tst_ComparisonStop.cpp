@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -157,5 +158,5 @@ void ComparisonStopTest::NoSizeIsAskedWhenTheHostStops()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonStopTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonStopTest)
 #include "tst_ComparisonStop.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -219,5 +220,5 @@ void ComparisonStreamedTest::SomethingToFetchAsksForSizes()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonStreamedTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonStreamedTest)
 #include "tst_ComparisonStreamed.moc"

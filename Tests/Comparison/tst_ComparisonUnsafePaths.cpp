@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -38,5 +39,5 @@ void ComparisonUnsafePathsTest::UnsafeEntriesOfARemoteManifestTouchNothingOutsid
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonUnsafePathsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonUnsafePathsTest)
 #include "tst_ComparisonUnsafePaths.moc"

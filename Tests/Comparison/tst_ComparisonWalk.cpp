@@ -1,5 +1,6 @@
 #include "Tests/Runs/Game.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -268,5 +269,5 @@ void ComparisonWalkTest::TheListIsNotTouchedBeforeTheComparisonHasEnded()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ComparisonWalkTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ComparisonWalkTest)
 #include "tst_ComparisonWalk.moc"

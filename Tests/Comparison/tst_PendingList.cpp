@@ -3,6 +3,7 @@
 #include "Tests/Support/FileWatch.hpp"
 #include "Tests/Support/LocalEncoding.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -285,5 +286,5 @@ void PendingListTest::AReaderNeverSeesAHalfWrittenList()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PendingListTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PendingListTest)
 #include "tst_PendingList.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Completion/HandMadeRun.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -251,5 +252,5 @@ void CompletionProgressTest::ACompletionWithoutAListIsHarmless()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::CompletionProgressTest)
+VARNHOLT_TEST(Varnholt::TestSupport::CompletionProgressTest)
 #include "tst_CompletionProgress.moc"

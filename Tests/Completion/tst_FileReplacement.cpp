@@ -4,6 +4,7 @@
 #include "Tests/Support/FileSizeLimit.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/FileWatch.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -134,5 +135,5 @@ void FileReplacementTest::AConfigurationThatDoesNotFitStaysAsItWas()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::FileReplacementTest)
+VARNHOLT_TEST(Varnholt::TestSupport::FileReplacementTest)
 #include "tst_FileReplacement.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Completion/HandMadeRun.hpp"
 #include "Tests/Support/FileWatch.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -168,5 +169,5 @@ void ListRewritingTest::TheListIsRewrittenBeforeTheFileIsVerified()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ListRewritingTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ListRewritingTest)
 #include "tst_ListRewriting.moc"

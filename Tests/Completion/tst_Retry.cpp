@@ -1,4 +1,5 @@
 #include "Tests/Completion/HandMadeRun.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -284,5 +285,5 @@ void RetryTest::TheLastFileThatFailsIsFetchedAgainBeforeTheEnd()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::RetryTest)
+VARNHOLT_TEST(Varnholt::TestSupport::RetryTest)
 #include "tst_Retry.moc"

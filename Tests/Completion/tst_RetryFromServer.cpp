@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -199,5 +200,5 @@ void RetryFromServerTest::FilesOfTheDefaultServerDoNotSufferFromABadMirror()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::RetryFromServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::RetryFromServerTest)
 #include "tst_RetryFromServer.moc"

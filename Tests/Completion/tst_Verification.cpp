@@ -1,5 +1,6 @@
 #include "Tests/Completion/HandMadeRun.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -276,5 +277,5 @@ void VerificationTest::WithoutAFolderNothingIsTouched()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::VerificationTest)
+VARNHOLT_TEST(Varnholt::TestSupport::VerificationTest)
 #include "tst_Verification.moc"

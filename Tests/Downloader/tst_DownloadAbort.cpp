@@ -1,6 +1,7 @@
 #include "Tests/Downloader/AbortAtMessage.hpp"
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -314,5 +315,5 @@ void DownloadAbortTest::Twice()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadAbortTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadAbortTest)
 #include "tst_DownloadAbort.moc"

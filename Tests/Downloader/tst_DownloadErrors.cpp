@@ -1,5 +1,6 @@
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QNetworkReply>
 #include <QtTest>
@@ -322,5 +323,5 @@ void DownloadErrorsTest::ContinuableTellsWhatAnotherAttemptMayGoOnFrom()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadErrorsTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadErrorsTest)
 #include "tst_DownloadErrors.moc"

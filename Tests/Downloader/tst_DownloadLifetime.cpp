@@ -1,5 +1,6 @@
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -226,5 +227,5 @@ void DownloadLifetimeTest::DownloadsDoNotUseTheApplicationsMaps()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadLifetimeTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadLifetimeTest)
 #include "tst_DownloadLifetime.moc"

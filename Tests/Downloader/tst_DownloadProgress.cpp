@@ -1,5 +1,6 @@
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -199,5 +200,5 @@ void DownloadProgressTest::ReadingAheadIsBounded()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadProgressTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadProgressTest)
 #include "tst_DownloadProgress.moc"

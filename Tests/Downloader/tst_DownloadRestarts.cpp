@@ -1,5 +1,6 @@
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -161,5 +162,5 @@ void DownloadRestartsTest::APauseEndsInACompleteFile()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadRestartsTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadRestartsTest)
 #include "tst_DownloadRestarts.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -297,5 +298,5 @@ void DownloadTransferTest::ADestinationThatCannotBeOpenedGivesNoSignal()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadTransferTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadTransferTest)
 #include "tst_DownloadTransfer.moc"

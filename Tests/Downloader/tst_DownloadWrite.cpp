@@ -1,6 +1,7 @@
 #include "Tests/Downloader/DownloadBench.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -123,5 +124,5 @@ void DownloadWriteTest::EveryBlockReopensTheFile()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::DownloadWriteTest)
+VARNHOLT_TEST(Varnholt::Launcher::DownloadWriteTest)
 #include "tst_DownloadWrite.moc"

@@ -4,6 +4,7 @@
 #include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -267,5 +268,5 @@ void RoundTripTest::ARepairIsTheSource()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::RoundTripTest)
+VARNHOLT_TEST(Varnholt::TestSupport::RoundTripTest)
 #include "tst_RoundTrip.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Endurance/EnduringGame.hpp"
 #include "Tests/Endurance/RandomCaller.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -84,5 +85,5 @@ void RandomCallsTest::AlwaysEndInACompleteGame()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::RandomCallsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::RandomCallsTest)
 #include "tst_RandomCalls.moc"

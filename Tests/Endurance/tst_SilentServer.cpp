@@ -1,5 +1,6 @@
 #include "Tests/Endurance/EnduringGame.hpp"
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -209,5 +210,5 @@ void SilentServerTest::ATransferLetGoEndsWithASuspension()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SilentServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SilentServerTest)
 #include "tst_SilentServer.moc"

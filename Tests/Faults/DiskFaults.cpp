@@ -32,10 +32,14 @@ struct DiskGame {
         };
     }
     ~DiskGame() { Game.Quit(); }
-    void Fill(int p_PagesLeft = 0)
+    /// \return how often it struck: not at all where the volume is not one of its own
+    int Fill(int p_PagesLeft = 0)
     {
+        if (!Volume.IsMounted())
+            return 0;
         Filler = std::make_unique<VolumeFiller>(Game.Base + QStringLiteral("Jeux été/other"),
                                                 p_PagesLeft);
+        return Filler->IsFull() ? 1 : 0;
     }
     void Free()
     {
@@ -73,9 +77,9 @@ void FillInMidFile(QString const& p_File, RequestType p_Kind, bool p_IsUnknown, 
         if (!p_Game.WaitForPart(p_File, c_Arrived))
             return 0;
         disk.IsUnknown = p_IsUnknown;
-        disk.Fill();
+        int const struck = disk.Fill();
         p_Game.Server.OpenGate(path);
-        return 1;
+        return struck;
     };
     trial.Undo = [&](FaultGame&) { disk.Free(); };
     trial.Run(game, p_Tally);
@@ -100,9 +104,10 @@ void FullFromTheBeginning(QString const& p_Where, int p_PagesLeft,
     DiskGame disk;
     FaultTrial::PutOld(disk.Game);
     p_Prepare(disk.Game);
-    disk.Fill(p_PagesLeft);
+    int const struck = disk.Fill(p_PagesLeft);
     disk.IsUnknown = true;
     FaultTrial trial;
+    trial.Strike = [struck](FaultGame&) { return struck; };
     trial.Where = QStringLiteral("%1, room for %2 pages").arg(p_Where).arg(p_PagesLeft);
     trial.Undo = [&](FaultGame&) { disk.Free(); };
     trial.Run(disk.Game, p_Tally);
@@ -179,10 +184,11 @@ FaultReport WhileTheSettingsAreWritten()
             game.SetSetting("of the player", QByteArray(9'000, 's'));
             if (isUnfinished)
                 game.SetSetting("host/pelmora_app/unfinished", true);
-            disk.Fill(pages);
+            int const struck = disk.Fill(pages);
             disk.IsUnknown = true;
             QStringList const keys = game.SettingKeys();
             FaultTrial trial;
+            trial.Strike = [struck](FaultGame&) { return struck; };
             trial.Where = QStringLiteral("room for %1 pages").arg(pages);
             QStringList lost;
             trial.Undo = [&](FaultGame& p_Game) {

@@ -13,6 +13,8 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
+constexpr int c_SkippedStatus = 77; // as many test runners know it
+
 bool IsWanted(FaultRow const& p_Row, QStringList const& p_Parts)
 {
     return p_Parts.isEmpty() ||
@@ -36,9 +38,11 @@ int RunSuite(std::vector<FaultRow> const& p_Rows, int p_Jobs)
 {
     FaultTable const table = FaultSuite(p_Rows, p_Jobs).Run();
     std::printf("%s", qPrintable(table.Text()));
-    for (QString const& fault : table.Faults())
-        std::printf("%s\n", qPrintable(fault));
-    return table.Faults().isEmpty() ? 0 : 1;
+    for (QString const& line : table.Faults() + table.NeverStruck())
+        std::printf("%s\n", qPrintable(line));
+    if (!table.Faults().isEmpty())
+        return 1;
+    return table.NeverStruck().isEmpty() ? 0 : c_SkippedStatus;
 }
 
 } // namespace
@@ -49,7 +53,8 @@ int RunFaultProgram(int p_Count, char** p_Arguments, std::vector<FaultRow> const
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Injects faults into installs and updates of a small game and prints what "
-                       "became of them.\nEnds with 1 when a file was lost or wrong."));
+                       "became of them.\nEnds with 1 when a file was lost or wrong, with 77 when a "
+                       "fault never struck."));
     parser.addHelpOption();
     parser.addPositionalArgument(QStringLiteral("PART"),
                                  QStringLiteral("runs the rows whose names contain one of these"),

@@ -53,4 +53,13 @@ QStringList FaultTable::Faults() const
     return faults;
 }
 
+QStringList FaultTable::NeverStruck() const
+{
+    QStringList rows;
+    for (auto const& row : Rows)
+        if (row.second.Injected == 0)
+            rows += row.first + QLatin1String(": the fault never struck");
+    return rows;
+}
+
 } // namespace Varnholt::TestSupport

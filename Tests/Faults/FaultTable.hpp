@@ -20,6 +20,8 @@ public:
     QString Text() const;
     /// Every fault of every row, a line each; empty when nothing was lost.
     QStringList Faults() const;
+    /// A line for each row that proves nothing, since its fault could not be injected.
+    QStringList NeverStruck() const;
 
 private:
     static QStringList Cells(QString const& p_Name, FaultReport const& p_Report);

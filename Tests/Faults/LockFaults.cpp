@@ -86,7 +86,9 @@ void TryTogether(Task p_Task, int p_Index, FaultTally& p_Tally)
     if (!game.Wrong().isEmpty())
         faults += QStringLiteral("the game is not complete");
     game.Complete();
-    p_Tally.Add(QStringLiteral("%1 %2").arg(ProcessGame::Name(p_Task)).arg(p_Index), 1,
+    // Those that worked one after the other have not met.
+    p_Tally.Add(QStringLiteral("%1 %2").arg(ProcessGame::Name(p_Task)).arg(p_Index),
+                worked == 1 ? 1 : 0,
                 worked == 1 ? QStringLiteral("one works, one is refused")
                             : QStringLiteral("one after the other"),
                 faults + game.Faults());

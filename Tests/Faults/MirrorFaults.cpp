@@ -33,6 +33,7 @@ struct MirrorGame {
     FaultGame Game;
     ScriptedServer Bad;
     ScriptedServer Good;
+    bool IsDead = false; ///< the bad one, from the beginning
 };
 
 struct MirrorFault {
@@ -41,11 +42,13 @@ struct MirrorFault {
     std::function<void(MirrorGame&)> Judge = {}; ///< called when the run has ended
 };
 
-/// A connection that is refused leaves no trace: without a large file it is counted as struck.
+/// A connection that is refused leaves no trace: it is counted as struck.
 int Injected(MirrorGame const& p_Game)
 {
-    bool const isTold = p_Game.Game.Content.Files[0].Path == c_Large;
-    return isTold && p_Game.Bad.BodyBytes(p_Game.LargePath()) == 0 ? 0 : 1;
+    bool const isLarge = p_Game.Game.Content.Files[0].Path == c_Large;
+    bool const isUsed = isLarge ? p_Game.Bad.BodyBytes(p_Game.LargePath()) > 0
+                                : p_Game.IsDead || !p_Game.Bad.Requests().empty();
+    return isUsed ? 1 : 0;
 }
 
 FaultReport Run(MirrorFault const& p_Fault)
@@ -79,12 +82,12 @@ void OneIsDead(MirrorGame& p_Game)
 {
     p_Game.Publish();
     p_Game.Bad.Stop();
+    p_Game.IsDead = true;
 }
 
 void AllAreDead(MirrorGame& p_Game)
 {
-    p_Game.Publish();
-    p_Game.Bad.Stop();
+    OneIsDead(p_Game);
     p_Game.Good.Stop();
 }
 

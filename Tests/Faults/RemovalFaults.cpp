@@ -129,9 +129,10 @@ FaultReport FinishedFileRemoved()
 FaultReport ListsRemoved()
 {
     return Run({[](FaultGame& p_Game, QString const&) {
+                    bool isRemoved = false;
                     for (QString const& list : Belongings::c_Lists)
-                        QFile::remove(p_Game.Path(list));
-                    return true;
+                        isRemoved |= QFile::remove(p_Game.Path(list));
+                    return isRemoved;
                 },
                 {},
                 Belongings::c_Lists});

@@ -38,6 +38,7 @@ std::vector<FaultRow> Rows()
 {
     return {{QStringLiteral("fine"), [] { return Report(3, "complete: 3", {}, 7); }},
             {QStringLiteral("loses"), [] { return Report(1, "lost", {"a file was lost"}, 8); }},
+            {QStringLiteral("never strikes"), [] { return Report(0, "not possible here", {}, 1); }},
             {QStringLiteral("crashes"), []() -> FaultReport { std::abort(); }},
             {QStringLiteral("ends early"), []() -> FaultReport { std::exit(0); }},
             {QStringLiteral("fails behind its report"),
@@ -222,6 +223,9 @@ void FaultTableTest::TheSuiteEndsByWhatItsRowsFound_data()
     QTest::addColumn<QString>("sentence");
     QTest::newRow("fine") << "fine" << 0 << "| fine  | 3 ";
     QTest::newRow("lost") << "loses" << 1 << "\nloses: a file was lost\n";
+    QTest::newRow("skipped") << "never strikes" << 77
+                             << "\nnever strikes: the fault never struck\n";
+    QTest::newRow("lost and skipped") << "loses,never strikes" << 1 << "\nloses: a file was lost\n";
     QTest::newRow("crash") << "crashes" << 1 << "\ncrashes: its process gave no report";
     QTest::newRow("no report") << "ends early" << 1 << "\nends early: its process gave no report";
     QTest::newRow("failed behind it")
@@ -240,7 +244,7 @@ void FaultTableTest::TheSuiteEndsByWhatItsRowsFound()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("VARNHOLT_FAULT_PROGRAM", "1");
     suite.setProcessEnvironment(environment);
-    suite.start(QCoreApplication::applicationFilePath(), {row});
+    suite.start(QCoreApplication::applicationFilePath(), row.split(','));
     QVERIFY(suite.waitForFinished());
     QCOMPARE(suite.exitStatus(), QProcess::NormalExit);
     QString const said = QString::fromUtf8(suite.readAllStandardOutput());

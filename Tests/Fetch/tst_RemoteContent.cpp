@@ -4,6 +4,7 @@
 #include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -288,5 +289,5 @@ void RemoteContentTest::RemoteTextEndsAtANulByteAndRepairsUtf8()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::RemoteContentTest)
+VARNHOLT_TEST(Varnholt::Launcher::RemoteContentTest)
 #include "tst_RemoteContent.moc"

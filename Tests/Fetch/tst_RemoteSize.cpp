@@ -3,6 +3,7 @@
 #include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -197,5 +198,5 @@ void RemoteSizeTest::TheReplyIsDeleted()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::RemoteSizeTest)
+VARNHOLT_TEST(Varnholt::Launcher::RemoteSizeTest)
 #include "tst_RemoteSize.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Gateway/ProcessFigures.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QSemaphore>
 
@@ -290,5 +291,5 @@ void GatewayChunksTest::AFasterMirrorGivesMore()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayChunksTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayChunksTest)
 #include "tst_GatewayChunks.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Support/Response.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 namespace Varnholt::TestSupport {
 
@@ -299,5 +300,5 @@ void GatewayDocumentsTest::AProblemIsForgottenWhenTheAnswerComes()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayDocumentsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayDocumentsTest)
 #include "tst_GatewayDocuments.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QSemaphore>
 #include <QUrl>
@@ -301,5 +302,5 @@ void GatewayDoorTest::TwoDoorsKnowNothingOfEachOther()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayDoorTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayDoorTest)
 #include "tst_GatewayDoor.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Gateway/DeafServer.hpp"
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 namespace Varnholt::TestSupport {
 
@@ -299,5 +300,5 @@ void GatewayFailoverTest::WhoeverGaveARejectedFileIsBehind()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayFailoverTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayFailoverTest)
 #include "tst_GatewayFailover.moc"

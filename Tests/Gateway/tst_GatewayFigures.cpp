@@ -1,4 +1,5 @@
 #include "Tests/Gateway/GatewayBench.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <mutex>
 
@@ -172,5 +173,5 @@ void GatewayFiguresTest::NoQuestionIsAnsweredAfterTheEnd()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayFiguresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayFiguresTest)
 #include "tst_GatewayFigures.moc"

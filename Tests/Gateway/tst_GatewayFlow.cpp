@@ -1,4 +1,5 @@
 #include "Tests/Gateway/GatewayBench.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <chrono>
 #include <thread>
@@ -239,5 +240,5 @@ void GatewayFlowTest::DestructionEndsReaders()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayFlowTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayFlowTest)
 #include "tst_GatewayFlow.moc"

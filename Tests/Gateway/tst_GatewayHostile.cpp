@@ -1,6 +1,7 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Gateway/ProcessFigures.hpp"
 #include "Tests/Support/Response.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 namespace Varnholt::TestSupport {
 
@@ -314,5 +315,5 @@ void GatewayHostileTest::HeadersOfAServerDoNotReachTheClient()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayHostileTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayHostileTest)
 #include "tst_GatewayHostile.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Gateway/GatewayBench.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 namespace Varnholt::TestSupport {
 
@@ -224,5 +225,5 @@ void GatewayHostsTest::WithoutACopyTheServerIsWaitedFor()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayHostsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayHostsTest)
 #include "tst_GatewayHosts.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDateTime>
 #include <QLocale>
@@ -282,5 +283,5 @@ void GatewayRetryTest::NobodyIsAskedWhileNobodyWaits()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayRetryTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayRetryTest)
 #include "tst_GatewayRetry.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 namespace Varnholt::TestSupport {
 
@@ -271,5 +272,5 @@ void GatewaySizesTest::WhatComesPackedIsNeverTakenForContent()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewaySizesTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewaySizesTest)
 #include "tst_GatewaySizes.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Gateway/GatewayBench.hpp"
 #include "Tests/Gateway/ProcessFigures.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <random>
 
@@ -215,5 +216,5 @@ void GatewayStressTest::NothingIsLeftBehind()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayStressTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayStressTest)
 #include "tst_GatewayStress.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Operating/NginxServer.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 
@@ -222,5 +223,5 @@ void GatewayTlsTest::TheNewerProtocolIsSpoken()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayTlsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayTlsTest)
 #include "tst_GatewayTls.moc"

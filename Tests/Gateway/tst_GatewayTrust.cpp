@@ -2,6 +2,7 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 
@@ -305,5 +306,5 @@ void GatewayTrustTest::TheProxyOfTheEnvironmentIsUsed()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::GatewayTrustTest)
+VARNHOLT_TEST(Varnholt::TestSupport::GatewayTrustTest)
 #include "tst_GatewayTrust.moc"

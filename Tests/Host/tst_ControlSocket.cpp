@@ -1,6 +1,7 @@
 #include "Host/Core/Session/ControlSocket.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QLocalSocket>
@@ -136,5 +137,5 @@ void ControlSocketTest::OnlyOneListens()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ControlSocketTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ControlSocketTest)
 #include "tst_ControlSocket.moc"

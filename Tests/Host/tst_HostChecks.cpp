@@ -6,6 +6,7 @@
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QSet>
@@ -249,5 +250,5 @@ void HostChecksTest::TheCheckLeavesNothingBehind()
 
 } // namespace Varnholt::Host
 
-QTEST_GUILESS_MAIN(Varnholt::Host::HostChecksTest)
+VARNHOLT_TEST(Varnholt::Host::HostChecksTest)
 #include "tst_HostChecks.moc"

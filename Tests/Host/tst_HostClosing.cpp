@@ -1,4 +1,5 @@
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
@@ -185,5 +186,5 @@ void HostClosingTest::AStopIsSeenInTheMidstOfAFile()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostClosingTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostClosingTest)
 #include "tst_HostClosing.moc"

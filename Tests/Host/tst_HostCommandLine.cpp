@@ -1,5 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -301,5 +302,5 @@ void HostCommandLineTest::TheDevelopmentChannelHasItsOwnBuild()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostCommandLineTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostCommandLineTest)
 #include "tst_HostCommandLine.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -212,5 +213,5 @@ void HostConfigTest::AValueKeptThatIsNoneCanBeTakenAway()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostConfigTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostConfigTest)
 #include "tst_HostConfig.moc"

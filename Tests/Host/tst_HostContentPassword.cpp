@@ -4,6 +4,7 @@
 #include "Tests/Host/Terminal.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -206,5 +207,5 @@ void HostContentPasswordTest::TheGameDoesNotGetIt()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostContentPasswordTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostContentPasswordTest)
 #include "tst_HostContentPassword.moc"

@@ -1,3 +1,5 @@
+#include "Tests/Support/TestMain.hpp"
+
 #include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
@@ -35,5 +37,5 @@ void HostContractTest::NoFunctionOfTheModuleRunsFromTheHostsCopy()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostContractTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostContractTest)
 #include "tst_HostContract.moc"

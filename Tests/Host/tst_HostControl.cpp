@@ -3,6 +3,7 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QLocalSocket>
@@ -294,5 +295,5 @@ void HostControlTest::ALimitIsKeptWithoutADownloadToo()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostControlTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostControlTest)
 #include "tst_HostControl.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/SmallVolume.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -251,5 +252,5 @@ void HostDiskFailuresTest::AFolderBelowThatCannotBeWrittenIsNamed()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostDiskFailuresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostDiskFailuresTest)
 #include "tst_HostDiskFailures.moc"

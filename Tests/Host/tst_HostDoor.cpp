@@ -4,6 +4,7 @@
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QElapsedTimer>
 #include <QNetworkAccessManager>
@@ -298,5 +299,5 @@ void HostDoorTest::TheLogNamesServersAndNotTheDoor()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostDoorTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostDoorTest)
 #include "tst_HostDoor.moc"

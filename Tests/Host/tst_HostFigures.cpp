@@ -1,5 +1,6 @@
 #include "Host/Core/Failures/ByteText.hpp"
 #include "Host/Core/Jobs/RunPhase.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QSet>
 #include <QtTest>
@@ -59,5 +60,5 @@ void HostFiguresTest::OnlyTheDownloadPhasesCountBytes()
 
 } // namespace Varnholt::Host
 
-QTEST_GUILESS_MAIN(Varnholt::Host::HostFiguresTest)
+VARNHOLT_TEST(Varnholt::Host::HostFiguresTest)
 #include "tst_HostFigures.moc"

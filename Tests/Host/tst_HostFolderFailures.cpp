@@ -3,6 +3,7 @@
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QLibraryInfo>
@@ -219,5 +220,5 @@ void HostFolderFailuresTest::AModuleThatIsNoneIsNamed()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostFolderFailuresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostFolderFailuresTest)
 #include "tst_HostFolderFailures.moc"

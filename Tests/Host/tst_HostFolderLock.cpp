@@ -1,6 +1,7 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QLockFile>
@@ -172,5 +173,5 @@ void HostFolderLockTest::ADeadInstallationsLockIsNoForeignFile()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostFolderLockTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostFolderLockTest)
 #include "tst_HostFolderLock.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Host/FolderListing.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -330,5 +331,5 @@ void HostInspectionTest::AnInterruptedCheckChangesNothing()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostInspectionTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostInspectionTest)
 #include "tst_HostInspection.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/JsonSchema.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDateTime>
 #include <QtTest>
@@ -224,5 +225,5 @@ void HostJsonTest::AUsageErrorLeavesStandardOutputEmpty()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostJsonTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostJsonTest)
 #include "tst_HostJson.moc"

@@ -5,6 +5,7 @@
 #include "Host/Core/Jobs/RunPhase.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -242,5 +243,5 @@ void HostJsonFormTest::TheSchemaRefusesWhatItDoesNotSay()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostJsonFormTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostJsonFormTest)
 #include "tst_HostJsonForm.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -146,5 +147,5 @@ void HostLogFileTest::NamesMayChangeWhileTheLogIsWritten()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostLogFileTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostLogFileTest)
 #include "tst_HostLogFile.moc"

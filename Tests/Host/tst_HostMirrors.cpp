@@ -1,5 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QUrl>
 #include <QtTest>
@@ -214,5 +215,5 @@ void HostMirrorsTest::TheQuestionCanBeInterrupted()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostMirrorsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostMirrorsTest)
 #include "tst_HostMirrors.moc"

@@ -1,6 +1,7 @@
 #include "Host/Core/Network/OfflineCopies.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -221,5 +222,5 @@ void HostOfflineTest::AnUninstallationForgetsTheCopies()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostOfflineTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostOfflineTest)
 #include "tst_HostOffline.moc"

@@ -3,6 +3,7 @@
 #include "Host/Cli/Reports.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -275,5 +276,5 @@ void HostOptionsTest::AQuickCheckSaysWhatItHasNotLookedAt()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostOptionsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostOptionsTest)
 #include "tst_HostOptions.moc"

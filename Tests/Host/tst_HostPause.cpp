@@ -1,5 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -185,19 +186,18 @@ void HostPauseTest::APauseAtTheEndOfAFileHolds()
     SessionGame game;
     game.AddFiles().Publish();
     HoldContent(game, c_Base, 59'000);
+    // The next file does not come, or the run might be over before it is paused.
+    game.Server.Script("GET " + game.Content.ServerPath(c_FirstBuild))
+        .Then(Answer::SilentBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart(c_Base, 59'000));
     Open(game, c_Base);
     QVERIFY(game.WaitUntil([&] { return game.Has(c_Base); })); // the next one begins about now
     game.Session().Pause();
-    QVERIFY(game.WaitUntil([&] {
-        return !game.Results.empty() || game.Snapshots.back().Phase == RunPhase::Suspended;
-    }));
-    if (game.Results.empty()) {
-        HoldsFor(game);
-        game.Session().Continue();
-    }
+    HoldsFor(game);
+    game.Session().Continue();
+    Open(game, c_FirstBuild);
     QCOMPARE(game.End(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
 }
@@ -295,5 +295,5 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostPauseTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostPauseTest)
 #include "tst_HostPause.moc"

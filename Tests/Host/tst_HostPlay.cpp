@@ -2,6 +2,7 @@
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -277,5 +278,5 @@ void HostPlayTest::WithoutAServerNothingIsStarted()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostPlayTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostPlayTest)
 #include "tst_HostPlay.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -96,5 +97,5 @@ void HostQuickCheckTest::ItCanBeInterrupted()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostQuickCheckTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostQuickCheckTest)
 #include "tst_HostQuickCheck.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Host/SecretService.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QLocalServer>
 #include <QtTest>
@@ -258,5 +259,5 @@ void HostRememberTest::ItNeedsAnAccount()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostRememberTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostRememberTest)
 #include "tst_HostRemember.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QProcess>
@@ -40,5 +41,5 @@ void HostScriptTest::AScriptGetsAlongByJsonAndExitStatusesAlone()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostScriptTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostScriptTest)
 #include "tst_HostScript.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -270,5 +271,5 @@ void HostServerFailuresTest::AServerThatGoesAwayIsToldAndNothingIsLost()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostServerFailuresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostServerFailuresTest)
 #include "tst_HostServerFailures.moc"

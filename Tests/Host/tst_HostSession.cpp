@@ -1,4 +1,5 @@
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -266,5 +267,5 @@ void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostSessionTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostSessionTest)
 #include "tst_HostSession.moc"

@@ -1,6 +1,7 @@
 #include "Host/Core/Settings/HostSettings.hpp"
 #include "Tests/Support/FileSizeLimit.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -211,5 +212,5 @@ void HostSettingsTest::ANewFileWithAPasswordIsItsOwnersAlone()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostSettingsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostSettingsTest)
 #include "tst_HostSettings.moc"

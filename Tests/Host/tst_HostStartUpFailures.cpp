@@ -1,5 +1,6 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -218,5 +219,5 @@ void HostStartUpFailuresTest::ARefusedRealmListLeavesTheGamesOwn()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostStartUpFailuresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostStartUpFailuresTest)
 #include "tst_HostStartUpFailures.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Host/Terminal.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -245,5 +246,5 @@ void HostTerminalTest::DeletingIsAskedFor()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostTerminalTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostTerminalTest)
 #include "tst_HostTerminal.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void AGameThatRunsIsNotDeleted();
     void WithoutAServerNothingIsDeleted();
     void NothingIsUninstalledTwice();
+    void AStoppedRemovalGoesOnWithTheSameCommand();
 };
 
 void HostUninstallTest::TheInstallationIsForgottenAndItsFilesStay()
@@ -191,7 +193,39 @@ void HostUninstallTest::NothingIsUninstalledTwice()
     QCOMPARE(game.Wrong(), QStringList());
 }
 
+/// What gives a player's account away goes first, what is known of the game last.
+void HostUninstallTest::AStoppedRemovalGoesOnWithTheSameCommand()
+{
+    constexpr int c_Many = 5'000;
+
+    SessionGame game;
+    game.AddFiles();
+    for (int i = 0; i < c_Many; ++i)
+        game.Content.Add({QStringLiteral("Data/%1/small").arg(i), "s"});
+    game.Publish().PutInstalled();
+    QStringList const screen{"Interface/GlueXMl/AccountLogin.xml",
+                             "Interface/GlueXMl/AccountLogin.lua"};
+    for (QString const& file : screen)
+        game.Put(file, "secret");
+    game.Put("readme.txt.part", "begun");
+    QVERIFY(game.Open());
+    Host::RunRequest request;
+    request.Kind = RequestType::Uninstall;
+    request.DeletesFiles = true;
+    game.Start(request);
+    QVERIFY(game.WaitUntil([&] { return !game.Has(screen[1]); }));
+    game.Session().Interrupt();
+    QCOMPARE(game.End(), QString("interrupted"));
+    QVERIFY(!game.Has(screen[0]));
+    QVERIFY(game.Status().IsInstalled && game.Status().IsUnfinished);
+    QVERIFY(game.FilesOnDisk().size() > 1);
+
+    QCOMPARE(game.Run(request), QString("done"));
+    QCOMPARE(game.FilesOnDisk(), QStringList("WTF/Config.wtf"));
+    QVERIFY(!game.Status().IsInstalled);
+}
+
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostUninstallTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostUninstallTest)
 #include "tst_HostUninstall.moc"

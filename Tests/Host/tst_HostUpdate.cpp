@@ -1,6 +1,7 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -245,5 +246,5 @@ void HostUpdateTest::ABuildWithoutTheLanguageIsTold()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostUpdateTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostUpdateTest)
 #include "tst_HostUpdate.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -239,5 +240,5 @@ void HostVariablesTest::ABadVariableIsAUsageError()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostVariablesTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostVariablesTest)
 #include "tst_HostVariables.moc"

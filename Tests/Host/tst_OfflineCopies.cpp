@@ -1,5 +1,6 @@
 #include "Host/Core/Network/OfflineCopies.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QDirIterator>
@@ -115,5 +116,5 @@ void OfflineCopiesTest::WhatIsForgottenIsGone()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::OfflineCopiesTest)
+VARNHOLT_TEST(Varnholt::TestSupport::OfflineCopiesTest)
 #include "tst_OfflineCopies.moc"

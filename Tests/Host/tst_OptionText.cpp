@@ -1,5 +1,6 @@
 #include "Host/Cli/OptionText.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -236,5 +237,5 @@ void OptionTextTest::CertificatesAreInAFileOfThem()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::OptionTextTest)
+VARNHOLT_TEST(Varnholt::TestSupport::OptionTextTest)
 #include "tst_OptionText.moc"

@@ -1,4 +1,5 @@
 #include "Host/Cli/ProgressText.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -248,5 +249,5 @@ void ProgressTextTest::TheBarIsDrawnInAsciiWhereNothingElseIsShown()
 
 } // namespace Varnholt::Host
 
-QTEST_GUILESS_MAIN(Varnholt::Host::ProgressTextTest)
+VARNHOLT_TEST(Varnholt::Host::ProgressTextTest)
 #include "tst_ProgressText.moc"

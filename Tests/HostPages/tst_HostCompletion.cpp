@@ -2,6 +2,7 @@
 #include "Tests/HostPages/ProgramHelp.hpp"
 #include "Tests/HostPages/ToolRun.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -144,5 +145,5 @@ void HostCompletionTest::FilesAndFoldersAreOfferedWhereTheyBelong()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostCompletionTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostCompletionTest)
 #include "tst_HostCompletion.moc"

@@ -1,5 +1,6 @@
 #include "Host/Core/Failures/ExitStatus.hpp"
 #include "Tests/HostPages/ProgramHelp.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -41,5 +42,5 @@ void HostHelpTest::TheProgramsHelpEndsWithTheExitStatuses()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostHelpTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostHelpTest)
 #include "tst_HostHelp.moc"

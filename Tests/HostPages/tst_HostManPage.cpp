@@ -4,6 +4,7 @@
 #include "Tests/HostPages/ProgramHelp.hpp"
 #include "Tests/HostPages/ToolRun.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -191,5 +192,5 @@ void HostManPageTest::TheSameSourcesMakeTheSamePages()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostManPageTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostManPageTest)
 #include "tst_HostManPage.moc"

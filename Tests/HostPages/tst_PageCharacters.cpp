@@ -6,6 +6,7 @@
 #include "Tests/HostPages/OddProgram.hpp"
 #include "Tests/HostPages/ToolRun.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -122,5 +123,5 @@ void PageCharactersTest::FishShowsThemAsTheyAre()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PageCharactersTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PageCharactersTest)
 #include "tst_PageCharacters.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Hostile/HostileGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonDocument>
 #include <QtTest>
@@ -118,5 +119,5 @@ void HostileAnswersTest::ARealmListOfTenMegabytesIsALineLikeAnyOther()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostileAnswersTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostileAnswersTest)
 #include "tst_HostileAnswers.moc"

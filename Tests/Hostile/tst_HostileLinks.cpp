@@ -1,5 +1,6 @@
 #include "Tests/Hostile/HostileGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -300,5 +301,5 @@ void HostileLinksTest::TheFolderItselfMayBeALink()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostileLinksTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostileLinksTest)
 #include "tst_HostileLinks.moc"

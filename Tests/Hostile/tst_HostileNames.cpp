@@ -1,5 +1,6 @@
 #include "Tests/Hostile/HostileGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -135,5 +136,5 @@ void HostileNamesTest::AProgramOfSuchANameIsStarted()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostileNamesTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostileNamesTest)
 #include "tst_HostileNames.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Hostile/HostileGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QRegularExpression>
 #include <QtTest>
@@ -172,5 +173,5 @@ void HostileOwnLinksTest::TheOtherClientIsNotMovedThroughALink()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostileOwnLinksTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostileOwnLinksTest)
 #include "tst_HostileOwnLinks.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Hostile/HostileGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -140,5 +141,5 @@ void HostilePathsTest::AFolderInTheWayOfAFileIsNamedAndTheOthersArrive()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HostilePathsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HostilePathsTest)
 #include "tst_HostilePaths.moc"

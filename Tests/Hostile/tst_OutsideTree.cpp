@@ -1,5 +1,6 @@
 #include "Tests/Hostile/OutsideTree.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -90,5 +91,5 @@ void OutsideTreeTest::AChangeIsSeen()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::OutsideTreeTest)
+VARNHOLT_TEST(Varnholt::TestSupport::OutsideTreeTest)
 #include "tst_OutsideTree.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Install/PluginGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -165,5 +166,5 @@ void BadContentServerTest::AServerThatFailsNowAndThenStillDelivers()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::BadContentServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::BadContentServerTest)
 #include "tst_BadContentServer.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Install/PluginGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -204,5 +205,5 @@ void BadServerTest::ABadRealmListLeavesTheLineAsItIs()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::BadServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::BadServerTest)
 #include "tst_BadServer.moc"

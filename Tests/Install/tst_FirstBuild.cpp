@@ -1,6 +1,7 @@
 #include "Tests/Runs/Game.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -316,5 +317,5 @@ void FirstBuildTest::AnInstallationThatMovesDownLeavesNoNoteBehind()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::FirstBuildTest)
+VARNHOLT_TEST(Varnholt::TestSupport::FirstBuildTest)
 #include "tst_FirstBuild.moc"

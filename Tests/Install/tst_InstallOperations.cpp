@@ -1,5 +1,6 @@
 #include "Tests/Install/RemovalWatch.hpp"
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -268,5 +269,5 @@ void InstallOperationsTest::TheInstallationIsKnownFromTheSettings()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::InstallOperationsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::InstallOperationsTest)
 #include "tst_InstallOperations.moc"

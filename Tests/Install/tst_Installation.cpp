@@ -1,4 +1,5 @@
 #include "Tests/Install/PluginGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -295,5 +296,5 @@ void InstallationTest::ABuildWithoutFilesIsInstalledAtOnce()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::InstallationTest)
+VARNHOLT_TEST(Varnholt::TestSupport::InstallationTest)
 #include "tst_Installation.moc"

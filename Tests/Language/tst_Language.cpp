@@ -4,6 +4,7 @@
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -156,5 +157,5 @@ void LanguageTest::AConfigurationThatCannotBeWrittenKeepsTheSetting()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::LanguageTest)
+VARNHOLT_TEST(Varnholt::Launcher::LanguageTest)
 #include "tst_Language.moc"

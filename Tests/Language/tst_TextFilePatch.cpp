@@ -3,6 +3,7 @@
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/TestApplication.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -226,5 +227,5 @@ void TextFilePatchTest::NothingIsLogged()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::TextFilePatchTest)
+VARNHOLT_TEST(Varnholt::Launcher::TextFilePatchTest)
 #include "tst_TextFilePatch.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -119,5 +120,5 @@ void Client64Test::AFailureDoesNotStopTheStart()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::Client64Test)
+VARNHOLT_TEST(Varnholt::TestSupport::Client64Test)
 #include "tst_Client64.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Launch/FolderEvents.hpp"
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QDirIterator>
@@ -113,5 +114,5 @@ void CredentialsTest::TheyAreNotLogged()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::CredentialsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::CredentialsTest)
 #include "tst_Credentials.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -217,5 +218,5 @@ void LoginScreenTest::TheScriptKeepsItsTemplatesPermissions()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::LoginScreenTest)
+VARNHOLT_TEST(Varnholt::TestSupport::LoginScreenTest)
 #include "tst_LoginScreen.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -155,5 +156,5 @@ void LoginScreenFailuresTest::WithoutAnInterfaceNothingIsMade()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::LoginScreenFailuresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::LoginScreenFailuresTest)
 #include "tst_LoginScreenFailures.moc"

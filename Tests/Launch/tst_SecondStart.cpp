@@ -1,5 +1,6 @@
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -123,5 +124,5 @@ void SecondStartTest::AnotherProgramOfTheFolderDoesNotCount()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SecondStartTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SecondStartTest)
 #include "tst_SecondStart.moc"

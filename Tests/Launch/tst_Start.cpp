@@ -1,6 +1,7 @@
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -316,5 +317,5 @@ void StartTest::WhatTheGamesShareDoesNotPrepareThisGame()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::StartTest)
+VARNHOLT_TEST(Varnholt::TestSupport::StartTest)
 #include "tst_Start.moc"

@@ -1,5 +1,6 @@
 #include "Tests/Launch/GameScript.hpp"
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -104,5 +105,5 @@ void StartDuringRunTest::BetweenTwoFilesNothingIsSuspended()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::StartDuringRunTest)
+VARNHOLT_TEST(Varnholt::TestSupport::StartDuringRunTest)
 #include "tst_StartDuringRun.moc"

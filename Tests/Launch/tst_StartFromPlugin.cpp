@@ -1,6 +1,7 @@
 #include "Tests/Install/PluginGame.hpp"
 #include "Tests/Launch/GameScript.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -115,5 +116,5 @@ void StartFromPluginTest::AnUninstalledGameDoesNotStart()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::StartFromPluginTest)
+VARNHOLT_TEST(Varnholt::TestSupport::StartFromPluginTest)
 #include "tst_StartFromPlugin.moc"

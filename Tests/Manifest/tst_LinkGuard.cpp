@@ -2,6 +2,7 @@
 #include "GameModules/LinkGuard.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -202,5 +203,5 @@ void LinkGuardTest::AFileIsLookedAtEachTime()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::LinkGuardTest)
+VARNHOLT_TEST(Varnholt::TestSupport::LinkGuardTest)
 #include "tst_LinkGuard.moc"

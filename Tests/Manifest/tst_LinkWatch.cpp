@@ -1,6 +1,7 @@
 #include "GameModules/LinkWatch.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -105,5 +106,5 @@ void LinkWatchTest::NoFolderHasNoLinks()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::LinkWatchTest)
+VARNHOLT_TEST(Varnholt::TestSupport::LinkWatchTest)
 #include "tst_LinkWatch.moc"

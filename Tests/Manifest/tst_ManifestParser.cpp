@@ -1,5 +1,6 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 #include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -329,5 +330,5 @@ void ManifestParserTest::InvalidUtf8ArrivesAsReplacementCharacters()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::ManifestParserTest)
+VARNHOLT_TEST(Varnholt::Launcher::ManifestParserTest)
 #include "tst_ManifestParser.moc"

@@ -1,5 +1,6 @@
 #include "GameModules/ManifestPaths.hpp"
 #include "Tests/Support/LogCapture.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -114,5 +115,5 @@ void ManifestPathsTest::TheWarningTellsWhatIsWrong()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::ManifestPathsTest)
+VARNHOLT_TEST(Varnholt::Launcher::ManifestPathsTest)
 #include "tst_ManifestPaths.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #ifdef VARNHOLT_CADDY_FILE
 #include "Tests/Operating/CaddyServer.hpp"
@@ -208,5 +209,5 @@ void ContentServerTest::IsWhatVerificationWants()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ContentServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ContentServerTest)
 #include "tst_ContentServer.moc"

@@ -4,6 +4,7 @@
 #include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -166,5 +167,5 @@ void NginxMirrorTest::IsWhatVerificationWants()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::NginxMirrorTest)
+VARNHOLT_TEST(Varnholt::TestSupport::NginxMirrorTest)
 #include "tst_NginxMirror.moc"

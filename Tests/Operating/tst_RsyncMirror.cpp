@@ -1,5 +1,6 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QProcess>
 #include <QtTest>
@@ -137,5 +138,5 @@ void RsyncMirrorTest::AWrongCallIsAUsageError()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::RsyncMirrorTest)
+VARNHOLT_TEST(Varnholt::TestSupport::RsyncMirrorTest)
 #include "tst_RsyncMirror.moc"

@@ -1,6 +1,7 @@
 #include "Tests/HostPages/CompletionShell.hpp"
 #include "Tests/HostPages/ToolRun.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -133,5 +134,5 @@ void InstallationTreeTest::AProjectThatEmbedsTheModuleInstallsNothingOfIt()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::InstallationTreeTest)
+VARNHOLT_TEST(Varnholt::TestSupport::InstallationTreeTest)
 #include "tst_InstallationTree.moc"

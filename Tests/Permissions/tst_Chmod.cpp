@@ -2,6 +2,7 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -153,5 +154,5 @@ void ChmodTest::SpecialCharactersAreNoShellCode()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::ChmodTest)
+VARNHOLT_TEST(Varnholt::Launcher::ChmodTest)
 #include "tst_Chmod.moc"

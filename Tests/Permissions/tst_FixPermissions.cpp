@@ -3,6 +3,7 @@
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -168,5 +169,5 @@ void FixPermissionsTest::ContentIsNotTouched()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::FixPermissionsTest)
+VARNHOLT_TEST(Varnholt::Launcher::FixPermissionsTest)
 #include "tst_FixPermissions.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -127,5 +128,5 @@ void PassOverTest::AFileInFlightIsNotLeftOut()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PassOverTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PassOverTest)
 #include "tst_PassOver.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -316,5 +317,5 @@ void PhasesTest::TheFirstFileStartsFromTheQueue()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PhasesTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PhasesTest)
 #include "tst_Phases.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -315,5 +316,5 @@ void SizePassTest::AnswersOfAReplacedRunDoNotCount()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SizePassTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SizePassTest)
 #include "tst_SizePass.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -207,5 +208,5 @@ void StartConditionTest::NothingToFetchDoesNotWait()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::StartConditionTest)
+VARNHOLT_TEST(Varnholt::TestSupport::StartConditionTest)
 #include "tst_StartCondition.moc"

@@ -2,6 +2,7 @@
 #include "Launcher/Application/ApplicationRessource.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -231,5 +232,5 @@ void PluginTest::OnlyThePluginsEntryPointsAreExported()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::PluginTest)
+VARNHOLT_TEST(Varnholt::Launcher::PluginTest)
 #include "tst_Plugin.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Support/LoadedPlugin.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QFile>
 #include <QLibrary>
@@ -29,5 +30,5 @@ void PluginUnloadingTest::ImagesComeWithTheLibraryAndGoWithIt()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::PluginUnloadingTest)
+VARNHOLT_TEST(Varnholt::Launcher::PluginUnloadingTest)
 #include "tst_PluginUnloading.moc"

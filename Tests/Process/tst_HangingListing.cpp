@@ -3,6 +3,7 @@
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QElapsedTimer>
 #include <QLibrary>
@@ -137,5 +138,5 @@ void HangingListingTest::MayEndAfterTheModuleIsGone()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::HangingListingTest)
+VARNHOLT_TEST(Varnholt::Launcher::HangingListingTest)
 #include "tst_HangingListing.moc"

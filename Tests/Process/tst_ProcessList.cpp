@@ -1,4 +1,5 @@
 #include "Launcher/Helper/Process.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -143,5 +144,5 @@ void ProcessListTest::NothingButTheNameAndTheIdIsForTheLog()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::ProcessListTest)
+VARNHOLT_TEST(Varnholt::Launcher::ProcessListTest)
 #include "tst_ProcessList.moc"

@@ -4,6 +4,7 @@
 #include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -217,5 +218,5 @@ void RunningGameTest::TheLogHoldsNothingOfAnEnvironment()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::RunningGameTest)
+VARNHOLT_TEST(Varnholt::Launcher::RunningGameTest)
 #include "tst_RunningGame.moc"

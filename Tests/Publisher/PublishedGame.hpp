@@ -5,6 +5,7 @@
 #include "Publisher/PublishOptions.hpp"
 
 #include <QByteArray>
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -65,4 +66,9 @@ public:
     TestObserver Observer;
 };
 
+/// What a row of a test does to its game.
+using GameChange = std::function<void(PublishedGame& p_Game)>;
+
 } // namespace Varnholt::TestSupport
+
+Q_DECLARE_METATYPE(Varnholt::TestSupport::GameChange)

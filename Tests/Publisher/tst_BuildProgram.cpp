@@ -1,6 +1,7 @@
 #include "Tests/Publisher/ProgramRun.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -9,8 +10,6 @@
 namespace Varnholt::TestSupport {
 
 namespace {
-
-using Preparation = std::function<void(PublishedGame& p_Game)>;
 
 /// The arguments that publish a game.
 QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {})
@@ -35,12 +34,6 @@ bool IsAtWork(PublishedGame const& p_Game)
 }
 
 } // namespace
-
-} // namespace Varnholt::TestSupport
-
-Q_DECLARE_METATYPE(Varnholt::TestSupport::Preparation)
-
-namespace Varnholt::TestSupport {
 
 class BuildProgramTest : public QObject {
     Q_OBJECT
@@ -134,9 +127,9 @@ void BuildProgramTest::AWarningDoesNotFailIt()
 
 void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
 {
-    QTest::addColumn<Preparation>("prepare");
+    QTest::addColumn<GameChange>("prepare");
     QTest::addColumn<QByteArray>("sentence");
-    auto const add = [](char const* p_Name, char const* p_Sentence, Preparation const& p_Prepare) {
+    auto const add = [](char const* p_Name, char const* p_Sentence, GameChange const& p_Prepare) {
         QTest::newRow(p_Name) << p_Prepare << QByteArray(p_Sentence);
     };
     add("no source", "source: the source folder does not exist",
@@ -168,7 +161,7 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
 
 void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile()
 {
-    QFETCH(Preparation, prepare);
+    QFETCH(GameChange, prepare);
     QFETCH(QByteArray, sentence);
     PublishedGame game;
     prepare(game);
@@ -334,5 +327,5 @@ void BuildProgramTest::AKilledRunDoesNotStopTheNext()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::BuildProgramTest)
+VARNHOLT_TEST(Varnholt::TestSupport::BuildProgramTest)
 #include "tst_BuildProgram.moc"

@@ -4,6 +4,7 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -240,5 +241,5 @@ void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::BuildPruningTest)
+VARNHOLT_TEST(Varnholt::TestSupport::BuildPruningTest)
 #include "tst_BuildPruning.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -161,5 +162,5 @@ void BuildRollbackTest::TheCatalogKnowsSizesAndChannels()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::BuildRollbackTest)
+VARNHOLT_TEST(Varnholt::TestSupport::BuildRollbackTest)
 #include "tst_BuildRollback.moc"

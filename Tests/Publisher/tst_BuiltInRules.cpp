@@ -1,6 +1,7 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 #include "Publisher/BuiltInRules.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -128,5 +129,5 @@ void BuiltInRulesTest::ARulesFileReplacesThem()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::BuiltInRulesTest)
+VARNHOLT_TEST(Varnholt::Publisher::BuiltInRulesTest)
 #include "tst_BuiltInRules.moc"

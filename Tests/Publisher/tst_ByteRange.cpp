@@ -1,4 +1,5 @@
 #include "Publisher/ByteRange.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -83,5 +84,5 @@ void ByteRangeTest::KnowsWhenThereAreNone()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::ByteRangeTest)
+VARNHOLT_TEST(Varnholt::Publisher::ByteRangeTest)
 #include "tst_ByteRange.moc"

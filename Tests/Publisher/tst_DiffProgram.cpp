@@ -2,6 +2,7 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -284,5 +285,5 @@ void DiffProgramTest::HelpHasAnExample()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::DiffProgramTest)
+VARNHOLT_TEST(Varnholt::TestSupport::DiffProgramTest)
 #include "tst_DiffProgram.moc"

@@ -1,4 +1,5 @@
 #include "Publisher/GlobPattern.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -112,5 +113,5 @@ void GlobPatternTest::NamesWhatNeverMatches()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::GlobPatternTest)
+VARNHOLT_TEST(Varnholt::Publisher::GlobPatternTest)
 #include "tst_GlobPattern.moc"

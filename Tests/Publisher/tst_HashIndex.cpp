@@ -2,6 +2,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -17,7 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-using Change = std::function<void(PublishedGame& p_Game)>;
 using Alteration = std::function<void(QByteArray& p_Index)>;
 
 fs::path Native(QString const& p_Path)
@@ -50,7 +50,6 @@ public:
 
 } // namespace Varnholt::TestSupport
 
-Q_DECLARE_METATYPE(Varnholt::TestSupport::Change)
 Q_DECLARE_METATYPE(Varnholt::TestSupport::Alteration)
 
 namespace Varnholt::TestSupport {
@@ -100,8 +99,8 @@ void HashIndexTest::ANewBuildFromTheIndexIsTheSame()
 
 void HashIndexTest::AChangedFileIsRead_data()
 {
-    QTest::addColumn<Change>("change");
-    auto const add = [](char const* p_Name, Change const& p_Change) {
+    QTest::addColumn<GameChange>("change");
+    auto const add = [](char const* p_Name, GameChange const& p_Change) {
         QTest::newRow(p_Name) << p_Change;
     };
     add("another size", [](PublishedGame& p_Game) { AlterSecretly(p_Game, "Data/a", "CONTENT"); });
@@ -121,7 +120,7 @@ void HashIndexTest::AChangedFileIsRead_data()
 
 void HashIndexTest::AChangedFileIsRead()
 {
-    QFETCH(Change, change);
+    QFETCH(GameChange, change);
     IndexedGame game;
     change(game);
     QByteArray const content = ReadFile(game.SourcePath("Data/a"));
@@ -297,5 +296,5 @@ void HashIndexTest::NewFilesBetweenIndexedOnesAreRead()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::HashIndexTest)
+VARNHOLT_TEST(Varnholt::TestSupport::HashIndexTest)
 #include "tst_HashIndex.moc"

@@ -1,6 +1,7 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 #include "Publisher/FlagNames.hpp"
 #include "Publisher/ManifestWriter.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -172,5 +173,5 @@ void ManifestWriterTest::ClientsFindTheGamesExecutable()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::ManifestWriterTest)
+VARNHOLT_TEST(Varnholt::Publisher::ManifestWriterTest)
 #include "tst_ManifestWriter.moc"

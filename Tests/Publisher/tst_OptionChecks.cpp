@@ -1,5 +1,6 @@
 #include "Publisher/OptionChecks.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -168,5 +169,5 @@ void OptionChecksTest::TheRealmListIsOneLine()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::OptionChecksTest)
+VARNHOLT_TEST(Varnholt::Publisher::OptionChecksTest)
 #include "tst_OptionChecks.moc"

@@ -1,4 +1,5 @@
 #include "Publisher/ParallelFor.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -74,5 +75,5 @@ void ParallelForTest::OfSeveralExceptionsTheFirstArrives()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::ParallelForTest)
+VARNHOLT_TEST(Varnholt::Publisher::ParallelForTest)
 #include "tst_ParallelFor.moc"

@@ -1,6 +1,7 @@
 #include "GameModules/ManifestPaths.hpp"
 #include "Publisher/PathChecks.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -159,5 +160,5 @@ void PathChecksTest::DifferentFilesDoNotCollide()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::PathChecksTest)
+VARNHOLT_TEST(Varnholt::Publisher::PathChecksTest)
 #include "tst_PathChecks.moc"

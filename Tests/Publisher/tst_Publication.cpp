@@ -2,6 +2,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -297,5 +298,5 @@ void PublicationTest::WarnsOfAGameThatClientsCannotStart()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PublicationTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PublicationTest)
 #include "tst_Publication.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Publisher/MoveWatch.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -112,5 +113,5 @@ void PublicationCommitTest::APublishedBuildNeverChanges()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PublicationCommitTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PublicationCommitTest)
 #include "tst_PublicationCommit.moc"

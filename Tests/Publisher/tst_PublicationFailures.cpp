@@ -2,6 +2,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -10,8 +11,6 @@
 namespace Varnholt::TestSupport {
 
 namespace {
-
-using Preparation = std::function<void(PublishedGame& p_Game)>;
 
 void Write(QString const& p_Path, QByteArray const& p_Bytes)
 {
@@ -40,12 +39,6 @@ void AlterSecretly(PublishedGame& p_Game, QString const& p_Phase)
 
 } // namespace
 
-} // namespace Varnholt::TestSupport
-
-Q_DECLARE_METATYPE(Varnholt::TestSupport::Preparation)
-
-namespace Varnholt::TestSupport {
-
 class PublicationFailuresTest : public QObject {
     Q_OBJECT
 
@@ -63,9 +56,9 @@ private Q_SLOTS:
 
 void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas_data()
 {
-    QTest::addColumn<Preparation>("prepare");
+    QTest::addColumn<GameChange>("prepare");
     QTest::addColumn<QString>("sentence"); // a part of it
-    auto const add = [](char const* p_Name, QString const& p_Sentence, Preparation const& p_Call) {
+    auto const add = [](char const* p_Name, QString const& p_Sentence, GameChange const& p_Call) {
         QTest::newRow(p_Name) << p_Call << p_Sentence;
     };
     add("stopped while hashing", "stopped", [](PublishedGame& p_Game) {
@@ -121,7 +114,7 @@ void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas_data()
 
 void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas()
 {
-    QFETCH(Preparation, prepare);
+    QFETCH(GameChange, prepare);
     QFETCH(QString, sentence);
     PublishedGame game;
     game.Options.Hosts = QStringList("old.example");
@@ -140,7 +133,7 @@ void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas()
 
 void PublicationFailuresTest::AFailureOfTheFirstBuildLeavesNothing()
 {
-    QFETCH(Preparation, prepare);
+    QFETCH(GameChange, prepare);
     QFETCH(QString, sentence);
     PublishedGame game;
     game.Put("Data/new", "new content");
@@ -214,5 +207,5 @@ void PublicationFailuresTest::WithoutFoldersNothingIsPublished()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PublicationFailuresTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PublicationFailuresTest)
 #include "tst_PublicationFailures.moc"

@@ -1,6 +1,7 @@
 #include "Publisher/TreeTransaction.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -9,8 +10,6 @@ namespace Varnholt::TestSupport {
 using Publisher::PublicationSummary;
 
 namespace {
-
-using Change = std::function<void(PublishedGame& p_Game)>;
 
 /// Paths of what a dry run would write.
 QStringList PathsOf(PublicationSummary const& p_Summary)
@@ -31,12 +30,6 @@ std::map<QString, QDateTime> TimesOf(QString const& p_Folder)
 }
 
 } // namespace
-
-} // namespace Varnholt::TestSupport
-
-Q_DECLARE_METATYPE(Varnholt::TestSupport::Change)
-
-namespace Varnholt::TestSupport {
 
 class PublicationPlanTest : public QObject {
     Q_OBJECT
@@ -130,8 +123,8 @@ void PublicationPlanTest::AnUnchangedSourceChangesNothing()
 
 void PublicationPlanTest::WhateverClientsWouldSeeIsAChange_data()
 {
-    QTest::addColumn<Change>("change");
-    auto const add = [](char const* p_Name, Change const& p_Change) {
+    QTest::addColumn<GameChange>("change");
+    auto const add = [](char const* p_Name, GameChange const& p_Change) {
         QTest::newRow(p_Name) << p_Change;
     };
     add("content", [](PublishedGame& p_Game) { p_Game.Put("Data/a", "B"); });
@@ -155,7 +148,7 @@ void PublicationPlanTest::WhateverClientsWouldSeeIsAChange_data()
 
 void PublicationPlanTest::WhateverClientsWouldSeeIsAChange()
 {
-    QFETCH(Change, change);
+    QFETCH(GameChange, change);
     PublishedGame game;
     game.Put("Data/a", "A");
     game.Publish();
@@ -212,5 +205,5 @@ void PublicationPlanTest::ADryRunTellsThatNothingChanged()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::PublicationPlanTest)
+VARNHOLT_TEST(Varnholt::TestSupport::PublicationPlanTest)
 #include "tst_PublicationPlan.moc"

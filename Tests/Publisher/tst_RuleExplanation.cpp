@@ -2,6 +2,7 @@
 #include "Publisher/RuleSetReader.hpp"
 #include "Publisher/SourceListing.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -115,5 +116,5 @@ void RuleExplanationTest::ListsExcludedFilesToo()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::RuleExplanationTest)
+VARNHOLT_TEST(Varnholt::Publisher::RuleExplanationTest)
 #include "tst_RuleExplanation.moc"

@@ -1,6 +1,7 @@
 #include "Publisher/RuleSetReader.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -125,5 +126,5 @@ void RuleSetTest::ARuleMayUseALanguageOfTheCommandLine()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::RuleSetTest)
+VARNHOLT_TEST(Varnholt::Publisher::RuleSetTest)
 #include "tst_RuleSet.moc"

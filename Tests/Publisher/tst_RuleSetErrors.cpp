@@ -4,6 +4,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -212,5 +213,5 @@ void RuleSetErrorsTest::AMissingFileIsReported()
 
 } // namespace Varnholt::Publisher
 
-QTEST_GUILESS_MAIN(Varnholt::Publisher::RuleSetErrorsTest)
+VARNHOLT_TEST(Varnholt::Publisher::RuleSetErrorsTest)
 #include "tst_RuleSetErrors.moc"

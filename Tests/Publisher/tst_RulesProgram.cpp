@@ -1,5 +1,6 @@
 #include "Tests/Publisher/ProgramRun.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -157,5 +158,5 @@ void RulesProgramTest::AFailureIsOneSentence()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::RulesProgramTest)
+VARNHOLT_TEST(Varnholt::TestSupport::RulesProgramTest)
 #include "tst_RulesProgram.moc"

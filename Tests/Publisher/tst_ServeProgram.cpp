@@ -2,6 +2,7 @@
 #include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Publisher/StuckConnection.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QRegularExpression>
 #include <QTcpServer>
@@ -155,5 +156,5 @@ void ServeProgramTest::AFailureIsOneSentence()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ServeProgramTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ServeProgramTest)
 #include "tst_ServeProgram.moc"

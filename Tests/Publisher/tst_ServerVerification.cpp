@@ -2,6 +2,7 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/ScriptedServer.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -315,5 +316,5 @@ void ServerVerificationTest::WithoutAVersionFileThereIsADefect()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ServerVerificationTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ServerVerificationTest)
 #include "tst_ServerVerification.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -207,5 +208,5 @@ void SourceScanTest::AFileThatIsNotWhatTheScanFoundIsRefused()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SourceScanTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SourceScanTest)
 #include "tst_SourceScan.moc"

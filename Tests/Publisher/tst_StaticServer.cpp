@@ -2,6 +2,7 @@
 #include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -310,5 +311,5 @@ void StaticServerTest::AnAddressOfElsewhereIsReported()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::StaticServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::StaticServerTest)
 #include "tst_StaticServer.moc"

@@ -1,6 +1,7 @@
 #include "Publisher/StaticTree.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -106,5 +107,5 @@ void StaticTreeTest::TheFolderMustExist()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::StaticTreeTest)
+VARNHOLT_TEST(Varnholt::TestSupport::StaticTreeTest)
 #include "tst_StaticTree.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -88,5 +89,5 @@ void TreeMarkTest::OnlyATreeIsTakenForOne()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::TreeMarkTest)
+VARNHOLT_TEST(Varnholt::TestSupport::TreeMarkTest)
 #include "tst_TreeMark.moc"

@@ -1,6 +1,7 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/ProgramRun.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -291,5 +292,5 @@ void TreeProgramTest::AFailureIsOneSentence()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::TreeProgramTest)
+VARNHOLT_TEST(Varnholt::TestSupport::TreeProgramTest)
 #include "tst_TreeProgram.moc"

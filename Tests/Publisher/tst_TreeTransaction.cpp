@@ -3,6 +3,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QSet>
 #include <QSysInfo>
@@ -148,5 +149,5 @@ void TreeTransactionTest::NewFilesHaveNamesOfTheirOwn()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::TreeTransactionTest)
+VARNHOLT_TEST(Varnholt::TestSupport::TreeTransactionTest)
 #include "tst_TreeTransaction.moc"

@@ -2,6 +2,7 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -9,17 +10,9 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
-using Damage = std::function<void(PublishedGame& p_Game)>;
-
 QByteArray const c_Data = SampleContent::Bytes(5000);
 
 } // namespace
-
-} // namespace Varnholt::TestSupport
-
-Q_DECLARE_METATYPE(Varnholt::TestSupport::Damage)
-
-namespace Varnholt::TestSupport {
 
 /// `verify` of a tree.
 class VerifyProgramTest : public QObject {
@@ -80,18 +73,18 @@ void VerifyProgramTest::BothChannelsAreVerified()
 
 void VerifyProgramTest::ADefectIsOneSentence_data()
 {
-    QTest::addColumn<Damage>("damage");
+    QTest::addColumn<GameChange>("damage");
     QTest::addColumn<QString>("sentence");
     QString const content = PublishedGame::ContentPath(c_Data);
-    auto const put = [](QString const& p_Path, QByteArray const& p_Bytes) -> Damage {
+    auto const put = [](QString const& p_Path, QByteArray const& p_Bytes) -> GameChange {
         return
             [=](PublishedGame& p_Game) { QVERIFY(WriteFile(p_Game.OutputPath(p_Path), p_Bytes)); };
     };
-    auto const remove = [](QString const& p_Path) -> Damage {
+    auto const remove = [](QString const& p_Path) -> GameChange {
         return [=](PublishedGame& p_Game) { QVERIFY(QFile::remove(p_Game.OutputPath(p_Path))); };
     };
     QTest::newRow("missing") << remove(content) << content + " (Data/a): is missing";
-    QTest::newRow("a folder") << Damage([content](PublishedGame& p_Game) {
+    QTest::newRow("a folder") << GameChange([content](PublishedGame& p_Game) {
         QVERIFY(QFile::remove(p_Game.OutputPath(content)));
         QVERIFY(QDir().mkpath(p_Game.OutputPath(content)));
     }) << content + " (Data/a): is no file";
@@ -125,7 +118,7 @@ void VerifyProgramTest::ADefectIsOneSentence_data()
 
 void VerifyProgramTest::ADefectIsOneSentence()
 {
-    QFETCH(Damage, damage);
+    QFETCH(GameChange, damage);
     QFETCH(QString, sentence);
     PublishedGame game;
     game.Put("Data/a", c_Data);
@@ -211,5 +204,5 @@ void VerifyProgramTest::HelpHasExamples()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::VerifyProgramTest)
+VARNHOLT_TEST(Varnholt::TestSupport::VerifyProgramTest)
 #include "tst_VerifyProgram.moc"

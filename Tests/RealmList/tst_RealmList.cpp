@@ -5,6 +5,7 @@
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -256,5 +257,5 @@ void RealmListTest::WithoutAnInstallationFolderNothingIsWritten()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::RealmListTest)
+VARNHOLT_TEST(Varnholt::Launcher::RealmListTest)
 #include "tst_RealmList.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -153,5 +154,5 @@ void BusyApplicationThreadTest::ASuspensionAfterTheTransferHasEndedReturns()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::BusyApplicationThreadTest)
+VARNHOLT_TEST(Varnholt::TestSupport::BusyApplicationThreadTest)
 #include "tst_BusyApplicationThread.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QFile>
@@ -315,5 +316,5 @@ void ReplacedRunTest::ManyRepairsInARowEndInOneGoodInstallation()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ReplacedRunTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ReplacedRunTest)
 #include "tst_ReplacedRun.moc"

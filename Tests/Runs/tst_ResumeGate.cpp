@@ -1,4 +1,5 @@
 #include "GameModules/ResumeGate.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -74,5 +75,5 @@ void ResumeGateTest::BehindAVoidPollANewTicketMayPoll()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ResumeGateTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ResumeGateTest)
 #include "tst_ResumeGate.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QSemaphore>
 #include <QtTest>
@@ -70,5 +71,5 @@ void SlowDiskTest::ASuspensionDoesNotWaitForAListThatIsWritten()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SlowDiskTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SlowDiskTest)
 #include "tst_SlowDisk.moc"

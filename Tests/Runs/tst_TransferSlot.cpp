@@ -1,5 +1,6 @@
 #include "GameModules/TransferSlot.hpp"
 #include "Launcher/Application/HTTP_DownloadFileRequest.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -106,5 +107,5 @@ void TransferSlotTest::WithoutATransferNothingIsSetAside()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::TransferSlotTest)
+VARNHOLT_TEST(Varnholt::TestSupport::TransferSlotTest)
 #include "tst_TransferSlot.moc"

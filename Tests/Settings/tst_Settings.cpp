@@ -1,6 +1,7 @@
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -97,5 +98,5 @@ void SettingsTest::InstallWritesTheFolderAndMarksTheManifestBuiltOnce()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::SettingsTest)
+VARNHOLT_TEST(Varnholt::Launcher::SettingsTest)
 #include "tst_Settings.moc"

@@ -1,4 +1,5 @@
 #include "GameModules/MirrorChoice.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -90,5 +91,5 @@ void MirrorChoiceTest::OnlyWhatCouldHaveBeenChosenMayServe()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::MirrorChoiceTest)
+VARNHOLT_TEST(Varnholt::Launcher::MirrorChoiceTest)
 #include "tst_MirrorChoice.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -345,5 +346,5 @@ void StartupChainTest::TheManifestIsThatOfTheBuildThatTheChainHasLearnt()
 
 } // namespace Varnholt::Launcher
 
-QTEST_GUILESS_MAIN(Varnholt::Launcher::StartupChainTest)
+VARNHOLT_TEST(Varnholt::Launcher::StartupChainTest)
 #include "tst_StartupChain.moc"

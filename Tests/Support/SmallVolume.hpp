@@ -58,14 +58,18 @@ public:
             return;
         while (File.write(QByteArray(c_Page, 'x')) == c_Page)
             continue;
-        File.resize(File.size() - qint64{p_PagesLeft} * c_Page);
+        Full = File.resize(File.size() - qint64{p_PagesLeft} * c_Page);
     }
     ~VolumeFiller() { File.remove(); }
     VolumeFiller(VolumeFiller const&) = delete;
     VolumeFiller& operator=(VolumeFiller const&) = delete;
 
+    /// False where it could not take it.
+    bool IsFull() const { return Full; }
+
 private:
     QFile File;
+    bool Full = false;
 };
 
 } // namespace Varnholt::TestSupport

@@ -1,6 +1,7 @@
 #include "Tests/Support/Response.hpp"
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/ScriptedServer.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -283,5 +284,5 @@ void ScriptedServerTest::CanBeAwayForAWhile()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ScriptedServerTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ScriptedServerTest)
 #include "tst_ScriptedServer.moc"

@@ -3,6 +3,7 @@
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -114,5 +115,5 @@ void TestHostTest::RunsThePluginToTheEndOfAnInstallation()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::TestHostTest)
+VARNHOLT_TEST(Varnholt::TestSupport::TestHostTest)
 #include "tst_TestHost.moc"

@@ -1,3 +1,4 @@
+#include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
 #include <QSet>
@@ -201,5 +202,5 @@ void ResumeTest::ARepairFromTheNotificationVoidsIt()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ResumeTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ResumeTest)
 #include "tst_Resume.moc"

@@ -1,3 +1,4 @@
+#include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
 #include <QSemaphore>
@@ -246,5 +247,5 @@ void ResumeSizePassTest::DoesNotTakeTheServerOfASizeQuestion()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ResumeSizePassTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ResumeSizePassTest)
 #include "tst_ResumeSizePass.moc"

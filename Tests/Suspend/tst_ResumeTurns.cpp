@@ -1,3 +1,4 @@
+#include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
 #include <QtTest>
@@ -248,5 +249,5 @@ void ResumeTurnsTest::ManyTurnsEndInOneGoodInstallation()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ResumeTurnsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ResumeTurnsTest)
 #include "tst_ResumeTurns.moc"

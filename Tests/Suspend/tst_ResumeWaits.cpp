@@ -1,4 +1,5 @@
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
 #include <QElapsedTimer>
@@ -285,5 +286,5 @@ void ResumeWaitsTest::AnUninstallEndsIt()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::ResumeWaitsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::ResumeWaitsTest)
 #include "tst_ResumeWaits.moc"

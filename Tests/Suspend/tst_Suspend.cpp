@@ -1,3 +1,4 @@
+#include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
 #include <QtTest>
@@ -194,5 +195,5 @@ void SuspendTest::ARepairFromTheNotificationIsNotShownAsSuspended()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SuspendTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SuspendTest)
 #include "tst_Suspend.moc"

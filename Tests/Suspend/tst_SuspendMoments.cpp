@@ -1,3 +1,4 @@
+#include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
 #include <QSemaphore>
@@ -258,5 +259,5 @@ void SuspendMomentsTest::BehindTheEndOfTheRunIsTheIdleReset()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::SuspendMomentsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::SuspendMomentsTest)
 #include "tst_SuspendMoments.moc"

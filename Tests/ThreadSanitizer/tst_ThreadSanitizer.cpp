@@ -1,3 +1,5 @@
+#include "Tests/Support/TestMain.hpp"
+
 #include <QByteArray>
 #include <QObject>
 #include <QProcess>
@@ -73,6 +75,6 @@ void ThreadSanitizerTest::TrustsWhatQtOrders()
     QCOMPARE(Status, 0);
 }
 
-QTEST_GUILESS_MAIN(ThreadSanitizerTest)
+VARNHOLT_TEST(ThreadSanitizerTest)
 
 #include "tst_ThreadSanitizer.moc"

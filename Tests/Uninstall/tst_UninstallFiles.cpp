@@ -3,6 +3,7 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QtTest>
@@ -286,5 +287,5 @@ void UninstallFilesTest::WithoutAFolderNothingIsTouched()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::UninstallFilesTest)
+VARNHOLT_TEST(Varnholt::TestSupport::UninstallFilesTest)
 #include "tst_UninstallFiles.moc"

@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QFile>
 #include <QPointer>
@@ -320,5 +321,5 @@ void UninstallInFlightTest::AResumeThatWaitsForTheGameIsVoid()
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::UninstallInFlightTest)
+VARNHOLT_TEST(Varnholt::TestSupport::UninstallInFlightTest)
 #include "tst_UninstallInFlight.moc"

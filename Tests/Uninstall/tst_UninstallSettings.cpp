@@ -1,4 +1,5 @@
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
 
@@ -199,5 +200,5 @@ void UninstallSettingsTest::AHostThatInstallsFromTheErrorReportIsForgottenAgain(
 
 } // namespace Varnholt::TestSupport
 
-QTEST_GUILESS_MAIN(Varnholt::TestSupport::UninstallSettingsTest)
+VARNHOLT_TEST(Varnholt::TestSupport::UninstallSettingsTest)
 #include "tst_UninstallSettings.moc"

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+/// Runs a class of tests with Qt Test's own arguments and returns the exit status.
+using TestRun = int (*)(int p_Count, char** p_Arguments);
+
+/// Makes a class of tests known to its program, which runs it when it is asked for by its name
+/// without namespaces. A second one of the same name ends the program.
+bool RegisterTest(QMetaObject const& p_Class, TestRun p_Run);
+
+} // namespace Varnholt::TestSupport
+
+/// Registers a class of tests: once in its source, outside of all namespaces.
+#define VARNHOLT_TEST(p_Class)                                                                     \
+    [[maybe_unused]] static bool const c_TestIsRegistered = Varnholt::TestSupport::RegisterTest(   \
+        p_Class::staticMetaObject, [](int p_Count, char** p_Arguments) {                           \
+            p_Class test;                                                                          \
+            return QTest::qExec(&test, p_Count, p_Arguments);                                      \
+        });
