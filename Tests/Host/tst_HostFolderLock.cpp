@@ -15,7 +15,6 @@ class HostFolderLockTest : public QObject {
 
 private Q_SLOTS:
     void AFolderThatAnotherHostWorksInIsLeftAlone();
-    void ALockWhoseOwnerHasDiedIsTakenOver();
     void TheLockGoesWithTheRun();
     void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver_data();
     void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver();
@@ -47,24 +46,6 @@ void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
     game.Server.OpenGate(base);
     QCOMPARE(first.Finish().Status, 0);
     QCOMPARE(game.Wrong(), QStringList());
-}
-
-void HostFolderLockTest::ALockWhoseOwnerHasDiedIsTakenOver()
-{
-    HostGame game;
-    game.AddFiles().Publish();
-    QString const base = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script("GET " + base).Then(Answer::SilentAfter(20000));
-    {
-        HostProcess first(game, {"install", game.Folder});
-        QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
-    } // killed
-    QVERIFY(game.Has(".varnholt-host.lock"));
-    Outcome const outcome = HostProcess(game, {"-q", "install", game.Folder}).Finish();
-    QCOMPARE(outcome.Err, QString());
-    QCOMPARE(outcome.Status, 0);
-    QCOMPARE(game.Wrong(), QStringList());
-    QVERIFY(!game.Has(".varnholt-host.lock"));
 }
 
 void HostFolderLockTest::TheLockGoesWithTheRun()

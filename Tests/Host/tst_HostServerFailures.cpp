@@ -29,9 +29,7 @@ private Q_SLOTS:
     void ASizeThatCannotBeHadIsNamedAndAskedForAgain();
     void ASizeThatComesLateIsWaitedFor();
     void AStalledTransferGoesOnWhereItStopped();
-    void ADeadMirrorAmongLivingOnesIsAvoided();
     void AMirrorThatRefusesAmongLivingOnesIsAvoided();
-    void AMirrorThatSpoilsAFileAmongLivingOnesIsAvoided();
     void AMirrorThatGoesAwayInAFileIsReplaced();
     void AServerThatGoesAwayIsToldAndNothingIsLost();
 };
@@ -174,21 +172,6 @@ void HostServerFailuresTest::AStalledTransferGoesOnWhereItStopped()
     QCOMPARE(game.Notices, QStringList());
 }
 
-void HostServerFailuresTest::ADeadMirrorAmongLivingOnesIsAvoided()
-{
-    SessionGame game;
-    game.AddFiles();
-    for (int i = 0; i < 20; ++i)
-        game.Content.Add({QString("Data/more %1").arg(i), QByteArray(100 + i, 'x')});
-    ScriptedServer dead;
-    ScriptedServer alive;
-    game.Content.Publish(game.Server, {&dead, &alive});
-    dead.Stop();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Install(), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-}
-
 void HostServerFailuresTest::AMirrorThatRefusesAmongLivingOnesIsAvoided()
 {
     SessionGame game;
@@ -204,22 +187,6 @@ void HostServerFailuresTest::AMirrorThatRefusesAmongLivingOnesIsAvoided()
     QCOMPARE(game.Wrong(), QStringList());
     QVERIFY2(refusing.Requests().size() < c_Few,
              qPrintable(QString::number(refusing.Requests().size())));
-}
-
-void HostServerFailuresTest::AMirrorThatSpoilsAFileAmongLivingOnesIsAvoided()
-{
-    SessionGame game;
-    game.AddFiles();
-    for (int i = 0; i < 100; ++i)
-        game.Content.Add({QString("Data/more %1").arg(i), QByteArray(100 + i, 'x')});
-    ScriptedServer stale;
-    ScriptedServer alive;
-    game.Content.Publish(game.Server, {&stale, &alive});
-    for (SampleFile const& file : game.Content.Files)
-        stale.Serve(game.Content.ServerPath(file.Path), QByteArray(file.Bytes.size(), 'o'));
-    QVERIFY(game.Open());
-    QCOMPARE(game.Install(), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void HostServerFailuresTest::AMirrorThatGoesAwayInAFileIsReplaced()

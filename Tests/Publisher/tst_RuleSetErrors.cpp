@@ -155,13 +155,13 @@ void RuleSetErrorsTest::TheSchemaRefusesItToo()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, sentence);
-    if (sentence.contains("is not declared"))
-        return; // a schema does not compare one value with another
     QJsonDocument const document = QJsonDocument::fromJson(text);
     QVERIFY(!document.isNull());
     QJsonValue const value =
         document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
-    QVERIFY(!Schema().Fault(value).isEmpty());
+    // A schema does not compare one value with another.
+    bool const isBeyondIt = sentence.contains("is not declared");
+    QCOMPARE(Schema().Fault(value).isEmpty(), isBeyondIt);
 }
 
 void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood_data()
