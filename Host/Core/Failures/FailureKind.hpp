@@ -36,6 +36,8 @@ enum class FailureKind {
     ExecutableUnknown,
     ExecutableMissing,
     ExecutableUnusable,
+    WrapperUnusable,
+    GameFailed,
     FilesNotRemoved,
     UpdateAvailable,
     FilesWrong,

@@ -210,6 +210,8 @@ void RunControl::AfterPump()
         LookAtSizes();
     } else if (CurrentStep == Step::Inspecting && Examiner && Examiner->IsFinished()) {
         OnInspected();
+    } else if (CurrentStep == Step::StartingGame && Starter->IsSettled()) {
+        OnGameSettled();
     } else if (CurrentStep == Step::Running && !IsSuspended() && Context.Watch.Observe()) {
         OnQuiet();
     }
@@ -287,6 +289,7 @@ void RunControl::End()
     Survey.reset();
     Mirrors.reset();
     Asking.reset();
+    Starter.reset();
     Context.Gate.SetPreview(false);
     Lock.reset();
     CurrentStep = Step::Idle;
@@ -303,6 +306,8 @@ RunPhase RunControl::CurrentPhase() const
         return RunPhase::Idle;
     if (CurrentStep == Step::Inspecting)
         return InspectionSnapshot().Phase;
+    if (CurrentStep == Step::StartingGame)
+        return RunPhase::StartingGame;
     RunPhase const phase = CurrentStep == Step::Running ? Reader.Phase() : RunPhase::Connecting;
     // Through a door that is shut nothing comes, even where a transfer has not been stopped yet.
     bool const usesDoor =

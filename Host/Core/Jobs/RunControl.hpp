@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Folder/FolderLock.hpp"
+#include "Host/Core/Jobs/GameStart.hpp"
 #include "Host/Core/Jobs/Inspection.hpp"
 #include "Host/Core/Jobs/MirrorCheck.hpp"
 #include "Host/Core/Jobs/ProgressReader.hpp"
@@ -58,7 +59,7 @@ Q_SIGNALS:
     void Ended(RunResult p_Result);
 
 private:
-    enum class Step { Idle, StartingUp, Settling, Running, Inspecting };
+    enum class Step { Idle, StartingUp, Settling, Running, Inspecting, StartingGame };
 
     static bool Completes(RunRequest const& p_Request);
     std::optional<Failure> Preconditions();
@@ -101,7 +102,7 @@ private:
     void BeginUninstall();
     void FinishUninstall(QString const& p_Folder);
     void Play();
-    void JudgeLogin(bool p_WasRunning);
+    void OnGameSettled();
 
     // _Inspection
     static bool IsInspection(RunRequest const& p_Request);
@@ -143,6 +144,7 @@ private:
     std::shared_ptr<Inspection> Examiner; ///< shared with the worker
     std::unique_ptr<SizeSurvey> Survey;
     std::unique_ptr<MirrorCheck> Mirrors;
+    std::unique_ptr<GameStart> Starter;
     std::unique_ptr<QObject> Asking; ///< of a quick check; its end is the question's
     bool PumpHeld = false;
     bool Paused = false;

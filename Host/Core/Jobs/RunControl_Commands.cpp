@@ -1,13 +1,9 @@
 #include "Host/Core/Jobs/RunControl.hpp"
 
-#include "GameModules/FileLink.hpp"
-#include "GameModules/Pelmora/LoginScreen.hpp"
 #include "Host/Core/Folder/FolderSweep.hpp"
 
 #include <QFileInfo>
 #include <QMutexLocker>
-
-#include <algorithm>
 
 namespace Varnholt::Host {
 
@@ -23,13 +19,6 @@ QStringList RemainingFiles(Launcher::ApplicationManifest const& p_Manifest, QStr
                 remaining += entry.Path;
     remaining.removeDuplicates();
     return remaining;
-}
-
-bool IsMarkup(QString const& p_Text)
-{
-    return std::any_of(p_Text.begin(), p_Text.end(), [](QChar p_Character) {
-        return QStringLiteral("<>&\"'").contains(p_Character);
-    });
 }
 
 } // namespace
@@ -79,6 +68,7 @@ void RunControl::BeginUninstall()
     Context.Module.Uninstall(Request.DeletesFiles);
     Context.Record.Forget();
     Context.Copies.Forget();
+    GameOutput(Context.Record.File(), Context.Module.AppId, folder).Forget();
     // What could not be deleted is reported by messages that are still on their way.
     Settle([this, folder] { FinishUninstall(folder); });
 }
@@ -113,68 +103,20 @@ std::optional<Failure> RunControl::PlayPreconditions()
 /// Called when the comparison that each start-up begins has ended without looking at any file.
 void RunControl::Play()
 {
-    Launcher::StandartApplication& module = Context.Module;
-    auto const& files = module.Manifest.Files;
-    auto const executable = std::find_if(files.begin(), files.end(), [](auto const& p_Entry) {
-        return p_Entry.Has(Launcher::c_GameExecutableFlag);
-    });
-    if (executable == files.end())
-        return Fail({FailureKind::ExecutableUnknown, Result.Build, {}});
-    if (auto const link = Launcher::LinkGuard(Folder()).OnTheWay(executable->Path))
-        return Fail({FailureKind::LinkLeadsOut, link->Path, link->Target});
-    QFileInfo program(Folder() + executable->Path);
-    if (program.exists() &&
-        Launcher::FileLink::At(program.filePath()) == Launcher::FileLink::Kind::Strange)
-        return Fail({FailureKind::LinkLeadsOut, program.filePath(), program.symLinkTarget()});
-    if (!program.exists())
-        return Fail({FailureKind::ExecutableMissing, program.filePath(), {}});
-    if (!program.isFile())
-        return Fail({FailureKind::ExecutableUnusable, program.filePath(), {}});
-    if (Context.Record.IsUnfinished())
-        NoticeOnce(QStringLiteral("The game is not complete; run \"update\" if it does not work."));
-
-    Context.Gate.Hold();
-    Context.Gate.Open(); // or the module would leave the permissions as they are
-    bool const wasRunning = module.IsGameRunning();
-    {
-        NetworkDoor::Outside const outside(Context.Door); // the game has an environment of its own
-        module.Start(Request.Argument, Request.Password);
-    }
-    program.refresh();
-    if (!program.isExecutable()) {
-        module.Start({}, {}); // takes the account's files away
-        return Fail({FailureKind::ExecutableUnusable, program.filePath(), {}});
-    }
-    Context.Gate.Close();
-    JudgeLogin(wasRunning);
-    Finish();
+    Starter = std::make_unique<GameStart>(Context, Request,
+                                          [this](QString const& p_Text) { NoticeOnce(p_Text); });
+    if (auto const failure = Starter->Begin())
+        return Fail(*failure);
+    Result.ProcessId = Starter->ProcessId();
+    Result.OutputFile = Starter->OutputFile();
+    CurrentStep = Step::StartingGame;
 }
 
-/// Tells why the player has to log in by hand: the module prepares the login as far as it can.
-void RunControl::JudgeLogin(bool p_WasRunning)
+void RunControl::OnGameSettled()
 {
-    using Launcher::LoginScreen;
-
-    if (Request.Argument.isEmpty() || Request.Password.isEmpty())
-        return;
-    if (p_WasRunning)
-        return NoticeOnce(QStringLiteral("The game was running already; the new one does not log "
-                                         "in by itself."));
-    // Without one template the module copies neither.
-    char const* const names[] = {LoginScreen::c_Layout, LoginScreen::c_Script};
-    for (bool const copied : {false, true})
-        for (char const* const name : names) {
-            QString const screen = Folder() + QLatin1String(name);
-            QString const origin = screen + QLatin1String(LoginScreen::c_TemplateSuffix);
-            if (QFileInfo::exists(copied ? screen : origin))
-                continue;
-            return NoticeOnce(QStringLiteral("The game does not log in by itself: %1 %2.")
-                                  .arg(origin, copied ? QStringLiteral("cannot be copied")
-                                                      : QStringLiteral("is missing")));
-        }
-    if (IsMarkup(Request.Argument) || IsMarkup(Request.Password))
-        NoticeOnce(QStringLiteral("The account name or the password holds characters that the "
-                                  "login screen may misread; log in by hand if it does."));
+    if (auto const failure = Starter->Outcome())
+        return Fail(*failure);
+    Finish();
 }
 
 } // namespace Varnholt::Host

@@ -30,6 +30,8 @@ void RunControl::Continue()
 
 void RunControl::Interrupt()
 {
+    if (CurrentStep == Step::StartingGame)
+        NoticeOnce(QStringLiteral("The game was started and goes on running."));
     if (CurrentStep != Step::Idle)
         Fail({FailureKind::Interrupted, {}, {}});
 }
