@@ -21,6 +21,21 @@ QString OutputFileOf(Outcome const& p_Outcome)
     return p_Outcome.Out.section("its output goes to ", 1).trimmed();
 }
 
+/// A session that knows a game and watches it for long.
+class WatchingSession : public SessionGame {
+public:
+    explicit WatchingSession(HostGame const& p_Game)
+    {
+        constexpr int c_Long = 1'000'000;
+
+        Options.SettingsFile = p_Game.SettingsFile;
+        Options.ContentUrl = p_Game.Server.BaseUrl();
+        Options.WatchMilliseconds = c_Long;
+        if (!Open())
+            qFatal("the module cannot be loaded");
+    }
+};
+
 /// Runs the host below a shell's line, in which it is "$@". \return what the line has written
 Outcome BelowShell(HostGame const& p_Game, QString const& p_Line, QStringList const& p_Arguments)
 {
@@ -136,14 +151,15 @@ void HostStartTest::AProgramThatEndsWithAnErrorIsTold()
     QFETCH(QByteArray, program);
     QFETCH(QString, cause);
     PlayedGame const game("#!/bin/sh\n" + program + '\n');
-    Outcome const outcome = game.Play(c_Account, "S3cret\n");
-    QString const file = game.Base + "settings/host.pelmora_app.log";
-    QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
-    QVERIFY2(outcome.Err.contains("the game has ended at once with an error (" + cause + ");"),
-             qPrintable(outcome.Err));
-    QVERIFY2(outcome.Err.contains(file), qPrintable(outcome.Err));
-    QCOMPARE(outcome.Status, 1);
-    QCOMPARE(outcome.Out, QString());
+    WatchingSession session(game);
+    Host::RunRequest request;
+    request.Kind = RequestType::Play;
+    request.Argument = "me";
+    request.Password = "S3cret";
+    QCOMPARE(session.Run(request), QString("game-failed"));
+    QCOMPARE(session.Sentence(), "the game has ended at once with an error (" + cause + ')');
+    QCOMPARE(session.Result().Problem->Remedy(),
+             "its output in " + game.Base + "settings/host.pelmora_app.log may tell why");
     QVERIFY(!game.Has(game.Layout));
 }
 
@@ -154,11 +170,12 @@ void HostStartTest::TheOutputGoesToAFileOfItsOwner()
     QCOMPARE(outcome.Err, QString());
     QString const file = game.Base + "settings/host.pelmora_app.log";
     QCOMPARE(OutputFileOf(outcome), file);
-    QCOMPARE(ReadFile(file), QByteArray("out\nerr\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(ReadFile(file), QByteArray("out\nerr\n"), TestHost::c_Timeout);
     QCOMPARE(ModeOf(file), 0600);
     // As the module's own start has it.
-    QCOMPARE(game.Read(game.Program + ".folder"),
-             QFileInfo(HostProcess::Program()).canonicalPath().toUtf8() + '\n');
+    QTRY_COMPARE_WITH_TIMEOUT(game.Read(game.Program + ".folder"),
+                              QFileInfo(HostProcess::Program()).canonicalPath().toUtf8() + '\n',
+                              TestHost::c_Timeout);
 }
 
 void HostStartTest::TheOutputBeforeIsKeptOnce()
@@ -167,8 +184,8 @@ void HostStartTest::TheOutputBeforeIsKeptOnce()
     QString file;
     for (char const* const word : {"one", "two", "three"})
         file = OutputFileOf(game.Play({"--", word}));
-    QCOMPARE(ReadFile(file), QByteArray("three\n"));
-    QCOMPARE(ReadFile(file + ".1"), QByteArray("two\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(ReadFile(file), QByteArray("three\n"), TestHost::c_Timeout);
+    QTRY_COMPARE_WITH_TIMEOUT(ReadFile(file + ".1"), QByteArray("two\n"), TestHost::c_Timeout);
     QCOMPARE(ModeOf(file + ".1"), 0600);
     QCOMPARE(QDir(QFileInfo(file).path()).entryList({"*.log*"}).size(), 2);
     QCOMPARE(HostProcess(game, {"-q", "uninstall"}).Finish().Status, 0);
@@ -183,7 +200,7 @@ void HostStartTest::TheOutputDoesNotGoIntoTheGamesFolder()
     game.SettingsFile = settings;
     QString const file = OutputFileOf(game.Play());
     QVERIFY2(!file.startsWith(game.Folder), qPrintable(file));
-    QCOMPARE(ReadFile(file), QByteArray("out\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(ReadFile(file), QByteArray("out\n"), TestHost::c_Timeout);
     QVERIFY(!game.FilesOnDisk().join('\n').contains(".log"));
 }
 
@@ -224,8 +241,11 @@ void HostStartTest::NothingOfTheHostIsHeldOpen()
 void HostStartTest::NoSignalStaysIgnored()
 {
     PlayedGame const game("#!/bin/sh\nkill -HUP $$\n");
-    Outcome const outcome = BelowShell(game, "trap '' HUP; exec \"$@\"", {"-q", "play"});
-    QVERIFY2(outcome.Err.contains("signal 1,"), qPrintable(outcome.Err));
+    auto* const former = std::signal(SIGHUP, SIG_IGN);
+    WatchingSession session(game);
+    QCOMPARE(session.Run(RequestType::Play), QString("game-failed"));
+    QVERIFY2(session.Sentence().contains("signal 1,"), qPrintable(session.Sentence()));
+    std::signal(SIGHUP, former);
 }
 
 void HostStartTest::TheResultNamesProcessAndOutput()
@@ -247,15 +267,9 @@ void HostStartTest::TheResultNamesProcessAndOutput()
 
 void HostStartTest::AnInterruptedHostLeavesTheGameRunning()
 {
-    constexpr int c_Long = 1'000'000;
-
     PlayedGame const game;
     game.KeepRunning();
-    SessionGame session;
-    session.Options.SettingsFile = game.SettingsFile;
-    session.Options.ContentUrl = game.Server.BaseUrl();
-    session.Options.WatchMilliseconds = c_Long;
-    QVERIFY(session.Open());
+    WatchingSession session(game);
     session.Start(RequestType::Play);
     QVERIFY(session.WaitForPhase(Host::RunPhase::StartingGame));
     QVERIFY(session.Status().IsInstalled); // the module's thread is there for others
@@ -314,7 +328,8 @@ void HostStartTest::AWrapperRunsWhatTheSystemDoesNot()
 {
     PlayedGame const game("echo \"$1\" >\"$0.args\"\n", PlayedGame::c_ExecutableFlags & ~0x02);
     QCOMPARE(game.Play({"--wrapper", "sh"}).Err, QString());
-    QCOMPARE(game.Arguments(), QString("-noautolaunch64bit\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(game.Arguments(), QString("-noautolaunch64bit\n"),
+                              TestHost::c_Timeout);
 }
 
 void HostStartTest::AWrapperThatCannotBeStartedIsTold_data()
