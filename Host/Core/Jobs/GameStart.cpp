@@ -217,10 +217,11 @@ std::optional<Failure> GameStart::Outcome()
     if (ending.isEmpty())
         return std::nullopt;
     Prepare({}, {}); // no password lies about for nothing
-    if (QString const lines = OutputName.isEmpty() ? QString() : Output.LastLines();
-        !lines.isEmpty())
+    if (OutputName.isEmpty())
+        return Failure{FailureKind::GameFailed, QStringLiteral("/dev/null"), ending};
+    if (QString const lines = Output.LastLines(); !lines.isEmpty())
         ending += QStringLiteral("; it said last: \"%1\"").arg(lines);
-    return Failure{FailureKind::GameFailed, Output.File(), ending};
+    return Failure{FailureKind::GameFailed, OutputName, ending};
 }
 
 } // namespace Varnholt::Host
