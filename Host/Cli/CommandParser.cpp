@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace Varnholt::Host {
 
 namespace {
@@ -193,12 +195,14 @@ void CommandParser::AddLocaleCommands()
 void CommandParser::AddGameCommands()
 {
     CLI::App* const play =
-        Add("play", "Start the game", "play --account me@example.net", [this](Choice& p_Choice) {
-            p_Choice.Request.Kind = RunRequest::Type::Play;
-            p_Choice.Request.Argument = Text(Account);
-            p_Choice.Remembers = Remembers;
-            p_Choice.Forgets = Forgets;
-        });
+        Add("play", "Start the game; what stands behind \"--\" are arguments of its own",
+            "play --account me@example.net -- -windowed", [this](Choice& p_Choice) {
+                p_Choice.Request.Kind = RunRequest::Type::Play;
+                p_Choice.Request.Argument = Text(Account);
+                p_Choice.Request.GameArguments = GameArguments;
+                p_Choice.Remembers = Remembers;
+                p_Choice.Forgets = Forgets;
+            });
     CLI::Option* const account =
         play->add_option("--account", Account,
                          "Account to log in; its password is asked for, or read from standard "
@@ -260,9 +264,24 @@ std::string CommandParser::Example(std::string const& p_Command) const
     return {};
 }
 
+int CommandParser::TakeGameArguments(int p_Count, char const* const* p_Arguments)
+{
+    auto const* const end = p_Arguments + p_Count;
+    auto const is = [](std::string const& p_Word) {
+        return [p_Word](char const* p_Argument) { return p_Word == p_Argument; };
+    };
+    auto const* const mark = std::find_if(p_Arguments, end, is("--"));
+    if (std::none_of(p_Arguments, mark, is("play")))
+        return p_Count;
+    for (auto const* word = mark; word != end; ++word)
+        if (word != mark)
+            GameArguments += Text(*word);
+    return static_cast<int>(mark - p_Arguments);
+}
+
 Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
 {
-    Program.parse(p_Count, p_Arguments);
+    Program.parse(TakeGameArguments(p_Count, p_Arguments), p_Arguments);
     if (Program.get_subcommands().empty())
         throw CLI::RequiredError("A command");
     Choice choice;

@@ -53,10 +53,15 @@ private:
     void AddGameCommands();
     void AddControlCommands();
 
+    /// Takes what "play" leaves to the game, which may look like options of this program.
+    /// \return how many words stand before it
+    int TakeGameArguments(int p_Count, char const* const* p_Arguments);
+
     CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
     std::vector<Command> Commands;
     std::deque<Value> Kept; ///< the parser holds on to their places
     std::string Settings, Folder, Code, Account;
+    QStringList GameArguments;
     std::string ConfigKey, ConfigValue;
     CLI::Option* ConfigValueOption = nullptr;
     bool Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;

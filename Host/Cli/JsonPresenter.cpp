@@ -164,11 +164,16 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
                              {QStringLiteral("chosen"), locale.Tag == p_Result.Locale}});
     if (p_Result.Problem)
         return;
-    Write("result", {{QStringLiteral("game"), p_Game},
-                     {QStringLiteral("build"), p_Result.Build},
-                     {QStringLiteral("folder"), p_Result.Folder},
-                     {QStringLiteral("locale"), p_Result.Locale},
-                     {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)}});
+    QJsonObject result{{QStringLiteral("game"), p_Game},
+                       {QStringLiteral("build"), p_Result.Build},
+                       {QStringLiteral("folder"), p_Result.Folder},
+                       {QStringLiteral("locale"), p_Result.Locale},
+                       {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)}};
+    if (p_Result.ProcessId != 0)
+        result.insert(QStringLiteral("processId"), p_Result.ProcessId);
+    if (!p_Result.OutputFile.isEmpty())
+        result.insert(QStringLiteral("output"), p_Result.OutputFile);
+    Write("result", result);
 }
 
 void JsonPresenter::ShowFailure(Failure const& p_Failure)

@@ -93,6 +93,12 @@ constexpr KeptOption c_Table[] = {
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.UseDevChannel = IsTrue(p_Text);
      }},
+    {"wrapper", "COMMAND", nullptr, false,
+     "Program that the game is started with, and its arguments, quoted as for a shell: \"wine\"",
+     OptionText::WhyNotCommand,
+     [](Choice& p_Choice, QString const& p_Text) {
+         p_Choice.Options.Wrapper = OptionText::Words(p_Text).value_or(QStringList());
+     }},
     {"log-file", "FILE", nullptr, false, "Append the module's log to a file", nullptr,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.LogFile = Absolute(p_Text); }},
     {"color", "WHEN", "auto,always,never", false, "Colours: auto, always or never (default: auto)",

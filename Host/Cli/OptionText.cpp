@@ -75,6 +75,34 @@ std::optional<int> Milliseconds(QString const& p_Text)
     return static_cast<int>(time);
 }
 
+std::optional<QStringList> Words(QString const& p_Text)
+{
+    // A backslash alone at the end is left, as a quote that does not end.
+    static QRegularExpression const piece(
+        QStringLiteral(R"re(\s+|'([^']*)'|"((?:[^"\\]|\\.)*)"|\\(.)|([^\s'"\\]+))re"),
+        QRegularExpression::DotMatchesEverythingOption);
+    static QRegularExpression const escaped(QStringLiteral(R"(\\([$`"\\]))"));
+
+    QStringList words;
+    bool isWithin = false;
+    int end = 0;
+    for (auto matches = piece.globalMatch(p_Text); matches.hasNext();) {
+        auto const match = matches.next();
+        if (match.capturedStart() != end)
+            return std::nullopt;
+        end = match.capturedEnd();
+        bool const isBlank = match.lastCapturedIndex() == 0;
+        if (!isBlank && !isWithin)
+            words += QString();
+        isWithin = !isBlank;
+        if (match.lastCapturedIndex() == 2)
+            words.last() += match.captured(2).replace(escaped, QStringLiteral("\\1"));
+        else if (isWithin)
+            words.last() += match.captured(match.lastCapturedIndex());
+    }
+    return end == p_Text.size() ? std::make_optional(words) : std::nullopt;
+}
+
 QString WhyNotRate(QString const& p_Text)
 {
     return Rate(p_Text) ? QString()
@@ -136,6 +164,19 @@ QString WhyNotUser(QString const& p_Text)
     return p_Text.contains(QLatin1Char(':'))
                ? QStringLiteral("a user's name holds no colon: \"config content-password\" takes "
                                 "the password")
+               : QString();
+}
+
+QString WhyNotCommand(QString const& p_Text)
+{
+    auto const words = Words(p_Text);
+    if (!words)
+        return QStringLiteral("a quote in it does not end");
+    if (words->isEmpty() || words->first().isEmpty())
+        return QStringLiteral("it names no program");
+    QString const& program = words->first();
+    return program.contains(QLatin1Char('/')) && !program.startsWith(QLatin1Char('/'))
+               ? Quoted(program) + QStringLiteral(" is neither a name nor an absolute path")
                : QString();
 }
 

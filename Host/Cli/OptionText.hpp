@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -14,6 +15,9 @@ namespace Varnholt::Host::OptionText {
 std::optional<quint64> Rate(QString const& p_Text);
 /// Of "90", "90s", "10m" or "2h"; at most 500 hours.
 std::optional<int> Milliseconds(QString const& p_Text);
+/// The words of a command, split and unquoted as a shell does it, which replaces nothing in them;
+/// nothing when a quote does not end.
+std::optional<QStringList> Words(QString const& p_Text);
 
 QString WhyNotRate(QString const& p_Text);
 QString WhyNotTime(QString const& p_Text);
@@ -23,6 +27,8 @@ QString WhyNotConnections(QString const& p_Text);
 QString WhyNotServer(QString const& p_Text);
 QString WhyNotProxy(QString const& p_Text);
 QString WhyNotUser(QString const& p_Text);
+/// Refuses a program in the current folder: that is not the one of a later run.
+QString WhyNotCommand(QString const& p_Text);
 /// Of the name of a file that is read.
 QString WhyNotReadable(QString const& p_File);
 /// Of the name of a file with certificates.

@@ -46,6 +46,15 @@ QString FetchSummary(RunResult const& p_Result, QString const& p_Name)
         .arg(p_Name, p_Result.Build, p_Result.Folder, fetched);
 }
 
+QString StartSummary(RunResult const& p_Result, QString const& p_Name)
+{
+    QString const started =
+        QStringLiteral("%1 was started as process %2").arg(p_Name).arg(p_Result.ProcessId);
+    return p_Result.OutputFile.isEmpty()
+               ? started
+               : QStringLiteral("%1; its output goes to %2").arg(started, p_Result.OutputFile);
+}
+
 } // namespace
 
 QStringList Info(ModuleInfo const& p_Info)
@@ -126,7 +135,7 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
                           .arg(p_Name)
                     : QStringLiteral("%1 is uninstalled; its files stayed").arg(p_Name)};
     case RunRequest::Type::Play:
-        return {QStringLiteral("%1 was started").arg(p_Name)};
+        return {StartSummary(p_Result, p_Name)};
     case RunRequest::Type::ChooseLocale:
         return {QStringLiteral("The language is %1; \"update\" fetches its files")
                     .arg(p_Result.Locale)};

@@ -56,8 +56,8 @@ class ApplicationLink;
 ///     `NetworkManager` and clears its connections;
 /// 10. when `qt_metacast("Varnholt::Launcher::StandartApplication")` gives one: its public data,
 ///     under `RunMutex`. What is a number or a pointer it may read without, and `RemoteBuild` and
-///     `Manifest`, which change on this thread only. It writes `CdnHosts`, `InstallationPath` and
-///     `DownloadRetryCount`.
+///     `Manifest`, which change on this thread only. It writes `InstallationPath` and
+///     `DownloadRetryCount`, and, while it calls `Start`, the flags of the entries in `Manifest`.
 /// Other functions it does not call: a host is linked with a copy of their code, maybe of another
 /// version. `EnqueueSync()` and `EnqueueAsync()` only push on their queue, `GetName()` only reads.
 ///

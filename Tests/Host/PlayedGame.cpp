@@ -22,9 +22,14 @@ while [ -e "$0.run" ]; do sleep 0.02; done
 } // namespace
 
 PlayedGame::PlayedGame()
+    : PlayedGame(c_GameScript)
+{
+}
+
+PlayedGame::PlayedGame(QByteArray const& p_Program, qint32 p_Flags)
 {
     AddFiles();
-    Content.Add({Program, c_GameScript, c_ExecutableFlags});
+    Content.Add({Program, p_Program, p_Flags});
     for (QString const& screen : {Layout, Script})
         Content.Add({screen + ".origin", "<{varnholt_autolog_login}|{varnholt_autolog_password}>"});
     Publish();

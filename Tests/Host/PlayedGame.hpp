@@ -11,6 +11,8 @@ public:
     static constexpr qint32 c_ExecutableFlags = 0x02 | 0x04 | 0x08; ///< of either platform
 
     PlayedGame();
+    /// Has another program for the game. \param p_Flags of its entry in the build
+    explicit PlayedGame(QByteArray const& p_Program, qint32 p_Flags = c_ExecutableFlags);
     ~PlayedGame();
 
     /// Starts the game by "play" with these options. \return how the host ended

@@ -95,10 +95,12 @@ void HostCommandLineTest::AUsageErrorIsToldInOneSentence_data()
          {"--limit-rate=fast", "--connections=65", "--retry-for=soon", "--connect-timeout=0",
           "--ca-file=/no such file", "--netrc-file=/no such file", "--proxy=ftp://p",
           "--content-user=a:b", "--offline=maybe", "--https-mirrors=maybe",
-          "--limit-rate=", "--connections="})
+          "--limit-rate=", "--connections=", "--wrapper=./wine", "--wrapper='wine"})
         QTest::newRow(option) << QStringList{option, "status"}
                               << QString(option).section('=', 0, 0);
     QTest::newRow("quick where it is not known") << QStringList{"update", "--quick"} << "--quick";
+    QTest::newRow("an argument of the game without a mark") << QStringList{"play", "x"} << "x";
+    QTest::newRow("the mark elsewhere") << QStringList{"status", "--", "x"} << "x";
     QTest::newRow("empty account") << QStringList{"play", "--account", ""} << "--account";
 }
 

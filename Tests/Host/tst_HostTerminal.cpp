@@ -191,8 +191,8 @@ void HostTerminalTest::ThePasswordIsNotShown()
     terminal.Type("S3cret phrase\n");
     QCOMPARE(terminal.Finish(), 0);
     QVERIFY2(!terminal.Written().contains("S3cret"), terminal.Written().constData());
-    QCOMPARE(terminal.Screen(),
-             QStringList({"Password of me:", "Mists of Pandaria was started", QString()}));
+    QCOMPARE(terminal.Screen().first(), QString("Password of me:"));
+    QVERIFY(terminal.Screen().at(1).startsWith("Mists of Pandaria was started as process "));
     QVERIFY(game.WaitForStarts(1));
     QCOMPARE(game.Read(game.Layout), QByteArray("<me|S3cret phrase>"));
 }

@@ -3,6 +3,7 @@
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -32,6 +33,10 @@ private Q_SLOTS:
     void AProxyIsAnAddressWithoutPassword_data();
     void AProxyIsAnAddressWithoutPassword();
     void AUserHasNoPasswordBehindAColon();
+    void ACommandIsSplitAsByAShell_data();
+    void ACommandIsSplitAsByAShell();
+    void ACommandNamesAProgram_data();
+    void ACommandNamesAProgram();
     void FilesAreThereAndReadable();
     void CertificatesAreInAFileOfThem();
 };
@@ -202,6 +207,57 @@ void OptionTextTest::AUserHasNoPasswordBehindAColon()
     QString const why = OptionText::WhyNotUser("ann:S3cret");
     QVERIFY2(why.contains("\"config content-password\""), qPrintable(why));
     QVERIFY2(!why.contains("S3"), qPrintable(why));
+}
+
+void OptionTextTest::ACommandIsSplitAsByAShell_data()
+{
+    QTest::addColumn<QString>("text");
+    for (char const* const text :
+         {"wine", "  wine  -x\t--y\n z ", "'/a b/wine' 'c  d'", R"("/a b/wine" "c 'd'")",
+          R"(a\ b c\\d \' \")", R"('a\b' '"' 'x'y"z")", R"("a\"b" "\$c" "\\d" "e\f")",
+          R"("" '' a"" "")", R"(env 'A=1' "B=2"'C')"})
+        QTest::newRow(text) << QString(text);
+}
+
+/// The shell of the system is asked; there is nothing in these texts that it would replace.
+void OptionTextTest::ACommandIsSplitAsByAShell()
+{
+    QFETCH(QString, text);
+    QProcess shell;
+    shell.start("sh", {"-c", "printf '%s\\n' " + QString(text).replace('\n', ' ')});
+    QVERIFY(shell.waitForFinished());
+    QStringList words = QString::fromUtf8(shell.readAllStandardOutput()).split('\n');
+    words.removeLast();
+    QVERIFY(!words.isEmpty());
+    QCOMPARE(OptionText::Words(text).value_or(QStringList("no words")), words);
+}
+
+void OptionTextTest::ACommandNamesAProgram_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("a name") << "wine $HOME ~ * | ; (a)"
+                            << "";
+    QTest::newRow("a path") << "'/opt/my wine/bin/wine' -x"
+                            << "";
+    QTest::newRow("an open quote") << "wine 'a"
+                                   << "a quote in it does not end";
+    QTest::newRow("an open double quote") << R"(wine "a\")"
+                                          << "a quote in it does not end";
+    QTest::newRow("half an escape") << R"(wine a\)"
+                                    << "a quote in it does not end";
+    QTest::newRow("blanks") << " \t"
+                            << "it names no program";
+    QTest::newRow("an empty program") << "'' wine"
+                                      << "it names no program";
+    QTest::newRow("in the current folder") << "./wine -x"
+                                           << R"("./wine" is neither a name nor an absolute path)";
+}
+
+void OptionTextTest::ACommandNamesAProgram()
+{
+    QFETCH(QString, text);
+    QTEST(OptionText::WhyNotCommand(text), "reason");
 }
 
 void OptionTextTest::FilesAreThereAndReadable()

@@ -63,7 +63,7 @@ void HostCompletionTest::TheWordAtHandIsCompleted()
         {"locale ", ""},
         {"config ", "ca-file color connect-timeout connections content-password content-url "
                     "content-user dev-channel https-mirrors limit-rate log-file module netrc-file "
-                    "offline proxy retry-for"},
+                    "offline proxy retry-for wrapper"},
         {"config offline ", "false true"},
         {"config limit-rate ", ""},
         {"config content-password ", ""},

@@ -38,6 +38,8 @@ enum class FailureKind {
     ExecutableUnknown,
     ExecutableMissing,
     ExecutableUnusable,
+    WrapperUnusable,
+    GameFailed,
     FilesNotRemoved,
     UpdateAvailable,
     FilesWrong,

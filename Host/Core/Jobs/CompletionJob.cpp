@@ -19,11 +19,8 @@ constexpr std::size_t c_MostPassedOver = 20;
 
 void CompletionJob::OnBuildKnown()
 {
-    if (auto const failure = Faults.OfBuild())
-        return Fail(*failure);
-    if (auto const notice = Faults.LocaleNotice())
-        NoticeOnce(*notice);
-    BeginFiles();
+    if (CanUseBuild())
+        BeginFiles();
 }
 
 void CompletionJob::CompareEverything()

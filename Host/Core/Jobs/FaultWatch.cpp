@@ -13,25 +13,6 @@ FaultWatch::FaultWatch(RunContext const& p_Context, ProgressReader const& p_Read
 {
 }
 
-std::optional<Failure> FaultWatch::OfBuild() const
-{
-    auto const& manifest = Context.Module.Manifest;
-    if (!manifest.Files.empty() || !manifest.StreamedFiles.empty())
-        return std::nullopt;
-    return Failure{FailureKind::BuildEmpty, Context.Module.RemoteBuild, {}};
-}
-
-std::optional<QString> FaultWatch::LocaleNotice() const
-{
-    auto const& locales = Context.Module.Manifest.Locales;
-    QString const locale = Context.Module.GetAppLocale();
-    if (locales.empty() || locales.count(locale) != 0)
-        return std::nullopt;
-    return QStringLiteral("The build does not offer the language %1; its files are left out until "
-                          "another one is chosen.")
-        .arg(locale);
-}
-
 std::optional<Failure> FaultWatch::LookAtRoom(QString const& p_Folder)
 {
     constexpr qint64 c_IntervalMilliseconds = 1'000;

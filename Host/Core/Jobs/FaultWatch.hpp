@@ -17,10 +17,6 @@ public:
 
     FaultWatch(RunContext const& p_Context, ProgressReader const& p_Reader);
 
-    /// Why the build, which is known, cannot be had.
-    std::optional<Failure> OfBuild() const;
-    /// What is to be told of a build that lacks the chosen language.
-    std::optional<QString> LocaleNotice() const;
     /// Called in each turn before the module's closures are run, so that a list that does not fit
     /// is refused before its first file is begun. \param p_Folder of the game
     std::optional<Failure> LookAtRoom(QString const& p_Folder);

@@ -4,12 +4,8 @@ namespace Varnholt::Host {
 
 void InspectionJob::OnBuildKnown()
 {
-    FaultWatch const faults(Context, Reader);
-    if (auto const failure = faults.OfBuild())
-        return Fail(*failure);
-    if (auto const notice = faults.LocaleNotice())
-        NoticeOnce(*notice);
-    Settle([this] { Examined = std::make_unique<Examination>(Context, LooksAtEveryFile()); });
+    if (CanUseBuild())
+        Settle([this] { Examined = std::make_unique<Examination>(Context, LooksAtEveryFile()); });
 }
 
 void InspectionJob::Work()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Host/Core/Jobs/Examination.hpp"
-#include "Host/Core/Jobs/FaultWatch.hpp"
 #include "Host/Core/Jobs/Job.hpp"
 
 #include <memory>

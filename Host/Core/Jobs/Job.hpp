@@ -64,7 +64,7 @@ public:
     virtual void Pause() {}
     virtual void Continue() {}
     /// Ends the run; nothing that has arrived is lost.
-    void Interrupt();
+    virtual void Interrupt();
 
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
@@ -97,6 +97,8 @@ protected:
     bool IsOver() const { return Over; }
     bool IsWorking() const { return State == Step::Working; }
     QString Folder() const { return Context.Record.Folder(); }
+    /// Fails when the build, which is known, holds nothing; tells when it lacks the language.
+    bool CanUseBuild();
     /// Why the game is not there, or cannot be had for this run alone.
     std::optional<Failure> GameFailure() const;
     std::optional<Failure> LockFolder(QString const& p_Folder);

@@ -120,6 +120,21 @@ void Job::NoticeCopies()
                             Result.Build));
 }
 
+bool Job::CanUseBuild()
+{
+    auto const& manifest = Context.Module.Manifest;
+    if (manifest.Files.empty() && manifest.StreamedFiles.empty()) {
+        Fail({FailureKind::BuildEmpty, Context.Module.RemoteBuild, {}});
+        return false;
+    }
+    QString const locale = Context.Module.GetAppLocale();
+    if (!manifest.Locales.empty() && manifest.Locales.count(locale) == 0)
+        NoticeOnce(QStringLiteral("The build does not offer the language %1; its files are left "
+                                  "out until another one is chosen.")
+                       .arg(locale));
+    return true;
+}
+
 /// Called when the realm list is in use: of the other runs nothing wants it.
 void Job::NoticeRealmList()
 {

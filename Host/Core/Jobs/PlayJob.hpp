@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Host/Core/Jobs/GameStart.hpp"
 #include "Host/Core/Jobs/Job.hpp"
+
+#include <memory>
 
 namespace Varnholt::Host {
 
@@ -9,14 +12,19 @@ class PlayJob : public Job {
 public:
     using Job::Job;
 
+    void Interrupt() override;
+
 protected:
     std::optional<Failure> Prepare() override;
     void OnBuildKnown() override;
+    void Work() override;
+    RunPhase Phase() const override;
+    void Release() override { Starter.reset(); }
 
 private:
     void Play();
-    std::optional<Failure> FailureOf(QString const& p_Program) const;
-    void JudgeLogin(bool p_WasRunning);
+
+    std::unique_ptr<GameStart> Starter;
 };
 
 } // namespace Varnholt::Host

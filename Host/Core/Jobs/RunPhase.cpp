@@ -24,6 +24,7 @@ constexpr Row c_Table[] = {
     {RunPhase::DownloadingBase, "downloading-base", "downloading base files"},
     {RunPhase::ComparingStreamed, "comparing-streamed", "comparing streamed files"},
     {RunPhase::DownloadingStreamed, "downloading-streamed", "downloading streamed files"},
+    {RunPhase::StartingGame, "starting-game", "starting the game"},
     {RunPhase::Suspended, "suspended", "suspended"},
     {RunPhase::Uninstalling, "uninstalling", "removing files"},
     {RunPhase::Finished, "finished", "finished"},

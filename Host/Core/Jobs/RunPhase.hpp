@@ -16,6 +16,7 @@ enum class RunPhase {
     DownloadingBase,
     ComparingStreamed,
     DownloadingStreamed,
+    StartingGame,
     Suspended,
     Uninstalling,
     Finished,

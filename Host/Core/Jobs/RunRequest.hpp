@@ -2,6 +2,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 
 namespace Varnholt::Host {
 
@@ -21,9 +22,10 @@ struct RunRequest {
     };
 
     Type Kind = Type::Update;
-    QString Argument;   ///< folder (absolute) of an install, code of a language, account to log in
-    QString Password;   ///< of that account
-    bool Quick = false; ///< a check asks for the version file only, and looks at no file
+    QString Argument; ///< folder (absolute) of an install, code of a language, account to log in
+    QString Password; ///< of that account
+    QStringList GameArguments; ///< of the game, behind the module's own
+    bool Quick = false;        ///< a check asks for the version file only, and looks at no file
     bool DeletesFiles = false; ///< an uninstallation removes the build's files too
     bool Confirmed = false;    ///< the user has agreed to what would be refused otherwise
 };

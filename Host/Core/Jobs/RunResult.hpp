@@ -23,6 +23,8 @@ struct RunResult {
     std::vector<Launcher::ApplicationManifestLocale> Locales; ///< what the build offers
     std::vector<FileFinding> Findings; ///< files that are not as the build wants them
     std::vector<MirrorReport> Mirrors; ///< the default server first
+    qint64 ProcessId = 0;              ///< of the game that was started; 0: none was
+    QString OutputFile;                ///< that takes that game's output; empty: nothing does
 };
 
 } // namespace Varnholt::Host

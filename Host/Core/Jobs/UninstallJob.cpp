@@ -1,5 +1,7 @@
 #include "Host/Core/Jobs/UninstallJob.hpp"
 
+#include "Host/Core/Jobs/GameOutput.hpp"
+
 #include <QFileInfo>
 
 namespace Varnholt::Host {
@@ -62,6 +64,7 @@ void UninstallJob::Forget()
     Context.Module.Uninstall(Request.DeletesFiles);
     Context.Record.Forget();
     Context.Copies.Forget();
+    GameOutput(Context.Record.File(), Context.Module.AppId, folder).Forget();
     // What could not be deleted is reported by messages that are still on their way.
     Settle([this, folder] { Judge(folder); });
 }

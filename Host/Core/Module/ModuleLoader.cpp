@@ -73,6 +73,7 @@ ModuleInfo ModuleLoader::Info() const
     info.AppId = Object->AppId;
     info.MetaDataName = MetaData[QLatin1String("name")].toString();
     info.Version = MetaData[QLatin1String("version")].toString();
+    info.GameArguments = MetaData[QLatin1String("game-arguments")].toVariant().toStringList();
     QJsonObject const login = MetaData[QLatin1String("login")].toObject();
     info.LoginFiles = login[QLatin1String("files")].toVariant().toStringList();
     info.LoginTemplateSuffix = login[QLatin1String("template-suffix")].toString();

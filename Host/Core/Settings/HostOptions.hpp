@@ -3,6 +3,7 @@
 #include "Host/Core/Network/AddressNames.hpp"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -29,6 +30,8 @@ struct HostOptions {
     int RetryPauseMilliseconds = 500;   ///< before a server is asked again; doubles each time
     int RetryForMilliseconds = 600'000; ///< without a byte; 0: for ever
     int CopyDelayMilliseconds = 2'000;  ///< how long `play` and `verify` wait for a server
+    QStringList Wrapper;                ///< words that the game's are put behind; empty: none
+    int WatchMilliseconds = 1'000;      ///< how long a game must run to be taken for started
     /// What people know addresses by that only this process knows. The session fills it.
     std::shared_ptr<AddressNames> Names = std::make_shared<AddressNames>();
     /// Bytes that may still be written to the volume of a path. Module thread.

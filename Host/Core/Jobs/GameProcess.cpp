@@ -1,0 +1,106 @@
+#include "Host/Core/Jobs/GameProcess.hpp"
+
+#include <QFile>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ; // NOLINT(readability-redundant-declaration): not everywhere in <unistd.h>
+
+namespace Varnholt::Host {
+
+namespace {
+
+/// What the new program does before it begins.
+class SpawnSetup {
+public:
+    explicit SpawnSetup(int p_Output)
+    {
+        posix_spawn_file_actions_init(&Files);
+        posix_spawn_file_actions_adddup2(&Files, p_Output, STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&Files, p_Output, STDERR_FILENO);
+        posix_spawn_file_actions_addopen(&Files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawnattr_init(&Attributes);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&Attributes, &signals);
+        sigfillset(&signals);
+        posix_spawnattr_setsigdefault(&Attributes, &signals);
+        short flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+#ifdef POSIX_SPAWN_CLOEXEC_DEFAULT
+        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+#else
+        posix_spawn_file_actions_addclosefrom_np(&Files, STDERR_FILENO + 1);
+#endif
+        posix_spawnattr_setflags(&Attributes, flags);
+    }
+    ~SpawnSetup()
+    {
+        posix_spawn_file_actions_destroy(&Files);
+        posix_spawnattr_destroy(&Attributes);
+    }
+    SpawnSetup(SpawnSetup const&) = delete;
+    SpawnSetup& operator=(SpawnSetup const&) = delete;
+
+    posix_spawn_file_actions_t Files;
+    posix_spawnattr_t Attributes;
+};
+
+QString TextOf(int p_Status)
+{
+    if (WIFSIGNALED(p_Status))
+        return QStringLiteral("signal %1, %2")
+            .arg(WTERMSIG(p_Status))
+            .arg(QString::fromLocal8Bit(::strsignal(WTERMSIG(p_Status))));
+    int const status = WEXITSTATUS(p_Status);
+    return status == 0 ? QString() : QStringLiteral("exit status %1").arg(status);
+}
+
+} // namespace
+
+GameProcess::~GameProcess()
+{
+    if (Process == 0 || Ending())
+        return;
+    std::thread([process = Process] {
+        while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR)
+            continue;
+    }).detach();
+}
+
+int GameProcess::Start(QString const& p_Program, QStringList const& p_Arguments, int p_Output)
+{
+    std::vector<QByteArray> words{QFile::encodeName(p_Program)};
+    for (QString const& argument : p_Arguments)
+        words.push_back(QFile::encodeName(argument));
+    std::vector<char*> pointers;
+    for (QByteArray& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+
+    SpawnSetup const setup(p_Output);
+    pid_t process = 0;
+    int const error = ::posix_spawn(&process, words[0].constData(), &setup.Files, &setup.Attributes,
+                                    pointers.data(), environ);
+    if (error == 0)
+        Process = process;
+    return error;
+}
+
+std::optional<QString> GameProcess::Ending()
+{
+    int status = 0;
+    if (!Ended)
+        if (pid_t const ended = ::waitpid(Process, &status, WNOHANG); ended != 0)
+            Ended = ended == Process ? TextOf(status) : QString();
+    return Ended;
+}
+
+} // namespace Varnholt::Host

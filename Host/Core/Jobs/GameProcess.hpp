@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+#include <sys/types.h>
+
+namespace Varnholt::Host {
+
+/// A program that runs on its own: in a session of its own, without input, with no file of this
+/// process but its output, and with its environment and current folder. It outlives the object and
+/// the process. For one thread at a time.
+class GameProcess {
+public:
+    GameProcess() = default;
+    /// Lets the program run on; a thread waits for its end, so that nothing remains of it.
+    ~GameProcess();
+    GameProcess(GameProcess const&) = delete;
+    GameProcess& operator=(GameProcess const&) = delete;
+
+    /// Called once. \param p_Output descriptor of its output and error output
+    /// \return 0, or the system's number of the error, when the program was not even begun
+    int Start(QString const& p_Program, QStringList const& p_Arguments, int p_Output);
+    qint64 Id() const { return Process; }
+    /// How it has ended, "exit status 3" or "signal 9, Killed", empty without an error; nothing
+    /// while it runs.
+    std::optional<QString> Ending();
+
+private:
+    pid_t Process = 0;
+    std::optional<QString> Ended;
+};
+
+} // namespace Varnholt::Host

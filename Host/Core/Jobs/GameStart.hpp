@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/GameOutput.hpp"
+#include "Host/Core/Jobs/GameProcess.hpp"
+#include "Host/Core/Jobs/RunRequest.hpp"
+#include "Host/Core/Module/RunContext.hpp"
+
+#include <QDeadlineTimer>
+#include <QFileInfo>
+
+#include <functional>
+#include <optional>
+
+namespace Varnholt::Host {
+
+/// The start of a game whose build is known, from the look at its program to the moment in which it
+/// is taken for running. The module prepares login screen and permissions, the host starts the
+/// program: its end would not be seen otherwise. Module thread.
+class GameStart {
+public:
+    /// \param p_Notice told what the start goes on after
+    GameStart(RunContext const& p_Context, RunRequest const& p_Request,
+              std::function<void(QString const&)> p_Notice);
+
+    /// Starts the game. \return why it does not run; the account's files are gone then
+    std::optional<Failure> Begin();
+    /// True once the game has run for a moment, or has ended.
+    bool IsSettled();
+    /// Called when it is settled. \return the error that the game has ended with
+    std::optional<Failure> Outcome();
+
+    qint64 ProcessId() const { return Process.Id(); }
+    /// Empty when the output is not kept.
+    QString const& OutputFile() const { return OutputName; }
+
+private:
+    std::optional<Failure> FindProgram();
+    std::optional<Failure> FindWrapper();
+    void Prepare(QString const& p_Account, QString const& p_Password);
+    std::optional<Failure> Launch();
+    void JudgeLogin(bool p_WasRunning) const;
+
+    RunContext Context;
+    RunRequest Request;
+    std::function<void(QString const&)> Notice;
+    QString Folder;
+    QFileInfo Program;
+    QString Wrapper; ///< its file; empty: none
+    GameOutput Output;
+    QString OutputName;
+    GameProcess Process;
+    QDeadlineTimer Watched;
+};
+
+} // namespace Varnholt::Host
