@@ -18,11 +18,7 @@ namespace Varnholt::Host {
 
 namespace {
 
-#ifdef Q_OS_MACOS
-constexpr char c_ModuleName[] = "/libPelmora.dylib";
-#else
-constexpr char c_ModuleName[] = "/libPelmora.so";
-#endif
+constexpr char c_ModuleName[] = "/" VARNHOLT_MODULE_NAME;
 
 } // namespace
 
