@@ -30,6 +30,7 @@ enum class FailureKind {
     FolderBlocksFile,
     FileUnwritable,
     LinkLeadsOut,
+    SettingsUnreadable,
     SettingsUnwritable,
     FolderLocked,
     GameRunning,

@@ -60,7 +60,10 @@ void RunControl::Begin(RunRequest const& p_Request)
     Blocked.reset();
     PassedOver.clear();
     Told.clear();
-    if (auto failure = Preconditions())
+    auto failure = Preconditions();
+    if (!failure && Records(Request))
+        failure = Context.Record.WriteRefusal();
+    if (failure)
         return Fail(*failure);
     OpenDoor();
     if (Request.Kind == RunRequest::Type::Uninstall && !Request.DeletesFiles)
@@ -77,6 +80,13 @@ bool RunControl::Completes(RunRequest const& p_Request)
 {
     return p_Request.Kind == RunRequest::Type::Install ||
            p_Request.Kind == RunRequest::Type::Update || p_Request.Kind == RunRequest::Type::Repair;
+}
+
+/// What such a run does must be known to the next one.
+bool RunControl::Records(RunRequest const& p_Request)
+{
+    return Completes(p_Request) || p_Request.Kind == RunRequest::Type::Uninstall ||
+           p_Request.Kind == RunRequest::Type::ChooseLocale;
 }
 
 std::optional<Failure> RunControl::Preconditions()
@@ -113,10 +123,12 @@ std::optional<Failure> RunControl::Preconditions()
 std::optional<Failure> RunControl::LockFolder(QString const& p_Folder)
 {
     Lock = std::make_unique<FolderLock>(p_Folder);
-    if (Lock->Take())
-        return std::nullopt;
-    Lock.reset();
-    return Failure{FailureKind::FolderLocked, p_Folder, {}};
+    auto failure = Lock->Take();
+    if (failure)
+        Lock.reset();
+    else if (!Lock->Notice().isEmpty())
+        NoticeOnce(Lock->Notice());
+    return failure;
 }
 
 void RunControl::OnConnected()
@@ -243,8 +255,11 @@ void RunControl::Finish()
         for (GameVolumes::Share const& share : GameVolumes::Of(Folder(), files))
             Context.Options.Flush(share.Folder);
     }
-    if (completes && !Context.Record.MarkComplete(Context.Module.RemoteBuild))
-        return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
+    auto const unkept = completes          ? Context.Record.MarkComplete(Context.Module.RemoteBuild)
+                        : Records(Request) ? Context.Record.Save()
+                                           : std::nullopt;
+    if (unkept)
+        return Fail(*unkept);
     if (completes &&
         !Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
         NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")

@@ -61,6 +61,7 @@ private:
     enum class Step { Idle, StartingUp, Settling, Running, Inspecting };
 
     static bool Completes(RunRequest const& p_Request);
+    static bool Records(RunRequest const& p_Request);
     std::optional<Failure> Preconditions();
     std::optional<Failure> LockFolder(QString const& p_Folder);
     void OnConnected();

@@ -91,6 +91,8 @@ void RunControl::FinishUninstall(QString const& p_Folder)
     if (Request.DeletesFiles) {
         FolderSweep::Run(Context.Module.Manifest, p_Folder);
         remaining = RemainingFiles(Context.Module.Manifest, p_Folder);
+        if (Lock)
+            Lock->Remove();
     }
     if (remaining.isEmpty())
         return Finish();
