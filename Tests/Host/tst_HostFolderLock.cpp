@@ -2,9 +2,12 @@
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
 
 #include <QDir>
 #include <QtTest>
+
+#include <cerrno>
 
 namespace Varnholt::TestSupport {
 
@@ -19,6 +22,8 @@ private Q_SLOTS:
     void AFileOfAnEarlierKindKeepsNobodyOut();
     void TheFileGoesWithTheGame();
     void WhatStandsInItsPlaceIsNamed();
+    void AFolderThatNobodyMayWriteIsHeldByNobody();
+    void WithoutLocksTheUserIsWarned();
     void AFolderThatWasMovedAwayInMidRunIsNotLocked();
     void TheFileIsNoForeignOne();
 };
@@ -116,6 +121,35 @@ void HostFolderLockTest::WhatStandsInItsPlaceIsNamed()
     QVERIFY2(outcome.Err.contains(lock), qPrintable(outcome.Err));
     QCOMPARE(outcome.Status, 7);
     QCOMPARE(ReadFile(game.Base + "theirs"), QByteArray("precious"));
+}
+
+void HostFolderLockTest::AFolderThatNobodyMayWriteIsHeldByNobody()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    QTemporaryDir const folder;
+    QVERIFY(SetMode(folder.path(), 0555));
+    OrdinaryUser const user;
+    Host::FolderLock lock(folder.path() + '/');
+    QVERIFY(!lock.Take());
+    QCOMPARE(lock.Notice(), QString());
+}
+
+void HostFolderLockTest::WithoutLocksTheUserIsWarned()
+{
+#ifdef VARNHOLT_NO_LOCKS
+    HostGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QMap<QString, QString> const variables{{"LD_PRELOAD", VARNHOLT_NO_LOCKS}};
+    Outcome const outcome = HostProcess(game, {"update"}, variables).Finish();
+    QVERIFY2(outcome.Err.contains("The folder " + game.Folder + " cannot be locked (" +
+                                  qt_error_string(ENOLCK) + "); let no other program work in it"),
+             qPrintable(outcome.Err));
+    QCOMPARE(outcome.Status, 0);
+    QVERIFY(!game.IsMarkedUnfinished());
+#else
+    QSKIP("calls cannot be replaced here");
+#endif
 }
 
 void HostFolderLockTest::AFolderThatWasMovedAwayInMidRunIsNotLocked()

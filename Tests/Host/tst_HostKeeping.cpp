@@ -19,6 +19,8 @@ class HostKeepingTest : public QObject {
 private Q_SLOTS:
     void ReadingNeedsNoFolder_data();
     void ReadingNeedsNoFolder();
+    void ReadingNeedsNoHome_data();
+    void ReadingNeedsNoHome();
     void ReadingNeedsNoRightToWrite();
     void WhatCannotBeKeptIsNotSaidToBeDone_data();
     void WhatCannotBeKeptIsNotSaidToBeDone();
@@ -70,6 +72,35 @@ void HostKeepingTest::ReadingNeedsNoFolder()
     QCOMPARE(outcome.Err, usual.Err);
     QCOMPARE(WithoutTimes(outcome.Out), WithoutTimes(usual.Out));
     QCOMPARE(outcome.Status, usual.Status);
+}
+
+void HostKeepingTest::ReadingNeedsNoHome_data()
+{
+    QTest::addColumn<QString>("home");
+    QTest::newRow("absent") << "absent/home";
+    QTest::newRow("read-only") << "read-only";
+    QTest::newRow("a file") << "file";
+}
+
+void HostKeepingTest::ReadingNeedsNoHome()
+{
+    QFETCH(QString, home);
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    OrdinaryUser const user;
+    HostGame game;
+    game.AddFiles().Publish();
+    QVERIFY(WriteFile(game.Base + "file", "x"));
+    QVERIFY(QDir().mkpath(game.Base + "read-only"));
+    QVERIFY(SetMode(game.Base + "read-only", 0555));
+    for (char const* const command : {"status", "info", "locales", "mirrors"}) {
+        Outcome const outcome = HostProcess(game, {"--content-url", game.Server.BaseUrl()},
+                                            {"-q", command}, {{"HOME", game.Base + home}})
+                                    .Finish();
+        QCOMPARE(outcome.Err, QString());
+        QCOMPARE(outcome.Status, 0);
+    }
+    QVERIFY(!QFileInfo::exists(game.Base + "absent"));
 }
 
 void HostKeepingTest::ReadingNeedsNoRightToWrite()
