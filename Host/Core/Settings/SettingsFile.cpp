@@ -86,7 +86,7 @@ QString Canonical(QString const& p_File)
 {
     QString const path = QDir::cleanPath(QDir::current().absoluteFilePath(p_File));
     QFileInfo const file(path);
-    QString const canonical = file.canonicalFilePath();
+    QString canonical = file.canonicalFilePath();
     if (!canonical.isEmpty() || file.isRoot())
         return canonical;
     return QDir::cleanPath(Canonical(file.path()) + QLatin1Char('/') + file.fileName());
