@@ -1,5 +1,6 @@
 #include "Publisher/BuiltInRules.hpp"
 
+#include "Files/HostLockName.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <array>
@@ -11,8 +12,9 @@ namespace {
 using Entry = Launcher::ApplicationManifestFileEntry;
 
 /// Of players: settings, with the login screen that holds a password, and what the game writes.
-/// Of systems: what file managers write. Of clients: files that have not arrived whole.
-constexpr std::array<char const*, 12> c_Excluded{
+/// Of systems: what file managers write. Of clients: files that have not arrived whole, and
+/// the host's lock.
+constexpr std::array<char const*, 13> c_Excluded{
     "WTF/**",
     "Cache/**",
     "Logs/**",
@@ -25,6 +27,7 @@ constexpr std::array<char const*, 12> c_Excluded{
     "**/Thumbs.db",
     "**/desktop.ini",
     "**/*.part",
+    c_HostLockName,
 };
 
 Rule RuleFor(QString const& p_Pattern)

@@ -1,5 +1,6 @@
 #include "Publisher/PathChecks.hpp"
 
+#include "Files/HostLockName.hpp"
 #include "GameModules/ManifestPaths.hpp"
 #include "GameModules/PendingList.hpp"
 #include "Launcher/Helper/Paths.hpp"
@@ -49,6 +50,8 @@ QString Problem(QString const& p_Path)
         return QStringLiteral("clients drop the path, since it may lead out of the game folder");
     if (IsPendingList(p_Path))
         return QStringLiteral("clients keep a list of their own under this name");
+    if (p_Path.compare(QLatin1String(c_HostLockName), Qt::CaseInsensitive) == 0)
+        return QStringLiteral("clients lock the game folder by a file of this name");
     if (p_Path.endsWith(QLatin1String(".part"), Qt::CaseInsensitive))
         return QStringLiteral("clients use names that end in \".part\" for unfinished files");
     if (Launcher::ManifestPaths::IsTooLong(Launcher::Helper::Paths::PartFile(p_Path)))

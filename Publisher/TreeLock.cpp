@@ -7,19 +7,22 @@ namespace Varnholt::Publisher {
 
 TreeLock::TreeLock(QString const& p_Root)
     : Root(p_Root)
-    , Lock(std::make_unique<QLockFile>(TreeMark(p_Root).PrivatePath(QStringLiteral("lock"))))
+    , File(TreeMark(p_Root).PrivatePath(QStringLiteral("lock")))
 {
-    // A run takes as long as it takes; the lock of a program that died is recognised by its id.
-    Lock->setStaleLockTime(0);
 }
 
 void TreeLock::Take()
 {
-    if (Lock->tryLock())
+    switch (File.Take()) {
+    case FileLock::Outcome::Taken:
         return;
-    bool const taken = Lock->error() == QLockFile::LockFailedError;
-    throw Failure(Root + (taken ? QStringLiteral(": another run is publishing there")
-                                : QStringLiteral(": the output folder cannot be written")));
+    case FileLock::Outcome::Held:
+        throw Failure(Root +
+                      QStringLiteral(": another run is publishing there (%1)").arg(File.Holder()));
+    case FileLock::Outcome::Failed:
+        throw Failure(Root + QStringLiteral(": the output folder cannot be locked: ") +
+                      qt_error_string(File.Error()));
+    }
 }
 
 } // namespace Varnholt::Publisher

@@ -43,6 +43,8 @@ int Run(Choice p_Choice)
     if (p_Choice.Json)
         presenter = std::make_unique<JsonPresenter>(console);
 
+    if (auto const& failure = settings.ReadFailure())
+        return Fail(*failure, *presenter);
     if (p_Choice.Chosen == Choice::Command::Config)
         return ConfigRun(p_Choice, settings, *presenter).Run();
     if (fault)

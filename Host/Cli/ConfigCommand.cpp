@@ -91,9 +91,7 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
         p_Settings.Remove(StoreKey(p_Key));
     else
         p_Settings.SetValue(StoreKey(p_Key), ToKeep(p_Key, p_Value));
-    if (!p_Settings.Flush())
-        return Failure{FailureKind::SettingsUnwritable, p_Settings.File(), {}};
-    return std::nullopt;
+    return p_Settings.Save();
 }
 
 QStringList SetKeys(HostSettings const& p_Settings)

@@ -59,7 +59,9 @@ void Login::Remember(QString const& p_Password)
     if (!problem.isEmpty())
         return Output.ShowNotice(QStringLiteral("The password is not remembered: %1").arg(problem));
     Settings.SetValue(Mark, true);
-    Settings.Flush();
+    if (auto const failure = Settings.Save())
+        Output.ShowNotice(
+            QStringLiteral("The password is not remembered: %1").arg(failure->Sentence()));
 }
 
 void Login::Forget()
@@ -68,7 +70,6 @@ void Login::Forget()
     if (!problem.isEmpty())
         return Output.ShowNotice(QStringLiteral("The password is not forgotten: %1").arg(problem));
     Settings.Remove(Mark);
-    Settings.Flush();
 }
 
 } // namespace Varnholt::Host

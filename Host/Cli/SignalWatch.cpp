@@ -10,7 +10,6 @@ namespace Varnholt::Host {
 namespace {
 
 constexpr int c_InterruptedStatus = 130;
-constexpr int c_Signals[] = {SIGINT, SIGTERM, SIGHUP, SIGUSR1};
 
 std::atomic<int> g_WriteEnd{-1};
 std::atomic<bool> g_EndRequested{false};
@@ -44,12 +43,11 @@ SignalWatch::SignalWatch(QObject* p_Parent)
 
     struct sigaction action = {};
     action.sa_handler = Handle; // without SA_RESTART: a question to the user ends
-    for (int const signal : c_Signals) {
-        struct sigaction former = {};
-        ::sigaction(signal, nullptr, &former);
+    for (std::size_t i = 0; i < Former.size(); ++i) {
+        ::sigaction(c_Signals[i], nullptr, &Former[i]);
         // What "nohup" or a shell's background job ignores stays ignored.
-        if (former.sa_handler != SIG_IGN)
-            ::sigaction(signal, &action, nullptr);
+        if (Former[i].sa_handler != SIG_IGN)
+            ::sigaction(c_Signals[i], &action, nullptr);
     }
 }
 
@@ -57,8 +55,8 @@ SignalWatch::~SignalWatch()
 {
     if (Notifier == nullptr)
         return;
-    for (int const signal : c_Signals)
-        std::signal(signal, SIG_DFL);
+    for (std::size_t i = 0; i < Former.size(); ++i)
+        ::sigaction(c_Signals[i], &Former[i], nullptr);
     delete Notifier;
     for (int const end : Pipe)
         ::close(end);

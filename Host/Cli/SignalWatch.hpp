@@ -3,9 +3,13 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <array>
+#include <csignal>
+
 namespace Varnholt::Host {
 
-/// Turns the signals of the system into those of Qt. One at a time in a process.
+/// Turns the signals of the system into those of Qt as long as it lives. One at a time in a
+/// process.
 ///
 /// A second request to end does not wait for the first one's outcome: it ends the program at once,
 /// with status 130.
@@ -26,7 +30,10 @@ Q_SIGNALS:
 private:
     void Deliver();
 
+    static constexpr int c_Signals[] = {SIGINT, SIGTERM, SIGHUP, SIGUSR1};
+
     int Pipe[2] = {-1, -1};
+    std::array<struct sigaction, std::size(c_Signals)> Former{}; ///< what each did before
     QSocketNotifier* Notifier = nullptr;
 };
 

@@ -1,5 +1,6 @@
 #include "Tests/Host/HostGame.hpp"
 
+#include "Host/Core/Folder/FolderLock.hpp"
 #include "Tests/Support/FileTools.hpp"
 
 #include <QDir>
@@ -79,6 +80,7 @@ QStringList HostGame::FilesOnDisk() const
     QDirIterator files(Folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext())
         names += files.next().mid(Folder.size());
+    names.removeOne(Host::FolderLock::c_File);
     names.sort();
     return names;
 }

@@ -30,7 +30,7 @@ public:
     void Put(QString const& p_File, QByteArray const& p_Bytes) const;
     /// Names of the build's files of a language that are missing or differ on the disk.
     QStringList Wrong(QString const& p_Locale = QStringLiteral("enUS")) const;
-    /// Names of all files below the folder, in alphabetical order.
+    /// Names of all files below the folder but the host's lock, in alphabetical order.
     QStringList FilesOnDisk() const;
     /// The build's files that were asked for, each as often as it was, in alphabetical order.
     QStringList Requested() const;

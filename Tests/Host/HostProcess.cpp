@@ -16,9 +16,9 @@ HostProcess::HostProcess(HostGame const& p_Game, QStringList const& p_Arguments)
 }
 
 HostProcess::HostProcess(HostGame const& p_Game, QStringList const& p_Options,
-                         QStringList const& p_Arguments)
+                         QStringList const& p_Arguments, QMap<QString, QString> const& p_Variables)
 {
-    Start(p_Game, p_Options + p_Arguments);
+    Start(p_Game, p_Options + p_Arguments, p_Variables);
 }
 
 HostProcess::HostProcess(HostGame const& p_Game, QStringList const& p_Arguments,

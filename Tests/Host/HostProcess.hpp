@@ -36,9 +36,9 @@ class HostProcess {
 public:
     /// Starts it. \param p_Arguments command and options; settings and server are named before them
     HostProcess(HostGame const& p_Game, QStringList const& p_Arguments);
-    /// Starts it with options of settings and server of the test's own.
+    /// Starts it with options of settings and server of the test's own, and some variables more.
     HostProcess(HostGame const& p_Game, QStringList const& p_Options,
-                QStringList const& p_Arguments);
+                QStringList const& p_Arguments, QMap<QString, QString> const& p_Variables = {});
     /// Starts it with some variables more in its environment.
     HostProcess(HostGame const& p_Game, QStringList const& p_Arguments,
                 QMap<QString, QString> const& p_Variables);

@@ -31,6 +31,9 @@ private Q_SLOTS:
     void TheSocketGoesWithTheRunAndIsTheUsersOwn();
     void AKilledDownloadStandsInNobodysWay();
     void WordsForOtherSettingsDoNothing();
+    void SettingsAreTheSameHoweverTheyAreSpelled_data();
+    void SettingsAreTheSameHoweverTheyAreSpelled();
+    void TheUsersFolderOfSettingsMayEndInASlash();
     void OtherWordsDoNothing_data();
     void OtherWordsDoNothing();
     void AWordMayComeInPieces();
@@ -217,6 +220,45 @@ void HostControlTest::WordsForOtherSettingsDoNothing()
     Outcome const outcome = process->Finish();
     QCOMPARE(outcome.Status, 0);
     QVERIFY2(!outcome.Err.contains("suspended"), qPrintable(outcome.Err));
+}
+
+void HostControlTest::SettingsAreTheSameHoweverTheyAreSpelled_data()
+{
+    QTest::addColumn<QString>("settings");
+    for (char const* const settings :
+         {"settings/host.ini", "./settings/host.ini", "settings//host.ini",
+          "settings/../settings/./host.ini", "link/host.ini", "linked.ini"})
+        QTest::newRow(settings) << settings;
+}
+
+void HostControlTest::SettingsAreTheSameHoweverTheyAreSpelled()
+{
+    QFETCH(QString, settings);
+    QVERIFY(QFile::link("settings", Game->Base + "link"));
+    QVERIFY(QFile::link("settings/host.ini", Game->Base + "linked.ini"));
+    auto const process = Begin();
+    Outcome const pause = HostProcess(*Game, {"--settings", settings}, {"pause"}).Finish();
+    QCOMPARE(pause.Err, QString());
+    QCOMPARE(pause.Status, 0);
+    QVERIFY(process->WaitForErr("suspended\n"));
+}
+
+void HostControlTest::TheUsersFolderOfSettingsMayEndInASlash()
+{
+    // Settings are there where neither a command line nor a variable names them.
+    auto const start = [this](QString const& p_Folder, QStringList const& p_Command) {
+        return HostProcess(*Game, {"--content-url", Game->Server.BaseUrl()}, p_Command,
+                           {{"XDG_CONFIG_HOME", p_Folder}});
+    };
+    QString const folder = Game->Base + "config";
+    auto first = start(folder + "//", {"install", Game->Folder});
+    QVERIFY(first.WaitUntil(
+        [&] { return QFileInfo(Game->Path("Data/base.MPQ.part")).size() == c_Half; }));
+    QCOMPARE(start(folder, {"pause"}).Finish().Status, 0);
+    QVERIFY(first.WaitForErr("suspended\n"));
+    QCOMPARE(start("config", {"resume"}).Finish().Status, 0);
+    Game->Server.OpenGate(File());
+    QCOMPARE(first.Finish().Status, 0);
 }
 
 void HostControlTest::OtherWordsDoNothing_data()

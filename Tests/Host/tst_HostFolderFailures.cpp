@@ -141,28 +141,32 @@ void HostFolderFailuresTest::AnAbsentGameFolderIsNotCreatedAgain()
 void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::newRow("a folder") << "home";
-    QTest::newRow("below a file") << "a file/host.ini";
-    QTest::newRow("nowhere") << "/proc/varnholt/host.ini";
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("a folder") << "home"
+                              << "cannot be read (it is no ordinary file); correct it or its "
+                                 "permissions, or choose another file.\n";
+    QString const unwritable =
+        "cannot be written (%1); change its permissions or choose another file.\n";
+    QTest::newRow("below a file") << "a file/host.ini" << unwritable.arg("Not a directory");
+    QTest::newRow("nowhere") << "/proc/varnholt/host.ini"
+                             << unwritable.arg("No such file or directory");
 }
 
 void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed()
 {
     QFETCH(QString, file);
+    QFETCH(QString, sentence);
     HostGame game;
     game.AddFiles().Publish();
     QVERIFY(WriteFile(game.Base + "a file", "x"));
     QVERIFY(QDir().mkpath(game.Base + "home"));
-    for (QStringList const& command :
-         {QStringList("status"), QStringList{"install", game.Folder}}) {
-        Outcome const outcome =
-            HostProcess(game, {"--settings", file, "--content-url", game.Server.BaseUrl()}, command)
-                .Finish();
-        QCOMPARE(outcome.Err, "varnholt-host: the settings file " + QDir(game.Base).filePath(file) +
-                                  " cannot be written; change its permissions or choose another "
-                                  "file.\n");
-        QCOMPARE(outcome.Status, 7);
-    }
+    Outcome const outcome =
+        HostProcess(game, {"--settings", file, "--content-url", game.Server.BaseUrl()},
+                    {"install", game.Folder})
+            .Finish();
+    QCOMPARE(outcome.Err,
+             "varnholt-host: the settings file " + QDir(game.Base).filePath(file) + ' ' + sentence);
+    QCOMPARE(outcome.Status, 7);
     QCOMPARE(game.Server.Requests().size(), std::size_t(0));
     QVERIFY(!QFileInfo::exists(game.Folder));
 }

@@ -1,11 +1,14 @@
+#include "Host/Core/Folder/FolderLock.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
-#include <QLockFile>
 #include <QtTest>
+
+#include <cerrno>
 
 namespace Varnholt::TestSupport {
 
@@ -15,14 +18,15 @@ class HostFolderLockTest : public QObject {
 
 private Q_SLOTS:
     void AFolderThatAnotherHostWorksInIsLeftAlone();
-    void TheLockGoesWithTheRun();
-    void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver_data();
-    void ALockWhoseOwnerDiedBeforeItsNameIsTakenOver();
-    void WhatADeadTakeoverLeftGoesToo_data();
-    void WhatADeadTakeoverLeftGoesToo();
-    void ALockWithoutNameThatIsHeldIsRespected();
+    void ALockWhoseOwnerHasDiedKeepsNobodyOut();
+    void TheLockEndsWithTheRun();
+    void AFileOfAnEarlierKindKeepsNobodyOut();
+    void TheFileGoesWithTheGame();
+    void WhatStandsInItsPlaceIsNamed();
+    void AFolderThatNobodyMayWriteIsHeldByNobody();
+    void WithoutLocksTheUserIsWarned();
     void AFolderThatWasMovedAwayInMidRunIsNotLocked();
-    void ADeadInstallationsLockIsNoForeignFile();
+    void TheFileIsNoForeignOne();
 };
 
 void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
@@ -38,8 +42,11 @@ void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
          {QStringList{"install", game.Folder}, QStringList("update"), QStringList("repair"),
           QStringList("play"), QStringList{"uninstall", "--delete-files", "--yes"}}) {
         Outcome const outcome = HostProcess(game, QStringList("-q") + command).Finish();
-        QCOMPARE(outcome.Err, "varnholt-host: another program works in the folder " + game.Folder +
-                                  "; wait for it to end, then try again.\n");
+        QCOMPARE(outcome.Err,
+                 QString("varnholt-host: another program works in the folder %1 (varnholt-host, "
+                         "process %2); wait for it to end, then try again.\n")
+                     .arg(game.Folder)
+                     .arg(first.ProcessId()));
         QCOMPARE(outcome.Status, 8);
     }
     QCOMPARE(game.Requested(), QStringList());
@@ -48,77 +55,102 @@ void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
     QCOMPARE(game.Wrong(), QStringList());
 }
 
-void HostFolderLockTest::TheLockGoesWithTheRun()
+void HostFolderLockTest::ALockWhoseOwnerHasDiedKeepsNobodyOut()
+{
+    HostGame game;
+    game.AddFiles().Publish();
+    QString const base = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script("GET " + base).Then(Answer::SilentAfter(20000));
+    {
+        HostProcess first(game, {"install", game.Folder});
+        QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
+    } // killed
+    QVERIFY(game.Has(Host::FolderLock::c_File));
+    Outcome const outcome = HostProcess(game, {"-q", "install", game.Folder}).Finish();
+    QCOMPARE(outcome.Err, QString());
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostFolderLockTest::TheLockEndsWithTheRun()
 {
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(game.Open());
-    QLockFile lock(game.Path(".varnholt-host.lock"));
-    QVERIFY(lock.tryLock());
+    FileLock lock(game.Path(Host::FolderLock::c_File));
+    QCOMPARE(lock.Take(), FileLock::Outcome::Taken);
     QCOMPARE(game.Run(RequestType::Update), QString("folder-locked"));
-    lock.unlock();
+    lock.Release();
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QVERIFY(lock.tryLock());
+    QCOMPARE(lock.Take(), FileLock::Outcome::Taken);
 }
 
-void HostFolderLockTest::ALockWhoseOwnerDiedBeforeItsNameIsTakenOver_data()
+void HostFolderLockTest::AFileOfAnEarlierKindKeepsNobodyOut()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("nothing") << QByteArray("");
-    QTest::newRow("half of a number") << QByteArray("1");
-    QTest::newRow("no machine") << QByteArray("1\nvarnholt-host\n");
-    QTest::newRow("half of a machine") << QByteArray("1\nvarnholt-host\nmach");
-    QTest::newRow("half of its number") << QByteArray("1\nvarnholt-host\nmachine\n1234");
-}
-
-void HostFolderLockTest::ALockWhoseOwnerDiedBeforeItsNameIsTakenOver()
-{
-    QFETCH(QByteArray, content);
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
-    game.Put(".varnholt-host.lock", content);
+    // A process that lives, a machine: such a file was a lock once.
+    QByteArray const content = QByteArray::number(QCoreApplication::applicationPid()) +
+                               "\nvarnholt-host\n" + QSysInfo::machineHostName().toUtf8() + '\n';
+    game.Put(Host::FolderLock::c_File, content);
     QVERIFY(WriteFile(game.SettingsFile + ".lock", content));
+    QVERIFY(QFile::remove(game.Path("readme.txt")));
     QVERIFY(game.Open());
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QVERIFY(!game.Has(".varnholt-host.lock"));
-    QVERIFY(!QFile::exists(game.SettingsFile + ".lock"));
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
-void HostFolderLockTest::WhatADeadTakeoverLeftGoesToo_data()
+void HostFolderLockTest::TheFileGoesWithTheGame()
 {
-    QTest::addColumn<QByteArray>("lock");
-    QTest::addColumn<QByteArray>("removal");
-    // No process has this number.
-    QByteArray const dead =
-        "999999999\nvarnholt-host\n" + QSysInfo::machineHostName().toUtf8() + '\n';
-    QTest::newRow("named") << dead << dead;
-    QTest::newRow("without name") << dead << QByteArray("");
-}
-
-void HostFolderLockTest::WhatADeadTakeoverLeftGoesToo()
-{
-    QFETCH(QByteArray, lock);
-    QFETCH(QByteArray, removal);
-    SessionGame game;
+    HostGame game;
     game.AddFiles().Publish().PutInstalled();
-    game.Put(".varnholt-host.lock", lock);
-    game.Put(".varnholt-host.lock.rmlock", removal);
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QVERIFY(!game.Has(".varnholt-host.lock"));
-    QVERIFY(!game.Has(".varnholt-host.lock.rmlock"));
+    QCOMPARE(HostProcess(game, {"-q", "update"}).Finish().Status, 0);
+    QVERIFY(game.Has(Host::FolderLock::c_File));
+    QCOMPARE(HostProcess(game, {"-q", "uninstall", "--delete-files", "--yes"}).Finish().Status, 0);
+    QVERIFY(!game.Has(Host::FolderLock::c_File));
 }
 
-void HostFolderLockTest::ALockWithoutNameThatIsHeldIsRespected()
+void HostFolderLockTest::WhatStandsInItsPlaceIsNamed()
 {
-    SessionGame game;
+    HostGame game;
     game.AddFiles().Publish().PutInstalled();
-    QLockFile lock(game.Path(".varnholt-host.lock"));
-    QVERIFY(lock.tryLock());
-    QVERIFY(QFile::resize(game.Path(".varnholt-host.lock"), 0));
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("folder-locked"));
-    QVERIFY(game.Has(".varnholt-host.lock"));
+    QString const lock = game.Path(Host::FolderLock::c_File);
+    QVERIFY(WriteFile(game.Base + "theirs", "precious"));
+    QVERIFY(QFile::link(game.Base + "theirs", lock));
+    Outcome const outcome = HostProcess(game, {"-q", "update"}).Finish();
+    QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
+    QVERIFY2(outcome.Err.contains(lock), qPrintable(outcome.Err));
+    QCOMPARE(outcome.Status, 7);
+    QCOMPARE(ReadFile(game.Base + "theirs"), QByteArray("precious"));
+}
+
+void HostFolderLockTest::AFolderThatNobodyMayWriteIsHeldByNobody()
+{
+    if (!OrdinaryUser::IsPossible())
+        QSKIP("root is not stopped by permissions");
+    QTemporaryDir const folder;
+    QVERIFY(SetMode(folder.path(), 0555));
+    OrdinaryUser const user;
+    Host::FolderLock lock(folder.path() + '/');
+    QVERIFY(!lock.Take());
+    QCOMPARE(lock.Notice(), QString());
+}
+
+void HostFolderLockTest::WithoutLocksTheUserIsWarned()
+{
+#ifdef VARNHOLT_NO_LOCKS
+    HostGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QMap<QString, QString> const variables{{"LD_PRELOAD", VARNHOLT_NO_LOCKS}};
+    Outcome const outcome = HostProcess(game, {"update"}, variables).Finish();
+    QVERIFY2(outcome.Err.contains("The folder " + game.Folder + " cannot be locked (" +
+                                  qt_error_string(ENOLCK) + "); let no other program work in it"),
+             qPrintable(outcome.Err));
+    QCOMPARE(outcome.Status, 0);
+    QVERIFY(!game.IsMarkedUnfinished());
+#else
+    QSKIP("calls cannot be replaced here");
+#endif
 }
 
 void HostFolderLockTest::AFolderThatWasMovedAwayInMidRunIsNotLocked()
@@ -137,16 +169,16 @@ void HostFolderLockTest::AFolderThatWasMovedAwayInMidRunIsNotLocked()
     QCOMPARE(game.End(), QString("done"));
     QVERIFY(QDir(game.Folder).removeRecursively());
     QVERIFY(QDir().rename(away, game.Folder));
-    QVERIFY(game.Has(".varnholt-host.lock"));
+    QVERIFY(game.Has(Host::FolderLock::c_File));
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
 }
 
-void HostFolderLockTest::ADeadInstallationsLockIsNoForeignFile()
+void HostFolderLockTest::TheFileIsNoForeignOne()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Put(".varnholt-host.lock", "");
+    game.Put(Host::FolderLock::c_File, "");
     QVERIFY(game.Open());
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());

@@ -3,8 +3,11 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <cerrno>
 
 namespace Varnholt::TestSupport {
 
@@ -32,6 +35,9 @@ private Q_SLOTS:
     void TheLastKeyCanBeRemoved();
     void ALinkedFileStaysLinked();
     void WhatAnotherProgramWroteStays();
+    void ReadingLeavesNoTrace();
+    void WhatIsNoSettingsFileIsNotOverwritten();
+    void ARefusalIsKnownBeforeAnythingIsWritten();
     void WhatAKilledProgramLeftIsTakenAway_data();
     void WhatAKilledProgramLeftIsTakenAway();
     void ALinkInItsWayIsNotFollowed();
@@ -52,7 +58,7 @@ void HostSettingsTest::init()
     // The file is longer than the room: one that is written again would be cut.
     for (int i = 0; i < c_Keys; ++i)
         settings.SetValue(QStringLiteral("group/key%1").arg(i), QString(600, 'v'));
-    QVERIFY(settings.Flush());
+    QVERIFY(!settings.Save());
 }
 
 void HostSettingsTest::AFullDiskKeepsWhatWasRecorded()
@@ -64,7 +70,11 @@ void HostSettingsTest::AFullDiskKeepsWhatWasRecorded()
         HostSettings settings(File);
         settings.SetValue("new", true);
         settings.Remove("group/key1");
-        QVERIFY(!settings.Flush());
+        auto const failure = settings.Save();
+        QVERIFY(failure);
+        QCOMPARE(failure->Identifier(), QString("disk-full"));
+        QCOMPARE(failure->Subject, File);
+        QCOMPARE(failure->Detail, qt_error_string(EFBIG));
     }
     QCOMPARE(ReadFile(File), before);
 }
@@ -106,7 +116,8 @@ void HostSettingsTest::WhatIsRemovedWithoutRoomIsRemovedLater()
 
 void HostSettingsTest::NothingButTheFileIsLeft()
 {
-    QCOMPARE(QDir(Folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList("host.ini"));
+    QCOMPARE(QDir(Folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList({"host.ini", "host.ini.varnholt-lock"}));
 }
 
 void HostSettingsTest::TheLastKeyCanBeRemoved()
@@ -115,7 +126,7 @@ void HostSettingsTest::TheLastKeyCanBeRemoved()
     HostSettings settings(file);
     settings.SetValue("only", true);
     settings.Remove("only");
-    QVERIFY(settings.Flush());
+    QVERIFY(!settings.Save());
     QCOMPARE(QSettings(file, QSettings::IniFormat).allKeys(), QStringList());
 }
 
@@ -148,6 +159,49 @@ void HostSettingsTest::WhatAnotherProgramWroteStays()
     QCOMPARE(written.allKeys().size(), c_Keys + 2);
 }
 
+void HostSettingsTest::ReadingLeavesNoTrace()
+{
+    QVERIFY(QFile::remove(File + ".varnholt-lock"));
+    QByteArray const before = ReadFile(File);
+    {
+        HostSettings settings(File);
+        QCOMPARE(settings.Keys().size(), c_Keys);
+        settings.SetValue("group/key1", settings.Value("group/key1"));
+        settings.Remove("none");
+        QVERIFY(!settings.Save());
+        HostSettings const nowhere(Folder->filePath("no/such/host.ini"));
+        QVERIFY(!nowhere.ReadFailure());
+    }
+    QCOMPARE(QDir(Folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList("host.ini"));
+    QCOMPARE(ReadFile(File), before);
+}
+
+void HostSettingsTest::WhatIsNoSettingsFileIsNotOverwritten()
+{
+    HostSettings settings(File);
+    QVERIFY(WriteFile(File, "[group]\nkey1=v\nke"));
+    settings.SetValue("new", true);
+    QCOMPARE(settings.Save()->Identifier(), QString("settings-unreadable"));
+    QCOMPARE(ReadFile(File), QByteArray("[group]\nkey1=v\nke"));
+    // Each of them looks for itself.
+    QCOMPARE(HostSettings(File).ReadFailure()->Detail, QString("line 3 is no setting"));
+    QVERIFY(WriteFile(File, "[group]\nkey1=v\n; said\n# so\n\nkey2=\"v\"\n"));
+    QVERIFY(!settings.Save());
+    QCOMPARE(HostSettings(File).Keys(), QStringList({"group/key1", "group/key2", "new"}));
+}
+
+void HostSettingsTest::ARefusalIsKnownBeforeAnythingIsWritten()
+{
+    QByteArray const before = ReadFile(File);
+    QVERIFY(!HostSettings(File).WriteRefusal());
+    HostSettings const below(File + "/host.ini");
+    QVERIFY(!below.ReadFailure());
+    QCOMPARE(below.WriteRefusal()->Identifier(), QString("settings-unwritable"));
+    QCOMPARE(below.WriteRefusal()->Detail, qt_error_string(ENOTDIR));
+    QCOMPARE(ReadFile(File), before);
+}
+
 void HostSettingsTest::WhatAKilledProgramLeftIsTakenAway_data()
 {
     QTest::addColumn<QString>("left");
@@ -162,7 +216,7 @@ void HostSettingsTest::WhatAKilledProgramLeftIsTakenAway()
     HostSettings settings(File);
     settings.SetValue("new", QString::fromUtf8("Jeux été"));
     QCOMPARE(settings.Value("new"), QVariant(QString::fromUtf8("Jeux été")));
-    QVERIFY(settings.Flush());
+    QVERIFY(!settings.Save());
     NothingButTheFileIsLeft();
 }
 
@@ -173,7 +227,7 @@ void HostSettingsTest::ALinkInItsWayIsNotFollowed()
     QVERIFY(QFile::link(elsewhere.path(), File + ".varnholt-new"));
     HostSettings settings(File);
     settings.SetValue("new", true);
-    QVERIFY(settings.Flush());
+    QVERIFY(!settings.Save());
     QCOMPARE(ReadFile(elsewhere.filePath("theirs")), QByteArray("precious"));
     NothingButTheFileIsLeft();
 }
@@ -197,7 +251,7 @@ void HostSettingsTest::AFileWithAPasswordIsItsOwnersAlone()
     settings.SetValue("new", true);
     QCOMPARE(ModeOf(File), 0600);
     settings.Remove(HostSettings::c_PasswordKey);
-    QVERIFY(settings.Flush());
+    QVERIFY(!settings.Save());
     QVERIFY(!ReadFile(File).contains("password"));
 }
 
@@ -206,7 +260,7 @@ void HostSettingsTest::ANewFileWithAPasswordIsItsOwnersAlone()
     QString const file = Folder->filePath("other.ini");
     HostSettings settings(file);
     settings.SetValue(HostSettings::c_PasswordKey, c_Password);
-    QVERIFY(settings.Flush());
+    QVERIFY(!settings.Save());
     QCOMPARE(ModeOf(file), 0600);
 }
 

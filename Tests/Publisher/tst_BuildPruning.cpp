@@ -225,7 +225,8 @@ void BuildPruningTest::ARunOfAnotherIsNotDisturbed()
 {
     BuildSeries const game(2);
     Publisher::TreeTransaction const other(game.Options.Output);
-    QCOMPARE(SentenceOf(Keep(game, 1)), game.Options.Output + ": another run is publishing there");
+    QVERIFY(SentenceOf(Keep(game, 1))
+                .startsWith(game.Options.Output + ": another run is publishing there ("));
     QVERIFY(game.IsWhole(1));
 }
 

@@ -123,8 +123,9 @@ void BuildRollbackTest::ARunOfAnotherIsNotDisturbed()
     BuildSeries const game(2);
     Publisher::TreeTransaction const other(game.Options.Output);
     RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
-    QCOMPARE(FailureOf([&] { RollBack(options); }).Sentence,
-             game.Options.Output + ": another run is publishing there");
+    QVERIFY(FailureOf([&] {
+                RollBack(options);
+            }).Sentence.startsWith(game.Options.Output + ": another run is publishing there ("));
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
 }
 

@@ -75,7 +75,8 @@ void BuiltInRulesTest::WhatPlayersAndSystemsLeaveIsNotPublished_data()
     for (char const* const path :
          {"WTF/Config.wtf", "WTF/Account/ME/x", "Cache/x", "Logs/x", "Errors/x", "Screenshots/x",
           "Interface/GlueXMl/AccountLogin.xml", "Interface/GlueXMl/AccountLogin.lua", ".DS_Store",
-          "Data/.DS_Store", "Data/._a", "Data/Thumbs.db", "desktop.ini", "Data/a.part"})
+          "Data/.DS_Store", "Data/._a", "Data/Thumbs.db", "desktop.ini", "Data/a.part",
+          ".varnholt-host.lock"})
         QTest::newRow(path) << QString(path);
 }
 

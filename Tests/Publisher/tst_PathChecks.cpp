@@ -63,6 +63,8 @@ void PathChecksTest::RefusesWhatClientsCannotTake_data()
     QTest::newRow("base list") << QByteArray("ToDownloadBase.db") << list;
     QTest::newRow("streamed list") << QByteArray("ToDownload.db") << list;
     QTest::newRow("other list") << QByteArray("ToDownloadCASC.db") << list;
+    QTest::newRow("lock") << QByteArray(".Varnholt-Host.lock")
+                          << "clients lock the game folder by a file of this name";
     QTest::newRow("list in other case") << QByteArray("todownload.DB") << list;
     QTest::newRow("part") << QByteArray("Data/a.part") << part;
     QTest::newRow("part in other case") << QByteArray("Data/a.PART") << part;

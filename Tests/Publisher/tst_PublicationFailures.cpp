@@ -150,7 +150,8 @@ void PublicationFailuresTest::AnOpenTransactionKeepsOthersOut()
     Tree const before = game.Published();
     {
         Publisher::TreeTransaction const other(game.Options.Output);
-        QCOMPARE(game.FailureSentence(), game.Options.Output + ": another run is publishing there");
+        QVERIFY(game.FailureSentence().startsWith(game.Options.Output +
+                                                  ": another run is publishing there ("));
     }
     QCOMPARE(game.Published(), before);
     QCOMPARE(game.FailureSentence(), QString());

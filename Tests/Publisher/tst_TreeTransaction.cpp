@@ -6,9 +6,9 @@
 #include "Tests/Support/TestMain.hpp"
 
 #include <QSet>
-#include <QSysInfo>
 #include <QtTest>
 
+#include <cerrno>
 #include <mutex>
 
 namespace Varnholt::TestSupport {
@@ -27,7 +27,8 @@ private Q_SLOTS:
     void AFailedCommitBringsBackWhatWasReplaced();
     void AFailedCommitRemovesTheFoldersItMade();
     void ASecondTransactionIsRefusedAndHarmsNothing();
-    void TheLockOfADeadProgramIsTakenOver();
+    void TheLockOfADeadProgramKeepsNobodyOut();
+    void AFolderThatCannotBeLockedIsNamed();
     void NewFilesHaveNamesOfTheirOwn();
 
 private:
@@ -113,23 +114,31 @@ void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
     TreeTransaction tree(Root);
     tree.AddText("text", Path("text"));
     QCOMPARE(FailureOf([this] { TreeTransaction const other(Root); }).Sentence,
-             Root + ": another run is publishing there");
+             Root + QString(": another run is publishing there (tst_tree_transaction, process %1)")
+                        .arg(QCoreApplication::applicationPid()));
+    QVERIFY(QFile::exists(Path(".varnholt-publish.lock")));
     tree.Commit();
     QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
     QCOMPARE(FailureOf([this] { TreeTransaction const next(Root); }).Sentence, QString());
 }
 
-void TreeTransactionTest::TheLockOfADeadProgramIsTakenOver()
+void TreeTransactionTest::TheLockOfADeadProgramKeepsNobodyOut()
 {
-    // No process has a number of this size.
-    QVERIFY(
-        WriteFile(Path(".varnholt-publish.lock"),
-                  "999999999\nvarnholt-publish\n" + QSysInfo::machineHostName().toUtf8() + "\n"));
+    QVERIFY(WriteFile(Path(".varnholt-publish.lock"), "varnholt-publish, process 1\n"));
     QVERIFY(WriteFile(Path(".varnholt-publish.new/0"), "remains"));
     TreeTransaction tree(Root);
     tree.AddText("text", Path("text"));
     tree.Commit();
     QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+}
+
+void TreeTransactionTest::AFolderThatCannotBeLockedIsNamed()
+{
+    QVERIFY(WriteFile(Path("theirs"), "precious"));
+    QVERIFY(QFile::link("theirs", Path(".varnholt-publish.lock")));
+    QCOMPARE(FailureOf([this] { TreeTransaction const tree(Root); }).Sentence,
+             Root + ": the output folder cannot be locked: " + qt_error_string(ELOOP));
+    QCOMPARE(ReadFile(Path("theirs")), QByteArray("precious"));
 }
 
 void TreeTransactionTest::NewFilesHaveNamesOfTheirOwn()

@@ -32,6 +32,7 @@ enum class FailureKind {
     FolderBlocksFile,
     FileUnwritable,
     LinkLeadsOut,
+    SettingsUnreadable,
     SettingsUnwritable,
     FolderLocked,
     GameRunning,

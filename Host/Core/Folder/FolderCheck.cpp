@@ -39,12 +39,11 @@ bool HoldsForeignFiles(QString const& p_Folder)
                                 Launcher::PendingList::c_FirstBuild})
         if (folder.exists(list))
             return false;
-    // Of an installation that was killed before it had recorded itself.
+    // The lock stays where an installation has ended before it had recorded itself.
     QStringList const names =
         folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    return std::any_of(names.begin(), names.end(), [](QString const& p_Name) {
-        return !p_Name.startsWith(FolderLock::c_File);
-    });
+    return std::any_of(names.begin(), names.end(),
+                       [](QString const& p_Name) { return p_Name != FolderLock::c_File; });
 }
 
 } // namespace

@@ -1,34 +1,52 @@
 #include "Host/Core/Folder/FolderLock.hpp"
 
-#include "Host/Core/Folder/DeadLock.hpp"
+#include "Files/HostLockName.hpp"
 
-#include <QFile>
+#include <cerrno>
 
 namespace Varnholt::Host {
 
-QString const FolderLock::c_File = QStringLiteral(".varnholt-host.lock");
+namespace {
+
+/// Something else stands where the file belongs.
+bool IsInTheWay(int p_Error)
+{
+    return p_Error == EEXIST || p_Error == EISDIR || p_Error == ELOOP;
+}
+
+/// Nobody works in a folder that nobody may write.
+bool IsForbidden(int p_Error)
+{
+    return p_Error == EACCES || p_Error == EPERM || p_Error == EROFS;
+}
+
+} // namespace
+
+QString const FolderLock::c_File = QString::fromLatin1(c_HostLockName);
 
 FolderLock::FolderLock(QString const& p_Folder)
-    : Path(p_Folder + c_File)
-    , File(Path)
+    : Folder(p_Folder)
+    , File(p_Folder + c_File)
 {
-    File.setStaleLockTime(0); // a run takes hours; only a lock whose owner has died is stale
 }
 
-bool FolderLock::Take()
+std::optional<Failure> FolderLock::Take()
 {
-    // Who takes a dead lock away locks that, and may die at it too.
-    QString const removal = Path + QStringLiteral(".rmlock");
-    RemoveDeadLock(removal, false);
-    bool const taken = TryFile() || (RemoveDeadLock(Path, true) && TryFile());
-    if (taken && QFile::exists(removal))
-        QLockFile(removal).tryLock(); // and let go, which removes it
-    return taken;
+    FileLock::Outcome const outcome = File.Take();
+    if (outcome == FileLock::Outcome::Held)
+        return Failure{FailureKind::FolderLocked, Folder, File.Holder()};
+    if (outcome == FileLock::Outcome::Failed && IsInTheWay(File.Error()))
+        return Failure{FailureKind::FileUnwritable, Folder + c_File, qt_error_string(File.Error())};
+    return std::nullopt;
 }
 
-bool FolderLock::TryFile()
+QString FolderLock::Notice() const
 {
-    return File.tryLock() || File.error() != QLockFile::LockFailedError;
+    if (File.IsTaken() || IsForbidden(File.Error()))
+        return {};
+    return QStringLiteral("The folder %1 cannot be locked (%2); let no other program work in it "
+                          "at the same time.")
+        .arg(Folder, qt_error_string(File.Error()));
 }
 
 } // namespace Varnholt::Host

@@ -1,12 +1,15 @@
 #pragma once
 
-#include <QLockFile>
+#include "Files/FileLock.hpp"
+#include "Host/Core/Failures/Failure.hpp"
+
 #include <QString>
+
+#include <optional>
 
 namespace Varnholt::Host {
 
-/// Keeps a folder for one run of one program, by a file in it. A program that was killed leaves the
-/// file behind, and the next one takes it over.
+/// Keeps a folder for one run of one program, by a file in it that stays there.
 class FolderLock {
 public:
     static QString const c_File;
@@ -14,15 +17,17 @@ public:
     /// \param p_Folder ends in "/"
     explicit FolderLock(QString const& p_Folder);
 
-    /// \return false when another program holds it. A folder that takes no such file is held by
-    /// nobody.
-    bool Take();
+    /// \return why nothing may be done in the folder; none when it is kept, and also where no such
+    /// lock can be, see `Notice`
+    std::optional<Failure> Take();
+    /// What the user should know when others are not kept out; empty when they are.
+    QString Notice() const;
+    /// Takes the file away and lets go: the game is gone.
+    void Remove() { File.Remove(); }
 
 private:
-    bool TryFile();
-
-    QString Path;
-    QLockFile File;
+    QString Folder;
+    FileLock File;
 };
 
 } // namespace Varnholt::Host

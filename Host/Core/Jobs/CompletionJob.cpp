@@ -198,8 +198,8 @@ void CompletionJob::Complete()
         for (GameVolumes::Share const& share : GameVolumes::Of(Folder(), files))
             Context.Options.Flush(share.Folder);
     }
-    if (!Context.Record.MarkComplete(Context.Module.RemoteBuild))
-        return Fail({FailureKind::SettingsUnwritable, Context.Record.File(), {}});
+    if (auto const unkept = Context.Record.MarkComplete(Context.Module.RemoteBuild))
+        return Fail(*unkept);
     if (!Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
         NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")
                        .arg(Context.Copies.Folder()));

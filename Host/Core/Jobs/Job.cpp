@@ -29,7 +29,10 @@ void Job::Begin()
     if (May.NeedsServers && Context.Options.Offline)
         return Fail({FailureKind::OptionInvalid, QStringLiteral("offline"),
                      QStringLiteral("this command asks servers")});
-    if (auto const failure = Prepare())
+    auto failure = Prepare();
+    if (!failure && May.Records)
+        failure = Context.Record.WriteRefusal();
+    if (failure)
         return Fail(*failure);
     OpenDoor();
     Start();
@@ -93,6 +96,8 @@ void Job::Finish()
     // A module that was told to stop falls silent as one that is done.
     if (Context.Gate.IsInterrupted())
         return Interrupt();
+    if (auto const unkept = May.Records ? Context.Record.Save() : std::nullopt)
+        return Fail(*unkept);
     End();
 }
 
@@ -159,10 +164,18 @@ std::optional<Failure> Job::GameFailure() const
 std::optional<Failure> Job::LockFolder(QString const& p_Folder)
 {
     Lock = std::make_unique<FolderLock>(p_Folder);
-    if (Lock->Take())
-        return std::nullopt;
-    Lock.reset();
-    return Failure{FailureKind::FolderLocked, p_Folder, {}};
+    auto failure = Lock->Take();
+    if (failure)
+        Lock.reset();
+    else if (!Lock->Notice().isEmpty())
+        NoticeOnce(Lock->Notice());
+    return failure;
+}
+
+void Job::RemoveLockFile()
+{
+    if (Lock)
+        Lock->Remove();
 }
 
 std::optional<Failure> Job::LinkFailure() const

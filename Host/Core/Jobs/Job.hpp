@@ -46,6 +46,7 @@ public:
         bool UsesCopies = false;   ///< what is kept of a build does when the servers fail
         bool IsPreview = false;    ///< the module shall see no installation, see `RunGate`
         bool CanPause = false;
+        bool Records = false; ///< what it does must be known to the next one
     };
 
     Job(RunContext const& p_Context, RunRequest p_Request, Traits p_Traits);
@@ -102,6 +103,7 @@ protected:
     /// Why the game is not there, or cannot be had for this run alone.
     std::optional<Failure> GameFailure() const;
     std::optional<Failure> LockFolder(QString const& p_Folder);
+    void RemoveLockFile();
     /// A game whose files are partly elsewhere, where the module leaves them alone, is not
     /// complete.
     std::optional<Failure> LinkFailure() const;

@@ -35,18 +35,18 @@ struct Row {
 };
 
 constexpr Row c_Table[] = {
-    // NeedsServers, UsesCopies, IsPreview, CanPause
-    {Type::Install, false, {true, false, true, true}, MakeOne<InstallJob>},
-    {Type::Update, false, {true, false, false, true}, MakeOne<UpdateJob>},
-    {Type::Repair, false, {true, false, false, true}, MakeOne<RepairJob>},
-    {Type::Check, false, {false, false, true, false}, MakeOne<CheckJob>},
-    {Type::Check, true, {false, false, true, false}, MakeOne<QuickCheckJob>},
-    {Type::Verify, false, {false, true, true, false}, MakeOne<VerifyJob>},
-    {Type::AskMirrors, false, {true, false, true, false}, MakeOne<MirrorsJob>},
-    {Type::Uninstall, false, {false, false, false, false}, MakeOne<UninstallJob>},
-    {Type::Play, false, {false, true, false, false}, MakeOne<PlayJob>},
-    {Type::ListLocales, false, {false, false, true, false}, MakeOne<ListLocalesJob>},
-    {Type::ChooseLocale, false, {false, false, false, false}, MakeOne<ChooseLocaleJob>},
+    // NeedsServers, UsesCopies, IsPreview, CanPause, Records
+    {Type::Install, false, {true, false, true, true, true}, MakeOne<InstallJob>},
+    {Type::Update, false, {true, false, false, true, true}, MakeOne<UpdateJob>},
+    {Type::Repair, false, {true, false, false, true, true}, MakeOne<RepairJob>},
+    {Type::Check, false, {false, false, true, false, false}, MakeOne<CheckJob>},
+    {Type::Check, true, {false, false, true, false, false}, MakeOne<QuickCheckJob>},
+    {Type::Verify, false, {false, true, true, false, false}, MakeOne<VerifyJob>},
+    {Type::AskMirrors, false, {true, false, true, false, false}, MakeOne<MirrorsJob>},
+    {Type::Uninstall, false, {false, false, false, false, true}, MakeOne<UninstallJob>},
+    {Type::Play, false, {false, true, false, false, false}, MakeOne<PlayJob>},
+    {Type::ListLocales, false, {false, false, true, false, false}, MakeOne<ListLocalesJob>},
+    {Type::ChooseLocale, false, {false, false, false, false, true}, MakeOne<ChooseLocaleJob>},
 };
 
 Row const& RowOf(RunRequest const& p_Request)

@@ -74,8 +74,10 @@ void UninstallJob::Judge(QString const& p_Folder)
     constexpr int c_MostNamed = 3;
 
     QStringList remaining;
-    if (Removal)
+    if (Removal) {
+        RemoveLockFile();
         remaining = GameRemoval::Remaining(Context.Module.Manifest, p_Folder);
+    }
     if (remaining.isEmpty())
         return Finish();
     QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));

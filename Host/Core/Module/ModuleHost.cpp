@@ -50,8 +50,8 @@ void ModuleHost::Load()
 {
     if (IsLoaded())
         return;
-    if (!Settings.Flush()) {
-        Q_EMIT LoadFailed({FailureKind::SettingsUnwritable, Settings.File(), {}});
+    if (auto const& failure = Settings.ReadFailure()) {
+        Q_EMIT LoadFailed(*failure);
         return;
     }
     if (auto const failure = LoadModule()) {

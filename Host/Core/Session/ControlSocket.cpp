@@ -1,5 +1,7 @@
 #include "Host/Core/Session/ControlSocket.hpp"
 
+#include "Host/Core/Settings/SettingsFile.hpp"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QLocalSocket>
@@ -58,7 +60,9 @@ QString ControlSocket::Name(QString const& p_SettingsFile)
     if (folder.isEmpty())
         folder = QDir::tempPath();
     QByteArray const digest =
-        QCryptographicHash::hash(p_SettingsFile.toUtf8(), QCryptographicHash::Sha256).toHex();
+        QCryptographicHash::hash(SettingsFile::Canonical(p_SettingsFile).toUtf8(),
+                                 QCryptographicHash::Sha256)
+            .toHex();
     return folder + QStringLiteral("/varnholt-host-") + QString::fromLatin1(digest.left(c_Digits));
 }
 

@@ -24,7 +24,7 @@ class ControlSocket : public QObject {
     Q_OBJECT
 
 public:
-    /// \param p_SettingsFile absolute
+    /// \param p_SettingsFile absolute, or seen from the current folder
     explicit ControlSocket(QString const& p_SettingsFile, QObject* p_Parent = nullptr);
 
     /// \return false when another program listens already, or the system does not allow it

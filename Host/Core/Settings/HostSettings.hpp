@@ -1,21 +1,23 @@
 #pragma once
 
-#include <QMap>
+#include "Host/Core/Settings/SettingsFile.hpp"
+#include "Host/Core/Settings/SettingsWriter.hpp"
+
 #include <QMutex>
-#include <QSettings>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+
+#include <optional>
 
 namespace Varnholt::Host {
 
 /// The settings store of host and module, an INI file. All operations from any thread.
 class HostSettings {
 public:
-    /// Where a password is kept. A file with it is its owner's alone, whatever its mode was.
-    static constexpr char c_PasswordKey[] = "options/content-password";
+    static constexpr auto& c_PasswordKey = SettingsWriter::c_PasswordKey;
 
-    /// \param p_File absolute; its folder is created
+    /// Only reads. \param p_File absolute, or seen from the current folder
     explicit HostSettings(QString const& p_File);
     /// Writes what has not found room until now.
     ~HostSettings();
@@ -26,19 +28,25 @@ public:
     void SetValue(QString const& p_Key, QVariant const& p_Value);
     QStringList Keys() const;
     void Remove(QString const& p_Key);
-    /// Writes what has changed. \return false when the file cannot be read or written
-    bool Flush();
-    QString File() const { return Store.fileName(); }
+
+    /// Why the file could not be read at first: nothing is known then, and nothing is overwritten.
+    /// None when there is no file.
+    std::optional<Failure> const& ReadFailure() const { return Unreadable; }
+    /// Why the file may not be written, known without writing it; none when there is only no room
+    /// for it, as there may be some later.
+    std::optional<Failure> WriteRefusal() const;
+    /// Writes what has changed. \return why that was not possible
+    std::optional<Failure> Save();
+    QString File() const { return Path; }
 
 private:
-    using Values = QMap<QString, QVariant>;
+    std::optional<Failure> Write();
 
-    bool Write();
-    Values Merged() const;
-
+    QString const Path;
+    std::optional<Failure> const Unreadable;
     mutable QMutex StoreMutex;
-    QSettings Store; ///< only read
-    Values Held;     ///< not in the store yet; an invalid value removes its key
+    SettingsFile::Values Known; ///< as the file was last seen
+    SettingsFile::Values Held;  ///< not in the file yet; an invalid value removes its key
 };
 
 } // namespace Varnholt::Host

@@ -36,11 +36,11 @@ void InstallRecord::MarkUnfinished()
     Settings.SetValue(HostKey("unfinished"), true);
 }
 
-bool InstallRecord::MarkComplete(QString const& p_Build)
+std::optional<Failure> InstallRecord::MarkComplete(QString const& p_Build)
 {
     Settings.SetValue(HostKey("build"), p_Build);
     Settings.Remove(HostKey("unfinished"));
-    return Settings.Flush();
+    return Settings.Save();
 }
 
 void InstallRecord::Forget()

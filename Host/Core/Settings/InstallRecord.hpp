@@ -22,11 +22,16 @@ public:
     bool IsUnfinished() const;
     void MarkUnfinished();
     /// \param p_Build the version file's build, all of whose files are in place
-    /// \return false when that could not be written: the next run would not know of the game
-    bool MarkComplete(QString const& p_Build);
+    /// \return why that could not be written: the next run would not know of the game
+    std::optional<Failure> MarkComplete(QString const& p_Build);
     QString CompletedBuild() const;
     /// Removes the host's own keys; the module removes its own when it uninstalls.
     void Forget();
+    /// Why what is recorded could not be kept; none when it will be.
+    std::optional<Failure> WriteRefusal() const { return Settings.WriteRefusal(); }
+    /// Writes what is not kept yet. \return why that was not possible
+    std::optional<Failure> Save() { return Settings.Save(); }
+    /// The settings file.
     QString File() const { return Settings.File(); }
 
 private:
