@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QVariant>
 
+#include <sstream>
+
 namespace Varnholt::Host {
 
 namespace {
@@ -250,6 +252,13 @@ void CommandParser::AddControlCommands()
     ConfigValueOption =
         config->add_option("value", ConfigValue, "The new value; an empty one removes it")
             ->type_name("VALUE");
+}
+
+QString CommandParser::Answer(CLI::Success const& p_Help) const
+{
+    std::ostringstream answer;
+    Program.exit(p_Help, answer);
+    return Text(answer.str());
 }
 
 std::string CommandParser::Example(std::string const& p_Command) const

@@ -20,8 +20,8 @@ public:
 
     /// Throws what CLI11 throws.
     Choice Parse(int p_Count, char const* const* p_Arguments);
-    /// Prints help or version. \return the exit status
-    int Exit(CLI::Success const& p_Help) { return Program.exit(p_Help); }
+    /// The help or version that was asked for, lines.
+    QString Answer(CLI::Success const& p_Help) const;
 
     /// Every command and option with its help.
     CLI::App const& Model() const { return Program; }

@@ -7,8 +7,9 @@
 
 namespace Varnholt::Host {
 
-/// The program's output: results on standard output, everything else on standard error. A line that
-/// is redrawn in place, the progress of a run, gives way to the others. Any thread.
+/// The program's output: results on standard output, everything else on standard error, and all of
+/// it printable. A line that is redrawn in place, the progress of a run, gives way to the others.
+/// Any thread.
 class Console {
 public:
     Console(Color p_Colors, bool p_Quiet);

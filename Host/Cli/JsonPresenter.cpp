@@ -145,7 +145,7 @@ QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
     return object;
 }
 
-void JsonPresenter::ShowNotice(QString const& p_Text)
+void JsonPresenter::WriteNotice(QString const& p_Text)
 {
     Write("notice", {{QStringLiteral("text"), p_Text}});
 }
@@ -171,7 +171,7 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
                      {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)}});
 }
 
-void JsonPresenter::ShowFailure(Failure const& p_Failure)
+void JsonPresenter::WriteFailure(Failure const& p_Failure)
 {
     Write("error", {{QStringLiteral("error"), p_Failure.Identifier()},
                     {QStringLiteral("subject"), p_Failure.Subject},

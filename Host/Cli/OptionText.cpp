@@ -165,4 +165,14 @@ QString WhyNotCertificates(QString const& p_File)
     return QStringLiteral("the file %1 holds no certificate in PEM form").arg(p_File);
 }
 
+QString Hidden(QString p_Text)
+{
+    static QRegularExpression const inUrl(QStringLiteral("([a-zA-Z][\\w+.-]*://).*@"),
+                                          QRegularExpression::DotMatchesEverythingOption);
+    static QRegularExpression const before(QStringLiteral("[^\\s=\"/@]+:(?!//)\\S.*@"),
+                                           QRegularExpression::DotMatchesEverythingOption);
+
+    return p_Text.replace(inUrl, QStringLiteral("\\1***@")).replace(before, QStringLiteral("***@"));
+}
+
 } // namespace Varnholt::Host::OptionText

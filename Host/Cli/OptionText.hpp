@@ -28,4 +28,7 @@ QString WhyNotReadable(QString const& p_File);
 /// Of the name of a file with certificates.
 QString WhyNotCertificates(QString const& p_File);
 
+/// A text to be told, with "***" for what may be user and password before an "@" in it.
+QString Hidden(QString p_Text);
+
 } // namespace Varnholt::Host::OptionText

@@ -1,6 +1,8 @@
 #include "Host/Cli/Prompt.hpp"
 
 #include "Host/Cli/SignalWatch.hpp"
+#include "Programs/Printable.hpp"
+#include "Programs/StandardStreams.hpp"
 
 #include <QByteArray>
 
@@ -42,8 +44,7 @@ private:
 
 void Ask(QString const& p_Question)
 {
-    std::fputs(p_Question.toUtf8().constData(), stderr);
-    std::fflush(stderr);
+    Programs::StandardStreams::Write(stderr, Programs::Printable(p_Question));
 }
 
 /// Waits for a line or its end. \return false when a signal came instead: it may come just before

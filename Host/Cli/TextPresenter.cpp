@@ -36,7 +36,7 @@ void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     View.Show(p_Snapshot);
 }
 
-void TextPresenter::ShowNotice(QString const& p_Text)
+void TextPresenter::WriteNotice(QString const& p_Text)
 {
     Output.Note(p_Text);
 }
@@ -50,7 +50,7 @@ void TextPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
         Print(Reports::Success(p_Request, p_Result, p_Game));
 }
 
-void TextPresenter::ShowFailure(Failure const& p_Failure)
+void TextPresenter::WriteFailure(Failure const& p_Failure)
 {
     View.Clear();
     Output.Error(p_Failure.Sentence(), p_Failure.Remedy());

@@ -17,10 +17,12 @@ public:
     void ShowLocale(QString const& p_Locale) override;
     void ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed) override;
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
-    void ShowNotice(QString const& p_Text) override;
     void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
                     QString const& p_Game) override;
-    void ShowFailure(Failure const& p_Failure) override;
+
+protected:
+    void WriteNotice(QString const& p_Text) override;
+    void WriteFailure(Failure const& p_Failure) override;
 
 private:
     void Print(QStringList const& p_Lines);
