@@ -72,10 +72,11 @@ void Console::Note(QString const& p_Line)
         WriteAbove(Printable(p_Line));
 }
 
-void Console::Error(QString const& p_Sentence, QString const& p_Remedy)
+void Console::Error(QString const& p_Sentence, QString const& p_Remedy, bool p_IsAlarming)
 {
-    QString line =
-        Colored(QStringLiteral("varnholt-host: "), c_Bold) + Colored(Printable(p_Sentence), c_Red);
+    QString const sentence = Printable(p_Sentence);
+    QString line = Colored(QStringLiteral("varnholt-host: "), c_Bold) +
+                   (p_IsAlarming ? Colored(sentence, c_Red) : sentence);
     if (!p_Remedy.isEmpty())
         line += QStringLiteral("; ") + Printable(p_Remedy);
     WriteAbove(line + QLatin1Char('.'));

@@ -22,7 +22,8 @@ public:
     /// What a user may want to know; nothing in quiet mode.
     void Note(QString const& p_Line);
     /// A failure: what happened, without a full stop, and what to do about it.
-    void Error(QString const& p_Sentence, QString const& p_Remedy);
+    /// \param p_IsAlarming false when it is only an answer
+    void Error(QString const& p_Sentence, QString const& p_Remedy, bool p_IsAlarming = true);
     /// Of the log that the user has asked for.
     void Log(QString const& p_Line);
     /// Redraws the progress line, cut to the terminal's width; empty: takes it away.

@@ -53,7 +53,8 @@ void TextPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
 void TextPresenter::WriteFailure(Failure const& p_Failure)
 {
     View.Clear();
-    Output.Error(p_Failure.Sentence(), p_Failure.Remedy());
+    Output.Error(p_Failure.Sentence(), p_Failure.Remedy(),
+                 p_Failure.Kind != FailureKind::UpdateAvailable);
 }
 
 void TextPresenter::Print(QStringList const& p_Lines)
