@@ -60,7 +60,7 @@ constexpr Row c_Table[] = {
      "the game is already installed in {s}",
      "update it there, or confirm (--yes) that it shall be installed anew"},
     {FailureKind::FolderMissing, 7, "folder-missing", "the installation folder {s} does not exist",
-     "connect its drive, or install again"},
+     "connect its drive, or run \"install\" with the folder that it was moved to"},
     {FailureKind::FolderIsFile, 7, "folder-is-file", "{s} is a file, not a folder",
      "choose another folder"},
     {FailureKind::FolderForbidden, 7, "folder-forbidden", "{s} is no folder for a game ({d})",

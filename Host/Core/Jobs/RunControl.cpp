@@ -96,7 +96,8 @@ std::optional<Failure> RunControl::Preconditions()
         return UninstallPreconditions();
     if (Request.Kind == RunRequest::Type::Install) {
         QString const folder = FolderCheck::Normalized(Request.Argument);
-        if (record.IsInstalled() && record.Folder() != folder && !Request.Confirmed)
+        bool const isMoved = !QFileInfo::exists(record.Folder()) && FolderCheck::HoldsGame(folder);
+        if (record.IsInstalled() && record.Folder() != folder && !isMoved && !Request.Confirmed)
             return Failure{FailureKind::InstalledElsewhere, record.Folder(), {}};
         return FolderCheck::ForInstall(folder, record.Folder(), Request.Confirmed);
     }
