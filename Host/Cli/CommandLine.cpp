@@ -125,8 +125,7 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
         Programs::StandardStreams::Write(stdout, parser.Answer(help));
         return Conclude(EXIT_SUCCESS, console);
     } catch (CLI::ParseError const& error) {
-        console.Error(OptionText::Hidden(QString::fromUtf8(error.what())),
-                      QStringLiteral("\"varnholt-host --help\" lists commands and options"));
+        console.Error(OptionText::Hidden(QString::fromUtf8(error.what())), parser.Remedy());
         return c_UsageStatus;
     }
     QStringList arguments;

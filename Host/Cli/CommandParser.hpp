@@ -22,6 +22,8 @@ public:
     Choice Parse(int p_Count, char const* const* p_Arguments);
     /// The help or version that was asked for, lines.
     QString Answer(CLI::Success const& p_Help) const;
+    /// What to do about a command line that could not be understood: the word perhaps meant.
+    QString Remedy() const;
 
     /// Every command and option with its help.
     CLI::App const& Model() const { return Program; }
@@ -52,15 +54,19 @@ private:
     void AddLocaleCommands();
     void AddGameCommands();
     void AddControlCommands();
+    static std::string ExitStatuses();
+    std::string OptionsOfAll() const;
+    void Explain();
 
     CLI::App Program{"Installs a game, keeps it up to date and starts it", "varnholt-host"};
     std::vector<Command> Commands;
     std::deque<Value> Kept; ///< the parser holds on to their places
     std::string Settings, Folder, Code, Account;
-    std::string ConfigKey, ConfigValue;
+    std::string ConfigKey, ConfigValue, Topic;
+    CLI::App const* Explained = nullptr; ///< whose help was asked for by a command
     CLI::Option* ConfigValueOption = nullptr;
     bool Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;
-    bool DeletesFiles = false, Remembers = false, Forgets = false;
+    bool DeletesFiles = false, Remembers = false, Forgets = false, ConfigList = false;
 };
 
 } // namespace Varnholt::Host

@@ -79,7 +79,7 @@ void Console::Error(QString const& p_Sentence, QString const& p_Remedy, bool p_I
                    (p_IsAlarming ? Colored(sentence, c_Red) : sentence);
     if (!p_Remedy.isEmpty())
         line += QStringLiteral("; ") + Printable(p_Remedy);
-    WriteAbove(line + QLatin1Char('.'));
+    WriteAbove(line.endsWith(QLatin1Char('?')) ? line : line + QLatin1Char('.'));
 }
 
 void Console::Log(QString const& p_Line)

@@ -106,9 +106,13 @@ void JsonPresenter::ShowLocale(QString const& p_Locale)
     Write("locale", {{QStringLiteral("locale"), p_Locale}});
 }
 
-void JsonPresenter::ShowOption(QString const& p_Key, QString const& p_Value, bool /*p_IsListed*/)
+void JsonPresenter::ShowOption(QString const& p_Key, QString const& p_Value,
+                               QString const& p_Origin, bool /*p_IsListed*/)
 {
-    Write("option", {{QStringLiteral("key"), p_Key}, {QStringLiteral("value"), p_Value}});
+    QJsonObject object{{QStringLiteral("key"), p_Key}, {QStringLiteral("value"), p_Value}};
+    if (!p_Origin.isEmpty())
+        object.insert(QStringLiteral("origin"), p_Origin);
+    Write("option", object);
 }
 
 void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)

@@ -61,6 +61,17 @@ std::optional<quint64> Rate(QString const& p_Text)
     return static_cast<quint64>(rate);
 }
 
+std::optional<bool> YesOrNo(QString const& p_Text)
+{
+    static QStringList const yes{QStringLiteral("true"), QStringLiteral("yes"), QStringLiteral("y"),
+                                 QStringLiteral("on"), QStringLiteral("1")};
+    static QStringList const no{QStringLiteral("false"), QStringLiteral("no"), QStringLiteral("n"),
+                                QStringLiteral("off"), QStringLiteral("0")};
+
+    bool const isYes = yes.contains(p_Text, Qt::CaseInsensitive);
+    return isYes || no.contains(p_Text, Qt::CaseInsensitive) ? std::optional(isYes) : std::nullopt;
+}
+
 std::optional<int> Milliseconds(QString const& p_Text)
 {
     constexpr double c_Second = 1000;
@@ -73,6 +84,13 @@ std::optional<int> Milliseconds(QString const& p_Text)
     if (!match.hasMatch() || time > c_Most || (time > 0 && time < 1))
         return std::nullopt;
     return static_cast<int>(time);
+}
+
+QString WhyNotYesOrNo(QString const& p_Text)
+{
+    return YesOrNo(p_Text) ? QString()
+                           : Quoted(p_Text) + QStringLiteral(" is neither true (yes, on, 1) nor "
+                                                             "false (no, off, 0)");
 }
 
 QString WhyNotRate(QString const& p_Text)

@@ -12,9 +12,12 @@ namespace Varnholt::Host::OptionText {
 
 /// Bytes per second: "500k", "2M" or "1.5MiB"; a kilobyte has 1024 bytes.
 std::optional<quint64> Rate(QString const& p_Text);
+/// The same words wherever something is answered by yes or no, in any case of letters.
+std::optional<bool> YesOrNo(QString const& p_Text);
 /// Of "90", "90s", "10m" or "2h"; at most 500 hours.
 std::optional<int> Milliseconds(QString const& p_Text);
 
+QString WhyNotYesOrNo(QString const& p_Text);
 QString WhyNotRate(QString const& p_Text);
 QString WhyNotTime(QString const& p_Text);
 /// Refuses no time at all too.

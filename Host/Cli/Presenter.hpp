@@ -19,8 +19,10 @@ public:
     virtual void ShowInfo(ModuleInfo const& p_Info) = 0;
     virtual void ShowStatus(InstallStatus const& p_Status) = 0;
     virtual void ShowLocale(QString const& p_Locale) = 0;
+    /// \param p_Origin who gives it; empty when that was not asked
     /// \param p_IsListed one of several, otherwise the one that was asked for
-    virtual void ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed) = 0;
+    virtual void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
+                            bool p_IsListed) = 0;
     virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
     /// Something that a user may want to know.
     void ShowNotice(QString const& p_Text);

@@ -1,5 +1,6 @@
 #include "Host/Cli/Prompt.hpp"
 
+#include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/SignalWatch.hpp"
 #include "Programs/Printable.hpp"
 #include "Programs/StandardStreams.hpp"
@@ -101,8 +102,7 @@ bool Confirm(QString const& p_Question)
     std::optional<QString> const line = ReadLine();
     if (!line)
         std::fputc('\n', stderr); // the question's line was not ended by an answer
-    QString const answer = line.value_or(QString()).trimmed().toLower();
-    return answer == QLatin1String("y") || answer == QLatin1String("yes");
+    return OptionText::YesOrNo(line.value_or(QString()).trimmed()).value_or(false);
 }
 
 std::optional<QString> Password(QString const& p_Question)

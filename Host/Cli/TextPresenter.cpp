@@ -26,9 +26,11 @@ void TextPresenter::ShowLocale(QString const& p_Locale)
     Print({p_Locale});
 }
 
-void TextPresenter::ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed)
+void TextPresenter::ShowOption(QString const& p_Key, QString const& p_Value,
+                               QString const& p_Origin, bool p_IsListed)
 {
-    Print({p_IsListed ? QStringLiteral("%1=%2").arg(p_Key, p_Value) : p_Value});
+    QString const line = p_IsListed ? QStringLiteral("%1=%2").arg(p_Key, p_Value) : p_Value;
+    Print({p_Origin.isEmpty() ? line : QStringLiteral("%1  (%2)").arg(line, p_Origin)});
 }
 
 void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
