@@ -11,6 +11,12 @@ namespace Varnholt::Host {
 /// When colours and the like are used.
 enum class Color { Auto, Always, Never };
 
+/// An option's value and who gives it.
+struct GivenOption {
+    QString Text;
+    QString Origin; ///< in words: "command line"
+};
+
 /// What the user has asked for on the command line.
 struct Choice {
     enum class Command {
@@ -28,9 +34,10 @@ struct Choice {
     HostOptions Options;
     QString ConfigKey;
     QString ConfigValue;
+    bool ConfigList = false; ///< every option with its origin
     /// Options that can be kept, by name, as the command line or the environment gives them;
     /// `Options` holds none of them until the settings were looked at.
-    QMap<QString, QString> Given;
+    QMap<QString, GivenOption> Given;
     QString LogFile; ///< absolute; empty: none
     Color Colors = Color::Auto;
     bool Remembers = false; ///< the password asked for is kept in the desktop's secret store

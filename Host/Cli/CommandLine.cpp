@@ -6,9 +6,13 @@
 #include "Host/Cli/Console.hpp"
 #include "Host/Cli/JsonPresenter.hpp"
 #include "Host/Cli/MessageLog.hpp"
+#include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Program.hpp"
 #include "Host/Cli/TextPresenter.hpp"
 #include "Host/Core/Session/ControlSocket.hpp"
+#include "Programs/StandardStreams.hpp"
+
+#include <QRegularExpression>
 
 #include <memory>
 
@@ -30,7 +34,69 @@ int Send(QString const& p_SettingsFile, ControlMessage::Type p_Message, Presente
     return failure ? Fail(*failure, p_Presenter) : EXIT_SUCCESS;
 }
 
-int Run(Choice p_Choice)
+/// As a shell would take it, without what may be a password.
+QString Quoted(QString const& p_Argument)
+{
+    static QRegularExpression const plain(
+        QRegularExpression::anchoredPattern(QStringLiteral("[\\w@%+=:,./*-]+")));
+
+    QString word = OptionText::Hidden(p_Argument);
+    if (plain.match(word).hasMatch())
+        return word;
+    return QLatin1Char('\'') + word.replace(QLatin1Char('\''), QLatin1String("'\\''")) +
+           QLatin1Char('\'');
+}
+
+/// What somebody who helps wants to know first.
+void WriteBeginning(Choice const& p_Choice, QStringList const& p_Arguments)
+{
+    HostOptions const& options = p_Choice.Options;
+    QString command = QStringLiteral("command: varnholt-host");
+    for (QString const& argument : p_Arguments) {
+        bool const isKept = !argument.isEmpty() && argument == p_Choice.ConfigValue;
+        command += QLatin1Char(' ') + (isKept ? QStringLiteral("***") : Quoted(argument));
+    }
+    MessageLog::Write(command);
+    MessageLog::Write(QStringLiteral("version: " VARNHOLT_VERSION));
+    MessageLog::Write(QStringLiteral("module: %1")
+                          .arg(options.ModuleFile.isEmpty() ? HostOptions::DefaultModuleFile()
+                                                            : options.ModuleFile));
+    MessageLog::Write(
+        QStringLiteral("server: %1").arg(OptionText::Hidden(options.ContentServer())));
+    MessageLog::Write(QStringLiteral("settings: %1").arg(options.SettingsFile));
+}
+
+int RunCommand(Choice const& p_Choice, HostSettings& p_Settings,
+               std::optional<Failure> const& p_Fault, Presenter& p_Output)
+{
+    if (auto const& failure = p_Settings.ReadFailure())
+        return Fail(*failure, p_Output);
+    if (p_Choice.Chosen == Choice::Command::Config)
+        return ConfigRun(p_Choice, p_Settings, p_Output).Run();
+    if (p_Fault)
+        return Fail(*p_Fault, p_Output);
+    switch (p_Choice.Chosen) {
+    case Choice::Command::Pause:
+        return Send(p_Settings.File(), ControlMessage::Type::Pause, p_Output);
+    case Choice::Command::Resume:
+        return Send(p_Settings.File(), ControlMessage::Type::Resume, p_Output);
+    default:
+        return Program(p_Choice, p_Settings, p_Output).Run();
+    }
+}
+
+/// What did not get to who asked for it was not done. \return the exit status
+int Conclude(int p_Status, Console& p_Console)
+{
+    QString const why = Programs::StandardStreams::WhyLost();
+    if (why.isEmpty())
+        return p_Status;
+    p_Console.Error(QStringLiteral("the results cannot be written (%1)").arg(why),
+                    QStringLiteral("give standard output another place"));
+    return p_Status == EXIT_SUCCESS ? EXIT_FAILURE : p_Status;
+}
+
+int Run(Choice p_Choice, QStringList const& p_Arguments)
 {
     if (p_Choice.Options.SettingsFile.isEmpty())
         p_Choice.Options.SettingsFile = HostOptions::DefaultSettingsFile();
@@ -42,21 +108,10 @@ int Run(Choice p_Choice)
     std::unique_ptr<Presenter> presenter = std::make_unique<TextPresenter>(console);
     if (p_Choice.Json)
         presenter = std::make_unique<JsonPresenter>(console);
-
-    if (auto const& failure = settings.ReadFailure())
-        return Fail(*failure, *presenter);
-    if (p_Choice.Chosen == Choice::Command::Config)
-        return ConfigRun(p_Choice, settings, *presenter).Run();
-    if (fault)
-        return Fail(*fault, *presenter);
-    switch (p_Choice.Chosen) {
-    case Choice::Command::Pause:
-        return Send(settings.File(), ControlMessage::Type::Pause, *presenter);
-    case Choice::Command::Resume:
-        return Send(settings.File(), ControlMessage::Type::Resume, *presenter);
-    default:
-        return Program(p_Choice, settings, *presenter).Run();
-    }
+    WriteBeginning(p_Choice, p_Arguments);
+    int const status = Conclude(RunCommand(p_Choice, settings, fault, *presenter), console);
+    MessageLog::Write(QStringLiteral("exit status: %1").arg(status));
+    return status;
 }
 
 } // namespace
@@ -65,17 +120,20 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
 {
     CommandParser parser;
     Choice choice;
+    Console console(Color::Auto, false);
     try {
         choice = parser.Parse(p_Count, p_Arguments);
     } catch (CLI::Success const& help) {
-        return parser.Exit(help);
+        Programs::StandardStreams::Write(stdout, parser.Answer(help));
+        return Conclude(EXIT_SUCCESS, console);
     } catch (CLI::ParseError const& error) {
-        Console(Color::Auto, false)
-            .Error(QString::fromUtf8(error.what()),
-                   QStringLiteral("\"varnholt-host --help\" lists commands and options"));
+        console.Error(OptionText::Hidden(QString::fromUtf8(error.what())), parser.Remedy());
         return c_UsageStatus;
     }
-    return Run(std::move(choice));
+    QStringList arguments;
+    for (int i = 1; i < p_Count; ++i)
+        arguments += QString::fromUtf8(p_Arguments[i]);
+    return Run(std::move(choice), arguments);
 }
 
 } // namespace Varnholt::Host

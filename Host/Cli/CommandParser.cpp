@@ -1,7 +1,7 @@
 #include "Host/Cli/CommandParser.hpp"
 
 #include "Host/Cli/ConfigCommand.hpp"
-#include "Host/Core/Failures/ExitStatus.hpp"
+#include "Host/Cli/OptionText.hpp"
 
 #include <QDir>
 #include <QVariant>
@@ -29,11 +29,23 @@ CLI::Validator NotEmpty()
     return {WhyNotText, ""};
 }
 
-/// "limit-rate" is VARNHOLT_LIMIT_RATE.
-std::string VariableOf(KeptOption const& p_Option)
+/// "--limit-rate" and "-l,--limit-rate" are VARNHOLT_LIMIT_RATE.
+std::string VariableOf(std::string const& p_Names)
 {
-    QString const name = QString::fromLatin1(p_Option.Name).toUpper();
+    QString const name = Text(p_Names).section(QStringLiteral("--"), -1).toUpper();
     return "VARNHOLT_" + QString(name).replace(QLatin1Char('-'), QLatin1Char('_')).toStdString();
+}
+
+/// The parser itself takes more words for yes and no than are told.
+CLI::Option* AddFlag(CLI::App& p_App, std::string const& p_Names, bool& p_Place,
+                     std::string const& p_Help)
+{
+    auto const check = [](std::string const& p_Text) {
+        return OptionText::WhyNotYesOrNo(Text(p_Text)).toStdString();
+    };
+    return p_App.add_flag(p_Names, p_Place, p_Help)
+        ->check(CLI::Validator(check, ""))
+        ->envname(VariableOf(p_Names));
 }
 
 /// The help shows the choices behind the name of the value.
@@ -47,16 +59,14 @@ CLI::Validator CheckOf(KeptOption const& p_Option)
             choices.isEmpty() ? std::string() : '{' + choices.toStdString() + '}'};
 }
 
-std::string ExitStatuses()
+/// Whether an option stands on the command line, where it is before the environment.
+QString OriginOf(std::string const& p_Option, int p_Count, char const* const* p_Arguments)
 {
-    constexpr std::size_t c_Column = 5;
-
-    std::string lines = "Exit status:\n";
-    for (ExitStatus const& row : c_ExitStatuses) {
-        std::string const status = std::to_string(row.Status);
-        lines += "  " + status + std::string(c_Column - status.size(), ' ') + row.Meaning + "\n";
-    }
-    return lines;
+    bool const isArgument =
+        std::any_of(p_Arguments, p_Arguments + p_Count, [&](std::string const& p_Argument) {
+            return p_Argument.substr(0, p_Argument.find('=')) == p_Option;
+        });
+    return isArgument ? QStringLiteral("command line") : QStringLiteral("environment");
 }
 
 /// The session changes the current folder.
@@ -89,7 +99,7 @@ CLI::App* CommandParser::Add(std::string const& p_Name, std::string const& p_Hel
 {
     CLI::App* const command = Program.add_subcommand(p_Name, p_Help);
     std::string const example = Program.get_name() + " " + p_Example;
-    command->footer("Example:\n  " + example + "\n");
+    command->footer(OptionsOfAll() + "Example:\n  " + example + "\n");
     Commands.push_back({command, example, std::move(p_Choose)});
     return command;
 }
@@ -106,12 +116,10 @@ void CommandParser::AddOptions()
     for (KeptOption const& option : KeptOption::All())
         AddKeptOption(option);
     RefusePassword();
-    Program.add_flag("-y,--yes", Yes, "Answer every question with yes")->envname("VARNHOLT_YES");
-    Program.add_flag("--json", Json, "Write one JSON object per line, for programs")
-        ->envname("VARNHOLT_JSON");
-    Program.add_flag("-q,--quiet", Quiet, "Show results and failures only")
-        ->envname("VARNHOLT_QUIET");
-    Program.add_flag("-v,--verbose", Verbose, "Show the module's log")->envname("VARNHOLT_VERBOSE");
+    AddFlag(Program, "-y,--yes", Yes, "Answer every question with yes");
+    AddFlag(Program, "--json", Json, "Write one JSON object per line, for programs");
+    AddFlag(Program, "-q,--quiet", Quiet, "Show results and failures only");
+    AddFlag(Program, "-v,--verbose", Verbose, "Show the module's log");
 }
 
 void CommandParser::AddKeptOption(KeptOption const& p_Option)
@@ -120,12 +128,12 @@ void CommandParser::AddKeptOption(KeptOption const& p_Option)
     value.Name = QString::fromLatin1(p_Option.Name);
     std::string const name = std::string("--") + p_Option.Name;
     if (p_Option.IsFlag())
-        value.Option = Program.add_flag(name, value.Flag, p_Option.Help);
+        value.Option = AddFlag(Program, name, value.Flag, p_Option.Help);
     else
         value.Option = Program.add_option(name, value.Text, p_Option.Help)
                            ->check(CheckOf(p_Option))
+                           ->envname(VariableOf(name))
                            ->type_name(p_Option.Takes);
-    value.Option->envname(VariableOf(p_Option));
     if (p_Option.OfNetwork)
         value.Option->group("Network options");
 }
@@ -160,14 +168,14 @@ void CommandParser::AddRunCommands()
         ->required()
         ->check(NotEmpty())
         ->type_name("DIR");
-    Add("check", "Show what an update would fetch, and why; changes nothing", "check --quick",
-        [this](Choice& p_Choice) {
-            p_Choice.Request.Kind = RunRequest::Type::Check;
-            p_Choice.Request.Quick = Quick;
-        })
-        ->add_flag("--quick", Quick,
-                   "Compare the build with the installed one only: one small request")
-        ->envname("VARNHOLT_QUICK");
+    CLI::App* const check =
+        Add("check", "Show what an update would fetch, and why; changes nothing", "check --quick",
+            [this](Choice& p_Choice) {
+                p_Choice.Request.Kind = RunRequest::Type::Check;
+                p_Choice.Request.Quick = Quick;
+            });
+    AddFlag(*check, "--quick", Quick,
+            "Compare the build with the installed one only: one small request");
     Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
     Add("repair", "Compare every file with the build, and fetch what differs", "repair",
         run(RunRequest::Type::Repair));
@@ -211,13 +219,11 @@ void CommandParser::AddGameCommands()
             ->envname("VARNHOLT_ACCOUNT")
             ->type_name("NAME");
     CLI::Option* const remember =
-        play->add_flag("--remember", Remembers,
-                       "Ask for the password and keep it in the desktop's secret store")
-            ->envname("VARNHOLT_REMEMBER")
+        AddFlag(*play, "--remember", Remembers,
+                "Ask for the password and keep it in the desktop's secret store")
             ->needs(account);
-    play->add_flag("--forget", Forgets,
-                   "Remove the password from the desktop's secret store and ask for it")
-        ->envname("VARNHOLT_FORGET")
+    AddFlag(*play, "--forget", Forgets,
+            "Remove the password from the desktop's secret store and ask for it")
         ->needs(account)
         ->excludes(remember);
 
@@ -226,10 +232,8 @@ void CommandParser::AddGameCommands()
             p_Choice.Request.Kind = RunRequest::Type::Uninstall;
             p_Choice.Request.DeletesFiles = DeletesFiles;
         });
-    uninstall
-        ->add_flag("--delete-files", DeletesFiles,
-                   "Delete the game's files too; what is not of the game stays")
-        ->envname("VARNHOLT_DELETE_FILES");
+    AddFlag(*uninstall, "--delete-files", DeletesFiles,
+            "Delete the game's files too; what is not of the game stays");
 }
 
 void CommandParser::AddControlCommands()
@@ -242,26 +246,28 @@ void CommandParser::AddControlCommands()
         Add("config", "List, show or change what the settings file keeps of the options",
             "config content-url http://content.example.net/", [this](Choice& p_Choice) {
                 p_Choice.Chosen = Choice::Command::Config;
+                p_Choice.ConfigList = ConfigList;
                 p_Choice.ConfigKey = Text(ConfigKey);
                 if (ConfigValueOption->count() > 0)
                     p_Choice.ConfigValue = QLatin1String("") + Text(ConfigValue);
             });
-    config
-        ->add_option("key", ConfigKey,
-                     "One of: " + ConfigCommand::Keys().join(QStringLiteral(", ")).toStdString() +
-                         "; content-password is asked for, or read from standard input")
-        ->type_name("KEY");
+    CLI::Option* const key =
+        config
+            ->add_option(
+                "key", ConfigKey,
+                "One of: " + ConfigCommand::Keys().join(QStringLiteral(", ")).toStdString() +
+                    "; content-password is asked for, or read from standard input")
+            ->type_name("KEY");
     ConfigValueOption =
         config->add_option("value", ConfigValue, "The new value; an empty one removes it")
             ->type_name("VALUE");
-}
-
-std::string CommandParser::Example(std::string const& p_Command) const
-{
-    for (Command const& command : Commands)
-        if (command.App->get_name() == p_Command)
-            return command.Example;
-    return {};
+    config
+        ->add_flag("--list", ConfigList,
+                   "List every option with the value in force and where that comes from")
+        ->excludes(key);
+    Add("help", "Explain the program, or a command", "help install", [](Choice&) {})
+        ->add_option("command", Topic, "The command to explain")
+        ->type_name("COMMAND");
 }
 
 int CommandParser::TakeGameArguments(int p_Count, char const* const* p_Arguments)
@@ -284,6 +290,7 @@ Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
     Program.parse(TakeGameArguments(p_Count, p_Arguments), p_Arguments);
     if (Program.get_subcommands().empty())
         throw CLI::RequiredError("A command");
+    Explain();
     Choice choice;
     choice.Chosen = Choice::Command::Run;
     for (Command const& command : Commands)
@@ -291,9 +298,10 @@ Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
             command.Choose(choice);
     for (Value const& value : Kept)
         if (value.Option->count() > 0)
-            choice.Given[value.Name] = value.Text.empty()
-                                           ? QVariant(value.Flag).toString() // "true" or "false"
-                                           : Text(value.Text);
+            choice.Given[value.Name] = {
+                value.Text.empty() ? QVariant(value.Flag).toString() // "true" or "false"
+                                   : Text(value.Text),
+                OriginOf("--" + value.Name.toStdString(), p_Count, p_Arguments)};
     choice.Options.SettingsFile = Absolute(Settings);
     choice.Request.Confirmed = Yes;
     choice.Json = Json;

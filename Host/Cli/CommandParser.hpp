@@ -20,8 +20,10 @@ public:
 
     /// Throws what CLI11 throws.
     Choice Parse(int p_Count, char const* const* p_Arguments);
-    /// Prints help or version. \return the exit status
-    int Exit(CLI::Success const& p_Help) { return Program.exit(p_Help); }
+    /// The help or version that was asked for, lines.
+    QString Answer(CLI::Success const& p_Help) const;
+    /// What to do about a command line that could not be understood: the word perhaps meant.
+    QString Remedy() const;
 
     /// Every command and option with its help.
     CLI::App const& Model() const { return Program; }
@@ -52,6 +54,9 @@ private:
     void AddLocaleCommands();
     void AddGameCommands();
     void AddControlCommands();
+    static std::string ExitStatuses();
+    std::string OptionsOfAll() const;
+    void Explain();
 
     /// Takes what "play" leaves to the game, which may look like options of this program.
     /// \return how many words stand before it
@@ -62,10 +67,11 @@ private:
     std::deque<Value> Kept; ///< the parser holds on to their places
     std::string Settings, Folder, Code, Account;
     QStringList GameArguments;
-    std::string ConfigKey, ConfigValue;
+    std::string ConfigKey, ConfigValue, Topic;
+    CLI::App const* Explained = nullptr; ///< whose help was asked for by a command
     CLI::Option* ConfigValueOption = nullptr;
     bool Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;
-    bool DeletesFiles = false, Remembers = false, Forgets = false;
+    bool DeletesFiles = false, Remembers = false, Forgets = false, ConfigList = false;
 };
 
 } // namespace Varnholt::Host

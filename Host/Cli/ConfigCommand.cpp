@@ -1,6 +1,8 @@
 #include "Host/Cli/ConfigCommand.hpp"
 
 #include "Host/Cli/KeptOption.hpp"
+#include "Host/Cli/OptionText.hpp"
+#include "Host/Cli/Suggestion.hpp"
 
 #include <QDir>
 
@@ -9,6 +11,9 @@
 namespace Varnholt::Host::ConfigCommand {
 
 namespace {
+
+constexpr char c_ServerVariable[] = "VARNHOLT_CONTENT_BASE_URL";
+QString const c_PasswordShown = QStringLiteral("(set)");
 
 QString StoreKey(QString const& p_Key)
 {
@@ -34,19 +39,33 @@ std::optional<Failure> FaultOf(QString const& p_Key, QString const& p_Value)
     return Failure{FailureKind::OptionInvalid, p_Key, why};
 }
 
-/// A name is meant in the folder in which it is given, not in that of a later run.
+Failure UnknownKey(QString const& p_Key)
+{
+    QString const suggestion = Suggestion(p_Key, Keys());
+    return {FailureKind::OptionUnknown, p_Key,
+            suggestion.isEmpty()
+                ? QStringLiteral("choose one of: ") + Keys().join(QStringLiteral(", "))
+                : suggestion};
+}
+
+/// A name is meant in the folder in which it is given, not in that of a later run; of the words for
+/// yes and no one is kept.
 QString ToKeep(QString const& p_Key, QString const& p_Value)
 {
     auto const option = OptionOf(p_Key);
-    return option && option->IsFile() ? QDir::cleanPath(QDir::current().absoluteFilePath(p_Value))
-                                      : p_Value;
+    if (option && option->IsFile())
+        return QDir::cleanPath(QDir::current().absoluteFilePath(p_Value));
+    if (option && option->IsFlag())
+        return QVariant(OptionText::YesOrNo(p_Value).value_or(false)).toString();
+    return p_Value;
 }
 
-/// The variable that the module reads by itself stands above the settings too.
-bool IsGivenOtherwise(KeptOption const& p_Option)
+/// The variable that the module reads by itself; it stands above the settings too.
+QString ModulesServer(KeptOption const& p_Option)
 {
-    return QLatin1String(p_Option.Name) == QLatin1String("content-url") &&
-           !qEnvironmentVariableIsEmpty("VARNHOLT_CONTENT_BASE_URL");
+    return QLatin1String(p_Option.Name) == QLatin1String("content-url")
+               ? qEnvironmentVariable(c_ServerVariable)
+               : QString();
 }
 
 /// Of the content server. The environment is the game's too, to which it is no use.
@@ -78,13 +97,13 @@ QString Value(HostSettings const& p_Settings, QString const& p_Key)
 QString Shown(HostSettings const& p_Settings, QString const& p_Key)
 {
     QString const value = Value(p_Settings, p_Key);
-    return p_Key == QLatin1String(c_Password) && !value.isEmpty() ? QStringLiteral("(set)") : value;
+    return p_Key == QLatin1String(c_Password) && !value.isEmpty() ? c_PasswordShown : value;
 }
 
 std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QString const& p_Value)
 {
     if (!Keys().contains(p_Key))
-        return Failure{FailureKind::OptionUnknown, p_Key, Keys().join(QStringLiteral(", "))};
+        return UnknownKey(p_Key);
     if (auto fault = FaultOf(p_Key, p_Value))
         return fault;
     if (p_Value.isEmpty())
@@ -104,18 +123,44 @@ QStringList SetKeys(HostSettings const& p_Settings)
     return keys;
 }
 
+GivenOption InForce(Choice const& p_Choice, HostSettings const& p_Settings, QString const& p_Key)
+{
+    QString const kept = Shown(p_Settings, p_Key);
+    GivenOption const ofSettings{kept, QStringLiteral("settings file")};
+    QString const environment = QStringLiteral("environment");
+    auto const option = OptionOf(p_Key);
+    if (!option) { // the variable is gone by now
+        QString const password = p_Choice.Options.ContentPassword;
+        if (password.isEmpty())
+            return {{}, QStringLiteral("default")};
+        return password == Value(p_Settings, p_Key) ? ofSettings
+                                                    : GivenOption{c_PasswordShown, environment};
+    }
+    if (p_Choice.Given.contains(p_Key))
+        return p_Choice.Given[p_Key];
+    if (QString const server = ModulesServer(*option); !server.isEmpty())
+        return {server, environment};
+    return kept.isEmpty() ? GivenOption{option->Default(), QStringLiteral("default")} : ofSettings;
+}
+
 std::optional<Failure> Complete(Choice& p_Choice, HostSettings const& p_Settings)
 {
     std::optional<Failure> failure;
+    auto const note = [&failure](std::optional<Failure> const& p_Fault) {
+        if (!failure)
+            failure = p_Fault;
+        return p_Fault.has_value();
+    };
     for (KeptOption const& option : KeptOption::All()) {
         QString const name = QLatin1String(option.Name);
-        QString text = p_Choice.Given.value(name);
-        if (text.isEmpty() && !IsGivenOtherwise(option)) {
-            auto const fault = FaultOf(name, Value(p_Settings, name));
-            if (!fault)
-                text = Value(p_Settings, name);
-            else if (!failure)
-                failure = fault;
+        QString text = p_Choice.Given.value(name).Text;
+        QString const server = ModulesServer(option);
+        if (text.isEmpty() && !server.isEmpty()) {
+            QString const why = option.Fault(server);
+            if (!why.isEmpty())
+                note(Failure{FailureKind::OptionInvalid, QLatin1String(c_ServerVariable), why});
+        } else if (text.isEmpty() && !note(FaultOf(name, Value(p_Settings, name)))) {
+            text = Value(p_Settings, name);
         }
         if (!text.isEmpty())
             option.Apply(p_Choice, text);

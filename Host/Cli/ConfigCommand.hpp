@@ -27,6 +27,10 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
 /// The keys that are set.
 QStringList SetKeys(HostSettings const& p_Settings);
 
+/// What holds for a key, for people as `Shown()` has it, and whether the command line, the
+/// environment, the settings file or nobody has said so. \param p_Choice completed
+GivenOption InForce(Choice const& p_Choice, HostSettings const& p_Settings, QString const& p_Key);
+
 /// Fills in what is kept, where neither the command line nor the environment gives anything.
 /// \return the first value kept that is none; the option then stays as it was
 std::optional<Failure> Complete(Choice& p_Choice, HostSettings const& p_Settings);

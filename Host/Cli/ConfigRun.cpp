@@ -32,11 +32,16 @@ int ConfigRun::Run()
 std::optional<Failure> ConfigRun::Show()
 {
     QString const& key = Chosen.ConfigKey;
-    if (key.isEmpty())
+    if (Chosen.ConfigList) {
+        for (QString const& one : ConfigCommand::Keys()) {
+            GivenOption const option = ConfigCommand::InForce(Chosen, Settings, one);
+            Output.ShowOption(one, option.Text, option.Origin, true);
+        }
+    } else if (key.isEmpty())
         for (QString const& one : ConfigCommand::SetKeys(Settings))
-            Output.ShowOption(one, ConfigCommand::Shown(Settings, one), true);
+            Output.ShowOption(one, ConfigCommand::Shown(Settings, one), {}, true);
     else if (ConfigCommand::Keys().contains(key))
-        Output.ShowOption(key, ConfigCommand::Shown(Settings, key), false);
+        Output.ShowOption(key, ConfigCommand::Shown(Settings, key), {}, false);
     else
         return ConfigCommand::Set(Settings, key, {}); // tells what is known
     return std::nullopt;

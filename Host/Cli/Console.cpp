@@ -1,5 +1,8 @@
 #include "Host/Cli/Console.hpp"
 
+#include "Programs/Printable.hpp"
+#include "Programs/StandardStreams.hpp"
+
 #include <QMutexLocker>
 
 #include <cstdio>
@@ -8,17 +11,13 @@
 
 namespace Varnholt::Host {
 
+using Programs::Printable;
+using Programs::StandardStreams::Write;
+
 namespace {
 
 constexpr char c_Red[] = "31";
 constexpr char c_Bold[] = "1";
-
-void Write(std::FILE* p_File, QString const& p_Text)
-{
-    QByteArray const bytes = p_Text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), p_File);
-    std::fflush(p_File);
-}
 
 bool IsCapable()
 {
@@ -63,27 +62,29 @@ void Console::Result(QString const& p_Line)
     QMutexLocker const lock(&OutputMutex);
     if (!Status.isEmpty())
         Write(stderr, QStringLiteral("\r\x1b[K"));
-    Write(stdout, p_Line + QLatin1Char('\n'));
+    Write(stdout, Printable(p_Line) + QLatin1Char('\n'));
     DrawStatus();
 }
 
 void Console::Note(QString const& p_Line)
 {
     if (!Quiet)
-        WriteAbove(p_Line);
+        WriteAbove(Printable(p_Line));
 }
 
-void Console::Error(QString const& p_Sentence, QString const& p_Remedy)
+void Console::Error(QString const& p_Sentence, QString const& p_Remedy, bool p_IsAlarming)
 {
-    QString line = Colored(QStringLiteral("varnholt-host: "), c_Bold) + Colored(p_Sentence, c_Red);
+    QString const sentence = Printable(p_Sentence);
+    QString line = Colored(QStringLiteral("varnholt-host: "), c_Bold) +
+                   (p_IsAlarming ? Colored(sentence, c_Red) : sentence);
     if (!p_Remedy.isEmpty())
-        line += QStringLiteral("; ") + p_Remedy;
-    WriteAbove(line + QLatin1Char('.'));
+        line += QStringLiteral("; ") + Printable(p_Remedy);
+    WriteAbove(line.endsWith(QLatin1Char('?')) ? line : line + QLatin1Char('.'));
 }
 
 void Console::Log(QString const& p_Line)
 {
-    WriteAbove(p_Line);
+    WriteAbove(Printable(p_Line));
 }
 
 void Console::ShowStatus(QString const& p_Line)
@@ -91,7 +92,7 @@ void Console::ShowStatus(QString const& p_Line)
     QMutexLocker const lock(&OutputMutex);
     if (!Redraws || (Status.isEmpty() && p_Line.isEmpty()))
         return;
-    Status = p_Line;
+    Status = Printable(p_Line);
     if (Status.isEmpty())
         Write(stderr, QStringLiteral("\r\x1b[K"));
     DrawStatus();

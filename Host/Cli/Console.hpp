@@ -7,8 +7,9 @@
 
 namespace Varnholt::Host {
 
-/// The program's output: results on standard output, everything else on standard error. A line that
-/// is redrawn in place, the progress of a run, gives way to the others. Any thread.
+/// The program's output: results on standard output, everything else on standard error, and all of
+/// it printable. A line that is redrawn in place, the progress of a run, gives way to the others.
+/// Any thread.
 class Console {
 public:
     Console(Color p_Colors, bool p_Quiet);
@@ -21,7 +22,8 @@ public:
     /// What a user may want to know; nothing in quiet mode.
     void Note(QString const& p_Line);
     /// A failure: what happened, without a full stop, and what to do about it.
-    void Error(QString const& p_Sentence, QString const& p_Remedy);
+    /// \param p_IsAlarming false when it is only an answer
+    void Error(QString const& p_Sentence, QString const& p_Remedy, bool p_IsAlarming = true);
     /// Of the log that the user has asked for.
     void Log(QString const& p_Line);
     /// Redraws the progress line, cut to the terminal's width; empty: takes it away.

@@ -106,9 +106,13 @@ void JsonPresenter::ShowLocale(QString const& p_Locale)
     Write("locale", {{QStringLiteral("locale"), p_Locale}});
 }
 
-void JsonPresenter::ShowOption(QString const& p_Key, QString const& p_Value, bool /*p_IsListed*/)
+void JsonPresenter::ShowOption(QString const& p_Key, QString const& p_Value,
+                               QString const& p_Origin, bool /*p_IsListed*/)
 {
-    Write("option", {{QStringLiteral("key"), p_Key}, {QStringLiteral("value"), p_Value}});
+    QJsonObject object{{QStringLiteral("key"), p_Key}, {QStringLiteral("value"), p_Value}};
+    if (!p_Origin.isEmpty())
+        object.insert(QStringLiteral("origin"), p_Origin);
+    Write("option", object);
 }
 
 void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
@@ -145,7 +149,7 @@ QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
     return object;
 }
 
-void JsonPresenter::ShowNotice(QString const& p_Text)
+void JsonPresenter::WriteNotice(QString const& p_Text)
 {
     Write("notice", {{QStringLiteral("text"), p_Text}});
 }
@@ -176,7 +180,7 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
     Write("result", result);
 }
 
-void JsonPresenter::ShowFailure(Failure const& p_Failure)
+void JsonPresenter::WriteFailure(Failure const& p_Failure)
 {
     Write("error", {{QStringLiteral("error"), p_Failure.Identifier()},
                     {QStringLiteral("subject"), p_Failure.Subject},

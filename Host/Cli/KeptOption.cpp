@@ -18,7 +18,7 @@ QString Absolute(QString const& p_Name)
 
 bool IsTrue(QString const& p_Text)
 {
-    return p_Text == QLatin1String("true");
+    return OptionText::YesOrNo(p_Text).value_or(false);
 }
 
 Color ColorsNamed(QString const& p_Name)
@@ -29,80 +29,81 @@ Color ColorsNamed(QString const& p_Name)
 }
 
 constexpr KeptOption c_Table[] = {
-    {"module", "FILE", nullptr, false, "Module to load (default: the one beside this program)",
+    {"module", "FILE", nullptr, "", false, "Module to load (default: the one beside this program)",
      nullptr,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.ModuleFile = Absolute(p_Text);
      }},
-    {"content-url", "URL", nullptr, true,
+    {"content-url", "URL", nullptr, "", true,
      "Content server instead of the module's own, http://HOST[:PORT]/ or https",
      OptionText::WhyNotServer,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.ContentUrl = p_Text; }},
-    {"content-user", "NAME", nullptr, true,
+    {"content-user", "NAME", nullptr, "", true,
      "User at the content server; \"config content-password\" keeps the password, unless "
      "VARNHOLT_CONTENT_PASSWORD holds it",
      OptionText::WhyNotUser,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.ContentUser = p_Text; }},
-    {"netrc-file", "FILE", nullptr, true,
+    {"netrc-file", "FILE", nullptr, "~/.netrc", true,
      "Users and passwords at servers that it names (default: ~/.netrc)", OptionText::WhyNotReadable,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.NetrcFile = Absolute(p_Text);
      }},
-    {"limit-rate", "RATE", nullptr, true,
+    {"limit-rate", "RATE", nullptr, "0", true,
      "Bytes per second that content may arrive with, such as 500k, 2M or 1.5MiB (default: 0, no "
      "limit); \"config limit-rate\" changes it for a download under way",
      OptionText::WhyNotRate,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.BytesPerSecond = OptionText::Rate(p_Text).value_or(0);
      }},
-    {"connections", "N", nullptr, true,
+    {"connections", "N", nullptr, "4", true,
      "Connections that bring content at the same time, 1 to 64 (default: 4)",
      OptionText::WhyNotConnections,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.Connections = p_Text.toInt();
      }},
-    {"retry-for", "TIME", nullptr, true,
+    {"retry-for", "TIME", nullptr, "10m", true,
      "How long servers are asked again while no byte arrives, such as 90s, 10m or 2h; 0: for ever "
      "(default: 10m)",
      OptionText::WhyNotTime,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.RetryForMilliseconds = OptionText::Milliseconds(p_Text).value_or(0);
      }},
-    {"connect-timeout", "TIME", nullptr, true,
+    {"connect-timeout", "TIME", nullptr, "15s", true,
      "How long it may take to connect to a server (default: 15s)", OptionText::WhyNotTimeout,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.ConnectMilliseconds = OptionText::Milliseconds(p_Text).value_or(0);
      }},
-    {"ca-file", "FILE", nullptr, true,
+    {"ca-file", "FILE", nullptr, "", true,
      "Certificates of the authorities to trust, in PEM form (default: the system's)",
      OptionText::WhyNotCertificates,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.CaFile = Absolute(p_Text); }},
-    {"proxy", "URL", nullptr, true,
+    {"proxy", "URL", nullptr, "", true,
      "Proxy to all servers, [SCHEME://]HOST[:PORT] (default: what the environment names)",
      OptionText::WhyNotProxy,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.Proxy = p_Text; }},
-    {"https-mirrors", nullptr, "true,false", true, "Ask every mirror by https", nullptr,
+    {"https-mirrors", nullptr, "true,false", "false", true, "Ask every mirror by https",
+     OptionText::WhyNotYesOrNo,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.HttpsMirrors = IsTrue(p_Text);
      }},
-    {"offline", nullptr, "true,false", true,
-     "Ask no server, go on from what is kept of the latest run", nullptr,
+    {"offline", nullptr, "true,false", "false", true,
+     "Ask no server, go on from what is kept of the latest run", OptionText::WhyNotYesOrNo,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.Offline = IsTrue(p_Text); }},
-    {"dev-channel", nullptr, "true,false", false, "Use the build of the development channel",
-     nullptr,
+    {"dev-channel", nullptr, "true,false", "false", false,
+     "Use the build of the development channel", OptionText::WhyNotYesOrNo,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.UseDevChannel = IsTrue(p_Text);
      }},
-    {"wrapper", "COMMAND", nullptr, false,
+    {"wrapper", "COMMAND", nullptr, "", false,
      "Program that the game is started with, and its arguments, quoted as for a shell: \"wine\"",
      OptionText::WhyNotCommand,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.Wrapper = OptionText::Words(p_Text).value_or(QStringList());
      }},
-    {"log-file", "FILE", nullptr, false, "Append the module's log to a file", nullptr,
+    {"log-file", "FILE", nullptr, "", false, "Append the module's log to a file", nullptr,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.LogFile = Absolute(p_Text); }},
-    {"color", "WHEN", "auto,always,never", false, "Colours: auto, always or never (default: auto)",
-     nullptr,
+    {"color", "WHEN", "auto,always,never", "auto", false,
+     "Colours: auto, always or never (default: auto)", nullptr,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Colors = ColorsNamed(p_Text); }},
 };
 
@@ -115,11 +116,20 @@ QStringList KeptOption::Choices() const
 
 QString KeptOption::Fault(QString const& p_Text) const
 {
-    QStringList const choices = Choices();
+    QStringList const choices = IsFlag() ? QStringList() : Choices();
     if (!choices.isEmpty() && !choices.contains(p_Text))
         return QStringLiteral("\"%1\" is none of: %2")
             .arg(p_Text, choices.join(QStringLiteral(", ")));
     return WhyNot == nullptr ? QString() : WhyNot(p_Text);
+}
+
+QString KeptOption::Default() const
+{
+    if (QLatin1String(Name) == QLatin1String("module"))
+        return HostOptions::DefaultModuleFile();
+    if (QLatin1String(Name) == QLatin1String("content-url"))
+        return HostOptions().ContentServer();
+    return QString::fromLatin1(Otherwise);
 }
 
 std::vector<KeptOption> KeptOption::All()

@@ -61,6 +61,17 @@ std::optional<quint64> Rate(QString const& p_Text)
     return static_cast<quint64>(rate);
 }
 
+std::optional<bool> YesOrNo(QString const& p_Text)
+{
+    static QStringList const yes{QStringLiteral("true"), QStringLiteral("yes"), QStringLiteral("y"),
+                                 QStringLiteral("on"), QStringLiteral("1")};
+    static QStringList const no{QStringLiteral("false"), QStringLiteral("no"), QStringLiteral("n"),
+                                QStringLiteral("off"), QStringLiteral("0")};
+
+    bool const isYes = yes.contains(p_Text, Qt::CaseInsensitive);
+    return isYes || no.contains(p_Text, Qt::CaseInsensitive) ? std::optional(isYes) : std::nullopt;
+}
+
 std::optional<int> Milliseconds(QString const& p_Text)
 {
     constexpr double c_Second = 1000;
@@ -101,6 +112,13 @@ std::optional<QStringList> Words(QString const& p_Text)
             words.last() += match.captured(match.lastCapturedIndex());
     }
     return end == p_Text.size() ? std::make_optional(words) : std::nullopt;
+}
+
+QString WhyNotYesOrNo(QString const& p_Text)
+{
+    return YesOrNo(p_Text) ? QString()
+                           : Quoted(p_Text) + QStringLiteral(" is neither true (yes, on, 1) nor "
+                                                             "false (no, off, 0)");
 }
 
 QString WhyNotRate(QString const& p_Text)
@@ -204,6 +222,16 @@ QString WhyNotCertificates(QString const& p_File)
     if (header.match(QString::fromLatin1(file.readAll())).hasMatch())
         return {};
     return QStringLiteral("the file %1 holds no certificate in PEM form").arg(p_File);
+}
+
+QString Hidden(QString p_Text)
+{
+    static QRegularExpression const inUrl(QStringLiteral("([a-zA-Z][\\w+.-]*://).*@"),
+                                          QRegularExpression::DotMatchesEverythingOption);
+    static QRegularExpression const before(QStringLiteral("[^\\s=\"/@]+:(?!//)\\S.*@"),
+                                           QRegularExpression::DotMatchesEverythingOption);
+
+    return p_Text.replace(inUrl, QStringLiteral("\\1***@")).replace(before, QStringLiteral("***@"));
 }
 
 } // namespace Varnholt::Host::OptionText

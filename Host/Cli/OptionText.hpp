@@ -13,12 +13,15 @@ namespace Varnholt::Host::OptionText {
 
 /// Bytes per second: "500k", "2M" or "1.5MiB"; a kilobyte has 1024 bytes.
 std::optional<quint64> Rate(QString const& p_Text);
+/// The same words wherever something is answered by yes or no, in any case of letters.
+std::optional<bool> YesOrNo(QString const& p_Text);
 /// Of "90", "90s", "10m" or "2h"; at most 500 hours.
 std::optional<int> Milliseconds(QString const& p_Text);
 /// The words of a command, split and unquoted as a shell does it, which replaces nothing in them;
 /// nothing when a quote does not end.
 std::optional<QStringList> Words(QString const& p_Text);
 
+QString WhyNotYesOrNo(QString const& p_Text);
 QString WhyNotRate(QString const& p_Text);
 QString WhyNotTime(QString const& p_Text);
 /// Refuses no time at all too.
@@ -33,5 +36,8 @@ QString WhyNotCommand(QString const& p_Text);
 QString WhyNotReadable(QString const& p_File);
 /// Of the name of a file with certificates.
 QString WhyNotCertificates(QString const& p_File);
+
+/// A text to be told, with "***" for what may be user and password before an "@" in it.
+QString Hidden(QString p_Text);
 
 } // namespace Varnholt::Host::OptionText

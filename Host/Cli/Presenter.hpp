@@ -11,7 +11,7 @@
 
 namespace Varnholt::Host {
 
-/// Tells what a command does and comes to, in one form or another.
+/// Tells what a command does and comes to, in one form or another; the log file is told too.
 class Presenter {
 public:
     virtual ~Presenter() = default;
@@ -19,15 +19,21 @@ public:
     virtual void ShowInfo(ModuleInfo const& p_Info) = 0;
     virtual void ShowStatus(InstallStatus const& p_Status) = 0;
     virtual void ShowLocale(QString const& p_Locale) = 0;
+    /// \param p_Origin who gives it; empty when that was not asked
     /// \param p_IsListed one of several, otherwise the one that was asked for
-    virtual void ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed) = 0;
+    virtual void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
+                            bool p_IsListed) = 0;
     virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
     /// Something that a user may want to know.
-    virtual void ShowNotice(QString const& p_Text) = 0;
+    void ShowNotice(QString const& p_Text);
     /// The findings of a run, and that it has succeeded if it has; a failure follows otherwise.
     virtual void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
                             QString const& p_Game) = 0;
-    virtual void ShowFailure(Failure const& p_Failure) = 0;
+    void ShowFailure(Failure const& p_Failure);
+
+protected:
+    virtual void WriteNotice(QString const& p_Text) = 0;
+    virtual void WriteFailure(Failure const& p_Failure) = 0;
 };
 
 } // namespace Varnholt::Host

@@ -1,6 +1,7 @@
 #include "Host/Cli/ProgressText.hpp"
 
 #include "Host/Core/Failures/ByteText.hpp"
+#include "Programs/Printable.hpp"
 
 #include <QStringList>
 
@@ -21,7 +22,7 @@ int Permille(RunSnapshot const& p_Snapshot)
     return total == 0 ? -1 : static_cast<int>(std::min(done, total) * c_Whole / total);
 }
 
-QString Figures(RunSnapshot const& p_Snapshot)
+QStringList Figures(RunSnapshot const& p_Snapshot)
 {
     QStringList figures;
     if (p_Snapshot.BytesTotal > 0)
@@ -31,7 +32,7 @@ QString Figures(RunSnapshot const& p_Snapshot)
         figures += QStringLiteral("%1/s").arg(ByteText(p_Snapshot.Rate));
     if (p_Snapshot.Remaining >= 0)
         figures += QStringLiteral("%1 left").arg(Duration(p_Snapshot.Remaining));
-    return figures.join(QStringLiteral(", "));
+    return figures;
 }
 
 /// Who serves: what has brought nothing lately is left out.
@@ -54,24 +55,64 @@ QString Seconds(qint64 p_Seconds)
                                 : QStringLiteral("%1 min ").arg(p_Seconds / c_Minute) + seconds;
 }
 
-QString WaitText(ServerWait const& p_Wait)
+QString SilenceText(ServerWait const& p_Wait)
 {
-    QString const next = p_Wait.NextAttempt > 0
-                             ? QStringLiteral("next attempt in ") + Seconds(p_Wait.NextAttempt)
-                             : QStringLiteral("next attempt under way");
-    return QStringLiteral("server silent for %1, %2 (%3: %4)")
-        .arg(Seconds(p_Wait.Silent), next, p_Wait.Server, p_Wait.Cause);
+    return QStringLiteral("silent for ") + Seconds(p_Wait.Silent);
 }
 
-/// The longest that has room: what is done matters less than what is waited for.
+QString AttemptText(ServerWait const& p_Wait)
+{
+    return QStringLiteral("server %1, next attempt %2")
+        .arg(SilenceText(p_Wait), p_Wait.NextAttempt > 0
+                                      ? QStringLiteral("in ") + Seconds(p_Wait.NextAttempt)
+                                      : QStringLiteral("under way"));
+}
+
+QString WaitText(ServerWait const& p_Wait)
+{
+    return QStringLiteral("%1 (%2: %3)").arg(AttemptText(p_Wait), p_Wait.Server, p_Wait.Cause);
+}
+
+/// The first that has room whole: half a number is a wrong one.
+QString Fitting(QStringList const& p_Lines, int p_Width)
+{
+    auto const line = std::find_if(p_Lines.begin(), p_Lines.end(),
+                                   [&](QString const& p_Line) { return p_Line.size() <= p_Width; });
+    return line == p_Lines.end() ? QString() : *line;
+}
+
+/// What is done matters less than what is waited for.
 QString WaitBar(RunSnapshot const& p_Snapshot, QString const& p_Percent, int p_Width)
 {
-    QString const wait = WaitText(*p_Snapshot.Wait);
+    ServerWait const& wait = *p_Snapshot.Wait;
     QString const phase = PhaseText(p_Snapshot.Phase) + QStringLiteral("  ");
-    for (QString const& line : {phase + p_Percent + wait, phase + wait})
-        if (line.size() <= p_Width)
-            return line;
-    return wait.left(p_Width);
+    return Fitting({phase + p_Percent + WaitText(wait), phase + WaitText(wait), WaitText(wait),
+                    AttemptText(wait), SilenceText(wait)},
+                   p_Width);
+}
+
+/// The numbers without the phase, as many as have room.
+QString NarrowBar(QString const& p_Count, QString const& p_Percent, QStringList p_Figures,
+                  int p_Width)
+{
+    QString const gap = QStringLiteral("  ");
+    QString const figures = p_Figures.join(QStringLiteral(", "));
+    QStringList lines{p_Count + gap + p_Percent + gap + figures};
+    for (; !p_Figures.isEmpty(); p_Figures.removeLast())
+        lines += p_Percent + gap + p_Figures.join(QStringLiteral(", "));
+    return Fitting(lines + QStringList(p_Percent), p_Width);
+}
+
+/// The name's end tells most.
+QString Shortened(QString const& p_File, int p_Width, bool p_Unicode)
+{
+    if (p_File.size() <= p_Width)
+        return p_File;
+    QString const mark = p_Unicode ? QString(QChar(0x2026)) : QStringLiteral("...");
+    QString end = p_File.right(p_Width - mark.size());
+    if (end.at(0).isLowSurrogate())
+        end.remove(0, 1); // half a character
+    return mark + end;
 }
 
 QString DrawnBar(int p_Permille, int p_Cells, bool p_Unicode)
@@ -110,9 +151,7 @@ QString Line(RunSnapshot const& p_Snapshot)
             file += QStringLiteral(" (%1)").arg(p_Snapshot.File);
         parts += file;
     }
-    QString const figures = Figures(p_Snapshot);
-    if (!figures.isEmpty())
-        parts += figures;
+    parts += Figures(p_Snapshot);
     if (p_Snapshot.Wait)
         parts += WaitText(*p_Snapshot.Wait);
     else if (QString const source = Source(p_Snapshot); !source.isEmpty())
@@ -125,28 +164,34 @@ QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode)
     constexpr int c_MostCells = 30;
     constexpr int c_FewestCells = 10;
 
-    QString line = PhaseText(p_Snapshot.Phase);
+    QString const phase = PhaseText(p_Snapshot.Phase);
     int const permille = Permille(p_Snapshot);
-    QString const percent = QStringLiteral(" %1 %").arg(permille / 10, 3);
+    QString const percent = QStringLiteral("%1 %").arg(permille / 10);
     if (p_Snapshot.Wait)
-        return WaitBar(p_Snapshot,
-                       permille < 0 ? QString() : percent.trimmed() + QStringLiteral("  "),
+        return WaitBar(p_Snapshot, permille < 0 ? QString() : percent + QStringLiteral("  "),
                        p_Width);
     if (permille < 0)
-        return line.left(p_Width);
-    line += QStringLiteral("  %1/%2").arg(p_Snapshot.FileNumber).arg(p_Snapshot.FileCount);
-    QString const figures = Figures(p_Snapshot);
-    QString const tail = figures.isEmpty() ? percent : percent + QStringLiteral("  ") + figures;
+        return phase.left(p_Width);
+    QString const count =
+        QStringLiteral("%1/%2").arg(p_Snapshot.FileNumber).arg(p_Snapshot.FileCount);
+    QStringList const figures = Figures(p_Snapshot);
+    QString line = phase + QStringLiteral("  ") + count;
+    QString tail = percent.rightJustified(6);
+    if (!figures.isEmpty())
+        tail += QStringLiteral("  ") + figures.join(QStringLiteral(", "));
+    if (line.size() + tail.size() > p_Width)
+        return NarrowBar(count, percent, figures, p_Width);
 
     int const room = p_Width - line.size() - tail.size() - 2;
     int const cells = std::min(c_MostCells, room);
-    line += cells < c_FewestCells
-                ? tail
-                : QStringLiteral("  ") + DrawnBar(permille, cells, p_Unicode) + tail;
+    if (cells >= c_FewestCells)
+        line += QStringLiteral("  ") + DrawnBar(permille, cells, p_Unicode);
+    line += tail;
     int const left = p_Width - line.size() - 2;
     if (!p_Snapshot.File.isEmpty() && left >= c_FewestCells)
-        line += QStringLiteral("  ") + p_Snapshot.File.right(left);
-    return line.left(p_Width);
+        line +=
+            QStringLiteral("  ") + Shortened(Programs::Printable(p_Snapshot.File), left, p_Unicode);
+    return line;
 }
 
 } // namespace Varnholt::Host::ProgressText

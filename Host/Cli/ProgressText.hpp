@@ -15,7 +15,7 @@ QString Duration(qint64 p_Seconds);
 QString Line(RunSnapshot const& p_Snapshot);
 
 /// A line of a terminal with a bar, not longer than p_Width columns. What matters less is left out
-/// when there is not enough room.
+/// when there is not enough room, a number only whole; a file's name loses its beginning.
 QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode);
 
 } // namespace Varnholt::Host::ProgressText

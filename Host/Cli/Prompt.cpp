@@ -1,6 +1,9 @@
 #include "Host/Cli/Prompt.hpp"
 
+#include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/SignalWatch.hpp"
+#include "Programs/Printable.hpp"
+#include "Programs/StandardStreams.hpp"
 
 #include <QByteArray>
 
@@ -42,8 +45,7 @@ private:
 
 void Ask(QString const& p_Question)
 {
-    std::fputs(p_Question.toUtf8().constData(), stderr);
-    std::fflush(stderr);
+    Programs::StandardStreams::Write(stderr, Programs::Printable(p_Question));
 }
 
 /// Waits for a line or its end. \return false when a signal came instead: it may come just before
@@ -100,8 +102,7 @@ bool Confirm(QString const& p_Question)
     std::optional<QString> const line = ReadLine();
     if (!line)
         std::fputc('\n', stderr); // the question's line was not ended by an answer
-    QString const answer = line.value_or(QString()).trimmed().toLower();
-    return answer == QLatin1String("y") || answer == QLatin1String("yes");
+    return OptionText::YesOrNo(line.value_or(QString()).trimmed()).value_or(false);
 }
 
 std::optional<QString> Password(QString const& p_Question)

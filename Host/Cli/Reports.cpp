@@ -76,7 +76,9 @@ QStringList Status(InstallStatus const& p_Status)
         return {QStringLiteral("%1 is not installed").arg(p_Status.Name)};
     QString state = QStringLiteral("complete");
     if (!p_Status.FolderExists)
-        state = QStringLiteral("its folder does not exist");
+        state = QStringLiteral(
+            "its folder does not exist; \"install\" with the folder that it was moved "
+            "to takes it over");
     else if (p_Status.IsUnfinished)
         state = QStringLiteral("not complete; \"update\" fetches the rest");
     else if (p_Status.Build.isEmpty())

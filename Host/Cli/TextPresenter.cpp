@@ -26,9 +26,11 @@ void TextPresenter::ShowLocale(QString const& p_Locale)
     Print({p_Locale});
 }
 
-void TextPresenter::ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed)
+void TextPresenter::ShowOption(QString const& p_Key, QString const& p_Value,
+                               QString const& p_Origin, bool p_IsListed)
 {
-    Print({p_IsListed ? QStringLiteral("%1=%2").arg(p_Key, p_Value) : p_Value});
+    QString const line = p_IsListed ? QStringLiteral("%1=%2").arg(p_Key, p_Value) : p_Value;
+    Print({p_Origin.isEmpty() ? line : QStringLiteral("%1  (%2)").arg(line, p_Origin)});
 }
 
 void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
@@ -36,7 +38,7 @@ void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     View.Show(p_Snapshot);
 }
 
-void TextPresenter::ShowNotice(QString const& p_Text)
+void TextPresenter::WriteNotice(QString const& p_Text)
 {
     Output.Note(p_Text);
 }
@@ -50,10 +52,11 @@ void TextPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
         Print(Reports::Success(p_Request, p_Result, p_Game));
 }
 
-void TextPresenter::ShowFailure(Failure const& p_Failure)
+void TextPresenter::WriteFailure(Failure const& p_Failure)
 {
     View.Clear();
-    Output.Error(p_Failure.Sentence(), p_Failure.Remedy());
+    Output.Error(p_Failure.Sentence(), p_Failure.Remedy(),
+                 p_Failure.Kind != FailureKind::UpdateAvailable);
 }
 
 void TextPresenter::Print(QStringList const& p_Lines)

@@ -15,12 +15,15 @@ public:
     void ShowInfo(ModuleInfo const& p_Info) override;
     void ShowStatus(InstallStatus const& p_Status) override;
     void ShowLocale(QString const& p_Locale) override;
-    void ShowOption(QString const& p_Key, QString const& p_Value, bool p_IsListed) override;
+    void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
+                    bool p_IsListed) override;
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
-    void ShowNotice(QString const& p_Text) override;
     void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
                     QString const& p_Game) override;
-    void ShowFailure(Failure const& p_Failure) override;
+
+protected:
+    void WriteNotice(QString const& p_Text) override;
+    void WriteFailure(Failure const& p_Failure) override;
 
 private:
     void Print(QStringList const& p_Lines);

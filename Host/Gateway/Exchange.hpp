@@ -92,7 +92,11 @@ private:
     TimePoint Turn();
     void Forget();
     bool IsOver(std::uint64_t p_Run) const { return Closing || p_Run != Run || GaveUp; }
-    void Fail(FetchProblem const& p_Problem) { Latest = p_Problem; }
+    void Fail(FetchProblem const& p_Problem)
+    {
+        Latest = p_Problem;
+        Options.OnFailure(p_Problem);
+    }
     File FileOf(std::string const& p_Path, bool p_OfDefaultServer);
     std::vector<File> FilesOf(std::vector<PlannedFile> const& p_Files);
     void SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Host/Gateway/FetchProblem.hpp"
+
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace Varnholt::Gateway {
@@ -22,6 +25,8 @@ struct GatewayOptions {
     std::chrono::milliseconds RetryPause{500};   ///< before a server is asked again; doubles
     std::chrono::milliseconds RetryFor{600'000}; ///< without a byte; 0: for ever
     std::chrono::milliseconds CopyDelay{2'000};  ///< how long `Source::ServerOrCopies` asks
+    /// Told of every try that has failed, on a thread of the gateway. Must not block, nor ask it.
+    std::function<void(FetchProblem const&)> OnFailure = [](FetchProblem const&) {};
 };
 
 } // namespace Varnholt::Gateway

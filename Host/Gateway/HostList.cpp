@@ -22,10 +22,10 @@ Url Parsed(std::string const& p_Address)
     return url;
 }
 
-std::string Piece(CURLU* p_Url, CURLUPart p_Part)
+std::string Piece(CURLU* p_Url, CURLUPart p_Part, unsigned p_Flags = 0)
 {
     char* text = nullptr;
-    if (p_Url == nullptr || curl_url_get(p_Url, p_Part, &text, 0) != CURLUE_OK)
+    if (p_Url == nullptr || curl_url_get(p_Url, p_Part, &text, p_Flags) != CURLUE_OK)
         return {};
     std::string piece(text);
     curl_free(text);
@@ -54,8 +54,7 @@ std::string AddressOf(std::string const& p_Name, bool p_Https)
     std::string address = hasScheme ? p_Name : (p_Https ? "https://" : "http://") + p_Name;
     if (address.back() != '/')
         address += '/';
-    Url const url = Parsed(address);
-    return Piece(url.get(), CURLUPART_HOST).empty() ? std::string() : address;
+    return Canonical(address);
 }
 
 } // namespace
@@ -74,6 +73,18 @@ bool Read(std::string const& p_Text, bool p_Https, std::vector<std::string>& p_A
             p_Addresses.push_back(address);
     }
     return true;
+}
+
+std::string Canonical(std::string const& p_Address)
+{
+    Url const url = Parsed(p_Address);
+    std::string host = Piece(url.get(), CURLUPART_HOST);
+    for (char& letter : host)
+        if (letter >= 'A' && letter <= 'Z')
+            letter = static_cast<char>(letter - 'A' + 'a');
+    if (host.empty() || curl_url_set(url.get(), CURLUPART_HOST, host.c_str(), 0) != CURLUE_OK)
+        return {};
+    return Piece(url.get(), CURLUPART_URL, CURLU_NO_DEFAULT_PORT);
 }
 
 std::string NameOf(std::string const& p_Address)

@@ -47,8 +47,9 @@ ServerBoard::ServerBoard(std::string const& p_ContentServer, Milliseconds p_Retr
 void ServerBoard::SetMirrors(std::vector<std::string> const& p_Addresses)
 {
     Servers.resize(1);
+    std::string const content = HostList::Canonical(Servers.front()->Address);
     for (std::string const& address : p_Addresses) {
-        if (address == Servers.front()->Address)
+        if (address == content)
             continue;
         std::shared_ptr<Server>& server = Known[address];
         if (!server)

@@ -69,13 +69,26 @@ Command CommandOf(CLI::App const& p_App)
     return command;
 }
 
+Command& CommandNamed(ProgramModel& p_Model, char const* p_Name)
+{
+    return *std::find_if(
+        p_Model.Commands.begin(), p_Model.Commands.end(),
+        [p_Name](Command const& p_One) { return p_One.Name == QLatin1String(p_Name); });
+}
+
+void AddCommandsToHelp(ProgramModel& p_Model)
+{
+    Value& topic = CommandNamed(p_Model, "help").Arguments[0].Takes;
+    topic.Kind = Value::Type::Choice;
+    for (Command const& command : p_Model.Commands)
+        topic.Choices += command.Name;
+}
+
 /// A key is the name of an option, so its values are those of that option.
 void AddValuesOfKeys(ProgramModel& p_Model)
 {
-    auto const config =
-        std::find_if(p_Model.Commands.begin(), p_Model.Commands.end(),
-                     [](Command const& p_One) { return p_One.Name == QLatin1String("config"); });
-    Argument& key = config->Arguments[0];
+    Command& config = CommandNamed(p_Model, "config");
+    Argument& key = config.Arguments[0];
     key.Takes.Kind = Value::Type::Choice;
     key.Takes.Choices = ConfigCommand::Keys();
     for (Option const& option : p_Model.Options) {
@@ -86,7 +99,7 @@ void AddValuesOfKeys(ProgramModel& p_Model)
         if (values.Name.isEmpty())
             values = {
                 QString(), Value::Type::Choice, {QStringLiteral("true"), QStringLiteral("false")}};
-        config->Arguments[1].After.append({name, values});
+        config.Arguments[1].After.append({name, values});
     }
 }
 
@@ -109,6 +122,7 @@ ProgramModel HostModel()
         model.Commands.last().Example = Text(parser.Example(app->get_name()));
     }
     AddValuesOfKeys(model);
+    AddCommandsToHelp(model);
     return model;
 }
 

@@ -1,5 +1,6 @@
 #include "Publisher/Cli/BuildProgress.hpp"
 
+#include "Programs/StandardStreams.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/Interruption.hpp"
 #include "Publisher/Failure.hpp"
@@ -61,8 +62,7 @@ void BuildProgress::Show()
     QString const line = QStringLiteral("\r%1 %2 %  %3 of %4\x1b[K")
                              .arg(Phase, QString::number(percent), ConsoleText::Bytes(read),
                                   ConsoleText::Bytes(Total));
-    std::fputs(line.toUtf8().constData(), stderr);
-    std::fflush(stderr);
+    Programs::StandardStreams::Write(stderr, line);
 }
 
 void BuildProgress::Clear()

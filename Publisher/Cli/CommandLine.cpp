@@ -1,5 +1,6 @@
 #include "Publisher/Cli/CommandLine.hpp"
 
+#include "Programs/StandardStreams.hpp"
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
@@ -12,6 +13,8 @@
 #include "Publisher/Failure.hpp"
 
 #include <CLI/CLI.hpp>
+
+#include <sstream>
 
 namespace Varnholt::Publisher {
 
@@ -32,9 +35,7 @@ int RunChosen(Commands const&... p_Commands)
     return status;
 }
 
-} // namespace
-
-int RunCommandLine(int p_Count, char const* const* p_Arguments)
+int Run(int p_Count, char const* const* p_Arguments)
 {
     CLI::App program("Publishes a game so that any web server with byte ranges can serve it",
                      "varnholt-publish");
@@ -53,7 +54,10 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
         program.parse(p_Count, p_Arguments);
         return RunChosen(build, serve, diff, verify, rules, list, rollback, prune);
     } catch (CLI::Success const& help) {
-        return program.exit(help);
+        std::ostringstream text;
+        int const status = program.exit(help, text);
+        Programs::StandardStreams::Write(stdout, QString::fromStdString(text.str()));
+        return status;
     } catch (CLI::ParseError const& error) {
         return Report(QString::fromUtf8(error.what()), Failure::c_Usage);
     } catch (Failure const& failure) {
@@ -61,6 +65,19 @@ int RunCommandLine(int p_Count, char const* const* p_Arguments)
     } catch (std::exception const& error) {
         return Report(QString::fromUtf8(error.what()), Failure::c_Other);
     }
+}
+
+} // namespace
+
+int RunCommandLine(int p_Count, char const* const* p_Arguments)
+{
+    int const status = Run(p_Count, p_Arguments);
+    QString const why = Programs::StandardStreams::WhyLost();
+    if (why.isEmpty())
+        return status;
+    int const lost =
+        Report(QStringLiteral("the results cannot be written (%1)").arg(why), Failure::c_Other);
+    return status == 0 ? lost : status;
 }
 
 } // namespace Varnholt::Publisher

@@ -1,9 +1,10 @@
 #include "Publisher/Cli/ConsoleText.hpp"
 
+#include "Programs/Printable.hpp"
+#include "Programs/StandardStreams.hpp"
+
 #include <QJsonDocument>
 #include <QLocale>
-
-#include <cstdio>
 
 namespace Varnholt::Publisher::ConsoleText {
 
@@ -11,9 +12,7 @@ namespace {
 
 void Print(FILE* p_Stream, QString const& p_Line)
 {
-    QByteArray const line = p_Line.toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), p_Stream);
-    std::fflush(p_Stream);
+    Programs::StandardStreams::Write(p_Stream, Programs::Printable(p_Line) + QLatin1Char('\n'));
 }
 
 } // namespace

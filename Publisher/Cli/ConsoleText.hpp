@@ -5,7 +5,7 @@
 
 namespace Varnholt::Publisher::ConsoleText {
 
-/// Writes one line as UTF-8, in one piece, and flushes it. Any thread.
+/// Writes one line as UTF-8, printable, in one piece, and flushes it. Any thread.
 void PrintLine(QString const& p_Line);
 void PrintErrorLine(QString const& p_Line);
 

@@ -70,6 +70,11 @@ void GatewayHostsTest::NamesBecomeMirrors_data()
                                 << QStringList("http://a.example/");
     QTest::newRow("https for all") << QByteArray("a.example b.example:444") << true
                                    << QStringList{"https://a.example/", "https://b.example:444/"};
+    QTest::newRow("doubles") << QByteArray("a.example A.Example:80 http://a.EXAMPLE/ b.example:443 "
+                                           "https://b.example:443")
+                             << false
+                             << QStringList{"http://a.example/", "http://b.example:443/",
+                                            "https://b.example/"};
     QTest::newRow("none") << QByteArray("") << false << QStringList();
     QTest::newRow("blanks only") << QByteArray(" \n ") << false << QStringList();
 }

@@ -1,7 +1,9 @@
+#include "Host/Cli/KeptOption.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
+#include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
@@ -19,7 +21,12 @@ private Q_SLOTS:
     void AnOptionIsKeptShownAndRemoved_data();
     void AnOptionIsKeptShownAndRemoved();
     void TheListHoldsWhatIsSet();
+    void EveryOptionIsListedWithItsOrigin();
+    void TheListTellsNoPassword();
+    void DefaultsAreThoseOfASession();
     void FileNamesAreKeptAbsolute();
+    void YesAndNoHaveTheSameWordsEverywhere_data();
+    void YesAndNoHaveTheSameWordsEverywhere();
     void AnUnknownKeyIsRefused();
     void ABadValueIsRefused_data();
     void ABadValueIsRefused();
@@ -96,6 +103,109 @@ void HostConfigTest::TheListHoldsWhatIsSet()
              (QStringList{"http://content.example/", "500k", "never"}));
 }
 
+void HostConfigTest::EveryOptionIsListedWithItsOrigin()
+{
+    QCOMPARE(Config({"limit-rate", "500k"}), QString());
+    QCOMPARE(Config({"color", "never"}), QString());
+    QCOMPARE(Config({"connections", "8"}), QString());
+    ScopedVariable const kept("VARNHOLT_CONNECTIONS", "16");
+    ScopedVariable const variable("VARNHOLT_OFFLINE", "1");
+    QStringList const expected{"module=" + LoadedPlugin::Path() + "  (default)",
+                               "content-url=" + Game->Server.BaseUrl() + "  (command line)",
+                               "content-user=  (default)",
+                               "content-password=  (default)",
+                               "netrc-file=~/.netrc  (default)",
+                               "limit-rate=500k  (settings file)",
+                               "connections=16  (environment)",
+                               "retry-for=90s  (command line)",
+                               "connect-timeout=15s  (default)",
+                               "ca-file=  (default)",
+                               "proxy=  (default)",
+                               "https-mirrors=true  (command line)",
+                               "offline=true  (environment)",
+                               "dev-channel=false  (default)",
+                               "log-file=  (default)",
+                               "color=never  (settings file)"};
+    QStringList const options{"--list", "--retry-for=90s", "--https-mirrors"};
+    QCOMPARE(Config(options).split('\n', Qt::SkipEmptyParts), expected);
+    JsonReport const report(Run(QStringList{"--json", "config"} + options).Out);
+    QStringList lines;
+    for (QJsonObject const& line : report.Of("option"))
+        lines += line["key"].toString() + '=' + line["value"].toString() + "  (" +
+                 line["origin"].toString() + ')';
+    QCOMPARE(lines, expected);
+    QCOMPARE(Run({"config", "--list", "color"}).Status, 2);
+}
+
+void HostConfigTest::TheListTellsNoPassword()
+{
+    QString const line = "content-password=(set)  (%1)\n";
+    Game->SetSetting("options/content-password", "S3cret");
+    QVERIFY(Config({"--list"}).contains(line.arg("settings file")));
+    ScopedVariable const variable("VARNHOLT_CONTENT_PASSWORD", "S4cret");
+    QString const list = Config({"--list"});
+    QVERIFY2(list.contains(line.arg("environment")) && !list.contains("cret\n"), qPrintable(list));
+    ScopedVariable const server("VARNHOLT_CONTENT_BASE_URL", "http://content.example/");
+    Outcome const plain =
+        HostProcess(*Game, {"--settings", Game->SettingsFile}, {"config", "--list"}).Finish();
+    QVERIFY2(plain.Out.contains("content-url=http://content.example/  (environment)\n"),
+             qPrintable(plain.Out));
+}
+
+void HostConfigTest::DefaultsAreThoseOfASession()
+{
+    Host::Choice said;
+    for (Host::KeptOption const& option : Host::KeptOption::All()) {
+        QString const value = option.Default();
+        bool const names = option.IsFile() || QLatin1String(option.Name) == "content-url";
+        QVERIFY2(value.isEmpty() || names || option.Fault(value).isEmpty(), option.Name);
+        if (!value.isEmpty() && !names)
+            option.Apply(said, value);
+    }
+    Host::Choice const plain;
+    QCOMPARE(said.Options.BytesPerSecond, plain.Options.BytesPerSecond);
+    QCOMPARE(said.Options.Connections, plain.Options.Connections);
+    QCOMPARE(said.Options.RetryForMilliseconds, plain.Options.RetryForMilliseconds);
+    QCOMPARE(said.Options.ConnectMilliseconds, plain.Options.ConnectMilliseconds);
+    QCOMPARE(said.Options.Offline, plain.Options.Offline);
+    QCOMPARE(said.Options.HttpsMirrors, plain.Options.HttpsMirrors);
+    QCOMPARE(said.Options.UseDevChannel, plain.Options.UseDevChannel);
+    QCOMPARE(said.Colors, plain.Colors);
+}
+
+void HostConfigTest::YesAndNoHaveTheSameWordsEverywhere_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<QString>("meaning");
+    for (char const* const word : {"yes", "ON"})
+        QTest::newRow(word) << word << "true";
+    for (char const* const word : {"No", "0"})
+        QTest::newRow(word) << word << "false";
+    for (char const* const word : {"enable", "t"})
+        QTest::newRow(word) << word << "";
+}
+
+void HostConfigTest::YesAndNoHaveTheSameWordsEverywhere()
+{
+    QFETCH(QString, word);
+    QFETCH(QString, meaning);
+    QString const fault = meaning.isEmpty() ? '"' + word + "\" is neither true" : QString();
+    int const status = meaning.isEmpty() ? 2 : 0;
+    auto const check = [&](Outcome const& p_Outcome) {
+        return p_Outcome.Status == status && p_Outcome.Err.contains(fault);
+    };
+    QVERIFY(check(Run({"config", "offline", word})));
+    QCOMPARE(Config({"offline"}), meaning + '\n');
+    QVERIFY(check(Run({"config", "--offline=" + word})));
+    QVERIFY(check(Run({"config", "--quiet=" + word})));
+    {
+        ScopedVariable const variable("VARNHOLT_DEV_CHANNEL", word.toUtf8());
+        QVERIFY(check(Run({"config"})));
+    }
+    Game->SetSetting("options/offline", word);
+    QVERIFY(check(Run({"status"})));
+}
+
 void HostConfigTest::FileNamesAreKeptAbsolute()
 {
     QCOMPARE(Config({"module", "./x/../mine.so"}), QString());
@@ -122,6 +232,9 @@ void HostConfigTest::AnUnknownKeyIsRefused()
         QCOMPARE(outcome.Status, 2);
     }
     QVERIFY(!QFileInfo::exists(Game->SettingsFile));
+    QCOMPARE(Run({"-q", "config", "contnt-url", "http://content.example/"}).Err,
+             QString("varnholt-host: there is no setting \"contnt-url\"; did you mean "
+                     "\"content-url\"?\n"));
 }
 
 void HostConfigTest::ABadValueIsRefused_data()
@@ -135,7 +248,6 @@ void HostConfigTest::ABadValueIsRefused_data()
     row("content-url", "ftp://content.example/");
     row("content-url", "http://content.example/?a");
     row("dev-channel", "maybe");
-    row("dev-channel", "TRUE");
     row("color", "pink");
     row("limit-rate", "fast");
     row("connections", "0");
@@ -144,7 +256,7 @@ void HostConfigTest::ABadValueIsRefused_data()
     row("ca-file", "/no such file");
     row("ca-file", "/etc/passwd");
     row("proxy", "ftp://proxy.example");
-    row("offline", "yes");
+    row("offline", "2");
 }
 
 void HostConfigTest::ABadValueIsRefused()

@@ -22,6 +22,9 @@ private Q_SLOTS:
     void AFolderThatCannotBeWrittenIsNamed();
     void AGameFolderThatCannotBeWrittenIsNotUpdated();
     void AnAbsentGameFolderIsNotCreatedAgain();
+    void AMovedGameIsFoundAgain_data();
+    void AMovedGameIsFoundAgain();
+    void WhatIsNoMovedGameIsNotTakenForOne();
     void SettingsThatCannotBeWrittenAreNamed_data();
     void SettingsThatCannotBeWrittenAreNamed();
     void AModuleThatIsNoneIsNamed_data();
@@ -130,12 +133,73 @@ void HostFolderFailuresTest::AnAbsentGameFolderIsNotCreatedAgain()
     QVERIFY(QDir(game.Folder).removeRecursively());
     for (QString const& command : {QString("update"), QString("repair"), QString("play")}) {
         Outcome const outcome = HostProcess(game, {"-q", command}).Finish();
-        QCOMPARE(outcome.Err, "varnholt-host: the installation folder " + game.Folder +
-                                  " does not exist; connect its drive, or install again.\n");
+        QCOMPARE(
+            outcome.Err,
+            "varnholt-host: the installation folder " + game.Folder +
+                " does not exist; connect its drive, or run \"install\" with the folder that it "
+                "was moved to.\n");
         QCOMPARE(outcome.Status, 7);
     }
     QVERIFY(!QFileInfo::exists(game.Folder));
     QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+}
+
+void HostFolderFailuresTest::AMovedGameIsFoundAgain_data()
+{
+    QTest::addColumn<bool>("isComplete");
+    QTest::newRow("complete") << true;
+    QTest::newRow("pending") << false;
+}
+
+void HostFolderFailuresTest::AMovedGameIsFoundAgain()
+{
+    QFETCH(bool, isComplete);
+    HostGame game;
+    game.AddFiles().Publish();
+    QCOMPARE(HostProcess(game, {"-q", "install", game.Folder}).Finish().Status, 0);
+    if (!isComplete) {
+        QVERIFY(QFile::remove(game.Path("readme.txt")));
+        game.Put("ToDownloadBase.db", "readme.txt\n");
+    }
+    QString const former = game.Folder;
+    game.Folder = game.Base + "moved/";
+    QVERIFY(QDir().rename(former, game.Folder));
+    Outcome const status = HostProcess(game, {"status"}).Finish();
+    QVERIFY2(
+        status.Out.contains("its folder does not exist; \"install\" with the folder that it was "
+                            "moved to takes it over\n"),
+        qPrintable(status.Out));
+    game.ForgetRequests();
+    Outcome const outcome = HostProcess(game, {"-q", "install", game.Folder}).Finish();
+    QCOMPARE(outcome.Err, QString());
+    QCOMPARE(outcome.Status, 0);
+    QCOMPARE(game.Requested().filter("readme").isEmpty(), isComplete);
+    QCOMPARE(game.Requested().filter("Data/").size(), 0);
+    QCOMPARE(game.Wrong(), QStringList());
+    QVERIFY(!QFileInfo::exists(former));
+    QVERIFY(HostProcess(game, {"status"}).Finish().Out.contains(game.Folder + '\n'));
+}
+
+void HostFolderFailuresTest::WhatIsNoMovedGameIsNotTakenForOne()
+{
+    HostGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QString const empty = game.Base + "empty";
+    QVERIFY(QDir().mkpath(empty));
+    QVERIFY(WriteFile(game.Base + "copy/ToDownload.db", ""));
+    QVERIFY(WriteFile(game.Base + "photos/1.jpg", ""));
+    QString const there = "the game is already installed in " + game.Folder;
+    for (bool const isThere : {true, false}) {
+        if (!isThere)
+            QVERIFY(QDir(game.Folder).removeRecursively());
+        for (char const* const name : {"empty", "photos", "copy"}) {
+            if (!isThere && QLatin1String(name) == "copy")
+                continue;
+            Outcome const outcome = HostProcess(game, {"-q", "install", name}).Finish();
+            QVERIFY2(outcome.Err.contains(there), qPrintable(outcome.Err));
+            QCOMPARE(outcome.Status, 7);
+        }
+    }
 }
 
 void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed_data()

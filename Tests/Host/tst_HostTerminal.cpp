@@ -43,6 +43,7 @@ private Q_SLOTS:
     void ATerminalThatCanNothingGetsPlainLines_data();
     void ATerminalThatCanNothingGetsPlainLines();
     void ColoursCanBeDeclined();
+    void AnUpdateIsNoFailureToTheEye();
     void CtrlCLeavesACleanLine();
     void APausedRunIsShownAsOne();
     void ThePasswordIsNotShown();
@@ -72,8 +73,7 @@ void HostTerminalTest::TheBarKeepsToTheWidthOfTheTerminal()
     HostGame game;
     QString const path = HoldWithinAFile(game);
     Terminal terminal(game, {"install", game.Folder}, {}, 40);
-    QVERIFY(terminal.WaitForLine("downloading base files"));
-    QVERIFY(terminal.WaitForLine("32 %"));
+    QVERIFY(terminal.WaitForLine("32 %  29.3 KiB of 89.9 KiB"));
     QVERIFY(terminal.Screen().last().size() < 40);
     terminal.Resize(10);
     game.Server.OpenGate(path);
@@ -151,6 +151,19 @@ void HostTerminalTest::ColoursCanBeDeclined()
     QVERIFY(!written({}, {{"NO_COLOR", "1"}}).contains("\x1b[31m"));
     QVERIFY(!written({"--color=never"}, {}).contains("\x1b[31m"));
     QVERIFY(written({"--color=always"}, {{"NO_COLOR", "1"}}).contains("\x1b[31m"));
+}
+
+void HostTerminalTest::AnUpdateIsNoFailureToTheEye()
+{
+    HostGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.SetSetting("host/pelmora_app/build", "build_0");
+    Terminal terminal(game, {"-q", "check", "--quick"});
+    QCOMPARE(terminal.Finish(), 3);
+    QVERIFY2(!terminal.Written().contains("\x1b[31m"), terminal.Written().constData());
+    QCOMPARE(terminal.Screen().first(),
+             QString("varnholt-host: an update to build build_1 fetches what differs (its size was "
+                     "not asked for); run \"update\"."));
 }
 
 void HostTerminalTest::CtrlCLeavesACleanLine()

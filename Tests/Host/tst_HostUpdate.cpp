@@ -212,7 +212,8 @@ void HostUpdateTest::ALanguageThatIsNotOfferedIsRefused()
     game.AddFiles().Publish().PutInstalled();
     for (QString const& code : {QString("deDE"), QString("frfr"), QString("x\ny")}) {
         Outcome const outcome = HostProcess(game, {"-q", "locale", code}).Finish();
-        QCOMPARE(outcome.Err, "varnholt-host: the build does not offer the language \"" + code +
+        QCOMPARE(outcome.Err, "varnholt-host: the build does not offer the language \"" +
+                                  QString(code).replace('\n', "\\n") +
                                   "\"; choose one of: enUS, frFR.\n");
         QCOMPARE(outcome.Out, QString());
         QCOMPARE(outcome.Status, 2);

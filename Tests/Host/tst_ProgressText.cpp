@@ -59,7 +59,10 @@ private Q_SLOTS:
     void ThePhaseAloneIsShownWithoutAMeasure();
     void TheBarIsNeverLongerThanTheTerminal();
     void TheFiguresOutliveTheBarOnANarrowTerminal();
+    void NumbersAreLeftOutWholeOrNotAtAll();
     void ALongFileNameLosesItsBeginning();
+    void NoHalfCharacterIsShown();
+    void WhatSteersATerminalHasItsRoomInTheBar();
     void FiguresAboveTheTotalFillTheBarAndNoMore();
     void TheBarIsDrawnInAsciiWhereNothingElseIsShown();
 };
@@ -165,7 +168,9 @@ void ProgressTextTest::OfAWaitTheServerOutlivesTheRest_data()
     QTest::addColumn<QString>("bar");
     QTest::newRow("no percentage") << 104 << "downloading base files  " + c_Wait;
     QTest::newRow("no phase") << 80 << c_Wait;
-    QTest::newRow("cut") << 20 << "server silent for 12";
+    QTest::newRow("no server") << 79 << "server silent for 12 s, next attempt in 8 s";
+    QTest::newRow("no attempt") << 42 << "silent for 12 s";
+    QTest::newRow("no half number") << 14 << "";
     QTest::newRow("nothing") << 0 << "";
 }
 
@@ -221,13 +226,54 @@ void ProgressTextTest::TheFiguresOutliveTheBarOnANarrowTerminal()
     QVERIFY2(bar.contains("25 %  25.0 MiB of 100.0 MiB, 1.0 MiB/s, 1:15 left"), qPrintable(bar));
 }
 
+void ProgressTextTest::NumbersAreLeftOutWholeOrNotAtAll()
+{
+    QString const bytes = "25 %  25.0 MiB of 100.0 MiB";
+    QStringList const shown{"downloading base files  12/312  25 %  25.0 MiB of 100.0 MiB, 1.0 "
+                            "MiB/s, 1:15 left",
+                            "12/312  " + bytes + ", 1.0 MiB/s, 1:15 left",
+                            bytes + ", 1.0 MiB/s, 1:15 left",
+                            bytes + ", 1.0 MiB/s",
+                            bytes,
+                            "25 %",
+                            ""};
+    int narrowest = 0;
+    for (int width = shown[0].size() + 1; width >= 0; --width) {
+        QString const bar = ProgressText::Bar(Download(), width, false).simplified();
+        int const place = QStringList(shown).replaceInStrings("  ", " ").indexOf(bar);
+        QVERIFY2(place >= narrowest, qPrintable(bar));
+        narrowest = place;
+    }
+    QCOMPARE(narrowest, shown.size() - 1);
+}
+
 void ProgressTextTest::ALongFileNameLosesItsBeginning()
 {
     RunSnapshot snapshot = Download();
     snapshot.File = QString(300, 'x') + "/the end.MPQ";
     QString const bar = ProgressText::Bar(snapshot, 150, false);
     QCOMPARE(bar.size(), 150);
-    QVERIFY2(bar.endsWith("x/the end.MPQ"), qPrintable(bar));
+    QVERIFY2(bar.contains(" left  ...xx") && bar.endsWith("x/the end.MPQ"), qPrintable(bar));
+    QVERIFY(ProgressText::Bar(snapshot, 150, true).contains(QString(" left  ") + QChar(0x2026)));
+}
+
+void ProgressTextTest::NoHalfCharacterIsShown()
+{
+    RunSnapshot snapshot = Download();
+    for (char const* const end : {"", "x"}) {
+        snapshot.File = QString::fromUtf8("\xf0\x9f\x8e\xae").repeated(100) + end;
+        QString const bar = ProgressText::Bar(snapshot, 150, true);
+        QCOMPARE(QString::fromUtf8(bar.toUtf8()), bar);
+    }
+}
+
+void ProgressTextTest::WhatSteersATerminalHasItsRoomInTheBar()
+{
+    RunSnapshot snapshot = Download();
+    snapshot.File = QString(300, '\x1b');
+    QString const bar = ProgressText::Bar(snapshot, 150, false);
+    QVERIFY2(!bar.contains('\x1b') && bar.endsWith("\\u001b"), qPrintable(bar));
+    QCOMPARE(bar.size(), 150);
 }
 
 void ProgressTextTest::FiguresAboveTheTotalFillTheBarAndNoMore()

@@ -74,6 +74,7 @@ void HostCompletionTest::TheWordAtHandIsCompleted()
         {"--settings x config --json dev-channel ", "false true"},
         {"config content-url ", ""},
         {"config color auto ", ""},
+        {"help in", "info install"},
     };
     QStringList lines;
     for (auto const& row : rows)

@@ -18,13 +18,16 @@ private Q_SLOTS:
 void HostHelpTest::EveryCommandsHelpEndsWithAnExampleOfIt()
 {
     QStringList const commands = ProgramHelp().Commands;
-    QVERIFY(commands.contains("install"));
+    QStringList const options = ProgramHelp().Options;
+    QVERIFY(commands.contains("install") && options.contains("--limit-rate"));
     for (QString const& command : commands) {
         QStringList const lines =
             ProgramHelp(command).Text.trimmed().split('\n', Qt::SkipEmptyParts);
         QVERIFY2(lines.size() > 2, qPrintable(command));
         QCOMPARE(lines[lines.size() - 2], QString("Example:"));
         QString const example = lines.last() + ' ';
+        for (QString const& option : options)
+            QVERIFY2(option.size() == 2 || lines.filter(option).size() >= 1, qPrintable(option));
         QVERIFY2(example.startsWith("  varnholt-host " + command + ' '), qPrintable(example));
     }
 }

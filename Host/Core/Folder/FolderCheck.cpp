@@ -34,11 +34,9 @@ bool IsSame(QString const& p_Path, QString const& p_Other)
 
 bool HoldsForeignFiles(QString const& p_Folder)
 {
+    if (HoldsGame(p_Folder))
+        return false;
     QDir const folder(p_Folder);
-    for (QString const& list : {Launcher::PendingList::c_Base, Launcher::PendingList::c_Streamed,
-                                Launcher::PendingList::c_FirstBuild})
-        if (folder.exists(list))
-            return false;
     // The lock stays where an installation has ended before it had recorded itself.
     QStringList const names =
         folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
@@ -54,6 +52,14 @@ QString Normalized(QString const& p_Folder)
     while (folder == QLatin1String("/..") || folder.startsWith(QLatin1String("/../")))
         folder.remove(0, 3); // above the root is the root
     return Launcher::Helper::Paths::WithSlash(folder);
+}
+
+bool HoldsGame(QString const& p_Folder)
+{
+    QDir const folder(p_Folder);
+    return folder.exists(Launcher::PendingList::c_Base) ||
+           folder.exists(Launcher::PendingList::c_Streamed) ||
+           folder.exists(Launcher::PendingList::c_FirstBuild);
 }
 
 std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known, bool p_Confirmed)

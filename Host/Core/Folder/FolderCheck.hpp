@@ -12,6 +12,9 @@ namespace Varnholt::Host::FolderCheck {
 /// The folder as the module wants it: absolute, without "..", ending in "/".
 QString Normalized(QString const& p_Folder);
 
+/// Whether a run of the module has left its pending lists there, finished or not.
+bool HoldsGame(QString const& p_Folder);
+
 /// Whether a game may be installed there. Creates nothing but a temporary file, which goes again.
 /// \param p_Known the folder of the present installation, empty when there is none
 /// \param p_Confirmed the user has agreed to a folder that holds other files

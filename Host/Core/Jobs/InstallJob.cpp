@@ -3,6 +3,7 @@
 #include "Host/Core/Folder/FolderCheck.hpp"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace Varnholt::Host {
 
@@ -10,7 +11,8 @@ std::optional<Failure> InstallJob::Prepare()
 {
     QString const folder = FolderCheck::Normalized(Request.Argument);
     InstallRecord const& record = Context.Record;
-    if (record.IsInstalled() && record.Folder() != folder && !Request.Confirmed)
+    bool const isMoved = !QFileInfo::exists(record.Folder()) && FolderCheck::HoldsGame(folder);
+    if (record.IsInstalled() && record.Folder() != folder && !isMoved && !Request.Confirmed)
         return Failure{FailureKind::InstalledElsewhere, record.Folder(), {}};
     return FolderCheck::ForInstall(folder, record.Folder(), Request.Confirmed);
 }

@@ -3,6 +3,7 @@
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QUrl>
 
 #include <chrono>
@@ -10,6 +11,8 @@
 namespace Varnholt::Host {
 
 namespace {
+
+Q_LOGGING_CATEGORY(LogNetwork, "varnholt.network")
 
 constexpr char c_Variable[] = "VARNHOLT_CONTENT_BASE_URL";
 QString const c_DefaultServer = QStringLiteral("d/"); // below the door's address
@@ -51,6 +54,10 @@ Gateway::GatewayOptions OptionsOf(HostOptions const& p_Options, QUrl const& p_Se
     options.RetryPause = milliseconds(p_Options.RetryPauseMilliseconds);
     options.RetryFor = milliseconds(p_Options.RetryForMilliseconds);
     options.CopyDelay = milliseconds(p_Options.CopyDelayMilliseconds);
+    options.OnFailure = [](Gateway::FetchProblem const& p_Problem) {
+        qCInfo(LogNetwork).noquote() << "a try has failed:" << QString::fromStdString(p_Problem.Url)
+                                     << '(' + QString::fromStdString(p_Problem.Cause) + ')';
+    };
     return options;
 }
 

@@ -68,8 +68,8 @@ void WriteAll(QString const& p_File, Values const& p_Values)
         QFile(p_File).open(QIODevice::WriteOnly);
         return;
     }
+    // Without a codec: with one the class takes a character of two halves for two.
     QSettings writer(p_File, QSettings::IniFormat);
-    writer.setIniCodec("UTF-8");
     for (auto row = p_Values.constBegin(); row != p_Values.constEnd(); ++row)
         writer.setValue(row.key(), row.value());
 }
