@@ -129,12 +129,10 @@ void DownloadErrorsTest::ACutErrorPageIsNotTakenForTheFilesBeginning()
     bench.Script().Then(Answer::Status(500, QByteArray(1000, 'p')).CutAfter(200));
     QVERIFY(bench.Run());
     QCOMPARE(bench.Count(Kind::Complete), 1);
-    if (bench.RequestCount() == 1) { // Qt reports the page or the cut
-        QVERIFY(!bench.Completion().Continuable);
-    } else {
-        QCOMPARE(bench.Ranges().at(1), QString("-"));
-        QCOMPARE(bench.File(), bytes);
-    }
+    // What Qt reports is the cut, so that it is tried again, as a whole.
+    QVERIFY(bench.RequestCount() > 1);
+    QCOMPARE(bench.Ranges().at(1), QString("-"));
+    QCOMPARE(bench.File(), bytes);
 }
 
 void DownloadErrorsTest::AClosedConnectionIsContinuedThenFetchedAgainAsAWhole()
