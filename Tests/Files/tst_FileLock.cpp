@@ -54,7 +54,7 @@ void FileLockTest::OneHasItAndTheOthersLearnWho()
     QCOMPARE(first.Take(), Outcome::Taken);
     QCOMPARE(second.Take(), Outcome::Held);
     QVERIFY(!second.IsTaken());
-    QCOMPARE(second.Holder(), QString("tst_file_lock, process %1").arg(getpid()));
+    QCOMPARE(second.Holder(), QString("tst_Files, process %1").arg(getpid()));
     first.Release();
     QCOMPARE(second.Take(), Outcome::Taken);
     QCOMPARE(first.Take(), Outcome::Held);
@@ -80,7 +80,7 @@ void FileLockTest::AFileAloneKeepsNobodyOut_data()
     QTest::newRow("nothing") << QByteArray("");
     QTest::newRow("half of a name") << QByteArray("varnholt-ho");
     QTest::newRow("one that lives") << QByteArray("init, process 1\n");
-    QTest::newRow("this process") << "tst_file_lock, process " + own + '\n';
+    QTest::newRow("this process") << "tst_Files, process " + own + '\n';
     QTest::newRow("numbers first") << own + "\nvarnholt-host\nmachine\n";
 }
 
@@ -90,7 +90,7 @@ void FileLockTest::AFileAloneKeepsNobodyOut()
     QVERIFY(WriteFile(Path, content));
     FileLock lock(Path);
     QCOMPARE(lock.Take(), Outcome::Taken);
-    QCOMPARE(ReadFile(Path), "tst_file_lock, process " + QByteArray::number(getpid()) + '\n');
+    QCOMPARE(ReadFile(Path), "tst_Files, process " + QByteArray::number(getpid()) + '\n');
 }
 
 void FileLockTest::WhatIsNoNameIsNotTold_data()

@@ -124,6 +124,7 @@ void HostConfigTest::EveryOptionIsListedWithItsOrigin()
                                "https-mirrors=true  (command line)",
                                "offline=true  (environment)",
                                "dev-channel=false  (default)",
+                               "wrapper=  (default)",
                                "log-file=  (default)",
                                "color=never  (settings file)"};
     QStringList const options{"--list", "--retry-for=90s", "--https-mirrors"};

@@ -52,7 +52,6 @@ void HostUsageTest::AUsageErrorIsToldInOneSentence_data()
           "--limit-rate=", "--connections=", "--wrapper=./wine", "--wrapper='wine"})
         QTest::newRow(option) << QStringList{option, "status"}
                               << QString(option).section('=', 0, 0);
-    QTest::newRow("quick where it is not known") << QStringList{"update", "--quick"} << "--quick";
     QTest::newRow("an argument of the game without a mark") << QStringList{"play", "x"} << "x";
     QTest::newRow("the mark elsewhere") << QStringList{"status", "--", "x"} << "x";
     QTest::newRow("empty account") << QStringList{"play", "--account", ""} << "--account";

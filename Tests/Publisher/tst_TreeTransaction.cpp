@@ -114,7 +114,7 @@ void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
     TreeTransaction tree(Root);
     tree.AddText("text", Path("text"));
     QCOMPARE(FailureOf([this] { TreeTransaction const other(Root); }).Sentence,
-             Root + QString(": another run is publishing there (tst_tree_transaction, process %1)")
+             Root + QString(": another run is publishing there (tst_Publisher, process %1)")
                         .arg(QCoreApplication::applicationPid()));
     QVERIFY(QFile::exists(Path(".varnholt-publish.lock")));
     tree.Commit();
