@@ -31,8 +31,7 @@ int Program::Run()
     connect(Session.get(), &HostSession::Opened, this, &Program::OnOpened);
     connect(Session.get(), &HostSession::OpenFailed, this, &Program::Fail);
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
-    connect(Session.get(), &HostSession::Progressed, this,
-            [this](RunSnapshot const& p_Snapshot) { Output.ShowProgress(p_Snapshot); });
+    connect(Session.get(), &HostSession::Progressed, this, &Program::OnProgressed);
     connect(Session.get(), &HostSession::Noticed, this,
             [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
     connect(Session.get(), &HostSession::Ended, this,
@@ -133,6 +132,14 @@ void Program::Listen()
         Control.reset(); // another run has it, and will tell about the folder that it holds
 }
 
+void Program::OnProgressed(RunSnapshot const& p_Snapshot)
+{
+    Output.ShowProgress(p_Snapshot);
+    IsHeld = p_Snapshot.IsHeld;
+    if (IsHeld && Control)
+        Control->TellPause(true);
+}
+
 void Program::OnMessage(ControlMessage const& p_Message)
 {
     if (p_Message.Kind != ControlMessage::Type::LimitRate)
@@ -169,9 +176,14 @@ void Program::OnToggleRequested()
 
 void Program::SetPaused(bool p_Paused)
 {
-    if (!IsRunning || p_Paused == IsPaused)
+    if (!IsRunning)
+        return;
+    if (Control && p_Paused == IsHeld)
+        Control->TellPause(p_Paused); // as it is already
+    if (p_Paused == IsPaused)
         return;
     IsPaused = p_Paused;
+    IsHeld = false; // until the module says so
     if (IsPaused)
         Session->Pause();
     else

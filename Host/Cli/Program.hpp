@@ -27,6 +27,7 @@ private:
     void CloseSession();
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
+    void OnProgressed(RunSnapshot const& p_Snapshot);
     void OnEnded(RunResult const& p_Result);
     void OnEndRequested();
     void OnToggleRequested();
@@ -50,6 +51,7 @@ private:
     QString GameName;
     bool IsRunning = false;
     bool IsPaused = false;
+    bool IsHeld = false; ///< the pause has come true
 };
 
 } // namespace Varnholt::Host

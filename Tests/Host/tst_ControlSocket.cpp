@@ -27,6 +27,7 @@ private Q_SLOTS:
     void AMessageArrivesAsItWasSent();
     void OtherLinesAreNoMessages_data();
     void OtherLinesAreNoMessages();
+    void APauseIsAnsweredWhenItHolds();
     void NobodyWhoListensIsAFailure();
     void OnlyOneListens();
 
@@ -47,6 +48,7 @@ private:
     std::unique_ptr<ScopedVariable> Runtime;
     std::unique_ptr<ControlSocket> Socket;
     std::vector<ControlMessage> Received;
+    bool AnswersPauses = true;
 };
 
 void ControlSocketTest::init()
@@ -56,8 +58,12 @@ void ControlSocketTest::init()
     Runtime = std::make_unique<ScopedVariable>("XDG_RUNTIME_DIR", Folder->path().toUtf8());
     Socket = std::make_unique<ControlSocket>(Settings);
     Received.clear();
-    connect(Socket.get(), &ControlSocket::Received, this,
-            [this](ControlMessage const& p_Message) { Received.push_back(p_Message); });
+    AnswersPauses = true;
+    connect(Socket.get(), &ControlSocket::Received, this, [this](ControlMessage const& p_Message) {
+        Received.push_back(p_Message);
+        if (AnswersPauses)
+            Socket->TellPause(true);
+    });
     QVERIFY(Socket->Listen());
 }
 
@@ -118,6 +124,21 @@ void ControlSocketTest::OtherLinesAreNoMessages()
     // A line that is too long is hung up on, as soon as that much of it has arrived.
     QVERIFY2(answer == "unknown\n" || (line.size() > 32 && answer.isEmpty()), answer.constData());
     QVERIFY(Received.empty());
+}
+
+void ControlSocketTest::APauseIsAnsweredWhenItHolds()
+{
+    AnswersPauses = false;
+    for (bool const holds : {true, false}) {
+        auto answer = std::async(std::launch::async, [this] {
+            return ControlSocket::Send(Settings, {ControlMessage::Type::Pause, 0});
+        });
+        QTRY_VERIFY(!Received.empty());
+        QVERIFY(answer.wait_for(std::chrono::milliseconds(100)) == std::future_status::timeout);
+        Socket->TellPause(holds);
+        QCOMPARE(FromElsewhere([&] { return answer.get().has_value(); }), !holds);
+        Received.clear();
+    }
 }
 
 void ControlSocketTest::NobodyWhoListensIsAFailure()

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void cleanup();
 
     void ADownloadIsPausedAndResumedByAnotherProgram();
+    void APauseOfManySmallFilesIsAnsweredWhenItHolds();
     void AWordThatChangesNothingIsTakenToo();
     void ASignalResumesWhatAWordHasPaused();
     void APausedDownloadCanBeEnded();
@@ -113,6 +114,29 @@ void HostControlTest::ADownloadIsPausedAndResumedByAnotherProgram()
     QCOMPARE(Run({"resume"}).Status, 0);
     Game->Server.OpenGate(File());
     QCOMPARE(process->Finish().Status, 0);
+    QCOMPARE(Game->Wrong(), QStringList());
+}
+
+void HostControlTest::APauseOfManySmallFilesIsAnsweredWhenItHolds()
+{
+    constexpr int c_Many = 150;
+
+    Game->Content.Files.clear();
+    for (int i = 0; i < c_Many; ++i)
+        Game->Content.Add({QStringLiteral("small/%1").arg(i), QByteArray::number(i)});
+    Game->Publish();
+    HostProcess process(*Game, {"install", Game->Folder});
+    QDir const folder(Game->Path("small"));
+    auto const count = [&] { return folder.entryList(QDir::Files).size(); };
+    QVERIFY(process.WaitUntil([&] { return count() > 1; }));
+    Outcome const pause = Run({"pause"});
+    int const atPause = count();
+    QCOMPARE(pause.Err, QString());
+    QVERIFY(atPause < c_Many);
+    QVERIFY(!QTest::qWaitFor([&] { return count() != atPause; }, 500));
+    QCOMPARE(Run({"pause"}).Status, 0);
+    QCOMPARE(Run({"resume"}).Status, 0);
+    QCOMPARE(process.Finish().Status, 0);
     QCOMPARE(Game->Wrong(), QStringList());
 }
 

@@ -107,7 +107,9 @@ RunPhase CompletionJob::Phase() const
 
 RunSnapshot CompletionJob::Look()
 {
-    return Examined ? Examined->Look() : Reader.Read(Phase());
+    RunSnapshot snapshot = Examined ? Examined->Look() : Reader.Read(Phase());
+    snapshot.IsHeld = Paused && !Context.View.HasTransfer();
+    return snapshot;
 }
 
 /// Called when the module has fallen silent: finds out where it stopped.

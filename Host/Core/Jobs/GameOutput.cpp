@@ -79,7 +79,7 @@ QString GameOutput::Begin()
         ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, c_OwnersMode);
     if (Handle >= 0)
         return {};
-    QString const why = qt_error_string(errno);
+    QString why = qt_error_string(errno);
     Handle = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     return why;
 }

@@ -81,6 +81,7 @@ int GameProcess::Start(QString const& p_Program, QStringList const& p_Arguments,
     for (QString const& argument : p_Arguments)
         words.push_back(QFile::encodeName(argument));
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (QByteArray& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -47,6 +47,7 @@ struct RunSnapshot {
     qint64 Remaining = -1;     ///< seconds; negative when unknown
     QString Mirror;            ///< host (and port) that gave the latest bytes
     quint64 BytesReceived = 0; ///< from the network, since the run began
+    bool IsHeld = false;       ///< by a pause: no file grows, and none begins
     std::vector<ServerShare> Servers;
     std::optional<ServerWait> Wait; ///< nothing arrives, and a server is to be asked again
 
@@ -56,8 +57,8 @@ struct RunSnapshot {
                FileCount == p_Other.FileCount && File == p_Other.File &&
                BytesDone == p_Other.BytesDone && BytesTotal == p_Other.BytesTotal &&
                Rate == p_Other.Rate && Remaining == p_Other.Remaining && Mirror == p_Other.Mirror &&
-               BytesReceived == p_Other.BytesReceived && Servers == p_Other.Servers &&
-               Wait == p_Other.Wait;
+               BytesReceived == p_Other.BytesReceived && IsHeld == p_Other.IsHeld &&
+               Servers == p_Other.Servers && Wait == p_Other.Wait;
     }
 };
 

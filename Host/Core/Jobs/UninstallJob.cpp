@@ -8,7 +8,7 @@ namespace Varnholt::Host {
 
 std::optional<Failure> UninstallJob::Prepare()
 {
-    auto const failure = GameFailure();
+    auto failure = GameFailure();
     if (failure && failure->Kind == FailureKind::FolderMissing) {
         Request.DeletesFiles = false; // nothing is left to delete, and no build is needed for that
         return std::nullopt;

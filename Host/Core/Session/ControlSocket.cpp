@@ -7,6 +7,8 @@
 #include <QLocalSocket>
 #include <QStandardPaths>
 
+#include <utility>
+
 namespace Varnholt::Host {
 
 namespace {
@@ -26,6 +28,12 @@ QByteArray LineOf(ControlMessage const& p_Message)
         break;
     }
     return c_Limit + QByteArray::number(p_Message.BytesPerSecond) + '\n';
+}
+
+void Dismiss(QLocalSocket& p_Client, char const* p_Answer)
+{
+    p_Client.write(p_Answer);
+    p_Client.disconnectFromServer();
 }
 
 /// \return none when the line is no message
@@ -94,10 +102,19 @@ void ControlSocket::Answer(QLocalSocket& p_Client)
         return;
     }
     auto const message = MessageOf(p_Client.readLine(c_LongestLine));
+    if (message && message->Kind == ControlMessage::Type::Pause)
+        AwaitHold.emplace_back(&p_Client);
+    else
+        Dismiss(p_Client, message ? "ok\n" : "unknown\n");
     if (message)
         Q_EMIT Received(*message);
-    p_Client.write(message ? "ok\n" : "unknown\n");
-    p_Client.disconnectFromServer();
+}
+
+void ControlSocket::TellPause(bool p_Holds)
+{
+    for (QPointer<QLocalSocket> const& client : std::exchange(AwaitHold, {}))
+        if (client)
+            Dismiss(*client, p_Holds ? "ok\n" : "resumed\n");
 }
 
 std::optional<Failure> ControlSocket::Send(QString const& p_SettingsFile,
@@ -109,7 +126,8 @@ std::optional<Failure> ControlSocket::Send(QString const& p_SettingsFile,
     if (!socket.waitForConnected(c_WaitMilliseconds))
         return nobody;
     socket.write(LineOf(p_Message));
-    while (!socket.canReadLine() && socket.waitForReadyRead(c_WaitMilliseconds))
+    int const patience = p_Message.Kind == ControlMessage::Type::Pause ? -1 : c_WaitMilliseconds;
+    while (!socket.canReadLine() && socket.waitForReadyRead(patience))
         continue;
     return socket.readLine() == "ok\n" ? std::nullopt : std::optional<Failure>(nobody);
 }

@@ -4,9 +4,13 @@
 
 #include <QLocalServer>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <optional>
+#include <vector>
+
+class QLocalSocket;
 
 namespace Varnholt::Host {
 
@@ -19,7 +23,7 @@ struct ControlMessage {
 };
 
 /// Lets one program speak to another that is at work with the same settings file. A message per
-/// connection, answered by "ok"; only the same user's programs get through.
+/// connection, answered by "ok" when it has come true; only the same user's programs get through.
 class ControlSocket : public QObject {
     Q_OBJECT
 
@@ -30,7 +34,11 @@ public:
     /// \return false when another program listens already, or the system does not allow it
     bool Listen();
 
-    /// Sends a message to the program that listens, and waits for the answer.
+    /// Answers those who have asked for a pause. \param p_Holds false: it was taken back before
+    void TellPause(bool p_Holds);
+
+    /// Sends a message to the program that listens, and waits for the answer: of a pause as long as
+    /// the file in hand takes.
     static std::optional<Failure> Send(QString const& p_SettingsFile,
                                        ControlMessage const& p_Message);
 
@@ -43,6 +51,7 @@ private:
     void Answer(QLocalSocket& p_Client);
 
     QString Path;
+    std::vector<QPointer<QLocalSocket>> AwaitHold;
     QLocalServer Server;
 };
 
