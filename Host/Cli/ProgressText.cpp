@@ -11,12 +11,12 @@ namespace Varnholt::Host::ProgressText {
 
 namespace {
 
-/// Of files while they are counted, of bytes while they arrive; negative when there is no measure.
+/// Of bytes where they are counted, else of files; negative when there is no measure.
 int Permille(RunSnapshot const& p_Snapshot)
 {
     constexpr quint64 c_Whole = 1000;
 
-    bool const bytes = IsDownloading(p_Snapshot.Phase);
+    bool const bytes = p_Snapshot.BytesTotal > 0;
     quint64 const total = bytes ? p_Snapshot.BytesTotal : p_Snapshot.FileCount;
     quint64 const done = bytes ? p_Snapshot.BytesDone : p_Snapshot.FileNumber;
     return total == 0 ? -1 : static_cast<int>(std::min(done, total) * c_Whole / total);

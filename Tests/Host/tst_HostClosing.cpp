@@ -175,7 +175,7 @@ void HostClosingTest::AStopIsSeenInTheMidstOfAFile()
     constexpr qint64 c_Bytes = qint64{8} * 1024 * 1024 * 1024; // seconds of hashing, no room
     QVERIFY(QFile::resize(game.Path("readme.txt"), c_Bytes));
     game.Start(RequestType::Verify);
-    QVERIFY(game.WaitForPhase(Host::RunPhase::Comparing));
+    QVERIFY(game.WaitForPhase(Host::RunPhase::Verifying));
     QElapsedTimer clock;
     clock.start();
     game.Session().Interrupt();

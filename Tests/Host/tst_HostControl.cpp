@@ -35,8 +35,6 @@ private Q_SLOTS:
     void SettingsAreTheSameHoweverTheyAreSpelled_data();
     void SettingsAreTheSameHoweverTheyAreSpelled();
     void TheUsersFolderOfSettingsMayEndInASlash();
-    void OtherWordsDoNothing_data();
-    void OtherWordsDoNothing();
     void AWordMayComeInPieces();
     void ASecondRunLeavesTheFirstItsEar();
     void AKeptLimitIsToldToADownload();
@@ -283,33 +281,6 @@ void HostControlTest::TheUsersFolderOfSettingsMayEndInASlash()
     QCOMPARE(start("config", {"resume"}).Finish().Status, 0);
     Game->Server.OpenGate(File());
     QCOMPARE(first.Finish().Status, 0);
-}
-
-void HostControlTest::OtherWordsDoNothing_data()
-{
-    QTest::addColumn<QByteArray>("words");
-    QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("an unknown word") << QByteArray("fly\n") << QByteArray("unknown\n");
-    QTest::newRow("a longer word") << QByteArray("pausefor\n") << QByteArray("unknown\n");
-    QTest::newRow("another case") << QByteArray("PAUSE\n") << QByteArray("unknown\n");
-    QTest::newRow("nothing") << QByteArray("\n") << QByteArray("unknown\n");
-    QTest::newRow("zeros") << QByteArray(8, '\0') + '\n' << QByteArray("unknown\n");
-    QTest::newRow("a long line") << QByteArray(5000, 'x') + '\n' << QByteArray("unknown\n");
-    QTest::newRow("no end") << QByteArray(5000, 'x') << QByteArray("");
-}
-
-void HostControlTest::OtherWordsDoNothing()
-{
-    QFETCH(QByteArray, words);
-    QFETCH(QByteArray, answer);
-    auto const process = Begin();
-    QByteArray const said = Say({words});
-    // Of a line that comes in pieces its beginning alone can be too long.
-    QVERIFY2(said == answer || (words.size() > 1000 && said.isEmpty()), said.constData());
-    Game->Server.OpenGate(File());
-    Outcome const outcome = process->Finish();
-    QCOMPARE(outcome.Status, 0);
-    QVERIFY2(!outcome.Err.contains("suspended"), qPrintable(outcome.Err));
 }
 
 void HostControlTest::AWordMayComeInPieces()

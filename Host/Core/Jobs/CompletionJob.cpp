@@ -96,7 +96,7 @@ bool CompletionJob::IsSuspended() const
 RunPhase CompletionJob::Phase() const
 {
     if (Examined)
-        return RunPhase::Comparing;
+        return RunPhase::Verifying;
     RunPhase const phase = IsWorking() ? Reader.Phase() : RunPhase::Connecting;
     // Through a door that is shut nothing comes. A transfer that has not been stopped yet is told
     // of as one that goes on.
@@ -107,7 +107,7 @@ RunPhase CompletionJob::Phase() const
 
 RunSnapshot CompletionJob::Look()
 {
-    RunSnapshot snapshot = Examined ? Examined->Look() : Reader.Read(Phase());
+    RunSnapshot snapshot = Examined ? Examined->Look(Phase()) : Reader.Read(Phase());
     snapshot.IsHeld = Paused && !Context.View.HasTransfer();
     return snapshot;
 }

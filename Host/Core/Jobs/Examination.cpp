@@ -1,6 +1,7 @@
 #include "Host/Core/Jobs/Examination.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace Varnholt::Host {
 
@@ -11,12 +12,22 @@ Examination::Examination(RunContext const& p_Context, bool p_EveryFile)
     p_Context.Module.EnqueueAsync([work = Work] { work->Run(); });
 }
 
-RunSnapshot Examination::Look() const
+RunSnapshot Examination::Look(RunPhase p_Phase)
 {
     RunSnapshot snapshot;
-    snapshot.Phase = RunPhase::Comparing;
+    snapshot.Phase = p_Phase;
     snapshot.FileCount = Work->FileCount();
     snapshot.FileNumber = std::min(Work->FileNumber(), snapshot.FileCount);
+    if (snapshot.FileNumber > 0)
+        snapshot.File = Work->FileAt(snapshot.FileNumber);
+    snapshot.BytesTotal = Work->BytesTotal();
+    snapshot.BytesDone = std::min(Work->BytesDone(), snapshot.BytesTotal);
+    auto const now = Gateway::Clock::now();
+    Meter.Add(snapshot.BytesDone - std::exchange(Counted, snapshot.BytesDone), now);
+    snapshot.Rate = Meter.Rate(now);
+    if (snapshot.Rate > 0)
+        snapshot.Remaining =
+            static_cast<qint64>((snapshot.BytesTotal - snapshot.BytesDone) / snapshot.Rate);
     return snapshot;
 }
 

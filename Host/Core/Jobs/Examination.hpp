@@ -3,6 +3,7 @@
 #include "Host/Core/Jobs/Inspection.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
 #include "Host/Core/Module/RunContext.hpp"
+#include "Host/Gateway/RateMeter.hpp"
 
 #include <memory>
 #include <vector>
@@ -22,10 +23,13 @@ public:
     bool IsFinished() const { return Work->IsFinished(); }
     /// Once it is finished.
     std::vector<FileFinding> const& Findings() const { return Work->Findings(); }
-    RunSnapshot Look() const;
+    /// \param p_Phase as which the job has it
+    RunSnapshot Look(RunPhase p_Phase);
 
 private:
     std::shared_ptr<Inspection> Work; ///< shared with the worker
+    Gateway::RateMeter Meter;
+    quint64 Counted = 0; ///< by the meter
 };
 
 } // namespace Varnholt::Host

@@ -7,6 +7,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace Varnholt::Host {
 
 Inspection::Inspection(Launcher::ApplicationManifest p_Manifest, QString p_Folder, QString p_Locale,
@@ -28,8 +30,9 @@ void Inspection::Run()
     comparison.SkipFirstBuildOnly = !EveryFile;
     Launcher::LinkGuard links(Folder);
     comparison.IsBarred = [&](QString const& p_Path) { return links.OnTheWay(p_Path).has_value(); };
-    comparison.Continue = [this] { return !Stopped; };
-    comparison.OnEntry = [this](std::size_t) { ++Number; };
+    comparison.Continue = [this] { return GoOn(); };
+    comparison.OnEntry = [this](std::size_t) { Enter(); };
+    Measure();
 
     Entries const examined = comparison.Examine(Manifest.Files).Files;
     Add(examined, FileFinding::Cause::Different);
@@ -45,7 +48,41 @@ void Inspection::Run()
         Add(comparison.Named(Manifest.StreamedFiles, read(PendingList::c_Streamed)), c_Pending);
         Add(MissingFiles(Manifest, Folder, Locale), c_Pending);
     }
+    Done = Before.back();
     Finished = true;
+}
+
+void Inspection::Measure()
+{
+    Before.assign(1, 0);
+    for (quint32 number = 1; number <= Count && !Stopped; ++number)
+        Before.push_back(Before.back() +
+                         static_cast<quint64>(QFileInfo(Folder + FileAt(number)).size()));
+    Total = Before.back();
+}
+
+QString Inspection::FileAt(quint32 p_Number) const
+{
+    std::size_t const index = p_Number - 1;
+    std::size_t const base = Manifest.Files.size();
+    return index < base ? Manifest.Files[index].Path : Manifest.StreamedFiles[index - base].Path;
+}
+
+void Inspection::Enter()
+{
+    if (Number + 1U < Before.size())
+        Done = Before[Number];
+    ++Number;
+}
+
+/// Asked before each block of a file.
+bool Inspection::GoOn()
+{
+    constexpr quint64 c_BlockBytes = 0x2000;
+
+    if (Number < Before.size()) // never more than the file holds
+        Done = std::min(Done + c_BlockBytes, Before[Number]);
+    return !Stopped;
 }
 
 void Inspection::Add(Entries const& p_Entries, FileFinding::Cause p_WhenThere)

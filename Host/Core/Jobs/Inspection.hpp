@@ -28,12 +28,21 @@ public:
     /// In the manifest's order, each path once; incomplete after `Stop`.
     std::vector<FileFinding> const& Findings() const { return Found; }
 
+    /// From 1, of base and streamed files together; 0 before the first.
     quint32 FileNumber() const { return Number; }
     quint32 FileCount() const { return Count; }
+    /// Path of the file of a number.
+    QString FileAt(quint32 p_Number) const;
+    /// Bytes that have been looked at, of those that lie there; files that need no look count too.
+    quint64 BytesDone() const { return Done; }
+    quint64 BytesTotal() const { return Total; }
 
 private:
     using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
 
+    void Measure();
+    void Enter();
+    bool GoOn();
     void Add(Entries const& p_Entries, FileFinding::Cause p_WhenThere);
 
     Launcher::ApplicationManifest Manifest;
@@ -42,6 +51,9 @@ private:
     bool EveryFile;
     quint32 Count;
     std::atomic<quint32> Number{0};
+    std::atomic<quint64> Done{0};
+    std::atomic<quint64> Total{0};
+    std::vector<quint64> Before; ///< bytes of the files before each, and of all; of `Run`
     std::atomic<bool> Stopped{false};
     std::atomic<bool> Finished{false};
     std::vector<FileFinding> Found;

@@ -23,12 +23,12 @@ void InspectionJob::Work()
 
 RunPhase InspectionJob::Phase() const
 {
-    return Examined ? RunPhase::Comparing : RunPhase::Connecting;
+    return Examined ? WorkPhase() : RunPhase::Connecting;
 }
 
 RunSnapshot InspectionJob::Look()
 {
-    return Examined ? Examined->Look() : Job::Look();
+    return Examined ? Examined->Look(WorkPhase()) : Job::Look();
 }
 
 } // namespace Varnholt::Host

@@ -19,6 +19,7 @@ protected:
     RunPhase Phase() const override;
     RunSnapshot Look() override;
 
+    virtual RunPhase WorkPhase() const { return RunPhase::Comparing; }
     /// Whether what earlier runs have verified and listed is not to be trusted.
     virtual bool LooksAtEveryFile() const = 0;
     /// Called with the findings in the result, when there are some.

@@ -9,11 +9,11 @@
 
 namespace Varnholt::Host {
 
-Job::Job(RunContext const& p_Context, RunRequest p_Request, Traits p_Traits)
+Job::Job(RunContext const& p_Context, RunRequest p_Request, unsigned p_Traits)
     : Context(p_Context)
     , Request(std::move(p_Request))
     , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door)
-    , May(p_Traits)
+    , Traits(p_Traits)
 {
     Clock.start();
 }
@@ -25,12 +25,12 @@ void Job::Begin()
     Result.Transfers = Context.Ledger.Count();
     Context.View.DiscardQueue();
     // An installation begins in another folder, which the module must not take for the old one.
-    Context.Gate.SetPreview(May.IsPreview);
-    if (May.NeedsServers && Context.Options.Offline)
+    Context.Gate.SetPreview(Is(IsPreview));
+    if (Is(NeedsServers) && Context.Options.Offline)
         return Fail({FailureKind::OptionInvalid, QStringLiteral("offline"),
                      QStringLiteral("this command asks servers")});
     auto failure = Prepare();
-    if (!failure && May.Records)
+    if (!failure && Is(Records))
         failure = Context.Record.WriteRefusal();
     if (failure)
         return Fail(*failure);
@@ -96,7 +96,7 @@ void Job::Finish()
     // A module that was told to stop falls silent as one that is done.
     if (Context.Gate.IsInterrupted())
         return Interrupt();
-    if (auto const unkept = May.Records ? Context.Record.Save() : std::nullopt)
+    if (auto const unkept = Is(Records) ? Context.Record.Save() : std::nullopt)
         return Fail(*unkept);
     End();
 }

@@ -40,20 +40,21 @@ class Job : public QObject {
     Q_OBJECT
 
 public:
-    /// What a job may do.
-    struct Traits {
-        bool NeedsServers = false; ///< it is refused offline
-        bool UsesCopies = false;   ///< what is kept of a build does when the servers fail
-        bool IsPreview = false;    ///< the module shall see no installation, see `RunGate`
-        bool CanPause = false;
-        bool Records = false; ///< what it does must be known to the next one
+    /// What is to be known of a job beforehand; none or several.
+    enum Trait : unsigned {
+        Plain = 0,
+        NeedsServers = 1, ///< it is refused offline
+        UsesCopies = 2,   ///< what is kept of a build does when the servers fail
+        IsPreview = 4,    ///< the module shall see no installation, see `RunGate`
+        CanPause = 8,
+        Records = 16, ///< what it does must be known to the next one
     };
 
-    Job(RunContext const& p_Context, RunRequest p_Request, Traits p_Traits);
+    Job(RunContext const& p_Context, RunRequest p_Request, unsigned p_Traits);
     ~Job() override;
 
     void Begin();
-    bool CanPause() const { return May.CanPause; }
+    bool Is(Trait p_Trait) const { return (Traits & p_Trait) != 0; }
     /// Called in each turn before the module's closures are run.
     virtual void BeforePump() {}
     /// Called in each turn after the module's closures were run.
@@ -141,7 +142,7 @@ private:
     void NoticeHostList();
     void NoticeCopies();
 
-    Traits May;
+    unsigned Traits;
     Step State = Step::Working;
     bool Over = false;
     bool ChainGoesOn = false;

@@ -22,7 +22,7 @@ using Type = RunRequest::Type;
 
 template <typename Which>
 std::unique_ptr<Job> MakeOne(RunContext const& p_Context, RunRequest const& p_Request,
-                             Job::Traits p_Traits)
+                             unsigned p_Traits)
 {
     return std::make_unique<Which>(p_Context, p_Request, p_Traits);
 }
@@ -30,23 +30,23 @@ std::unique_ptr<Job> MakeOne(RunContext const& p_Context, RunRequest const& p_Re
 struct Row {
     Type Kind;
     bool Quick;
-    Job::Traits May;
-    std::unique_ptr<Job> (*Make)(RunContext const&, RunRequest const&, Job::Traits);
+    unsigned Traits;
+    std::unique_ptr<Job> (*Make)(RunContext const&, RunRequest const&, unsigned);
 };
 
 constexpr Row c_Table[] = {
-    // NeedsServers, UsesCopies, IsPreview, CanPause, Records
-    {Type::Install, false, {true, false, true, true, true}, MakeOne<InstallJob>},
-    {Type::Update, false, {true, false, false, true, true}, MakeOne<UpdateJob>},
-    {Type::Repair, false, {true, false, false, true, true}, MakeOne<RepairJob>},
-    {Type::Check, false, {false, false, true, false, false}, MakeOne<CheckJob>},
-    {Type::Check, true, {false, false, true, false, false}, MakeOne<QuickCheckJob>},
-    {Type::Verify, false, {false, true, true, false, false}, MakeOne<VerifyJob>},
-    {Type::AskMirrors, false, {true, false, true, false, false}, MakeOne<MirrorsJob>},
-    {Type::Uninstall, false, {false, false, false, false, true}, MakeOne<UninstallJob>},
-    {Type::Play, false, {false, true, false, false, false}, MakeOne<PlayJob>},
-    {Type::ListLocales, false, {false, false, true, false, false}, MakeOne<ListLocalesJob>},
-    {Type::ChooseLocale, false, {false, false, false, false, true}, MakeOne<ChooseLocaleJob>},
+    {Type::Install, false, Job::NeedsServers | Job::IsPreview | Job::CanPause | Job::Records,
+     MakeOne<InstallJob>},
+    {Type::Update, false, Job::NeedsServers | Job::CanPause | Job::Records, MakeOne<UpdateJob>},
+    {Type::Repair, false, Job::NeedsServers | Job::CanPause | Job::Records, MakeOne<RepairJob>},
+    {Type::Check, false, Job::IsPreview, MakeOne<CheckJob>},
+    {Type::Check, true, Job::IsPreview, MakeOne<QuickCheckJob>},
+    {Type::Verify, false, Job::UsesCopies | Job::IsPreview, MakeOne<VerifyJob>},
+    {Type::AskMirrors, false, Job::NeedsServers | Job::IsPreview, MakeOne<MirrorsJob>},
+    {Type::Uninstall, false, Job::Records, MakeOne<UninstallJob>},
+    {Type::Play, false, Job::UsesCopies, MakeOne<PlayJob>},
+    {Type::ListLocales, false, Job::IsPreview, MakeOne<ListLocalesJob>},
+    {Type::ChooseLocale, false, Job::Records, MakeOne<ChooseLocaleJob>},
 };
 
 Row const& RowOf(RunRequest const& p_Request)
@@ -62,12 +62,7 @@ Row const& RowOf(RunRequest const& p_Request)
 std::unique_ptr<Job> Make(RunContext const& p_Context, RunRequest const& p_Request)
 {
     Row const& row = RowOf(p_Request);
-    return row.Make(p_Context, p_Request, row.May);
-}
-
-Job::Traits TraitsOf(RunRequest const& p_Request)
-{
-    return RowOf(p_Request).May;
+    return row.Make(p_Context, p_Request, row.Traits);
 }
 
 } // namespace Varnholt::Host::JobTable

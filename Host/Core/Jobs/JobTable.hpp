@@ -9,6 +9,4 @@ namespace Varnholt::Host::JobTable {
 
 std::unique_ptr<Job> Make(RunContext const& p_Context, RunRequest const& p_Request);
 
-Job::Traits TraitsOf(RunRequest const& p_Request);
-
 } // namespace Varnholt::Host::JobTable

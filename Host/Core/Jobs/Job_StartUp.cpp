@@ -21,7 +21,7 @@ void Job::OpenDoor()
 {
     using Source = Gateway::Gateway::Source;
 
-    if (May.UsesCopies || Context.Options.Offline)
+    if (Is(UsesCopies) || Context.Options.Offline)
         Kept = Context.Copies.Read();
     UsesKept = Context.Options.Offline;
     MayUseKept = !Kept.empty() && !UsesKept;

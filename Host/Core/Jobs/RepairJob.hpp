@@ -7,7 +7,7 @@ namespace Varnholt::Host {
 /// Completes the installed game, looking at every file.
 class RepairJob : public UpdateJob {
 public:
-    RepairJob(RunContext const& p_Context, RunRequest p_Request, Traits p_Traits)
+    RepairJob(RunContext const& p_Context, RunRequest p_Request, unsigned p_Traits)
         : UpdateJob(p_Context, std::move(p_Request), p_Traits)
     {
         DistrustLists();

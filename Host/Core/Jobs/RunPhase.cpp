@@ -18,6 +18,7 @@ constexpr Row c_Table[] = {
     {RunPhase::Connecting, "connecting", "connecting"},
     {RunPhase::AskingMirrors, "asking-mirrors", "asking the mirrors"},
     {RunPhase::Comparing, "comparing", "comparing files"},
+    {RunPhase::Verifying, "verifying", "verifying files"},
     {RunPhase::WaitingForHost, "waiting-for-host", "waiting for permission to download"},
     {RunPhase::WaitingForGame, "waiting-for-game", "waiting for the game to quit"},
     {RunPhase::AskingSizes, "asking-sizes", "asking for file sizes"},

@@ -10,6 +10,7 @@ enum class RunPhase {
     Connecting,
     AskingMirrors,
     Comparing,
+    Verifying,
     WaitingForHost,
     WaitingForGame,
     AskingSizes,
@@ -29,7 +30,7 @@ QString PhaseName(RunPhase p_Phase);
 /// The phase in words, "downloading base files".
 QString PhaseText(RunPhase p_Phase);
 
-/// True while files arrive: the figures of a snapshot are bytes then.
+/// True while files arrive.
 bool IsDownloading(RunPhase p_Phase);
 
 } // namespace Varnholt::Host

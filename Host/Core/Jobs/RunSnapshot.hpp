@@ -42,7 +42,7 @@ struct RunSnapshot {
     quint32 FileCount = 0;
     QString File;              ///< path in the game folder; empty when unknown
     quint64 BytesDone = 0;     ///< never falls within a phase, never above `BytesTotal`
-    quint64 BytesTotal = 0;    ///< 0 outside the download phases
+    quint64 BytesTotal = 0;    ///< of the files that arrive or are looked at; 0 otherwise
     quint64 Rate = 0;          ///< bytes per second over the last seconds
     qint64 Remaining = -1;     ///< seconds; negative when unknown
     QString Mirror;            ///< host (and port) that gave the latest bytes

@@ -10,6 +10,7 @@ public:
     using InspectionJob::InspectionJob;
 
 protected:
+    RunPhase WorkPhase() const override { return RunPhase::Verifying; }
     bool LooksAtEveryFile() const override { return true; }
     void Judge() override;
 };

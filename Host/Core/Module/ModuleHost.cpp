@@ -165,7 +165,7 @@ void ModuleHost::OnEnded(RunResult const& p_Result)
 
 void ModuleHost::Pause()
 {
-    if (Current && Current->CanPause())
+    if (Current && Current->Is(Job::CanPause))
         Current->Pause();
     else
         Gate.Release(); // there is no transfer to pause
