@@ -21,7 +21,7 @@ struct FileTransfer;
 /// behind them.
 struct Span {
     static constexpr std::uint64_t c_Open = ~0ULL;
-    static constexpr std::size_t c_BlockBytes = 256UL * 1024;
+    static constexpr std::size_t c_BlockBytes = 64UL * 1024;
 
     std::uint64_t Begin = 0;   ///< of what is in memory; what was before has been handed on
     std::uint64_t Arrived = 0; ///< end of what is in memory
