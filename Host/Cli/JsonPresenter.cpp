@@ -63,6 +63,42 @@ QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
     return object;
 }
 
+QJsonObject ObjectOf(Failure const& p_Failure)
+{
+    return {{QStringLiteral("error"), p_Failure.Identifier()},
+            {QStringLiteral("subject"), p_Failure.Subject},
+            {QStringLiteral("text"), p_Failure.Sentence()},
+            {QStringLiteral("remedy"), p_Failure.Remedy()},
+            {QStringLiteral("exitStatus"), p_Failure.ExitStatus()}};
+}
+
+QJsonObject ObjectOf(RunTotals const& p_Totals)
+{
+    constexpr double c_Second = 1'000;
+
+    return {{QStringLiteral("files"), Figure(p_Totals.Files)},
+            {QStringLiteral("bytes"), Figure(p_Totals.Bytes)},
+            {QStringLiteral("seconds"), static_cast<double>(p_Totals.Milliseconds) / c_Second},
+            {QStringLiteral("rate"), Figure(p_Totals.Rate)}};
+}
+
+QJsonObject ObjectOf(FetchAmount const& p_Amount)
+{
+    return {{QStringLiteral("files"), Figure(p_Amount.Files)},
+            {QStringLiteral("bytes"), Figure(p_Amount.Bytes)},
+            {QStringLiteral("whole"), p_Amount.IsWhole}};
+}
+
+/// What a run has moved, and what a check has found that an update would move.
+void AddFigures(QJsonObject& p_Object, RunRequest const& p_Request, RunResult const& p_Result)
+{
+    p_Object.insert(QStringLiteral("totals"), ObjectOf(p_Result.Totals));
+    bool const isAnswered =
+        !p_Result.Problem || p_Result.Problem->Kind == FailureKind::UpdateAvailable;
+    if (p_Request.Kind == RunRequest::Type::Check && !p_Request.Quick && isAnswered)
+        p_Object.insert(QStringLiteral("toFetch"), ObjectOf(FetchAmount(p_Result.Findings)));
+}
+
 } // namespace
 
 JsonPresenter::JsonPresenter(Console& p_Console)
@@ -154,8 +190,8 @@ void JsonPresenter::WriteNotice(QString const& p_Text)
     Write("notice", {{QStringLiteral("text"), p_Text}});
 }
 
-void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                               QString const& p_Game)
+void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                                QString const& p_Game)
 {
     for (FileFinding const& finding : p_Result.Findings)
         Write("finding", ObjectOf(finding));
@@ -166,8 +202,11 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
             Write("locale", {{QStringLiteral("locale"), locale.Tag},
                              {QStringLiteral("name"), locale.Name},
                              {QStringLiteral("chosen"), locale.Tag == p_Result.Locale}});
-    if (p_Result.Problem)
-        return;
+    if (p_Result.Problem) {
+        QJsonObject error = ObjectOf(*p_Result.Problem);
+        AddFigures(error, p_Request, p_Result);
+        return Write("error", error);
+    }
     QJsonObject result{{QStringLiteral("game"), p_Game},
                        {QStringLiteral("build"), p_Result.Build},
                        {QStringLiteral("folder"), p_Result.Folder},
@@ -177,16 +216,13 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
         result.insert(QStringLiteral("processId"), p_Result.ProcessId);
     if (!p_Result.OutputFile.isEmpty())
         result.insert(QStringLiteral("output"), p_Result.OutputFile);
+    AddFigures(result, p_Request, p_Result);
     Write("result", result);
 }
 
 void JsonPresenter::WriteFailure(Failure const& p_Failure)
 {
-    Write("error", {{QStringLiteral("error"), p_Failure.Identifier()},
-                    {QStringLiteral("subject"), p_Failure.Subject},
-                    {QStringLiteral("text"), p_Failure.Sentence()},
-                    {QStringLiteral("remedy"), p_Failure.Remedy()},
-                    {QStringLiteral("exitStatus"), p_Failure.ExitStatus()}});
+    Write("error", ObjectOf(p_Failure));
 }
 
 } // namespace Varnholt::Host

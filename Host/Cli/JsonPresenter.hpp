@@ -22,14 +22,14 @@ public:
                     bool p_IsListed) override;
     /// At most twice a second within a phase.
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
-    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                    QString const& p_Game) override;
 
     /// What "progress" says, without type and time.
     static QJsonObject Progress(RunSnapshot const& p_Snapshot);
 
 protected:
     void WriteNotice(QString const& p_Text) override;
+    void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                     QString const& p_Game) override;
     void WriteFailure(Failure const& p_Failure) override;
 
 private:

@@ -26,12 +26,14 @@ public:
     virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
     /// Something that a user may want to know.
     void ShowNotice(QString const& p_Text);
-    /// The findings of a run, and that it has succeeded if it has; a failure follows otherwise.
-    virtual void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                            QString const& p_Game) = 0;
+    /// The findings of a run, and how it has ended.
+    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Game);
+    /// Of what came to no run.
     void ShowFailure(Failure const& p_Failure);
 
 protected:
+    virtual void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                             QString const& p_Game) = 0;
     virtual void WriteNotice(QString const& p_Text) = 0;
     virtual void WriteFailure(Failure const& p_Failure) = 0;
 };

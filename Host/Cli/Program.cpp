@@ -156,9 +156,7 @@ void Program::OnEnded(RunResult const& p_Result)
     IsRunning = false;
     Control.reset();
     Output.ShowResult(Chosen.Request, p_Result, GameName);
-    if (p_Result.Problem)
-        return Fail(*p_Result.Problem);
-    Quit(EXIT_SUCCESS);
+    Quit(p_Result.Problem ? p_Result.Problem->ExitStatus() : EXIT_SUCCESS);
 }
 
 void Program::OnEndRequested()

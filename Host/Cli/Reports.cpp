@@ -1,5 +1,6 @@
 #include "Host/Cli/Reports.hpp"
 
+#include "Host/Cli/ProgressText.hpp"
 #include "Host/Core/Failures/ByteText.hpp"
 
 #include <QImageReader>
@@ -37,13 +38,10 @@ QString Files(quint32 p_Count)
     return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
 }
 
-QString FetchSummary(RunResult const& p_Result, QString const& p_Name)
+QString FetchSummary(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name)
 {
-    QString const fetched = p_Result.Transfers == 0
-                                ? QStringLiteral("nothing had to be fetched")
-                                : Files(p_Result.Transfers) + QStringLiteral(" fetched");
     return QStringLiteral("%1, build %2, is complete in %3 (%4)")
-        .arg(p_Name, p_Result.Build, p_Result.Folder, fetched);
+        .arg(p_Name, p_Result.Build, p_Result.Folder, Totals(p_Request, p_Result.Totals));
 }
 
 QString StartSummary(RunResult const& p_Result, QString const& p_Name)
@@ -115,20 +113,43 @@ QStringList Findings(RunResult const& p_Result)
     return lines;
 }
 
+QString Totals(RunRequest const& p_Request, RunTotals const& p_Totals)
+{
+    constexpr qint64 c_Second = 1'000;
+
+    bool const compares =
+        p_Request.Kind == RunRequest::Type::Check || p_Request.Kind == RunRequest::Type::Verify;
+    QString const took = ProgressText::Duration((p_Totals.Milliseconds + c_Second / 2) / c_Second);
+    if (p_Totals.Files == 0)
+        return (compares ? QStringLiteral("no file had to be compared; it took %1")
+                         : QStringLiteral("nothing had to be fetched; it took %1"))
+            .arg(took);
+    QString const text = QStringLiteral("%1 %2: %3 in %4")
+                             .arg(Files(p_Totals.Files),
+                                  compares ? QStringLiteral("compared") : QStringLiteral("fetched"),
+                                  ByteText(p_Totals.Bytes), took);
+    return p_Totals.Rate == 0
+               ? text
+               : text + QStringLiteral(", %1/s on average").arg(ByteText(p_Totals.Rate));
+}
+
 QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name)
 {
     switch (p_Request.Kind) {
     case RunRequest::Type::Install:
     case RunRequest::Type::Update:
     case RunRequest::Type::Repair:
-        return {FetchSummary(p_Result, p_Name)};
+        return {FetchSummary(p_Request, p_Result, p_Name)};
     case RunRequest::Type::Check:
-        return {(p_Request.Quick ? QStringLiteral("%1, build %2, is the current build; its files "
-                                                  "were not looked at")
-                                 : QStringLiteral("%1, build %2, is up to date"))
-                    .arg(p_Name, p_Result.Build)};
+        return {p_Request.Quick
+                    ? QStringLiteral("%1, build %2, is the current build; its files were not "
+                                     "looked at")
+                          .arg(p_Name, p_Result.Build)
+                    : QStringLiteral("%1, build %2, is up to date (%3)")
+                          .arg(p_Name, p_Result.Build, Totals(p_Request, p_Result.Totals))};
     case RunRequest::Type::Verify:
-        return {QStringLiteral("every file of %1, build %2, is right").arg(p_Name, p_Result.Build)};
+        return {QStringLiteral("every file of %1, build %2, is right (%3)")
+                    .arg(p_Name, p_Result.Build, Totals(p_Request, p_Result.Totals))};
     case RunRequest::Type::AskMirrors:
         return {};
     case RunRequest::Type::Uninstall:

@@ -26,17 +26,20 @@ QString FileCountText(std::size_t p_Count)
     return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
 }
 
-QString AmountText(std::vector<FileFinding> const& p_Findings)
+FetchAmount::FetchAmount(std::vector<FileFinding> const& p_Findings)
+    : Files(p_Findings.size())
 {
-    quint64 bytes = 0;
-    bool known = true;
     for (FileFinding const& finding : p_Findings) {
-        bytes += static_cast<quint64>(std::max<qint64>(0, finding.Bytes));
-        known = known && finding.Bytes >= 0;
+        Bytes += static_cast<quint64>(std::max<qint64>(0, finding.Bytes));
+        IsWhole = IsWhole && finding.Bytes >= 0;
     }
+}
+
+QString FetchAmount::Text() const
+{
     return QStringLiteral("%1 (%2%3)")
-        .arg(FileCountText(p_Findings.size()), known ? QString() : QStringLiteral("at least "),
-             ByteText(bytes));
+        .arg(FileCountText(Files), IsWhole ? QString() : QStringLiteral("at least "),
+             ByteText(Bytes));
 }
 
 } // namespace Varnholt::Host

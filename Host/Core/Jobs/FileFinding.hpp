@@ -29,7 +29,16 @@ struct FileFinding {
 
 /// "1 file", "3 files".
 QString FileCountText(std::size_t p_Count);
-/// "3 files (1.2 MiB)"; "at least" when a server did not tell every size.
-QString AmountText(std::vector<FileFinding> const& p_Findings);
+
+/// What is still to fetch.
+struct FetchAmount {
+    std::size_t Files = 0;
+    quint64 Bytes = 0;
+    bool IsWhole = true; ///< every size is known
+
+    explicit FetchAmount(std::vector<FileFinding> const& p_Findings);
+    /// "3 files (1.2 MiB)"; "at least" when a server did not tell every size.
+    QString Text() const;
+};
 
 } // namespace Varnholt::Host

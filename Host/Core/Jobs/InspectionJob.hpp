@@ -18,6 +18,8 @@ protected:
     void Work() override;
     RunPhase Phase() const override;
     RunSnapshot Look() override;
+    RunTotals Count() const override { return Examined ? Examined->Totals() : RunTotals(); }
+    bool MovesBytes() const override { return Examined && !IsJudged; }
 
     virtual RunPhase WorkPhase() const { return RunPhase::Comparing; }
     /// Whether what earlier runs have verified and listed is not to be trusted.

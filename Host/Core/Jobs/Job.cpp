@@ -46,8 +46,10 @@ void Job::AfterPump()
         OnGaveUp(ExplainFetch(*problem));
     if (!Over)
         Go();
-    if (!Over)
-        ShowProgress();
+    if (Over)
+        return;
+    Measure();
+    ShowProgress();
 }
 
 void Job::Go()
@@ -113,6 +115,7 @@ void Job::Fail(Failure const& p_Failure)
 void Job::End()
 {
     Over = true;
+    Measure();
     Release();
     Result.Transfers = Context.Ledger.Count() - Result.Transfers;
     Result.Folder = Folder();
@@ -126,6 +129,29 @@ void Job::End()
     last.Phase = Result.Problem ? RunPhase::Failed : RunPhase::Finished;
     Q_EMIT Progressed(last);
     Q_EMIT Ended(Result);
+}
+
+RunTotals Job::Count() const
+{
+    RunTotals totals;
+    totals.Files = Context.Ledger.Count() - Result.Transfers;
+    totals.Bytes = Context.Door->Snapshot().Received;
+    return totals;
+}
+
+void Job::Measure()
+{
+    constexpr quint64 c_Second = 1'000;
+
+    RunTotals totals = Count();
+    totals.Milliseconds = Clock.elapsed();
+    // Small files come while the module still asks for sizes.
+    if (MovesBytes() || totals.Bytes > Result.Totals.Bytes)
+        Moving += totals.Milliseconds - Measured;
+    Measured = totals.Milliseconds;
+    if (Moving > 0)
+        totals.Rate = totals.Bytes * c_Second / static_cast<quint64>(Moving);
+    Result.Totals = totals;
 }
 
 void Job::ShowProgress()

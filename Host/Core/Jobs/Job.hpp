@@ -88,6 +88,10 @@ protected:
     /// The phase, and a snapshot of it.
     virtual RunPhase Phase() const { return RunPhase::Connecting; }
     virtual RunSnapshot Look() { return Reader.Read(Phase()); }
+    /// What has been fetched until now, or compared; files and bytes alone.
+    virtual RunTotals Count() const;
+    /// Whether the time that passes is one in which bytes move.
+    virtual bool MovesBytes() const { return IsDownloading(Phase()); }
     /// Called at the end.
     virtual void Release() {}
 
@@ -133,6 +137,7 @@ private:
     void Go();
     void End();
     void ShowProgress();
+    void Measure();
 
     // _StartUp
     void OpenDoor();
@@ -154,6 +159,8 @@ private:
     bool UsesKept = false;         ///< no server is asked
     std::optional<Failure> Missed; ///< why, when they were to be asked
     QElapsedTimer Clock;
+    qint64 Measured = 0; ///< when the totals were measured; of the clock
+    qint64 Moving = 0;   ///< milliseconds in which bytes moved
     qint64 LastShown = 0;
     RunSnapshot LastSnapshot;
 };

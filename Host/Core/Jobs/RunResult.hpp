@@ -3,6 +3,7 @@
 #include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Jobs/MirrorReport.hpp"
+#include "Host/Core/Jobs/RunTotals.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QMetaType>
@@ -19,7 +20,8 @@ struct RunResult {
     QString Build;                  ///< the build in words, empty when it is not known
     QString Folder;
     quint32 Transfers = 0; ///< files fetched, repeated ones counted again
-    QString Locale;        ///< the chosen language
+    RunTotals Totals;
+    QString Locale;                                           ///< the chosen language
     std::vector<Launcher::ApplicationManifestLocale> Locales; ///< what the build offers
     std::vector<FileFinding> Findings; ///< files that are not as the build wants them
     std::vector<MirrorReport> Mirrors; ///< the default server first
