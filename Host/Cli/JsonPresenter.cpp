@@ -36,7 +36,10 @@ QJsonObject ObjectOf(ServerWait const& p_Wait)
 QJsonObject ObjectOf(FileFinding const& p_Finding)
 {
     QJsonObject object{{QStringLiteral("file"), p_Finding.Path},
-                       {QStringLiteral("cause"), p_Finding.CauseText()}};
+                       {QStringLiteral("cause"), p_Finding.CauseText()},
+                       {QStringLiteral("error"), p_Finding.Problem.Identifier()},
+                       {QStringLiteral("text"), p_Finding.Problem.Sentence()},
+                       {QStringLiteral("remedy"), p_Finding.Problem.Remedy()}};
     if (p_Finding.Bytes >= 0)
         object.insert(QStringLiteral("bytes"), p_Finding.Bytes);
     return object;

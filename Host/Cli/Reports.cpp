@@ -53,6 +53,24 @@ QString StartSummary(RunResult const& p_Result, QString const& p_Name)
                : QStringLiteral("%1; its output goes to %2").arg(started, p_Result.OutputFile);
 }
 
+/// What a run that had to bring files has given up. Of a single one the failure tells all.
+QStringList GivenUp(std::vector<FileFinding> const& p_Findings)
+{
+    constexpr std::size_t c_MostTold = 20;
+
+    QStringList lines;
+    if (p_Findings.size() < 2)
+        return lines;
+    for (std::size_t i = 0; i < std::min(p_Findings.size(), c_MostTold); ++i) {
+        Failure const& problem = p_Findings[i].Problem;
+        lines += QStringLiteral("%1: %2; %3")
+                     .arg(p_Findings[i].Path, problem.Sentence(), problem.Remedy());
+    }
+    if (p_Findings.size() > c_MostTold)
+        lines += QStringLiteral("and %1 more").arg(p_Findings.size() - c_MostTold);
+    return lines;
+}
+
 } // namespace
 
 QStringList Info(ModuleInfo const& p_Info)
@@ -92,18 +110,21 @@ QStringList Status(InstallStatus const& p_Status)
     return Table(rows);
 }
 
-QStringList Findings(RunResult const& p_Result)
+QStringList Findings(RunRequest const& p_Request, RunResult const& p_Result)
 {
     constexpr int c_CauseWidth = 10;
     constexpr int c_SizeWidth = 10;
 
     QStringList lines;
-    for (FileFinding const& finding : p_Result.Findings) {
-        QString const size =
-            finding.Bytes < 0 ? QString() : ByteText(static_cast<quint64>(finding.Bytes));
-        lines += finding.CauseText().leftJustified(c_CauseWidth) +
-                 size.rightJustified(c_SizeWidth) + QStringLiteral("  ") + finding.Path;
-    }
+    if (!p_Request.IsInspection())
+        lines = GivenUp(p_Result.Findings);
+    else
+        for (FileFinding const& finding : p_Result.Findings) {
+            QString const size =
+                finding.Bytes < 0 ? QString() : ByteText(static_cast<quint64>(finding.Bytes));
+            lines += finding.CauseText().leftJustified(c_CauseWidth) +
+                     size.rightJustified(c_SizeWidth) + QStringLiteral("  ") + finding.Path;
+        }
     for (MirrorReport const& report : p_Result.Mirrors) {
         QString const state = report.IsInOrder()
                                   ? QStringLiteral("in order, %1 ms").arg(report.Milliseconds)
@@ -117,8 +138,7 @@ QString Totals(RunRequest const& p_Request, RunTotals const& p_Totals)
 {
     constexpr qint64 c_Second = 1'000;
 
-    bool const compares =
-        p_Request.Kind == RunRequest::Type::Check || p_Request.Kind == RunRequest::Type::Verify;
+    bool const compares = p_Request.IsInspection();
     QString const took = ProgressText::Duration((p_Totals.Milliseconds + c_Second / 2) / c_Second);
     if (p_Totals.Files == 0)
         return (compares ? QStringLiteral("no file had to be compared; it took %1")

@@ -47,7 +47,7 @@ void TextPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_
                                 QString const& p_Game)
 {
     View.Clear();
-    Print(Reports::Findings(p_Result));
+    Print(Reports::Findings(p_Request, p_Result));
     if (!p_Result.Problem)
         return Print(Reports::Success(p_Request, p_Result, p_Game));
     if (p_Result.Totals.Files > 0)

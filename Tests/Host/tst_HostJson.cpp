@@ -201,6 +201,7 @@ void HostJsonTest::FindingsStandBeforeTheError()
     QCOMPARE(report.Texts("finding", "file"), QStringList("readme.txt"));
     QCOMPARE(report.Texts("finding", "cause"), QStringList("different"));
     QCOMPARE(report.Texts("finding", "bytes"), QStringList("7"));
+    QCOMPARE(report.Texts("finding", "remedy"), QStringList("run \"update\""));
     QCOMPARE(report.Last()["error"].toString(), QString("update-available"));
 }
 

@@ -23,10 +23,14 @@ QString Document()
 /// The values that the schema allows for a key of a type.
 QStringList Allowed(QString const& p_Type, QString const& p_Key)
 {
-    for (QJsonValue const& schema : JsonSchema::Documented("host-json").Words()["oneOf"].toArray())
+    auto const words = JsonSchema::Documented("host-json").Words();
+    QJsonValue found;
+    for (QJsonValue const& schema : words["oneOf"].toArray())
         if (schema["title"].toString() == p_Type)
-            return schema["properties"][p_Key]["enum"].toVariant().toStringList();
-    return {};
+            found = schema["properties"][p_Key];
+    if (QString const defined = found["$ref"].toString(); !defined.isEmpty())
+        found = words["definitions"].toObject()[defined.section(QLatin1Char('/'), -1)];
+    return found["enum"].toVariant().toStringList();
 }
 
 /// First columns of the table of the document whose heading begins so; the others behind a "|".
@@ -111,6 +115,7 @@ void HostJsonFormTest::TheSchemaNamesTheErrorsOfTheProgram()
     statuses.removeDuplicates();
     QVERIFY(identifiers.contains("interrupted"));
     QCOMPARE(Allowed("error", "error"), identifiers);
+    QCOMPARE(Allowed("finding", "error"), identifiers);
     QCOMPARE(allowed, statuses);
 }
 

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void ThePasswordOfTheEnvironmentStandsAboveTheOneKept();
     void ThePasswordGoesOutOfTheEnvironment();
     void AQuickCheckIsOne();
+    void FilesThatWereGivenUpAreListedUpToAPoint();
     void AQuickCheckSaysWhatItHasNotLookedAt();
 
 private:
@@ -265,6 +266,22 @@ void HostOptionsTest::AQuickCheckIsOne()
     QVERIFY(Completed({"check", "--quick"}).Request.Quick);
     ScopedVariable const variable("VARNHOLT_QUICK", "true");
     QVERIFY(Completed({"check"}).Request.Quick);
+}
+
+void HostOptionsTest::FilesThatWereGivenUpAreListedUpToAPoint()
+{
+    FileFinding finding;
+    finding.Path = "a.MPQ";
+    finding.Problem = {FailureKind::FilesWrong, "a.MPQ", "5.4.8"};
+    RunResult result;
+    result.Findings.assign(1, finding);
+    QCOMPARE(Reports::Findings({}, result), QStringList()); // the failure tells all
+    result.Findings.assign(23, finding);
+    QStringList const lines = Reports::Findings({}, result);
+    QCOMPARE(lines.size(), 21);
+    QCOMPARE(lines[19],
+             QString("a.MPQ: the game differs from build 5.4.8 in a.MPQ; run \"repair\""));
+    QCOMPARE(lines[20], QString("and 3 more"));
 }
 
 void HostOptionsTest::AQuickCheckSaysWhatItHasNotLookedAt()

@@ -31,6 +31,16 @@ QString Named(FileDiagnosis::Entries const& p_Missing)
         .arg(names.join(QStringLiteral(", ")));
 }
 
+constexpr int c_NotFetched = 2;
+
+/// What is told first: what stands in a file's way comes before the disk, and that before servers.
+int RankOf(FailureKind p_Kind)
+{
+    if (p_Kind == FailureKind::FilesGivenUp || p_Kind == FailureKind::FilesUnreachable)
+        return c_NotFetched;
+    return p_Kind == FailureKind::DiskFull ? 1 : 0;
+}
+
 } // namespace
 
 FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
@@ -41,14 +51,32 @@ FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
 {
 }
 
-Failure FileDiagnosis::Explain(Entries const& p_Missing) const
+FileDiagnosis::Diagnosis FileDiagnosis::Explain(Entries const& p_Missing) const
 {
-    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing)
+    std::map<QString, Failure> const onFullDisks = OnFullDisks(p_Missing);
+    std::vector<FileFinding> files;
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
+        files.emplace_back(Folder, entry, FileFinding::Cause::Different);
+        auto const onFullDisk = onFullDisks.find(entry.Path);
         if (auto const failure = WhatStandsInTheWay(entry.Path))
-            return *failure;
-    if (auto const failure = FullDisk(p_Missing))
-        return *failure;
+            files.back().Problem = *failure;
+        else if (onFullDisk != onFullDisks.end())
+            files.back().Problem = onFullDisk->second;
+        else
+            files.back().Problem = NotFetched({entry});
+    }
+    auto const worst =
+        std::min_element(files.begin(), files.end(), [](auto& p_File, auto& p_Other) {
+            return RankOf(p_File.Problem.Kind) < RankOf(p_Other.Problem.Kind);
+        });
+    bool const isLocal = RankOf(worst->Problem.Kind) < c_NotFetched;
+    Failure const whole = isLocal ? worst->Problem : NotFetched(p_Missing);
+    return {whole, files};
+}
 
+/// Why nothing, or nothing useful, came of files that could be placed.
+Failure FileDiagnosis::NotFetched(Entries const& p_Missing) const
+{
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
         auto const problem = Door.ProblemOf(entry.Location);
         if (!problem)
@@ -102,10 +130,12 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     return std::nullopt;
 }
 
-std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
+/// The failures by the paths of the files.
+std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) const
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
+    std::map<QString, Failure> failures;
     for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
         qint64 const free = FreeBytes(share.Folder);
         qint64 needed = 0;
@@ -116,13 +146,16 @@ std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
             needed += std::max<qint64>(0, size - there);
         }
         bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
-        if (isFull && !share.Files.empty())
-            return Failure{FailureKind::DiskFull, share.Folder,
-                           QStringLiteral("%1 are free, %2 more are needed")
-                               .arg(ByteText(static_cast<quint64>(free)),
-                                    ByteText(static_cast<quint64>(needed)))};
+        if (!isFull)
+            continue;
+        Failure const failure{
+            FailureKind::DiskFull, share.Folder,
+            QStringLiteral("%1 are free, %2 more are needed")
+                .arg(ByteText(static_cast<quint64>(free)), ByteText(static_cast<quint64>(needed)))};
+        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files)
+            failures.emplace(entry.Path, failure);
     }
-    return std::nullopt;
+    return failures;
 }
 
 } // namespace Varnholt::Host

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QString>
 
 #include <functional>
+#include <map>
+#include <optional>
 #include <vector>
 
 namespace Varnholt::Host {
@@ -20,12 +22,18 @@ public:
     FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
                   std::function<qint64(QString const&)> p_FreeBytes);
 
+    struct Diagnosis {
+        Failure Whole; ///< what all of it comes down to
+        std::vector<FileFinding> Files;
+    };
+
     /// \param p_Missing not empty
-    Failure Explain(Entries const& p_Missing) const;
+    Diagnosis Explain(Entries const& p_Missing) const;
 
 private:
     std::optional<Failure> WhatStandsInTheWay(QString const& p_Path) const;
-    std::optional<Failure> FullDisk(Entries const& p_Missing) const;
+    std::map<QString, Failure> OnFullDisks(Entries const& p_Missing) const;
+    Failure NotFetched(Entries const& p_Missing) const;
 
     QString Folder;
     NetworkDoor const& Door;

@@ -51,7 +51,7 @@ RunSnapshot CheckJob::Look()
 
 void CheckJob::TellUpdate()
 {
-    Fail({FailureKind::UpdateAvailable, FetchAmount(Result.Findings).Text(), Result.Build});
+    Fail({Verdict(), FetchAmount(Result.Findings).Text(), Result.Build});
 }
 
 } // namespace Varnholt::Host

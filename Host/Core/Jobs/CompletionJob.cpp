@@ -208,9 +208,12 @@ void CompletionJob::Complete()
     Finish();
 }
 
-Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing) const
+Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing)
 {
-    return FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+    auto const diagnosis =
+        FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+    Result.Findings.insert(Result.Findings.end(), diagnosis.Files.begin(), diagnosis.Files.end());
+    return diagnosis.Whole;
 }
 
 } // namespace Varnholt::Host

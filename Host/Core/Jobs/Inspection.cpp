@@ -106,18 +106,7 @@ void Inspection::Add(Entries const& p_Entries, FileFinding::Cause p_WhenThere)
         if (Told.contains(entry.Path))
             continue;
         Told.insert(entry.Path);
-        FileFinding finding;
-        finding.Path = entry.Path;
-        finding.Location = entry.Location;
-        finding.IsDefaultServerOnly =
-            entry.Has(Launcher::ApplicationManifestFileEntry::DefaultServerOnly);
-        QFileInfo const file(Folder + entry.Path);
-        finding.Why = p_WhenThere;
-        if (!file.exists())
-            finding.Why = FileFinding::Cause::Missing;
-        else if (file.isDir())
-            finding.Why = FileFinding::Cause::Blocked;
-        Found.push_back(finding);
+        Found.emplace_back(Folder, entry, p_WhenThere);
     }
 }
 
