@@ -16,6 +16,11 @@ double Figure(quint64 p_Value)
     return static_cast<double>(p_Value);
 }
 
+QString TimeText(QDateTime const& p_Time)
+{
+    return p_Time.toString(Qt::ISODateWithMs);
+}
+
 QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
 {
     QJsonArray servers;
@@ -112,8 +117,8 @@ JsonPresenter::JsonPresenter(Console& p_Console)
 void JsonPresenter::Write(char const* p_Type, QJsonObject p_Object)
 {
     p_Object.insert(QStringLiteral("type"), QLatin1String(p_Type));
-    p_Object.insert(QStringLiteral("time"),
-                    QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+    if (!p_Object.contains(QLatin1String("time")))
+        p_Object.insert(QStringLiteral("time"), TimeText(QDateTime::currentDateTimeUtc()));
     Output.Result(QString::fromUtf8(QJsonDocument(p_Object).toJson(QJsonDocument::Compact)));
 }
 
@@ -188,9 +193,15 @@ QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
     return object;
 }
 
-void JsonPresenter::WriteNotice(QString const& p_Text)
+void JsonPresenter::WriteNotice(Notice const& p_Notice)
 {
-    Write("notice", {{QStringLiteral("text"), p_Text}});
+    QJsonObject object{{QStringLiteral("time"), TimeText(p_Notice.Time)},
+                       {QStringLiteral("severity"), p_Notice.SeverityName()},
+                       {QStringLiteral("kind"), p_Notice.Identifier()},
+                       {QStringLiteral("text"), p_Notice.Text()}};
+    if (QString const remedy = p_Notice.Remedy(); !remedy.isEmpty())
+        object.insert(QStringLiteral("remedy"), remedy);
+    Write("notice", object);
 }
 
 void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_Result,

@@ -14,10 +14,11 @@ void Log(Failure const& p_Failure)
 
 } // namespace
 
-void Presenter::ShowNotice(QString const& p_Text)
+void Presenter::ShowNotice(Notice const& p_Notice)
 {
-    MessageLog::Write(QStringLiteral("notice: ") + p_Text);
-    WriteNotice(p_Text);
+    MessageLog::Write(QStringLiteral("%1: %2: %3")
+                          .arg(p_Notice.SeverityName(), p_Notice.Identifier(), p_Notice.Text()));
+    WriteNotice(p_Notice);
 }
 
 void Presenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,

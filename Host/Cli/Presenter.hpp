@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
@@ -25,7 +26,7 @@ public:
                             bool p_IsListed) = 0;
     virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
     /// Something that a user may want to know.
-    void ShowNotice(QString const& p_Text);
+    void ShowNotice(Notice const& p_Notice);
     /// The findings of a run, and how it has ended.
     void ShowResult(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Game);
     /// Of what came to no run.
@@ -34,7 +35,7 @@ public:
 protected:
     virtual void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
                              QString const& p_Game) = 0;
-    virtual void WriteNotice(QString const& p_Text) = 0;
+    virtual void WriteNotice(Notice const& p_Notice) = 0;
     virtual void WriteFailure(Failure const& p_Failure) = 0;
 };
 

@@ -33,7 +33,7 @@ int Program::Run()
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
     connect(Session.get(), &HostSession::Progressed, this, &Program::OnProgressed);
     connect(Session.get(), &HostSession::Noticed, this,
-            [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
+            [this](Notice const& p_Notice) { Output.ShowNotice(p_Notice); });
     connect(Session.get(), &HostSession::Ended, this,
             [this](quint64, RunResult const& p_Result) { OnEnded(p_Result); });
     connect(Session.get(), &HostSession::Closed, this, [] { QCoreApplication::exit(); });
@@ -97,8 +97,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
             return false;
         }
         if (request.Password.isEmpty())
-            Output.ShowNotice(
-                QStringLiteral("No password was given; the game does not log in by itself."));
+            Output.ShowNotice({NoticeKind::PasswordMissing});
         return true;
     }
     if (!Prompt::IsInteractive()) {
@@ -108,7 +107,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
     request.Confirmed = Prompt::Confirm(
         QStringLiteral("Delete the files of %1 in %2?").arg(p_Status.Name, p_Status.Folder));
     if (!request.Confirmed) {
-        Output.ShowNotice(QStringLiteral("Nothing was deleted."));
+        Output.ShowNotice({NoticeKind::NothingDeleted});
         Quit(SignalWatch::IsEndRequested() ? c_InterruptedStatus : EXIT_FAILURE);
     }
     return request.Confirmed;
@@ -145,10 +144,10 @@ void Program::OnMessage(ControlMessage const& p_Message)
     if (p_Message.Kind != ControlMessage::Type::LimitRate)
         return SetPaused(p_Message.Kind == ControlMessage::Type::Pause);
     Session->SetRateLimit(p_Message.BytesPerSecond);
-    Output.ShowNotice(p_Message.BytesPerSecond == 0
-                          ? QStringLiteral("The download is no longer limited.")
-                          : QStringLiteral("The download is now limited to %1/s.")
-                                .arg(ByteText(p_Message.BytesPerSecond)));
+    if (p_Message.BytesPerSecond == 0)
+        Output.ShowNotice({NoticeKind::RateUnlimited});
+    else
+        Output.ShowNotice({NoticeKind::RateLimited, ByteText(p_Message.BytesPerSecond)});
 }
 
 void Program::OnEnded(RunResult const& p_Result)
@@ -163,7 +162,7 @@ void Program::OnEndRequested()
 {
     if (!IsRunning)
         return Quit(c_InterruptedStatus);
-    Output.ShowNotice(QStringLiteral("Stopping; press Ctrl-C again to stop at once."));
+    Output.ShowNotice({NoticeKind::Stopping});
     Session->Interrupt();
 }
 

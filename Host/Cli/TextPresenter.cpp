@@ -38,9 +38,9 @@ void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     View.Show(p_Snapshot);
 }
 
-void TextPresenter::WriteNotice(QString const& p_Text)
+void TextPresenter::WriteNotice(Notice const& p_Notice)
 {
-    Output.Note(p_Text);
+    Output.Note(p_Notice.Text());
 }
 
 void TextPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_Result,

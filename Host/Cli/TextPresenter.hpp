@@ -20,7 +20,7 @@ public:
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
 
 protected:
-    void WriteNotice(QString const& p_Text) override;
+    void WriteNotice(Notice const& p_Notice) override;
     void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
                      QString const& p_Game) override;
     void WriteFailure(Failure const& p_Failure) override;

@@ -160,9 +160,12 @@ void HostJsonTest::ANoticeIsALineOfItsOwn()
     game.Server.Remove("/cdns.info");
     Outcome const outcome = HostProcess(game, {"--json", "install", game.Folder}).Finish();
     QCOMPARE(outcome.Status, 0);
-    QStringList const notices = JsonReport(outcome.Out).Texts("notice", "text");
-    QCOMPARE(notices.size(), 1);
-    QVERIFY2(notices[0].contains("cdns.info"), qPrintable(notices[0]));
+    auto const notices = JsonReport(outcome.Out).Of("notice");
+    QCOMPARE(notices.size(), std::size_t(1));
+    QVERIFY(notices[0]["text"].toString().contains("cdns.info"));
+    QCOMPARE(notices[0]["kind"].toString(), QString("mirrors-unknown"));
+    QCOMPARE(notices[0]["severity"].toString(), QString("warning"));
+    QVERIFY(!notices[0].contains("remedy"));
 }
 
 void HostJsonTest::OnlyRunsThatUseTheRealmListTellOfIt_data()

@@ -1,5 +1,7 @@
 #include "Host/Core/Failures/Failure.hpp"
 
+#include "Host/Core/Failures/TextTemplate.hpp"
+
 #include <algorithm>
 #include <iterator>
 
@@ -129,25 +131,11 @@ Row const& RowOf(FailureKind p_Kind)
     return row == std::end(c_Table) ? c_Table[0] : *row;
 }
 
-/// Replaces both marks in one pass over the template, so that a path holding "{d}" stays itself.
 QString Fill(char const* p_Template, Failure const& p_Failure)
 {
-    QString const text = QString::fromUtf8(p_Template);
-    QString filled;
-    for (int i = 0; i < text.size(); ++i) {
-        QStringRef const mark = text.midRef(i, 3);
-        if (mark == QLatin1String("{s}"))
-            filled += p_Failure.Subject;
-        else if (mark == QLatin1String("{d}"))
-            filled +=
-                p_Failure.Detail.isEmpty() ? QStringLiteral("cause unknown") : p_Failure.Detail;
-        else {
-            filled += text[i];
-            continue;
-        }
-        i += 2;
-    }
-    return filled;
+    return FillTemplate(QString::fromUtf8(p_Template), p_Failure.Subject,
+                        p_Failure.Detail.isEmpty() ? QStringLiteral("cause unknown")
+                                                   : p_Failure.Detail);
 }
 
 } // namespace

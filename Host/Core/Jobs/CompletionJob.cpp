@@ -203,8 +203,7 @@ void CompletionJob::Complete()
     if (auto const unkept = Context.Record.MarkComplete(Context.Module.RemoteBuild))
         return Fail(*unkept);
     if (!Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
-        NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")
-                       .arg(Context.Copies.Folder()));
+        NoticeOnce({NoticeKind::CopiesNotKept, Context.Copies.Folder()});
     Finish();
 }
 

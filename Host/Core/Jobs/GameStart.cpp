@@ -69,10 +69,10 @@ QString CauseOf(int p_Error, QString const& p_File)
 } // namespace
 
 GameStart::GameStart(RunContext const& p_Context, RunRequest const& p_Request,
-                     std::function<void(QString const&)> p_Notice)
+                     std::function<void(Notice const&)> p_Tell)
     : Context(p_Context)
     , Request(p_Request)
-    , Notice(std::move(p_Notice))
+    , Tell(std::move(p_Tell))
     , Folder(p_Context.Record.Folder())
     , Output(p_Context.Record.File(), p_Context.Module.AppId, Folder)
 {
@@ -85,7 +85,7 @@ std::optional<Failure> GameStart::Begin()
     if (auto failure = FindWrapper())
         return failure;
     if (Context.Record.IsUnfinished())
-        Notice(QStringLiteral("The game is not complete; run \"update\" if it does not work."));
+        Tell({NoticeKind::GameIncomplete});
     bool const wasRunning = Context.Module.IsGameRunning();
     // The game has an environment of its own.
     NetworkDoor::Outside const outside(Context.Door);
@@ -157,8 +157,7 @@ std::optional<Failure> GameStart::Launch()
     if (QString const why = Output.Begin(); why.isEmpty())
         OutputName = Output.File();
     else
-        Notice(QStringLiteral("The output of the game is not kept: %1 cannot be written (%2).")
-                   .arg(Output.File(), why));
+        Tell({NoticeKind::OutputNotKept, Output.File(), why});
     QString const path = Program.filePath();
     QStringList arguments = Context.Info.GameArguments + Request.GameArguments;
     if (!Wrapper.isEmpty())
@@ -180,8 +179,7 @@ void GameStart::JudgeLogin(bool p_WasRunning) const
     if (Request.Argument.isEmpty() || Request.Password.isEmpty())
         return;
     if (p_WasRunning)
-        return Notice(QStringLiteral("The game was running already; the new one does not log "
-                                     "in by itself."));
+        return Tell({NoticeKind::GameRunningAlready});
     // Without one template the module copies none.
     for (bool const copied : {false, true})
         for (QString const& name : Context.Info.LoginFiles) {
@@ -189,13 +187,12 @@ void GameStart::JudgeLogin(bool p_WasRunning) const
             QString const origin = screen + Context.Info.LoginTemplateSuffix;
             if (QFileInfo::exists(copied ? screen : origin))
                 continue;
-            return Notice(QStringLiteral("The game does not log in by itself: %1 %2.")
-                              .arg(origin, copied ? QStringLiteral("cannot be copied")
-                                                  : QStringLiteral("is missing")));
+            return Tell(
+                {NoticeKind::LoginNotPrepared, origin,
+                 copied ? QStringLiteral("cannot be copied") : QStringLiteral("is missing")});
         }
     if (IsMarkup(Request.Argument) || IsMarkup(Request.Password))
-        Notice(QStringLiteral("The account name or the password holds characters that the "
-                              "login screen may misread; log in by hand if it does."));
+        Tell({NoticeKind::LoginMisreadable});
 }
 
 bool GameStart::IsSettled()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/GameOutput.hpp"
 #include "Host/Core/Jobs/GameProcess.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
@@ -19,9 +20,9 @@ namespace Varnholt::Host {
 /// program: its end would not be seen otherwise. Module thread.
 class GameStart {
 public:
-    /// \param p_Notice told what the start goes on after
+    /// \param p_Tell told what the start goes on after
     GameStart(RunContext const& p_Context, RunRequest const& p_Request,
-              std::function<void(QString const&)> p_Notice);
+              std::function<void(Notice const&)> p_Tell);
 
     /// Starts the game. \return why it does not run; the account's files are gone then
     std::optional<Failure> Begin();
@@ -43,7 +44,7 @@ private:
 
     RunContext Context;
     RunRequest Request;
-    std::function<void(QString const&)> Notice;
+    std::function<void(Notice const&)> Tell;
     QString Folder;
     QFileInfo Program;
     QString Wrapper; ///< its file; empty: none

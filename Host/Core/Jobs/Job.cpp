@@ -170,10 +170,10 @@ void Job::ShowProgress()
     Q_EMIT Progressed(snapshot);
 }
 
-void Job::NoticeOnce(QString const& p_Text)
+void Job::NoticeOnce(Notice const& p_Notice)
 {
-    if (Told.insert(p_Text).second)
-        Q_EMIT Noticed(p_Text);
+    if (Told.insert(p_Notice.Text()).second)
+        Q_EMIT Noticed(p_Notice);
 }
 
 std::optional<Failure> Job::GameFailure() const
@@ -193,8 +193,8 @@ std::optional<Failure> Job::LockFolder(QString const& p_Folder)
     auto failure = Lock->Take();
     if (failure)
         Lock.reset();
-    else if (!Lock->Notice().isEmpty())
-        NoticeOnce(Lock->Notice());
+    else if (auto const warning = Lock->Warning())
+        NoticeOnce(*warning);
     return failure;
 }
 

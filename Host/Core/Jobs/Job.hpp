@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Folder/FolderLock.hpp"
 #include "Host/Core/Jobs/ProgressReader.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
@@ -71,7 +72,7 @@ public:
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
     /// Something went wrong that the run goes on after.
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(RunResult p_Result);
 
 protected:
@@ -99,7 +100,7 @@ protected:
     void Settle(std::function<void()> p_Next);
     void Finish();
     void Fail(Failure const& p_Failure);
-    void NoticeOnce(QString const& p_Text);
+    void NoticeOnce(Notice const& p_Notice);
     bool IsOver() const { return Over; }
     bool IsWorking() const { return State == Step::Working; }
     QString Folder() const { return Context.Record.Folder(); }

@@ -98,14 +98,13 @@ Failure Job::NothingKept() const
 /// Called when the build is known: the host list has been answered by then.
 void Job::NoticeHostList()
 {
-    QString const noMirrors = QStringLiteral("%1; the files come from the default server.");
     auto const problem = Context.Door->ProblemOf(NetworkDoor::c_HostList);
     if (!problem || UsesKept)
         return;
-    if (problem->Kind == Gateway::FetchProblem::Type::Unusable)
-        NoticeOnce(noMirrors.arg(QStringLiteral("The list of mirrors is damaged")));
-    else
-        NoticeOnce(noMirrors.arg(ExplainFetch(*problem).Sentence()));
+    bool const isDamaged = problem->Kind == Gateway::FetchProblem::Type::Unusable;
+    NoticeOnce({NoticeKind::MirrorsUnknown, isDamaged
+                                                ? QStringLiteral("The list of mirrors is damaged")
+                                                : ExplainFetch(*problem).Sentence()});
 }
 
 void Job::NoticeCopies()
@@ -115,9 +114,9 @@ void Job::NoticeCopies()
         Missed = ExplainFetch(*problem);
     }
     if (UsesKept)
-        NoticeOnce(QStringLiteral("%1; going on with what is known of build %2.")
-                       .arg(Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
-                            Result.Build));
+        NoticeOnce({NoticeKind::ServersDoneWithout,
+                    Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
+                    Result.Build});
 }
 
 bool Job::CanUseBuild()
@@ -129,9 +128,7 @@ bool Job::CanUseBuild()
     }
     QString const locale = Context.Module.GetAppLocale();
     if (!manifest.Locales.empty() && manifest.Locales.count(locale) == 0)
-        NoticeOnce(QStringLiteral("The build does not offer the language %1; its files are left "
-                                  "out until another one is chosen.")
-                       .arg(locale));
+        NoticeOnce({NoticeKind::LocaleLeftOut, locale});
     return true;
 }
 
@@ -141,8 +138,7 @@ void Job::NoticeRealmList()
     if (UsesKept)
         return; // told already
     if (auto const problem = Context.Door.ProblemOf(QStringLiteral("realmlist.info")))
-        NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
-                       .arg(ExplainFetch(*problem).Sentence()));
+        NoticeOnce({NoticeKind::RealmListKept, ExplainFetch(*problem).Sentence()});
 }
 
 Failure Job::LatestFailure() const

@@ -110,7 +110,7 @@ void ModuleHost::Assemble()
 void ModuleHost::OnError(QString const& p_Message)
 {
     if (p_Message.startsWith(QLatin1String("File ")))
-        Q_EMIT Noticed(p_Message); // the door knows the others better
+        Q_EMIT Noticed({NoticeKind::ModuleMessage, p_Message}); // the door knows the others better
 }
 
 void ModuleHost::ReadStatus()

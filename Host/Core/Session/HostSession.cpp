@@ -16,6 +16,7 @@ void RegisterTypes()
     qRegisterMetaType<Failure>("Failure");
     qRegisterMetaType<InstallStatus>("InstallStatus");
     qRegisterMetaType<ModuleInfo>("ModuleInfo");
+    qRegisterMetaType<Notice>("Notice");
     qRegisterMetaType<RunResult>("RunResult");
     qRegisterMetaType<RunSnapshot>("RunSnapshot");
 }

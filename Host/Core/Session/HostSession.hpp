@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
@@ -72,7 +73,7 @@ Q_SIGNALS:
     void OpenFailed(Failure p_Failure);
     void StatusRead(InstallStatus p_Status);
     void Progressed(RunSnapshot p_Snapshot);
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(quint64 p_Id, RunResult p_Result);
     void Closed();
 
