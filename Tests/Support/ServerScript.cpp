@@ -93,8 +93,13 @@ bool ServerScript::PassGate(QString const& p_Path)
 
 void ServerScript::Record(RecordedRequest p_Request)
 {
+    constexpr int c_MostOfAPath = 5'000;
+
     QMutexLocker const lock(&Mutex);
     p_Request.Number = static_cast<int>(Seen.size());
+    // A client that asks without a pause would do so until somebody ends the test.
+    if (++Asked[p_Request.Path] > c_MostOfAPath)
+        qFatal("%s is asked for without end", qPrintable(p_Request.Path));
     Seen.push_back(std::move(p_Request));
 }
 

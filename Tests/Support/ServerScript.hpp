@@ -66,6 +66,7 @@ private:
     QHash<QString, qint64> SentBytes;
     QHash<QByteArray, Concurrency> UnderWay; ///< answers by method
     std::vector<RecordedRequest> Seen;
+    QHash<QString, int> Asked; ///< requests by path
 };
 
 } // namespace Varnholt::TestSupport
