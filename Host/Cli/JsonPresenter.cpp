@@ -223,6 +223,7 @@ void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_
     }
     QJsonObject result{{QStringLiteral("game"), p_Game},
                        {QStringLiteral("build"), p_Result.Build},
+                       {QStringLiteral("buildName"), p_Result.BuildName},
                        {QStringLiteral("folder"), p_Result.Folder},
                        {QStringLiteral("locale"), p_Result.Locale},
                        {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)}};

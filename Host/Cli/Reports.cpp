@@ -41,7 +41,7 @@ QString Files(quint32 p_Count)
 QString FetchSummary(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name)
 {
     return QStringLiteral("%1, build %2, is complete in %3 (%4)")
-        .arg(p_Name, p_Result.Build, p_Result.Folder, Totals(p_Request, p_Result.Totals));
+        .arg(p_Name, p_Result.BuildText(), p_Result.Folder, Totals(p_Request, p_Result.Totals));
 }
 
 QString StartSummary(RunResult const& p_Result, QString const& p_Name)
@@ -164,12 +164,12 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
         return {p_Request.Quick
                     ? QStringLiteral("%1, build %2, is the current build; its files were not "
                                      "looked at")
-                          .arg(p_Name, p_Result.Build)
+                          .arg(p_Name, p_Result.BuildText())
                     : QStringLiteral("%1, build %2, is up to date (%3)")
-                          .arg(p_Name, p_Result.Build, Totals(p_Request, p_Result.Totals))};
+                          .arg(p_Name, p_Result.BuildText(), Totals(p_Request, p_Result.Totals))};
     case RunRequest::Type::Verify:
         return {QStringLiteral("every file of %1, build %2, is right (%3)")
-                    .arg(p_Name, p_Result.Build, Totals(p_Request, p_Result.Totals))};
+                    .arg(p_Name, p_Result.BuildText(), Totals(p_Request, p_Result.Totals))};
     case RunRequest::Type::AskMirrors:
         return {};
     case RunRequest::Type::Uninstall:

@@ -100,7 +100,8 @@ void HostJsonTest::ARunIsToldFromItsPhasesToItsResult()
     QCOMPARE(phases.last(), QString("finished"));
     QJsonObject const result = report.Last();
     QCOMPARE(result["game"].toString(), QString("Mists of Pandaria"));
-    QCOMPARE(result["build"].toString(), QString("Sample build"));
+    QCOMPARE(result["build"].toString(), QString("build_1"));
+    QCOMPARE(result["buildName"].toString(), QString("Sample build"));
     QCOMPARE(result["folder"].toString(), game.Folder);
     QCOMPARE(result["locale"].toString(), QString("enUS"));
     QCOMPARE(result["transfers"].toInt(), 6);

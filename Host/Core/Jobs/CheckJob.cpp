@@ -51,7 +51,7 @@ RunSnapshot CheckJob::Look()
 
 void CheckJob::TellUpdate()
 {
-    Fail({Verdict(), FetchAmount(Result.Findings).Text(), Result.Build});
+    Fail({Verdict(), FetchAmount(Result.Findings).Text(), Result.BuildText()});
 }
 
 } // namespace Varnholt::Host

@@ -28,7 +28,7 @@ void InspectionJob::Explain(FileFinding& p_Finding) const
     if (p_Finding.Why == FileFinding::Cause::Blocked)
         p_Finding.Problem = {FailureKind::FolderBlocksFile, Folder() + p_Finding.Path, {}};
     else
-        p_Finding.Problem = {Verdict(), p_Finding.Path, Result.Build};
+        p_Finding.Problem = {Verdict(), p_Finding.Path, Result.BuildText()};
 }
 
 RunPhase InspectionJob::Phase() const

@@ -48,7 +48,8 @@ void Job::StartUp()
 void Job::OnConnected()
 {
     State = Step::Working;
-    Result.Build = Context.Module.Manifest.BuildStr;
+    Result.Build = Context.Module.RemoteBuild;
+    Result.BuildName = Context.Module.Manifest.BuildStr;
     Context.Watch.Reset();
     NoticeCopies();
     NoticeHostList();
@@ -116,7 +117,7 @@ void Job::NoticeCopies()
     if (UsesKept)
         NoticeOnce({NoticeKind::ServersDoneWithout,
                     Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
-                    Result.Build});
+                    Result.BuildText()});
 }
 
 bool Job::CanUseBuild()

@@ -17,7 +17,8 @@ namespace Varnholt::Host {
 /// How a run ended.
 struct RunResult {
     std::optional<Failure> Problem; ///< empty: everything wanted is in place
-    QString Build;                  ///< the build in words, empty when it is not known
+    QString Build;                  ///< the build's identifier, empty when it is not known
+    QString BuildName;              ///< the same in words, as far as its manifest was read
     QString Folder;
     quint32 Transfers = 0; ///< files fetched, repeated ones counted again
     RunTotals Totals;
@@ -27,6 +28,9 @@ struct RunResult {
     std::vector<MirrorReport> Mirrors; ///< the default server first
     qint64 ProcessId = 0;              ///< of the game that was started; 0: none was
     QString OutputFile;                ///< that takes that game's output; empty: nothing does
+
+    /// The build as people know it.
+    QString BuildText() const { return BuildName.isEmpty() ? Build : BuildName; }
 };
 
 } // namespace Varnholt::Host
