@@ -21,84 +21,67 @@ struct Row {
     char const* Remedy;
 };
 
-constexpr Row c_Table[] = {
-    {NoticeKind::ModuleMessage, Level::Warning, "module-message",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "{s}"), ""},
-    {NoticeKind::MirrorsUnknown, Level::Warning, "mirrors-unknown",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "{s}; the files come from the default server"),
-     ""},
-    {NoticeKind::ServersDoneWithout, Level::Warning, "servers-done-without",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "{s}; going on with what is known of build {d}"),
-     ""},
-    {NoticeKind::LocaleLeftOut, Level::Warning, "locale-left-out",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The build does not offer the language {s}; its "
-                                                 "files are left out until another one is chosen"),
-     ""},
-    {NoticeKind::RealmListKept, Level::Warning, "realm-list-kept",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "{s}; the game keeps the realm list that it has"),
-     ""},
-    {NoticeKind::CopiesNotKept, Level::Warning, "copies-not-kept",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice",
-                       "What starts the game without a server cannot be kept in {s}"),
-     ""},
-    {NoticeKind::FolderNotLocked, Level::Warning, "folder-not-locked",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The folder {s} cannot be locked ({d})"),
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice",
-                       "let no other program work in it at the same time")},
-    {NoticeKind::GameIncomplete, Level::Warning, "game-incomplete",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The game is not complete"),
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "run \"update\" if it does not work")},
-    {NoticeKind::OutputNotKept, Level::Warning, "output-not-kept",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice",
-                       "The output of the game is not kept: {s} cannot be written ({d})"),
-     ""},
-    {NoticeKind::GameRunningAlready, Level::Warning, "game-running-already",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice",
-                       "The game was running already; the new one does not log in by itself"),
-     ""},
-    {NoticeKind::LoginNotPrepared, Level::Warning, "login-not-prepared",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The game does not log in by itself: {s} {d}"),
-     ""},
-    {NoticeKind::LoginMisreadable, Level::Warning, "login-misreadable",
-     QT_TRANSLATE_NOOP(
-         "Varnholt::Host::Notice",
-         "The account name or the password holds characters that the login screen may misread"),
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "log in by hand if it does")},
-    {NoticeKind::GameGoesOn, Level::Information, "game-goes-on",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The game was started and goes on running"), ""},
-    {NoticeKind::PasswordMissing, Level::Warning, "password-missing",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice",
-                       "No password was given; the game does not log in by itself"),
-     ""},
-    {NoticeKind::PasswordUnreadable, Level::Warning, "password-unreadable",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The remembered password cannot be read: {s}"),
-     ""},
-    {NoticeKind::PasswordNotRemembered, Level::Warning, "password-not-remembered",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The password is not remembered: {s}"), ""},
-    {NoticeKind::PasswordNotForgotten, Level::Warning, "password-not-forgotten",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The password is not forgotten: {s}"), ""},
-    {NoticeKind::NothingDeleted, Level::Information, "nothing-deleted",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "Nothing was deleted"), ""},
-    {NoticeKind::RateUnlimited, Level::Information, "rate-unlimited",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The download is no longer limited"), ""},
-    {NoticeKind::RateLimited, Level::Information, "rate-limited",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "The download is now limited to {s}/s"), ""},
-    {NoticeKind::Stopping, Level::Information, "stopping",
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "Stopping"),
-     QT_TRANSLATE_NOOP("Varnholt::Host::Notice", "press Ctrl-C again to stop at once")},
+struct Table {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::Notice)
+
+public:
+    static constexpr Row c_Rows[] = {
+        {NoticeKind::ModuleMessage, Level::Warning, "module-message", QT_TR_NOOP("{s}"), ""},
+        {NoticeKind::MirrorsUnknown, Level::Warning, "mirrors-unknown",
+         QT_TR_NOOP("{s}; the files come from the default server"), ""},
+        {NoticeKind::ServersDoneWithout, Level::Warning, "servers-done-without",
+         QT_TR_NOOP("{s}; going on with what is known of build {d}"), ""},
+        {NoticeKind::LocaleLeftOut, Level::Warning, "locale-left-out",
+         QT_TR_NOOP("The build does not offer the language {s}; its "
+                    "files are left out until another one is chosen"),
+         ""},
+        {NoticeKind::RealmListKept, Level::Warning, "realm-list-kept",
+         QT_TR_NOOP("{s}; the game keeps the realm list that it has"), ""},
+        {NoticeKind::CopiesNotKept, Level::Warning, "copies-not-kept",
+         QT_TR_NOOP("What starts the game without a server cannot be kept in {s}"), ""},
+        {NoticeKind::FolderNotLocked, Level::Warning, "folder-not-locked",
+         QT_TR_NOOP("The folder {s} cannot be locked ({d})"),
+         QT_TR_NOOP("let no other program work in it at the same time")},
+        {NoticeKind::GameIncomplete, Level::Warning, "game-incomplete",
+         QT_TR_NOOP("The game is not complete"), QT_TR_NOOP("run \"update\" if it does not work")},
+        {NoticeKind::OutputNotKept, Level::Warning, "output-not-kept",
+         QT_TR_NOOP("The output of the game is not kept: {s} cannot be written ({d})"), ""},
+        {NoticeKind::GameRunningAlready, Level::Warning, "game-running-already",
+         QT_TR_NOOP("The game was running already; the new one does not log in by itself"), ""},
+        {NoticeKind::LoginNotPrepared, Level::Warning, "login-not-prepared",
+         QT_TR_NOOP("The game does not log in by itself: {s} {d}"), ""},
+        {NoticeKind::LoginMisreadable, Level::Warning, "login-misreadable",
+         QT_TRANSLATE_NOOP(
+             "Varnholt::Host::Notice",
+             "The account name or the password holds characters that the login screen may misread"),
+         QT_TR_NOOP("log in by hand if it does")},
+        {NoticeKind::GameGoesOn, Level::Information, "game-goes-on",
+         QT_TR_NOOP("The game was started and goes on running"), ""},
+        {NoticeKind::PasswordMissing, Level::Warning, "password-missing",
+         QT_TR_NOOP("No password was given; the game does not log in by itself"), ""},
+        {NoticeKind::PasswordUnreadable, Level::Warning, "password-unreadable",
+         QT_TR_NOOP("The remembered password cannot be read: {s}"), ""},
+        {NoticeKind::PasswordNotRemembered, Level::Warning, "password-not-remembered",
+         QT_TR_NOOP("The password is not remembered: {s}"), ""},
+        {NoticeKind::PasswordNotForgotten, Level::Warning, "password-not-forgotten",
+         QT_TR_NOOP("The password is not forgotten: {s}"), ""},
+        {NoticeKind::NothingDeleted, Level::Information, "nothing-deleted",
+         QT_TR_NOOP("Nothing was deleted"), ""},
+        {NoticeKind::RateUnlimited, Level::Information, "rate-unlimited",
+         QT_TR_NOOP("The download is no longer limited"), ""},
+        {NoticeKind::RateLimited, Level::Information, "rate-limited",
+         QT_TR_NOOP("The download is now limited to {s}/s"), ""},
+        {NoticeKind::Stopping, Level::Information, "stopping", QT_TR_NOOP("Stopping"),
+         QT_TR_NOOP("press Ctrl-C again to stop at once")},
+    };
 };
 
 Row const& RowOf(NoticeKind p_Kind)
 {
     auto const* const row =
-        std::find_if(std::begin(c_Table), std::end(c_Table),
+        std::find_if(std::begin(Table::c_Rows), std::end(Table::c_Rows),
                      [p_Kind](Row const& p_Row) { return p_Row.Kind == p_Kind; });
-    return row == std::end(c_Table) ? c_Table[0] : *row;
-}
-
-QString Translated(char const* p_Text)
-{
-    return QCoreApplication::translate("Varnholt::Host::Notice", p_Text);
+    return row == std::end(Table::c_Rows) ? Table::c_Rows[0] : *row;
 }
 
 } // namespace
@@ -121,7 +104,7 @@ QString Notice::SeverityName() const
 QString Notice::Text() const
 {
     QString const remedy = Remedy();
-    QString const sentence = FillTemplate(Translated(RowOf(Kind).Sentence), Subject, Detail);
+    QString const sentence = FillTemplate(Table::tr(RowOf(Kind).Sentence), Subject, Detail);
     return (remedy.isEmpty() ? sentence : sentence + QStringLiteral("; ") + remedy) +
            QLatin1Char('.');
 }
@@ -129,7 +112,7 @@ QString Notice::Text() const
 QString Notice::Remedy() const
 {
     char const* const remedy = RowOf(Kind).Remedy;
-    return *remedy == 0 ? QString() : Translated(remedy);
+    return *remedy == 0 ? QString() : Table::tr(remedy);
 }
 
 } // namespace Varnholt::Host

@@ -20,13 +20,13 @@ QString Named(FileDiagnosis::Entries const& p_Missing)
     constexpr std::size_t c_MostNamed = 10;
 
     if (p_Missing.size() == 1)
-        return QStringLiteral("the file %1 could not be fetched").arg(p_Missing.front().Path);
+        return FileDiagnosis::tr("the file %1 could not be fetched").arg(p_Missing.front().Path);
     QStringList names;
     for (std::size_t i = 0; i < std::min(p_Missing.size(), c_MostNamed); ++i)
         names += p_Missing[i].Path;
     if (p_Missing.size() > c_MostNamed)
-        names += QStringLiteral("and %1 more").arg(p_Missing.size() - c_MostNamed);
-    return QStringLiteral("%1 files could not be fetched: %2")
+        names += FileDiagnosis::tr("and %1 more").arg(p_Missing.size() - c_MostNamed);
+    return FileDiagnosis::tr("%1 files could not be fetched: %2")
         .arg(p_Missing.size())
         .arg(names.join(QStringLiteral(", ")));
 }
@@ -85,11 +85,10 @@ Failure FileDiagnosis::NotFetched(Entries const& p_Missing) const
                               problem->Kind == Gateway::FetchProblem::Type::Unusable;
         auto const kind = isAnswer ? FailureKind::FilesGivenUp : FailureKind::FilesUnreachable;
         return {kind, Named(p_Missing),
-                QStringLiteral("%1 for %2")
-                    .arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
+                tr("%1 for %2").arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
     }
     return {FailureKind::FilesGivenUp, Named(p_Missing),
-            QStringLiteral("what the server gave is not what the build announces")};
+            tr("what the server gave is not what the build announces")};
 }
 
 std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) const
@@ -98,22 +97,18 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     if (QFileInfo(path).isDir())
         return Failure{FailureKind::FolderBlocksFile, path, {}};
     if (QFileInfo::exists(path)) // the module removes the old file before it places the new one
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("the old file cannot be replaced")};
+        return Failure{FailureKind::FileUnwritable, path, tr("the old file cannot be replaced")};
     QString const part = Launcher::Helper::Paths::PartFile(path);
     if (QFileInfo(part).isDir())
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("a folder stands at %1").arg(part)};
+        return Failure{FailureKind::FileUnwritable, path, tr("a folder stands at %1").arg(part)};
     if (QFileInfo::exists(part) && !QFile(part).open(QIODevice::WriteOnly | QIODevice::Append))
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("%1 cannot be opened").arg(part)};
+        return Failure{FailureKind::FileUnwritable, path, tr("%1 cannot be opened").arg(part)};
 
     QString above = QFileInfo(path).path();
     while (!QFileInfo::exists(above) && above.size() > Folder.size())
         above = QFileInfo(above).path();
     if (!QFileInfo(above).isDir())
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("%1 is no folder").arg(above)};
+        return Failure{FailureKind::FileUnwritable, path, tr("%1 is no folder").arg(above)};
     auto unwritable = FolderCheck::ForWriting(above);
     // A full disk refuses new files too, and is told better elsewhere.
     if (FreeBytes(above) == 0)
@@ -150,7 +145,7 @@ std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) 
             continue;
         Failure const failure{
             FailureKind::DiskFull, share.Folder,
-            QStringLiteral("%1 are free, %2 more are needed")
+            tr("%1 are free, %2 more are needed")
                 .arg(ByteText(static_cast<quint64>(free)), ByteText(static_cast<quint64>(needed)))};
         for (Launcher::ApplicationManifestFileEntry const& entry : share.Files)
             failures.emplace(entry.Path, failure);

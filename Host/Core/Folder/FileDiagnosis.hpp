@@ -4,6 +4,7 @@
 #include "Host/Core/Network/NetworkDoor.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <functional>
@@ -15,6 +16,8 @@ namespace Varnholt::Host {
 
 /// Finds out why files are not in place. Module thread.
 class FileDiagnosis {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::FileDiagnosis)
+
 public:
     using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
 

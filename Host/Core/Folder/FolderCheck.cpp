@@ -4,6 +4,7 @@
 #include "Host/Core/Folder/FolderLock.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -69,10 +70,13 @@ std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Know
     if (!QFileInfo(nearest).isDir())
         return Failure{FailureKind::FolderIsFile, nearest, {}};
     if (IsSame(folder, QDir::rootPath()))
-        return Failure{FailureKind::FolderForbidden, folder, QStringLiteral("it is the root")};
+        return Failure{
+            FailureKind::FolderForbidden, folder,
+            QCoreApplication::translate("Varnholt::Host::FolderCheck", "it is the root")};
     if (IsSame(folder, QDir::homePath()))
-        return Failure{FailureKind::FolderForbidden, folder,
-                       QStringLiteral("it is your home folder")};
+        return Failure{
+            FailureKind::FolderForbidden, folder,
+            QCoreApplication::translate("Varnholt::Host::FolderCheck", "it is your home folder")};
     bool const known = !p_Known.isEmpty() && IsSame(folder, p_Known);
     if (nearest == folder && !known && !p_Confirmed && HoldsForeignFiles(folder))
         return Failure{FailureKind::FolderForeign, folder, {}};

@@ -211,7 +211,12 @@ Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing)
 {
     auto const diagnosis =
         FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
-    Result.Findings.insert(Result.Findings.end(), diagnosis.Files.begin(), diagnosis.Files.end());
+    std::vector<FileFinding>& told = Result.Findings;
+    for (FileFinding const& finding : diagnosis.Files) { // perhaps told in an earlier pass
+        auto const isIt = [&](FileFinding const& p_Told) { return p_Told.Path == finding.Path; };
+        told.erase(std::remove_if(told.begin(), told.end(), isIt), told.end());
+        told.push_back(finding);
+    }
     return diagnosis.Whole;
 }
 

@@ -2,11 +2,20 @@
 
 #include "Host/Core/Failures/ByteText.hpp"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
 
 namespace Varnholt::Host {
+
+namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::FileFinding)
+};
+
+} // namespace
 
 FileFinding::FileFinding(QString const& p_Folder,
                          Launcher::ApplicationManifestFileEntry const& p_Entry, Cause p_WhenThere)
@@ -39,7 +48,7 @@ QString FileFinding::CauseText() const
 
 QString FileCountText(std::size_t p_Count)
 {
-    return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
+    return p_Count == 1 ? Texts::tr("1 file") : Texts::tr("%1 files").arg(p_Count);
 }
 
 FetchAmount::FetchAmount(std::vector<FileFinding> const& p_Findings)
@@ -53,9 +62,8 @@ FetchAmount::FetchAmount(std::vector<FileFinding> const& p_Findings)
 
 QString FetchAmount::Text() const
 {
-    return QStringLiteral("%1 (%2%3)")
-        .arg(FileCountText(Files), IsWhole ? QString() : QStringLiteral("at least "),
-             ByteText(Bytes));
+    return (IsWhole ? Texts::tr("%1 (%2)") : Texts::tr("%1 (at least %2)"))
+        .arg(FileCountText(Files), ByteText(Bytes));
 }
 
 } // namespace Varnholt::Host

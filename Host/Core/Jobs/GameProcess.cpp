@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/GameProcess.hpp"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <cerrno>
@@ -56,11 +57,14 @@ public:
 QString TextOf(int p_Status)
 {
     if (WIFSIGNALED(p_Status))
-        return QStringLiteral("signal %1, %2")
+        return QCoreApplication::translate("Varnholt::Host::GameProcess", "signal %1, %2")
             .arg(WTERMSIG(p_Status))
             .arg(QString::fromLocal8Bit(::strsignal(WTERMSIG(p_Status))));
     int const status = WEXITSTATUS(p_Status);
-    return status == 0 ? QString() : QStringLiteral("exit status %1").arg(status);
+    return status == 0
+               ? QString()
+               : QCoreApplication::translate("Varnholt::Host::GameProcess", "exit status %1")
+                     .arg(status);
 }
 
 } // namespace

@@ -52,18 +52,18 @@ QString CauseOf(int p_Error, QString const& p_File)
 {
     QString const interpreter = InterpreterOf(p_File);
     if (p_Error == ENOEXEC)
-        return QStringLiteral("this system runs no program of its format");
+        return GameStart::tr("this system runs no program of its format");
     if (p_Error == ENOENT && !interpreter.isEmpty())
-        return QStringLiteral("its interpreter %1 is missing").arg(interpreter);
+        return GameStart::tr("its interpreter %1 is missing").arg(interpreter);
     if (p_Error == ENOENT)
-        return QStringLiteral("what this system needs to run it is missing");
+        return GameStart::tr("what this system needs to run it is missing");
     if (p_Error != EACCES)
         return qt_error_string(p_Error);
     if (IsVolumeWithoutPrograms(p_File))
-        return QStringLiteral("its volume is mounted for no programs");
+        return GameStart::tr("its volume is mounted for no programs");
     if (QFileInfo(p_File).isExecutable() && !interpreter.isEmpty())
-        return QStringLiteral("its interpreter %1 is no program that you may run").arg(interpreter);
-    return QStringLiteral("its permissions do not let you");
+        return GameStart::tr("its interpreter %1 is no program that you may run").arg(interpreter);
+    return GameStart::tr("its permissions do not let you");
 }
 
 } // namespace
@@ -115,8 +115,7 @@ std::optional<Failure> GameStart::FindProgram()
     if (!Program.exists())
         return Failure{FailureKind::ExecutableMissing, Program.filePath(), {}};
     if (!Program.isFile())
-        return Failure{FailureKind::ExecutableUnusable, Program.filePath(),
-                       QStringLiteral("it is no file")};
+        return Failure{FailureKind::ExecutableUnusable, Program.filePath(), tr("it is no file")};
     return std::nullopt;
 }
 
@@ -128,7 +127,7 @@ std::optional<Failure> GameStart::FindWrapper()
     Wrapper = QStandardPaths::findExecutable(name);
     if (!Wrapper.isEmpty())
         return std::nullopt;
-    return Failure{FailureKind::WrapperUnusable, name, QStringLiteral("there is no such program")};
+    return Failure{FailureKind::WrapperUnusable, name, tr("there is no such program")};
 }
 
 /// Has the module do all of a start but the start: no file of its manifest is the game's program
@@ -187,9 +186,8 @@ void GameStart::JudgeLogin(bool p_WasRunning) const
             QString const origin = screen + Context.Info.LoginTemplateSuffix;
             if (QFileInfo::exists(copied ? screen : origin))
                 continue;
-            return Tell(
-                {NoticeKind::LoginNotPrepared, origin,
-                 copied ? QStringLiteral("cannot be copied") : QStringLiteral("is missing")});
+            return Tell({NoticeKind::LoginNotPrepared, origin,
+                         copied ? tr("cannot be copied") : tr("is missing")});
         }
     if (IsMarkup(Request.Argument) || IsMarkup(Request.Password))
         Tell({NoticeKind::LoginMisreadable});
@@ -209,7 +207,7 @@ std::optional<Failure> GameStart::Outcome()
     if (OutputName.isEmpty())
         return Failure{FailureKind::GameFailed, QStringLiteral("/dev/null"), ending};
     if (QString const lines = Output.LastLines(); !lines.isEmpty())
-        ending += QStringLiteral("; it said last: \"%1\"").arg(lines);
+        ending += tr("; it said last: \"%1\"").arg(lines);
     return Failure{FailureKind::GameFailed, OutputName, ending};
 }
 

@@ -7,6 +7,7 @@
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Module/RunContext.hpp"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFileInfo>
 
@@ -19,6 +20,8 @@ namespace Varnholt::Host {
 /// is taken for running. The module prepares login screen and permissions, the host starts the
 /// program: its end would not be seen otherwise. Module thread.
 class GameStart {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::GameStart)
+
 public:
     /// \param p_Tell told what the start goes on after
     GameStart(RunContext const& p_Context, RunRequest const& p_Request,

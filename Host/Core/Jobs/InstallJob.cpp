@@ -2,6 +2,7 @@
 
 #include "Host/Core/Folder/FolderCheck.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -22,7 +23,8 @@ void InstallJob::BeginFiles()
     QString const folder = FolderCheck::Normalized(Request.Argument);
     if (!QDir().mkpath(folder))
         return Fail(
-            {FailureKind::FolderUnwritable, folder, QStringLiteral("it cannot be created")});
+            {FailureKind::FolderUnwritable, folder,
+             QCoreApplication::translate("Varnholt::Host::InstallJob", "it cannot be created")});
     if (auto const failure = FolderCheck::ForWriting(folder))
         return Fail(*failure);
     if (auto const failure = LockFolder(folder))

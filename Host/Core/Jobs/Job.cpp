@@ -28,7 +28,7 @@ void Job::Begin()
     Context.Gate.SetPreview(Is(IsPreview));
     if (Is(NeedsServers) && Context.Options.Offline)
         return Fail({FailureKind::OptionInvalid, QStringLiteral("offline"),
-                     QStringLiteral("this command asks servers")});
+                     tr("this command asks servers")});
     auto failure = Prepare();
     if (!failure && Is(Records))
         failure = Context.Record.WriteRefusal();

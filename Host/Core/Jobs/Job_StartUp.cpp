@@ -93,7 +93,7 @@ Failure Job::StartUpFailure() const
 Failure Job::NothingKept() const
 {
     return {FailureKind::OfflineUnknown, Context.Info.Name,
-            QStringLiteral("%1 holds no build").arg(Context.Copies.Folder())};
+            tr("%1 holds no build").arg(Context.Copies.Folder())};
 }
 
 /// Called when the build is known: the host list has been answered by then.
@@ -103,9 +103,8 @@ void Job::NoticeHostList()
     if (!problem || UsesKept)
         return;
     bool const isDamaged = problem->Kind == Gateway::FetchProblem::Type::Unusable;
-    NoticeOnce({NoticeKind::MirrorsUnknown, isDamaged
-                                                ? QStringLiteral("The list of mirrors is damaged")
-                                                : ExplainFetch(*problem).Sentence()});
+    NoticeOnce({NoticeKind::MirrorsUnknown, isDamaged ? tr("The list of mirrors is damaged")
+                                                      : ExplainFetch(*problem).Sentence()});
 }
 
 void Job::NoticeCopies()
@@ -116,8 +115,7 @@ void Job::NoticeCopies()
     }
     if (UsesKept)
         NoticeOnce({NoticeKind::ServersDoneWithout,
-                    Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
-                    Result.BuildText()});
+                    Missed ? Missed->Sentence() : tr("No server is asked"), Result.BuildText()});
 }
 
 bool Job::CanUseBuild()
@@ -146,8 +144,7 @@ Failure Job::LatestFailure() const
 {
     if (auto const problem = Context.Door->LatestProblem())
         return ExplainFetch(*problem);
-    return {FailureKind::ServerSilent, Context.Door.ContentServer(),
-            QStringLiteral("no answer in time")};
+    return {FailureKind::ServerSilent, Context.Door.ContentServer(), tr("no answer in time")};
 }
 
 } // namespace Varnholt::Host

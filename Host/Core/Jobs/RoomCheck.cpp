@@ -4,6 +4,7 @@
 #include "Host/Core/Folder/GameVolumes.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -16,7 +17,7 @@ Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
 {
     return {
         FailureKind::DiskFull, p_Folder,
-        QStringLiteral("%1 are free, %2 more are needed")
+        QCoreApplication::translate("Varnholt::Host::RoomCheck", "%1 are free, %2 more are needed")
             .arg(ByteText(static_cast<quint64>(p_Free)), ByteText(static_cast<quint64>(p_Needed)))};
 }
 

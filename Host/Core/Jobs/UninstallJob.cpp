@@ -2,6 +2,7 @@
 
 #include "Host/Core/Jobs/GameOutput.hpp"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace Varnholt::Host {
@@ -82,7 +83,8 @@ void UninstallJob::Judge(QString const& p_Folder)
         return Finish();
     QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));
     if (remaining.size() > c_MostNamed)
-        named += QStringLiteral(" and %1 more").arg(remaining.size() - c_MostNamed);
+        named += QCoreApplication::translate("Varnholt::Host::UninstallJob", " and %1 more")
+                     .arg(remaining.size() - c_MostNamed);
     Fail({FailureKind::FilesNotRemoved, p_Folder, named});
 }
 
