@@ -12,7 +12,7 @@ namespace {
 
 constexpr int c_NetworkStatus = 5;
 
-struct Row {
+struct FailureRow {
     FailureKind Kind;
     int ExitStatus;
     char const* Identifier;
@@ -20,11 +20,11 @@ struct Row {
     char const* Remedy;
 };
 
-struct Table {
+struct FailureTable {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::Failure)
 
 public:
-    static constexpr Row c_Rows[] = {
+    static constexpr FailureRow c_Rows[] = {
         {FailureKind::Other, 1, "other", "{s}: {d}", QT_TR_NOOP("try again")},
         {FailureKind::NotInstalled, 1, "not-installed", QT_TR_NOOP("{s} is not installed"),
          QT_TR_NOOP("install it first")},
@@ -159,17 +159,19 @@ public:
     };
 };
 
-Row const& RowOf(FailureKind p_Kind)
+FailureRow const& RowOf(FailureKind p_Kind)
 {
-    auto const row = std::find_if(std::begin(Table::c_Rows), std::end(Table::c_Rows),
-                                  [p_Kind](Row const& p_Row) { return p_Row.Kind == p_Kind; });
-    return row == std::end(Table::c_Rows) ? Table::c_Rows[0] : *row;
+    auto const row =
+        std::find_if(std::begin(FailureTable::c_Rows), std::end(FailureTable::c_Rows),
+                     [p_Kind](FailureRow const& p_Row) { return p_Row.Kind == p_Kind; });
+    return row == std::end(FailureTable::c_Rows) ? FailureTable::c_Rows[0] : *row;
 }
 
 QString Fill(char const* p_Template, Failure const& p_Failure)
 {
-    return FillTemplate(Table::tr(p_Template), p_Failure.Subject,
-                        p_Failure.Detail.isEmpty() ? Table::tr("cause unknown") : p_Failure.Detail);
+    return FillTemplate(FailureTable::tr(p_Template), p_Failure.Subject,
+                        p_Failure.Detail.isEmpty() ? FailureTable::tr("cause unknown")
+                                                   : p_Failure.Detail);
 }
 
 } // namespace
@@ -202,7 +204,7 @@ bool Failure::IsNetwork() const
 QVector<FailureKind> Failure::Kinds()
 {
     QVector<FailureKind> kinds;
-    for (Row const& row : Table::c_Rows)
+    for (FailureRow const& row : FailureTable::c_Rows)
         kinds.append(row.Kind);
     return kinds;
 }

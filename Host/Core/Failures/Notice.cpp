@@ -13,7 +13,7 @@ namespace {
 
 using Level = Notice::Level;
 
-struct Row {
+struct NoticeRow {
     NoticeKind Kind;
     Level Severity;
     char const* Identifier;
@@ -21,12 +21,12 @@ struct Row {
     char const* Remedy;
 };
 
-struct Table {
+struct NoticeTable {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::Notice)
 
 public:
-    static constexpr Row c_Rows[] = {
-        {NoticeKind::ModuleMessage, Level::Warning, "module-message", QT_TR_NOOP("{s}"), ""},
+    static constexpr NoticeRow c_Rows[] = {
+        {NoticeKind::ModuleMessage, Level::Warning, "module-message", "{s}", ""},
         {NoticeKind::MirrorsUnknown, Level::Warning, "mirrors-unknown",
          QT_TR_NOOP("{s}; the files come from the default server"), ""},
         {NoticeKind::ServersDoneWithout, Level::Warning, "servers-done-without",
@@ -76,12 +76,12 @@ public:
     };
 };
 
-Row const& RowOf(NoticeKind p_Kind)
+NoticeRow const& RowOf(NoticeKind p_Kind)
 {
     auto const* const row =
-        std::find_if(std::begin(Table::c_Rows), std::end(Table::c_Rows),
-                     [p_Kind](Row const& p_Row) { return p_Row.Kind == p_Kind; });
-    return row == std::end(Table::c_Rows) ? Table::c_Rows[0] : *row;
+        std::find_if(std::begin(NoticeTable::c_Rows), std::end(NoticeTable::c_Rows),
+                     [p_Kind](NoticeRow const& p_Row) { return p_Row.Kind == p_Kind; });
+    return row == std::end(NoticeTable::c_Rows) ? NoticeTable::c_Rows[0] : *row;
 }
 
 } // namespace
@@ -104,7 +104,7 @@ QString Notice::SeverityName() const
 QString Notice::Text() const
 {
     QString const remedy = Remedy();
-    QString const sentence = FillTemplate(Table::tr(RowOf(Kind).Sentence), Subject, Detail);
+    QString const sentence = FillTemplate(NoticeTable::tr(RowOf(Kind).Sentence), Subject, Detail);
     return (remedy.isEmpty() ? sentence : sentence + QStringLiteral("; ") + remedy) +
            QLatin1Char('.');
 }
@@ -112,7 +112,7 @@ QString Notice::Text() const
 QString Notice::Remedy() const
 {
     char const* const remedy = RowOf(Kind).Remedy;
-    return *remedy == 0 ? QString() : Table::tr(remedy);
+    return *remedy == 0 ? QString() : NoticeTable::tr(remedy);
 }
 
 } // namespace Varnholt::Host

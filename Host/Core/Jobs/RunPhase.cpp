@@ -8,17 +8,17 @@ namespace Varnholt::Host {
 
 namespace {
 
-struct Row {
+struct PhaseRow {
     RunPhase Phase;
     char const* Name;
     char const* Text;
 };
 
-struct Table {
+struct PhaseTable {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::RunPhase)
 
 public:
-    static constexpr Row c_Rows[] = {
+    static constexpr PhaseRow c_Rows[] = {
         {RunPhase::Idle, "idle", QT_TR_NOOP("idle")},
         {RunPhase::Connecting, "connecting", QT_TR_NOOP("connecting")},
         {RunPhase::AskingMirrors, "asking-mirrors", QT_TR_NOOP("asking the mirrors")},
@@ -40,12 +40,12 @@ public:
     };
 };
 
-Row const& RowOf(RunPhase p_Phase)
+PhaseRow const& RowOf(RunPhase p_Phase)
 {
     auto const* const row =
-        std::find_if(std::begin(Table::c_Rows), std::end(Table::c_Rows),
-                     [p_Phase](Row const& p_Row) { return p_Row.Phase == p_Phase; });
-    return row == std::end(Table::c_Rows) ? Table::c_Rows[0] : *row;
+        std::find_if(std::begin(PhaseTable::c_Rows), std::end(PhaseTable::c_Rows),
+                     [p_Phase](PhaseRow const& p_Row) { return p_Row.Phase == p_Phase; });
+    return row == std::end(PhaseTable::c_Rows) ? PhaseTable::c_Rows[0] : *row;
 }
 
 } // namespace
@@ -57,7 +57,7 @@ QString PhaseName(RunPhase p_Phase)
 
 QString PhaseText(RunPhase p_Phase)
 {
-    return Table::tr(RowOf(p_Phase).Text);
+    return PhaseTable::tr(RowOf(p_Phase).Text);
 }
 
 bool IsDownloading(RunPhase p_Phase)
