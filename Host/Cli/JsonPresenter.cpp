@@ -90,11 +90,11 @@ QJsonObject ObjectOf(RunTotals const& p_Totals)
             {QStringLiteral("rate"), Figure(p_Totals.Rate)}};
 }
 
-QJsonObject ObjectOf(FetchAmount const& p_Amount)
+QJsonObject ObjectOf(FileAmount const& p_Amount)
 {
     return {{QStringLiteral("files"), Figure(p_Amount.Files)},
             {QStringLiteral("bytes"), Figure(p_Amount.Bytes)},
-            {QStringLiteral("whole"), p_Amount.IsWhole}};
+            {QStringLiteral("atLeast"), p_Amount.IsLeast}};
 }
 
 /// What a run has moved, and what a check has found that an update would move.
@@ -104,7 +104,7 @@ void AddFigures(QJsonObject& p_Object, RunRequest const& p_Request, RunResult co
     bool const isAnswered =
         !p_Result.Problem || p_Result.Problem->Kind == FailureKind::UpdateAvailable;
     if (p_Request.Kind == RunRequest::Type::Check && !p_Request.Quick && isAnswered)
-        p_Object.insert(QStringLiteral("toFetch"), ObjectOf(FetchAmount(p_Result.Findings)));
+        p_Object.insert(QStringLiteral("toFetch"), ObjectOf(AmountOf(p_Result.Findings)));
 }
 
 } // namespace

@@ -51,7 +51,7 @@ RunSnapshot CheckJob::Look()
 
 void CheckJob::TellUpdate()
 {
-    Fail({Verdict(), FetchAmount(Result.Findings).Text(), Result.BuildText()});
+    Fail({Verdict(), AmountText(AmountOf(Result.Findings)), Result.BuildText()});
 }
 
 } // namespace Varnholt::Host

@@ -1,21 +1,8 @@
 #include "Host/Core/Jobs/FileFinding.hpp"
 
-#include "Host/Core/Failures/ByteText.hpp"
-
-#include <QCoreApplication>
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace Varnholt::Host {
-
-namespace {
-
-struct Texts {
-    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::FileFinding)
-};
-
-} // namespace
 
 FileFinding::FileFinding(QString const& p_Folder,
                          Launcher::ApplicationManifestFileEntry const& p_Entry, Cause p_WhenThere)
@@ -46,24 +33,12 @@ QString FileFinding::CauseText() const
     return {};
 }
 
-QString FileCountText(std::size_t p_Count)
+FileAmount AmountOf(std::vector<FileFinding> const& p_Findings)
 {
-    return p_Count == 1 ? Texts::tr("1 file") : Texts::tr("%1 files").arg(p_Count);
-}
-
-FetchAmount::FetchAmount(std::vector<FileFinding> const& p_Findings)
-    : Files(p_Findings.size())
-{
-    for (FileFinding const& finding : p_Findings) {
-        Bytes += static_cast<quint64>(std::max<qint64>(0, finding.Bytes));
-        IsWhole = IsWhole && finding.Bytes >= 0;
-    }
-}
-
-QString FetchAmount::Text() const
-{
-    return (IsWhole ? Texts::tr("%1 (%2)") : Texts::tr("%1 (at least %2)"))
-        .arg(FileCountText(Files), ByteText(Bytes));
+    FileAmount amount;
+    for (FileFinding const& finding : p_Findings)
+        amount.Add(finding.Bytes);
+    return amount;
 }
 
 } // namespace Varnholt::Host

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Folder/FileAmount.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QString>
 #include <QtGlobal>
 
-#include <cstddef>
 #include <vector>
 
 namespace Varnholt::Host {
@@ -36,18 +36,7 @@ struct FileFinding {
     QString CauseText() const;
 };
 
-/// "1 file", "3 files".
-QString FileCountText(std::size_t p_Count);
-
 /// What is still to fetch.
-struct FetchAmount {
-    std::size_t Files = 0;
-    quint64 Bytes = 0;
-    bool IsWhole = true; ///< every size is known
-
-    explicit FetchAmount(std::vector<FileFinding> const& p_Findings);
-    /// "3 files (1.2 MiB)"; "at least" when a server did not tell every size.
-    QString Text() const;
-};
+FileAmount AmountOf(std::vector<FileFinding> const& p_Findings);
 
 } // namespace Varnholt::Host
