@@ -216,9 +216,7 @@ void HostDiskFailuresTest::WhatStandsInAFilesPlaceIsNamedAndTheRestArrives()
 
 void HostDiskFailuresTest::APartialFileThatCannotBeWrittenIsNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path("readme.txt")));
@@ -235,9 +233,7 @@ void HostDiskFailuresTest::APartialFileThatCannotBeWrittenIsNamed()
 
 void HostDiskFailuresTest::AFolderBelowThatCannotBeWrittenIsNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path("Data/enUS/locale.MPQ")));

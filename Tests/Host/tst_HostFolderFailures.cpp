@@ -88,9 +88,7 @@ void HostFolderFailuresTest::OtherFilesInAFolderStayWhenTheUserConfirms()
 
 void HostFolderFailuresTest::AFolderThatCannotBeWrittenIsNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish();
     QString const parent = game.Base + "fixed";
@@ -109,9 +107,7 @@ void HostFolderFailuresTest::AFolderThatCannotBeWrittenIsNamed()
 
 void HostFolderFailuresTest::AGameFolderThatCannotBeWrittenIsNotUpdated()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path("readme.txt")));

@@ -126,11 +126,9 @@ void HostFolderLockTest::WhatStandsInItsPlaceIsNamed()
 
 void HostFolderLockTest::AFolderThatNobodyMayWriteIsHeldByNobody()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
     QTemporaryDir const folder;
     QVERIFY(SetMode(folder.path(), 0555));
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     Host::FolderLock lock(folder.path() + '/');
     QVERIFY(!lock.Take());
     QCOMPARE(lock.Notice(), QString());

@@ -122,9 +122,7 @@ void HostUninstallTest::DeletingWantsAConfirmation()
 
 void HostUninstallTest::FilesThatCannotBeRemovedAreNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(SetMode(game.Path("Data/enUS"), 0555));
