@@ -171,11 +171,22 @@ void CommandParser::AddRunCommands()
     CLI::App* const check =
         Add("check", "Show what an update would fetch, and why; changes nothing", "check --quick",
             [this](Choice& p_Choice) {
-                p_Choice.Request.Kind = RunRequest::Type::Check;
+                p_Choice.Request.Kind =
+                    Folder.empty() ? RunRequest::Type::Check : RunRequest::Type::PreviewInstall;
+                p_Choice.Request.Argument = Absolute(Folder);
                 p_Choice.Request.Quick = Quick;
             });
-    AddFlag(*check, "--quick", Quick,
-            "Compare the build with the installed one only: one small request");
+    CLI::Option* const quick =
+        AddFlag(*check, "--quick", Quick,
+                "Compare the build with the installed one only: one small request");
+    check
+        ->add_option("--into", Folder,
+                     "Show what an installation into this folder would fetch, whether there is "
+                     "room for it, and what speaks against the folder")
+        ->check(NotEmpty())
+        ->excludes(quick)
+        ->envname("VARNHOLT_INTO")
+        ->type_name("DIR");
     Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
     Add("repair", "Compare every file with the build, and fetch what differs", "repair",
         run(RunRequest::Type::Repair));

@@ -105,8 +105,23 @@ bool Program::AskUser(InstallStatus const& p_Status)
         Fail({FailureKind::ConfirmationMissing, p_Status.Folder, {}});
         return false;
     }
-    request.Confirmed = Prompt::Confirm(
-        QStringLiteral("Delete the files of %1 in %2?").arg(p_Status.Name, p_Status.Folder));
+    if (p_Status.FolderExists) // otherwise there is nothing to ask about
+        request.Kind = RunRequest::Type::PreviewUninstall;
+    return true;
+}
+
+bool Program::ConfirmDeletion(RunResult const& p_Preview)
+{
+    RunRequest& request = Chosen.Request;
+    QString question = QStringLiteral("Delete %1 of %2 in %3?")
+                           .arg(AmountText(p_Preview.Amount), GameName, p_Preview.Folder);
+    if (auto const stay = p_Preview.Staying.size(); stay > 0)
+        question += QStringLiteral(" %1 not the game's %2.")
+                        .arg(stay == 1 ? QStringLiteral("1 file that is")
+                                       : QStringLiteral("%1 files that are").arg(stay),
+                             stay == 1 ? QStringLiteral("stays") : QStringLiteral("stay"));
+    request.Kind = RunRequest::Type::Uninstall;
+    request.Confirmed = Prompt::Confirm(question);
     if (!request.Confirmed) {
         Output.ShowNotice(QStringLiteral("Nothing was deleted."));
         Quit(SignalWatch::IsEndRequested() ? c_InterruptedStatus : EXIT_FAILURE);
@@ -134,10 +149,24 @@ void Program::Listen()
 
 void Program::OnProgressed(RunSnapshot const& p_Snapshot)
 {
+    TellSpace(p_Snapshot.Space);
     Output.ShowProgress(p_Snapshot);
     IsHeld = p_Snapshot.IsHeld;
     if (IsHeld && Control)
         Control->TellPause(true);
+}
+
+void Program::TellSpace(std::vector<VolumeSpace> const& p_Space)
+{
+    RunRequest::Type const kind = Chosen.Request.Kind;
+    bool const isResult =
+        kind == RunRequest::Type::Check || kind == RunRequest::Type::PreviewInstall;
+    if (p_Space.empty() || p_Space == ToldSpace)
+        return;
+    ToldSpace = p_Space;
+    for (VolumeSpace const& space : p_Space)
+        if (space.Files > 0 || isResult)
+            Output.ShowSpace(space, isResult);
 }
 
 void Program::OnMessage(ControlMessage const& p_Message)
@@ -155,6 +184,12 @@ void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
     Control.reset();
+    if (Chosen.Request.Kind == RunRequest::Type::PreviewUninstall && !p_Result.Problem) {
+        if (ConfirmDeletion(p_Result))
+            StartRun();
+        return;
+    }
+    TellSpace(p_Result.Space);
     Output.ShowResult(Chosen.Request, p_Result, GameName);
     if (p_Result.Problem)
         return Fail(*p_Result.Problem);

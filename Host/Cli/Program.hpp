@@ -10,6 +10,7 @@
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 namespace Varnholt::Host {
 
@@ -28,6 +29,9 @@ private:
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
     void OnProgressed(RunSnapshot const& p_Snapshot);
+    void TellSpace(std::vector<VolumeSpace> const& p_Space);
+    /// Called with what an uninstallation would delete. \return whether that shall be
+    bool ConfirmDeletion(RunResult const& p_Preview);
     void OnEnded(RunResult const& p_Result);
     void OnEndRequested();
     void OnToggleRequested();
@@ -49,6 +53,7 @@ private:
     std::unique_ptr<HostSession> Session;
     std::unique_ptr<ControlSocket> Control;
     QString GameName;
+    std::vector<VolumeSpace> ToldSpace;
     bool IsRunning = false;
     bool IsPaused = false;
     bool IsHeld = false; ///< the pause has come true

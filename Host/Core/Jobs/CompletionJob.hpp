@@ -33,6 +33,7 @@ protected:
     void Work() override;
     RunPhase Phase() const override;
     RunSnapshot Look() override;
+    void Release() override { Result.Space = Faults.Space(); }
 
     /// Called when the build is known and can be had.
     virtual void BeginFiles() = 0;

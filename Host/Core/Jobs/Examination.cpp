@@ -5,8 +5,8 @@
 
 namespace Varnholt::Host {
 
-Examination::Examination(RunContext const& p_Context, bool p_EveryFile)
-    : Work(std::make_shared<Inspection>(p_Context.Module.Manifest, p_Context.Record.Folder(),
+Examination::Examination(RunContext const& p_Context, QString const& p_Folder, bool p_EveryFile)
+    : Work(std::make_shared<Inspection>(p_Context.Module.Manifest, p_Folder,
                                         p_Context.Module.GetAppLocale(), p_EveryFile))
 {
     p_Context.Module.EnqueueAsync([work = Work] { work->Run(); });

@@ -14,8 +14,8 @@ namespace Varnholt::Host {
 /// Module thread.
 class Examination {
 public:
-    /// \param p_EveryFile see `Inspection`
-    Examination(RunContext const& p_Context, bool p_EveryFile);
+    /// \param p_Folder,p_EveryFile see `Inspection`
+    Examination(RunContext const& p_Context, QString const& p_Folder, bool p_EveryFile);
     ~Examination() { Work->Stop(); }
     Examination(Examination const&) = delete;
     Examination& operator=(Examination const&) = delete;

@@ -115,7 +115,8 @@ void Job::End()
     Over = true;
     Release();
     Result.Transfers = Context.Ledger.Count() - Result.Transfers;
-    Result.Folder = Folder();
+    if (Result.Folder.isEmpty())
+        Result.Folder = Folder();
     Result.Locale = Context.Module.GetAppLocale();
     Context.Gate.Close();
     Context.Gate.Release();
@@ -178,10 +179,10 @@ void Job::RemoveLockFile()
         Lock->Remove();
 }
 
-std::optional<Failure> Job::LinkFailure() const
+std::optional<Failure> Job::LinkFailure(QString const& p_Folder) const
 {
     Launcher::StandartApplication& module = Context.Module;
-    auto const link = LinkOnTheWay(module.Manifest, Folder(), module.GetAppLocale());
+    auto const link = LinkOnTheWay(module.Manifest, p_Folder, module.GetAppLocale());
     if (!link)
         return std::nullopt;
     return Failure{FailureKind::LinkLeadsOut, link->Path, link->Target};

@@ -107,7 +107,7 @@ protected:
     void RemoveLockFile();
     /// A game whose files are partly elsewhere, where the module leaves them alone, is not
     /// complete.
-    std::optional<Failure> LinkFailure() const;
+    std::optional<Failure> LinkFailure(QString const& p_Folder) const;
 
     // _StartUp
     void StartUp();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/Folder/VolumeSpace.hpp"
 #include "Host/Core/Jobs/RunPhase.hpp"
 
 #include <QMetaType>
@@ -49,6 +50,8 @@ struct RunSnapshot {
     quint64 BytesReceived = 0; ///< from the network, since the run began
     bool IsHeld = false;       ///< by a pause: no file grows, and none begins
     std::vector<ServerShare> Servers;
+    /// As it was before the first byte of the latest list of files; empty until that is known.
+    std::vector<VolumeSpace> Space;
     std::optional<ServerWait> Wait; ///< nothing arrives, and a server is to be asked again
 
     bool operator==(RunSnapshot const& p_Other) const
@@ -58,7 +61,7 @@ struct RunSnapshot {
                BytesDone == p_Other.BytesDone && BytesTotal == p_Other.BytesTotal &&
                Rate == p_Other.Rate && Remaining == p_Other.Remaining && Mirror == p_Other.Mirror &&
                BytesReceived == p_Other.BytesReceived && IsHeld == p_Other.IsHeld &&
-               Servers == p_Other.Servers && Wait == p_Other.Wait;
+               Servers == p_Other.Servers && Space == p_Other.Space && Wait == p_Other.Wait;
     }
 };
 
