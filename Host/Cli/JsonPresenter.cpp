@@ -27,10 +27,14 @@ QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
 
 QJsonObject ObjectOf(ServerWait const& p_Wait)
 {
-    return {{QStringLiteral("server"), p_Wait.Server},
-            {QStringLiteral("cause"), p_Wait.Cause},
-            {QStringLiteral("silent"), p_Wait.Silent},
-            {QStringLiteral("nextAttempt"), p_Wait.NextAttempt}};
+    QJsonObject object{{QStringLiteral("server"), p_Wait.Server},
+                       {QStringLiteral("cause"), p_Wait.Cause},
+                       {QStringLiteral("silent"), p_Wait.Silent},
+                       {QStringLiteral("nextAttempt"), p_Wait.NextAttempt},
+                       {QStringLiteral("attempt"), p_Wait.Attempt}};
+    if (p_Wait.Attempts > 0)
+        object.insert(QStringLiteral("attempts"), p_Wait.Attempts);
+    return object;
 }
 
 QJsonObject ObjectOf(FileFinding const& p_Finding)

@@ -55,6 +55,9 @@ private Q_SLOTS:
     void WhatLiesThereOfAFileCountsAsDone();
     void ADownloadIsShownWithItsFileItsMirrorAndItsRate();
     void AVerificationIsShownInBytes();
+    void AComparisonIsShownInBytes_data();
+    void AComparisonIsShownInBytes();
+    void AFileThatHasArrivedIsShownWhileItIsVerified();
     void EveryRunEndsExactlyOnce();
     void ARequestDuringARunIsRefused();
     void OneSessionServesManyRequests();
@@ -202,6 +205,64 @@ void HostSessionTest::AVerificationIsShownInBytes()
     QCOMPARE(game.Snapshots.back().Phase, RunPhase::Verifying);
     QCOMPARE(game.Snapshots.back().BytesTotal, quint64(c_Bytes + others));
     QCOMPARE(game.End(), QString("files-wrong"));
+    QCOMPARE(FaultOf(game.Snapshots), QString());
+}
+
+void HostSessionTest::AComparisonIsShownInBytes_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("phase");
+    QTest::addColumn<int>("others");
+    QTest::newRow("base") << "readme.txt" << int(RunPhase::Comparing) << 60000 + 30000 + 2000;
+    QTest::newRow("streamed") << "Data/streamed 1.MPQ" << int(RunPhase::ComparingStreamed) << 8000;
+}
+
+void HostSessionTest::AComparisonIsShownInBytes()
+{
+    constexpr qint64 c_Bytes = qint64{1} << 30; // a second of hashing, and no room
+
+    QFETCH(QString, file);
+    QFETCH(int, phase);
+    QFETCH(int, others);
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::resize(game.Path(file), c_Bytes));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitUntil([&] {
+        return !game.Snapshots.empty() && int(game.Snapshots.back().Phase) == phase &&
+               game.Snapshots.back().BytesDone > c_Bytes / 4;
+    }));
+    RunSnapshot const shown = game.Snapshots.back();
+    QCOMPARE(shown.File, file);
+    QCOMPARE(shown.BytesTotal, quint64(c_Bytes + others));
+    QVERIFY(shown.BytesDone < shown.BytesTotal);
+    QVERIFY(shown.Rate > 0 && shown.Remaining >= 0);
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(FaultOf(game.Snapshots), QString());
+}
+
+/// The module's thread does that, and hears of nothing meanwhile.
+void HostSessionTest::AFileThatHasArrivedIsShownWhileItIsVerified()
+{
+    constexpr int c_Bytes = 160 * 1024 * 1024; // a fifth of a second of hashing, and more
+
+    SessionGame game;
+    game.AddFiles();
+    game.Content.Add({"Data/long.MPQ", QByteArray(c_Bytes, 0)});
+    game.Publish();
+    game.Put("ToDownload.db", "");
+    game.Put("Data/long.MPQ.part", "");
+    QVERIFY(QFile::resize(game.Path("Data/long.MPQ.part"), c_Bytes)); // no room, and no transfer
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    auto const shown =
+        std::find_if(game.Snapshots.begin(), game.Snapshots.end(),
+                     [](auto const& p_Shown) { return p_Shown.Phase == RunPhase::Verifying; });
+    QVERIFY(shown != game.Snapshots.end());
+    QCOMPARE(shown->File, QString("Data/long.MPQ"));
     QCOMPARE(FaultOf(game.Snapshots), QString());
 }
 

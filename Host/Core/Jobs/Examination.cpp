@@ -1,7 +1,6 @@
 #include "Host/Core/Jobs/Examination.hpp"
 
 #include <algorithm>
-#include <utility>
 
 namespace Varnholt::Host {
 
@@ -22,12 +21,7 @@ RunSnapshot Examination::Look(RunPhase p_Phase)
         snapshot.File = Work->FileAt(snapshot.FileNumber);
     snapshot.BytesTotal = Work->BytesTotal();
     snapshot.BytesDone = std::min(Work->BytesDone(), snapshot.BytesTotal);
-    auto const now = Gateway::Clock::now();
-    Meter.Add(snapshot.BytesDone - std::exchange(Counted, snapshot.BytesDone), now);
-    snapshot.Rate = Meter.Rate(now);
-    if (snapshot.Rate > 0)
-        snapshot.Remaining =
-            static_cast<qint64>((snapshot.BytesTotal - snapshot.BytesDone) / snapshot.Rate);
+    Pace.Tell(snapshot);
     return snapshot;
 }
 

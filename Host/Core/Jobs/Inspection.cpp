@@ -4,6 +4,7 @@
 #include "GameModules/ManifestComparison.hpp"
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/Folder/MissingFiles.hpp"
+#include "Host/Core/Module/RunGate.hpp"
 
 #include <QFileInfo>
 
@@ -78,10 +79,8 @@ void Inspection::Enter()
 /// Asked before each block of a file.
 bool Inspection::GoOn()
 {
-    constexpr quint64 c_BlockBytes = 0x2000;
-
     if (Number < Before.size()) // never more than the file holds
-        Done = std::min(Done + c_BlockBytes, Before[Number]);
+        Done = std::min(Done + RunGate::c_BlockBytes, Before[Number]);
     return !Stopped;
 }
 

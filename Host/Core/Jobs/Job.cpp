@@ -12,7 +12,7 @@ namespace Varnholt::Host {
 Job::Job(RunContext const& p_Context, RunRequest p_Request, unsigned p_Traits)
     : Context(p_Context)
     , Request(std::move(p_Request))
-    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door)
+    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door, p_Context.Gate)
     , Traits(p_Traits)
 {
     Clock.start();
@@ -48,6 +48,18 @@ void Job::AfterPump()
         Go();
     if (!Over)
         ShowProgress();
+    LastTurn = Clock.elapsed();
+}
+
+void Job::OnQuestion()
+{
+    constexpr qint64 c_NoticeableMilliseconds = 100;
+
+    if (Over || Clock.elapsed() - LastTurn < c_NoticeableMilliseconds || Context.Ledger.IsEmpty())
+        return;
+    IsHashing = true;
+    ShowProgress();
+    IsHashing = false;
 }
 
 void Job::Go()
@@ -134,11 +146,17 @@ void Job::ShowProgress()
     constexpr qint64 c_IntervalMilliseconds = 100;
 
     qint64 const now = Clock.elapsed();
-    if (Phase() == LastSnapshot.Phase && now - LastShown < c_IntervalMilliseconds)
+    RunPhase const phase = IsHashing ? RunPhase::Verifying : Phase();
+    if (phase == LastPhase && now - LastShown < c_IntervalMilliseconds)
         return;
+    LastPhase = phase;
     LastShown = now;
     Context.Module.UISettingChanged = false;
-    RunSnapshot const snapshot = Look();
+    RunSnapshot snapshot = Look();
+    if (IsHashing)
+        snapshot.Phase = RunPhase::Verifying;
+    else if (snapshot.Wait && snapshot.Wait->IsRetry())
+        snapshot.Phase = RunPhase::WaitingToRetry;
     if (snapshot == LastSnapshot)
         return;
     LastSnapshot = snapshot;

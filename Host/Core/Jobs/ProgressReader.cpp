@@ -19,6 +19,8 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
     wait.Cause = QString::fromStdString(p_Wait->Problem.Cause);
     wait.Silent = p_Wait->Silent.count() / c_Second;
     wait.NextAttempt = (p_Wait->NextAttempt.count() + c_Second - 1) / c_Second;
+    wait.Attempt = p_Wait->Attempt;
+    wait.Attempts = p_Wait->Attempts;
     return wait;
 }
 
@@ -26,10 +28,11 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
 
 ProgressReader::ProgressReader(ModuleView const& p_View,
                                Launcher::ApplicationManifest const& p_Manifest,
-                               NetworkDoor const& p_Door)
+                               NetworkDoor const& p_Door, RunGate const& p_Gate)
     : View(p_View)
     , Manifest(p_Manifest)
     , Door(p_Door)
+    , Gate(p_Gate)
 {
 }
 
@@ -59,12 +62,14 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase)
         LastPhase = p_Phase;
         CountedFiles = 0;
         CountedBytes = DoneBytes = TotalBytes = 0;
+        Comparison.emplace(View, Gate);
     }
     RunSnapshot snapshot;
     snapshot.Phase = p_Phase;
     quint64 const held = ReadDoor(snapshot);
     if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
-        ReadComparison(snapshot);
+        Comparison->Tell(snapshot,
+                         p_Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles);
     } else if (p_Phase == RunPhase::AskingSizes) {
         snapshot.FileNumber = View.SizesAnswered();
         snapshot.FileCount = static_cast<quint32>(View.Progress().Count);
@@ -88,17 +93,6 @@ quint64 ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
         if (server.Received > 0)
             p_Snapshot.Servers.push_back({QString::fromStdString(server.Name), server.Rate});
     return door.Held;
-}
-
-void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
-{
-    auto const& files =
-        p_Snapshot.Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles;
-    std::size_t const number = std::min(View.ComparedFile(), files.size());
-    p_Snapshot.FileNumber = static_cast<quint32>(number);
-    p_Snapshot.FileCount = static_cast<quint32>(files.size());
-    if (number > 0)
-        p_Snapshot.File = files[number - 1].Path;
 }
 
 void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Jobs/ComparisonReader.hpp"
 #include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 
@@ -12,7 +12,7 @@ namespace Varnholt::Host {
 class ProgressReader {
 public:
     ProgressReader(ModuleView const& p_View, Launcher::ApplicationManifest const& p_Manifest,
-                   NetworkDoor const& p_Door);
+                   NetworkDoor const& p_Door, RunGate const& p_Gate);
 
     /// The phase of a run that is under way.
     RunPhase Phase() const;
@@ -24,7 +24,6 @@ public:
 private:
     /// Adds what the door tells: rate, servers, waits. \return what it holds for the module
     quint64 ReadDoor(RunSnapshot& p_Snapshot) const;
-    void ReadComparison(RunSnapshot& p_Snapshot) const;
     /// \param p_Held bytes that have come through the network and are not on the disk yet
     void ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held);
     quint64 FinishedBytes(std::size_t p_Finished);
@@ -32,6 +31,8 @@ private:
     ModuleView const& View;
     Launcher::ApplicationManifest const& Manifest;
     NetworkDoor const& Door;
+    RunGate const& Gate;
+    std::optional<ComparisonReader> Comparison; ///< of the phase
     RunPhase LastPhase = RunPhase::Idle;
     std::size_t CountedFiles = 0; ///< of the list, whose sizes are in `CountedBytes`
     quint64 CountedBytes = 0;

@@ -81,7 +81,10 @@ void NotifyDownloadFinished() {}
 
 bool ShouldContinue()
 {
-    return Ask(false, [](HostEnvironment& p_Host) { return p_Host.Gate.IsOpen(); });
+    return Ask(false, [](HostEnvironment& p_Host) {
+        p_Host.OnQuestion();
+        return p_Host.Gate.IsOpen();
+    });
 }
 
 bool UseDevChannel()

@@ -122,6 +122,12 @@ bool ModuleView::AwaitsReply() const
     return !Unfinished(Module.ContentSizeRequests, Module.ContentSizeRequestsMutex).empty();
 }
 
+QString ModuleView::Folder() const
+{
+    QMutexLocker const lock(&Module.RunMutex);
+    return Module.InstallationPath;
+}
+
 void ModuleView::SetFolder(QString const& p_Folder)
 {
     QMutexLocker const lock(&Module.RunMutex);

@@ -68,6 +68,11 @@ public:
     bool HasTransfer() const { return Module.CurrentDownload != nullptr; }
     /// Whether the module waits for an answer of a server.
     bool AwaitsReply() const;
+    /// The installation's, as the module has it; ends in "/".
+    QString Folder() const;
+    QString Locale() const { return Module.GetAppLocale(); }
+    /// Whether a comparison trusts no earlier one.
+    bool IsFirstBuild() const { return Module.IsFirstManifestBuild; }
     quint32 Restarts() const { return Module.DownloadRetryCount; }
 
     /// The module has one budget of restarts for all files.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <atomic>
 
 namespace Varnholt::Host {
@@ -8,6 +10,8 @@ namespace Varnholt::Host {
 /// the midst of a long file too.
 class RunGate {
 public:
+    static constexpr unsigned c_BlockBytes = 0x2000; ///< of a file that is read, for each question
+
     /// Ends what the module is at, whatever the module thread does, until `Begin`: the module
     /// cannot tell what it was made to break off from what it has done.
     void Interrupt() { Interrupted = true; }
@@ -24,9 +28,13 @@ public:
     /// it learns of the current build and touches nothing.
     void SetPreview(bool p_Preview) { Preview = p_Preview; }
     bool IsPreview() const { return Preview; }
+    void CountQuestion() { ++Asked; }
+    /// How often the module has asked whether it may go on.
+    quint64 Questions() const { return Asked; }
     bool IsOpenForDownload() const { return IsOpen() && !Held; }
 
 private:
+    std::atomic<quint64> Asked{0};
     std::atomic<bool> Opened{false};
     std::atomic<bool> Held{false};
     std::atomic<bool> Preview{false};
