@@ -219,6 +219,7 @@ void CommandParser::AddGameCommands()
                 p_Choice.Request.Kind = RunRequest::Type::Play;
                 p_Choice.Request.Argument = Text(Account);
                 p_Choice.Request.GameArguments = GameArguments;
+                p_Choice.Waits = Waits;
                 p_Choice.Remembers = Remembers;
                 p_Choice.Forgets = Forgets;
             });
@@ -229,6 +230,7 @@ void CommandParser::AddGameCommands()
             ->check(NotEmpty())
             ->envname("VARNHOLT_ACCOUNT")
             ->type_name("NAME");
+    AddFlag(*play, "--wait", Waits, "Wait for the end of the game, and succeed when that is well");
     CLI::Option* const remember =
         AddFlag(*play, "--remember", Remembers,
                 "Ask for the password and keep it in the desktop's secret store")

@@ -36,6 +36,7 @@ int Program::Run()
             [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
     connect(Session.get(), &HostSession::Ended, this,
             [this](quint64, RunResult const& p_Result) { OnEnded(p_Result); });
+    connect(Session.get(), &HostSession::GameEnded, this, &Program::OnGameEnded);
     connect(Session.get(), &HostSession::Closed, this, [] { QCoreApplication::exit(); });
     Session->Open();
     int const status = QCoreApplication::exec();
@@ -189,10 +190,29 @@ void Program::OnEnded(RunResult const& p_Result)
             StartRun();
         return;
     }
-    TellSpace(p_Result.Space);
-    Output.ShowResult(Chosen.Request, p_Result, GameName);
-    if (p_Result.Problem)
-        return Fail(*p_Result.Problem);
+    Result = p_Result;
+    if (!Chosen.Waits || p_Result.Problem)
+        return Conclude();
+    Output.ShowNotice(QStringLiteral("%1 runs as process %2; waiting for its end.")
+                          .arg(GameName)
+                          .arg(p_Result.ProcessId));
+}
+
+void Program::OnGameEnded(GameEnd const& p_End)
+{
+    if (!Chosen.Waits)
+        return;
+    if (QString const error = p_End.ErrorText(); !error.isEmpty())
+        Result.Problem = Failure{FailureKind::GameFailed, Result.OutputFile, error};
+    Conclude();
+}
+
+void Program::Conclude()
+{
+    TellSpace(Result.Space);
+    Output.ShowResult(Chosen.Request, Result, GameName);
+    if (Result.Problem)
+        return Fail(*Result.Problem);
     Quit(EXIT_SUCCESS);
 }
 

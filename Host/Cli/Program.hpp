@@ -33,6 +33,8 @@ private:
     /// Called with what an uninstallation would delete. \return whether that shall be
     bool ConfirmDeletion(RunResult const& p_Preview);
     void OnEnded(RunResult const& p_Result);
+    void OnGameEnded(GameEnd const& p_End);
+    void Conclude();
     void OnEndRequested();
     void OnToggleRequested();
     /// Asks what must be asked; false when the program has come to its end with that.
@@ -54,6 +56,7 @@ private:
     std::unique_ptr<ControlSocket> Control;
     QString GameName;
     std::vector<VolumeSpace> ToldSpace;
+    RunResult Result;
     bool IsRunning = false;
     bool IsPaused = false;
     bool IsHeld = false; ///< the pause has come true

@@ -61,6 +61,9 @@ private Q_SLOTS:
     void EveryRunEndsExactlyOnce();
     void ARequestDuringARunIsRefused();
     void OneSessionServesManyRequests();
+    void ALanguageIsSetWhileTheSessionLives();
+    void AStoppedRepairEndsAndIsNotTakenForAWholeOne();
+    void ARepairThatIsStoppedBeforeItsFilesEnds();
     void ASessionAfterAnotherLoadsTheModuleAgain();
     void ASecondSessionBesideTheFirstIsRefused();
 };
@@ -324,6 +327,61 @@ void HostSessionTest::OneSessionServesManyRequests()
     QCOMPARE(game.Install(), QString("done")); // of the files that stayed
     QCOMPARE(game.Result().Transfers, 0u);
     QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ALanguageIsSetWhileTheSessionLives()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    for (QString const& code : {QString("deDE"), QString("frFR")}) {
+        game.Session().SetLanguage(code);
+        QCOMPARE(game.Status().Locale, code);
+    }
+    game.Session().SetLanguage("no language");
+    QCOMPARE(game.Status().Locale, QString("frFR"));
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong("frFR"), QStringList());
+    QCOMPARE(game.Run(RequestType::ChooseLocale, "enUS"), QString("done"));
+    QCOMPARE(game.Status().Locale, QString("enUS"));
+    game.Session().SetLanguage("deDE"); // the game has its own now
+    QCOMPARE(game.Status().Locale, QString("enUS"));
+}
+
+void HostSessionTest::AStoppedRepairEndsAndIsNotTakenForAWholeOne()
+{
+    constexpr qint64 c_Bytes = qint64{1} << 30;
+
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put("Data/first build.MPQ", "damaged"); // what an ordinary comparison trusts
+    QVERIFY(QFile::resize(game.Path("readme.txt"), c_Bytes));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitUntil(
+        [&] { return !game.Snapshots.empty() && game.Snapshots.back().BytesDone > c_Bytes / 8; }));
+    game.Session().StopRepair();
+    QCOMPARE(game.End(), QString("done"));
+    QVERIFY(game.Result().IsRepairStopped);
+    QCOMPARE(game.Wrong(), QStringList("Data/first build.MPQ"));
+    QVERIFY(game.Status().IsUnfinished);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QVERIFY(!game.Result().IsRepairStopped);
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ARepairThatIsStoppedBeforeItsFilesEnds()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Server.Script(game.Content.VersionPath()).Then(Answer::SilentBeforeHeaders());
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitForPhase(RunPhase::Connecting));
+    game.Session().StopRepair();
+    QCOMPARE(game.End(), QString("interrupted"));
+    QVERIFY(game.Result().IsRepairStopped);
+    QVERIFY(!game.Status().IsUnfinished);
 }
 
 void HostSessionTest::ASessionAfterAnotherLoadsTheModuleAgain()

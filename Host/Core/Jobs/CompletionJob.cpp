@@ -31,6 +31,16 @@ void CompletionJob::CompareEverything()
     Context.Module.Repair();
 }
 
+void CompletionJob::AbortRepair()
+{
+    Result.IsRepairStopped = true;
+    Examined.reset();
+    WantsEveryFile = false;
+    Passes = c_MostPasses;
+    Context.Watch.Reset();
+    Context.Module.AbortRepair();
+}
+
 void CompletionJob::BeforePump()
 {
     if (IsOver() || !IsWorking() || Examined)
@@ -187,6 +197,8 @@ void CompletionJob::Complete()
     if (auto const failure = LinkFailure(Folder()))
         return Fail(*failure);
     NoticeRealmList();
+    if (Result.IsRepairStopped) // the mark stays
+        return Finish();
     // After a power cut only the mark would tell of files that were still on their way to the disk.
     if (Context.Record.IsUnfinished()) {
         auto files = Context.Module.Manifest.Files;

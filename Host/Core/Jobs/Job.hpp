@@ -67,6 +67,8 @@ public:
     /// Stops the transfer in flight, or else the next one, until `Continue`.
     virtual void Pause() {}
     virtual void Continue() {}
+    /// Leaves a repair to the ordinary comparison.
+    virtual void StopRepair() {}
     /// Ends the run; nothing that has arrived is lost.
     virtual void Interrupt();
 

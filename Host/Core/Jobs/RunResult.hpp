@@ -27,6 +27,7 @@ struct RunResult {
     std::vector<MirrorReport> Mirrors; ///< the default server first
     qint64 ProcessId = 0;              ///< of the game that was started; 0: none was
     QString OutputFile;                ///< that takes that game's output; empty: nothing does
+    bool IsRepairStopped = false;      ///< not every file was looked at
     std::vector<VolumeSpace> Space;    ///< before the first byte; empty when nothing is to come
     FileAmount Amount;                 ///< of a preview: to fetch, or to delete
     QStringList Staying;               ///< of a preview: files that are not the game's

@@ -102,6 +102,12 @@ bool Claim(HostEnvironment& p_Environment)
     return g_Environment == &p_Environment;
 }
 
+void SetLocale(HostEnvironment& p_Environment, Launcher::LauncherLocale const& p_Locale)
+{
+    QWriteLocker const lock(&g_EnvironmentLock);
+    p_Environment.Locale = p_Locale;
+}
+
 void Install(Launcher::Application& p_Application)
 {
     p_Application.ErrorReporter = ErrorReporter;
