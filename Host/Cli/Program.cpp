@@ -247,6 +247,7 @@ void Program::Fail(Failure const& p_Failure)
 
 void Program::Quit(int p_Status)
 {
+    Chosen.Waits = false;
     QCoreApplication::exit(p_Status);
 }
 

@@ -105,9 +105,9 @@ QString Space(VolumeSpace const& p_Space)
     auto const text = [](qint64 p_Bytes) {
         return ByteText(static_cast<quint64>(std::max<qint64>(0, p_Bytes)));
     };
-    QString const needed = QStringLiteral("%1%2 are needed on the volume of %3")
-                               .arg(p_Space.Unsized > 0 ? QStringLiteral("at least ") : QString(),
-                                    text(p_Space.Needed), p_Space.Folder);
+    QString needed = QStringLiteral("%1%2 are needed on the volume of %3")
+                         .arg(p_Space.Unsized > 0 ? QStringLiteral("at least ") : QString(),
+                              text(p_Space.Needed), p_Space.Folder);
     if (!p_Space.IsKnown())
         return needed;
     return p_Space.After() < 0

@@ -1,5 +1,7 @@
 #include "Host/Core/Jobs/ComparisonReader.hpp"
 
+#include "GameModules/FileDigest.hpp"
+
 #include <QFileInfo>
 
 #include <algorithm>
@@ -21,7 +23,8 @@ void ComparisonReader::Tell(RunSnapshot& p_Snapshot, ModuleView::Entries const& 
     Measure(p_Files, p_Snapshot.Phase == RunPhase::ComparingStreamed);
     if (Before.size() <= p_Files.size())
         return;
-    quint64 const done = Before[number - 1] + (asked - AskedBefore) * RunGate::c_BlockBytes;
+    quint64 const done =
+        Before[number - 1] + (asked - AskedBefore) * Launcher::FileDigest::c_BlockBytes;
     Done = std::max(Done, std::min(done, Before[number]));
     p_Snapshot.BytesDone = Done;
     p_Snapshot.BytesTotal = Before.back();

@@ -1,10 +1,10 @@
 #include "Host/Core/Jobs/Inspection.hpp"
 
+#include "GameModules/FileDigest.hpp"
 #include "GameModules/LinkGuard.hpp"
 #include "GameModules/ManifestComparison.hpp"
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/Folder/MissingFiles.hpp"
-#include "Host/Core/Module/RunGate.hpp"
 
 #include <QFileInfo>
 
@@ -80,7 +80,7 @@ void Inspection::Enter()
 bool Inspection::GoOn()
 {
     if (Number < Before.size()) // never more than the file holds
-        Done = std::min(Done + RunGate::c_BlockBytes, Before[Number]);
+        Done = std::min(Done + Launcher::FileDigest::c_BlockBytes, Before[Number]);
     return !Stopped;
 }
 

@@ -10,8 +10,6 @@ namespace Varnholt::Host {
 /// the midst of a long file too.
 class RunGate {
 public:
-    static constexpr unsigned c_BlockBytes = 0x2000; ///< of a file that is read, for each question
-
     /// Ends what the module is at, whatever the module thread does, until `Begin`: the module
     /// cannot tell what it was made to break off from what it has done.
     void Interrupt() { Interrupted = true; }
@@ -29,7 +27,8 @@ public:
     void SetPreview(bool p_Preview) { Preview = p_Preview; }
     bool IsPreview() const { return Preview; }
     void CountQuestion() { ++Asked; }
-    /// How often the module has asked whether it may go on.
+    /// How often the module has asked whether it may go on: of a file that it reads, for each
+    /// `FileDigest::c_BlockBytes`.
     quint64 Questions() const { return Asked; }
     bool IsOpenForDownload() const { return IsOpen() && !Held; }
 
