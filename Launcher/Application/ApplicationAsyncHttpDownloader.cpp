@@ -84,6 +84,7 @@ void ApplicationAsyncHttpDownloader::run()
 
     // In its own thread, and now: its sockets and its helper thread end here.
     RestartTimer.reset();
+    Follower.reset();
     delete NetworkManager;
     NetworkManager = nullptr;
     Request->Reply = nullptr;
@@ -122,6 +123,7 @@ bool ApplicationAsyncHttpDownloader::StartDownload()
         Current = {};
         Request->BytesOnDisk = 0;
         if (size == 0) {
+            Follower.reset();
             Request->Continuable = true;
             HoldsErrorPage = false;
         }
@@ -192,6 +194,18 @@ void ApplicationAsyncHttpDownloader::Append(QByteArray const& p_Bytes)
     Current.WriteFailed = successful && !written;
     if (opened)
         Request->BytesOnDisk = file.size();
+    FollowFile();
+}
+
+/// Has what stands in a large file hashed while the rest of it arrives.
+void ApplicationAsyncHttpDownloader::FollowFile()
+{
+    constexpr qint64 c_Worthwhile = qint64{4} * 1024 * 1024; // is hashed in a moment at the end
+
+    if (!Follower && Request->BytesOnDisk >= c_Worthwhile)
+        Follower = std::make_unique<FollowingDigest>(FilePath);
+    if (Follower)
+        Follower->Follow(Request->BytesOnDisk);
 }
 
 void ApplicationAsyncHttpDownloader::SampleRate()
