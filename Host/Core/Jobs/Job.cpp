@@ -48,18 +48,6 @@ void Job::AfterPump()
         Go();
     if (!Over)
         ShowProgress();
-    LastTurn = Clock.elapsed();
-}
-
-void Job::OnQuestion()
-{
-    constexpr qint64 c_NoticeableMilliseconds = 100;
-
-    if (Over || Clock.elapsed() - LastTurn < c_NoticeableMilliseconds || Context.Ledger.IsEmpty())
-        return;
-    IsHashing = true;
-    ShowProgress();
-    IsHashing = false;
 }
 
 void Job::Go()
@@ -146,16 +134,14 @@ void Job::ShowProgress()
     constexpr qint64 c_IntervalMilliseconds = 100;
 
     qint64 const now = Clock.elapsed();
-    RunPhase const phase = IsHashing ? RunPhase::Verifying : Phase();
+    RunPhase const phase = Phase();
     if (phase == LastPhase && now - LastShown < c_IntervalMilliseconds)
         return;
     LastPhase = phase;
     LastShown = now;
     Context.Module.UISettingChanged = false;
     RunSnapshot snapshot = Look();
-    if (IsHashing)
-        snapshot.Phase = RunPhase::Verifying;
-    else if (snapshot.Wait && snapshot.Wait->IsRetry())
+    if (snapshot.Wait && snapshot.Wait->IsRetry())
         snapshot.Phase = RunPhase::WaitingToRetry;
     if (snapshot == LastSnapshot)
         return;

@@ -59,8 +59,6 @@ public:
     virtual void BeforePump() {}
     /// Called in each turn after the module's closures were run.
     void AfterPump();
-    /// Called in the midst of what the module does on this thread.
-    void OnQuestion();
     /// True when the module's closures must not be run.
     virtual bool HoldsPump() const { return false; }
 
@@ -160,8 +158,6 @@ private:
     QElapsedTimer Clock;
     qint64 LastShown = 0;
     RunPhase LastPhase = RunPhase::Idle;
-    qint64 LastTurn = 0;
-    bool IsHashing = false; ///< the module, a file that has arrived, on this thread
     RunSnapshot LastSnapshot;
 };
 

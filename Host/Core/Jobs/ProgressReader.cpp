@@ -109,9 +109,23 @@ void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
     DoneBytes = std::min(std::max(DoneBytes, done), TotalBytes);
     p_Snapshot.BytesDone = DoneBytes;
     p_Snapshot.BytesTotal = TotalBytes;
+    if (IsVerified(download))
+        p_Snapshot.Phase = RunPhase::Verifying;
     if (p_Snapshot.Rate > 0)
         p_Snapshot.Remaining = static_cast<qint64>(
             (RemainingBytes() - std::min(RemainingBytes(), p_Held)) / p_Snapshot.Rate);
+}
+
+bool ProgressReader::IsVerified(ModuleView::Download const& p_Download)
+{
+    constexpr qint64 c_NoticeableMilliseconds = 50; // two looks of a phase
+
+    quint64 const size = Door.SizeOf(p_Download.Location).value_or(0);
+    bool const isWhole = View.HasTransfer() && size > 0 && p_Download.BytesOnDisk >= size;
+    if (!isWhole || WholeFile != p_Download.File)
+        WholeSince.start();
+    WholeFile = isWhole ? p_Download.File : QString();
+    return isWhole && WholeSince.hasExpired(c_NoticeableMilliseconds);
 }
 
 quint64 ProgressReader::FinishedBytes(std::size_t p_Finished)

@@ -4,6 +4,8 @@
 #include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 
+#include <QElapsedTimer>
+
 #include <cstddef>
 
 namespace Varnholt::Host {
@@ -26,6 +28,8 @@ private:
     quint64 ReadDoor(RunSnapshot& p_Snapshot) const;
     /// \param p_Held bytes that have come through the network and are not on the disk yet
     void ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held);
+    /// Whether all of the current file has been there for a moment: the module verifies it.
+    bool IsVerified(ModuleView::Download const& p_Download);
     quint64 FinishedBytes(std::size_t p_Finished);
 
     ModuleView const& View;
@@ -38,6 +42,8 @@ private:
     quint64 CountedBytes = 0;
     quint64 DoneBytes = 0;
     quint64 TotalBytes = 0;
+    QString WholeFile; ///< that is there, and has not got its name yet
+    QElapsedTimer WholeSince;
 };
 
 } // namespace Varnholt::Host

@@ -82,7 +82,7 @@ void NotifyDownloadFinished() {}
 bool ShouldContinue()
 {
     return Ask(false, [](HostEnvironment& p_Host) {
-        p_Host.OnQuestion();
+        p_Host.Gate.CountQuestion();
         return p_Host.Gate.IsOpen();
     });
 }

@@ -18,7 +18,6 @@ struct HostEnvironment {
     Launcher::LauncherLocale Locale;
     std::function<void(QString)> OnError;     ///< must not block
     std::function<void()> OnDownloadStarting; ///< must not block
-    std::function<void()> OnQuestion;         ///< whether to go on, on any thread; must not block
 };
 
 } // namespace Varnholt::Host

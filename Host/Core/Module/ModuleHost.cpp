@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QLocale>
-#include <QThread>
 
 namespace Varnholt::Host {
 
@@ -32,7 +31,7 @@ int PendingCount(QString const& p_List)
 ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
     : Options(std::move(p_Options))
     , Settings(p_Settings)
-    , Environment{p_Settings, Gate, Options.UseDevChannel, SystemLocale(), {}, {}, {}}
+    , Environment{p_Settings, Gate, Options.UseDevChannel, SystemLocale(), {}, {}}
     , Copies(p_Settings.File())
     , Games(this)
     , TurnTimer(this)
@@ -109,11 +108,6 @@ void ModuleHost::Assemble()
     };
     // The last moment before the first byte: from here on a kill leaves things half done.
     Environment.OnDownloadStarting = [this] { Record->MarkUnfinished(); };
-    Environment.OnQuestion = [this] {
-        Gate.CountQuestion();
-        if (QThread::currentThread() == thread() && Current)
-            Current->OnQuestion();
-    };
 }
 
 void ModuleHost::OnError(QString const& p_Message)

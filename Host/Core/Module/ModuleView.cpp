@@ -80,8 +80,10 @@ ModuleView::Download ModuleView::Progress() const
     Download download;
     download.Index = Done();
     download.Count = Module.FilesToDownload.size();
-    if (download.Index < download.Count)
+    if (download.Index < download.Count) {
         download.File = Module.FilesToDownload[download.Index].Path;
+        download.Location = Module.FilesToDownload[download.Index].Location;
+    }
     if (HasTransfer())
         download.BytesOnDisk = static_cast<quint64>(Module.CurrentDownload->BytesOnDisk);
     download.BytesTotal = Module.UISetting.Download.Total;

@@ -22,6 +22,7 @@ public:
         std::size_t Index = 0; ///< of the current file; `Count` behind the last
         std::size_t Count = 0;
         QString File;            ///< the current one's path; empty behind the last
+        QString Location;        ///< of the current one
         quint64 BytesOnDisk = 0; ///< of the current one
         quint64 BytesTotal = 0;  ///< of the list
     };
