@@ -98,7 +98,7 @@ private:
     };
 
     bool StartDownload();
-    void Append(QByteArray const& p_Bytes);
+    void Append(QNetworkReply& p_Reply);
     void FollowFile();
     void SampleRate();
     std::function<void()> CleanUpClosure();
