@@ -32,10 +32,14 @@ QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
 
 QJsonObject ObjectOf(ServerWait const& p_Wait)
 {
-    return {{QStringLiteral("server"), p_Wait.Server},
-            {QStringLiteral("cause"), p_Wait.Cause},
-            {QStringLiteral("silent"), p_Wait.Silent},
-            {QStringLiteral("nextAttempt"), p_Wait.NextAttempt}};
+    QJsonObject object{{QStringLiteral("server"), p_Wait.Server},
+                       {QStringLiteral("cause"), p_Wait.Cause},
+                       {QStringLiteral("silent"), p_Wait.Silent},
+                       {QStringLiteral("nextAttempt"), p_Wait.NextAttempt},
+                       {QStringLiteral("attempt"), p_Wait.Attempt}};
+    if (p_Wait.Attempts > 0)
+        object.insert(QStringLiteral("attempts"), p_Wait.Attempts);
+    return object;
 }
 
 QJsonObject ObjectOf(FileFinding const& p_Finding)
@@ -63,6 +67,14 @@ QJsonObject ObjectOf(MirrorReport const& p_Report)
     return object;
 }
 
+QJsonObject ObjectOf(Failure const& p_Failure)
+{
+    return {{QStringLiteral("error"), p_Failure.Identifier()},
+            {QStringLiteral("subject"), p_Failure.Subject},
+            {QStringLiteral("text"), p_Failure.Sentence()},
+            {QStringLiteral("remedy"), p_Failure.Remedy()}};
+}
+
 QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
 {
     QJsonObject object;
@@ -71,13 +83,11 @@ QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
     return object;
 }
 
-QJsonObject ObjectOf(Failure const& p_Failure)
+QJsonObject ErrorOf(Failure const& p_Failure)
 {
-    return {{QStringLiteral("error"), p_Failure.Identifier()},
-            {QStringLiteral("subject"), p_Failure.Subject},
-            {QStringLiteral("text"), p_Failure.Sentence()},
-            {QStringLiteral("remedy"), p_Failure.Remedy()},
-            {QStringLiteral("exitStatus"), p_Failure.ExitStatus()}};
+    QJsonObject object = ObjectOf(p_Failure);
+    object.insert(QStringLiteral("exitStatus"), p_Failure.ExitStatus());
+    return object;
 }
 
 QJsonObject ObjectOf(RunTotals const& p_Totals)
@@ -193,6 +203,19 @@ QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
     return object;
 }
 
+void JsonPresenter::ShowSpace(VolumeSpace const& p_Space, bool /*p_IsResult*/)
+{
+    QJsonObject object{{QStringLiteral("folder"), p_Space.Folder},
+                       {QStringLiteral("files"), static_cast<qint64>(p_Space.Files)},
+                       {QStringLiteral("unsized"), static_cast<qint64>(p_Space.Unsized)},
+                       {QStringLiteral("needed"), p_Space.Needed}};
+    if (p_Space.IsKnown()) {
+        object.insert(QStringLiteral("free"), p_Space.Free);
+        object.insert(QStringLiteral("after"), p_Space.After());
+    }
+    Write("space", object);
+}
+
 void JsonPresenter::WriteNotice(Notice const& p_Notice)
 {
     QJsonObject object{{QStringLiteral("time"), TimeText(p_Notice.Time)},
@@ -211,13 +234,19 @@ void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_
         Write("finding", ObjectOf(finding));
     for (MirrorReport const& report : p_Result.Mirrors)
         Write("mirror", ObjectOf(report));
+    for (Failure const& warning : p_Result.Warnings)
+        Write("warning", ObjectOf(warning));
+    if (p_Request.Kind == RunRequest::Type::PreviewInstall && !p_Result.Problem)
+        Write("preview", {{QStringLiteral("files"), static_cast<qint64>(p_Result.Amount.Files)},
+                          {QStringLiteral("bytes"), Figure(p_Result.Amount.Bytes)},
+                          {QStringLiteral("atLeast"), p_Result.Amount.IsLeast}});
     if (p_Request.Kind == RunRequest::Type::ListLocales)
         for (auto const& locale : p_Result.Locales)
             Write("locale", {{QStringLiteral("locale"), locale.Tag},
                              {QStringLiteral("name"), locale.Name},
                              {QStringLiteral("chosen"), locale.Tag == p_Result.Locale}});
     if (p_Result.Problem) {
-        QJsonObject error = ObjectOf(*p_Result.Problem);
+        QJsonObject error = ErrorOf(*p_Result.Problem);
         AddFigures(error, p_Request, p_Result);
         return Write("error", error);
     }
@@ -237,7 +266,7 @@ void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_
 
 void JsonPresenter::WriteFailure(Failure const& p_Failure)
 {
-    Write("error", ObjectOf(p_Failure));
+    Write("error", ErrorOf(p_Failure));
 }
 
 } // namespace Varnholt::Host

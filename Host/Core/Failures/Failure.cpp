@@ -55,14 +55,12 @@ public:
          QT_TR_NOOP("check the network connection, then try again")},
         {FailureKind::CertificateWrong, c_NetworkStatus, "server-untrusted",
          QT_TR_NOOP("the server {s} cannot be trusted ({d})"),
-         QT_TRANSLATE_NOOP(
-             "Varnholt::Host::Failure",
+         QT_TR_NOOP(
              "name the authority that its operator goes by with --ca-file, or tell the operator")},
         {FailureKind::ProxyUnreachable, c_NetworkStatus, "proxy-unreachable",
          QT_TR_NOOP("{s} cannot be fetched ({d})"),
-         QT_TRANSLATE_NOOP("Varnholt::Host::Failure",
-                           "check --proxy and the variables of the environment that name a proxy, "
-                           "then try again")},
+         QT_TR_NOOP("check --proxy and the variables of the environment that name a proxy, "
+                    "then try again")},
         {FailureKind::OfflineUnknown, c_NetworkStatus, "offline-unknown",
          QT_TR_NOOP("nothing is kept about {s} to go on with offline ({d})"),
          QT_TR_NOOP("run \"update\" once while its server answers")},
@@ -73,9 +71,8 @@ public:
          QT_TR_NOOP("the build {s} holds no files for this platform"),
          QT_TR_NOOP("ask who publishes it")},
         {FailureKind::FilesUnreachable, c_NetworkStatus, "files-unreachable", "{s} ({d})",
-         QT_TRANSLATE_NOOP("Varnholt::Host::Failure",
-                           "check the network connection and run \"update\"; everything else is in "
-                           "place and kept")},
+         QT_TR_NOOP("check the network connection and run \"update\"; everything else is in "
+                    "place and kept")},
         {FailureKind::FilesGivenUp, 4, "files-given-up", "{s} ({d})",
          QT_TR_NOOP("run \"update\" again; everything else is in place and kept")},
         {FailureKind::DiskFull, 6, "disk-full", QT_TR_NOOP("the volume of {s} is too full ({d})"),
@@ -85,9 +82,7 @@ public:
          QT_TR_NOOP("update it there, or confirm (--yes) that it shall be installed anew")},
         {FailureKind::FolderMissing, 7, "folder-missing",
          QT_TR_NOOP("the installation folder {s} does not exist"),
-         QT_TRANSLATE_NOOP(
-             "Varnholt::Host::Failure",
-             "connect its drive, or run \"install\" with the folder that it was moved to")},
+         QT_TR_NOOP("connect its drive, or run \"install\" with the folder that it was moved to")},
         {FailureKind::FolderIsFile, 7, "folder-is-file", QT_TR_NOOP("{s} is a file, not a folder"),
          QT_TR_NOOP("choose another folder")},
         {FailureKind::FolderForbidden, 7, "folder-forbidden",
@@ -125,14 +120,12 @@ public:
          QT_TR_NOOP("the game cannot be started: {s} is missing"), QT_TR_NOOP("run \"repair\"")},
         {FailureKind::ExecutableUnusable, 7, "executable-unusable",
          QT_TR_NOOP("the game cannot be started: {s} is no program that you may run ({d})"),
-         QT_TRANSLATE_NOOP(
-             "Varnholt::Host::Failure",
-             "change its permissions, run \"repair\", or name what runs it with --wrapper")},
+         QT_TR_NOOP("change its permissions, run \"repair\", or name what runs it with --wrapper")},
         {FailureKind::WrapperUnusable, 7, "wrapper-unusable",
          QT_TR_NOOP("the wrapper {s} cannot be started ({d})"),
          QT_TR_NOOP("install it, or name another one with --wrapper")},
         {FailureKind::GameFailed, 1, "game-failed",
-         QT_TR_NOOP("the game has ended at once with an error ({d}), its output is in {s}"),
+         QT_TR_NOOP("the game has ended with an error ({d}), its output is in {s}"),
          QT_TR_NOOP("look there for the cause, or run \"verify\"")},
         {FailureKind::FilesNotRemoved, 7, "files-not-removed",
          QT_TR_NOOP("the game is uninstalled, but files remain in {s}: {d}"),

@@ -130,25 +130,24 @@ std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) 
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
+    auto const sizeOf = [this](QString const& p_Location) { return Door.SizeOf(p_Location); };
+    std::map<QString, Failure> full; // by the volumes' folders
+    for (VolumeSpace const& space : GameVolumes::SpaceFor(Folder, p_Missing, sizeOf, FreeBytes)) {
+        bool const isFull = space.IsKnown() && (space.After() < 0 || space.Free < c_NearlyNothing);
+        quint64 const needed = static_cast<quint64>(std::max<qint64>(0, space.Needed));
+        if (isFull)
+            full[space.Folder] = {
+                FailureKind::DiskFull, space.Folder,
+                tr("%1 are free, %2 more are needed")
+                    .arg(ByteText(static_cast<quint64>(space.Free)), ByteText(needed))};
+    }
     std::map<QString, Failure> failures;
     for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
-        qint64 const free = FreeBytes(share.Folder);
-        qint64 needed = 0;
-        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
-            qint64 const there =
-                QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
-            auto const size = static_cast<qint64>(Door.SizeOf(entry.Location).value_or(0));
-            needed += std::max<qint64>(0, size - there);
-        }
-        bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
-        if (!isFull)
+        auto const failure = full.find(share.Folder);
+        if (failure == full.end())
             continue;
-        Failure const failure{
-            FailureKind::DiskFull, share.Folder,
-            tr("%1 are free, %2 more are needed")
-                .arg(ByteText(static_cast<quint64>(free)), ByteText(static_cast<quint64>(needed)))};
         for (Launcher::ApplicationManifestFileEntry const& entry : share.Files)
-            failures.emplace(entry.Path, failure);
+            failures.emplace(entry.Path, failure->second);
     }
     return failures;
 }

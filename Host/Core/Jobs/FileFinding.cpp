@@ -41,4 +41,15 @@ FileAmount AmountOf(std::vector<FileFinding> const& p_Findings)
     return amount;
 }
 
+std::vector<Launcher::ApplicationManifestFileEntry>
+EntriesOf(std::vector<FileFinding> const& p_Findings)
+{
+    std::vector<Launcher::ApplicationManifestFileEntry> entries(p_Findings.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        entries[i].Path = p_Findings[i].Path;
+        entries[i].Location = p_Findings[i].Location;
+    }
+    return entries;
+}
+
 } // namespace Varnholt::Host

@@ -38,5 +38,8 @@ struct FileFinding {
 
 /// What is still to fetch.
 FileAmount AmountOf(std::vector<FileFinding> const& p_Findings);
+/// As the build has them, with path and location only.
+std::vector<Launcher::ApplicationManifestFileEntry>
+EntriesOf(std::vector<FileFinding> const& p_Findings);
 
 } // namespace Varnholt::Host

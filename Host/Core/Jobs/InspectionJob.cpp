@@ -5,7 +5,9 @@ namespace Varnholt::Host {
 void InspectionJob::OnBuildKnown()
 {
     if (CanUseBuild())
-        Settle([this] { Examined = std::make_unique<Examination>(Context, LooksAtEveryFile()); });
+        Settle([this] {
+            Examined = std::make_unique<Examination>(Context, Where(), LooksAtEveryFile());
+        });
 }
 
 void InspectionJob::Work()
@@ -16,7 +18,7 @@ void InspectionJob::Work()
     Result.Findings = Examined->Findings();
     for (FileFinding& finding : Result.Findings)
         Explain(finding);
-    if (auto const failure = LinkFailure())
+    if (auto const failure = LinkFailure(Where()))
         return Fail(*failure);
     if (Result.Findings.empty())
         return Finish();

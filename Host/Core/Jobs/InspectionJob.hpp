@@ -22,6 +22,8 @@ protected:
     bool MovesBytes() const override { return Examined && !IsJudged; }
 
     virtual RunPhase WorkPhase() const { return RunPhase::Comparing; }
+    /// The folder that is looked at; ends in "/".
+    virtual QString Where() const { return Folder(); }
     /// Whether what earlier runs have verified and listed is not to be trusted.
     virtual bool LooksAtEveryFile() const = 0;
     /// What to call it when files are not as the build wants them.

@@ -66,6 +66,8 @@ public:
     /// Stops the transfer in flight, or else the next one, until `Continue`.
     virtual void Pause() {}
     virtual void Continue() {}
+    /// Leaves a repair to the ordinary comparison.
+    virtual void StopRepair() {}
     /// Ends the run; nothing that has arrived is lost.
     virtual void Interrupt();
 
@@ -112,7 +114,7 @@ protected:
     void RemoveLockFile();
     /// A game whose files are partly elsewhere, where the module leaves them alone, is not
     /// complete.
-    std::optional<Failure> LinkFailure() const;
+    std::optional<Failure> LinkFailure(QString const& p_Folder) const;
 
     // _StartUp
     void StartUp();
@@ -163,6 +165,7 @@ private:
     qint64 Measured = 0; ///< when the totals were measured; of the clock
     qint64 Moving = 0;   ///< milliseconds in which bytes moved
     qint64 LastShown = 0;
+    RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;
 };
 

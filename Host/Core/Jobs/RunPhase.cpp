@@ -27,6 +27,7 @@ public:
         {RunPhase::WaitingForHost, "waiting-for-host",
          QT_TR_NOOP("waiting for permission to download")},
         {RunPhase::WaitingForGame, "waiting-for-game", QT_TR_NOOP("waiting for the game to quit")},
+        {RunPhase::WaitingToRetry, "waiting-to-retry", QT_TR_NOOP("waiting to try again")},
         {RunPhase::AskingSizes, "asking-sizes", QT_TR_NOOP("asking for file sizes")},
         {RunPhase::DownloadingBase, "downloading-base", QT_TR_NOOP("downloading base files")},
         {RunPhase::ComparingStreamed, "comparing-streamed", QT_TR_NOOP("comparing streamed files")},
