@@ -16,6 +16,11 @@ double Figure(quint64 p_Value)
     return static_cast<double>(p_Value);
 }
 
+QString TimeText(QDateTime const& p_Time)
+{
+    return p_Time.toString(Qt::ISODateWithMs);
+}
+
 QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
 {
     QJsonArray servers;
@@ -40,7 +45,10 @@ QJsonObject ObjectOf(ServerWait const& p_Wait)
 QJsonObject ObjectOf(FileFinding const& p_Finding)
 {
     QJsonObject object{{QStringLiteral("file"), p_Finding.Path},
-                       {QStringLiteral("cause"), p_Finding.CauseText()}};
+                       {QStringLiteral("cause"), p_Finding.CauseText()},
+                       {QStringLiteral("error"), p_Finding.Problem.Identifier()},
+                       {QStringLiteral("text"), p_Finding.Problem.Sentence()},
+                       {QStringLiteral("remedy"), p_Finding.Problem.Remedy()}};
     if (p_Finding.Bytes >= 0)
         object.insert(QStringLiteral("bytes"), p_Finding.Bytes);
     return object;
@@ -75,6 +83,33 @@ QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
     return object;
 }
 
+QJsonObject ObjectOf(RunTotals const& p_Totals)
+{
+    constexpr double c_Second = 1'000;
+
+    return {{QStringLiteral("files"), Figure(p_Totals.Files)},
+            {QStringLiteral("bytes"), Figure(p_Totals.Bytes)},
+            {QStringLiteral("seconds"), static_cast<double>(p_Totals.Milliseconds) / c_Second},
+            {QStringLiteral("rate"), Figure(p_Totals.Rate)}};
+}
+
+QJsonObject ObjectOf(FileAmount const& p_Amount)
+{
+    return {{QStringLiteral("files"), Figure(p_Amount.Files)},
+            {QStringLiteral("bytes"), Figure(p_Amount.Bytes)},
+            {QStringLiteral("atLeast"), p_Amount.IsLeast}};
+}
+
+/// What a run has moved, and what a check has found that an update would move.
+void AddFigures(QJsonObject& p_Object, RunRequest const& p_Request, RunResult const& p_Result)
+{
+    p_Object.insert(QStringLiteral("totals"), ObjectOf(p_Result.Totals));
+    bool const isAnswered =
+        !p_Result.Problem || p_Result.Problem->Kind == FailureKind::UpdateAvailable;
+    if (p_Request.Kind == RunRequest::Type::Check && !p_Request.Quick && isAnswered)
+        p_Object.insert(QStringLiteral("toFetch"), ObjectOf(AmountOf(p_Result.Findings)));
+}
+
 } // namespace
 
 JsonPresenter::JsonPresenter(Console& p_Console)
@@ -85,8 +120,8 @@ JsonPresenter::JsonPresenter(Console& p_Console)
 void JsonPresenter::Write(char const* p_Type, QJsonObject p_Object)
 {
     p_Object.insert(QStringLiteral("type"), QLatin1String(p_Type));
-    p_Object.insert(QStringLiteral("time"),
-                    QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+    if (!p_Object.contains(QLatin1String("time")))
+        p_Object.insert(QStringLiteral("time"), TimeText(QDateTime::currentDateTimeUtc()));
     Output.Result(QString::fromUtf8(QJsonDocument(p_Object).toJson(QJsonDocument::Compact)));
 }
 
@@ -174,13 +209,19 @@ void JsonPresenter::ShowSpace(VolumeSpace const& p_Space, bool /*p_IsResult*/)
     Write("space", object);
 }
 
-void JsonPresenter::WriteNotice(QString const& p_Text)
+void JsonPresenter::WriteNotice(Notice const& p_Notice)
 {
-    Write("notice", {{QStringLiteral("text"), p_Text}});
+    QJsonObject object{{QStringLiteral("time"), TimeText(p_Notice.Time)},
+                       {QStringLiteral("severity"), p_Notice.SeverityName()},
+                       {QStringLiteral("kind"), p_Notice.Identifier()},
+                       {QStringLiteral("text"), p_Notice.Text()}};
+    if (QString const remedy = p_Notice.Remedy(); !remedy.isEmpty())
+        object.insert(QStringLiteral("remedy"), remedy);
+    Write("notice", object);
 }
 
-void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                               QString const& p_Game)
+void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                                QString const& p_Game)
 {
     for (FileFinding const& finding : p_Result.Findings)
         Write("finding", ObjectOf(finding));
@@ -197,10 +238,14 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
             Write("locale", {{QStringLiteral("locale"), locale.Tag},
                              {QStringLiteral("name"), locale.Name},
                              {QStringLiteral("chosen"), locale.Tag == p_Result.Locale}});
-    if (p_Result.Problem)
-        return;
+    if (p_Result.Problem) {
+        QJsonObject error = ObjectOf(*p_Result.Problem);
+        AddFigures(error, p_Request, p_Result);
+        return Write("error", error);
+    }
     QJsonObject result{{QStringLiteral("game"), p_Game},
                        {QStringLiteral("build"), p_Result.Build},
+                       {QStringLiteral("buildName"), p_Result.BuildName},
                        {QStringLiteral("folder"), p_Result.Folder},
                        {QStringLiteral("locale"), p_Result.Locale},
                        {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)}};
@@ -208,6 +253,7 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
         result.insert(QStringLiteral("processId"), p_Result.ProcessId);
     if (!p_Result.OutputFile.isEmpty())
         result.insert(QStringLiteral("output"), p_Result.OutputFile);
+    AddFigures(result, p_Request, p_Result);
     Write("result", result);
 }
 

@@ -41,8 +41,7 @@ QString Login::Remembered()
         return {};
     PasswordStore::Answer const answer = PasswordStore::Read(Key);
     if (!answer.Problem.isEmpty())
-        Output.ShowNotice(
-            QStringLiteral("The remembered password cannot be read: %1").arg(answer.Problem));
+        Output.ShowNotice({NoticeKind::PasswordUnreadable, answer.Problem});
     return answer.Password;
 }
 
@@ -57,18 +56,17 @@ void Login::Remember(QString const& p_Password)
 {
     QString const problem = PasswordStore::Write(Key, p_Password);
     if (!problem.isEmpty())
-        return Output.ShowNotice(QStringLiteral("The password is not remembered: %1").arg(problem));
+        return Output.ShowNotice({NoticeKind::PasswordNotRemembered, problem});
     Settings.SetValue(Mark, true);
     if (auto const failure = Settings.Save())
-        Output.ShowNotice(
-            QStringLiteral("The password is not remembered: %1").arg(failure->Sentence()));
+        Output.ShowNotice({NoticeKind::PasswordNotRemembered, failure->Sentence()});
 }
 
 void Login::Forget()
 {
     QString const problem = PasswordStore::Remove(Key);
     if (!problem.isEmpty())
-        return Output.ShowNotice(QStringLiteral("The password is not forgotten: %1").arg(problem));
+        return Output.ShowNotice({NoticeKind::PasswordNotForgotten, problem});
     Settings.Remove(Mark);
 }
 

@@ -27,7 +27,7 @@ int Program::Run()
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
     connect(Session.get(), &HostSession::Progressed, this, &Program::OnProgressed);
     connect(Session.get(), &HostSession::Noticed, this,
-            [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
+            [this](Notice const& p_Notice) { Output.ShowNotice(p_Notice); });
     connect(Session.get(), &HostSession::Ended, this,
             [this](quint64, RunResult const& p_Result) { OnEnded(p_Result); });
     connect(Session.get(), &HostSession::GameEnded, this, &Program::OnGameEnded);
@@ -92,8 +92,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
             return false;
         }
         if (request.Password.isEmpty())
-            Output.ShowNotice(
-                QStringLiteral("No password was given; the game does not log in by itself."));
+            Output.ShowNotice({NoticeKind::PasswordMissing});
         return true;
     }
     if (!Prompt::IsInteractive()) {
@@ -118,7 +117,7 @@ bool Program::ConfirmDeletion(RunResult const& p_Preview)
     request.Kind = RunRequest::Type::Uninstall;
     request.Confirmed = Prompt::Confirm(question);
     if (!request.Confirmed) {
-        Output.ShowNotice(QStringLiteral("Nothing was deleted."));
+        Output.ShowNotice({NoticeKind::NothingDeleted});
         Quit(SignalWatch::IsEndRequested() ? SignalWatch::c_Status : EXIT_FAILURE);
     }
     return request.Confirmed;
@@ -169,10 +168,10 @@ void Program::OnMessage(ControlMessage const& p_Message)
     if (p_Message.Kind != ControlMessage::Type::LimitRate)
         return SetPaused(p_Message.Kind == ControlMessage::Type::Pause);
     Session->SetRateLimit(p_Message.BytesPerSecond);
-    Output.ShowNotice(p_Message.BytesPerSecond == 0
-                          ? QStringLiteral("The download is no longer limited.")
-                          : QStringLiteral("The download is now limited to %1/s.")
-                                .arg(ByteText(p_Message.BytesPerSecond)));
+    if (p_Message.BytesPerSecond == 0)
+        Output.ShowNotice({NoticeKind::RateUnlimited});
+    else
+        Output.ShowNotice({NoticeKind::RateLimited, ByteText(p_Message.BytesPerSecond)});
 }
 
 void Program::OnEnded(RunResult const& p_Result)
@@ -187,9 +186,7 @@ void Program::OnEnded(RunResult const& p_Result)
     Result = p_Result;
     if (!Chosen.Waits || p_Result.Problem)
         return Conclude();
-    Output.ShowNotice(QStringLiteral("%1 runs as process %2; waiting for its end.")
-                          .arg(GameName)
-                          .arg(p_Result.ProcessId));
+    Output.ShowNotice({NoticeKind::GameAwaited, GameName, QString::number(p_Result.ProcessId)});
 }
 
 void Program::OnGameEnded(GameEnd const& p_End)
@@ -205,16 +202,14 @@ void Program::Conclude()
 {
     TellSpace(Result.Space);
     Output.ShowResult(Chosen.Request, Result, GameName);
-    if (Result.Problem)
-        return Fail(*Result.Problem);
-    Quit(EXIT_SUCCESS);
+    Quit(Result.Problem ? Result.Problem->ExitStatus() : EXIT_SUCCESS);
 }
 
 void Program::OnEndRequested()
 {
     if (!IsRunning)
         return Quit(SignalWatch::c_Status);
-    Output.ShowNotice(QStringLiteral("Stopping; press Ctrl-C again to stop at once."));
+    Output.ShowNotice({NoticeKind::Stopping});
     Session->Interrupt();
 }
 

@@ -19,11 +19,11 @@ public:
                     bool p_IsListed) override;
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
     void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) override;
-    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                    QString const& p_Game) override;
 
 protected:
-    void WriteNotice(QString const& p_Text) override;
+    void WriteNotice(Notice const& p_Notice) override;
+    void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                     QString const& p_Game) override;
     void WriteFailure(Failure const& p_Failure) override;
 
 private:

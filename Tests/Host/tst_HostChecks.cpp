@@ -1,4 +1,5 @@
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Folder/FolderCheck.hpp"
 #include "Host/Core/Folder/GameVolumes.hpp"
 #include "Host/Core/Folder/MissingFiles.hpp"
@@ -22,6 +23,7 @@ using Launcher::ApplicationManifestFileEntry;
 using TestSupport::WriteFile;
 
 constexpr int c_LastKind = static_cast<int>(FailureKind::Interrupted);
+constexpr int c_LastNotice = static_cast<int>(NoticeKind::Stopping);
 
 ApplicationManifestFileEntry Entry(QString const& p_Path, QString const& p_Locale = {})
 {
@@ -52,6 +54,7 @@ private Q_SLOTS:
 
     void EveryKindOfFailureHasItsOwnIdentifier();
     void EveryKindHasASentenceARemedyAndAStatusOfTheList();
+    void EveryKindOfNoticeIsOneSentenceWithItsRemedy();
     void TheNetworksFailuresAreThoseOfItsStatus();
     void MarksInAFileNameStayThemselves();
 
@@ -99,6 +102,26 @@ void HostChecksTest::EveryKindHasASentenceARemedyAndAStatusOfTheList()
             QVERIFY2(!text.contains('{'), qPrintable(text));
         }
     }
+}
+
+void HostChecksTest::EveryKindOfNoticeIsOneSentenceWithItsRemedy()
+{
+    QSet<QString> identifiers;
+    int remedies = 0;
+    for (int kind = 0; kind <= c_LastNotice; ++kind) {
+        Notice const notice{static_cast<NoticeKind>(kind), "SUBJECT", "DETAIL"};
+        identifiers += notice.Identifier();
+        QString const text = notice.Text();
+        QVERIFY2(text.endsWith('.') && !text.contains('{'), qPrintable(text));
+        QVERIFY2(text.endsWith(notice.Remedy() + '.'), qPrintable(text));
+        remedies += notice.Remedy().isEmpty() ? 0 : 1;
+    }
+    QCOMPARE(identifiers.size(), c_LastNotice + 1);
+    QCOMPARE(remedies, 4);
+    Notice const notice{NoticeKind::FolderNotLocked, "/a {d} b/", "no locks"};
+    QCOMPARE(notice.Text(), QString("The folder /a {d} b/ cannot be locked (no locks); let no "
+                                    "other program work in it at the same time."));
+    QCOMPARE(notice.Severity(), Notice::Level::Warning);
 }
 
 void HostChecksTest::TheNetworksFailuresAreThoseOfItsStatus()

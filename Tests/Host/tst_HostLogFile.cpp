@@ -110,7 +110,10 @@ void HostLogFileTest::RetriesAndNoticesAreToldWithTheirReason()
     QStringList const failures = lines.filter("a try has failed: " + Game->Server.BaseUrl());
     QCOMPARE(failures.filter("version.json (HTTP status 503)").size(), 1);
     QCOMPARE(failures.filter("version.json (HTTP status 500)").size(), 1);
-    QCOMPARE(lines.filter("[varnholt.host] notice: The list of mirrors is damaged").size(), 1);
+    QCOMPARE(
+        lines.filter("[varnholt.host] warning: mirrors-unknown: The list of mirrors is damaged")
+            .size(),
+        1);
     QVERIFY2(lines.last().endsWith("exit status: 0"), qPrintable(lines.last()));
 }
 

@@ -153,6 +153,7 @@ void HostPauseTest::APauseWithinAFileKeepsItsBytes()
     QCOMPARE(game.End(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Server.BodyBytes(game.Content.ServerPath(file)), Size(game, file));
+    QCOMPARE(game.Result().Transfers, 6u); // the one that was stopped counts once
     QVERIFY(!game.IsMarkedUnfinished());
 }
 

@@ -77,7 +77,8 @@ void HostSessionTest::AnInstallationBringsEverything()
     QVERIFY(!game.Status().IsInstalled);
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Result().Build, QString("Sample build"));
+    QCOMPARE(game.Result().Build, QString("build_1"));
+    QCOMPARE(game.Result().BuildName, QString("Sample build"));
     QCOMPARE(game.Result().Folder, game.Folder);
     QCOMPARE(game.Result().Transfers, 6u);
     QCOMPARE(game.Notices, QStringList());

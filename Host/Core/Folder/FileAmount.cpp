@@ -2,9 +2,19 @@
 
 #include "Host/Core/Failures/ByteText.hpp"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace Varnholt::Host {
+
+namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::FileAmount)
+};
+
+} // namespace
 
 void FileAmount::Add(qint64 p_Bytes)
 {
@@ -15,14 +25,13 @@ void FileAmount::Add(qint64 p_Bytes)
 
 QString FileCountText(std::size_t p_Count)
 {
-    return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
+    return p_Count == 1 ? Texts::tr("1 file") : Texts::tr("%1 files").arg(p_Count);
 }
 
 QString AmountText(FileAmount const& p_Amount)
 {
-    return QStringLiteral("%1 (%2%3)")
-        .arg(FileCountText(p_Amount.Files),
-             p_Amount.IsLeast ? QStringLiteral("at least ") : QString(), ByteText(p_Amount.Bytes));
+    return (p_Amount.IsLeast ? Texts::tr("%1 (at least %2)") : Texts::tr("%1 (%2)"))
+        .arg(FileCountText(p_Amount.Files), ByteText(p_Amount.Bytes));
 }
 
 } // namespace Varnholt::Host

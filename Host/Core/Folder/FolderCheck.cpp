@@ -4,6 +4,7 @@
 #include "Host/Core/Folder/FolderLock.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -70,10 +71,13 @@ std::vector<Failure> Objections(QString const& p_Folder, QString const& p_Known)
         return {{FailureKind::FolderIsFile, nearest, {}}};
     std::vector<Failure> found;
     if (IsSame(folder, QDir::rootPath()))
-        found.push_back({FailureKind::FolderForbidden, folder, QStringLiteral("it is the root")});
+        found.push_back(
+            {FailureKind::FolderForbidden, folder,
+             QCoreApplication::translate("Varnholt::Host::FolderCheck", "it is the root")});
     if (IsSame(folder, QDir::homePath()))
         found.push_back(
-            {FailureKind::FolderForbidden, folder, QStringLiteral("it is your home folder")});
+            {FailureKind::FolderForbidden, folder,
+             QCoreApplication::translate("Varnholt::Host::FolderCheck", "it is your home folder")});
     bool const known = !p_Known.isEmpty() && IsSame(folder, p_Known);
     if (nearest == folder && !known && HoldsForeignFiles(folder))
         found.push_back({FailureKind::FolderForeign, folder, {}});

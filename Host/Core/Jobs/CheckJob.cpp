@@ -67,7 +67,7 @@ void CheckJob::MeasureSpace()
 
 void CheckJob::Tell()
 {
-    Fail({FailureKind::UpdateAvailable, AmountText(AmountOf(Result.Findings)), Result.Build});
+    Fail({Verdict(), AmountText(AmountOf(Result.Findings)), Result.BuildText()});
 }
 
 } // namespace Varnholt::Host

@@ -14,6 +14,7 @@ public:
 
 protected:
     bool LooksAtEveryFile() const override;
+    FailureKind Verdict() const override { return FailureKind::UpdateAvailable; }
     void Judge() override;
     void Work() override;
     void OnGaveUp(Failure const& p_Failure) override;

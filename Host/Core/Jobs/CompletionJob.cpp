@@ -210,14 +210,21 @@ void CompletionJob::Complete()
     if (auto const unkept = Context.Record.MarkComplete(Context.Module.RemoteBuild))
         return Fail(*unkept);
     if (!Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
-        NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")
-                       .arg(Context.Copies.Folder()));
+        NoticeOnce({NoticeKind::CopiesNotKept, Context.Copies.Folder()});
     Finish();
 }
 
-Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing) const
+Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing)
 {
-    return FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+    auto const diagnosis =
+        FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+    std::vector<FileFinding>& told = Result.Findings;
+    for (FileFinding const& finding : diagnosis.Files) { // perhaps told in an earlier pass
+        auto const isIt = [&](FileFinding const& p_Told) { return p_Told.Path == finding.Path; };
+        told.erase(std::remove_if(told.begin(), told.end(), isIt), told.end());
+        told.push_back(finding);
+    }
+    return diagnosis.Whole;
 }
 
 } // namespace Varnholt::Host

@@ -52,7 +52,8 @@ private:
     void Verify();
     void OnExamined();
     void Complete();
-    Failure Explain(FaultWatch::Entries const& p_Missing) const;
+    /// Tells each of them in the result. \return what all of it comes down to
+    Failure Explain(FaultWatch::Entries const& p_Missing);
 
     DownloadPlan Plan{Context.View, Context.Door};
     FaultWatch Faults{Context, Reader};

@@ -25,4 +25,12 @@ RunSnapshot Examination::Look(RunPhase p_Phase)
     return snapshot;
 }
 
+RunTotals Examination::Totals() const
+{
+    RunTotals totals;
+    totals.Files = Work->FilesCompared();
+    totals.Bytes = Work->BytesCompared();
+    return totals;
+}
+
 } // namespace Varnholt::Host

@@ -2,6 +2,7 @@
 
 #include "Host/Core/Jobs/DiskPace.hpp"
 #include "Host/Core/Jobs/Inspection.hpp"
+#include "Host/Core/Jobs/RunTotals.hpp"
 #include "Host/Core/Module/RunContext.hpp"
 
 #include <memory>
@@ -24,6 +25,8 @@ public:
     std::vector<FileFinding> const& Findings() const { return Work->Findings(); }
     /// \param p_Phase as which the job has it
     RunSnapshot Look(RunPhase p_Phase);
+    /// Files and bytes that have been compared.
+    RunTotals Totals() const;
 
 private:
     std::shared_ptr<Inspection> Work; ///< shared with the worker

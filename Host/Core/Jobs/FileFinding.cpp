@@ -1,6 +1,22 @@
 #include "Host/Core/Jobs/FileFinding.hpp"
 
+#include <QFileInfo>
+
 namespace Varnholt::Host {
+
+FileFinding::FileFinding(QString const& p_Folder,
+                         Launcher::ApplicationManifestFileEntry const& p_Entry, Cause p_WhenThere)
+    : Path(p_Entry.Path)
+    , Location(p_Entry.Location)
+    , IsDefaultServerOnly(p_Entry.Has(Launcher::ApplicationManifestFileEntry::DefaultServerOnly))
+    , Why(p_WhenThere)
+{
+    QFileInfo const file(p_Folder + Path);
+    if (!file.exists())
+        Why = Cause::Missing;
+    else if (file.isDir())
+        Why = Cause::Blocked;
+}
 
 QString FileFinding::CauseText() const
 {

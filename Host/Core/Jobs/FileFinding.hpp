@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Folder/FileAmount.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
@@ -10,7 +11,7 @@
 
 namespace Varnholt::Host {
 
-/// A file that an update or repair would fetch, and why.
+/// A file that is not as the build wants it, and why.
 struct FileFinding {
     enum class Cause {
         Missing,
@@ -24,6 +25,12 @@ struct FileFinding {
     bool IsDefaultServerOnly = false;
     Cause Why = Cause::Missing;
     qint64 Bytes = -1; ///< still to fetch; negative when unknown
+    Failure Problem;   ///< what has kept it so, and what to do about it
+
+    FileFinding() = default;
+    /// \param p_Folder of the game \param p_WhenThere the cause if the file is there
+    FileFinding(QString const& p_Folder, Launcher::ApplicationManifestFileEntry const& p_Entry,
+                Cause p_WhenThere);
 
     /// "missing", "different", "blocked" or "pending".
     QString CauseText() const;

@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/GameProcess.hpp"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <cerrno>
@@ -58,11 +59,13 @@ public:
 QString GameEnd::ErrorText() const
 {
     if (Signal != 0)
-        return QStringLiteral("signal %1, %2")
+        return QCoreApplication::translate("Varnholt::Host::GameProcess", "signal %1, %2")
             .arg(Signal)
             .arg(QString::fromLocal8Bit(::strsignal(Signal)));
-    return ExitStatus.value_or(0) == 0 ? QString()
-                                       : QStringLiteral("exit status %1").arg(*ExitStatus);
+    return ExitStatus.value_or(0) == 0
+               ? QString()
+               : QCoreApplication::translate("Varnholt::Host::GameProcess", "exit status %1")
+                     .arg(*ExitStatus);
 }
 
 GameProcess::~GameProcess()

@@ -3,6 +3,7 @@
 #include "Host/Core/Folder/FolderCheck.hpp"
 #include "Host/Core/Folder/MissingFiles.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -31,11 +32,11 @@ void InstallJob::BeginFiles()
     if (MayBeMoved && !HoldsGame(module.Manifest, folder, module.GetAppLocale()))
         return Fail({FailureKind::InstalledElsewhere, former, {}});
     if (MayBeMoved)
-        NoticeOnce(QStringLiteral("The game was found again in %1; it was in %2 before.")
-                       .arg(folder, former));
+        NoticeOnce({NoticeKind::GameFoundAgain, folder, former});
     if (!QDir().mkpath(folder))
         return Fail(
-            {FailureKind::FolderUnwritable, folder, QStringLiteral("it cannot be created")});
+            {FailureKind::FolderUnwritable, folder,
+             QCoreApplication::translate("Varnholt::Host::InstallJob", "it cannot be created")});
     if (auto const failure = FolderCheck::ForWriting(folder))
         return Fail(*failure);
     if (auto const failure = LockFolder(folder))

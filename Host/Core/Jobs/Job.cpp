@@ -28,7 +28,7 @@ void Job::Begin()
     Context.Gate.SetPreview(Is(IsPreview));
     if (Is(NeedsServers) && Context.Options.Offline)
         return Fail({FailureKind::OptionInvalid, QStringLiteral("offline"),
-                     QStringLiteral("this command asks servers")});
+                     tr("this command asks servers")});
     auto failure = Prepare();
     if (!failure && Is(Records))
         failure = Context.Record.WriteRefusal();
@@ -46,8 +46,10 @@ void Job::AfterPump()
         OnGaveUp(ExplainFetch(*problem));
     if (!Over)
         Go();
-    if (!Over)
-        ShowProgress();
+    if (Over)
+        return;
+    Measure();
+    ShowProgress();
 }
 
 void Job::Go()
@@ -113,6 +115,7 @@ void Job::Fail(Failure const& p_Failure)
 void Job::End()
 {
     Over = true;
+    Measure();
     Release();
     Result.Transfers = Context.Ledger.Count() - Result.Transfers;
     if (Result.Folder.isEmpty())
@@ -127,6 +130,29 @@ void Job::End()
     last.Phase = Result.Problem ? RunPhase::Failed : RunPhase::Finished;
     Q_EMIT Progressed(last);
     Q_EMIT Ended(Result);
+}
+
+RunTotals Job::Count() const
+{
+    RunTotals totals;
+    totals.Files = Context.Ledger.Count() - Result.Transfers;
+    totals.Bytes = Context.Door->Snapshot().Received;
+    return totals;
+}
+
+void Job::Measure()
+{
+    constexpr quint64 c_Second = 1'000;
+
+    RunTotals totals = Count();
+    totals.Milliseconds = Clock.elapsed();
+    // Small files come while the module still asks for sizes.
+    if (MovesBytes() || totals.Bytes > Result.Totals.Bytes)
+        Moving += totals.Milliseconds - Measured;
+    Measured = totals.Milliseconds;
+    if (Moving > 0)
+        totals.Rate = totals.Bytes * c_Second / static_cast<quint64>(Moving);
+    Result.Totals = totals;
 }
 
 void Job::ShowProgress()
@@ -149,10 +175,10 @@ void Job::ShowProgress()
     Q_EMIT Progressed(snapshot);
 }
 
-void Job::NoticeOnce(QString const& p_Text)
+void Job::NoticeOnce(Notice const& p_Notice)
 {
-    if (Told.insert(p_Text).second)
-        Q_EMIT Noticed(p_Text);
+    if (Told.insert(p_Notice.Text()).second)
+        Q_EMIT Noticed(p_Notice);
 }
 
 std::optional<Failure> Job::GameFailure() const
@@ -172,8 +198,8 @@ std::optional<Failure> Job::LockFolder(QString const& p_Folder)
     auto failure = Lock->Take();
     if (failure)
         Lock.reset();
-    else if (!Lock->Notice().isEmpty())
-        NoticeOnce(Lock->Notice());
+    else if (auto const warning = Lock->Warning())
+        NoticeOnce(*warning);
     return failure;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Folder/FolderLock.hpp"
 #include "Host/Core/Jobs/ProgressReader.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
@@ -73,7 +74,7 @@ public:
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
     /// Something went wrong that the run goes on after.
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(RunResult p_Result);
 
 protected:
@@ -90,6 +91,10 @@ protected:
     /// The phase, and a snapshot of it.
     virtual RunPhase Phase() const { return RunPhase::Connecting; }
     virtual RunSnapshot Look() { return Reader.Read(Phase()); }
+    /// What has been fetched until now, or compared; files and bytes alone.
+    virtual RunTotals Count() const;
+    /// Whether the time that passes is one in which bytes move.
+    virtual bool MovesBytes() const { return IsDownloading(Phase()); }
     /// Called at the end.
     virtual void Release() {}
 
@@ -97,7 +102,7 @@ protected:
     void Settle(std::function<void()> p_Next);
     void Finish();
     void Fail(Failure const& p_Failure);
-    void NoticeOnce(QString const& p_Text);
+    void NoticeOnce(Notice const& p_Notice);
     bool IsOver() const { return Over; }
     bool IsWorking() const { return State == Step::Working; }
     QString Folder() const { return Context.Record.Folder(); }
@@ -135,6 +140,7 @@ private:
     void Go();
     void End();
     void ShowProgress();
+    void Measure();
 
     // _StartUp
     void OpenDoor();
@@ -156,6 +162,8 @@ private:
     bool UsesKept = false;         ///< no server is asked
     std::optional<Failure> Missed; ///< why, when they were to be asked
     QElapsedTimer Clock;
+    qint64 Measured = 0; ///< when the totals were measured; of the clock
+    qint64 Moving = 0;   ///< milliseconds in which bytes moved
     qint64 LastShown = 0;
     RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;

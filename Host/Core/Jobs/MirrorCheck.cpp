@@ -60,7 +60,7 @@ void MirrorCheck::OnManifest(Gateway::Reply const& p_Reply)
         Expected = p_Reply.Body;
     report.HasSameBuild = !Expected.empty() && p_Reply.Body == Expected;
     if (!report.HasSameBuild)
-        report.Cause = QStringLiteral("its manifest is not the default server's");
+        report.Cause = tr("its manifest is not the default server's");
     if (File.empty()) {
         report.GivesRanges = true; // nothing to resume
         return AskNext();
@@ -80,10 +80,9 @@ void MirrorCheck::OnPiece(Gateway::Reply const& p_Reply)
     MirrorReport& report = Found.back();
     report.GivesRanges = p_Reply.HttpStatus == c_PartialContent;
     if (!report.GivesRanges && report.Cause.isEmpty())
-        report.Cause =
-            p_Reply.HttpStatus == 0 && p_Reply.Problem
-                ? QString::fromStdString(p_Reply.Problem->Cause)
-                : QStringLiteral("it answers a range with status %1").arg(p_Reply.HttpStatus);
+        report.Cause = p_Reply.HttpStatus == 0 && p_Reply.Problem
+                           ? QString::fromStdString(p_Reply.Problem->Cause)
+                           : tr("it answers a range with status %1").arg(p_Reply.HttpStatus);
     AskNext();
 }
 

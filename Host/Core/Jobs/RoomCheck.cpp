@@ -2,6 +2,8 @@
 
 #include "Host/Core/Failures/ByteText.hpp"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace Varnholt::Host {
@@ -12,7 +14,7 @@ Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
 {
     return {
         FailureKind::DiskFull, p_Folder,
-        QStringLiteral("%1 are free, %2 more are needed")
+        QCoreApplication::translate("Varnholt::Host::RoomCheck", "%1 are free, %2 more are needed")
             .arg(ByteText(static_cast<quint64>(p_Free)), ByteText(static_cast<quint64>(p_Needed)))};
 }
 

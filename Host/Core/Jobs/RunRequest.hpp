@@ -31,6 +31,9 @@ struct RunRequest {
     bool Quick = false;        ///< a check asks for the version file only, and looks at no file
     bool DeletesFiles = false; ///< an uninstallation removes the build's files too
     bool Confirmed = false;    ///< the user has agreed to what would be refused otherwise
+
+    /// Whether it compares files and changes none.
+    bool IsInspection() const { return Kind == Type::Check || Kind == Type::Verify; }
 };
 
 } // namespace Varnholt::Host

@@ -4,6 +4,7 @@
 #include "Host/Core/Folder/VolumeSpace.hpp"
 #include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Jobs/MirrorReport.hpp"
+#include "Host/Core/Jobs/RunTotals.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QMetaType>
@@ -18,10 +19,12 @@ namespace Varnholt::Host {
 /// How a run ended.
 struct RunResult {
     std::optional<Failure> Problem; ///< empty: everything wanted is in place
-    QString Build;                  ///< the build in words, empty when it is not known
+    QString Build;                  ///< the build's identifier, empty when it is not known
+    QString BuildName;              ///< the same in words, as far as its manifest was read
     QString Folder;
     quint32 Transfers = 0; ///< files fetched, repeated ones counted again
-    QString Locale;        ///< the chosen language
+    RunTotals Totals;
+    QString Locale;                                           ///< the chosen language
     std::vector<Launcher::ApplicationManifestLocale> Locales; ///< what the build offers
     std::vector<FileFinding> Findings; ///< files that are not as the build wants them
     std::vector<MirrorReport> Mirrors; ///< the default server first
@@ -32,6 +35,9 @@ struct RunResult {
     FileAmount Amount;                 ///< of a preview: to fetch, or to delete
     QStringList Staying;               ///< of a preview: files that are not the game's
     std::vector<Failure> Warnings;     ///< of a preview: what speaks against it, the gravest first
+
+    /// The build as people know it.
+    QString BuildText() const { return BuildName.isEmpty() ? Build : BuildName; }
 };
 
 } // namespace Varnholt::Host

@@ -2,6 +2,7 @@
 
 #include "Host/Core/Jobs/GameOutput.hpp"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -84,7 +85,8 @@ void UninstallJob::Judge(QString const& p_Folder)
         return Finish();
     QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));
     if (remaining.size() > c_MostNamed)
-        named += QStringLiteral(" and %1 more").arg(remaining.size() - c_MostNamed);
+        named += QCoreApplication::translate("Varnholt::Host::UninstallJob", " and %1 more")
+                     .arg(remaining.size() - c_MostNamed);
     Fail({FailureKind::FilesNotRemoved, p_Folder, named});
 }
 

@@ -78,10 +78,10 @@ std::optional<Failure> ModuleHost::LoadModule()
     QString const file = ModuleFile();
     if (!Door)
         return Failure{FailureKind::ModuleUnloadable, file,
-                       QStringLiteral("another session of this program uses a module")};
+                       tr("another session of this program uses a module")};
     if (!Door->IsOpen())
-        return Failure{FailureKind::Other, QStringLiteral("the start"),
-                       QStringLiteral("the system lets nobody listen on 127.0.0.1")};
+        return Failure{FailureKind::Other, tr("the start"),
+                       tr("the system lets nobody listen on 127.0.0.1")};
     return Loader.Load(file);
 }
 
@@ -113,7 +113,7 @@ void ModuleHost::Assemble()
 void ModuleHost::OnError(QString const& p_Message)
 {
     if (p_Message.startsWith(QLatin1String("File ")))
-        Q_EMIT Noticed(p_Message); // the door knows the others better
+        Q_EMIT Noticed({NoticeKind::ModuleMessage, p_Message}); // the door knows the others better
 }
 
 void ModuleHost::ReadStatus()

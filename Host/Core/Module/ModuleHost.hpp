@@ -52,7 +52,7 @@ Q_SIGNALS:
     void LoadFailed(Failure p_Failure);
     void StatusRead(InstallStatus p_Status);
     void Progressed(RunSnapshot p_Snapshot);
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(quint64 p_Id, RunResult p_Result);
     void GameStarted(qint64 p_ProcessId);
     void GameEnded(GameEnd p_End);

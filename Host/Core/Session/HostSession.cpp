@@ -17,6 +17,7 @@ void RegisterTypes()
     qRegisterMetaType<GameEnd>("GameEnd");
     qRegisterMetaType<InstallStatus>("InstallStatus");
     qRegisterMetaType<ModuleInfo>("ModuleInfo");
+    qRegisterMetaType<Notice>("Notice");
     qRegisterMetaType<RunResult>("RunResult");
     qRegisterMetaType<RunSnapshot>("RunSnapshot");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/GameEnd.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
@@ -79,7 +80,7 @@ Q_SIGNALS:
     void OpenFailed(Failure p_Failure);
     void StatusRead(InstallStatus p_Status);
     void Progressed(RunSnapshot p_Snapshot);
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(quint64 p_Id, RunResult p_Result);
     /// The game that a request has started runs, or has run already: `GameEnded` follows, unless
     /// the session closes before.
