@@ -186,7 +186,7 @@ void Program::OnEnded(RunResult const& p_Result)
     Result = p_Result;
     if (!Chosen.Waits || p_Result.Problem)
         return Conclude();
-    Output.ShowNotice({NoticeKind::GameWaitedFor, GameName, QString::number(p_Result.ProcessId)});
+    Output.ShowNotice({NoticeKind::GameAwaited, GameName, QString::number(p_Result.ProcessId)});
 }
 
 void Program::OnGameEnded(GameEnd const& p_End)

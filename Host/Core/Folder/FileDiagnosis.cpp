@@ -131,23 +131,22 @@ std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) 
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
     auto const sizeOf = [this](QString const& p_Location) { return Door.SizeOf(p_Location); };
-    std::map<QString, Failure> full; // by the volumes' folders
-    for (VolumeSpace const& space : GameVolumes::SpaceFor(Folder, p_Missing, sizeOf, FreeBytes)) {
-        bool const isFull = space.IsKnown() && (space.After() < 0 || space.Free < c_NearlyNothing);
-        quint64 const needed = static_cast<quint64>(std::max<qint64>(0, space.Needed));
-        if (isFull)
-            full[space.Folder] = {
-                FailureKind::DiskFull, space.Folder,
-                tr("%1 are free, %2 more are needed")
-                    .arg(ByteText(static_cast<quint64>(space.Free)), ByteText(needed))};
-    }
     std::map<QString, Failure> failures;
     for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
-        auto const failure = full.find(share.Folder);
-        if (failure == full.end())
+        if (share.Files.empty())
             continue;
+        // Behind the volume of the game folder, which is always there.
+        VolumeSpace const space =
+            GameVolumes::SpaceFor(Folder, share.Files, sizeOf, FreeBytes).back();
+        if (!space.IsKnown() || (space.After() >= 0 && space.Free >= c_NearlyNothing))
+            continue;
+        Failure const failure{
+            FailureKind::DiskFull, share.Folder,
+            tr("%1 are free, %2 more are needed")
+                .arg(ByteText(static_cast<quint64>(space.Free)),
+                     ByteText(static_cast<quint64>(std::max<qint64>(0, space.Needed))))};
         for (Launcher::ApplicationManifestFileEntry const& entry : share.Files)
-            failures.emplace(entry.Path, failure->second);
+            failures.emplace(entry.Path, failure);
     }
     return failures;
 }

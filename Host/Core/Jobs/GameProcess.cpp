@@ -59,12 +59,12 @@ public:
 QString GameEnd::ErrorText() const
 {
     if (Signal != 0)
-        return QCoreApplication::translate("Varnholt::Host::GameEnd", "signal %1, %2")
+        return QCoreApplication::translate("Varnholt::Host::GameProcess", "signal %1, %2")
             .arg(Signal)
             .arg(QString::fromLocal8Bit(::strsignal(Signal)));
     return ExitStatus.value_or(0) == 0
                ? QString()
-               : QCoreApplication::translate("Varnholt::Host::GameEnd", "exit status %1")
+               : QCoreApplication::translate("Varnholt::Host::GameProcess", "exit status %1")
                      .arg(*ExitStatus);
 }
 

@@ -1,6 +1,7 @@
 #include "Host/Core/Jobs/RoomCheck.hpp"
 
 #include "Host/Core/Failures/ByteText.hpp"
+
 #include <QCoreApplication>
 
 #include <algorithm>
