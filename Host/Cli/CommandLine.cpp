@@ -9,7 +9,9 @@
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Program.hpp"
 #include "Host/Cli/TextPresenter.hpp"
-#include "Host/Core/Session/ControlSocket.hpp"
+#include "Host/Cli/WatchRun.hpp"
+#include "Host/Core/Session/RunFollower.hpp"
+#include "Host/Core/Settings/InstallRecord.hpp"
 #include "Programs/StandardStreams.hpp"
 
 #include <QRegularExpression>
@@ -28,10 +30,11 @@ int Fail(Failure const& p_Failure, Presenter& p_Presenter)
     return p_Failure.ExitStatus();
 }
 
-int Send(QString const& p_SettingsFile, ControlMessage::Type p_Message, Presenter& p_Presenter)
+int Send(HostSettings const& p_Settings, ControlMessage::Type p_Message, Presenter& p_Presenter)
 {
-    auto const failure = ControlSocket::Send(p_SettingsFile, {p_Message, 0});
-    return failure ? Fail(*failure, p_Presenter) : EXIT_SUCCESS;
+    return RunFollower::Send(InstallRecord::Folders(p_Settings), {p_Message, 0})
+               ? EXIT_SUCCESS
+               : Fail({FailureKind::NothingRunning, p_Settings.File(), {}}, p_Presenter);
 }
 
 /// As a shell would take it, without what may be a password.
@@ -77,9 +80,11 @@ int RunCommand(Choice const& p_Choice, HostSettings& p_Settings,
         return Fail(*p_Fault, p_Output);
     switch (p_Choice.Chosen) {
     case Choice::Command::Pause:
-        return Send(p_Settings.File(), ControlMessage::Type::Pause, p_Output);
+        return Send(p_Settings, ControlMessage::Type::Pause, p_Output);
     case Choice::Command::Resume:
-        return Send(p_Settings.File(), ControlMessage::Type::Resume, p_Output);
+        return Send(p_Settings, ControlMessage::Type::Resume, p_Output);
+    case Choice::Command::Watch:
+        return WatchRun(p_Settings, p_Output).Run();
     default:
         return Program(p_Choice, p_Settings, p_Output).Run();
     }

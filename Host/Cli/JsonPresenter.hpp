@@ -25,9 +25,6 @@ public:
     void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
                     QString const& p_Game) override;
 
-    /// What "progress" says, without type and time.
-    static QJsonObject Progress(RunSnapshot const& p_Snapshot);
-
 protected:
     void WriteNotice(QString const& p_Text) override;
     void WriteFailure(Failure const& p_Failure) override;

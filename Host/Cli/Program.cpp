@@ -2,7 +2,6 @@
 
 #include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
-#include "Host/Core/Failures/ByteText.hpp"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -31,7 +30,8 @@ int Program::Run()
     connect(Session.get(), &HostSession::Opened, this, &Program::OnOpened);
     connect(Session.get(), &HostSession::OpenFailed, this, &Program::Fail);
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
-    connect(Session.get(), &HostSession::Progressed, this, &Program::OnProgressed);
+    connect(Session.get(), &HostSession::Progressed, this,
+            [this](RunSnapshot const& p_Snapshot) { Output.ShowProgress(p_Snapshot); });
     connect(Session.get(), &HostSession::Noticed, this,
             [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
     connect(Session.get(), &HostSession::Ended, this,
@@ -117,44 +117,12 @@ bool Program::AskUser(InstallStatus const& p_Status)
 void Program::StartRun()
 {
     IsRunning = true;
-    RunRequest::Type const kind = Chosen.Request.Kind;
-    if (kind == RunRequest::Type::Install || kind == RunRequest::Type::Update ||
-        kind == RunRequest::Type::Repair)
-        Listen();
     Session->Start(Chosen.Request);
-}
-
-void Program::Listen()
-{
-    Control = std::make_unique<ControlSocket>(Chosen.Options.SettingsFile);
-    connect(Control.get(), &ControlSocket::Received, this, &Program::OnMessage);
-    if (!Control->Listen())
-        Control.reset(); // another run has it, and will tell about the folder that it holds
-}
-
-void Program::OnProgressed(RunSnapshot const& p_Snapshot)
-{
-    Output.ShowProgress(p_Snapshot);
-    IsHeld = p_Snapshot.IsHeld;
-    if (IsHeld && Control)
-        Control->TellPause(true);
-}
-
-void Program::OnMessage(ControlMessage const& p_Message)
-{
-    if (p_Message.Kind != ControlMessage::Type::LimitRate)
-        return SetPaused(p_Message.Kind == ControlMessage::Type::Pause);
-    Session->SetRateLimit(p_Message.BytesPerSecond);
-    Output.ShowNotice(p_Message.BytesPerSecond == 0
-                          ? QStringLiteral("The download is no longer limited.")
-                          : QStringLiteral("The download is now limited to %1/s.")
-                                .arg(ByteText(p_Message.BytesPerSecond)));
 }
 
 void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
-    Control.reset();
     Output.ShowResult(Chosen.Request, p_Result, GameName);
     if (p_Result.Problem)
         return Fail(*p_Result.Problem);
@@ -171,23 +139,10 @@ void Program::OnEndRequested()
 
 void Program::OnToggleRequested()
 {
-    SetPaused(!IsPaused);
-}
-
-void Program::SetPaused(bool p_Paused)
-{
-    if (!IsRunning)
-        return;
-    if (Control && p_Paused == IsHeld)
-        Control->TellPause(p_Paused); // as it is already
-    if (p_Paused == IsPaused)
-        return;
-    IsPaused = p_Paused;
-    IsHeld = false; // until the module says so
-    if (IsPaused)
-        Session->Pause();
-    else
+    if (Session->IsPaused())
         Session->Continue();
+    else
+        Session->Pause();
 }
 
 void Program::Fail(Failure const& p_Failure)

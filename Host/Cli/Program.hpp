@@ -3,7 +3,6 @@
 #include "Host/Cli/Choice.hpp"
 #include "Host/Cli/Presenter.hpp"
 #include "Host/Cli/SignalWatch.hpp"
-#include "Host/Core/Session/ControlSocket.hpp"
 #include "Host/Core/Session/HostSession.hpp"
 #include "Host/Core/Settings/HostSettings.hpp"
 
@@ -27,17 +26,12 @@ private:
     void CloseSession();
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
-    void OnProgressed(RunSnapshot const& p_Snapshot);
     void OnEnded(RunResult const& p_Result);
     void OnEndRequested();
     void OnToggleRequested();
     /// Asks what must be asked; false when the program has come to its end with that.
     bool AskUser(InstallStatus const& p_Status);
     void StartRun();
-    /// Takes messages from other programs while a download is under way.
-    void Listen();
-    void OnMessage(ControlMessage const& p_Message);
-    void SetPaused(bool p_Paused);
     void Fail(Failure const& p_Failure);
     void Quit(int p_Status);
 
@@ -47,11 +41,8 @@ private:
     QString const Server; ///< that the game's account is of
     SignalWatch Signals;
     std::unique_ptr<HostSession> Session;
-    std::unique_ptr<ControlSocket> Control;
     QString GameName;
     bool IsRunning = false;
-    bool IsPaused = false;
-    bool IsHeld = false; ///< the pause has come true
 };
 
 } // namespace Varnholt::Host

@@ -1,5 +1,6 @@
 #include "Host/Cli/Reports.hpp"
 
+#include "Host/Cli/ProgressText.hpp"
 #include "Host/Core/Failures/ByteText.hpp"
 
 #include <QImageReader>
@@ -55,6 +56,20 @@ QString StartSummary(RunResult const& p_Result, QString const& p_Name)
                : QStringLiteral("%1; its output goes to %2").arg(started, p_Result.OutputFile);
 }
 
+/// "A download runs: process 4711, 43 %, 12.3 MiB/s".
+QString DownloadText(RunningHost const& p_Download)
+{
+    RunSnapshot const& snapshot = p_Download.Snapshot;
+    QStringList parts{QStringLiteral("process %1").arg(p_Download.ProcessId)};
+    if (!IsDownloading(snapshot.Phase))
+        parts += PhaseText(snapshot.Phase);
+    if (QString const percent = ProgressText::Percent(snapshot); !percent.isEmpty())
+        parts += percent;
+    if (snapshot.Rate > 0)
+        parts += QStringLiteral("%1/s").arg(ByteText(snapshot.Rate));
+    return QStringLiteral("A download runs: ") + parts.join(QStringLiteral(", "));
+}
+
 } // namespace
 
 QStringList Info(ModuleInfo const& p_Info)
@@ -75,7 +90,9 @@ QStringList Status(InstallStatus const& p_Status)
     if (!p_Status.IsInstalled)
         return {QStringLiteral("%1 is not installed").arg(p_Status.Name)};
     QString state = QStringLiteral("complete");
-    if (!p_Status.FolderExists)
+    if (p_Status.Download)
+        state = QStringLiteral("not complete yet");
+    else if (!p_Status.FolderExists)
         state = QStringLiteral(
             "its folder does not exist; \"install\" with the folder that it was moved "
             "to takes it over");
@@ -91,7 +108,10 @@ QStringList Status(InstallStatus const& p_Status)
         rows.append({QStringLiteral("Last complete build"), p_Status.Build});
     if (int const pending = p_Status.PendingBase + p_Status.PendingStreamed)
         rows.append({QStringLiteral("Listed as pending"), Files(static_cast<quint32>(pending))});
-    return Table(rows);
+    QStringList lines = Table(rows);
+    if (p_Status.Download)
+        lines += DownloadText(*p_Status.Download);
+    return lines;
 }
 
 QStringList Findings(RunResult const& p_Result)

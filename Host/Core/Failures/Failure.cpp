@@ -113,6 +113,9 @@ constexpr Row c_Table[] = {
      "{s} servers are not in order ({d})", "tell who runs them"},
     {FailureKind::NothingRunning, 1, "nothing-running",
      "no download is under way with the settings {s}", "start one first"},
+    {FailureKind::RunLost, 1, "run-lost",
+     "the program that downloads into {s} has ended without a word",
+     "\"update\" goes on with the download"},
     {FailureKind::OptionUnknown, 2, "option-unknown", "there is no setting \"{s}\"", "{d}"},
     {FailureKind::OptionInvalid, 2, "option-invalid", "the setting \"{s}\" is not usable: {d}",
      "\"varnholt-host --help\" tells what it can be"},
@@ -183,6 +186,14 @@ QVector<FailureKind> Failure::Kinds()
     for (Row const& row : c_Table)
         kinds.append(row.Kind);
     return kinds;
+}
+
+FailureKind Failure::Named(QString const& p_Identifier)
+{
+    auto const row = std::find_if(std::begin(c_Table), std::end(c_Table), [&](Row const& p_Row) {
+        return p_Identifier == QLatin1String(p_Row.Identifier);
+    });
+    return row == std::end(c_Table) ? FailureKind::Other : row->Kind;
 }
 
 } // namespace Varnholt::Host

@@ -165,11 +165,14 @@ std::optional<Failure> Job::LockFolder(QString const& p_Folder)
 {
     Lock = std::make_unique<FolderLock>(p_Folder);
     auto failure = Lock->Take();
-    if (failure)
+    if (failure) {
         Lock.reset();
-    else if (!Lock->Notice().isEmpty())
+        return failure;
+    }
+    if (!Lock->Notice().isEmpty())
         NoticeOnce(Lock->Notice());
-    return failure;
+    Q_EMIT FolderTaken(p_Folder);
+    return std::nullopt;
 }
 
 void Job::RemoveLockFile()

@@ -70,6 +70,8 @@ public:
 
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
+    /// The run keeps this folder to itself until its end.
+    void FolderTaken(QString p_Folder);
     /// Something went wrong that the run goes on after.
     void Noticed(QString p_Text);
     void Ended(RunResult p_Result);

@@ -47,6 +47,14 @@ QString PhaseName(RunPhase p_Phase)
     return QString::fromLatin1(RowOf(p_Phase).Name);
 }
 
+RunPhase PhaseNamed(QString const& p_Name)
+{
+    auto const* const row =
+        std::find_if(std::begin(c_Table), std::end(c_Table),
+                     [&](Row const& p_Row) { return p_Name == QLatin1String(p_Row.Name); });
+    return row == std::end(c_Table) ? RunPhase::Idle : row->Phase;
+}
+
 QString PhaseText(RunPhase p_Phase)
 {
     return QString::fromLatin1(RowOf(p_Phase).Text);

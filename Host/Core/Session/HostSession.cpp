@@ -1,5 +1,6 @@
 #include "Host/Core/Session/HostSession.hpp"
 
+#include "Host/Core/Failures/ByteText.hpp"
 #include "Host/Core/Session/ModuleThread.hpp"
 
 #include <QTimer>
@@ -28,15 +29,25 @@ HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
 {
     RegisterTypes();
     ModuleHost const* const host = &Module->Host();
-    connect(host, &ModuleHost::Loaded, this, &HostSession::Opened);
+    connect(host, &ModuleHost::Loaded, this, [this](ModuleInfo const& p_Info) {
+        Game = p_Info.Name;
+        Q_EMIT Opened(p_Info);
+    });
     connect(host, &ModuleHost::LoadFailed, this, &HostSession::OpenFailed);
     connect(host, &ModuleHost::StatusRead, this, &HostSession::StatusRead);
     connect(host, &ModuleHost::Noticed, this, &HostSession::Noticed);
     connect(host, &ModuleHost::Ended, this, &HostSession::OnEnded);
-    connect(host, &ModuleHost::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
-        if (!UnderWay.empty())
-            Q_EMIT Progressed(p_Snapshot);
+    connect(host, &ModuleHost::FolderTaken, this, [this](quint64 p_Id, QString const& p_Folder) {
+        if (UnderWay.count(p_Id) != 0 && Control.Listen(p_Folder, Game))
+            Controlled = p_Id;
     });
+    connect(host, &ModuleHost::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
+        if (UnderWay.empty())
+            return;
+        Control.Show(p_Snapshot);
+        Q_EMIT Progressed(p_Snapshot);
+    });
+    connect(&Control, &ControlSocket::Received, this, &HostSession::OnMessage);
     connect(Module, &QThread::finished, this, [this] {
         EndWithoutModule(std::set<quint64>(UnderWay));
         Q_EMIT Closed();
@@ -82,12 +93,15 @@ void HostSession::Pause()
 {
     if (UnderWay.empty())
         return;
+    Paused = true;
     Module->Gate().Hold(); // seen by a thread that is busy
     Module->Post([](ModuleHost& p_Host) { p_Host.Pause(); });
 }
 
 void HostSession::Continue()
 {
+    Paused = false;
+    Control.TellResumed();
     Module->Post([](ModuleHost& p_Host) { p_Host.Continue(); });
 }
 
@@ -115,10 +129,27 @@ void HostSession::Close()
     Module->Post([](ModuleHost& p_Host) { p_Host.Close(); });
 }
 
+void HostSession::OnMessage(ControlMessage const& p_Message)
+{
+    if (p_Message.Kind == ControlMessage::Type::Pause)
+        return Pause();
+    if (p_Message.Kind == ControlMessage::Type::Resume)
+        return Continue();
+    SetRateLimit(p_Message.BytesPerSecond);
+    Q_EMIT Noticed(p_Message.BytesPerSecond == 0
+                       ? QStringLiteral("The download is no longer limited.")
+                       : QStringLiteral("The download is now limited to %1/s.")
+                             .arg(ByteText(p_Message.BytesPerSecond)));
+}
+
 void HostSession::OnEnded(quint64 p_Id, RunResult const& p_Result)
 {
-    if (UnderWay.erase(p_Id) != 0) // otherwise its end was told already
-        Q_EMIT Ended(p_Id, p_Result);
+    if (UnderWay.erase(p_Id) == 0)
+        return; // its end was told already
+    if (p_Id == Controlled)
+        Control.End(p_Result);
+    Paused = Paused && !UnderWay.empty();
+    Q_EMIT Ended(p_Id, p_Result);
 }
 
 /// Called when the module has had its time to hear of an interruption.
