@@ -46,7 +46,7 @@ public:
         s_Text = p_Text;
         Before = qInstallMessageHandler(Handle);
     }
-    ~StoppedAtMessage() { qInstallMessageHandler(Before); }
+    ~StoppedAtMessage() { GoOn(); }
     StoppedAtMessage(StoppedAtMessage const&) = delete;
     StoppedAtMessage& operator=(StoppedAtMessage const&) = delete;
 
@@ -68,8 +68,8 @@ private:
     }
 
     inline static QString s_Text;
-    inline static QSemaphore s_Began;
-    inline static QSemaphore s_Go;
+    inline static QSemaphore s_Began{0};
+    inline static QSemaphore s_Go{0};
     QtMessageHandler Before;
 };
 
