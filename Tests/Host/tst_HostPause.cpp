@@ -86,7 +86,6 @@ private Q_SLOTS:
     void APauseWithinAFileKeepsItsBytes_data();
     void APauseWithinAFileKeepsItsBytes();
     void APauseBeforeTheAnswerHolds();
-    void APauseAtTheEndOfAFileHolds();
     void APauseBetweenTwoFilesBeginsNone();
     void QuickPausesAndContinuationsComeToTheEnd();
     void APauseWhileWaitingToTryAgainHolds();
@@ -213,27 +212,6 @@ void HostPauseTest::APauseBeforeTheAnswerHolds()
     game.Session().Pause();
     HoldsFor(game);
     QVERIFY(!game.Has(c_FirstBuild));
-    game.Session().Continue();
-    Open(game, c_FirstBuild);
-    QCOMPARE(game.End(), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-}
-
-void HostPauseTest::APauseAtTheEndOfAFileHolds()
-{
-    SessionGame game;
-    game.AddFiles().Publish();
-    HoldContent(game, c_Base, 59'000);
-    // The next file does not come, or the run might be over before it is paused.
-    game.Server.Script("GET " + game.Content.ServerPath(c_FirstBuild))
-        .Then(Answer::SilentBeforeHeaders());
-    QVERIFY(game.Open());
-    game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitForPart(c_Base, 59'000));
-    Open(game, c_Base);
-    QVERIFY(game.WaitUntil([&] { return game.Has(c_Base); })); // the next one begins about now
-    game.Session().Pause();
-    HoldsFor(game);
     game.Session().Continue();
     Open(game, c_FirstBuild);
     QCOMPARE(game.End(), QString("done"));
