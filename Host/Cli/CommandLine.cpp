@@ -5,11 +5,11 @@
 #include "Host/Cli/ConfigRun.hpp"
 #include "Host/Cli/Console.hpp"
 #include "Host/Cli/JsonPresenter.hpp"
-#include "Host/Cli/MessageLog.hpp"
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Program.hpp"
 #include "Host/Cli/TextPresenter.hpp"
 #include "Host/Cli/WatchRun.hpp"
+#include "Host/Core/Session/MessageLog.hpp"
 #include "Host/Core/Session/RunFollower.hpp"
 #include "Host/Core/Settings/InstallRecord.hpp"
 #include "Programs/StandardStreams.hpp"
@@ -86,7 +86,7 @@ int RunCommand(Choice const& p_Choice, HostSettings& p_Settings,
     case Choice::Command::Watch:
         return WatchRun(p_Settings, p_Output).Run();
     default:
-        return Program(p_Choice, p_Settings, p_Output).Run();
+        return Program(p_Choice, p_Output).Run();
     }
 }
 
@@ -109,7 +109,18 @@ int Run(Choice p_Choice, QStringList const& p_Arguments)
     auto const fault = ConfigCommand::Complete(p_Choice, settings);
 
     Console console(p_Choice.Colors, p_Choice.Quiet);
-    MessageLog const log(console, p_Choice.Verbose, p_Choice.LogFile, p_Choice.Options.Names);
+    MessageLog const log(p_Choice.LogFile, p_Choice.Options.Names);
+    if (!log.Problem().isEmpty())
+        console.Note(QStringLiteral("The log file %1 cannot be written (%2).")
+                         .arg(p_Choice.LogFile, log.Problem()));
+    // At once: what ends the program is said before it ends.
+    QObject::connect(
+        &log, &MessageLog::Logged, &log,
+        [&console, isVerbose = p_Choice.Verbose](LogEntry const& p_Entry) {
+            if (isVerbose || p_Entry.Type == QtCriticalMsg || p_Entry.Type == QtFatalMsg)
+                console.Log(p_Entry.Line());
+        },
+        Qt::DirectConnection);
     std::unique_ptr<Presenter> presenter = std::make_unique<TextPresenter>(console);
     if (p_Choice.Json)
         presenter = std::make_unique<JsonPresenter>(console);

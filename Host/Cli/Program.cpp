@@ -14,9 +14,8 @@ constexpr int c_InterruptedStatus = 130;
 
 } // namespace
 
-Program::Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output)
+Program::Program(Choice p_Choice, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
-    , Settings(p_Settings)
     , Output(p_Output)
     , Server(Chosen.Options.ContentServer())
 {
@@ -91,7 +90,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
 {
     RunRequest& request = Chosen.Request;
     if (request.Kind == RunRequest::Type::Play) {
-        request.Password = Login(Chosen, Server, Settings, Output).Password();
+        request.Password = Login(Chosen, Server, Output).Password();
         if (SignalWatch::IsEndRequested()) {
             Quit(c_InterruptedStatus);
             return false;

@@ -4,7 +4,6 @@
 #include "Host/Cli/Presenter.hpp"
 #include "Host/Cli/SignalWatch.hpp"
 #include "Host/Core/Session/HostSession.hpp"
-#include "Host/Core/Settings/HostSettings.hpp"
 
 #include <QObject>
 
@@ -17,7 +16,7 @@ class Program : public QObject {
     Q_OBJECT
 
 public:
-    Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output);
+    Program(Choice p_Choice, Presenter& p_Output);
 
     /// Runs the event loop. \return the exit status
     int Run();
@@ -36,7 +35,6 @@ private:
     void Quit(int p_Status);
 
     Choice Chosen;
-    HostSettings& Settings;
     Presenter& Output;
     QString const Server; ///< that the game's account is of
     SignalWatch Signals;
