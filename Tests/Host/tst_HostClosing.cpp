@@ -48,6 +48,7 @@ class HostClosingTest : public QObject {
 
 private Q_SLOTS:
     void ARequestWithoutAModuleEndsToo();
+    void ARequestAfterTheEndEndsToo();
     void AnInterruptionEndsTheRunOfABusyModule();
     void ABusyModuleIsNotWaitedFor();
     void ARunUnderWayEndsWhenTheSessionCloses();
@@ -63,6 +64,20 @@ void HostClosingTest::ARequestWithoutAModuleEndsToo()
     game.Options.ModuleFile = "/nowhere/module.so";
     QVERIFY(!game.Open());
     QCOMPARE(game.Install(), QString("module-not-loaded"));
+    QCOMPARE(game.EndedIds, std::vector<quint64>{1});
+}
+
+void HostClosingTest::ARequestAfterTheEndEndsToo()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QSignalSpy closed(&game.Session(), &Host::HostSession::Closed);
+    game.Session().Close();
+    QVERIFY(closed.wait());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.Results.empty()); // a moment later at the soonest
+    QCOMPARE(game.End(), QString("module-not-loaded"));
     QCOMPARE(game.EndedIds, std::vector<quint64>{1});
 }
 

@@ -203,6 +203,21 @@ void HostSessionTest::AVerificationIsShownInBytes()
     QCOMPARE(game.Snapshots.back().BytesTotal, quint64(c_Bytes + others));
     QCOMPARE(game.End(), QString("files-wrong"));
     QCOMPARE(FaultOf(game.Snapshots), QString());
+    // The bytes are there when the file is, and not before.
+    auto const count = [&](auto const& p_Is) {
+        return std::count_if(game.Snapshots.begin(), game.Snapshots.end(), p_Is);
+    };
+    quint64 most = 0;
+    for (RunSnapshot const& shown : game.Snapshots)
+        if (shown.File == "readme.txt")
+            most = shown.BytesDone;
+    auto const within = count([&](RunSnapshot const& p_Shown) {
+        return p_Shown.File == "readme.txt" && p_Shown.BytesDone < most;
+    });
+    auto const behind = count([&](RunSnapshot const& p_Shown) {
+        return p_Shown.File == "readme.txt" && p_Shown.BytesDone == most;
+    });
+    QVERIFY2(behind * 3 < within, qPrintable(QString("%1, %2").arg(behind).arg(within)));
 }
 
 void HostSessionTest::EveryRunEndsExactlyOnce()

@@ -20,6 +20,7 @@ void Dismiss(QLocalSocket& p_Client, QByteArray const& p_Answer)
 
 ControlSocket::ControlSocket(QObject* p_Parent)
     : QObject(p_Parent)
+    , Server(this)
 {
     Server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&Server, &QLocalServer::newConnection, this, [this] { OnConnection(); });

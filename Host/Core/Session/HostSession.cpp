@@ -49,7 +49,7 @@ HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
     });
     connect(&Control, &ControlSocket::Received, this, &HostSession::OnMessage);
     connect(Module, &QThread::finished, this, [this] {
-        EndWithoutModule(std::set<quint64>(UnderWay));
+        EndWithoutModule(std::set<quint64>(UnderWay), FailureKind::Interrupted);
         Q_EMIT Closed();
     });
     Module->start();
@@ -85,7 +85,12 @@ quint64 HostSession::Start(RunRequest const& p_Request)
 {
     quint64 const id = ++LastId;
     UnderWay.insert(id);
-    Module->Post([id, p_Request](ModuleHost& p_Host) { p_Host.Start(id, p_Request); });
+    if (Module->isFinished()) // and nobody is left to refuse it
+        QMetaObject::invokeMethod(
+            this, [this, id] { EndWithoutModule({id}, FailureKind::ModuleNotLoaded); },
+            Qt::QueuedConnection);
+    else
+        Module->Post([id, p_Request](ModuleHost& p_Host) { p_Host.Start(id, p_Request); });
     return id;
 }
 
@@ -116,7 +121,8 @@ void HostSession::Interrupt()
         return;
     Module->Gate().Interrupt();
     Module->Post([](ModuleHost& p_Host) { p_Host.Interrupt(); });
-    QTimer::singleShot(c_MostMilliseconds, this, [this, ids = UnderWay] { EndWithoutModule(ids); });
+    QTimer::singleShot(c_MostMilliseconds, this,
+                       [this, ids = UnderWay] { EndWithoutModule(ids, FailureKind::Interrupted); });
 }
 
 void HostSession::Close()
@@ -152,11 +158,11 @@ void HostSession::OnEnded(quint64 p_Id, RunResult const& p_Result)
     Q_EMIT Ended(p_Id, p_Result);
 }
 
-/// Called when the module has had its time to hear of an interruption.
-void HostSession::EndWithoutModule(std::set<quint64> const& p_Ids)
+/// Called when the module has had its time to hear of an interruption, or is no more.
+void HostSession::EndWithoutModule(std::set<quint64> const& p_Ids, FailureKind p_Why)
 {
     RunResult result;
-    result.Problem = Failure{FailureKind::Interrupted, {}, {}};
+    result.Problem = Failure{p_Why, Game, {}};
     for (quint64 const id : p_Ids)
         OnEnded(id, result);
 }

@@ -85,14 +85,14 @@ Q_SIGNALS:
 private:
     void OnMessage(ControlMessage const& p_Message);
     void OnEnded(quint64 p_Id, RunResult const& p_Result);
-    void EndWithoutModule(std::set<quint64> const& p_Ids);
+    void EndWithoutModule(std::set<quint64> const& p_Ids, FailureKind p_Why);
 
     ModuleThread* Module; ///< deletes itself when it has ended
     std::set<quint64> UnderWay;
     quint64 LastId = 0;
     bool Paused = false;
     QString Game;
-    ControlSocket Control;
+    ControlSocket Control{this};
     quint64 Controlled = 0; ///< the request that `Control` is open for
 };
 

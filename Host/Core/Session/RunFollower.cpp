@@ -53,6 +53,7 @@ QJsonObject ObjectIn(QByteArray const& p_Line)
 
 RunFollower::RunFollower(QObject* p_Parent)
     : QObject(p_Parent)
+    , Socket(this)
 {
 }
 

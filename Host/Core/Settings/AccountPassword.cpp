@@ -30,7 +30,7 @@ AccountPassword::AccountPassword(QString const& p_Account, QString const& p_Serv
     : QObject(p_Parent)
     , Key(QStringLiteral("%1 at %2").arg(p_Account, p_Server))
     , Mark(QStringLiteral("remembered/") + Digest(Key))
-    , Settings(p_SettingsFile)
+    , Settings(p_SettingsFile, this)
 {
     connect(&Settings, &AsyncSettings::WasRead, this, [this](SettingsFile::Values const& p_Values) {
         if (p_Values.value(Mark).toBool())
