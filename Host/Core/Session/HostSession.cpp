@@ -49,7 +49,7 @@ HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
     });
     connect(&Control, &ControlSocket::Received, this, &HostSession::OnMessage);
     connect(Module, &QThread::finished, this, [this] {
-        EndWithoutModule(std::set<quint64>(UnderWay), FailureKind::Interrupted);
+        EndWithoutModule(std::set<quint64>(UnderWay), {FailureKind::Interrupted, {}, {}});
         Q_EMIT Closed();
     });
     Module->start();
@@ -87,7 +87,10 @@ quint64 HostSession::Start(RunRequest const& p_Request)
     UnderWay.insert(id);
     if (Module->isFinished()) // and nobody is left to refuse it
         QMetaObject::invokeMethod(
-            this, [this, id] { EndWithoutModule({id}, FailureKind::ModuleNotLoaded); },
+            this,
+            [this, id] {
+                EndWithoutModule({id}, {FailureKind::ModuleNotLoaded, Game, {}});
+            },
             Qt::QueuedConnection);
     else
         Module->Post([id, p_Request](ModuleHost& p_Host) { p_Host.Start(id, p_Request); });
@@ -121,8 +124,9 @@ void HostSession::Interrupt()
         return;
     Module->Gate().Interrupt();
     Module->Post([](ModuleHost& p_Host) { p_Host.Interrupt(); });
-    QTimer::singleShot(c_MostMilliseconds, this,
-                       [this, ids = UnderWay] { EndWithoutModule(ids, FailureKind::Interrupted); });
+    QTimer::singleShot(c_MostMilliseconds, this, [this, ids = UnderWay] {
+        EndWithoutModule(ids, {FailureKind::Interrupted, {}, {}});
+    });
 }
 
 void HostSession::Close()
@@ -159,10 +163,10 @@ void HostSession::OnEnded(quint64 p_Id, RunResult const& p_Result)
 }
 
 /// Called when the module has had its time to hear of an interruption, or is no more.
-void HostSession::EndWithoutModule(std::set<quint64> const& p_Ids, FailureKind p_Why)
+void HostSession::EndWithoutModule(std::set<quint64> const& p_Ids, Failure const& p_Why)
 {
     RunResult result;
-    result.Problem = Failure{p_Why, Game, {}};
+    result.Problem = p_Why;
     for (quint64 const id : p_Ids)
         OnEnded(id, result);
 }

@@ -85,7 +85,7 @@ Q_SIGNALS:
 private:
     void OnMessage(ControlMessage const& p_Message);
     void OnEnded(quint64 p_Id, RunResult const& p_Result);
-    void EndWithoutModule(std::set<quint64> const& p_Ids, FailureKind p_Why);
+    void EndWithoutModule(std::set<quint64> const& p_Ids, Failure const& p_Why);
 
     ModuleThread* Module; ///< deletes itself when it has ended
     std::set<quint64> UnderWay;
