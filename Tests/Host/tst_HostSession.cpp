@@ -1,3 +1,4 @@
+#include "Host/Core/Session/ControlLine.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -256,10 +257,20 @@ void HostSessionTest::ARequestDuringARunIsRefused()
     quint64 const refused = game.Session().Start(other);
     QCOMPARE(game.End(), QString("session-busy"));
     QCOMPARE(game.EndedIds, std::vector<quint64>{refused});
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(1000));
     game.Server.OpenGate(version);
+    QVERIFY(game.WaitForPart("Data/base.MPQ", 1000));
+    QString const socket = Host::ControlLine::SocketOf(game.Folder);
+    QVERIFY(QFile::exists(socket));
+    game.Session().Start(other);
     QVERIFY(game.WaitUntil([&] { return game.Results.size() == 2; }));
+    QVERIFY(QFile::exists(socket)); // the run goes on, and is found
+    game.Server.OpenGate(path);
+    QVERIFY(game.WaitUntil([&] { return game.Results.size() == 3; }));
+    QVERIFY(!QFile::exists(socket));
     QVERIFY(!game.Result().Problem);
-    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused - 1}));
+    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused + 1, refused - 1}));
     QCOMPARE(game.Wrong(), QStringList());
 }
 
