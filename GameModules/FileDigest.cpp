@@ -9,8 +9,6 @@ namespace Varnholt::Launcher::FileDigest {
 
 Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue)
 {
-    constexpr std::size_t c_BlockBytes = 0x2000;
-
     Digest digest;
     QFile file(p_Path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
@@ -31,6 +29,14 @@ Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue)
     }
     digest.Md5 = QString::fromLatin1(hash.result().toHex()).toUpper();
     return digest;
+}
+
+Digest Known(QString const& p_Md5, qint64 p_Size, std::function<bool()> const& p_Continue)
+{
+    for (qint64 asked = 0; asked < p_Size; asked += c_BlockBytes)
+        if (!p_Continue())
+            return {true, false, {}};
+    return {true, true, p_Md5};
 }
 
 } // namespace Varnholt::Launcher::FileDigest

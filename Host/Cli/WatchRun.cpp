@@ -10,9 +10,8 @@ WatchRun::WatchRun(HostSettings const& p_Settings, Presenter& p_Output)
     : Settings(p_Settings)
     , Output(p_Output)
 {
-    QObject::connect(&Signals, &SignalWatch::EndRequested, &Follower, [] {
-        QCoreApplication::exit(Failure{FailureKind::Interrupted, {}, {}}.ExitStatus());
-    });
+    QObject::connect(&Signals, &SignalWatch::EndRequested, &Follower,
+                     [] { QCoreApplication::exit(SignalWatch::c_Status); });
     QObject::connect(&Follower, &RunFollower::Progressed, &Follower,
                      [this](RunSnapshot const& p_Snapshot) { Output.ShowProgress(p_Snapshot); });
     QObject::connect(

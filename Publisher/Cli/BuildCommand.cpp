@@ -4,7 +4,7 @@
 #include "Publisher/Cli/BuildReport.hpp"
 #include "Publisher/Cli/Interruption.hpp"
 #include "Publisher/Cli/LocaleOption.hpp"
-#include "Publisher/Publication.hpp"
+#include "Publisher/Publication/Publication.hpp"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/PublishOptions.hpp"
+#include "Publisher/Publication/PublishOptions.hpp"
 
 #include <string>
 

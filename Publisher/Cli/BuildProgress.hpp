@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/PublicationObserver.hpp"
+#include "Publisher/Publication/PublicationObserver.hpp"
 
 #include <QElapsedTimer>
 

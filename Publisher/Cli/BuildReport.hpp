@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Publisher/PublicationSummary.hpp"
-#include "Publisher/PublishOptions.hpp"
+#include "Publisher/Publication/PublicationSummary.hpp"
+#include "Publisher/Publication/PublishOptions.hpp"
 
 namespace Varnholt::Publisher {
 

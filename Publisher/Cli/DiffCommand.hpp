@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/BuildDifference.hpp"
+#include "Publisher/Publication/BuildDifference.hpp"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 #include "Publisher/Cli/ListCommand.hpp"
 
-#include "Publisher/BuildCatalog.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
-#include "Publisher/PublishedTree.hpp"
+#include "Publisher/Tree/BuildCatalog.hpp"
+#include "Publisher/Tree/PublishedTree.hpp"
 
 #include <CLI/CLI.hpp>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/BuildPruning.hpp"
+#include "Publisher/Publication/BuildPruning.hpp"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "Publisher/Cli/RollbackCommand.hpp"
 
-#include "Publisher/BuildRollback.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Publication/BuildRollback.hpp"
 
 #include <CLI/CLI.hpp>
 

@@ -3,8 +3,8 @@
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/LocaleOption.hpp"
 #include "Publisher/Failure.hpp"
-#include "Publisher/FlagNames.hpp"
-#include "Publisher/SourceListing.hpp"
+#include "Publisher/Rules/FlagNames.hpp"
+#include "Publisher/Source/SourceListing.hpp"
 
 #include <CLI/CLI.hpp>
 #include <QDir>

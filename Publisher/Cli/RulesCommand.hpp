@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Publisher/PublishOptions.hpp"
-#include "Publisher/RuleSet.hpp"
+#include "Publisher/Publication/PublishOptions.hpp"
+#include "Publisher/Rules/RuleSet.hpp"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "Publisher/Cli/ServeCommand.hpp"
 
 #include "Publisher/Cli/ConsoleText.hpp"
-#include "Publisher/StaticServer.hpp"
+#include "Publisher/Serving/StaticServer.hpp"
 
 #include <CLI/CLI.hpp>
 

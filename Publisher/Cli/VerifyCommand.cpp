@@ -2,8 +2,8 @@
 
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Failure.hpp"
-#include "Publisher/ServerVerification.hpp"
-#include "Publisher/TreeVerification.hpp"
+#include "Publisher/Verification/ServerVerification.hpp"
+#include "Publisher/Verification/TreeVerification.hpp"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/VerificationSummary.hpp"
+#include "Publisher/Verification/VerificationSummary.hpp"
 
 #include <string>
 

@@ -214,8 +214,12 @@ void HostClosingTest::AStopIsSeenByABusyModule()
     QVERIFY(game.Open());
     game.Start(RequestType::Update);
     QVERIFY(game.WaitForPart(file, c_Most));
-    QVERIFY(QFile::resize(game.Path(file + ".part"), c_SecondsOfHashing));
-    game.Server.OpenGate(path);
+    {
+        BusyModule const busy(game.Session());
+        game.Server.OpenGate(path);
+        QVERIFY(game.WaitForPart(file, c_Most + 1'000));
+        QVERIFY(QFile::resize(game.Path(file + ".part"), c_SecondsOfHashing));
+    }
     QVERIFY(game.WaitUntil([&] { return !game.Has(file); })); // the new one is looked at next
     QElapsedTimer clock;
     clock.start();

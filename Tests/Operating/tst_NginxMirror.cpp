@@ -1,4 +1,4 @@
-#include "Publisher/ServerVerification.hpp"
+#include "Publisher/Verification/ServerVerification.hpp"
 #include "Tests/Operating/NginxServer.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Publisher/ServingThread.hpp"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/BuildCatalog.hpp"
+#include "Publisher/Tree/BuildCatalog.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 
 #include <chrono>

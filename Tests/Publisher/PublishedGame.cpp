@@ -1,6 +1,6 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 
-#include "Publisher/Publication.hpp"
+#include "Publisher/Publication/Publication.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"

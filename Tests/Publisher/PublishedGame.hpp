@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Publisher/PublicationObserver.hpp"
-#include "Publisher/PublicationSummary.hpp"
-#include "Publisher/PublishOptions.hpp"
+#include "Publisher/Publication/PublicationObserver.hpp"
+#include "Publisher/Publication/PublicationSummary.hpp"
+#include "Publisher/Publication/PublishOptions.hpp"
 
 #include <QByteArray>
 #include <QMetaType>

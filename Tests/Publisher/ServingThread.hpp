@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/StaticServer.hpp"
+#include "Publisher/Serving/StaticServer.hpp"
 
 #include <QByteArray>
 #include <QMutex>

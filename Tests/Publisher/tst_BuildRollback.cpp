@@ -1,5 +1,5 @@
-#include "Publisher/BuildRollback.hpp"
-#include "Publisher/TreeTransaction.hpp"
+#include "Publisher/Publication/BuildRollback.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"

@@ -1,5 +1,5 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
-#include "Publisher/BuiltInRules.hpp"
+#include "Publisher/Rules/BuiltInRules.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/TestMain.hpp"
 

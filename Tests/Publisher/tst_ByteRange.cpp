@@ -1,4 +1,4 @@
-#include "Publisher/ByteRange.hpp"
+#include "Publisher/Serving/ByteRange.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>

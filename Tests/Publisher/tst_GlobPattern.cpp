@@ -1,4 +1,4 @@
-#include "Publisher/GlobPattern.hpp"
+#include "Publisher/Rules/GlobPattern.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>

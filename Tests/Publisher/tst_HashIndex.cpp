@@ -1,4 +1,4 @@
-#include "Publisher/HashIndex.hpp"
+#include "Publisher/Source/HashIndex.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"

@@ -1,6 +1,6 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
-#include "Publisher/FlagNames.hpp"
-#include "Publisher/ManifestWriter.hpp"
+#include "Publisher/Rules/FlagNames.hpp"
+#include "Publisher/Tree/ManifestWriter.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QJsonArray>

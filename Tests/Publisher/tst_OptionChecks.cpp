@@ -1,4 +1,4 @@
-#include "Publisher/OptionChecks.hpp"
+#include "Publisher/Publication/OptionChecks.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/TestMain.hpp"
 

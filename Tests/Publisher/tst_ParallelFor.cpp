@@ -1,4 +1,4 @@
-#include "Publisher/ParallelFor.hpp"
+#include "Publisher/Source/ParallelFor.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>

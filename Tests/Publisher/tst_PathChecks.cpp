@@ -1,5 +1,5 @@
 #include "GameModules/ManifestPaths.hpp"
-#include "Publisher/PathChecks.hpp"
+#include "Publisher/Source/PathChecks.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/TestMain.hpp"
 

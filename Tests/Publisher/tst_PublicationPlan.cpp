@@ -1,4 +1,4 @@
-#include "Publisher/TreeTransaction.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"

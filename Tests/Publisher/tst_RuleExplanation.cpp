@@ -1,6 +1,6 @@
-#include "Publisher/RuleLines.hpp"
-#include "Publisher/RuleSetReader.hpp"
-#include "Publisher/SourceListing.hpp"
+#include "Publisher/Rules/RuleLines.hpp"
+#include "Publisher/Rules/RuleSetReader.hpp"
+#include "Publisher/Source/SourceListing.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/TestMain.hpp"
 

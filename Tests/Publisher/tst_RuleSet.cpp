@@ -1,4 +1,4 @@
-#include "Publisher/RuleSetReader.hpp"
+#include "Publisher/Rules/RuleSetReader.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"

@@ -1,5 +1,5 @@
-#include "Publisher/SourceReader.hpp"
-#include "Publisher/SourceScan.hpp"
+#include "Publisher/Source/SourceReader.hpp"
+#include "Publisher/Source/SourceScan.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"

@@ -1,4 +1,4 @@
-#include "Publisher/StaticTree.hpp"
+#include "Publisher/Serving/StaticTree.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"

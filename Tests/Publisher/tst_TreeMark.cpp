@@ -1,4 +1,4 @@
-#include "Publisher/TreeMark.hpp"
+#include "Publisher/Tree/TreeMark.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"

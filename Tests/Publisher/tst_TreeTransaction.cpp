@@ -1,5 +1,5 @@
-#include "Publisher/ParallelFor.hpp"
-#include "Publisher/TreeTransaction.hpp"
+#include "Publisher/Source/ParallelFor.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"

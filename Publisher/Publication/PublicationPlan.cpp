@@ -1,0 +1,130 @@
+#include "Publisher/Publication/PublicationPlan.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/Tree/ContentStore.hpp"
+#include "Publisher/Tree/ManifestWriter.hpp"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+/// Where `varnholt-publish serve` listens by default, and where clients look by default.
+QString const c_DefaultHost = QStringLiteral("127.0.0.1:8080");
+
+bool Holds(QString const& p_File, QByteArray const& p_Content)
+{
+    QFile file(p_File);
+    return file.open(QIODevice::ReadOnly) && file.readAll() == p_Content;
+}
+
+} // namespace
+
+PublicationPlan::PublicationPlan(PublishOptions const& p_Options, RuleSet const& p_Rules,
+                                 std::vector<BuildFile> const& p_Files)
+    : Options(p_Options)
+    , Tree(p_Options.Output, p_Options.AppId)
+{
+    AddContent(p_Files);
+    AddManifest(ManifestWriter::Write(Options.Build, p_Rules.Locales, p_Files, Options.Platform));
+    AddServerFiles();
+    Version = {Tree.VersionPath(Options.DevChannel), BuildCatalog::VersionText(Options.Build.Id)};
+}
+
+QString PublicationPlan::UnchangedBuild(RuleSet const& p_Rules,
+                                        std::vector<BuildFile> const& p_Files) const
+{
+    if (!Content.empty() || !ServerFiles.empty())
+        return QString();
+    try {
+        QString const id = Tree.BuildOn(Options.DevChannel);
+        if (id.isNull() || !Tree.Has(id))
+            return QString();
+        CatalogedBuild const build = Tree.Read(id);
+        BuildIdentity const identity{id, build.Name, build.Number};
+        QByteArray const manifest =
+            ManifestWriter::Write(identity, p_Rules.Locales, p_Files, Options.Platform);
+        return Holds(Tree.ManifestPath(id), manifest) ? id : QString();
+    } catch (Failure const&) {
+        // Publishing is the cure of what cannot be understood.
+        return QString();
+    }
+}
+
+qint64 PublicationPlan::ContentBytes() const
+{
+    qint64 bytes = 0;
+    for (BuildFile const& file : Content)
+        bytes += file.Source.Size;
+    return bytes;
+}
+
+std::vector<TreeFile> PublicationPlan::TreeFiles() const
+{
+    std::vector<TreeFile> files;
+    for (BuildFile const& file : Content) {
+        files.push_back({Options.AppId + QLatin1Char('/') + ContentStore::LocationOf(file.Md5),
+                         file.Source.Size});
+    }
+    auto const add = [&](Text const& p_Text) {
+        files.push_back({p_Text.Target.mid(Options.Output.size() + 1), p_Text.Content.size()});
+    };
+    for (Text const& text : Manifest)
+        add(text);
+    for (Text const& text : ServerFiles)
+        add(text);
+    add(Version);
+    return files;
+}
+
+void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files)
+{
+    ContentStore const store(Tree.Folder());
+    QSet<QString> known;
+    for (BuildFile const& file : p_Files) {
+        if (!known.contains(file.Md5) && !store.Holds(file))
+            Content.push_back(file);
+        known.insert(file.Md5);
+    }
+}
+
+void PublicationPlan::AddManifest(QByteArray const& p_Manifest)
+{
+    QString const path = Tree.ManifestPath(Options.Build.Id);
+    if (!QFileInfo(path).isFile()) {
+        Manifest.push_back({path, p_Manifest});
+        return;
+    }
+    // Clients may be in the middle of this build, so it stays as it is.
+    if (!Holds(path, p_Manifest)) {
+        throw Failure(QStringLiteral("%1: this build is already published with other content: "
+                                     "choose another --build")
+                          .arg(path));
+    }
+}
+
+void PublicationPlan::AddServerFiles()
+{
+    QString const hosts = Options.Output + QStringLiteral("/cdns.info");
+    if (Options.Hosts || !QFileInfo(hosts).isFile()) {
+        QStringList const names = Options.Hosts.value_or(QStringList{c_DefaultHost});
+        // One blank between the names and nothing after the last: clients trim nothing.
+        AddServerFile(names.join(QLatin1Char(' ')).toUtf8(), hosts);
+    }
+    if (Options.RealmListAddress) {
+        // Clients put the whole content into the game's configuration as one line.
+        QString const line = QStringLiteral("SET realmlist \"%1\"").arg(*Options.RealmListAddress);
+        AddServerFile(line.toUtf8(), Tree.Folder() + QStringLiteral("/realmlist.info"));
+    }
+}
+
+void PublicationPlan::AddServerFile(QByteArray const& p_Content, QString const& p_Target)
+{
+    if (!Holds(p_Target, p_Content))
+        ServerFiles.push_back({p_Target, p_Content});
+}
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Publisher/Rules/FileTreatment.hpp"
+#include "Publisher/Rules/Rule.hpp"
+
+#include <QString>
+
+#include <map>
+#include <vector>
+
+namespace Varnholt::Publisher {
+
+/// Which rule decided each property of a path; null where none did.
+struct RuleExplanation {
+    Rule const* Flags = nullptr;
+    Rule const* Locale = nullptr;
+    Rule const* Streamed = nullptr;
+    Rule const* Excluded = nullptr;
+};
+
+/// The rules of a build and the languages that it offers.
+struct RuleSet {
+    std::vector<Rule> Rules;
+    std::map<QString, QString> Locales; ///< display name by tag
+
+    /// Asks every rule in order; a later one overrides an earlier one property by property.
+    FileTreatment TreatmentOf(QString const& p_Path) const;
+
+    /// \return pointers into `Rules`
+    RuleExplanation Explain(QString const& p_Path) const;
+};
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Publisher/Tree/BuildFile.hpp"
+
+#include <QByteArray>
+#include <QString>
+
+#include <vector>
+
+namespace Varnholt::Publisher {
+
+/// Remembers the digests of a source folder's files, so that those that have not changed need not
+/// be read again. A file is unchanged when its path, size, time and inode are. Is read and written
+/// line by line: a large index needs no more memory than a small one.
+class HashIndex {
+public:
+    enum class State {
+        None,    ///< there is no index of this source
+        Used,    ///< what it knows was filled in
+        Damaged, ///< nothing was filled in
+    };
+
+    /// \param p_File where the index is kept
+    /// \param p_Source the source folder: an index of another one knows nothing of its files
+    HashIndex(QString const& p_File, QString const& p_Source);
+
+    /// Fills in the digests of unchanged files.
+    /// \param p_Files ordered by the UTF-8 bytes of their paths, none of them hashed
+    State FillIn(std::vector<BuildFile>& p_Files) const;
+
+    /// Writes an index of hashed files under another name, from where it can be moved.
+    ///
+    /// A file that was written just before the scan may be written once more without a visible
+    /// change of its time; it is left out.
+    /// \param p_Scanned when the scan began
+    /// \throws Failure
+    void Write(QString const& p_Target, std::vector<BuildFile> const& p_Files,
+               std::filesystem::file_time_type p_Scanned) const;
+
+    QString const& FileName() const { return File; }
+
+private:
+    QByteArray Head() const;
+
+    QString File;
+    QString Source;
+};
+
+} // namespace Varnholt::Publisher

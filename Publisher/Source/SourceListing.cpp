@@ -1,0 +1,94 @@
+#include "Publisher/Source/SourceListing.hpp"
+
+#include "Launcher/Application/ApplicationManifest.hpp"
+#include "Publisher/Failure.hpp"
+#include "Publisher/Rules/BuiltInRules.hpp"
+#include "Publisher/Rules/FlagNames.hpp"
+#include "Publisher/Rules/RuleSetReader.hpp"
+#include "Publisher/Source/SourceScan.hpp"
+
+#include <algorithm>
+#include <functional>
+
+namespace Varnholt::Publisher::SourceListing {
+
+namespace {
+
+using Excluded = std::function<void(QString const& p_Path, FileTreatment const& p_Treatment)>;
+
+std::vector<BuildFile> Scan(QString const& p_Source, RuleSet const& p_Rules,
+                            Excluded const& p_Excluded)
+{
+    SourceScan scan(p_Source, [&](QString const& p_Path) {
+        FileTreatment const treatment = p_Rules.TreatmentOf(p_Path);
+        if (treatment.Excluded)
+            p_Excluded(p_Path, treatment);
+        return !treatment.Excluded;
+    });
+    std::vector<BuildFile> files;
+    for (SourceFile const& source : scan.Run())
+        files.push_back({source, p_Rules.TreatmentOf(source.Path), QString()});
+    return files;
+}
+
+} // namespace
+
+RuleSet ReadRules(PublishOptions const& p_Options)
+{
+    if (p_Options.RulesFile.isEmpty())
+        return BuiltInRules(p_Options.Platform, p_Options.Locales);
+    return RuleSetReader(p_Options.RulesFile, p_Options.Platform).Read(p_Options.Locales);
+}
+
+std::vector<BuildFile> PublishedFiles(QString const& p_Source, RuleSet const& p_Rules)
+{
+    return Scan(p_Source, p_Rules, [](QString const&, FileTreatment const&) {});
+}
+
+std::vector<BuildFile> AllFiles(QString const& p_Source, RuleSet const& p_Rules)
+{
+    std::vector<BuildFile> excluded;
+    auto const keep = [&](QString const& p_Path, FileTreatment const& p_Treatment) {
+        excluded.push_back({SourceFile{p_Path, {}, 0, {}, 0}, p_Treatment, QString()});
+    };
+    std::vector<BuildFile> files = Scan(p_Source, p_Rules, keep);
+    files.insert(files.end(), excluded.begin(), excluded.end());
+    std::sort(files.begin(), files.end(), [](BuildFile const& p_One, BuildFile const& p_Two) {
+        return p_One.Source.Path.toUtf8() < p_Two.Source.Path.toUtf8();
+    });
+    return files;
+}
+
+void CheckGameExecutable(PublishOptions const& p_Options, std::vector<BuildFile> const& p_Files,
+                         PublicationObserver& p_Observer)
+{
+    qint32 const flag = FlagNames::GameExecutable(p_Options.Platform);
+    BuildFile const* found = nullptr;
+    for (BuildFile const& file : p_Files) {
+        if ((file.Treatment.Flags & flag) == 0)
+            continue;
+        if (file.Treatment.Streamed) {
+            throw Failure(file.Source.Path +
+                          QStringLiteral(": the game's executable must not be streamed"));
+        }
+        if (found) {
+            throw Failure(QStringLiteral("%1 and %2 both have the flag game-executable: a build "
+                                         "has exactly one")
+                              .arg(found->Source.Path, file.Source.Path));
+        }
+        found = &file;
+    }
+    if (!found) {
+        throw Failure(p_Options.Source +
+                      QStringLiteral(": no file has the flag game-executable: give it to the "
+                                     "game's executable in the rules file"));
+    }
+    auto const executable = Launcher::ApplicationManifestFileEntry::Executable;
+    if (p_Options.Platform == ContentPlatform::Mac && (found->Treatment.Flags & executable) == 0) {
+        p_Observer.Warned(found->Source.Path +
+                          QStringLiteral(": the game's executable has no flag executable, so "
+                                         "clients cannot start it"));
+    }
+}
+
+} // namespace Varnholt::Publisher::SourceListing

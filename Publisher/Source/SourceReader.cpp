@@ -1,0 +1,55 @@
+#include "Publisher/Source/SourceReader.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/Source/NativePath.hpp"
+
+#include <QCryptographicHash>
+#include <QFile>
+
+#include <vector>
+
+namespace Varnholt::Publisher::SourceReader {
+
+namespace {
+
+constexpr std::size_t c_BlockBytes = 256UL * 1024;
+
+bool IsAsScanned(SourceFile const& p_File)
+{
+    std::error_code error;
+    auto const size = std::filesystem::file_size(p_File.Location, error);
+    if (error || static_cast<qint64>(size) != p_File.Size)
+        return false;
+    return std::filesystem::last_write_time(p_File.Location, error) == p_File.Modified && !error;
+}
+
+} // namespace
+
+QString ChangedText(SourceFile const& p_File)
+{
+    return p_File.Path + QStringLiteral(": the file changed while it was being published");
+}
+
+QString Read(SourceFile const& p_File, BlockSink const& p_Sink)
+{
+    QFile file(NativePath::ToText(p_File.Location));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        throw Failure(p_File.Path + QStringLiteral(": cannot be read: ") + file.errorString());
+
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    std::vector<char> block(c_BlockBytes);
+    qint64 total = 0;
+    qint64 bytes = 0;
+    while ((bytes = file.read(block.data(), static_cast<qint64>(block.size()))) > 0) {
+        hash.addData(block.data(), static_cast<int>(bytes));
+        total += bytes;
+        p_Sink(block.data(), bytes);
+    }
+    if (bytes < 0)
+        throw Failure(p_File.Path + QStringLiteral(": cannot be read: ") + file.errorString());
+    if (total != p_File.Size || !IsAsScanned(p_File))
+        throw Failure(ChangedText(p_File));
+    return QString::fromLatin1(hash.result().toHex()).toUpper();
+}
+
+} // namespace Varnholt::Publisher::SourceReader

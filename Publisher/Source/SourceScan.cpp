@@ -1,0 +1,125 @@
+#include "Publisher/Source/SourceScan.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/Source/NativePath.hpp"
+#include "Publisher/Source/PathChecks.hpp"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <sys/stat.h>
+
+namespace Varnholt::Publisher {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsAtOrBelow(fs::path const& p_Path, fs::path const& p_Folder)
+{
+    return std::mismatch(p_Folder.begin(), p_Folder.end(), p_Path.begin(), p_Path.end()).first ==
+           p_Folder.end();
+}
+
+Failure FailureOf(QString const& p_Path, std::error_code const& p_Error)
+{
+    return Failure(p_Path + QStringLiteral(": cannot be read: ") +
+                   QString::fromStdString(p_Error.message()));
+}
+
+} // namespace
+
+SourceScan::SourceScan(QString const& p_Folder, Wanted p_Wanted)
+    : Root(NativePath::From(p_Folder))
+    , IsWanted(std::move(p_Wanted))
+{
+}
+
+std::vector<SourceFile> SourceScan::Run()
+{
+    QString const shown = NativePath::ToText(Root);
+    std::error_code error;
+    fs::path const root = fs::canonical(Root, error);
+    if (error)
+        throw Failure(shown + QStringLiteral(": the source folder does not exist"));
+    if (!fs::is_directory(root))
+        throw Failure(shown + QStringLiteral(": the source is not a folder"));
+    Root = root;
+    Files.clear();
+    ScanFolder(Root, std::string());
+    if (Files.empty())
+        throw Failure(shown + QStringLiteral(": the source holds no file to publish"));
+
+    std::sort(Files.begin(), Files.end(), [](SourceFile const& p_One, SourceFile const& p_Two) {
+        return p_One.Path.toUtf8() < p_Two.Path.toUtf8();
+    });
+    PathChecks::CheckCollisions(Files);
+    return std::move(Files);
+}
+
+void SourceScan::ScanFolder(fs::path const& p_Folder, std::string const& p_Prefix)
+{
+    std::error_code error;
+    OpenFolders.push_back(fs::canonical(p_Folder, error));
+    fs::directory_iterator entry;
+    if (!error)
+        entry = fs::directory_iterator(p_Folder, error);
+    while (!error && entry != fs::directory_iterator()) {
+        ScanEntry(*entry, p_Prefix + entry->path().filename().string());
+        entry.increment(error);
+    }
+    if (error)
+        throw FailureOf(NativePath::ToText(p_Folder), error);
+    OpenFolders.pop_back();
+}
+
+void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const& p_Path)
+{
+    std::error_code error;
+    bool const isLink = p_Entry.is_symlink(error);
+    QString const path = QString::fromStdString(p_Path);
+    if (!isLink && p_Entry.is_directory(error)) {
+        ScanFolder(p_Entry.path(), p_Path + '/');
+        return;
+    }
+    if (!IsWanted(path))
+        return;
+    if (isLink) {
+        CheckLink(p_Entry.path(), path);
+        if (p_Entry.is_directory(error)) {
+            ScanFolder(p_Entry.path(), p_Path + '/');
+            return;
+        }
+    }
+    PathChecks::CheckPath(QByteArray::fromStdString(p_Path));
+    if (!p_Entry.is_regular_file(error))
+        throw Failure(path + QStringLiteral(": is neither a file nor a folder"));
+
+    SourceFile file{path, p_Entry.path(), 0, {}, 0};
+    file.Size = static_cast<qint64>(fs::file_size(file.Location, error));
+    if (!error)
+        file.Modified = fs::last_write_time(file.Location, error);
+    struct stat status = {};
+    if (!error && ::stat(file.Location.c_str(), &status) != 0)
+        error = std::error_code(errno, std::generic_category());
+    if (error)
+        throw FailureOf(path, error);
+    file.Inode = status.st_ino;
+    Files.push_back(file);
+}
+
+void SourceScan::CheckLink(fs::path const& p_Link, QString const& p_Path) const
+{
+    std::error_code error;
+    fs::path const target = fs::canonical(p_Link, error);
+    if (error)
+        throw Failure(p_Path + QStringLiteral(": the symbolic link leads nowhere"));
+    if (!IsAtOrBelow(target, Root))
+        throw Failure(p_Path +
+                      QStringLiteral(": the symbolic link leads out of the source folder"));
+    if (std::find(OpenFolders.begin(), OpenFolders.end(), target) != OpenFolders.end())
+        throw Failure(p_Path +
+                      QStringLiteral(": the symbolic link leads to a folder that holds it"));
+}
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,127 @@
+#include "Publisher/Tree/BuildCatalog.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/Source/NativePath.hpp"
+#include "Publisher/Tree/PublishedBuild.hpp"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace Varnholt::Publisher {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+QString const c_Build = QStringLiteral("build");
+
+[[noreturn]] void Fail(QString const& p_File, QString const& p_Cause)
+{
+    throw Failure(p_File + QStringLiteral(": ") + p_Cause);
+}
+
+QByteArray ReadFile(QString const& p_File)
+{
+    QFile file(p_File);
+    if (!file.open(QIODevice::ReadOnly))
+        Fail(p_File, QStringLiteral("cannot be read: ") + file.errorString());
+    return file.readAll();
+}
+
+fs::file_time_type TimeOf(QString const& p_File)
+{
+    std::error_code error;
+    auto const time = fs::last_write_time(NativePath::From(p_File), error);
+    return error ? fs::file_time_type() : time;
+}
+
+} // namespace
+
+BuildCatalog::BuildCatalog(QString const& p_Root, QString const& p_AppId)
+    : AppFolder(p_Root + QLatin1Char('/') + p_AppId)
+{
+}
+
+QString BuildCatalog::ManifestPath(QString const& p_Build) const
+{
+    return QStringLiteral("%1/builds/%2/info.json").arg(AppFolder, p_Build);
+}
+
+QString BuildCatalog::VersionPath(bool p_DevChannel) const
+{
+    return AppFolder +
+           (p_DevChannel ? QStringLiteral("/version_dev.json") : QStringLiteral("/version.json"));
+}
+
+QByteArray BuildCatalog::VersionText(QString const& p_Build)
+{
+    return QJsonDocument(QJsonObject{{c_Build, p_Build}}).toJson(QJsonDocument::Compact);
+}
+
+bool BuildCatalog::Has(QString const& p_Build) const
+{
+    // A name that leads elsewhere is nobody's build.
+    return Builds().contains(p_Build);
+}
+
+void BuildCatalog::CheckHas(QString const& p_Build) const
+{
+    if (!Has(p_Build))
+        Fail(AppFolder, QStringLiteral("there is no build %1").arg(p_Build));
+}
+
+QString BuildCatalog::BuildOn(bool p_DevChannel) const
+{
+    QString const file = VersionPath(p_DevChannel);
+    if (!QFileInfo::exists(file))
+        return QString();
+    QString build = QJsonDocument::fromJson(ReadFile(file))[c_Build].toString();
+    if (build.isEmpty())
+        Fail(file, QStringLiteral("is damaged: it names no build"));
+    return build;
+}
+
+QStringList BuildCatalog::Builds() const
+{
+    QDir const folder(AppFolder + QStringLiteral("/builds"));
+    QStringList builds;
+    for (QString const& name :
+         folder.entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name)) {
+        if (QFileInfo(ManifestPath(name)).isFile())
+            builds += name;
+    }
+    // Equal times, as in a copied tree, leave the order of the names.
+    std::stable_sort(builds.begin(), builds.end(),
+                     [this](QString const& p_One, QString const& p_Two) {
+                         return TimeOf(ManifestPath(p_One)) < TimeOf(ManifestPath(p_Two));
+                     });
+    return builds;
+}
+
+CatalogedBuild BuildCatalog::Read(QString const& p_Build) const
+{
+    QString const path = ManifestPath(p_Build);
+    PublishedBuild const manifest = PublishedBuild::Parse(ReadFile(path), path);
+    CatalogedBuild build;
+    build.Id = p_Build;
+    build.Name = manifest.Name;
+    build.Number = manifest.Number;
+    build.Files = static_cast<int>(manifest.Files.size());
+    for (PublishedFile const& file : manifest.Files) {
+        build.StreamedFiles += file.Streamed ? 1 : 0;
+        QFileInfo const content(AppFolder + QLatin1Char('/') + file.Location);
+        if (content.isFile())
+            build.Bytes += content.size();
+        else if (!build.Content.contains(file.Location))
+            build.Missing += file.Location;
+        build.Content.insert(file.Location);
+    }
+    return build;
+}
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,151 @@
+#include "Publisher/Tree/TreeTransaction.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/Source/NativePath.hpp"
+#include "Publisher/Tree/StorageSync.hpp"
+#include "Publisher/Tree/TreeMark.hpp"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace Varnholt::Publisher {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void WriteFile(QString const& p_Path, QByteArray const& p_Content)
+{
+    QFile file(p_Path);
+    bool const written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                         file.write(p_Content) == p_Content.size() && file.flush();
+    if (!written)
+        throw Failure(p_Path + QStringLiteral(": cannot be written: ") + file.errorString());
+}
+
+} // namespace
+
+TreeTransaction::TreeTransaction(QString const& p_Root)
+    : Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
+    , Staging(TreeMark(Root).PrivatePath(QStringLiteral("new")))
+    , Lock(Root)
+{
+    try {
+        Open();
+    } catch (Failure const&) {
+        Undo();
+        throw;
+    }
+}
+
+TreeTransaction::~TreeTransaction()
+{
+    if (!Committed)
+        Undo();
+}
+
+void TreeTransaction::Open()
+{
+    MakeFolder(Root);
+    Lock.Take();
+    // What a run that was killed has left behind.
+    QDir(Staging).removeRecursively();
+    if (!QDir().mkdir(Staging))
+        throw Failure(Staging + QStringLiteral(": the folder cannot be made"));
+}
+
+QString TreeTransaction::NewFile()
+{
+    return Staging + QLatin1Char('/') + QString::number(NewFiles++);
+}
+
+void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
+{
+    Moves.push_back({p_NewFile, p_Target, std::nullopt, false});
+}
+
+void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
+{
+    QString const file = NewFile();
+    WriteFile(file, p_Content);
+    Add(file, p_Target);
+}
+
+void TreeTransaction::Commit()
+{
+    StorageSync(Root);
+    for (Move& move : Moves) {
+        if (&move == &Moves.back())
+            StorageSync(Root);
+        Perform(move);
+    }
+    Committed = true;
+    QDir(Staging).removeRecursively();
+    Lock.Release();
+    StorageSync(Root);
+}
+
+void TreeTransaction::Perform(Move& p_Move)
+{
+    MakeFolder(QFileInfo(p_Move.Target).path());
+    QFileInfo const target(p_Move.Target);
+    if (target.exists()) {
+        QFile file(p_Move.Target);
+        if (!target.isFile() || !file.open(QIODevice::ReadOnly))
+            throw Failure(p_Move.Target + QStringLiteral(": is not a file that can be replaced"));
+        p_Move.Replaced = file.readAll();
+    }
+    std::error_code error;
+    fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);
+    if (error) {
+        throw Failure(p_Move.Target + QStringLiteral(": cannot be written: ") +
+                      QString::fromStdString(error.message()));
+    }
+    p_Move.Done = true;
+}
+
+void TreeTransaction::MakeFolder(QString const& p_Folder)
+{
+    QFileInfo const info(p_Folder);
+    if (info.isDir())
+        return;
+    if (info.exists())
+        throw Failure(p_Folder + QStringLiteral(": is not a folder"));
+    MakeFolder(info.path());
+    if (!QDir().mkdir(p_Folder))
+        throw Failure(p_Folder + QStringLiteral(": the folder cannot be made"));
+    MadeFolders.push_back(p_Folder);
+}
+
+void TreeTransaction::Undo()
+{
+    for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) {
+        if (move->Done)
+            Undo(*move);
+    }
+    // Without the lock the folder of new files is another run's.
+    if (Lock.IsTaken()) {
+        QDir(Staging).removeRecursively();
+        Lock.Release();
+    }
+    for (auto folder = MadeFolders.rbegin(); folder != MadeFolders.rend(); ++folder)
+        QDir().rmdir(*folder);
+}
+
+void TreeTransaction::Undo(Move const& p_Move)
+{
+    std::error_code error;
+    if (!p_Move.Replaced) {
+        fs::remove(NativePath::From(p_Move.Target), error);
+        return;
+    }
+    try {
+        WriteFile(p_Move.NewFile, *p_Move.Replaced);
+        fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);
+    } catch (Failure const&) {
+        // Nothing better is left to do: the failure that brought us here is the one to report.
+    }
+}
+
+} // namespace Varnholt::Publisher

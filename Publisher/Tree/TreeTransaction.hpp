@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Publisher/Tree/TreeLock.hpp"
+
+#include <QByteArray>
+#include <QString>
+
+#include <atomic>
+#include <optional>
+#include <vector>
+
+namespace Varnholt::Publisher {
+
+/// Changes a published tree completely or not at all.
+///
+/// New files are written in a folder of their own inside the tree and moved to their places by
+/// `Commit()`, in the order in which they were added. Until `Commit()` has returned, the destructor
+/// takes everything back. Only one transaction at a time can be open on a tree.
+class TreeTransaction {
+public:
+    /// \param p_Root the tree; created when it does not exist
+    /// \throws Failure when it cannot be written, or another transaction is open on it
+    explicit TreeTransaction(QString const& p_Root);
+    ~TreeTransaction();
+    TreeTransaction(TreeTransaction const&) = delete;
+    TreeTransaction& operator=(TreeTransaction const&) = delete;
+
+    /// A name for a new file, on the tree's file system. Any thread.
+    QString NewFile();
+
+    /// Moves a file that was written under a `NewFile()` name to p_Target when committing; an
+    /// existing file there is replaced in one step.
+    void Add(QString const& p_NewFile, QString const& p_Target);
+
+    /// The same for a small file with the given content.
+    void AddText(QByteArray const& p_Content, QString const& p_Target);
+
+    /// Everything is on disk before the last added file is moved.
+    /// \throws Failure, after which the destructor takes everything back
+    void Commit();
+
+private:
+    struct Move {
+        QString NewFile;
+        QString Target;
+        std::optional<QByteArray> Replaced; ///< content that the target had
+        bool Done = false;
+    };
+
+    void Open();
+    void MakeFolder(QString const& p_Folder);
+    void Perform(Move& p_Move);
+    void Undo();
+    void Undo(Move const& p_Move);
+
+    QString Root;
+    QString Staging;
+    TreeLock Lock;
+    std::atomic<quint64> NewFiles{0};
+    std::vector<Move> Moves;
+    std::vector<QString> MadeFolders; ///< in the order of their making
+    bool Committed = false;
+};
+
+} // namespace Varnholt::Publisher

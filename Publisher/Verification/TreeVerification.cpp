@@ -1,0 +1,107 @@
+#include "Publisher/Verification/TreeVerification.hpp"
+
+#include "Publisher/Failure.hpp"
+#include "Publisher/Source/ParallelFor.hpp"
+#include "Publisher/Tree/ServerTexts.hpp"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+
+namespace Varnholt::Publisher {
+
+TreeVerification::TreeVerification(PublishedTree const& p_Tree)
+    : Tree(p_Tree)
+{
+}
+
+VerificationSummary TreeVerification::Run()
+{
+    QString const hosts = Tree.Folder() + QStringLiteral("/cdns.info");
+    QByteArray const list = Read(hosts);
+    if (!list.isNull())
+        ServerTexts::HostsOf(list, hosts, Summary.Defects);
+    for (QString const& build : ServedBuilds())
+        AddFiles(build);
+
+    std::vector<QString> problems(Files.size());
+    ParallelFor(Files.size(),
+                [&](std::size_t p_Index) { problems[p_Index] = Problem(Files[p_Index]); });
+    for (std::size_t i = 0; i < Files.size(); ++i) {
+        if (!problems[i].isNull()) {
+            Summary.Defects += QStringLiteral("%1 (%2): %3")
+                                   .arg(Tree.PathOf(Files[i].Location), Files[i].Path, problems[i]);
+        }
+    }
+    Summary.Files = static_cast<int>(Files.size());
+    Summary.FilesRead = Summary.Files;
+    return Summary;
+}
+
+QByteArray TreeVerification::Read(QString const& p_Path)
+{
+    QFile file(p_Path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        Summary.Defects += QStringLiteral("%1: cannot be read: %2").arg(p_Path, file.errorString());
+        return {};
+    }
+    QByteArray const bytes = file.readAll();
+    return bytes.isNull() ? QByteArray("") : bytes;
+}
+
+QStringList TreeVerification::ServedBuilds()
+{
+    QStringList builds;
+    bool isServed = false;
+    for (QString const& name : ServerTexts::VersionFiles()) {
+        QString const path = Tree.PathOf(name);
+        if (!QFileInfo::exists(path))
+            continue;
+        isServed = true;
+        QByteArray const version = Read(path);
+        if (!version.isNull())
+            builds += ServerTexts::BuildOf(version, path, Summary.Defects);
+    }
+    if (!isServed) {
+        Summary.Defects +=
+            Tree.PathOf(ServerTexts::VersionFiles().first()) + QStringLiteral(": is missing");
+    }
+    builds.removeAll(QString());
+    builds.removeDuplicates();
+    return builds;
+}
+
+void TreeVerification::AddFiles(QString const& p_Build)
+{
+    Summary.Builds += p_Build;
+    try {
+        for (PublishedFile const& file : Tree.ReadBuild(p_Build).Files) {
+            QString const content = file.Location + file.Md5;
+            if (!Known.contains(content))
+                Files.push_back(file);
+            Known.insert(content);
+        }
+    } catch (Failure const& failure) {
+        Summary.Defects += QString::fromUtf8(failure.what());
+    }
+}
+
+QString TreeVerification::Problem(PublishedFile const& p_File) const
+{
+    QFile file(Tree.PathOf(p_File.Location));
+    if (!QFileInfo::exists(file.fileName()))
+        return QStringLiteral("is missing");
+    if (!QFileInfo(file.fileName()).isFile())
+        return QStringLiteral("is no file");
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+        return QStringLiteral("cannot be read: ") + file.errorString();
+    QString const md5 = QString::fromLatin1(hash.result().toHex().toUpper());
+    if (md5 != p_File.Md5) {
+        return QStringLiteral("the MD5 of its %1 bytes is %2")
+            .arg(QString::number(file.size()), md5);
+    }
+    return {};
+}
+
+} // namespace Varnholt::Publisher

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Publisher/Tree/PublishedTree.hpp"
+#include "Publisher/Verification/VerificationSummary.hpp"
+
+#include <QSet>
+
+namespace Varnholt::Publisher {
+
+/// Looks whether a tree holds every byte of the builds that clients are given.
+class TreeVerification {
+public:
+    explicit TreeVerification(PublishedTree const& p_Tree);
+
+    VerificationSummary Run();
+
+private:
+    /// A text file's bytes, null with a defect when it cannot be read.
+    QByteArray Read(QString const& p_Path);
+    QStringList ServedBuilds();
+    void AddFiles(QString const& p_Build);
+    QString Problem(PublishedFile const& p_File) const;
+
+    PublishedTree const& Tree;
+    VerificationSummary Summary;
+    std::vector<PublishedFile> Files; ///< each content once
+    QSet<QString> Known;              ///< what is in `Files`
+};
+
+} // namespace Varnholt::Publisher
