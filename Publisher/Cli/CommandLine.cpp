@@ -1,24 +1,18 @@
 #include "Publisher/Cli/CommandLine.hpp"
 
 #include "Programs/StandardStreams.hpp"
-#include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
-#include "Publisher/Cli/DiffCommand.hpp"
-#include "Publisher/Cli/ListCommand.hpp"
-#include "Publisher/Cli/PruneCommand.hpp"
-#include "Publisher/Cli/RollbackCommand.hpp"
-#include "Publisher/Cli/RulesCommand.hpp"
-#include "Publisher/Cli/ServeCommand.hpp"
-#include "Publisher/Cli/VerifyCommand.hpp"
 #include "Publisher/Failure.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <sstream>
 
 namespace Varnholt::Publisher {
 
 namespace {
+
+/// What the options name that are alike in all commands.
+constexpr std::pair<char const*, char const*> c_Paths[] = {
+    {"--source", "DIR"}, {"--output", "DIR"}, {"--root", "DIR"}, {"--rules", "FILE"}};
 
 int Report(QString const& p_Cause, int p_Status)
 {
@@ -35,27 +29,27 @@ int RunChosen(Commands const&... p_Commands)
     return status;
 }
 
-int Run(int p_Count, char const* const* p_Arguments)
+} // namespace
+
+CommandLine::CommandLine()
 {
-    CLI::App program("Publishes a game so that any web server with byte ranges can serve it",
-                     "varnholt-publish");
-    program.set_version_flag("--version", VARNHOLT_VERSION);
-    program.require_subcommand(1);
-    program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
-    BuildCommand const build(program);
-    ServeCommand const serve(program);
-    DiffCommand const diff(program);
-    VerifyCommand const verify(program);
-    RulesCommand const rules(program);
-    ListCommand const list(program);
-    RollbackCommand const rollback(program);
-    PruneCommand const prune(program);
+    Program.set_version_flag("--version", VARNHOLT_VERSION);
+    Program.require_subcommand(1);
+    Program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
+    for (CLI::App* const command : Program.get_subcommands({}))
+        for (auto const& [name, value] : c_Paths)
+            if (CLI::Option* const option = command->get_option_no_throw(name))
+                option->type_name(value);
+}
+
+int CommandLine::RunCommand(int p_Count, char const* const* p_Arguments)
+{
     try {
-        program.parse(p_Count, p_Arguments);
-        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune);
+        Program.parse(p_Count, p_Arguments);
+        return RunChosen(Build, Serve, Diff, Verify, Rules, List, Rollback, Prune);
     } catch (CLI::Success const& help) {
         std::ostringstream text;
-        int const status = program.exit(help, text);
+        int const status = Program.exit(help, text);
         Programs::StandardStreams::Write(stdout, QString::fromStdString(text.str()));
         return status;
     } catch (CLI::ParseError const& error) {
@@ -67,11 +61,9 @@ int Run(int p_Count, char const* const* p_Arguments)
     }
 }
 
-} // namespace
-
-int RunCommandLine(int p_Count, char const* const* p_Arguments)
+int CommandLine::Run(int p_Count, char const* const* p_Arguments)
 {
-    int const status = Run(p_Count, p_Arguments);
+    int const status = RunCommand(p_Count, p_Arguments);
     QString const why = Programs::StandardStreams::WhyLost();
     if (why.isEmpty())
         return status;
