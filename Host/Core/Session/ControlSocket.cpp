@@ -93,7 +93,7 @@ QByteArray ControlSocket::LatestLine() const
 
 void ControlSocket::Show(RunSnapshot const& p_Snapshot)
 {
-    constexpr qint64 c_MostBytes = 64 * 1024; // that wait for one who follows
+    constexpr qint64 c_MostBytes = qint64{64} * 1024; // that wait for one who follows
 
     Latest = p_Snapshot;
     if (Latest.IsHeld)
