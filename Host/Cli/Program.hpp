@@ -8,6 +8,7 @@
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 namespace Varnholt::Host {
 
@@ -25,7 +26,12 @@ private:
     void CloseSession();
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
+    void TellSpace(std::vector<VolumeSpace> const& p_Space);
+    /// Called with what an uninstallation would delete. \return whether that shall be
+    bool ConfirmDeletion(RunResult const& p_Preview);
     void OnEnded(RunResult const& p_Result);
+    void OnGameEnded(GameEnd const& p_End);
+    void Conclude();
     void OnEndRequested();
     void OnToggleRequested();
     /// Asks what must be asked; false when the program has come to its end with that.
@@ -40,6 +46,8 @@ private:
     SignalWatch Signals;
     std::unique_ptr<HostSession> Session;
     QString GameName;
+    std::vector<VolumeSpace> ToldSpace;
+    RunResult Result;
     bool IsRunning = false;
 };
 

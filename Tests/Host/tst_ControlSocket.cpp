@@ -105,7 +105,7 @@ RunSnapshot ControlSocketTest::Downloading(quint32 p_File)
     snapshot.Mirror = "a.example";
     snapshot.BytesReceived = c_Large + 1;
     snapshot.Servers = {{"a.example", c_Large + 2}, {"b.example:81", 0}};
-    snapshot.Wait = ServerWait{"b.example:81", "connection refused", 12, 8};
+    snapshot.Wait = ServerWait{"b.example:81", "connection refused", 12, 8, 3, 9};
     return snapshot;
 }
 

@@ -47,17 +47,24 @@ QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
 
 QJsonObject ObjectOf(ServerWait const& p_Wait)
 {
-    return {{QStringLiteral("server"), p_Wait.Server},
-            {QStringLiteral("cause"), p_Wait.Cause},
-            {QStringLiteral("silent"), p_Wait.Silent},
-            {QStringLiteral("nextAttempt"), p_Wait.NextAttempt}};
+    QJsonObject object{{QStringLiteral("server"), p_Wait.Server},
+                       {QStringLiteral("cause"), p_Wait.Cause},
+                       {QStringLiteral("silent"), p_Wait.Silent},
+                       {QStringLiteral("nextAttempt"), p_Wait.NextAttempt},
+                       {QStringLiteral("attempt"), p_Wait.Attempt}};
+    if (p_Wait.Attempts > 0)
+        object.insert(QStringLiteral("attempts"), p_Wait.Attempts);
+    return object;
 }
 
 ServerWait WaitIn(QJsonValue const& p_Value)
 {
-    return {p_Value["server"].toString(), p_Value["cause"].toString(),
+    return {p_Value["server"].toString(),
+            p_Value["cause"].toString(),
             static_cast<qint64>(p_Value["silent"].toDouble()),
-            static_cast<qint64>(p_Value["nextAttempt"].toDouble())};
+            static_cast<qint64>(p_Value["nextAttempt"].toDouble()),
+            p_Value["attempt"].toInt(),
+            p_Value["attempts"].toInt()};
 }
 
 } // namespace

@@ -34,7 +34,7 @@ QByteArray Of(ControlMessage const& p_Message);
 /// \return none when the line is no message
 std::optional<ControlMessage> MessageIn(QByteArray const& p_Line);
 
-/// What is known of a run, but for `IsHeld`.
+/// What is known of a run, but for `IsHeld` and `Space`.
 QJsonObject ObjectOf(RunSnapshot const& p_Snapshot);
 RunSnapshot SnapshotIn(QJsonObject const& p_Object);
 

@@ -15,6 +15,7 @@ constexpr int c_MostMilliseconds = 100;
 void RegisterTypes()
 {
     qRegisterMetaType<Failure>("Failure");
+    qRegisterMetaType<GameEnd>("GameEnd");
     qRegisterMetaType<InstallStatus>("InstallStatus");
     qRegisterMetaType<ModuleInfo>("ModuleInfo");
     qRegisterMetaType<RunResult>("RunResult");
@@ -37,6 +38,8 @@ HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
     connect(host, &ModuleHost::StatusRead, this, &HostSession::StatusRead);
     connect(host, &ModuleHost::Noticed, this, &HostSession::Noticed);
     connect(host, &ModuleHost::Ended, this, &HostSession::OnEnded);
+    connect(host, &ModuleHost::GameStarted, this, &HostSession::GameStarted);
+    connect(host, &ModuleHost::GameEnded, this, &HostSession::GameEnded);
     connect(host, &ModuleHost::FolderTaken, this, [this](quint64 p_Id, QString const& p_Folder) {
         if (UnderWay.count(p_Id) != 0 && Control.Listen(p_Folder, Game))
             Controlled = p_Id;
@@ -116,6 +119,16 @@ void HostSession::Continue()
 void HostSession::SetRateLimit(quint64 p_BytesPerSecond)
 {
     Module->Post([p_BytesPerSecond](ModuleHost& p_Host) { p_Host.SetRateLimit(p_BytesPerSecond); });
+}
+
+void HostSession::SetLanguage(QString const& p_Code)
+{
+    Module->Post([p_Code](ModuleHost& p_Host) { p_Host.SetLanguage(p_Code); });
+}
+
+void HostSession::StopRepair()
+{
+    Module->Post([](ModuleHost& p_Host) { p_Host.StopRepair(); });
 }
 
 void HostSession::Interrupt()
