@@ -26,6 +26,7 @@ struct Choice {
         Config, ///< `ConfigKey` and `ConfigValue`, null when not given
         Pause,
         Resume,
+        Watch,
         Run, ///< `Request` says which
     };
 

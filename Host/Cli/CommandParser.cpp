@@ -254,6 +254,8 @@ void CommandParser::AddControlCommands()
         [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Pause; });
     Add("resume", "Go on with a paused download", "resume",
         [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Resume; });
+    Add("watch", "Follow the download of another varnholt-host to its end; Ctrl-C leaves it alone",
+        "watch", [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Watch; });
     CLI::App* const config =
         Add("config", "List, show or change what the settings file keeps of the options",
             "config content-url http://content.example.net/", [this](Choice& p_Choice) {

@@ -1,6 +1,7 @@
 #include "Host/Cli/JsonPresenter.hpp"
 
 #include "Host/Cli/Console.hpp"
+#include "Host/Core/Session/ControlLine.hpp"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -19,27 +20,6 @@ double Figure(quint64 p_Value)
 QString TimeText(QDateTime const& p_Time)
 {
     return p_Time.toString(Qt::ISODateWithMs);
-}
-
-QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
-{
-    QJsonArray servers;
-    for (ServerShare const& server : p_Servers)
-        servers.append(QJsonObject{{QStringLiteral("server"), server.Name},
-                                   {QStringLiteral("rate"), Figure(server.Rate)}});
-    return servers;
-}
-
-QJsonObject ObjectOf(ServerWait const& p_Wait)
-{
-    QJsonObject object{{QStringLiteral("server"), p_Wait.Server},
-                       {QStringLiteral("cause"), p_Wait.Cause},
-                       {QStringLiteral("silent"), p_Wait.Silent},
-                       {QStringLiteral("nextAttempt"), p_Wait.NextAttempt},
-                       {QStringLiteral("attempt"), p_Wait.Attempt}};
-    if (p_Wait.Attempts > 0)
-        object.insert(QStringLiteral("attempts"), p_Wait.Attempts);
-    return object;
 }
 
 QJsonObject ObjectOf(FileFinding const& p_Finding)
@@ -145,14 +125,20 @@ void JsonPresenter::ShowInfo(ModuleInfo const& p_Info)
 
 void JsonPresenter::ShowStatus(InstallStatus const& p_Status)
 {
-    Write("status", {{QStringLiteral("game"), p_Status.Name},
-                     {QStringLiteral("installed"), p_Status.IsInstalled},
-                     {QStringLiteral("folder"), p_Status.Folder},
-                     {QStringLiteral("folderExists"), p_Status.FolderExists},
-                     {QStringLiteral("locale"), p_Status.Locale},
-                     {QStringLiteral("build"), p_Status.Build},
-                     {QStringLiteral("pending"), p_Status.PendingBase + p_Status.PendingStreamed},
-                     {QStringLiteral("unfinished"), p_Status.IsUnfinished}});
+    QJsonObject status{{QStringLiteral("game"), p_Status.Name},
+                       {QStringLiteral("installed"), p_Status.IsInstalled},
+                       {QStringLiteral("folder"), p_Status.Folder},
+                       {QStringLiteral("folderExists"), p_Status.FolderExists},
+                       {QStringLiteral("locale"), p_Status.Locale},
+                       {QStringLiteral("build"), p_Status.Build},
+                       {QStringLiteral("pending"), p_Status.PendingBase + p_Status.PendingStreamed},
+                       {QStringLiteral("unfinished"), p_Status.IsUnfinished}};
+    if (p_Status.Download) {
+        QJsonObject download = ControlLine::ObjectOf(p_Status.Download->Snapshot);
+        download.insert(QStringLiteral("process"), p_Status.Download->ProcessId);
+        status.insert(QStringLiteral("download"), download);
+    }
+    Write("status", status);
 }
 
 void JsonPresenter::ShowLocale(QString const& p_Locale)
@@ -177,30 +163,8 @@ void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     if (!isNew && !SinceProgress.hasExpired(c_IntervalMilliseconds))
         return;
     Phase = p_Snapshot.Phase;
-    Write("progress", Progress(p_Snapshot));
+    Write("progress", ControlLine::ObjectOf(p_Snapshot));
     SinceProgress.start(); // behind the line: its own time decides how often lines come
-}
-
-QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
-{
-    QJsonObject object{{QStringLiteral("phase"), PhaseName(p_Snapshot.Phase)},
-                       {QStringLiteral("fileNumber"), static_cast<qint64>(p_Snapshot.FileNumber)},
-                       {QStringLiteral("fileCount"), static_cast<qint64>(p_Snapshot.FileCount)},
-                       {QStringLiteral("bytes"), Figure(p_Snapshot.BytesDone)},
-                       {QStringLiteral("total"), Figure(p_Snapshot.BytesTotal)},
-                       {QStringLiteral("received"), Figure(p_Snapshot.BytesReceived)},
-                       {QStringLiteral("rate"), Figure(p_Snapshot.Rate)}};
-    if (!p_Snapshot.File.isEmpty())
-        object.insert(QStringLiteral("file"), p_Snapshot.File);
-    if (!p_Snapshot.Mirror.isEmpty())
-        object.insert(QStringLiteral("mirror"), p_Snapshot.Mirror);
-    if (p_Snapshot.Remaining >= 0)
-        object.insert(QStringLiteral("eta"), p_Snapshot.Remaining);
-    if (!p_Snapshot.Servers.empty())
-        object.insert(QStringLiteral("servers"), ArrayOf(p_Snapshot.Servers));
-    if (p_Snapshot.Wait)
-        object.insert(QStringLiteral("wait"), ObjectOf(*p_Snapshot.Wait));
-    return object;
 }
 
 void JsonPresenter::ShowSpace(VolumeSpace const& p_Space, bool /*p_IsResult*/)
@@ -238,7 +202,7 @@ void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_
         Write("warning", ObjectOf(warning));
     if (p_Request.Kind == RunRequest::Type::PreviewInstall && !p_Result.Problem)
         Write("preview", {{QStringLiteral("files"), static_cast<qint64>(p_Result.Amount.Files)},
-                          {QStringLiteral("bytes"), Figure(p_Result.Amount.Bytes)},
+                          {QStringLiteral("bytes"), static_cast<double>(p_Result.Amount.Bytes)},
                           {QStringLiteral("atLeast"), p_Result.Amount.IsLeast}});
     if (p_Request.Kind == RunRequest::Type::ListLocales)
         for (auto const& locale : p_Result.Locales)

@@ -24,9 +24,6 @@ public:
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
     void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) override;
 
-    /// What "progress" says, without type and time.
-    static QJsonObject Progress(RunSnapshot const& p_Snapshot);
-
 protected:
     void WriteNotice(Notice const& p_Notice) override;
     void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,

@@ -1,6 +1,6 @@
 #include "Host/Cli/Presenter.hpp"
 
-#include "Host/Cli/MessageLog.hpp"
+#include "Host/Core/Session/MessageLog.hpp"
 
 namespace Varnholt::Host {
 

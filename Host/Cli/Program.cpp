@@ -2,16 +2,14 @@
 
 #include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
-#include "Host/Core/Failures/ByteText.hpp"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 namespace Varnholt::Host {
 
-Program::Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output)
+Program::Program(Choice p_Choice, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
-    , Settings(p_Settings)
     , Output(p_Output)
     , Server(Chosen.Options.ContentServer())
 {
@@ -25,7 +23,10 @@ int Program::Run()
     connect(Session.get(), &HostSession::Opened, this, &Program::OnOpened);
     connect(Session.get(), &HostSession::OpenFailed, this, &Program::Fail);
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
-    connect(Session.get(), &HostSession::Progressed, this, &Program::OnProgressed);
+    connect(Session.get(), &HostSession::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
+        TellSpace(p_Snapshot.Space);
+        Output.ShowProgress(p_Snapshot);
+    });
     connect(Session.get(), &HostSession::Noticed, this,
             [this](Notice const& p_Notice) { Output.ShowNotice(p_Notice); });
     connect(Session.get(), &HostSession::Ended, this,
@@ -86,7 +87,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
 {
     RunRequest& request = Chosen.Request;
     if (request.Kind == RunRequest::Type::Play) {
-        request.Password = Login(Chosen, Server, Settings, Output).Password();
+        request.Password = Login(Chosen, Server, Output).Password();
         if (SignalWatch::IsEndRequested()) {
             Quit(SignalWatch::c_Status);
             return false;
@@ -126,28 +127,7 @@ bool Program::ConfirmDeletion(RunResult const& p_Preview)
 void Program::StartRun()
 {
     IsRunning = true;
-    RunRequest::Type const kind = Chosen.Request.Kind;
-    if (kind == RunRequest::Type::Install || kind == RunRequest::Type::Update ||
-        kind == RunRequest::Type::Repair)
-        Listen();
     Session->Start(Chosen.Request);
-}
-
-void Program::Listen()
-{
-    Control = std::make_unique<ControlSocket>(Chosen.Options.SettingsFile);
-    connect(Control.get(), &ControlSocket::Received, this, &Program::OnMessage);
-    if (!Control->Listen())
-        Control.reset(); // another run has it, and will tell about the folder that it holds
-}
-
-void Program::OnProgressed(RunSnapshot const& p_Snapshot)
-{
-    TellSpace(p_Snapshot.Space);
-    Output.ShowProgress(p_Snapshot);
-    IsHeld = p_Snapshot.IsHeld;
-    if (IsHeld && Control)
-        Control->TellPause(true);
 }
 
 void Program::TellSpace(std::vector<VolumeSpace> const& p_Space)
@@ -163,21 +143,9 @@ void Program::TellSpace(std::vector<VolumeSpace> const& p_Space)
             Output.ShowSpace(space, isResult);
 }
 
-void Program::OnMessage(ControlMessage const& p_Message)
-{
-    if (p_Message.Kind != ControlMessage::Type::LimitRate)
-        return SetPaused(p_Message.Kind == ControlMessage::Type::Pause);
-    Session->SetRateLimit(p_Message.BytesPerSecond);
-    if (p_Message.BytesPerSecond == 0)
-        Output.ShowNotice({NoticeKind::RateUnlimited});
-    else
-        Output.ShowNotice({NoticeKind::RateLimited, ByteText(p_Message.BytesPerSecond)});
-}
-
 void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
-    Control.reset();
     if (Chosen.Request.Kind == RunRequest::Type::PreviewUninstall && !p_Result.Problem) {
         if (ConfirmDeletion(p_Result))
             StartRun();
@@ -215,23 +183,10 @@ void Program::OnEndRequested()
 
 void Program::OnToggleRequested()
 {
-    SetPaused(!IsPaused);
-}
-
-void Program::SetPaused(bool p_Paused)
-{
-    if (!IsRunning)
-        return;
-    if (Control && p_Paused == IsHeld)
-        Control->TellPause(p_Paused); // as it is already
-    if (p_Paused == IsPaused)
-        return;
-    IsPaused = p_Paused;
-    IsHeld = false; // until the module says so
-    if (IsPaused)
-        Session->Pause();
-    else
+    if (Session->IsPaused())
         Session->Continue();
+    else
+        Session->Pause();
 }
 
 void Program::Fail(Failure const& p_Failure)

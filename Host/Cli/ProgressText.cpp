@@ -145,6 +145,12 @@ QString Duration(qint64 p_Seconds)
     return QStringLiteral("%1:%2:%3").arg(hours).arg(minutes, 2, 10, QLatin1Char('0')).arg(seconds);
 }
 
+QString Percent(RunSnapshot const& p_Snapshot)
+{
+    int const permille = Permille(p_Snapshot);
+    return permille < 0 ? QString() : QStringLiteral("%1 %").arg(permille / 10);
+}
+
 QString Line(RunSnapshot const& p_Snapshot)
 {
     QString line = PhaseText(p_Snapshot.Phase);
@@ -171,7 +177,7 @@ QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode)
 
     QString const phase = PhaseText(p_Snapshot.Phase);
     int const permille = Permille(p_Snapshot);
-    QString const percent = QStringLiteral("%1 %").arg(permille / 10);
+    QString const percent = Percent(p_Snapshot);
     if (p_Snapshot.Wait)
         return WaitBar(p_Snapshot, permille < 0 ? QString() : percent + QStringLiteral("  "),
                        p_Width);

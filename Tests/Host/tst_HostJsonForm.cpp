@@ -1,9 +1,9 @@
 #include "Host/Cli/ConfigCommand.hpp"
-#include "Host/Cli/JsonPresenter.hpp"
 #include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Jobs/RunPhase.hpp"
+#include "Host/Core/Session/ControlLine.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -174,7 +174,7 @@ namespace {
 /// As the line that it becomes.
 QJsonObject Line(Host::RunSnapshot const& p_Snapshot)
 {
-    QJsonObject line = Host::JsonPresenter::Progress(p_Snapshot);
+    QJsonObject line = Host::ControlLine::ObjectOf(p_Snapshot);
     line["type"] = "progress";
     line["time"] = "now";
     return line;

@@ -1,3 +1,4 @@
+#include "Host/Core/Session/ControlLine.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -210,6 +211,21 @@ void HostSessionTest::AVerificationIsShownInBytes()
     QCOMPARE(game.Snapshots.back().BytesTotal, quint64(c_Bytes + others));
     QCOMPARE(game.End(), QString("files-wrong"));
     QCOMPARE(FaultOf(game.Snapshots), QString());
+    // The bytes are there when the file is, and not before.
+    auto const count = [&](auto const& p_Is) {
+        return std::count_if(game.Snapshots.begin(), game.Snapshots.end(), p_Is);
+    };
+    quint64 most = 0;
+    for (RunSnapshot const& shown : game.Snapshots)
+        if (shown.File == "readme.txt")
+            most = shown.BytesDone;
+    auto const within = count([&](RunSnapshot const& p_Shown) {
+        return p_Shown.File == "readme.txt" && p_Shown.BytesDone < most;
+    });
+    auto const behind = count([&](RunSnapshot const& p_Shown) {
+        return p_Shown.File == "readme.txt" && p_Shown.BytesDone == most;
+    });
+    QVERIFY2(behind * 3 < within, qPrintable(QString("%1, %2").arg(behind).arg(within)));
 }
 
 void HostSessionTest::AComparisonIsShownInBytes_data()
@@ -305,10 +321,20 @@ void HostSessionTest::ARequestDuringARunIsRefused()
     quint64 const refused = game.Session().Start(other);
     QCOMPARE(game.End(), QString("session-busy"));
     QCOMPARE(game.EndedIds, std::vector<quint64>{refused});
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(1000));
     game.Server.OpenGate(version);
+    QVERIFY(game.WaitForPart("Data/base.MPQ", 1000));
+    QString const socket = Host::ControlLine::SocketOf(game.Folder);
+    QVERIFY(QFile::exists(socket));
+    game.Session().Start(other);
     QVERIFY(game.WaitUntil([&] { return game.Results.size() == 2; }));
+    QVERIFY(QFile::exists(socket)); // the run goes on, and is found
+    game.Server.OpenGate(path);
+    QVERIFY(game.WaitUntil([&] { return game.Results.size() == 3; }));
+    QVERIFY(!QFile::exists(socket));
     QVERIFY(!game.Result().Problem);
-    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused - 1}));
+    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused + 1, refused - 1}));
     QCOMPARE(game.Wrong(), QStringList());
 }
 

@@ -139,6 +139,9 @@ public:
         {FailureKind::NothingRunning, 1, "nothing-running",
          QT_TR_NOOP("no download is under way with the settings {s}"),
          QT_TR_NOOP("start one first")},
+        {FailureKind::RunLost, 1, "run-lost",
+         QT_TR_NOOP("the program that downloads into {s} has ended without a word"),
+         QT_TR_NOOP("\"update\" goes on with the download")},
         {FailureKind::OptionUnknown, 2, "option-unknown", QT_TR_NOOP("there is no setting \"{s}\""),
          "{d}"},
         {FailureKind::OptionInvalid, 2, "option-invalid",
@@ -200,6 +203,14 @@ QVector<FailureKind> Failure::Kinds()
     for (FailureRow const& row : FailureTable::c_Rows)
         kinds.append(row.Kind);
     return kinds;
+}
+
+FailureKind Failure::Named(QString const& p_Identifier)
+{
+    auto const row = std::find_if(
+        std::begin(FailureTable::c_Rows), std::end(FailureTable::c_Rows),
+        [&](FailureRow const& p_Row) { return p_Identifier == QLatin1String(p_Row.Identifier); });
+    return row == std::end(FailureTable::c_Rows) ? FailureKind::Other : row->Kind;
 }
 
 } // namespace Varnholt::Host

@@ -196,11 +196,14 @@ std::optional<Failure> Job::LockFolder(QString const& p_Folder)
 {
     Lock = std::make_unique<FolderLock>(p_Folder);
     auto failure = Lock->Take();
-    if (failure)
+    if (failure) {
         Lock.reset();
-    else if (auto const warning = Lock->Warning())
+        return failure;
+    }
+    if (auto const warning = Lock->Warning())
         NoticeOnce(*warning);
-    return failure;
+    Q_EMIT FolderTaken(p_Folder);
+    return std::nullopt;
 }
 
 void Job::RemoveLockFile()

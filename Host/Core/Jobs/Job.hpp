@@ -73,6 +73,8 @@ public:
 
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
+    /// The run keeps this folder to itself until its end.
+    void FolderTaken(QString p_Folder);
     /// Something went wrong that the run goes on after.
     void Noticed(Notice p_Notice);
     void Ended(RunResult p_Result);

@@ -56,6 +56,14 @@ QString PhaseName(RunPhase p_Phase)
     return QString::fromLatin1(RowOf(p_Phase).Name);
 }
 
+RunPhase PhaseNamed(QString const& p_Name)
+{
+    auto const* const row =
+        std::find_if(std::begin(PhaseTable::c_Rows), std::end(PhaseTable::c_Rows),
+                     [&](PhaseRow const& p_Row) { return p_Name == QLatin1String(p_Row.Name); });
+    return row == std::end(PhaseTable::c_Rows) ? RunPhase::Idle : row->Phase;
+}
+
 QString PhaseText(RunPhase p_Phase)
 {
     return PhaseTable::tr(RowOf(p_Phase).Text);

@@ -3,6 +3,7 @@
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/Jobs/JobTable.hpp"
 #include "Host/Core/Module/HostCallbacks.hpp"
+#include "Host/Core/Session/RunFollower.hpp"
 
 #include <QDir>
 #include <QLocale>
@@ -132,6 +133,8 @@ void ModuleHost::ReadStatus()
         status.PendingBase = PendingCount(status.Folder + Launcher::PendingList::c_Base);
         status.PendingStreamed = PendingCount(status.Folder + Launcher::PendingList::c_Streamed);
     }
+    if (status.FolderExists && !Current)
+        status.Download = RunFollower::Look(status.Folder);
     Q_EMIT StatusRead(status);
 }
 
@@ -148,6 +151,9 @@ void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
     connect(Current.get(), &Job::Progressed, this, &ModuleHost::Progressed);
     connect(Current.get(), &Job::Noticed, this, &ModuleHost::Noticed);
     connect(Current.get(), &Job::Ended, this, &ModuleHost::OnEnded);
+    if (Current->Is(Job::CanPause))
+        connect(Current.get(), &Job::FolderTaken, this,
+                [this, p_Id](QString const& p_Folder) { Q_EMIT FolderTaken(p_Id, p_Folder); });
     Current->Begin();
 }
 

@@ -51,6 +51,8 @@ Q_SIGNALS:
     void Loaded(ModuleInfo p_Info);
     void LoadFailed(Failure p_Failure);
     void StatusRead(InstallStatus p_Status);
+    /// A run that can be paused keeps a folder to itself.
+    void FolderTaken(quint64 p_Id, QString p_Folder);
     void Progressed(RunSnapshot p_Snapshot);
     void Noticed(Notice p_Notice);
     void Ended(quint64 p_Id, RunResult p_Result);
