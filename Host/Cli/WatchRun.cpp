@@ -31,8 +31,6 @@ int WatchRun::Run()
 void WatchRun::OnEnded(RunResult const& p_Result, QString const& p_Game)
 {
     Output.ShowResult(RunRequest(), p_Result, p_Game); // of an update, as it was one
-    if (p_Result.Problem)
-        Output.ShowFailure(*p_Result.Problem);
     QCoreApplication::exit(p_Result.Problem ? p_Result.Problem->ExitStatus() : EXIT_SUCCESS);
 }
 
