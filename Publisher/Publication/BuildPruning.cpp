@@ -128,7 +128,7 @@ void BuildPruning::RemoveContent(QSet<QString> const& p_Used)
         QDirIterator files(path, QDir::Files);
         while (files.hasNext()) {
             QString const file = files.next();
-            QString const location = folder.relativeFilePath(file);
+            QString const location = QStringLiteral("files/%1/%2").arg(name, files.fileName());
             if (p_Used.contains(location) || !IsContent(location))
                 continue;
             ++Summary.ContentFiles;

@@ -4,6 +4,7 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
@@ -40,6 +41,7 @@ class BuildPruningTest : public QObject {
 private Q_SLOTS:
     void KeepsTheNewestBuilds();
     void RemovesNamedBuilds();
+    void ARelativeFolderIsTheSame();
     void WhatIsOnOfferStays();
     void ABuildOnOfferCannotBeNamed();
     void AnUnknownBuildRemovesNothing();
@@ -88,6 +90,18 @@ void BuildPruningTest::RemovesNamedBuilds()
     QVERIFY(game.IsWhole(4));
     QVERIFY(!game.HasOwn(1));
     QVERIFY(!game.HasOwn(3));
+}
+
+void BuildPruningTest::ARelativeFolderIsTheSame()
+{
+    BuildSeries game(3);
+    ScopedCurrentFolder const inside(game.Temporary.path());
+    game.Options.Output = "output";
+    PruneSummary const summary = BuildPruning(Keep(game, 1)).Run();
+    QCOMPARE(summary.Builds.size(), 2);
+    QCOMPARE(summary.ContentFiles, 2);
+    QVERIFY(!game.HasOwn(1));
+    QVERIFY(game.IsWhole(3));
 }
 
 void BuildPruningTest::WhatIsOnOfferStays()
