@@ -67,9 +67,9 @@ PublicationSummary Publication::Run()
     std::vector<BuildFile> files = SourceListing::PublishedFiles(Options.Source, rules);
     SourceListing::CheckGameExecutable(Options, files, Observer);
 
-    // A run that may turn out to change nothing does not touch the tree before.
+    // What is planned with the tree must hold until it is done: nobody else changes it meanwhile.
     std::unique_ptr<TreeTransaction> tree;
-    if (!Options.DryRun && !Options.IfChanged)
+    if (!Options.DryRun)
         tree = std::make_unique<TreeTransaction>(Options.Output);
     Hash(files);
     PublicationPlan const plan(Options, rules, files);
@@ -77,13 +77,10 @@ PublicationSummary Publication::Run()
     if (Options.IfChanged)
         Summary.UnchangedBuild = plan.UnchangedBuild(rules, files);
     if (Summary.UnchangedBuild.isNull()) {
-        if (Options.DryRun) {
-            Summary.WouldWrite = plan.TreeFiles();
-        } else {
-            if (!tree)
-                tree = std::make_unique<TreeTransaction>(Options.Output);
+        if (tree)
             Write(plan, files, *tree);
-        }
+        else
+            Summary.WouldWrite = plan.TreeFiles();
     }
     Summary.Milliseconds = timer.elapsed();
     return Summary;

@@ -15,6 +15,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Enough for any text that has to be written when the disk is full.
+constexpr int c_SpareBytes = 64 * 1024;
+
 void WriteFile(QString const& p_Path, QByteArray const& p_Content)
 {
     QFile file(p_Path);
@@ -24,11 +27,21 @@ void WriteFile(QString const& p_Path, QByteArray const& p_Content)
         throw Failure(p_Path + QStringLiteral(": cannot be written: ") + file.errorString());
 }
 
+/// Needs no more room than the file has. \return false when that is too little, or none
+bool WriteInto(QString const& p_Path, QByteArray const& p_Content)
+{
+    QFile file(p_Path);
+    return file.size() >= p_Content.size() &&
+           file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) &&
+           file.write(p_Content) == p_Content.size() && file.resize(p_Content.size());
+}
+
 } // namespace
 
 TreeTransaction::TreeTransaction(QString const& p_Root)
     : Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
     , Staging(TreeMark(Root).PrivatePath(QStringLiteral("new")))
+    , Spare(TreeMark(Root).PrivatePath(QStringLiteral("spare")))
     , Lock(Root)
 {
     try {
@@ -51,12 +64,12 @@ void TreeTransaction::Open()
     Lock.Take();
     // What a run that was killed has left behind.
     QDir(Staging).removeRecursively();
-    if (!QDir().mkdir(Staging))
-        throw Failure(Staging + QStringLiteral(": the folder cannot be made"));
 }
 
 QString TreeTransaction::NewFile()
 {
+    if (!QDir().mkdir(Staging) && !QFileInfo(Staging).isDir())
+        throw Failure(Staging + QStringLiteral(": the folder cannot be made"));
     return Staging + QLatin1Char('/') + QString::number(NewFiles++);
 }
 
@@ -67,9 +80,27 @@ void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
 
 void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
 {
-    QString const file = NewFile();
-    WriteFile(file, p_Content);
-    Add(file, p_Target);
+    try {
+        QString const file = NewFile();
+        WriteFile(file, p_Content);
+        Add(file, p_Target);
+    } catch (Failure const&) {
+        if (SpareTaken || !WriteInto(Spare, p_Content))
+            throw;
+        SpareTaken = true;
+        Add(Spare, p_Target);
+    }
+}
+
+void TreeTransaction::KeepSpare() const
+{
+    if (QFileInfo(Spare).size() >= c_SpareBytes)
+        return;
+    try {
+        WriteFile(Spare, QByteArray(c_SpareBytes, ' '));
+    } catch (Failure const&) {
+        // A part of it serves as well as far as it goes.
+    }
 }
 
 void TreeTransaction::Commit()
@@ -82,8 +113,9 @@ void TreeTransaction::Commit()
     }
     Committed = true;
     QDir(Staging).removeRecursively();
-    Lock.Release();
+    KeepSpare();
     StorageSync(Root);
+    Lock.Release();
 }
 
 void TreeTransaction::Perform(Move& p_Move)
@@ -127,7 +159,8 @@ void TreeTransaction::Undo()
     // Without the lock the folder of new files is another run's.
     if (Lock.IsTaken()) {
         QDir(Staging).removeRecursively();
-        Lock.Release();
+        if (!TreeMark(Root).IsThere())
+            Lock.Remove();
     }
     for (auto folder = MadeFolders.rbegin(); folder != MadeFolders.rend(); ++folder)
         QDir().rmdir(*folder);

@@ -16,6 +16,8 @@ namespace Varnholt::Publisher {
 /// New files are written in a folder of their own inside the tree and moved to their places by
 /// `Commit()`, in the order in which they were added. Until `Commit()` has returned, the destructor
 /// takes everything back. Only one transaction at a time can be open on a tree.
+///
+/// A spare file in the tree takes the place of a new small file when its disk is full.
 class TreeTransaction {
 public:
     /// \param p_Root the tree; created when it does not exist
@@ -26,6 +28,7 @@ public:
     TreeTransaction& operator=(TreeTransaction const&) = delete;
 
     /// A name for a new file, on the tree's file system. Any thread.
+    /// \throws Failure
     QString NewFile();
 
     /// Moves a file that was written under a `NewFile()` name to p_Target when committing; an
@@ -49,12 +52,15 @@ private:
 
     void Open();
     void MakeFolder(QString const& p_Folder);
+    void KeepSpare() const;
     void Perform(Move& p_Move);
     void Undo();
     void Undo(Move const& p_Move);
 
     QString Root;
     QString Staging;
+    QString Spare;
+    bool SpareTaken = false;
     TreeLock Lock;
     std::atomic<quint64> NewFiles{0};
     std::vector<Move> Moves;

@@ -1,6 +1,7 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 
 #include "Publisher/Publication/Publication.hpp"
+#include "Publisher/Tree/TreeMark.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
@@ -36,6 +37,13 @@ Tree TreeOf(QString const& p_Folder)
             tree[path] = ReadFile(entries.filePath());
     }
     return tree;
+}
+
+Tree ForClients(Tree p_Tree)
+{
+    for (auto file = p_Tree.begin(); file != p_Tree.end();)
+        file = Publisher::TreeMark::IsPrivate(file->first) ? p_Tree.erase(file) : std::next(file);
+    return p_Tree;
 }
 
 void TestObserver::PhaseStarted(QString const& p_Name, qint64)
@@ -101,10 +109,7 @@ QString PublishedGame::FailureSentence()
 
 Tree PublishedGame::Published() const
 {
-    Tree tree = TreeOf(Options.Output);
-    tree.erase(".varnholt-publish.tree");
-    tree.erase(IndexName());
-    return tree;
+    return ForClients(TreeOf(Options.Output));
 }
 
 void PublishedGame::Age() const

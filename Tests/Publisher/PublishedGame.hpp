@@ -18,6 +18,8 @@ namespace Varnholt::TestSupport {
 /// What lies below a folder: contents by relative path. Folders end in "/" and have none.
 using Tree = std::map<QString, QByteArray>;
 Tree TreeOf(QString const& p_Folder);
+/// Without what the publisher keeps for itself.
+Tree ForClients(Tree p_Tree);
 
 /// Calls what a test has set and keeps the warnings.
 class TestObserver : public Publisher::PublicationObserver {
@@ -52,7 +54,7 @@ public:
 
     QString SourcePath(QString const& p_Path) const { return Options.Source + '/' + p_Path; }
     QString OutputPath(QString const& p_Path) const { return Options.Output + '/' + p_Path; }
-    /// The published tree, without what the publisher notes down for itself.
+    /// The published tree, without what the publisher keeps for itself.
     Tree Published() const;
     QString IndexName() const { return ".varnholt-publish." + Options.AppId + ".index"; }
     /// Makes every source file an hour old: a file that was just written is not indexed.

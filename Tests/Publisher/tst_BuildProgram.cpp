@@ -28,9 +28,12 @@ QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {
     return QFile::resize(p_Game.SourcePath("endless"), Q_INT64_C(200'000'000'000));
 }
 
-bool IsAtWork(PublishedGame const& p_Game)
+/// Waits until a run has the tree.
+bool IsAtWork(PublishedGame const& p_Game, ProgramRun const& p_Run)
 {
-    return QFileInfo::exists(p_Game.OutputPath(".varnholt-publish.new"));
+    QByteArray const name = "process " + QByteArray::number(p_Run.Id()) + " on ";
+    return QTest::qWaitFor([&] { return p_Game.Read(".varnholt-publish.lock").contains(name); },
+                           60000);
 }
 
 } // namespace
@@ -295,7 +298,7 @@ void BuildProgramTest::AnInterruptionPublishesNothing()
     Tree const before = game.Published();
     QVERIFY(PutEndlessFile(game));
     ProgramRun run(Arguments(game).replaceInStrings("build_1", "build_2"));
-    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    QVERIFY(IsAtWork(game, run));
     run.Signal(signal);
     ProgramResult const result = run.Finish();
     QCOMPARE(result.Status, 128 + signal);
@@ -309,20 +312,18 @@ void BuildProgramTest::AKilledRunDoesNotStopTheNext()
     PublishedGame game;
     QVERIFY(PutEndlessFile(game));
     ProgramRun run(Arguments(game));
-    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    QVERIFY(IsAtWork(game, run));
     ProgramResult const second = RunProgram(Arguments(game));
     QCOMPARE(second.Status, 1);
     QVERIFY2(second.Errors.contains(": another run is publishing there"),
              second.Errors.constData());
     run.Signal(SIGKILL);
     QCOMPARE(run.Finish().Status, -1);
-    QVERIFY(IsAtWork(game));
     QVERIFY(game.Read("pelmora_app/version.json").isNull());
     QVERIFY(QFile::remove(game.SourcePath("endless")));
     ProgramResult const next = RunProgram(Arguments(game));
     QCOMPARE(next.Errors, QByteArray());
     QCOMPARE(next.Status, 0);
-    QVERIFY(!IsAtWork(game));
 }
 
 } // namespace Varnholt::TestSupport

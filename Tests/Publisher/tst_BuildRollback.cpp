@@ -1,10 +1,13 @@
+#include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/SmallVolume.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QProcess>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
@@ -24,6 +27,7 @@ private Q_SLOTS:
     void WhatIsNotAWholeBuildIsRefused();
     void AFolderOfOthersIsRefused();
     void ARunOfAnotherIsNotDisturbed();
+    void AFullDiskHindersNeitherRollbackNorPruning();
     void TheCatalogIsInTheOrderOfPublication();
     void TheCatalogKnowsSizesAndChannels();
 };
@@ -127,6 +131,26 @@ void BuildRollbackTest::ARunOfAnotherIsNotDisturbed()
                 RollBack(options);
             }).Sentence.startsWith(game.Options.Output + ": another run is publishing there ("));
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
+}
+
+void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()
+{
+    BuildSeries game(3);
+    QString const output = game.Temporary.filePath("volume");
+    SmallVolume const volume(output, "1m");
+    if (!volume.IsMounted())
+        QSKIP("this user cannot mount a volume");
+    QCOMPARE(QProcess::execute("cp", {"-a", game.Options.Output + "/.", output}), 0);
+    game.Options.Output = output;
+    VolumeFiller const filler(output + "/filler");
+    QVERIFY(filler.IsFull());
+    for (int const build : {1, 2, 1})
+        RollBack({output, "pelmora_app", BuildSeries::Name(build), false});
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
+    Publisher::PruneOptions const two{output, "pelmora_app", {}, {"build_2"}, false};
+    QCOMPARE(Publisher::BuildPruning(two).Run().ContentFiles, 1);
+    QVERIFY(game.IsWhole(1));
+    QVERIFY(!game.Catalog().Has("build_2"));
 }
 
 void BuildRollbackTest::TheCatalogIsInTheOrderOfPublication()

@@ -279,8 +279,7 @@ void PublicationTest::RemainsOfAKilledRunAreRemoved()
     PublishedGame game;
     QVERIFY(WriteFile(game.OutputPath(".varnholt-publish.new/17"), "half a file"));
     game.Publish();
-    for (auto const& [path, content] : game.Published())
-        QVERIFY2(!path.startsWith('.'), qPrintable(path));
+    QCOMPARE(game.Read(".varnholt-publish.new/17"), QByteArray());
 }
 
 void PublicationTest::WarnsOfAGameThatClientsCannotStart()

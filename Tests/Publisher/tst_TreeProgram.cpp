@@ -227,7 +227,7 @@ void TreeProgramTest::AnUnchangedSourceIsNoFailure()
 {
     PublishedGame const game;
     QCOMPARE(RunProgram(Build(game, "build_1", {"--if-changed"})).Status, 0);
-    Tree const before = TreeOf(game.Options.Output);
+    Tree const before = game.Published();
     ProgramResult const result = RunProgram(Build(game, "build_2", {"--if-changed"}));
     QCOMPARE(result.Status, 0);
     QVERIFY2(result.Output.startsWith("Nothing to publish: build build_1 in "),
@@ -238,7 +238,7 @@ void TreeProgramTest::AnUnchangedSourceIsNoFailure()
     QCOMPARE(objects[0]["build"].toString(), QString("build_1"));
     QCOMPARE(objects[0]["unchanged"].toBool(), true);
     QCOMPARE(objects[0]["published"].toBool(true), false);
-    QCOMPARE(TreeOf(game.Options.Output), before);
+    QCOMPARE(game.Published(), before);
 }
 
 void TreeProgramTest::TheIndexIsUsedAndIgnored()

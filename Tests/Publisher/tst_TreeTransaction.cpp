@@ -1,4 +1,5 @@
 #include "Publisher/Source/ParallelFor.hpp"
+#include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
@@ -27,7 +28,9 @@ private Q_SLOTS:
     void AFailedCommitBringsBackWhatWasReplaced();
     void AFailedCommitRemovesTheFoldersItMade();
     void ASecondTransactionIsRefusedAndHarmsNothing();
+    void TheLockOfADeadProgramKeepsNobodyOut_data();
     void TheLockOfADeadProgramKeepsNobodyOut();
+    void ATreeIsLockedByOneFileThatStays();
     void AFolderThatCannotBeLockedIsNamed();
     void NewFilesHaveNamesOfTheirOwn();
 
@@ -56,7 +59,7 @@ void TreeTransactionTest::CommitPutsEverythingInPlace()
     tree.Commit();
     Tree const expected{
         {"a/", {}}, {"a/b/", {}}, {"a/b/written", "written"}, {"a/text", "text"}, {"old", "new"}};
-    QCOMPARE(TreeOf(Root), expected);
+    QCOMPARE(ForClients(TreeOf(Root)), expected);
 }
 
 void TreeTransactionTest::NothingIsSeenBeforeTheCommit()
@@ -114,22 +117,48 @@ void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
     TreeTransaction tree(Root);
     tree.AddText("text", Path("text"));
     QCOMPARE(FailureOf([this] { TreeTransaction const other(Root); }).Sentence,
-             Root + QString(": another run is publishing there (tst_Publisher, process %1)")
-                        .arg(QCoreApplication::applicationPid()));
+             Root + QString(": another run is publishing there (tst_Publisher, process %1 on %2)")
+                        .arg(QCoreApplication::applicationPid())
+                        .arg(QSysInfo::machineHostName()));
     QVERIFY(QFile::exists(Path(".varnholt-publish.lock")));
     tree.Commit();
-    QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+    QCOMPARE(ForClients(TreeOf(Root)), (Tree{{"text", "text"}}));
     QCOMPARE(FailureOf([this] { TreeTransaction const next(Root); }).Sentence, QString());
+}
+
+void TreeTransactionTest::TheLockOfADeadProgramKeepsNobodyOut_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    QTest::newRow("made and not written") << QByteArray("");
+    QTest::newRow("of another machine") << QByteArray("varnholt-publish, process 1 on elsewhere\n");
 }
 
 void TreeTransactionTest::TheLockOfADeadProgramKeepsNobodyOut()
 {
-    QVERIFY(WriteFile(Path(".varnholt-publish.lock"), "varnholt-publish, process 1\n"));
+    QFETCH(QByteArray, lock);
+    QVERIFY(WriteFile(Path(".varnholt-publish.lock"), lock));
     QVERIFY(WriteFile(Path(".varnholt-publish.new/0"), "remains"));
     TreeTransaction tree(Root);
     tree.AddText("text", Path("text"));
     tree.Commit();
-    QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+    QCOMPARE(ForClients(TreeOf(Root)), (Tree{{"text", "text"}}));
+}
+
+void TreeTransactionTest::ATreeIsLockedByOneFileThatStays()
+{
+    QFileInfo const lock(Path(".varnholt-publish.lock"));
+    QVERIFY(WriteFile(Publisher::TreeMark(Root).Path(), Publisher::TreeMark::Text()));
+    {
+        TreeTransaction const taken(Root);
+        QVERIFY(lock.exists());
+    }
+    QVERIFY(QFile::exists(lock.filePath()));
+    {
+        TreeTransaction again(Root);
+        again.AddText("text", Path("text"));
+        again.Commit();
+    }
+    QVERIFY(QFile::exists(lock.filePath()));
 }
 
 void TreeTransactionTest::AFolderThatCannotBeLockedIsNamed()
