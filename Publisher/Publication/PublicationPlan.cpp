@@ -1,7 +1,6 @@
 #include "Publisher/Publication/PublicationPlan.hpp"
 
 #include "Publisher/Failure.hpp"
-#include "Publisher/Tree/ContentStore.hpp"
 #include "Publisher/Tree/ManifestWriter.hpp"
 
 #include <QFile>
@@ -24,11 +23,11 @@ bool Holds(QString const& p_File, QByteArray const& p_Content)
 } // namespace
 
 PublicationPlan::PublicationPlan(PublishOptions const& p_Options, RuleSet const& p_Rules,
-                                 std::vector<BuildFile> const& p_Files)
+                                 std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
     : Options(p_Options)
     , Tree(p_Options.Output, p_Options.AppId)
 {
-    AddContent(p_Files);
+    AddContent(p_Files, p_Store);
     AddManifest(ManifestWriter::Write(Options.Build, p_Rules.Locales, p_Files, Options.Platform));
     AddServerFiles();
     Version = {Tree.VersionPath(Options.DevChannel), BuildCatalog::VersionText(Options.Build.Id)};
@@ -80,12 +79,11 @@ std::vector<TreeFile> PublicationPlan::TreeFiles() const
     return files;
 }
 
-void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files)
+void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
 {
-    ContentStore const store(Tree.Folder());
     QSet<QString> known;
     for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !store.Holds(file))
+        if (!known.contains(file.Md5) && !p_Store.Holds(file.Md5, file.Source.Size))
             Content.push_back(file);
         known.insert(file.Md5);
     }

@@ -75,21 +75,22 @@ QString TreeTransaction::NewFile()
 
 void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
 {
-    Moves.push_back({p_NewFile, p_Target, std::nullopt, false});
+    Moves.push_back({p_NewFile, p_Target, false, std::nullopt, false, false});
 }
 
 void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
 {
+    QString file = Spare;
     try {
-        QString const file = NewFile();
+        file = NewFile();
         WriteFile(file, p_Content);
-        Add(file, p_Target);
     } catch (Failure const&) {
         if (SpareTaken || !WriteInto(Spare, p_Content))
             throw;
         SpareTaken = true;
-        Add(Spare, p_Target);
+        file = Spare;
     }
+    Moves.push_back({file, p_Target, true, std::nullopt, false, false});
 }
 
 void TreeTransaction::KeepSpare() const
@@ -122,12 +123,12 @@ void TreeTransaction::Perform(Move& p_Move)
 {
     MakeFolder(QFileInfo(p_Move.Target).path());
     QFileInfo const target(p_Move.Target);
-    if (target.exists()) {
-        QFile file(p_Move.Target);
-        if (!target.isFile() || !file.open(QIODevice::ReadOnly))
-            throw Failure(p_Move.Target + QStringLiteral(": is not a file that can be replaced"));
+    p_Move.Existed = target.exists();
+    QFile file(p_Move.Target);
+    if (p_Move.Existed && (!target.isFile() || !file.open(QIODevice::ReadOnly)))
+        throw Failure(p_Move.Target + QStringLiteral(": is not a file that can be replaced"));
+    if (p_Move.Existed && p_Move.IsText)
         p_Move.Replaced = file.readAll();
-    }
     std::error_code error;
     fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);
     if (error) {
@@ -169,10 +170,10 @@ void TreeTransaction::Undo()
 void TreeTransaction::Undo(Move const& p_Move)
 {
     std::error_code error;
-    if (!p_Move.Replaced) {
-        fs::remove(NativePath::From(p_Move.Target), error);
+    if (!p_Move.Existed) // goes back, where the next run may find it
+        fs::rename(NativePath::From(p_Move.Target), NativePath::From(p_Move.NewFile), error);
+    if (!p_Move.Replaced)
         return;
-    }
     try {
         WriteFile(p_Move.NewFile, *p_Move.Replaced);
         fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);

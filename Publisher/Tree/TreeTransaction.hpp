@@ -32,10 +32,10 @@ public:
     QString NewFile();
 
     /// Moves a file that was written under a `NewFile()` name to p_Target when committing; an
-    /// existing file there is replaced in one step.
+    /// existing file there is replaced in one step and not brought back.
     void Add(QString const& p_NewFile, QString const& p_Target);
 
-    /// The same for a small file with the given content.
+    /// The same for a small file with the given content; the one that it replaces comes back.
     void AddText(QByteArray const& p_Content, QString const& p_Target);
 
     /// Everything is on disk before the last added file is moved.
@@ -46,7 +46,9 @@ private:
     struct Move {
         QString NewFile;
         QString Target;
-        std::optional<QByteArray> Replaced; ///< content that the target had
+        bool IsText = false;
+        std::optional<QByteArray> Replaced; ///< text that the target had
+        bool Existed = false;
         bool Done = false;
     };
 

@@ -52,8 +52,9 @@ void TestObserver::PhaseStarted(QString const& p_Name, qint64)
         OnPhase(p_Name);
 }
 
-void TestObserver::BytesRead(qint64)
+void TestObserver::BytesRead(qint64 p_Bytes)
 {
+    Bytes += p_Bytes;
     if (OnBytes)
         OnBytes();
 }

@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <atomic>
 #include <functional>
 #include <map>
 
@@ -31,6 +32,7 @@ public:
     std::function<void(QString const& p_Phase)> OnPhase;
     std::function<void()> OnBytes; ///< on any thread
     QStringList Warnings;
+    std::atomic<qint64> Bytes{0}; ///< read so far
 };
 
 /// A source folder that holds the game's executable, rules that say so, and a tree to publish in.

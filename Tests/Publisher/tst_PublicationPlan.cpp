@@ -25,7 +25,7 @@ QStringList PathsOf(PublicationSummary const& p_Summary)
 /// The times of everything that clients see.
 std::map<QString, QDateTime> TimesOf(QString const& p_Folder)
 {
-    std::map<QString, QDateTime> times{{"", QFileInfo(p_Folder).lastModified()}};
+    std::map<QString, QDateTime> times;
     for (auto const& [path, content] : ForClients(TreeOf(p_Folder)))
         times[path] = QFileInfo(p_Folder + '/' + path).lastModified();
     return times;
