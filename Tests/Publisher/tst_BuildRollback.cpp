@@ -25,6 +25,8 @@ private Q_SLOTS:
     void ADamagedVersionFileIsReplaced();
     void WhatIsNotAWholeBuildIsRefused_data();
     void WhatIsNotAWholeBuildIsRefused();
+    void ADamagedBuildIsRefused_data();
+    void ADamagedBuildIsRefused();
     void AFolderOfOthersIsRefused();
     void ARunOfAnotherIsNotDisturbed();
     void AFullDiskHindersNeitherRollbackNorPruning();
@@ -88,9 +90,8 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused_data()
     QTest::newRow("without a content file")
         << "build_1"
         << "pelmora_app" << own
-        << "build_1/info.json: the build build_1 is not complete: 1 content files are missing, "
-           "the first is " +
-               own.mid(12);
+        << "build_1/info.json: the build build_1 is not whole: 1 content files are missing or "
+           "damaged, the first is ";
 }
 
 void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
@@ -109,6 +110,27 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
     QVERIFY(failure.Sentence.startsWith(game.Options.Output));
     QCOMPARE(failure.ExitStatus, Publisher::Failure::c_Other);
     QCOMPARE(game.Published(), before);
+}
+
+void BuildRollbackTest::ADamagedBuildIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("of a wrong size") << BuildSeries::Own(1).left(3);
+    QTest::newRow("of wrong bytes") << BuildSeries::Own(1).toUpper();
+}
+
+void BuildRollbackTest::ADamagedBuildIsRefused()
+{
+    QFETCH(QByteArray, content);
+    BuildSeries const game(2);
+    QVERIFY(WriteFile(game.OutputPath(BuildSeries::OwnPath(1)), content));
+    RollbackOptions options{game.Options.Output, "pelmora_app", "build_1", false};
+    QString const sentence = FailureOf([&] { RollBack(options); }).Sentence;
+    QVERIFY2(sentence.contains(QString(" (own): the MD5 of its %1 bytes").arg(content.size())),
+             qPrintable(sentence));
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
+    options.Quick = true;
+    QCOMPARE(RollBack(options), QString("build_2"));
 }
 
 void BuildRollbackTest::AFolderOfOthersIsRefused()
