@@ -2,8 +2,8 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Tree/StorageSync.hpp"
-#include "Publisher/Tree/TreeLock.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 
 #include <QDir>
 #include <QDirIterator>
@@ -40,9 +40,9 @@ BuildPruning::BuildPruning(PruneOptions const& p_Options)
 PruneSummary BuildPruning::Run()
 {
     TreeMark(Options.Output).CheckIsTree();
-    TreeLock lock(Options.Output);
+    std::optional<TreeTransaction> tree;
     if (!Options.DryRun)
-        lock.Take();
+        tree.emplace(Options.Output);
     Summary = PruneSummary();
     Summary.Builds = Chosen();
     QStringList kept = Catalog.Builds();
@@ -52,7 +52,8 @@ PruneSummary BuildPruning::Run()
 
     // Before anything goes: a manifest that cannot be read does not tell what it uses.
     QSet<QString> const used = ContentOf(kept);
-    if (!Options.DryRun) {
+    if (tree) {
+        Note(*tree);
         for (QString const& build : qAsConst(Summary.Builds))
             RemoveBuild(build);
         // Else a power failure could bring back a manifest whose content is gone.
@@ -108,6 +109,22 @@ QSet<QString> BuildPruning::ContentOf(QStringList const& p_Builds) const
     for (QString const& build : p_Builds)
         content.unite(Catalog.Read(build).Content);
     return content;
+}
+
+/// First of all: the name of a build that is gone must not come to stand for another.
+void BuildPruning::Note(TreeTransaction& p_Tree) const
+{
+    BuildRecord record = Catalog.Record();
+    record.SetOrder(Catalog.Builds());
+    for (QString const& build : Summary.Builds) {
+        QFile manifest(Catalog.ManifestPath(build));
+        if (!manifest.open(QIODevice::ReadOnly))
+            throw Failure(manifest.fileName() + QStringLiteral(": cannot be read: ") +
+                          manifest.errorString());
+        record.Remove(build, manifest.readAll());
+    }
+    p_Tree.AddText(record.Text(), record.Path());
+    p_Tree.Commit();
 }
 
 void BuildPruning::RemoveBuild(QString const& p_Build) const

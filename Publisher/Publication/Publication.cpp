@@ -206,6 +206,8 @@ void Publication::Write(PublicationPlan const& p_Plan, TreeTransaction& p_Tree)
     StageRest(p_Plan.Content);
     for (BuildFile const& file : p_Plan.Content)
         p_Tree.Add(Staging.PathOf(file.Md5), Store.PathOf(file.Md5));
+    if (!p_Plan.Manifest.empty())
+        p_Tree.AddText(p_Plan.Record.Content, p_Plan.Record.Target);
     for (PublicationPlan::Text const& text : p_Plan.Manifest)
         p_Tree.AddText(text.Content, text.Target);
     for (PublicationPlan::Text const& text : p_Plan.ServerFiles)

@@ -93,6 +93,16 @@ void PublicationPlan::AddManifest(QByteArray const& p_Manifest)
 {
     QString const path = Tree.ManifestPath(Options.Build.Id);
     if (!QFileInfo(path).isFile()) {
+        BuildRecord record = Tree.Record();
+        if (record.MayBeCached(Options.Build.Id, p_Manifest)) {
+            throw Failure(QStringLiteral("%1: another build of this name was removed less than %2 "
+                                         "days ago and may be held by caches: choose another "
+                                         "--build")
+                              .arg(path)
+                              .arg(BuildRecord::c_CachedDays));
+        }
+        record.SetOrder(Tree.Builds() + QStringList(Options.Build.Id));
+        Record = {record.Path(), record.Text()};
         Manifest.push_back({path, p_Manifest});
         return;
     }

@@ -35,6 +35,7 @@ public:
 
     /// Files whose content is not there yet, one for each content.
     std::vector<BuildFile> Content;
+    Text Record;                   ///< of the builds' order, for the publisher, with `Manifest`
     std::vector<Text> Manifest;    ///< none when the build is there already
     std::vector<Text> ServerFiles; ///< those that change
     Text Version;

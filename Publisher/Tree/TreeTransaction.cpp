@@ -116,7 +116,6 @@ void TreeTransaction::Commit()
     QDir(Staging).removeRecursively();
     KeepSpare();
     StorageSync(Root);
-    Lock.Release();
 }
 
 void TreeTransaction::Perform(Move& p_Move)

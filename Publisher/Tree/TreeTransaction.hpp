@@ -38,7 +38,7 @@ public:
     /// The same for a small file with the given content; the one that it replaces comes back.
     void AddText(QByteArray const& p_Content, QString const& p_Target);
 
-    /// Everything is on disk before the last added file is moved.
+    /// Everything is on disk before the last added file is moved. The tree stays locked.
     /// \throws Failure, after which the destructor takes everything back
     void Commit();
 

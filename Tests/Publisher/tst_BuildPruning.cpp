@@ -54,6 +54,7 @@ private Q_SLOTS:
     void AFolderOfOthersIsRefused();
     void ARunOfAnotherIsNotDisturbed();
     void WhatWasRemovedCanBePublishedAgain();
+    void ARemovedNameIsNotGivenToAnotherBuild();
 };
 
 void BuildPruningTest::KeepsTheNewestBuilds()
@@ -251,7 +252,29 @@ void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()
     game.Put("own", BuildSeries::Own(1));
     QCOMPARE(game.Publish("build_1").NewContentFiles, 1);
     QVERIFY(game.IsWhole(1));
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_2", "build_1"}));
     QCOMPARE(game.Catalog().BuildOn(false), QString("build_1"));
+}
+
+void BuildPruningTest::ARemovedNameIsNotGivenToAnotherBuild()
+{
+    BuildSeries game(2);
+    BuildPruning(Keep(game, 1)).Run();
+    game.Put("own", "of neither");
+    Tree const before = game.Published();
+    game.Options.Build.Id = "build_1";
+    QCOMPARE(game.FailureSentence(),
+             game.Manifest(1) + ": another build of this name was removed less than 30 days ago "
+                                "and may be held by caches: choose another --build");
+    QCOMPARE(game.Published(), before);
+    // No cache holds it any more.
+    QString const record = game.OutputPath(".varnholt-publish.pelmora_app.builds");
+    QByteArray text = ReadFile(record);
+    QDateTime const now = QDateTime::currentDateTimeUtc();
+    text.replace(now.toString("yyyy-MM-dd").toLatin1(),
+                 now.addDays(-31).toString("yyyy-MM-dd").toLatin1());
+    QVERIFY(WriteFile(record, text));
+    QCOMPARE(game.FailureSentence(), QString());
 }
 
 } // namespace Varnholt::TestSupport

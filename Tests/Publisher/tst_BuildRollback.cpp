@@ -177,12 +177,25 @@ void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()
 
 void BuildRollbackTest::TheCatalogIsInTheOrderOfPublication()
 {
-    BuildSeries const game(3);
+    BuildSeries game(3);
     QVERIFY(QDir().mkpath(game.OutputPath("pelmora_app/builds/empty")));
-    QCOMPARE(game.Catalog().Builds(), QStringList({"build_1", "build_2", "build_3"}));
+    QStringList const published{"build_1", "build_2", "build_3"};
+    QCOMPARE(game.Catalog().Builds(), published);
+    // As in a tree that was copied without times.
     game.SetAge(1, 0);
     game.SetAge(3, 5);
+    QCOMPARE(game.Catalog().Builds(), published);
+    // Where no order was noted down, the times are all there is; what follows is noted down.
+    QString const record = game.OutputPath(".varnholt-publish.pelmora_app.builds");
+    QVERIFY(QFile::remove(record));
     QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_2", "build_1"}));
+    game.Publish("a_build");
+    game.SetAge(3, 0);
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_2", "build_1", "a_build"}));
+    QVERIFY(WriteFile(record, "{"));
+    QVERIFY(FailureOf([&] {
+                game.Catalog().Builds();
+            }).Sentence.startsWith(record + ": the record of the builds' order is damaged"));
 }
 
 void BuildRollbackTest::TheCatalogKnowsSizesAndChannels()

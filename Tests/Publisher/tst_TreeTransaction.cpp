@@ -114,15 +114,17 @@ void TreeTransactionTest::AFailedCommitRemovesTheFoldersItMade()
 
 void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
 {
-    TreeTransaction tree(Root);
-    tree.AddText("text", Path("text"));
+    auto tree = std::make_unique<TreeTransaction>(Root);
+    tree->AddText("text", Path("text"));
     QCOMPARE(FailureOf([this] { TreeTransaction const other(Root); }).Sentence,
              Root + QString(": another run is publishing there (tst_Publisher, process %1 on %2)")
                         .arg(QCoreApplication::applicationPid())
                         .arg(QSysInfo::machineHostName()));
     QVERIFY(QFile::exists(Path(".varnholt-publish.lock")));
-    tree.Commit();
+    tree->Commit();
     QCOMPARE(ForClients(TreeOf(Root)), (Tree{{"text", "text"}}));
+    QVERIFY(!FailureOf([this] { TreeTransaction const next(Root); }).Sentence.isNull());
+    tree.reset();
     QCOMPARE(FailureOf([this] { TreeTransaction const next(Root); }).Sentence, QString());
 }
 
