@@ -1,6 +1,7 @@
 #include "Publisher/Cli/CommandLine.hpp"
 
 #include "Programs/StandardStreams.hpp"
+#include "Publisher/Cli/AdoptCommand.hpp"
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
@@ -50,9 +51,10 @@ int Run(int p_Count, char const* const* p_Arguments)
     ListCommand const list(program);
     RollbackCommand const rollback(program);
     PruneCommand const prune(program);
+    AdoptCommand const adopt(program);
     try {
         program.parse(p_Count, p_Arguments);
-        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune);
+        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune, adopt);
     } catch (CLI::Success const& help) {
         std::ostringstream text;
         int const status = program.exit(help, text);

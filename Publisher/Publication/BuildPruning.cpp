@@ -1,6 +1,7 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Tree/ContentStaging.hpp"
 #include "Publisher/Tree/StorageSync.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
@@ -60,6 +61,7 @@ PruneSummary BuildPruning::Run()
         StorageSync(Options.Output);
     }
     RemoveContent(used);
+    RemoveStaged();
     return Summary;
 }
 
@@ -133,6 +135,18 @@ void BuildPruning::RemoveBuild(QString const& p_Build) const
     Remove(manifest);
     // Stays when somebody has put something beside the manifest.
     QDir().rmdir(QFileInfo(manifest).path());
+}
+
+/// What a run has left that was stopped, and that no other has gone on with.
+void BuildPruning::RemoveStaged()
+{
+    ContentStaging const staging(Options.Output, Options.AppId);
+    for (QFileInfo const& file : staging.Files()) {
+        ++Summary.ContentFiles;
+        Summary.ContentBytes += file.size();
+    }
+    if (!Options.DryRun)
+        staging.Remove();
 }
 
 void BuildPruning::RemoveContent(QSet<QString> const& p_Used)

@@ -50,6 +50,7 @@ private:
     QSet<QString> ContentOf(QStringList const& p_Builds) const;
     void Note(TreeTransaction& p_Tree) const;
     void RemoveBuild(QString const& p_Build) const;
+    void RemoveStaged();
     void RemoveContent(QSet<QString> const& p_Used);
 
     PruneOptions const& Options;

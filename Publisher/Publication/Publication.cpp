@@ -126,7 +126,7 @@ void Publication::Publish(RuleSet const& p_Rules, std::vector<BuildFile>& p_File
 
 void Publication::Hash(std::vector<BuildFile>& p_Files)
 {
-    HashJournal journal(Staging.PathOf(QStringLiteral("journal")), Options.Source);
+    HashJournal journal(Staging.JournalPath(), Options.Source);
     if (Options.ReadIndex)
         TakeFromIndex(p_Files, journal);
     std::vector<std::size_t> const order = UnhashedLargestFirst(p_Files);

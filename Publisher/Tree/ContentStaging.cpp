@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QSysInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -20,6 +21,7 @@ namespace Varnholt::Publisher {
 namespace {
 
 QString const c_Boot = QStringLiteral("boot");
+QString const c_Journal = QStringLiteral("journal");
 QString const c_Begun = QStringLiteral("begun.");
 /// The disk gets to work on so much at a time while the rest is still being read.
 constexpr qint64 c_FlushBytes = 8LL * 1024 * 1024;
@@ -72,15 +74,32 @@ void ContentStaging::Remove() const
     QDir(Folder).removeRecursively();
 }
 
-QString ContentStaging::PathOf(QString const& p_Name) const
+QString ContentStaging::JournalPath() const
 {
-    return Folder + QLatin1Char('/') + p_Name;
+    return PathOf(c_Journal);
+}
+
+QString ContentStaging::PathOf(QString const& p_Md5) const
+{
+    return Folder + QLatin1Char('/') + p_Md5;
 }
 
 bool ContentStaging::Holds(QString const& p_Md5, qint64 p_Size) const
 {
     QFileInfo const info(PathOf(p_Md5));
     return info.isFile() && info.size() == p_Size;
+}
+
+QFileInfoList ContentStaging::Files() const
+{
+    QFileInfoList files = QDir(Folder).entryInfoList(QDir::Files);
+    files.erase(std::remove_if(files.begin(), files.end(),
+                               [](QFileInfo const& p_File) {
+                                   return p_File.fileName() == c_Boot ||
+                                          p_File.fileName() == c_Journal;
+                               }),
+                files.end());
+    return files;
 }
 
 QString ContentStaging::NewFile()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFileInfo>
 #include <QString>
 
 #include <atomic>
@@ -21,8 +22,13 @@ public:
     void Make();
     void Remove() const;
 
-    QString PathOf(QString const& p_Name) const;
+    /// Where content of that digest is, or would be.
+    QString PathOf(QString const& p_Md5) const;
+    /// Where the digests of what was read are noted down.
+    QString JournalPath() const;
     bool Holds(QString const& p_Md5, qint64 p_Size) const;
+    /// All of it, whole or only begun.
+    QFileInfoList Files() const;
     /// A name for content that is begun. Any thread. \throws Failure
     QString NewFile();
 

@@ -9,11 +9,17 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 namespace Varnholt::Publisher {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+/// The umask decides nothing: a server that runs as another user must be able to read the tree.
+constexpr mode_t c_FileMode = 0644;
+constexpr mode_t c_FolderMode = 0755;
 
 /// Enough for any text that has to be written when the disk is full.
 constexpr int c_SpareBytes = 64 * 1024;
@@ -22,7 +28,8 @@ void WriteFile(QString const& p_Path, QByteArray const& p_Content)
 {
     QFile file(p_Path);
     bool const written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                         file.write(p_Content) == p_Content.size() && file.flush();
+                         file.write(p_Content) == p_Content.size() && file.flush() &&
+                         ::fchmod(file.handle(), c_FileMode) == 0;
     if (!written)
         throw Failure(p_Path + QStringLiteral(": cannot be written: ") + file.errorString());
 }
@@ -145,7 +152,10 @@ void TreeTransaction::MakeFolder(QString const& p_Folder)
     if (info.exists())
         throw Failure(p_Folder + QStringLiteral(": is not a folder"));
     MakeFolder(info.path());
-    if (!QDir().mkdir(p_Folder))
+    QByteArray const name = QFile::encodeName(p_Folder);
+    struct stat status = {};
+    if (::mkdir(name.constData(), c_FolderMode) != 0 || ::stat(name.constData(), &status) != 0 ||
+        ::chmod(name.constData(), c_FolderMode | (status.st_mode & S_ISGID)) != 0)
         throw Failure(p_Folder + QStringLiteral(": the folder cannot be made"));
     MadeFolders.push_back(p_Folder);
 }

@@ -46,6 +46,7 @@ private Q_SLOTS:
     void ABuildOnOfferCannotBeNamed();
     void AnUnknownBuildRemovesNothing();
     void ContentThatAnInterruptedRunLeftIsRemoved();
+    void WhatAnInterruptedRunStagedIsRemoved();
     void AnUnreadableManifestRemovesNothing();
     void AnUnreadableVersionFileRemovesNothing();
     void FilesOfOthersStay();
@@ -150,6 +151,26 @@ void BuildPruningTest::ContentThatAnInterruptedRunLeftIsRemoved()
     QCOMPARE(summary.ContentFiles, 1);
     QVERIFY(!game.HasOwn(1));
     QVERIFY(game.IsWhole(2));
+}
+
+void BuildPruningTest::WhatAnInterruptedRunStagedIsRemoved()
+{
+    BuildSeries game(2);
+    game.Put("more", "more");
+    game.Observer.OnPhase = [](QString const& p_Phase) {
+        if (p_Phase == "Copying")
+            throw Publisher::Failure("stopped");
+    };
+    game.Options.Build.Id = "build_3";
+    QCOMPARE(game.FailureSentence(), QString("stopped"));
+    QString const staged = game.OutputPath(".varnholt-publish.pelmora_app.staged");
+    QVERIFY(QFileInfo::exists(staged));
+    PruneOptions options = Keep(game, 2);
+    options.DryRun = true;
+    QCOMPARE(BuildPruning(options).Run().ContentBytes, 4);
+    QVERIFY(QFileInfo::exists(staged));
+    QCOMPARE(BuildPruning(Keep(game, 2)).Run().ContentFiles, 1);
+    QVERIFY(!QFileInfo::exists(staged));
 }
 
 void BuildPruningTest::AnUnreadableManifestRemovesNothing()

@@ -12,6 +12,22 @@
 #include <cerrno>
 #include <mutex>
 
+#ifdef Q_OS_LINUX
+#include <sys/syscall.h>
+#include <unistd.h>
+
+static bool g_FlushFails = false;
+
+/// Takes the place of the system's.
+extern "C" int syncfs(int p_File)
+{
+    if (!g_FlushFails)
+        return static_cast<int>(::syscall(SYS_syncfs, p_File));
+    errno = EIO;
+    return -1;
+}
+#endif
+
 namespace Varnholt::TestSupport {
 
 using Publisher::TreeTransaction;
@@ -27,6 +43,9 @@ private Q_SLOTS:
     void WithoutACommitNothingStays();
     void AFailedCommitBringsBackWhatWasReplaced();
     void AFailedCommitRemovesTheFoldersItMade();
+#ifdef Q_OS_LINUX
+    void ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack();
+#endif
     void ASecondTransactionIsRefusedAndHarmsNothing();
     void TheLockOfADeadProgramKeepsNobodyOut_data();
     void TheLockOfADeadProgramKeepsNobodyOut();
@@ -35,7 +54,10 @@ private Q_SLOTS:
     void NewFilesHaveNamesOfTheirOwn();
 
 private:
-    QString Path(QString const& p_Path) const { return Root + '/' + p_Path; }
+    QString Path(QString const& p_Path) const
+    {
+        return Root + '/' + p_Path;
+    }
 
     std::unique_ptr<QTemporaryDir> Folder;
     QString Root;
@@ -111,6 +133,22 @@ void TreeTransactionTest::AFailedCommitRemovesTheFoldersItMade()
     }
     QCOMPARE(TreeOf(Root), before);
 }
+
+#ifdef Q_OS_LINUX
+void TreeTransactionTest::ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack()
+{
+    QVERIFY(WriteFile(Path("old"), "old"));
+    {
+        TreeTransaction tree(Root);
+        tree.AddText("new", Path("old"));
+        g_FlushFails = true;
+        QCOMPARE(FailureOf([&] { tree.Commit(); }).Sentence,
+                 Root + ": what was written may not be on the disk: " + qt_error_string(EIO));
+        g_FlushFails = false;
+    }
+    QCOMPARE(TreeOf(Root), (Tree{{"old", "old"}}));
+}
+#endif
 
 void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
 {
