@@ -52,9 +52,14 @@ void BuildCommand::AddOptions()
         "Rules file (JSON); without it built-in rules apply, which \"rules\" shows");
     Command->add_option("--locales", LocaleList,
                         "Languages on offer, TAG=NAME,..., added to those of the rules file");
-    Command->add_option("--hosts", Hosts,
-                        "Servers that hold the content, HOST[:PORT],... (default: those "
-                        "published before, or 127.0.0.1:8080)");
+    CLI::Option* const hosts =
+        Command->add_option("--hosts", Hosts,
+                            "Servers that hold the content, HOST[:PORT],... (default: those "
+                            "published before)");
+    Command
+        ->add_flag("--local", Local,
+                   "For trials: a new tree names 127.0.0.1:8080 as the server of its content")
+        ->excludes(hosts);
     Command->add_option("--realmlist", RealmList,
                         "Address of the login server (default: the one published before)");
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
@@ -107,6 +112,7 @@ PublishOptions BuildCommand::Options() const
         options.Hosts = QString::fromStdString(Hosts).split(QLatin1Char(','));
     if (Command->count("--realmlist") > 0)
         options.RealmListAddress = QString::fromStdString(RealmList);
+    options.Local = Local;
     options.AppId = QString::fromStdString(AppId);
     options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
     options.DevChannel = Dev;

@@ -2,6 +2,7 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/OptionChecks.hpp"
+#include "Publisher/Publication/ServerLists.hpp"
 #include "Publisher/Source/NativePath.hpp"
 #include "Publisher/Source/ParallelFor.hpp"
 #include "Publisher/Source/SourceListing.hpp"
@@ -100,6 +101,7 @@ void Publication::CheckFolders() const
                       QStringLiteral(": the source folder must not be inside published content"));
     }
     Mark.CheckMayPublish();
+    ServerLists::CheckBuild(Options);
 }
 
 void Publication::Hash(std::vector<BuildFile>& p_Files)

@@ -11,13 +11,13 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
-/// The arguments that publish a game.
+/// The arguments that publish a game; its content is on this machine unless they name hosts.
 QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {})
 {
     return QStringList({"build", "--source", p_Game.Options.Source, "--output",
                         p_Game.Options.Output, "--build", "build_1", "--rules",
                         p_Game.Options.RulesFile}) +
-           p_More;
+           (p_More.contains("--hosts") ? QStringList() : QStringList("--local")) + p_More;
 }
 
 /// A file that takes so long to read that a run cannot be over before it is interrupted; holes take
@@ -196,6 +196,7 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
     add(good + QStringList({"--hosts", "http://a"}), "--hosts \"http://a\": give the host name");
     add(good + QStringList({"--hosts", "a,b c"}), "--hosts \"b c\": a host name holds no blank");
     add(good + QStringList({"--hosts", "a,"}), "--hosts \"\": a host name is empty");
+    add(good + QStringList({"--hosts", "a", "--local"}), "--hosts excludes --local");
     add(good + QStringList({"--hosts", ""}), "--hosts \"\": a host name is empty");
     add(good + QStringList({"--realmlist", "a\nb"}), "--realmlist: the address must not hold");
     add(good + QStringList({"--locales", "frFR"}), "--locales \"frFR\": write TAG=NAME");
@@ -248,16 +249,27 @@ void BuildProgramTest::HelpNamesEveryOption_data()
         << QStringList({"build", "--help"})
         << QStringList({"--rehash", "--no-index", "--dry-run", "--if-changed", "--json"});
     QTest::newRow("build") << QStringList({"build", "--help"})
-                           << QStringList({"--source",         "--output",
-                                           "--build",          "--name",
-                                           "--number",         "--rules",
-                                           "--locales",        "--hosts",
-                                           "--realmlist",      "--app-id",
-                                           "--platform",       "--dev",
-                                           "pelmora_app",      "read-only",
-                                           "executable",       "game-executable",
-                                           "first-build-only", "default-server-only",
-                                           "keep-if-present",  QString::fromUtf8("Français")});
+                           << QStringList({"--source",
+                                           "--output",
+                                           "--build",
+                                           "--name",
+                                           "--number",
+                                           "--rules",
+                                           "--locales",
+                                           "--hosts",
+                                           "--local",
+                                           "--realmlist",
+                                           "--app-id",
+                                           "--platform",
+                                           "--dev",
+                                           "pelmora_app",
+                                           "read-only",
+                                           "executable",
+                                           "game-executable",
+                                           "first-build-only",
+                                           "default-server-only",
+                                           "keep-if-present",
+                                           QString::fromUtf8("Français")});
     QTest::newRow("serve") << QStringList({"serve", "--help"})
                            << QStringList({"--root", "--address", "--port", "--quiet", "8080"});
 }
