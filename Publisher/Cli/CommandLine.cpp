@@ -9,6 +9,7 @@
 #include "Publisher/Cli/RollbackCommand.hpp"
 #include "Publisher/Cli/RulesCommand.hpp"
 #include "Publisher/Cli/ServeCommand.hpp"
+#include "Publisher/Cli/ServerListCommand.hpp"
 #include "Publisher/Cli/VerifyCommand.hpp"
 #include "Publisher/Failure.hpp"
 
@@ -50,9 +51,12 @@ int Run(int p_Count, char const* const* p_Arguments)
     ListCommand const list(program);
     RollbackCommand const rollback(program);
     PruneCommand const prune(program);
+    ServerListCommand const hosts(program, ServerListCommand::List::Hosts);
+    ServerListCommand const realmList(program, ServerListCommand::List::RealmList);
     try {
         program.parse(p_Count, p_Arguments);
-        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune);
+        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune, hosts,
+                         realmList);
     } catch (CLI::Success const& help) {
         std::ostringstream text;
         int const status = program.exit(help, text);

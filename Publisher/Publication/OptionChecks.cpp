@@ -33,42 +33,23 @@ void CheckAddressPart(QString const& p_Option, QString const& p_Value)
     }
 }
 
-void CheckHost(QString const& p_Host)
+void CheckHost(QString const& p_Option, QString const& p_Host)
 {
     static QRegularExpression const c_Host(QRegularExpression::anchoredPattern(
         QStringLiteral("([A-Za-z0-9][A-Za-z0-9._-]*|\\[[0-9A-Fa-f:.]+\\])(:([0-9]{1,5}))?")));
-    QString const option = QStringLiteral("--hosts");
     if (p_Host.isEmpty())
-        Fail(option, p_Host, QStringLiteral("a host name is empty"));
+        Fail(p_Option, p_Host, QStringLiteral("a host name is empty"));
     if (p_Host.contains(QStringLiteral("://")))
-        Fail(option, p_Host, QStringLiteral("give the host name without a scheme"));
+        Fail(p_Option, p_Host, QStringLiteral("give the host name without a scheme"));
     if (p_Host.contains(QLatin1Char('/')))
-        Fail(option, p_Host, QStringLiteral("a host name holds no slash"));
+        Fail(p_Option, p_Host, QStringLiteral("a host name holds no slash"));
     bool const hasBlank = std::any_of(p_Host.begin(), p_Host.end(),
                                       [](QChar p_Character) { return p_Character.isSpace(); });
     if (hasBlank)
-        Fail(option, p_Host, QStringLiteral("a host name holds no blank"));
+        Fail(p_Option, p_Host, QStringLiteral("a host name holds no blank"));
     QRegularExpressionMatch const match = c_Host.match(p_Host);
     if (!match.hasMatch() || match.captured(3).toInt() > 65535)
-        Fail(option, p_Host, QStringLiteral("is not a host name with or without a port"));
-}
-
-void CheckRealmList(QString const& p_Address)
-{
-    QString const option = QStringLiteral("--realmlist");
-    if (p_Address.isEmpty())
-        Fail(option, p_Address, QStringLiteral("the address is empty"));
-    if (p_Address.contains(QLatin1Char('"')))
-        Fail(option, p_Address, QStringLiteral("the address must not hold a quote"));
-    bool const breaksLine = std::any_of(p_Address.begin(), p_Address.end(), [](QChar p_Character) {
-        return p_Character.category() == QChar::Other_Control ||
-               p_Character == QChar::LineSeparator || p_Character == QChar::ParagraphSeparator;
-    });
-    if (breaksLine) {
-        throw Failure(QStringLiteral("--realmlist: the address must not hold a line break or "
-                                     "another control character"),
-                      Failure::c_Usage);
-    }
+        Fail(p_Option, p_Host, QStringLiteral("is not a host name with or without a port"));
 }
 
 } // namespace
@@ -79,12 +60,33 @@ void Check(PublishOptions const& p_Options)
     CheckFolder(QStringLiteral("--output"), p_Options.Output);
     CheckAddressPart(QStringLiteral("--build"), p_Options.Build.Id);
     CheckAddressPart(QStringLiteral("--app-id"), p_Options.AppId);
-    if (p_Options.Hosts) {
-        for (QString const& host : *p_Options.Hosts)
-            CheckHost(host);
-    }
+    if (p_Options.Hosts)
+        CheckHosts(QStringLiteral("--hosts"), *p_Options.Hosts);
     if (p_Options.RealmListAddress)
-        CheckRealmList(*p_Options.RealmListAddress);
+        CheckRealmList(QStringLiteral("--realmlist"), *p_Options.RealmListAddress);
+}
+
+void CheckHosts(QString const& p_Option, QStringList const& p_Hosts)
+{
+    for (QString const& host : p_Hosts)
+        CheckHost(p_Option, host);
+}
+
+void CheckRealmList(QString const& p_Option, QString const& p_Address)
+{
+    if (p_Address.isEmpty())
+        Fail(p_Option, p_Address, QStringLiteral("the address is empty"));
+    if (p_Address.contains(QLatin1Char('"')))
+        Fail(p_Option, p_Address, QStringLiteral("the address must not hold a quote"));
+    bool const breaksLine = std::any_of(p_Address.begin(), p_Address.end(), [](QChar p_Character) {
+        return p_Character.category() == QChar::Other_Control ||
+               p_Character == QChar::LineSeparator || p_Character == QChar::ParagraphSeparator;
+    });
+    if (breaksLine) {
+        throw Failure(p_Option + QStringLiteral(": the address must not hold a line break or "
+                                                "another control character"),
+                      Failure::c_Usage);
+    }
 }
 
 } // namespace Varnholt::Publisher::OptionChecks

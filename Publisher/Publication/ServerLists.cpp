@@ -1,7 +1,9 @@
 #include "Publisher/Publication/ServerLists.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace Varnholt::Publisher::ServerLists {
@@ -37,6 +39,26 @@ void CheckBuild(PublishOptions const& p_Options)
                           .arg(p_Options.Output),
                       Failure::c_Usage);
     }
+    if (!isNew && p_Options.DevChannel && (p_Options.Hosts || p_Options.RealmListAddress)) {
+        throw Failure(
+            QStringLiteral("--dev: the channels share the lists, so %1 would change what live "
+                           "players get: use the command \"%2\" for that")
+                .arg(p_Options.Hosts ? QStringLiteral("--hosts") : QStringLiteral("--realmlist"),
+                     p_Options.Hosts ? QStringLiteral("hosts") : QStringLiteral("realmlist")),
+            Failure::c_Usage);
+    }
+}
+
+QByteArray Replace(QString const& p_Output, QString const& p_Path, QByteArray const& p_Text)
+{
+    TreeTransaction tree(p_Output);
+    QFile file(p_Path);
+    QByteArray before;
+    if (file.open(QIODevice::ReadOnly))
+        before = file.readAll();
+    tree.AddText(p_Text, p_Path);
+    tree.Commit();
+    return before;
 }
 
 } // namespace Varnholt::Publisher::ServerLists

@@ -233,7 +233,7 @@ void BuildProgramTest::HelpNamesEveryOption_data()
     QTest::addColumn<QStringList>("words");
     QTest::newRow("program") << QStringList("--help")
                              << QStringList({"build", "serve", "rules", "list", "rollback", "prune",
-                                             "COMMAND"});
+                                             "hosts", "realmlist", "COMMAND"});
     QTest::newRow("rules") << QStringList({"rules", "--help"})
                            << QStringList({"Example", "--source", "--rules", "--explain",
                                            "--locales", "--platform", "--json"});
