@@ -27,7 +27,7 @@ BuildCommand::BuildCommand(CLI::App& p_Program)
         "              \"flags\": [\"executable\", \"game-executable\"]},\n"
         "             {\"match\": \"Data/frFR/**\", \"locale\": \"frFR\"},\n"
         "             {\"match\": \"Data/Music/**\", \"streamed\": true},\n"
-        "             {\"match\": \"**/.DS_Store\", \"exclude\": true}]}\n"
+        "             {\"match\": \"**/*.psd\", \"exclude\": true}]}\n"
         "Flags: read-only, executable, game-executable, first-build-only,\n"
         "       default-server-only, keep-if-present\n"
         "Exactly one file has the flag game-executable.\n"

@@ -49,7 +49,7 @@ QString PlaceOf(Rule const* p_Rule, QString const& p_File)
 {
     if (!p_Rule)
         return QStringLiteral("no rule");
-    QString const place = p_File.isEmpty()
+    QString const place = p_Rule->Line == 0
                               ? QStringLiteral("built-in rule")
                               : QStringLiteral("%1, line %2").arg(p_File).arg(p_Rule->Line);
     return QStringLiteral("%1: \"%2\"").arg(place, p_Rule->Pattern);

@@ -1,5 +1,7 @@
 #include "Publisher/Rules/RuleSet.hpp"
 
+#include "Publisher/Rules/BuiltInRules.hpp"
+
 namespace Varnholt::Publisher {
 
 FileTreatment RuleSet::TreatmentOf(QString const& p_Path) const
@@ -20,14 +22,20 @@ FileTreatment RuleSet::TreatmentOf(QString const& p_Path) const
 RuleExplanation RuleSet::Explain(QString const& p_Path) const
 {
     RuleExplanation decided;
+    bool isNamed = false;
     for (Rule const& rule : Rules) {
         if (!rule.Match.Matches(p_Path))
             continue;
+        isNamed = isNamed || rule.Pattern == p_Path;
         decided.Flags = rule.Flags ? &rule : decided.Flags;
         decided.Locale = rule.Locale ? &rule : decided.Locale;
         decided.Streamed = rule.Streamed ? &rule : decided.Streamed;
         decided.Excluded = rule.Excluded ? &rule : decided.Excluded;
     }
+    if (isNamed)
+        return decided;
+    for (Rule const& rule : BuiltInExcludes())
+        decided.Excluded = rule.Match.Matches(p_Path) ? &rule : decided.Excluded;
     return decided;
 }
 

@@ -23,10 +23,11 @@ struct RuleSet {
     std::vector<Rule> Rules;
     std::map<QString, QString> Locales; ///< display name by tag
 
-    /// Asks every rule in order; a later one overrides an earlier one property by property.
+    /// Asks every rule in order; a later one overrides an earlier one property by property. What
+    /// `BuiltInExcludes()` name stays excluded unless a rule's pattern is the very path.
     FileTreatment TreatmentOf(QString const& p_Path) const;
 
-    /// \return pointers into `Rules`
+    /// \return pointers into `Rules` and `BuiltInExcludes()`
     RuleExplanation Explain(QString const& p_Path) const;
 };
 

@@ -140,8 +140,10 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
     add("broken rules", "rules.json: line 2, column 10: ", [](PublishedGame& p_Game) {
         p_Game.SetRules("{\n\"rules\": x}");
     });
-    add("a name of the clients", "Data/a.part: clients use names",
-        [](PublishedGame& p_Game) { p_Game.Put("Data/a.part", "x"); });
+    add("a name of the clients", "Data/a.part: clients use names", [](PublishedGame& p_Game) {
+        p_Game.Put("Data/a.part", "x");
+        p_Game.AddRules(R"({"match": "Data/a.part", "exclude": false})");
+    });
     add("a link that leaves", "link: the symbolic link leads out of the source folder",
         [](PublishedGame& p_Game) { QFile::link("/", p_Game.SourcePath("link")); });
     add("names that differ in case", "DATA/a and Data/a differ only in letter case",
