@@ -65,7 +65,7 @@ PublicationSummary Publication::Run()
     CheckFolders();
     RuleSet const rules = SourceListing::ReadRules(Options);
     Scanned = std::filesystem::file_time_type::clock::now();
-    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options.Source, rules);
+    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options, rules, Observer);
     SourceListing::CheckGameExecutable(Options, files, Observer);
 
     // A run that may turn out to change nothing does not touch the tree before.

@@ -77,22 +77,22 @@ void CheckPath(QByteArray const& p_Path)
         throw Failure(Shown(path) + QStringLiteral(": ") + problem);
 }
 
-void CheckCollisions(std::vector<SourceFile> const& p_Files)
+void CheckCollisions(std::vector<BuildFile> const& p_Files)
 {
     QHash<QString, QString> files;
-    for (SourceFile const& file : p_Files) {
-        QString const other = files.value(Folded(file.Path));
+    for (BuildFile const& file : p_Files) {
+        QString const other = files.value(Folded(file.Source.Path));
         if (!other.isNull()) {
             throw Failure(QStringLiteral("%1 and %2 differ only in letter case or in the spelling "
                                          "of accents: clients may hold only one of them")
-                              .arg(other, file.Path));
+                              .arg(other, file.Source.Path));
         }
-        files.insert(Folded(file.Path), file.Path);
+        files.insert(Folded(file.Source.Path), file.Source.Path);
     }
-    for (SourceFile const& file : p_Files) {
-        for (int slash = file.Path.indexOf(QLatin1Char('/')); slash >= 0;
-             slash = file.Path.indexOf(QLatin1Char('/'), slash + 1)) {
-            QString const folder = file.Path.left(slash);
+    for (BuildFile const& file : p_Files) {
+        for (int slash = file.Source.Path.indexOf(QLatin1Char('/')); slash >= 0;
+             slash = file.Source.Path.indexOf(QLatin1Char('/'), slash + 1)) {
+            QString const folder = file.Source.Path.left(slash);
             QString const other = files.value(Folded(folder));
             if (!other.isNull()) {
                 throw Failure(QStringLiteral("the file %1 and the folder %2 differ only in letter "

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/Source/SourceFile.hpp"
+#include "Publisher/Tree/BuildFile.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -17,6 +17,6 @@ void CheckPath(QByteArray const& p_Path);
 /// Refuses files that would be one and the same on a file system that ignores letter case, and a
 /// file where such a system has a folder.
 /// \throws Failure that names both
-void CheckCollisions(std::vector<SourceFile> const& p_Files);
+void CheckCollisions(std::vector<BuildFile> const& p_Files);
 
 } // namespace Varnholt::Publisher::PathChecks

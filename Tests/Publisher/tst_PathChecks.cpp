@@ -11,10 +11,10 @@ using TestSupport::FailureOf;
 
 namespace {
 
-SourceFile File(char const* p_Path)
+BuildFile File(char const* p_Path)
 {
-    SourceFile file;
-    file.Path = QString::fromUtf8(p_Path);
+    BuildFile file;
+    file.Source.Path = QString::fromUtf8(p_Path);
     return file;
 }
 
@@ -139,13 +139,13 @@ void PathChecksTest::FindsFilesThatAreOneWithoutLetterCase()
 {
     QFETCH(QByteArray, one);
     QFETCH(QByteArray, two);
-    SourceFile const first = File(one);
-    SourceFile const second = File(two);
+    BuildFile const first = File(one);
+    BuildFile const second = File(two);
     QString const sentence = FailureOf([&] {
                                  PathChecks::CheckCollisions({File("other"), first, second});
                              }).Sentence;
-    QVERIFY2(sentence.contains(first.Path), qPrintable(sentence));
-    QString const folder = second.Path.section('/', 0, first.Path.count('/'));
+    QVERIFY2(sentence.contains(first.Source.Path), qPrintable(sentence));
+    QString const folder = second.Source.Path.section('/', 0, first.Source.Path.count('/'));
     QVERIFY2(sentence.contains(folder), qPrintable(sentence));
     QVERIFY(!FailureOf([&] { PathChecks::CheckCollisions({second, first}); }).Sentence.isEmpty());
 }
