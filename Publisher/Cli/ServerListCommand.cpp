@@ -78,7 +78,7 @@ QByteArray ServerListCommand::Text() const
 {
     QString const value = QString::fromStdString(Value);
     if (Chosen == List::RealmList) {
-        OptionChecks::CheckRealmList(QStringLiteral("address"), value);
+        OptionChecks::CheckHost(QStringLiteral("address"), value);
         return ServerLists::RealmListText(value);
     }
     QStringList const hosts = value.split(QLatin1Char(','));

@@ -5,6 +5,7 @@
 #include "Publisher/Rules/BuiltInRules.hpp"
 #include "Publisher/Rules/FlagNames.hpp"
 #include "Publisher/Rules/RuleSetReader.hpp"
+#include "Publisher/Source/PathChecks.hpp"
 #include "Publisher/Source/SourceScan.hpp"
 
 #include <algorithm>
@@ -27,6 +28,8 @@ std::vector<BuildFile> Scan(PublishOptions const& p_Options, RuleSet const& p_Ru
         return treatment;
     });
     std::vector<BuildFile> files = scan.Run();
+    for (BuildFile const& file : files)
+        PathChecks::CheckPlatform(file.Source.Path, p_Options.Platform);
     for (std::size_t i = 0; i < fitting.size(); ++i) {
         Rule const& rule = p_Rules.Rules[i];
         if (!fitting[i] && rule.Line > 0) {

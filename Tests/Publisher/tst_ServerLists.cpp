@@ -159,7 +159,7 @@ void ServerListsTest::ACommandRefuses_data()
     QTest::newRow("what is no host") << QStringList({"hosts", "a,b c"}) << Failure::c_Usage
                                      << QByteArray("hosts \"b c\": a host name holds no blank");
     QTest::newRow("what is no address") << QStringList({"realmlist", "a\"b"}) << Failure::c_Usage
-                                        << QByteArray("the address must not hold a quote");
+                                        << QByteArray("is not a host name");
     QTest::newRow("an unknown application")
         << QStringList({"realmlist", "a", "--app-id", "other"}) << Failure::c_Other
         << QByteArray("no build of other is published there");
