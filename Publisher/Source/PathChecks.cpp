@@ -94,6 +94,8 @@ QString WindowsProblem(QString const& p_Name)
 /// Finds names that are one to a system that ignores letter case.
 class CaseWatch {
 public:
+    explicit CaseWatch(std::size_t p_Files) { Paths.reserve(static_cast<int>(p_Files)); }
+
     void Add(QString const& p_Path)
     {
         int const slash = p_Path.lastIndexOf(QLatin1Char('/'));
@@ -161,7 +163,7 @@ void CheckPlatform(QString const& p_Path, ContentPlatform p_Platform)
 
 void CheckCollisions(std::vector<BuildFile> const& p_Files)
 {
-    CaseWatch watch;
+    CaseWatch watch(p_Files.size());
     for (BuildFile const& file : p_Files)
         watch.Add(file.Source.Path);
 }

@@ -98,12 +98,12 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
         throw Failure(path + QStringLiteral(": is neither a file nor a folder"));
 
     SourceFile file{path, p_Entry.path(), 0, {}, 0};
-    file.Size = static_cast<qint64>(fs::file_size(file.Location, error));
+    struct stat status = {};
+    if (::stat(file.Location.c_str(), &status) != 0)
+        error = std::error_code(errno, std::generic_category());
+    file.Size = status.st_size;
     if (!error)
         file.Modified = fs::last_write_time(file.Location, error);
-    struct stat status = {};
-    if (!error && ::stat(file.Location.c_str(), &status) != 0)
-        error = std::error_code(errno, std::generic_category());
     if (error)
         throw FailureOf(path, error);
     file.Inode = status.st_ino;

@@ -24,10 +24,12 @@ QString ContentStore::PathOf(QString const& p_Md5) const
 bool ContentStore::Holds(BuildFile const& p_File) const
 {
     QFileInfo const info(PathOf(p_File.Md5));
-    if (!info.exists() && !info.isSymbolicLink())
-        return false;
-    if (!info.isFile())
+    // What is mostly there is asked for once.
+    if (!info.isFile()) {
+        if (!info.exists() && !info.isSymbolicLink())
+            return false;
         throw Failure(info.filePath() + QStringLiteral(": stands where a content file must go"));
+    }
     if (info.size() != p_File.Source.Size) {
         throw Failure(QStringLiteral("%1: the content file is damaged (%2 bytes, not %3): remove "
                                      "it and publish again")
