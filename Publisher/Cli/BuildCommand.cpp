@@ -33,7 +33,7 @@ BuildCommand::BuildCommand(CLI::App& p_Program)
         "              \"flags\": [\"executable\", \"game-executable\"]},\n"
         "             {\"match\": \"Data/frFR/**\", \"locale\": \"frFR\"},\n"
         "             {\"match\": \"Data/Music/**\", \"streamed\": true},\n"
-        "             {\"match\": \"**/.DS_Store\", \"exclude\": true}]}\n"
+        "             {\"match\": \"**/*.psd\", \"exclude\": true}]}\n"
         "Flags: read-only, executable, game-executable, first-build-only,\n"
         "       default-server-only, keep-if-present\n"
         "Exactly one file has the flag game-executable.\n"
@@ -59,9 +59,14 @@ void BuildCommand::AddOptions()
         "Rules file (JSON); without it built-in rules apply, which \"rules\" shows");
     Command->add_option("--locales", LocaleList,
                         "Languages on offer, TAG=NAME,..., added to those of the rules file");
-    Command->add_option("--hosts", Hosts,
-                        "Servers that hold the content, HOST[:PORT],... (default: those "
-                        "published before, or 127.0.0.1:8080)");
+    CLI::Option* const hosts =
+        Command->add_option("--hosts", Hosts,
+                            "Servers that hold the content, HOST[:PORT],... (default: those "
+                            "published before)");
+    Command
+        ->add_flag("--local", Local,
+                   "For trials: a new tree names 127.0.0.1:8080 as the server of its content")
+        ->excludes(hosts);
     Command->add_option("--realmlist", RealmList,
                         "Address of the login server (default: the one published before)");
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
@@ -118,6 +123,7 @@ PublishOptions BuildCommand::Options() const
         options.Hosts = QString::fromStdString(Hosts).split(QLatin1Char(','));
     if (Command->count("--realmlist") > 0)
         options.RealmListAddress = QString::fromStdString(RealmList);
+    options.Local = Local;
     options.AppId = QString::fromStdString(AppId);
     options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
     options.DevChannel = Dev;

@@ -39,6 +39,7 @@ private:
     std::string AppId = "pelmora_app";
     std::string Platform = "mac";
     int Jobs = 0;
+    bool Local = false;
     bool Dev = false;
     bool NoIndex = false;
     bool Rehash = false;

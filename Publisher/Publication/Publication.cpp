@@ -2,6 +2,7 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/OptionChecks.hpp"
+#include "Publisher/Publication/ServerLists.hpp"
 #include "Publisher/Source/HashLine.hpp"
 #include "Publisher/Source/NativePath.hpp"
 #include "Publisher/Source/ParallelFor.hpp"
@@ -70,7 +71,7 @@ PublicationSummary Publication::Run()
     CheckFolders();
     RuleSet const rules = SourceListing::ReadRules(Options);
     Scanned = std::filesystem::file_time_type::clock::now();
-    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options.Source, rules);
+    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options, rules, Observer);
     SourceListing::CheckGameExecutable(Options, files, Observer);
 
     // What is planned with the tree must hold until it is done: nobody else changes it meanwhile.
@@ -100,6 +101,7 @@ void Publication::CheckFolders() const
                       QStringLiteral(": the source folder must not be inside published content"));
     }
     Mark.CheckMayPublish();
+    ServerLists::CheckBuild(Options);
 }
 
 void Publication::Publish(RuleSet const& p_Rules, std::vector<BuildFile>& p_Files,

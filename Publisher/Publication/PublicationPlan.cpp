@@ -1,6 +1,7 @@
 #include "Publisher/Publication/PublicationPlan.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Publication/ServerLists.hpp"
 #include "Publisher/Tree/ManifestWriter.hpp"
 
 #include <QFile>
@@ -12,7 +13,7 @@ namespace Varnholt::Publisher {
 namespace {
 
 /// Where `varnholt-publish serve` listens by default, and where clients look by default.
-QString const c_DefaultHost = QStringLiteral("127.0.0.1:8080");
+QString const c_LocalHost = QStringLiteral("127.0.0.1:8080");
 
 bool Holds(QString const& p_File, QByteArray const& p_Content)
 {
@@ -116,17 +117,13 @@ void PublicationPlan::AddManifest(QByteArray const& p_Manifest)
 
 void PublicationPlan::AddServerFiles()
 {
-    QString const hosts = Options.Output + QStringLiteral("/cdns.info");
-    if (Options.Hosts || !QFileInfo(hosts).isFile()) {
-        QStringList const names = Options.Hosts.value_or(QStringList{c_DefaultHost});
-        // One blank between the names and nothing after the last: clients trim nothing.
-        AddServerFile(names.join(QLatin1Char(' ')).toUtf8(), hosts);
-    }
-    if (Options.RealmListAddress) {
-        // Clients put the whole content into the game's configuration as one line.
-        QString const line = QStringLiteral("SET realmlist \"%1\"").arg(*Options.RealmListAddress);
-        AddServerFile(line.toUtf8(), Tree.Folder() + QStringLiteral("/realmlist.info"));
-    }
+    QString const hosts = ServerLists::HostsPath(Options.Output);
+    if (Options.Hosts || !QFileInfo(hosts).isFile())
+        AddServerFile(ServerLists::HostsText(Options.Hosts.value_or(QStringList{c_LocalHost})),
+                      hosts);
+    if (Options.RealmListAddress)
+        AddServerFile(ServerLists::RealmListText(*Options.RealmListAddress),
+                      ServerLists::RealmListPath(Options.Output, Options.AppId));
 }
 
 void PublicationPlan::AddServerFile(QByteArray const& p_Content, QString const& p_Target)

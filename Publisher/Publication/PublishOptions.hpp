@@ -20,6 +20,7 @@ struct PublishOptions {
     std::map<QString, QString> Locales;      ///< names by tag, added to those of the rules file
     std::optional<QStringList> Hosts;        ///< none: the published list stays
     std::optional<QString> RealmListAddress; ///< none: the published one stays
+    bool Local = false; ///< a tree without a list of hosts gets one that names this machine
     QString AppId = QStringLiteral("pelmora_app");
     ContentPlatform Platform = ContentPlatform::Mac;
     bool DevChannel = false; ///< only clients on the development channel get this build

@@ -25,10 +25,12 @@ QString ContentStore::PathOf(QString const& p_Md5) const
 bool ContentStore::Holds(QString const& p_Md5, qint64 p_Size) const
 {
     QFileInfo const info(PathOf(p_Md5));
-    if (!info.exists() && !info.isSymbolicLink())
-        return false;
-    if (!info.isFile())
+    // What is mostly there is asked for once.
+    if (!info.isFile()) {
+        if (!info.exists() && !info.isSymbolicLink())
+            return false;
         throw Failure(info.filePath() + QStringLiteral(": stands where a content file must go"));
+    }
     return info.size() == p_Size && !Damaged.contains(p_Md5);
 }
 

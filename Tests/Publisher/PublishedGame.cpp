@@ -69,6 +69,7 @@ PublishedGame::PublishedGame()
     Options.Source = Temporary.filePath("source");
     Options.Output = Temporary.filePath("output");
     Options.RulesFile = Temporary.filePath("rules.json");
+    Options.Local = true;
     Options.Build = {"build_1", "Build 1", 1};
     Put("Game", "the game");
     AddRules("");

@@ -12,13 +12,13 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
-/// The arguments that publish a game.
+/// The arguments that publish a game; its content is on this machine unless they name hosts.
 QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {})
 {
     return QStringList({"build", "--source", p_Game.Options.Source, "--output",
                         p_Game.Options.Output, "--build", "build_1", "--rules",
                         p_Game.Options.RulesFile}) +
-           p_More;
+           (p_More.contains("--hosts") ? QStringList() : QStringList("--local")) + p_More;
 }
 
 /// A file that takes so long to read that a run cannot be over before it is interrupted; holes take
@@ -54,6 +54,8 @@ private Q_SLOTS:
     void AWrongCallIsAUsageError();
     void HelpNamesEveryOption_data();
     void HelpNamesEveryOption();
+    void ResultsThatCannotBeWrittenAreAnError_data();
+    void ResultsThatCannotBeWrittenAreAnError();
     void TellsItsVersion();
     void AnInterruptionPublishesNothing_data();
     void AnInterruptionPublishesNothing();
@@ -146,14 +148,21 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
     add("broken rules", "rules.json: line 2, column 10: ", [](PublishedGame& p_Game) {
         p_Game.SetRules("{\n\"rules\": x}");
     });
-    add("a name of the clients", "Data/a.part: clients use names",
-        [](PublishedGame& p_Game) { p_Game.Put("Data/a.part", "x"); });
+    add("a name of the clients", "Data/a.part: clients use names", [](PublishedGame& p_Game) {
+        p_Game.Put("Data/a.part", "x");
+        p_Game.AddRules(R"({"match": "Data/a.part", "exclude": false})");
+    });
     add("a link that leaves", "link: the symbolic link leads out of the source folder",
         [](PublishedGame& p_Game) { QFile::link("/", p_Game.SourcePath("link")); });
-    add("names that differ in case", "DATA/a and Data/a differ only in letter case",
+    add("names that differ in case", "DATA and Data differ only in letter case",
         [](PublishedGame& p_Game) {
             p_Game.Put("Data/a", "x");
             p_Game.Put("DATA/a", "x");
+        });
+    add("a name of a device", "Data/aux.txt: Windows keeps the name \"aux.txt\" for a device",
+        [](PublishedGame& p_Game) {
+            p_Game.Put("Data/aux.txt", "x");
+            p_Game.Options.Platform = Publisher::ContentPlatform::Windows;
         });
     add("a folder for the version", "version.json: is not a file that can be replaced",
         [](PublishedGame& p_Game) {
@@ -171,7 +180,9 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile()
     QFETCH(QByteArray, sentence);
     PublishedGame game;
     prepare(game);
-    ProgramResult const result = RunProgram(Arguments(game));
+    bool const isForWindows = game.Options.Platform == Publisher::ContentPlatform::Windows;
+    ProgramResult const result =
+        RunProgram(Arguments(game, {"--platform", isForWindows ? "win" : "mac"}));
     QCOMPARE(result.Status, 1);
     QCOMPARE(result.Output, QByteArray());
     QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
@@ -189,12 +200,16 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
             << p_Arguments << QByteArray(p_Text);
     };
     QStringList const good{"build", "--source", "s", "--output", "o", "--build", "b"};
-    add({}, "subcommand");
-    add({"publish"}, "publish");
-    add({"build"}, "--source");
-    add(good.mid(0, 5), "--build");
-    add(good + QStringList("--bogus"), "--bogus");
-    add(good + QStringList("extra"), "extra");
+    add({}, "A command is required; \"varnholt-publish --help\" explains it");
+    add({"bild"}, "unknown command \"bild\"; did you mean \"build\"?");
+    add({"fly"}, "unknown command \"fly\"; \"varnholt-publish --help\" explains it");
+    add({"--bogus"}, "unknown option \"--bogus\"; \"varnholt-publish --help\" explains it");
+    add({"build"}, "--source is required; \"varnholt-publish build --help\" explains it");
+    add(good.mid(0, 5), "--build is required");
+    add({"list", "--otuput", "o"}, "unknown option \"--otuput\"; did you mean \"--output\"?");
+    add({"list", "--otuput=o"}, "unknown option \"--otuput\"; did you mean \"--output\"?");
+    add(good + QStringList("--bogus"), "unknown option \"--bogus\"; \"varnholt-publish build");
+    add(good + QStringList("extra"), "unknown argument \"extra\"");
     add(good + QStringList({"--number", "x"}), "--number");
     add(good + QStringList({"--number", "-1"}), "--number");
     add(good + QStringList({"--number", "2147483648"}), "--number");
@@ -203,8 +218,9 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
     add(good + QStringList({"--hosts", "http://a"}), "--hosts \"http://a\": give the host name");
     add(good + QStringList({"--hosts", "a,b c"}), "--hosts \"b c\": a host name holds no blank");
     add(good + QStringList({"--hosts", "a,"}), "--hosts \"\": a host name is empty");
+    add(good + QStringList({"--hosts", "a", "--local"}), "--hosts excludes --local");
     add(good + QStringList({"--hosts", ""}), "--hosts \"\": a host name is empty");
-    add(good + QStringList({"--realmlist", "a\nb"}), "--realmlist: the address must not hold");
+    add(good + QStringList({"--realmlist", "a\nb"}), "--realmlist \"a");
     add(good + QStringList({"--locales", "frFR"}), "--locales \"frFR\": write TAG=NAME");
     add(good + QStringList({"--locales", "=F"}), "--locales \"=F\": write TAG=NAME");
     add(good + QStringList({"--locales", "a=A,a=B"}), "--locales: the tag a is given twice");
@@ -239,7 +255,7 @@ void BuildProgramTest::HelpNamesEveryOption_data()
     QTest::addColumn<QStringList>("words");
     QTest::newRow("program") << QStringList("--help")
                              << QStringList({"build", "serve", "rules", "list", "rollback", "prune",
-                                             "COMMAND"});
+                                             "hosts", "realmlist", "COMMAND"});
     QTest::newRow("rules") << QStringList({"rules", "--help"})
                            << QStringList({"Example", "--source", "--rules", "--explain",
                                            "--locales", "--platform", "--json"});
@@ -255,16 +271,27 @@ void BuildProgramTest::HelpNamesEveryOption_data()
         << QStringList({"build", "--help"})
         << QStringList({"--rehash", "--no-index", "--jobs", "--dry-run", "--if-changed", "--json"});
     QTest::newRow("build") << QStringList({"build", "--help"})
-                           << QStringList({"--source",         "--output",
-                                           "--build",          "--name",
-                                           "--number",         "--rules",
-                                           "--locales",        "--hosts",
-                                           "--realmlist",      "--app-id",
-                                           "--platform",       "--dev",
-                                           "pelmora_app",      "read-only",
-                                           "executable",       "game-executable",
-                                           "first-build-only", "default-server-only",
-                                           "keep-if-present",  QString::fromUtf8("Français")});
+                           << QStringList({"--source",
+                                           "--output",
+                                           "--build",
+                                           "--name",
+                                           "--number",
+                                           "--rules",
+                                           "--locales",
+                                           "--hosts",
+                                           "--local",
+                                           "--realmlist",
+                                           "--app-id",
+                                           "--platform",
+                                           "--dev",
+                                           "pelmora_app",
+                                           "read-only",
+                                           "executable",
+                                           "game-executable",
+                                           "first-build-only",
+                                           "default-server-only",
+                                           "keep-if-present",
+                                           QString::fromUtf8("Français")});
     QTest::newRow("serve") << QStringList({"serve", "--help"})
                            << QStringList({"--root", "--address", "--port", "--quiet", "8080"});
 }
@@ -278,6 +305,33 @@ void BuildProgramTest::HelpNamesEveryOption()
     QCOMPARE(result.Errors, QByteArray());
     for (QString const& word : words)
         QVERIFY2(result.Output.contains(word.toUtf8()), qPrintable(word));
+}
+
+void BuildProgramTest::ResultsThatCannotBeWrittenAreAnError_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("help") << "build --help";
+    QTest::newRow("version") << "--version";
+    QTest::newRow("text") << "rules --source SOURCE --rules RULES";
+    QTest::newRow("objects") << "rules --source SOURCE --rules RULES --json";
+    QTest::newRow("build")
+        << "build --source SOURCE --rules RULES --output OUTPUT --build 1 --local";
+}
+
+void BuildProgramTest::ResultsThatCannotBeWrittenAreAnError()
+{
+    QFETCH(QString, command);
+    PublishedGame const game;
+    command.replace("SOURCE", game.Options.Source)
+        .replace("RULES", game.Options.RulesFile)
+        .replace("OUTPUT", game.Options.Output);
+    QProcess shell;
+    shell.start("sh", {"-c", QString(VARNHOLT_PUBLISH_FILE) + ' ' + command + " >/dev/full"});
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.exitCode(), 1);
+    QCOMPARE(shell.readAllStandardError(),
+             QByteArray("varnholt-publish: the results cannot be written (No space left on "
+                        "device)\n"));
 }
 
 void BuildProgramTest::TellsItsVersion()

@@ -38,7 +38,6 @@ private Q_SLOTS:
     void ModesDoNotDependOnTheUmask_data();
     void ModesDoNotDependOnTheUmask();
     void TheHostListIsOneLineWithSingleBlanks();
-    void TheHostListStaysUnlessItIsGiven();
     void TheRealmListIsTheWholeLine();
     void TheRealmListStaysUnlessItIsGiven();
     void TheDevelopmentChannelHasAVersionFileOfItsOwn();
@@ -130,18 +129,6 @@ void PublicationTest::TheHostListIsOneLineWithSingleBlanks()
     QCOMPARE(game.Read("cdns.info"), QByteArray("a b c"));
     game.Options.Hosts = QStringList("a");
     game.Publish();
-    QCOMPARE(game.Read("cdns.info"), QByteArray("a"));
-}
-
-void PublicationTest::TheHostListStaysUnlessItIsGiven()
-{
-    PublishedGame game;
-    game.Publish();
-    QCOMPARE(game.Read("cdns.info"), QByteArray("127.0.0.1:8080"));
-    game.Options.Hosts = QStringList("a");
-    game.Publish();
-    game.Options.Hosts.reset();
-    game.Publish("build_2");
     QCOMPARE(game.Read("cdns.info"), QByteArray("a"));
 }
 

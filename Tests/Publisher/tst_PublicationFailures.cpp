@@ -96,11 +96,11 @@ void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas_data()
         });
     add("a streamed game executable", "Game: the game's executable must not be streamed",
         [](PublishedGame& p_Game) { p_Game.AddRules("{\"match\": \"**\", \"streamed\": true}"); });
-    add("an undeclared locale", "rules.json: rules[1]: the locale \"deDE\" is not declared",
+    add("an undeclared locale", "rules.json: line 1, rules[1]: the locale \"deDE\" is not declared",
         [](PublishedGame& p_Game) {
             p_Game.AddRules("{\"match\": \"Data/**\", \"locale\": \"deDE\"}");
         });
-    add("names that differ in case", "DATA/new and Data/new differ only in letter case",
+    add("names that differ in case", "DATA and Data differ only in letter case",
         [](PublishedGame& p_Game) { p_Game.Put("DATA/new", "other"); });
     add("a name of the clients", "ToDownload.db: clients keep a list of their own",
         [](PublishedGame& p_Game) { p_Game.Put("ToDownload.db", "x"); });

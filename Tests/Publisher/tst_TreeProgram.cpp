@@ -51,7 +51,7 @@ private:
     {
         return QStringList({"build", "--source", p_Game.Options.Source, "--output",
                             p_Game.Options.Output, "--rules", p_Game.Options.RulesFile, "--build",
-                            p_Build}) +
+                            p_Build, "--local"}) +
                p_More;
     }
     static ProgramResult Run(PublishedGame const& p_Game, QString const& p_Command,
