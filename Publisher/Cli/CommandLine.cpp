@@ -23,8 +23,23 @@ namespace Varnholt::Publisher {
 
 namespace {
 
-int Report(QString const& p_Cause, int p_Status)
+/// Whether the command that was called was asked for objects.
+bool IsJson(CLI::App const& p_Program)
 {
+    auto const called = p_Program.get_subcommands();
+    CLI::Option const* const json =
+        called.empty() ? nullptr : called.front()->get_option_no_throw("--json");
+    return json && json->count() > 0;
+}
+
+int Report(QString const& p_Cause, int p_Status, bool p_Json = false)
+{
+    if (p_Json) {
+        ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("error")},
+                                {QStringLiteral("text"), p_Cause},
+                                {QStringLiteral("exitStatus"), p_Status}});
+        return p_Status;
+    }
     ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: ") + p_Cause);
     return p_Status;
 }
@@ -106,9 +121,9 @@ int Run(int p_Count, char const* const* p_Arguments)
     } catch (CLI::ParseError const& error) {
         return Report(UsageSentence(program, error), Failure::c_Usage);
     } catch (Failure const& failure) {
-        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus());
+        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus(), IsJson(program));
     } catch (std::exception const& error) {
-        return Report(QString::fromUtf8(error.what()), Failure::c_Other);
+        return Report(QString::fromUtf8(error.what()), Failure::c_Other, IsJson(program));
     }
 }
 
