@@ -9,8 +9,6 @@ namespace Varnholt::Launcher::FileDigest {
 
 Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue)
 {
-    constexpr std::size_t c_BlockBytes = 0x2000;
-
     Digest digest;
     QFile file(p_Path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))

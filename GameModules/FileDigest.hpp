@@ -6,6 +6,9 @@
 
 namespace Varnholt::Launcher::FileDigest {
 
+/// As which a file's bytes are asked about.
+constexpr qint64 c_BlockBytes = 0x2000;
+
 /// The MD5 digest of a file on disk.
 struct Digest {
     bool Opened = false;   ///< false: no digest
@@ -13,7 +16,7 @@ struct Digest {
     QString Md5;           ///< of what was read, 32 upper-case hexadecimal digits
 };
 
-/// Hashes a file in blocks of 8,192 bytes with constant memory. Any thread.
+/// Hashes a file block by block with constant memory. Any thread.
 /// \param p_Continue asked before each block; false ends the reading
 Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue);
 

@@ -1,11 +1,13 @@
 #include "GameModules/ManifestComparison.hpp"
 
-#include "GameModules/FileDigest.hpp"
 #include "GameModules/FileLink.hpp"
 
 #include <QFile>
 #include <QHash>
 #include <QSet>
+
+#include <deque>
+#include <utility>
 
 namespace Varnholt::Launcher {
 
@@ -23,6 +25,12 @@ QHash<QString, std::vector<std::size_t>> IndexByPath(Entries const& p_Manifest)
     return index;
 }
 
+/// The manifest's digest is taken as it stands: in lower case it never matches.
+bool IsOf(ApplicationManifestFileEntry const& p_Entry, FileDigest::Digest const& p_Digest)
+{
+    return !p_Digest.Md5.isEmpty() && p_Digest.Md5 == p_Entry.Md5;
+}
+
 } // namespace
 
 bool ManifestComparison::IsThere(ApplicationManifestFileEntry const& p_Entry) const
@@ -36,35 +44,56 @@ bool ManifestComparison::IsKept(ApplicationManifestFileEntry const& p_Entry) con
     return p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent) && IsThere(p_Entry);
 }
 
-bool ManifestComparison::MustBeFetched(ApplicationManifestFileEntry const& p_Entry) const
+/// What is known of an entry before its digest.
+struct ManifestComparison::Look {
+    enum class Verdict { Good, Barred, Fetch, Hash };
+
+    Verdict Is = Verdict::Good;
+    DigestEngine::Ticket File; ///< of `Hash`
+};
+
+ManifestComparison::Look ManifestComparison::LookAt(ApplicationManifestFileEntry const& p_Entry,
+                                                    DigestEngine& p_Digests) const
 {
+    if (!p_Entry.Locale.isEmpty() && p_Entry.Locale != Locale)
+        return {};
+    if (SkipFirstBuildOnly && p_Entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
+        return {};
+    if (IsBarred(p_Entry.Path))
+        return {Look::Verdict::Barred, {}};
     if (!IsThere(p_Entry))
-        return true;
+        return {Look::Verdict::Fetch, {}};
     if (p_Entry.Has(ApplicationManifestFileEntry::KeepIfPresent))
-        return false;
-    auto const digest = FileDigest::Of(Folder + p_Entry.Path, Continue);
-    // The manifest's digest is taken as it stands: in lower case it never matches.
-    return !digest.Opened || digest.Md5 != p_Entry.Md5;
+        return {};
+    return {Look::Verdict::Hash, p_Digests.Add(Folder + p_Entry.Path)};
 }
 
 ManifestComparison::Findings ManifestComparison::Examine(Entries const& p_Manifest) const
 {
+    constexpr std::size_t c_FilesAhead = 128; // enough for every thread, few enough to stop soon
+    constexpr std::size_t c_EntriesAhead = 1024;
+
     Findings found;
+    DigestEngine digests;
+    std::deque<Look> ahead; // from the entry that is examined on
     for (std::size_t i = 0; i < p_Manifest.size(); ++i) {
         if (!Continue()) {
             found.IsWhole = false;
             break;
         }
-        ApplicationManifestFileEntry const& entry = p_Manifest[i];
+        while (i + ahead.size() < p_Manifest.size() && ahead.size() < c_EntriesAhead &&
+               digests.Count() < c_FilesAhead)
+            ahead.push_back(LookAt(p_Manifest[i + ahead.size()], digests));
         OnEntry(i);
-        if (!entry.Locale.isEmpty() && entry.Locale != Locale)
-            continue;
-        if (SkipFirstBuildOnly && entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
-            continue;
-        if (IsBarred(entry.Path))
+        Look look = std::move(ahead.front());
+        ahead.pop_front();
+        if (look.Is == Look::Verdict::Hash &&
+            !IsOf(p_Manifest[i], digests.Take(look.File, Continue)))
+            look.Is = Look::Verdict::Fetch;
+        if (look.Is == Look::Verdict::Barred)
             found.IsWhole = false;
-        else if (MustBeFetched(entry))
-            found.Files.push_back(entry);
+        else if (look.Is == Look::Verdict::Fetch)
+            found.Files.push_back(p_Manifest[i]);
     }
     return found;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GameModules/DigestEngine.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QString>
@@ -11,7 +12,7 @@
 namespace Varnholt::Launcher {
 
 /// Finds out which entries of a manifest list must be fetched into a folder. Reads files, writes
-/// none. Works on whatever thread calls it.
+/// none. Works on whatever thread calls it, and calls back there.
 class ManifestComparison {
 public:
     using Entries = std::vector<ApplicationManifestFileEntry>;
@@ -31,7 +32,7 @@ public:
     };
 
     /// The entries whose file is missing, unreadable, of another digest, or a link that gives way
-    /// to the file, in manifest order.
+    /// to the file, in manifest order. Files are read ahead, by threads that end with this.
     Findings Examine(Entries const& p_Manifest) const;
 
     /// The entries that a pending list names and p_Found does not hold yet, in the list's order. A
@@ -43,7 +44,8 @@ public:
     Entries Named(Entries const& p_Manifest, QStringList const& p_Paths) const;
 
 private:
-    bool MustBeFetched(ApplicationManifestFileEntry const& p_Entry) const;
+    struct Look;
+    Look LookAt(ApplicationManifestFileEntry const& p_Entry, DigestEngine& p_Digests) const;
     bool IsThere(ApplicationManifestFileEntry const& p_Entry) const;
     bool IsKept(ApplicationManifestFileEntry const& p_Entry) const;
 };

@@ -9,12 +9,6 @@
 
 namespace Varnholt::Host {
 
-namespace {
-
-constexpr int c_InterruptedStatus = 130;
-
-} // namespace
-
 Program::Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
     , Settings(p_Settings)
@@ -93,7 +87,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
     if (request.Kind == RunRequest::Type::Play) {
         request.Password = Login(Chosen, Server, Settings, Output).Password();
         if (SignalWatch::IsEndRequested()) {
-            Quit(c_InterruptedStatus);
+            Quit(SignalWatch::c_Status);
             return false;
         }
         if (request.Password.isEmpty())
@@ -109,7 +103,7 @@ bool Program::AskUser(InstallStatus const& p_Status)
         QStringLiteral("Delete the files of %1 in %2?").arg(p_Status.Name, p_Status.Folder));
     if (!request.Confirmed) {
         Output.ShowNotice(QStringLiteral("Nothing was deleted."));
-        Quit(SignalWatch::IsEndRequested() ? c_InterruptedStatus : EXIT_FAILURE);
+        Quit(SignalWatch::IsEndRequested() ? SignalWatch::c_Status : EXIT_FAILURE);
     }
     return request.Confirmed;
 }
@@ -164,7 +158,7 @@ void Program::OnEnded(RunResult const& p_Result)
 void Program::OnEndRequested()
 {
     if (!IsRunning)
-        return Quit(c_InterruptedStatus);
+        return Quit(SignalWatch::c_Status);
     Output.ShowNotice(QStringLiteral("Stopping; press Ctrl-C again to stop at once."));
     Session->Interrupt();
 }

@@ -9,8 +9,6 @@ namespace Varnholt::Host {
 
 namespace {
 
-constexpr int c_InterruptedStatus = 130;
-
 std::atomic<int> g_WriteEnd{-1};
 std::atomic<bool> g_EndRequested{false};
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
@@ -18,7 +16,7 @@ static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_alw
 void Handle(int p_Signal)
 {
     if (p_Signal != SIGUSR1 && g_EndRequested.exchange(true))
-        ::_exit(c_InterruptedStatus);
+        ::_exit(SignalWatch::c_Status);
     auto const byte = static_cast<char>(p_Signal);
     // Can only fail when the pipe is full of signals that are not delivered yet.
     if (::write(g_WriteEnd, &byte, 1) != 1)

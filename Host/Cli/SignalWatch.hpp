@@ -12,11 +12,13 @@ namespace Varnholt::Host {
 /// process.
 ///
 /// A second request to end does not wait for the first one's outcome: it ends the program at once,
-/// with status 130.
+/// with `c_Status`.
 class SignalWatch : public QObject {
     Q_OBJECT
 
 public:
+    static constexpr int c_Status = 130; ///< that an interrupted program ends with
+
     explicit SignalWatch(QObject* p_Parent = nullptr);
     ~SignalWatch() override;
 

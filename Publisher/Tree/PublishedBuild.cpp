@@ -10,7 +10,7 @@ namespace Varnholt::Publisher {
 
 namespace {
 
-[[noreturn]] void Fail(QString const& p_Source, QString const& p_Cause)
+[[noreturn]] void NoManifest(QString const& p_Source, QString const& p_Cause)
 {
     throw Failure(QStringLiteral("%1: is no manifest: %2").arg(p_Source, p_Cause));
 }
@@ -31,14 +31,14 @@ void AddFiles(PublishedBuild& p_Build, QJsonValue const& p_List, bool p_Streamed
               QString const& p_Source)
 {
     if (!p_List.isArray())
-        Fail(p_Source, QStringLiteral("it has no list of %1 files")
+        NoManifest(p_Source, QStringLiteral("it has no list of %1 files")
                            .arg(QLatin1String(p_Streamed ? "streamed" : "base")));
     for (auto const& row : p_List.toArray()) {
         PublishedFile const file = FileOf(row.toObject(), p_Streamed);
         if (file.Path.isEmpty() || file.Location.isEmpty() || file.Md5.size() != 32)
-            Fail(p_Source, QStringLiteral("a file lacks its path, location or MD5"));
+            NoManifest(p_Source, QStringLiteral("a file lacks its path, location or MD5"));
         if (!file.Locale.isEmpty() && p_Build.Locales.count(file.Locale) == 0) {
-            Fail(p_Source, QStringLiteral("%1 is of the language %2, which is not on offer")
+            NoManifest(p_Source, QStringLiteral("%1 is of the language %2, which is not on offer")
                                .arg(file.Path, file.Locale));
         }
         p_Build.Files.push_back(file);
@@ -52,7 +52,7 @@ PublishedBuild PublishedBuild::Parse(QByteArray const& p_Manifest, QString const
     QJsonParseError error{};
     QJsonDocument const document = QJsonDocument::fromJson(p_Manifest, &error);
     if (error.error != QJsonParseError::NoError)
-        Fail(p_Source, error.errorString());
+        NoManifest(p_Source, error.errorString());
     QJsonObject const root = document.object();
     PublishedBuild build;
     build.Id = root[QLatin1String("build_id")].toString();
