@@ -12,6 +12,12 @@
 
 namespace Varnholt::Publisher {
 
+namespace {
+
+constexpr int c_MostJobs = 256;
+
+} // namespace
+
 BuildCommand::BuildCommand(CLI::App& p_Program)
     : Command(p_Program.add_subcommand("build", "Publish a game folder as a new build"))
 {
@@ -33,7 +39,8 @@ BuildCommand::BuildCommand(CLI::App& p_Program)
         "Exactly one file has the flag game-executable.\n"
         "\n"
         "Digests are kept in an index in the output folder; a file whose path, size, time\n"
-        "and inode are as they were is not read again.\n"
+        "and inode are as they were is not read again. A run that was interrupted or killed is\n"
+        "gone on with by the next one.\n"
         "The output folder is new, empty, or was made by this program.\n");
     AddOptions();
 }
@@ -67,8 +74,12 @@ void BuildCommand::AddOptions()
         ->check(CLI::IsMember({"mac", "win"}))
         ->capture_default_str();
     Command->add_flag("--dev", Dev, "Offer the build on the development channel only");
-    Command->add_flag("--rehash", Rehash, "Read every file, whatever the index says, and renew it");
+    Command->add_flag("--rehash", Rehash,
+                      "Read every file, whatever the index says, and renew it; read the build's "
+                      "content in the tree too and write anew what is damaged");
     Command->add_flag("--no-index", NoIndex, "Read every file and leave the index as it is");
+    Command->add_option("--jobs", Jobs, "Files to read at once (default: the number of cores)")
+        ->check(CLI::Range(1, c_MostJobs));
     Command->add_flag("--dry-run", DryRun, "Only tell what would be written");
     Command->add_flag("--if-changed", IfChanged,
                       "Publish nothing when the build on offer already equals the source");
@@ -118,6 +129,8 @@ PublishOptions BuildCommand::Options() const
     options.DevChannel = Dev;
     options.ReadIndex = !NoIndex && !Rehash;
     options.WriteIndex = !NoIndex;
+    options.ReadStore = Rehash;
+    options.Jobs = Jobs;
     options.DryRun = DryRun;
     options.IfChanged = IfChanged;
     return options;

@@ -40,8 +40,9 @@ void BuildProgress::PhaseStarted(QString const& p_Name, qint64 p_Bytes)
 void BuildProgress::BytesRead(qint64 p_Bytes)
 {
     if (int const signal = Interruption::Signal())
-        throw Failure(QStringLiteral("interrupted, nothing was published"),
-                      c_SignalStatus + signal);
+        throw Failure(
+            QStringLiteral("interrupted, nothing was published; the next run goes on from here"),
+            c_SignalStatus + signal);
     Read += p_Bytes;
     std::unique_lock const lock(Mutex, std::try_to_lock);
     if (IsTerminal && lock.owns_lock() && SinceShown.elapsed() >= c_ShowMilliseconds)

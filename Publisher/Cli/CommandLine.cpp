@@ -2,6 +2,7 @@
 
 #include "Programs/StandardStreams.hpp"
 #include "Programs/Suggestion.hpp"
+#include "Publisher/Cli/AdoptCommand.hpp"
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
@@ -90,12 +91,13 @@ int Run(int p_Count, char const* const* p_Arguments)
     PruneCommand const prune(program);
     ServerListCommand const hosts(program, ServerListCommand::List::Hosts);
     ServerListCommand const realmList(program, ServerListCommand::List::RealmList);
+    AdoptCommand const adopt(program);
     try {
         program.parse(p_Count, p_Arguments);
         if (program.get_subcommands().empty())
             throw CLI::RequiredError("A command");
-        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune, hosts,
-                         realmList);
+        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune, hosts, realmList,
+                         adopt);
     } catch (CLI::Success const& help) {
         std::ostringstream text;
         int const status = program.exit(help, text);

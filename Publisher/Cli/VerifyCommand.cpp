@@ -1,8 +1,10 @@
 #include "Publisher/Cli/VerifyCommand.hpp"
 
+#include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/Verification/ServerVerification.hpp"
+#include "Publisher/Verification/TreeRepair.hpp"
 #include "Publisher/Verification/TreeVerification.hpp"
 
 #include <CLI/CLI.hpp>
@@ -12,18 +14,26 @@ namespace Varnholt::Publisher {
 VerifyCommand::VerifyCommand(CLI::App& p_Program)
     : Command(p_Program.add_subcommand("verify", "Look whether clients get what was published"))
 {
-    Command->footer("Examples:\n"
-                    "  varnholt-publish verify --output /srv/www\n"
-                    "  varnholt-publish verify --url http://content.example.net/ --all\n"
-                    "\n"
-                    "With --output every content file of the builds that the version files name\n"
-                    "is read. With --url the server, and each mirror of its host list, is asked\n"
-                    "for the manifests and for the size of every file; a sample, or with --all\n"
-                    "each file, is read whole and its end once more as a range.\n"
-                    "Each defect is one sentence on standard error; the exit status is then 1.\n");
+    Command->footer(
+        "Examples:\n"
+        "  varnholt-publish verify --output /srv/www\n"
+        "  varnholt-publish verify --url http://content.example.net/ --all\n"
+        "\n"
+        "With --output every content file of the builds that the version files name\n"
+        "is read. With --url the server, and each mirror of its host list, is asked\n"
+        "for the manifests and for the size of every file; a sample, or with --all\n"
+        "each file, is read whole and its end once more as a range.\n"
+        "With --repair content that is missing or damaged is written anew from the same\n"
+        "file of a source folder; what is told is what was found after that.\n"
+        "Each defect is one sentence on standard error; the exit status is then 1.\n");
     auto* const output = Command->add_option("--output", Output, "Folder of a published tree");
     auto* const url = Command->add_option("--url", Url, "Address of the default content server");
     output->excludes(url);
+    auto* const source =
+        Command->add_option("--source", Source, "Folder that holds the game, to repair from");
+    Command->add_flag("--repair", Repairs, "Write damaged content anew")
+        ->needs(output)
+        ->needs(source);
     auto* const sample =
         Command->add_option("--sample", Sample, "Files to read whole on each server")
             ->check(CLI::Range(0, 1'000'000))
@@ -67,6 +77,11 @@ VerificationSummary VerifyCommand::Verify() const
         return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll}).Run();
     if (Output.empty())
         throw Failure(QStringLiteral("verify: give --output or --url"), Failure::c_Usage);
+    if (Repairs) {
+        BuildProgress progress;
+        return RepairTree(QString::fromStdString(Output), appId, QString::fromStdString(Source),
+                          progress);
+    }
     PublishedTree const tree(QString::fromStdString(Output), appId);
     return TreeVerification(tree).Run();
 }

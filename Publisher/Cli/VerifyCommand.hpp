@@ -31,6 +31,8 @@ private:
     std::string AppId = "pelmora_app";
     int Sample = 20;
     bool ReadsAll = false;
+    bool Repairs = false;
+    std::string Source;
 };
 
 } // namespace Varnholt::Publisher

@@ -10,6 +10,7 @@ struct RollbackOptions {
     QString AppId;
     QString Build;
     bool DevChannel = false;
+    bool Quick = false; ///< look only whether its content files are there, do not read them
 };
 
 /// Makes a channel offer a build that is published already.

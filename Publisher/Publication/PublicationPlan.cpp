@@ -2,7 +2,6 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/ServerLists.hpp"
-#include "Publisher/Tree/ContentStore.hpp"
 #include "Publisher/Tree/ManifestWriter.hpp"
 
 #include <QFile>
@@ -25,11 +24,11 @@ bool Holds(QString const& p_File, QByteArray const& p_Content)
 } // namespace
 
 PublicationPlan::PublicationPlan(PublishOptions const& p_Options, RuleSet const& p_Rules,
-                                 std::vector<BuildFile> const& p_Files)
+                                 std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
     : Options(p_Options)
     , Tree(p_Options.Output, p_Options.AppId)
 {
-    AddContent(p_Files);
+    AddContent(p_Files, p_Store);
     AddManifest(ManifestWriter::Write(Options.Build, p_Rules.Locales, p_Files, Options.Platform));
     AddServerFiles();
     Version = {Tree.VersionPath(Options.DevChannel), BuildCatalog::VersionText(Options.Build.Id)};
@@ -81,12 +80,11 @@ std::vector<TreeFile> PublicationPlan::TreeFiles() const
     return files;
 }
 
-void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files)
+void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
 {
-    ContentStore const store(Tree.Folder());
     QSet<QString> known;
     for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !store.Holds(file))
+        if (!known.contains(file.Md5) && !p_Store.Holds(file.Md5, file.Source.Size))
             Content.push_back(file);
         known.insert(file.Md5);
     }
@@ -96,6 +94,16 @@ void PublicationPlan::AddManifest(QByteArray const& p_Manifest)
 {
     QString const path = Tree.ManifestPath(Options.Build.Id);
     if (!QFileInfo(path).isFile()) {
+        BuildRecord record = Tree.Record();
+        if (record.MayBeCached(Options.Build.Id, p_Manifest)) {
+            throw Failure(QStringLiteral("%1: another build of this name was removed less than %2 "
+                                         "days ago and may be held by caches: choose another "
+                                         "--build")
+                              .arg(path)
+                              .arg(BuildRecord::c_CachedDays));
+        }
+        record.SetOrder(Tree.Builds() + QStringList(Options.Build.Id));
+        Record = {record.Path(), record.Text()};
         Manifest.push_back({path, p_Manifest});
         return;
     }

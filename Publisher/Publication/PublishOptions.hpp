@@ -26,6 +26,8 @@ struct PublishOptions {
     bool DevChannel = false; ///< only clients on the development channel get this build
     bool ReadIndex = true;   ///< take the digests of unchanged files from the index
     bool WriteIndex = true;  ///< renew the index
+    bool ReadStore = false;  ///< write content of the tree anew whose bytes are damaged
+    int Jobs = 0;            ///< files that are read at once; 0: as many as there are cores
     bool DryRun = false;     ///< change nothing, only answer what would be written
     bool IfChanged = false; ///< publish nothing when the channel's build is what would be published
 };

@@ -13,7 +13,8 @@ struct SourceFile {
     std::filesystem::path::string_type Location;
     qint64 Size = 0; ///< bytes
     std::filesystem::file_time_type Modified;
-    quint64 Inode = 0; ///< tells it from another file that took its place
+    quint64 Inode = 0;  ///< tells it from another file that took its place
+    qint64 Changed = 0; ///< ns, moves with whatever is done to it, also when `Modified` is set back
 };
 
 } // namespace Varnholt::Publisher

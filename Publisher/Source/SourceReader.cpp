@@ -14,16 +14,26 @@ namespace {
 
 constexpr std::size_t c_BlockBytes = 256UL * 1024;
 
-bool IsAsScanned(SourceFile const& p_File)
+bool IsAsScanned(QFile const& p_Open, SourceFile const& p_File)
 {
-    std::error_code error;
-    auto const size = std::filesystem::file_size(p_File.Location, error);
-    if (error || static_cast<qint64>(size) != p_File.Size)
-        return false;
-    return std::filesystem::last_write_time(p_File.Location, error) == p_File.Modified && !error;
+    struct stat status = {};
+    return ::fstat(p_Open.handle(), &status) == 0 && status.st_size == p_File.Size &&
+           status.st_ino == p_File.Inode && ChangeTime(status) == p_File.Changed;
 }
 
 } // namespace
+
+qint64 ChangeTime(struct stat const& p_Status)
+{
+    constexpr qint64 c_Second = 1'000'000'000;
+
+#ifdef Q_OS_MACOS
+    timespec const& time = p_Status.st_ctimespec;
+#else
+    timespec const& time = p_Status.st_ctim;
+#endif
+    return time.tv_sec * c_Second + time.tv_nsec;
+}
 
 QString ChangedText(SourceFile const& p_File)
 {
@@ -47,7 +57,7 @@ QString Read(SourceFile const& p_File, BlockSink const& p_Sink)
     }
     if (bytes < 0)
         throw Failure(p_File.Path + QStringLiteral(": cannot be read: ") + file.errorString());
-    if (total != p_File.Size || !IsAsScanned(p_File))
+    if (total != p_File.Size || !IsAsScanned(file, p_File))
         throw Failure(ChangedText(p_File));
     return QString::fromLatin1(hash.result().toHex()).toUpper();
 }

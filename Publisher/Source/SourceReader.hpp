@@ -6,6 +6,8 @@
 
 #include <functional>
 
+#include <sys/stat.h>
+
 namespace Varnholt::Publisher::SourceReader {
 
 /// Gets each block as it was read; may throw to stop the reading.
@@ -15,6 +17,9 @@ using BlockSink = std::function<void(char const* p_Data, qint64 p_Bytes)>;
 /// \return its MD5 digest, 32 upper-case hexadecimal digits
 /// \throws Failure when it cannot be read, or is not the file any more that the scan found
 QString Read(SourceFile const& p_File, BlockSink const& p_Sink);
+
+/// When a file was changed in any way, in ns.
+qint64 ChangeTime(struct stat const& p_Status);
 
 /// What to report about a file that was altered between two looks at it.
 QString ChangedText(SourceFile const& p_File);

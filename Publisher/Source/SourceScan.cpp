@@ -3,6 +3,7 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/Source/NativePath.hpp"
 #include "Publisher/Source/PathChecks.hpp"
+#include "Publisher/Source/SourceReader.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -107,6 +108,7 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
     if (error)
         throw FailureOf(path, error);
     file.Inode = status.st_ino;
+    file.Changed = SourceReader::ChangeTime(status);
     Files.push_back({file, treatment, QString()});
 }
 

@@ -12,14 +12,17 @@ class TreeVerification {
 public:
     explicit TreeVerification(PublishedTree const& p_Tree);
 
+    /// What the channels offer.
     VerificationSummary Run();
+    /// One build, on offer or not.
+    VerificationSummary CheckBuild(QString const& p_Build);
 
 private:
     /// A text file's bytes, null with a defect when it cannot be read.
     QByteArray Read(QString const& p_Path);
     QStringList ServedBuilds();
     void AddFiles(QString const& p_Build);
-    QString Problem(PublishedFile const& p_File) const;
+    void CheckFiles();
 
     PublishedTree const& Tree;
     VerificationSummary Summary;

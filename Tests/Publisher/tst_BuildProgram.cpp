@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <cstring>
 
 namespace Varnholt::TestSupport {
 
@@ -28,9 +29,12 @@ QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {
     return QFile::resize(p_Game.SourcePath("endless"), Q_INT64_C(200'000'000'000));
 }
 
-bool IsAtWork(PublishedGame const& p_Game)
+/// Waits until a run has the tree.
+bool IsAtWork(PublishedGame const& p_Game, ProgramRun const& p_Run)
 {
-    return QFileInfo::exists(p_Game.OutputPath(".varnholt-publish.new"));
+    QByteArray const name = "process " + QByteArray::number(p_Run.Id()) + " on ";
+    return QTest::qWaitFor([&] { return p_Game.Read(".varnholt-publish.lock").contains(name); },
+                           60000);
 }
 
 } // namespace
@@ -56,6 +60,8 @@ private Q_SLOTS:
     void AnInterruptionPublishesNothing_data();
     void AnInterruptionPublishesNothing();
     void AKilledRunDoesNotStopTheNext();
+    void AFirstBuildThatWasEndedIsGoneOnWith_data();
+    void AFirstBuildThatWasEndedIsGoneOnWith();
 };
 
 void BuildProgramTest::PublishesAndTellsWhatItDid()
@@ -208,6 +214,7 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
     add(good + QStringList({"--number", "-1"}), "--number");
     add(good + QStringList({"--number", "2147483648"}), "--number");
     add(good + QStringList({"--platform", "linux"}), "--platform");
+    add(good + QStringList({"--jobs", "0"}), "--jobs");
     add(good + QStringList({"--hosts", "http://a"}), "--hosts \"http://a\": give the host name");
     add(good + QStringList({"--hosts", "a,b c"}), "--hosts \"b c\": a host name holds no blank");
     add(good + QStringList({"--hosts", "a,"}), "--hosts \"\": a host name is empty");
@@ -262,7 +269,7 @@ void BuildProgramTest::HelpNamesEveryOption_data()
                                            "--app-id", "--json"});
     QTest::newRow("what the build may skip")
         << QStringList({"build", "--help"})
-        << QStringList({"--rehash", "--no-index", "--dry-run", "--if-changed", "--json"});
+        << QStringList({"--rehash", "--no-index", "--jobs", "--dry-run", "--if-changed", "--json"});
     QTest::newRow("build") << QStringList({"build", "--help"})
                            << QStringList({"--source",
                                            "--output",
@@ -349,12 +356,14 @@ void BuildProgramTest::AnInterruptionPublishesNothing()
     Tree const before = game.Published();
     QVERIFY(PutEndlessFile(game));
     ProgramRun run(Arguments(game).replaceInStrings("build_1", "build_2"));
-    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    QVERIFY(IsAtWork(game, run));
     run.Signal(signal);
     ProgramResult const result = run.Finish();
     QCOMPARE(result.Status, 128 + signal);
     QCOMPARE(result.Output, QByteArray());
-    QCOMPARE(result.Errors, QByteArray("varnholt-publish: interrupted, nothing was published\n"));
+    QCOMPARE(result.Errors,
+             QByteArray("varnholt-publish: interrupted, nothing was published; the next "
+                        "run goes on from here\n"));
     QCOMPARE(game.Published(), before);
 }
 
@@ -363,20 +372,57 @@ void BuildProgramTest::AKilledRunDoesNotStopTheNext()
     PublishedGame game;
     QVERIFY(PutEndlessFile(game));
     ProgramRun run(Arguments(game));
-    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    QVERIFY(IsAtWork(game, run));
     ProgramResult const second = RunProgram(Arguments(game));
     QCOMPARE(second.Status, 1);
     QVERIFY2(second.Errors.contains(": another run is publishing there"),
              second.Errors.constData());
     run.Signal(SIGKILL);
     QCOMPARE(run.Finish().Status, -1);
-    QVERIFY(IsAtWork(game));
     QVERIFY(game.Read("pelmora_app/version.json").isNull());
     QVERIFY(QFile::remove(game.SourcePath("endless")));
     ProgramResult const next = RunProgram(Arguments(game));
     QCOMPARE(next.Errors, QByteArray());
     QCOMPARE(next.Status, 0);
-    QVERIFY(!IsAtWork(game));
+}
+
+void BuildProgramTest::AFirstBuildThatWasEndedIsGoneOnWith_data()
+{
+    QTest::addColumn<int>("signal");
+    for (int const signal : {SIGKILL, SIGINT, SIGTERM})
+        QTest::newRow(strsignal(signal)) << signal;
+}
+
+void BuildProgramTest::AFirstBuildThatWasEndedIsGoneOnWith()
+{
+    constexpr int c_Bytes = 300'000;
+
+    QFETCH(int, signal);
+    PublishedGame game;
+    for (char letter = 'a'; letter < 'f'; ++letter)
+        game.Put(QString(QLatin1Char(letter)), QByteArray(c_Bytes, letter));
+    QVERIFY(PutEndlessFile(game));
+    game.Age();
+    {
+        // One thread is kept by the endless file, the other gets through all the rest.
+        ProgramRun run(Arguments(game, {"--jobs", "2"}));
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                return game.Read(".varnholt-publish.pelmora_app.staged/journal")
+                    .endsWith(" Game\n");
+            },
+            60000));
+        run.Signal(signal);
+        run.Finish();
+    }
+    QCOMPARE(game.Published(), Tree());
+    QVERIFY(QFile::remove(game.SourcePath("endless")));
+    ProgramResult const next = RunProgram(Arguments(game));
+    QCOMPARE(next.Errors, QByteArray());
+    QVERIFY2(next.Output.contains("\nfrom index   1500008 bytes in 6 files\n"),
+             next.Output.constData());
+    QVERIFY(next.Output.contains("\nnew content  1500008 bytes in 6 files\n"));
+    QCOMPARE(RunProgram({"verify", "--output", game.Options.Output}).Status, 0);
 }
 
 } // namespace Varnholt::TestSupport

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Publisher/Publication/PublicationObserver.hpp"
+#include "Publisher/Tree/ContentStaging.hpp"
+#include "Publisher/Tree/ContentStore.hpp"
+
+#include <QByteArray>
+#include <QSet>
+
+#include <mutex>
+
+namespace Varnholt::Publisher {
+
+/// Reads source files for their digests and stages, in the same pass, what the tree does not hold.
+///
+/// A file whose size no content has is new and is copied as it is read. Of the others a small one
+/// waits in memory for its digest, and a large one is only read: most are there already.
+class ContentIntake {
+public:
+    /// All arguments must outlive the object. \param p_Staging null: nothing is staged
+    ContentIntake(ContentStore const& p_Store, ContentStaging* p_Staging,
+                  PublicationObserver& p_Observer);
+
+    /// Any thread. \return the digest \throws Failure
+    QString Read(SourceFile const& p_File);
+
+    /// Stages content that was only read, or not even that. Any thread.
+    /// \return the digest of what was staged \throws Failure
+    QString Stage(SourceFile const& p_File);
+
+private:
+    bool IsNewSize(SourceFile const& p_File, QByteArray const& p_Start);
+    bool Claim(QByteArray const& p_Content);
+
+    ContentStore const& Store;
+    ContentStaging* Staging;
+    PublicationObserver& Observer;
+    std::mutex Mutex;
+    QSet<QByteArray> Claimed; ///< what is staged by one file need not be by another
+};
+
+} // namespace Varnholt::Publisher
