@@ -16,14 +16,20 @@ public:
     ContentIntake(ContentStore const& p_Store, ContentStaging* p_Staging,
                   PublicationObserver& p_Observer);
 
-    /// Any thread. \return the digest \throws Failure
-    QString Read(SourceFile const& p_File);
+    /// Any thread. \param p_Files as many as `SourceReader` takes
+    /// \return the digests \throws Failure
+    std::vector<QString> Read(std::vector<SourceFile const*> const& p_Files);
 
     /// Stages content that was only read, or not even that. Any thread.
     /// \return the digest of what was staged \throws Failure
     QString Stage(SourceFile const& p_File);
 
 private:
+    struct Arrival;
+
+    void Take(Arrival& p_Arrival, char const* p_Data, qint64 p_Bytes);
+    void Finish(Arrival& p_Arrival, QString const& p_Md5);
+
     ContentStore const& Store;
     ContentStaging* Staging;
     PublicationObserver& Observer;

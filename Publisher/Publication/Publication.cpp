@@ -47,6 +47,28 @@ std::vector<std::size_t> UnhashedLargestFirst(std::vector<BuildFile> const& p_Fi
     return order;
 }
 
+/// Files that are read side by side: an end in between costs the next run no more than them, so
+/// large ones go alone.
+std::vector<std::vector<BuildFile*>> GroupsOf(std::vector<BuildFile>& p_Files,
+                                              std::vector<std::size_t> const& p_Order)
+{
+    constexpr qint64 c_GroupBytes = 512LL * 1024 * 1024;
+
+    std::vector<std::vector<BuildFile*>> groups;
+    qint64 bytes = 0;
+    for (std::size_t const index : p_Order) {
+        BuildFile& file = p_Files[index];
+        bytes += file.Source.Size;
+        if (groups.empty() || bytes > c_GroupBytes ||
+            groups.back().size() == SourceReader::c_MostFiles) {
+            groups.emplace_back();
+            bytes = file.Source.Size;
+        }
+        groups.back().push_back(&file);
+    }
+    return groups;
+}
+
 } // namespace
 
 Publication::Publication(PublishOptions const& p_Options, PublicationObserver& p_Observer)
@@ -137,14 +159,21 @@ void Publication::Hash(std::vector<BuildFile>& p_Files)
         bytes += p_Files[index].Source.Size;
     Observer.PhaseStarted(QStringLiteral("Reading"), bytes);
     bool const isNoted = Options.WriteIndex && !Options.DryRun;
+    std::vector<std::vector<BuildFile*>> const groups = GroupsOf(p_Files, order);
     ParallelFor(
-        order.size(),
+        groups.size(),
         [&](std::size_t p_Index) {
-            BuildFile& file = p_Files[order[p_Index]];
-            file.Md5 = Intake.Read(file.Source);
-            if (isNoted && IsSettled(file.Source, Scanned)) {
-                Staging.Make();
-                journal.Add(file);
+            std::vector<SourceFile const*> sources;
+            for (BuildFile const* const file : groups[p_Index])
+                sources.push_back(&file->Source);
+            std::vector<QString> const digests = Intake.Read(sources);
+            for (std::size_t i = 0; i < digests.size(); ++i) {
+                BuildFile& file = *groups[p_Index][i];
+                file.Md5 = digests[i];
+                if (isNoted && IsSettled(file.Source, Scanned)) {
+                    Staging.Make();
+                    journal.Add(file);
+                }
             }
         },
         Options.Jobs);

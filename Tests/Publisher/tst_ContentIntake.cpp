@@ -14,7 +14,8 @@ using Publisher::PublicationSummary;
 
 namespace {
 
-constexpr int c_Large = 300 * 1024; ///< more than a block
+constexpr int c_Large = 600 * 1024; ///< more than a block
+constexpr int c_Group = 16;         ///< files that are read side by side
 
 /// A large file's content, one for each letter.
 QByteArray Large(char p_Letter)
@@ -97,12 +98,12 @@ void ContentIntakeTest::HolesTakeNoRoom()
 void ContentIntakeTest::AStoppedBuildGoesOn()
 {
     PublishedGame game;
-    for (char const letter : {'a', 'b', 'c'})
+    for (char letter = 'a'; letter < 'u'; ++letter)
         game.Put(QString("Data/%1").arg(QLatin1Char(letter)), Large(letter));
     game.Age();
     game.Options.Jobs = 1;
     game.Observer.OnBytes = [&] {
-        if (game.Observer.Bytes > 2 * c_Large)
+        if (game.Observer.Bytes > c_Group * c_Large)
             throw Publisher::Failure("stopped");
     };
     QCOMPARE(game.FailureSentence(), QString("stopped"));
@@ -110,13 +111,13 @@ void ContentIntakeTest::AStoppedBuildGoesOn()
     game.Observer.OnBytes = {};
     game.Observer.Bytes = 0;
     PublicationSummary const summary = game.Publish();
-    QCOMPARE(summary.IndexedFiles, 2);
-    QCOMPARE(summary.NewContentFiles, 4);
-    QCOMPARE(game.Observer.Bytes.load(), c_Large + 8);
-    for (char const letter : {'a', 'b', 'c'})
+    QCOMPARE(summary.IndexedFiles, c_Group);
+    QCOMPARE(summary.NewContentFiles, 21);
+    QCOMPARE(game.Observer.Bytes.load(), 4 * c_Large + 8);
+    for (char letter = 'a'; letter < 'u'; ++letter)
         QCOMPARE(game.Read(PublishedGame::ContentPath(Large(letter))), Large(letter));
     QVERIFY(!QFileInfo::exists(game.OutputPath(".varnholt-publish.pelmora_app.staged")));
-    QCOMPARE(game.Publish("build_2").IndexedFiles, 4);
+    QCOMPARE(game.Publish("build_2").IndexedFiles, 21);
 }
 
 void ContentIntakeTest::AStoppedBuildOfAnotherSourceIsNotBelieved()
@@ -140,11 +141,12 @@ void ContentIntakeTest::AStoppedBuildOfAnotherSourceIsNotBelieved()
 void ContentIntakeTest::WhatAPowerFailureMayHaveTakenIsReadAgain()
 {
     PublishedGame game;
-    game.Put("Data/a", Large('a'));
+    for (char letter = 'a'; letter < 'u'; ++letter)
+        game.Put(QString("Data/%1").arg(QLatin1Char(letter)), Large(letter));
     game.Age();
     game.Options.Jobs = 1;
     game.Observer.OnBytes = [&] {
-        if (game.Observer.Bytes > c_Large)
+        if (game.Observer.Bytes > c_Group * c_Large)
             throw Publisher::Failure("stopped");
     };
     QCOMPARE(game.FailureSentence(), QString("stopped"));
