@@ -35,7 +35,7 @@ bool IsOfThisBoot(QString const& p_File)
 
 bool IsZero(char const* p_Data, qint64 p_Bytes)
 {
-    return p_Data[0] == 0 &&
+    return p_Bytes > 0 && p_Data[0] == 0 &&
            std::memcmp(p_Data, p_Data + 1, static_cast<std::size_t>(p_Bytes) - 1) == 0;
 }
 
