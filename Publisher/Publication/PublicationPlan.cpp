@@ -84,8 +84,9 @@ void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files, ContentS
 {
     QSet<QString> known;
     for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !p_Store.Holds(file.Md5, file.Source.Size))
-            Content.push_back(file);
+        if (known.contains(file.Md5) || p_Store.Holds(file.Md5, file.Source.Size))
+            continue;
+        Content.push_back(file);
         known.insert(file.Md5);
     }
 }

@@ -18,6 +18,9 @@ using BlockSink = std::function<void(char const* p_Data, qint64 p_Bytes)>;
 /// \throws Failure when it cannot be read, or is not the file any more that the scan found
 QString Read(SourceFile const& p_File, BlockSink const& p_Sink);
 
+/// When a file's content was changed, since 1970.
+std::chrono::nanoseconds ModificationTime(struct stat const& p_Status);
+
 /// When a file was changed in any way, in ns.
 qint64 ChangeTime(struct stat const& p_Status);
 
