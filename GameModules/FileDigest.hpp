@@ -20,4 +20,8 @@ struct Digest {
 /// \param p_Continue asked before each block; false ends the reading
 Digest Of(QString const& p_Path, std::function<bool()> const& p_Continue);
 
+/// Asks and answers as `Of` does for a file whose digest is known.
+/// \param p_Size bytes
+Digest Known(QString const& p_Md5, qint64 p_Size, std::function<bool()> const& p_Continue);
+
 } // namespace Varnholt::Launcher::FileDigest

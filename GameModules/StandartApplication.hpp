@@ -244,7 +244,8 @@ protected:
     void UpdatePendingList(QString const& p_Added);
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
     /// again, in the words of the log
-    char const* PlaceFile(ApplicationManifestFileEntry const& p_Entry, bool p_Continuable);
+    char const* PlaceFile(ApplicationManifestFileEntry const& p_Entry, bool p_Continuable,
+                          std::optional<FollowingDigest::Result> const& p_Digest);
     /// Takes what stands in a file's place away, of a link the link itself.
     void RemoveOldFile(QString const& p_Path);
     void RetryOrGiveUp(char const* p_Reason, ApplicationManifestFileEntry const& p_Entry,

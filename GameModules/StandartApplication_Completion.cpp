@@ -52,6 +52,7 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
     // Copies: the list grows on a retry, and a host that is told of an error may do anything.
     // One that lets events through while it shows the error has the record deleted meanwhile.
     ApplicationManifestFileEntry const entry = FilesToDownload[CurrentDownloadIndex];
+    auto const digest = p_Request->Digest;
     bool const aborted = p_Request->Aborted;
     quint64 const contentLength = p_Request->ContentLength;
     qint64 const unsampled = p_Request->BytesOnDisk - p_Request->RateSampleBytes;
@@ -65,7 +66,7 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
         DownloadedBytes += static_cast<quint64>(p_Request->CurrentBytes);
     } else {
         DownloadedBytes += contentLength;
-        char const* const reason = PlaceFile(entry, p_Request->Continuable);
+        char const* const reason = PlaceFile(entry, p_Request->Continuable, digest);
         if (!IsCurrentRun(run))
             return;
         if (reason != nullptr)
@@ -89,7 +90,8 @@ void StandartApplication::UpdatePendingList(QString const& p_Added)
 }
 
 char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                                           bool p_Continuable)
+                                           bool p_Continuable,
+                                           std::optional<FollowingDigest::Result> const& p_Digest)
 {
     QString const folder = Folder();
     Links.LookAgain(); // the run may have begun hours ago
@@ -103,7 +105,9 @@ char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p
     if (QFileInfo(part).isSymbolicLink()) // put there since the transfer was begun
         QFile::remove(part);
 
-    auto const digest = FileDigest::Of(part, ShouldContinue);
+    auto const digest = p_Digest && p_Digest->IsOf(part)
+                            ? FileDigest::Known(p_Digest->Md5, p_Digest->Size, ShouldContinue)
+                            : FileDigest::Of(part, ShouldContinue);
     if (!digest.Opened)
         return "(IO) Download restarted for ";
     if (digest.Md5 != p_Entry.Md5) {

@@ -1,6 +1,5 @@
 #include "Host/Cli/CommandLine.hpp"
 #include "Host/Core/Session/HostSession.hpp"
-#include "Programs/FreedMemory.hpp"
 #include "Programs/StandardStreams.hpp"
 
 #include <QCoreApplication>
@@ -11,7 +10,6 @@
 int main(int p_Count, char** p_Arguments)
 {
     Varnholt::Programs::StandardStreams::Prepare();
-    Varnholt::Programs::FreedMemory::Keep();
     QCoreApplication const application(p_Count, p_Arguments);
     // File names are UTF-8 wherever this runs, also where the locale says nothing of the kind.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));

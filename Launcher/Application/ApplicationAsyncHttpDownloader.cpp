@@ -11,6 +11,8 @@
 #include <QNetworkRequest>
 #include <QUrl>
 
+#include <array>
+
 namespace Varnholt::Launcher {
 
 namespace {
@@ -84,6 +86,7 @@ void ApplicationAsyncHttpDownloader::run()
 
     // In its own thread, and now: its sockets and its helper thread end here.
     RestartTimer.reset();
+    Follower.reset();
     delete NetworkManager;
     NetworkManager = nullptr;
     Request->Reply = nullptr;
@@ -122,6 +125,7 @@ bool ApplicationAsyncHttpDownloader::StartDownload()
         Current = {};
         Request->BytesOnDisk = 0;
         if (size == 0) {
+            Follower.reset();
             Request->Continuable = true;
             HoldsErrorPage = false;
         }
@@ -159,7 +163,7 @@ void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead()
     // The two pauses throttle the thread: blocks grow instead of becoming more.
     msleep(c_BlockPauseMilliseconds);
     QNetworkReply* const reply = Request->Reply;
-    Append(reply->readAll());
+    Append(*reply);
     if (RateClock::Elapsed(Request->RateTimer) >= c_RateSampleMilliseconds)
         SampleRate();
     Q_EMIT AsyncOnHTTPDownloadProgressUpdate(Request);
@@ -170,28 +174,50 @@ void ApplicationAsyncHttpDownloader::HTTP_OnReadyRead()
     msleep(c_BlockPauseMilliseconds);
 }
 
-void ApplicationAsyncHttpDownloader::Append(QByteArray const& p_Bytes)
+void ApplicationAsyncHttpDownloader::Append(QNetworkReply& p_Reply)
 {
-    Current.ReceivedBytes += p_Bytes.size();
+    constexpr std::size_t c_PieceBytes = 64UL * 1024;
+
     bool const successful = AnswerIsSuccess();
-    if (successful)
-        Current.BroughtBytes |= !p_Bytes.isEmpty();
-    else if (Current.ResumePoint > 0)
-        return; // an error page behind the bytes of an earlier attempt would spoil them
-    else
-        HoldsErrorPage = true;
+    // An error page behind the bytes of an earlier attempt would spoil them.
+    bool const isKept = successful || Current.ResumePoint == 0;
     bool const rangeIgnored = Current.ResumePoint > 0 && StatusCode() != c_PartialContent;
-    if (HoldsErrorPage || rangeIgnored)
-        Request->Continuable = false;
+    if (isKept) {
+        HoldsErrorPage = HoldsErrorPage || !successful;
+        if (HoldsErrorPage || rangeIgnored)
+            Request->Continuable = false;
+    }
 
     // Unbuffered, so that a full disk shows here and what stands in the file is known.
     QFile file(FilePath);
-    bool const opened = file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
-    bool const written = opened && file.write(p_Bytes) == p_Bytes.size();
+    bool const opened =
+        isKept && file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    bool written = opened;
+    // Taken as one array, what has piled up would be megabytes of new memory each time.
+    std::array<char, c_PieceBytes> piece;
+    for (qint64 read = 0; (read = p_Reply.read(piece.data(), piece.size())) > 0;) {
+        Current.ReceivedBytes += read;
+        Current.BroughtBytes |= successful;
+        written = written && file.write(piece.data(), read) == read;
+    }
+    if (!isKept)
+        return;
     // The end of an error page is awaited all the same: its error is still to be told.
     Current.WriteFailed = successful && !written;
     if (opened)
         Request->BytesOnDisk = file.size();
+    FollowFile();
+}
+
+/// Has what stands in a large file hashed while the rest of it arrives.
+void ApplicationAsyncHttpDownloader::FollowFile()
+{
+    constexpr qint64 c_Worthwhile = qint64{4} * 1024 * 1024; // is hashed in a moment at the end
+
+    if (!Follower && Request->BytesOnDisk >= c_Worthwhile)
+        Follower = std::make_unique<FollowingDigest>(FilePath);
+    if (Follower)
+        Follower->Follow(Request->BytesOnDisk);
 }
 
 void ApplicationAsyncHttpDownloader::SampleRate()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Launcher/Application/FollowingDigest.hpp"
 #include "Launcher/Application/HTTP_DownloadFileRequest.hpp"
 
 #include <QElapsedTimer>
@@ -97,7 +98,8 @@ private:
     };
 
     bool StartDownload();
-    void Append(QByteArray const& p_Bytes);
+    void Append(QNetworkReply& p_Reply);
+    void FollowFile();
     void SampleRate();
     std::function<void()> CleanUpClosure();
 
@@ -119,8 +121,9 @@ private:
     bool HoldsErrorPage = false; ///< the destination starts with an error page
     int FruitlessRestarts = 0;   ///< in a row, without a byte of a successful answer
     int StartOvers = 0;
-    std::unique_ptr<QTimer> RestartTimer; ///< runs during the pause before a restart
-    QElapsedTimer SinceEnd;               ///< started at the end of `run()`
+    std::unique_ptr<FollowingDigest> Follower; ///< of a file that is worth it
+    std::unique_ptr<QTimer> RestartTimer;      ///< runs during the pause before a restart
+    QElapsedTimer SinceEnd;                    ///< started at the end of `run()`
 };
 
 } // namespace Varnholt::Launcher

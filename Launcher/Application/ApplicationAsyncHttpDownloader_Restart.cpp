@@ -201,6 +201,9 @@ void ApplicationAsyncHttpDownloader::HonourAbort()
 
 void ApplicationAsyncHttpDownloader::EndTransfer()
 {
+    // Here, and not where the file is judged, which must not be kept waiting.
+    if (Follower)
+        Request->Digest = Follower->CatchUp([this] { return !Request->Aborted; });
     Q_EMIT AsyncOnHTTPDownloadProgressComplete(Request);
     if (Request->Aborted)
         Request->AbortAcknowledged = true;

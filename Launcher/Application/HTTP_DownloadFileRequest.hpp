@@ -1,11 +1,14 @@
 #pragma once
 
+#include "Launcher/Application/FollowingDigest.hpp"
+
 #include <QMetaType>
 #include <QString>
 #include <QTime>
 
 #include <atomic>
 #include <functional>
+#include <optional>
 
 class QNetworkReply;
 
@@ -37,6 +40,8 @@ struct HTTP_DownloadFileRequest {
     /// The destination holds nothing but the file's leading bytes, so that another attempt may
     /// continue it. False once a transfer has ended as complete or has written anything else.
     bool Continuable = true;
+    /// What stands at the destination, when a large transfer has ended as complete.
+    std::optional<FollowingDigest::Result> Digest;
 
     /// Stops the transfer and returns when it has ended, within about 100 ms whatever the server
     /// does; at once when it has ended already. Any thread but the download thread, as long as the

@@ -32,14 +32,14 @@ void AddFiles(PublishedBuild& p_Build, QJsonValue const& p_List, bool p_Streamed
 {
     if (!p_List.isArray())
         NoManifest(p_Source, QStringLiteral("it has no list of %1 files")
-                           .arg(QLatin1String(p_Streamed ? "streamed" : "base")));
+                                 .arg(QLatin1String(p_Streamed ? "streamed" : "base")));
     for (auto const& row : p_List.toArray()) {
         PublishedFile const file = FileOf(row.toObject(), p_Streamed);
         if (file.Path.isEmpty() || file.Location.isEmpty() || file.Md5.size() != 32)
             NoManifest(p_Source, QStringLiteral("a file lacks its path, location or MD5"));
         if (!file.Locale.isEmpty() && p_Build.Locales.count(file.Locale) == 0) {
             NoManifest(p_Source, QStringLiteral("%1 is of the language %2, which is not on offer")
-                               .arg(file.Path, file.Locale));
+                                     .arg(file.Path, file.Locale));
         }
         p_Build.Files.push_back(file);
     }

@@ -33,6 +33,8 @@ private Q_SLOTS:
     void AWrongPartThatCannotBeContinuedIsRemoved();
     void AWrongPartThatCanBeContinuedStays();
     void AStoppedHashIsAWrongDigestAndKeepsThePart();
+    void ADigestFromTheArrivalIsTaken_data();
+    void ADigestFromTheArrivalIsTaken();
     void PermissionsFollowTheFlags_data();
     void PermissionsFollowTheFlags();
     void PermissionsReachNamesThatAShellReads();
@@ -151,9 +153,7 @@ void VerificationTest::AFolderInPlaceOfTheFileIsReportedAndRestarted()
 
 void VerificationTest::AnOldFileThatCannotBeRemovedIsReported()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root removes files from read-only folders");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     HandMadeRun run;
     run.Add({"Data/a", "right"}).Add({"b", "b"}).Put("Data/a", "old");
     run.List();
@@ -205,6 +205,43 @@ void VerificationTest::AStoppedHashIsAWrongDigestAndKeepsThePart()
     QCOMPARE(run.Logged(c_Md5, "a"), 1);
     QCOMPARE(run.Read("a.part"), bytes);
     QVERIFY(!run.Has("a"));
+}
+
+void VerificationTest::ADigestFromTheArrivalIsTaken_data()
+{
+    QTest::addColumn<bool>("isTouched");
+    QTest::addColumn<int>("answers");
+    QTest::addColumn<bool>("isPlaced");
+    QTest::newRow("for the bytes that lie there") << false << 99 << true;
+    QTest::newRow("not when more was written") << true << 99 << false;
+    QTest::newRow("not when it is stopped") << false << 1 << false;
+}
+
+/// What was hashed is told to be the right file, and is not: only who reads it again finds out.
+void VerificationTest::ADigestFromTheArrivalIsTaken()
+{
+    QFETCH(bool, isTouched);
+    QFETCH(int, answers);
+    QFETCH(bool, isPlaced);
+    HandMadeRun run;
+    QByteArray const bytes = SampleContent::Bytes(20000);
+    run.Add({"a", bytes}).Add({"b", "b"});
+    run.List();
+    QByteArray const wrong(20000, 'x');
+    run.Put("a.part", wrong);
+    QString const part = run.Path("a.part");
+    Launcher::FollowingDigest follower(part);
+    follower.Follow(wrong.size());
+    Launcher::HTTP_DownloadFileRequest request;
+    request.Digest = follower.CatchUp([] { return true; });
+    QVERIFY(request.Digest);
+    request.Digest->Md5 = SampleContent::Md5(bytes);
+    if (isTouched)
+        run.Put("a.part", wrong + "x");
+    run.AnswerContinue([&](int p_Question) { return p_Question <= answers; });
+    run.Complete(request);
+    QCOMPARE(run.Has("a"), isPlaced);
+    QCOMPARE(run.Logged(c_Md5, "a"), isPlaced ? 0 : 1);
 }
 
 void VerificationTest::PermissionsFollowTheFlags_data()

@@ -50,6 +50,7 @@ DownloadEvent DownloadBench::Look(HTTP_DownloadFileRequest const& p_Request)
     event.Resume = p_Request.Resume;
     event.Restarting = p_Request.Restarting;
     event.Continuable = p_Request.Continuable;
+    event.Digest = p_Request.Digest;
     return event;
 }
 

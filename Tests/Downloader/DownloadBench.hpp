@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace Varnholt::TestSupport {
@@ -53,6 +54,7 @@ struct DownloadEvent {
     bool Resume = false;
     bool Restarting = false;
     bool Continuable = false;
+    std::optional<Launcher::FollowingDigest::Result> Digest;
     QByteArray Content; ///< of the file, at a restart and at the completion
 };
 
