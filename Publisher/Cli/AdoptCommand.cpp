@@ -1,5 +1,6 @@
 #include "Publisher/Cli/AdoptCommand.hpp"
 
+#include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Publication/TreeAdoption.hpp"
 
@@ -28,7 +29,10 @@ bool AdoptCommand::IsChosen() const
 int AdoptCommand::Run() const
 {
     QString const output = QString::fromStdString(Output);
-    AdoptTree(output, QString::fromStdString(AppId));
+    {
+        BuildProgress progress(Json);
+        AdoptTree(output, QString::fromStdString(AppId), progress);
+    }
     if (Json)
         ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("adopt")},
                                 {QStringLiteral("output"), output}});

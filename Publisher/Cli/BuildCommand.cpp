@@ -97,7 +97,7 @@ int BuildCommand::Run() const
     Interruption::Watch();
     PublicationSummary summary;
     {
-        BuildProgress progress;
+        BuildProgress progress(Json);
         summary = Publication(options, progress).Run();
     }
     BuildReport const report(options, summary);

@@ -15,8 +15,23 @@ namespace {
 constexpr std::pair<char const*, char const*> c_Paths[] = {
     {"--source", "DIR"}, {"--output", "DIR"}, {"--root", "DIR"}, {"--rules", "FILE"}};
 
-int Report(QString const& p_Cause, int p_Status)
+/// Whether the command that was called was asked for objects.
+bool IsJson(CLI::App const& p_Program)
 {
+    auto const called = p_Program.get_subcommands();
+    CLI::Option const* const json =
+        called.empty() ? nullptr : called.front()->get_option_no_throw("--json");
+    return json && json->count() > 0;
+}
+
+int Report(QString const& p_Cause, int p_Status, bool p_Json = false)
+{
+    if (p_Json) {
+        ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("error")},
+                                {QStringLiteral("text"), p_Cause},
+                                {QStringLiteral("exitStatus"), p_Status}});
+        return p_Status;
+    }
     ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: ") + p_Cause);
     return p_Status;
 }
@@ -95,9 +110,9 @@ int CommandLine::RunCommand(int p_Count, char const* const* p_Arguments)
     } catch (CLI::ParseError const& error) {
         return Report(UsageSentence(Program, error), Failure::c_Usage);
     } catch (Failure const& failure) {
-        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus());
+        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus(), IsJson(Program));
     } catch (std::exception const& error) {
-        return Report(QString::fromUtf8(error.what()), Failure::c_Other);
+        return Report(QString::fromUtf8(error.what()), Failure::c_Other, IsJson(Program));
     }
 }
 

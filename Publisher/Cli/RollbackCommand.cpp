@@ -1,5 +1,6 @@
 #include "Publisher/Cli/RollbackCommand.hpp"
 
+#include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
 
@@ -32,7 +33,11 @@ int RollbackCommand::Run() const
 {
     RollbackOptions const options{QString::fromStdString(Output), QString::fromStdString(AppId),
                                   QString::fromStdString(Build), Dev, Quick};
-    QString const before = RollBack(options);
+    QString before;
+    {
+        BuildProgress progress(Json);
+        before = RollBack(options, &progress);
+    }
     QString const channel = Dev ? QStringLiteral("dev") : QStringLiteral("live");
     if (Json) {
         ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("rollback")},

@@ -114,7 +114,7 @@ void RulesCommand::ListFiles(RuleSet const& p_Rules) const
     PublishOptions const options = Options();
     std::vector<BuildFile> files;
     {
-        BuildProgress progress;
+        BuildProgress progress(Json);
         files = SourceListing::AllFiles(options, p_Rules, progress);
     }
     for (BuildFile const& file : files) {

@@ -8,6 +8,7 @@
 #include "Publisher/Verification/TreeVerification.hpp"
 
 #include <CLI/CLI.hpp>
+#include <QJsonArray>
 
 namespace Varnholt::Publisher {
 
@@ -42,6 +43,7 @@ VerifyCommand::VerifyCommand(CLI::App& p_Program)
     Command->add_flag("--all", ReadsAll, "Read every file whole on each server")
         ->needs(url)
         ->excludes(sample);
+    Command->add_flag("--json", Json, "One JSON object per line");
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
 }
 
@@ -53,21 +55,44 @@ bool VerifyCommand::IsChosen() const
 int VerifyCommand::Run() const
 {
     VerificationSummary const summary = Verify();
-    for (QString const& defect : summary.Defects)
+    if (Json)
+        PrintJson(summary);
+    else
+        PrintText(summary);
+    return summary.Defects.isEmpty() ? 0 : Failure::c_Other;
+}
+
+void VerifyCommand::PrintText(VerificationSummary const& p_Summary)
+{
+    for (QString const& defect : p_Summary.Defects)
         ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: ") + defect);
-    QString const servers = summary.Servers.isEmpty()
+    QString const servers = p_Summary.Servers.isEmpty()
                                 ? QString()
-                                : QStringLiteral(" on %1 servers").arg(summary.Servers.size());
+                                : QStringLiteral(" on %1 servers").arg(p_Summary.Servers.size());
     ConsoleText::PrintLine(QStringLiteral("Builds %1: %2 files looked at%3, %4 of them read, %5 "
                                           "defects")
-                               .arg(summary.Builds.isEmpty()
+                               .arg(p_Summary.Builds.isEmpty()
                                         ? QStringLiteral("none")
-                                        : summary.Builds.join(QStringLiteral(", ")))
-                               .arg(summary.Files)
+                                        : p_Summary.Builds.join(QStringLiteral(", ")))
+                               .arg(p_Summary.Files)
                                .arg(servers)
-                               .arg(summary.FilesRead)
-                               .arg(summary.Defects.size()));
-    return summary.Defects.isEmpty() ? 0 : Failure::c_Other;
+                               .arg(p_Summary.FilesRead)
+                               .arg(p_Summary.Defects.size()));
+}
+
+void VerifyCommand::PrintJson(VerificationSummary const& p_Summary)
+{
+    for (QString const& defect : p_Summary.Defects) {
+        ConsoleText::PrintJson(
+            {{QStringLiteral("type"), QStringLiteral("defect")}, {QStringLiteral("text"), defect}});
+    }
+    ConsoleText::PrintJson(
+        {{QStringLiteral("type"), QStringLiteral("verify")},
+         {QStringLiteral("builds"), QJsonArray::fromStringList(p_Summary.Builds)},
+         {QStringLiteral("servers"), QJsonArray::fromStringList(p_Summary.Servers)},
+         {QStringLiteral("files"), p_Summary.Files},
+         {QStringLiteral("filesRead"), p_Summary.FilesRead},
+         {QStringLiteral("defects"), p_Summary.Defects.size()}});
 }
 
 VerificationSummary VerifyCommand::Verify() const
@@ -77,13 +102,13 @@ VerificationSummary VerifyCommand::Verify() const
         return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll}).Run();
     if (Output.empty())
         throw Failure(QStringLiteral("verify: give --output or --url"), Failure::c_Usage);
+    BuildProgress progress(Json);
     if (Repairs) {
-        BuildProgress progress;
         return RepairTree(QString::fromStdString(Output), appId, QString::fromStdString(Source),
                           progress);
     }
     PublishedTree const tree(QString::fromStdString(Output), appId);
-    return TreeVerification(tree).Run();
+    return TreeVerification(tree, &progress).Run();
 }
 
 } // namespace Varnholt::Publisher

@@ -4,11 +4,6 @@
 #include "Publisher/Tree/ContentStaging.hpp"
 #include "Publisher/Tree/ContentStore.hpp"
 
-#include <QByteArray>
-#include <QSet>
-
-#include <mutex>
-
 namespace Varnholt::Publisher {
 
 /// Reads source files for their digests and stages, in the same pass, what the tree does not hold.
@@ -29,14 +24,9 @@ public:
     QString Stage(SourceFile const& p_File);
 
 private:
-    bool IsNewSize(SourceFile const& p_File, QByteArray const& p_Start);
-    bool Claim(QByteArray const& p_Content);
-
     ContentStore const& Store;
     ContentStaging* Staging;
     PublicationObserver& Observer;
-    std::mutex Mutex;
-    QSet<QByteArray> Claimed; ///< what is staged by one file need not be by another
 };
 
 } // namespace Varnholt::Publisher

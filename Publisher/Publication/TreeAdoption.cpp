@@ -8,14 +8,14 @@
 
 namespace Varnholt::Publisher {
 
-void AdoptTree(QString const& p_Output, QString const& p_AppId)
+void AdoptTree(QString const& p_Output, QString const& p_AppId, PublicationObserver& p_Observer)
 {
     PublishedTree const copy(p_Output, p_AppId);
     TreeMark const mark(p_Output);
     if (mark.IsThere())
         throw Failure(p_Output + QStringLiteral(": is a published tree already"));
     TreeTransaction tree(p_Output);
-    QStringList const defects = TreeVerification(copy).Run().Defects;
+    QStringList const defects = TreeVerification(copy, &p_Observer).Run().Defects;
     if (!defects.isEmpty()) {
         throw Failure(QStringLiteral("%1: the copy is not whole: %2 defects, the first is: %3")
                           .arg(p_Output, QString::number(defects.size()), defects.first()));

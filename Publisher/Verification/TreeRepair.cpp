@@ -35,7 +35,7 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
     TreeMark(p_Output).CheckIsTree();
     TreeTransaction transaction(p_Output);
     PublishedTree const tree(p_Output, p_AppId);
-    VerificationSummary found = TreeVerification(tree).Run();
+    VerificationSummary found = TreeVerification(tree, &p_Observer).Run();
     if (found.Damaged.isEmpty())
         return found;
     QSet<QString> const candidates = Candidates(tree, found, p_Source);
@@ -56,7 +56,7 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
     }
     transaction.Commit();
     staging.Remove();
-    return TreeVerification(tree).Run();
+    return TreeVerification(tree, &p_Observer).Run();
 }
 
 } // namespace Varnholt::Publisher

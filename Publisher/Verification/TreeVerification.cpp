@@ -10,8 +10,9 @@
 
 namespace Varnholt::Publisher {
 
-TreeVerification::TreeVerification(PublishedTree const& p_Tree)
+TreeVerification::TreeVerification(PublishedTree const& p_Tree, PublicationObserver* p_Observer)
     : Tree(p_Tree)
+    , Observer(p_Observer)
 {
 }
 
@@ -37,10 +38,19 @@ VerificationSummary TreeVerification::CheckBuild(QString const& p_Build)
 
 void TreeVerification::CheckFiles()
 {
+    qint64 bytes = 0;
+    for (PublishedFile const& file : Files)
+        bytes += QFileInfo(Tree.PathOf(file.Location)).size();
+    if (Observer)
+        Observer->PhaseStarted(QStringLiteral("Reading the tree"), bytes);
+    auto const read = [this](qint64 p_Bytes) {
+        if (Observer)
+            Observer->BytesRead(p_Bytes);
+    };
     std::vector<QString> problems(Files.size());
     ParallelFor(Files.size(), [&](std::size_t p_Index) {
         PublishedFile const& file = Files[p_Index];
-        problems[p_Index] = ProblemOfContent(Tree.PathOf(file.Location), file.Md5);
+        problems[p_Index] = ProblemOfContent(Tree.PathOf(file.Location), file.Md5, read);
     });
     for (std::size_t i = 0; i < Files.size(); ++i) {
         if (!problems[i].isNull()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Publication/PublicationObserver.hpp"
 #include "Publisher/Tree/PublishedTree.hpp"
 #include "Publisher/Verification/VerificationSummary.hpp"
 
@@ -10,7 +11,9 @@ namespace Varnholt::Publisher {
 /// Looks whether a tree holds every byte of the builds that clients are given.
 class TreeVerification {
 public:
-    explicit TreeVerification(PublishedTree const& p_Tree);
+    /// \param p_Observer null: nobody; must outlive the object, as the tree
+    explicit TreeVerification(PublishedTree const& p_Tree,
+                              PublicationObserver* p_Observer = nullptr);
 
     /// What the channels offer.
     VerificationSummary Run();
@@ -25,6 +28,7 @@ private:
     void CheckFiles();
 
     PublishedTree const& Tree;
+    PublicationObserver* Observer;
     VerificationSummary Summary;
     std::vector<PublishedFile> Files; ///< each content once
     QSet<QString> Known;              ///< what is in `Files`

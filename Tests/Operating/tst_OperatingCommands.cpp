@@ -131,6 +131,7 @@ QString OperatingCommandsTest::Real(QString p_Command) const
           {"https://content.example.net", "https://" + TlsHost},
           {"content.example.net:443", TlsHost},
           {"/srv/www", Place("www")},
+          {"/srv/new", Place("new")},
           {"/backup/www", Place("backup/www")},
           {"/etc/nginx/conf.d/content.conf", Place("content.conf")},
           {"/var/log/nginx/access.log", Place("access.log")},

@@ -43,9 +43,7 @@ private Q_SLOTS:
     void WithoutACommitNothingStays();
     void AFailedCommitBringsBackWhatWasReplaced();
     void AFailedCommitRemovesTheFoldersItMade();
-#ifdef Q_OS_LINUX
     void ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack();
-#endif
     void ASecondTransactionIsRefusedAndHarmsNothing();
     void TheLockOfADeadProgramKeepsNobodyOut_data();
     void TheLockOfADeadProgramKeepsNobodyOut();
@@ -134,9 +132,11 @@ void TreeTransactionTest::AFailedCommitRemovesTheFoldersItMade()
     QCOMPARE(TreeOf(Root), before);
 }
 
-#ifdef Q_OS_LINUX
 void TreeTransactionTest::ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack()
 {
+#ifndef Q_OS_LINUX
+    QSKIP("this system's flush reports nothing");
+#else
     QVERIFY(WriteFile(Path("old"), "old"));
     {
         TreeTransaction tree(Root);
@@ -147,8 +147,8 @@ void TreeTransactionTest::ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack(
         g_FlushFails = false;
     }
     QCOMPARE(TreeOf(Root), (Tree{{"old", "old"}}));
-}
 #endif
+}
 
 void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
 {
