@@ -90,7 +90,8 @@ void StandartApplication::UpdatePendingList(QString const& p_Added)
 }
 
 char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p_Entry,
-                                           bool p_Continuable, std::optional<FollowingDigest::Result> const& p_Digest)
+                                           bool p_Continuable,
+                                           std::optional<FollowingDigest::Result> const& p_Digest)
 {
     QString const folder = Folder();
     Links.LookAgain(); // the run may have begun hours ago

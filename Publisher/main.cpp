@@ -10,5 +10,5 @@ int main(int p_Count, char* p_Arguments[])
     QCoreApplication const application(p_Count, p_Arguments);
     // File names are UTF-8 whatever the locale says: a publishing job often runs in none at all.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    return Varnholt::Publisher::RunCommandLine(p_Count, p_Arguments);
+    return Varnholt::Publisher::CommandLine().Run(p_Count, p_Arguments);
 }

@@ -15,14 +15,18 @@ get_filename_component(programs ${varnholt_programs_folder} ABSOLUTE BASE_DIR ${
 get_filename_component(module ${varnholt_module_folder} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH varnholt_module_folder_of_programs ${programs} ${module})
 
-# What varnholt-host-pages writes, in the order in which it takes the names.
+# What varnholt-pages makes about each program.
+set(varnholt_programs varnholt-host varnholt-publish)
 set(varnholt_pages_folder ${PROJECT_BINARY_DIR}/share)
-set(varnholt_host_page_files
-    man/man1/varnholt-host.1
-    bash-completion/completions/varnholt-host
-    zsh/site-functions/_varnholt-host
-    fish/vendor_completions.d/varnholt-host.fish
-)
+foreach(program IN LISTS varnholt_programs)
+  set(varnholt_${program}_pages
+      man/man1/${program}.1
+      bash-completion/completions/${program}
+      zsh/site-functions/_${program}
+      fish/vendor_completions.d/${program}.fish
+  )
+  list(APPEND varnholt_page_files ${varnholt_${program}_pages})
+endforeach()
 
 # Where Qt was found is where the installed programs find it too.
 if(VARNHOLT_IS_TOP)

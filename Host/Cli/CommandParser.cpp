@@ -98,9 +98,8 @@ CLI::App* CommandParser::Add(std::string const& p_Name, std::string const& p_Hel
                              std::string const& p_Example, std::function<void(Choice&)> p_Choose)
 {
     CLI::App* const command = Program.add_subcommand(p_Name, p_Help);
-    std::string const example = Program.get_name() + " " + p_Example;
-    command->footer(OptionsOfAll() + "Example:\n  " + example + "\n");
-    Commands.push_back({command, example, std::move(p_Choose)});
+    command->footer(OptionsOfAll() + "Example:\n  " + Program.get_name() + " " + p_Example + "\n");
+    Commands.push_back({command, std::move(p_Choose)});
     return command;
 }
 

@@ -27,13 +27,10 @@ public:
 
     /// Every command and option with its help.
     CLI::App const& Model() const { return Program; }
-    /// A command line to go by.
-    std::string Example(std::string const& p_Command) const;
 
 private:
     struct Command {
         CLI::App* App;
-        std::string Example;
         std::function<void(Choice&)> Choose;
     };
 

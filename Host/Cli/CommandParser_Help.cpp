@@ -72,14 +72,6 @@ QString CommandParser::Remedy() const
     return QStringLiteral("\"varnholt-host --help\" lists commands and options");
 }
 
-std::string CommandParser::Example(std::string const& p_Command) const
-{
-    for (Command const& command : Commands)
-        if (command.App->get_name() == p_Command)
-            return command.Example;
-    return {};
-}
-
 /// Throws when help is asked for by a command.
 void CommandParser::Explain()
 {

@@ -133,7 +133,6 @@ private:
     bool OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     bool OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     bool OnBehindEnd(FileTransfer& p_Transfer, AnswerHead const& p_Head);
-    bool OnRefusal(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     Take OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::size_t p_Count);
     void OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p_Problem);
     void NoteFailure(FileTransfer& p_Transfer, FetchProblem const& p_Problem);

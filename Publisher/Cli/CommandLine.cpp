@@ -2,26 +2,18 @@
 
 #include "Programs/StandardStreams.hpp"
 #include "Programs/Suggestion.hpp"
-#include "Publisher/Cli/AdoptCommand.hpp"
-#include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
-#include "Publisher/Cli/DiffCommand.hpp"
-#include "Publisher/Cli/ListCommand.hpp"
-#include "Publisher/Cli/PruneCommand.hpp"
-#include "Publisher/Cli/RollbackCommand.hpp"
-#include "Publisher/Cli/RulesCommand.hpp"
-#include "Publisher/Cli/ServeCommand.hpp"
-#include "Publisher/Cli/ServerListCommand.hpp"
-#include "Publisher/Cli/VerifyCommand.hpp"
 #include "Publisher/Failure.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <sstream>
 
 namespace Varnholt::Publisher {
 
 namespace {
+
+/// What the options name that are alike in all commands.
+constexpr std::pair<char const*, char const*> c_Paths[] = {
+    {"--source", "DIR"}, {"--output", "DIR"}, {"--root", "DIR"}, {"--rules", "FILE"}};
 
 /// Whether the command that was called was asked for objects.
 bool IsJson(CLI::App const& p_Program)
@@ -89,49 +81,44 @@ QString UsageSentence(CLI::App const& p_Program, CLI::ParseError const& p_Error)
         .arg(kind, word, suggestion.isEmpty() ? help : suggestion);
 }
 
-int Run(int p_Count, char const* const* p_Arguments)
+} // namespace
+
+CommandLine::CommandLine()
 {
-    CLI::App program("Publishes a game so that any web server with byte ranges can serve it",
-                     "varnholt-publish");
-    program.set_version_flag("--version", VARNHOLT_VERSION);
-    program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
-    program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
-    BuildCommand const build(program);
-    ServeCommand const serve(program);
-    DiffCommand const diff(program);
-    VerifyCommand const verify(program);
-    RulesCommand const rules(program);
-    ListCommand const list(program);
-    RollbackCommand const rollback(program);
-    PruneCommand const prune(program);
-    ServerListCommand const hosts(program, ServerListCommand::List::Hosts);
-    ServerListCommand const realmList(program, ServerListCommand::List::RealmList);
-    AdoptCommand const adopt(program);
+    Program.set_version_flag("--version", VARNHOLT_VERSION);
+    Program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
+    Program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
+    for (CLI::App* const command : Program.get_subcommands({}))
+        for (auto const& [name, value] : c_Paths)
+            if (CLI::Option* const option = command->get_option_no_throw(name))
+                option->type_name(value);
+}
+
+int CommandLine::RunCommand(int p_Count, char const* const* p_Arguments)
+{
     try {
-        program.parse(p_Count, p_Arguments);
-        if (program.get_subcommands().empty())
+        Program.parse(p_Count, p_Arguments);
+        if (Program.get_subcommands().empty())
             throw CLI::RequiredError("A command");
-        return RunChosen(build, serve, diff, verify, rules, list, rollback, prune, hosts, realmList,
-                         adopt);
+        return RunChosen(Build, Serve, Diff, Verify, Rules, List, Rollback, Prune, Hosts, RealmList,
+                         Adopt);
     } catch (CLI::Success const& help) {
         std::ostringstream text;
-        int const status = program.exit(help, text);
+        int const status = Program.exit(help, text);
         Programs::StandardStreams::Write(stdout, QString::fromStdString(text.str()));
         return status;
     } catch (CLI::ParseError const& error) {
-        return Report(UsageSentence(program, error), Failure::c_Usage);
+        return Report(UsageSentence(Program, error), Failure::c_Usage);
     } catch (Failure const& failure) {
-        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus(), IsJson(program));
+        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus(), IsJson(Program));
     } catch (std::exception const& error) {
-        return Report(QString::fromUtf8(error.what()), Failure::c_Other, IsJson(program));
+        return Report(QString::fromUtf8(error.what()), Failure::c_Other, IsJson(Program));
     }
 }
 
-} // namespace
-
-int RunCommandLine(int p_Count, char const* const* p_Arguments)
+int CommandLine::Run(int p_Count, char const* const* p_Arguments)
 {
-    int const status = Run(p_Count, p_Arguments);
+    int const status = RunCommand(p_Count, p_Arguments);
     QString const why = Programs::StandardStreams::WhyLost();
     if (why.isEmpty())
         return status;

@@ -92,7 +92,7 @@ PublicationSummary Publication::Run()
     OptionChecks::Check(Options);
     CheckFolders();
     RuleSet const rules = SourceListing::ReadRules(Options);
-    Scanned = std::filesystem::file_time_type::clock::now();
+    Scanned = std::chrono::system_clock::now().time_since_epoch();
     std::vector<BuildFile> files = SourceListing::PublishedFiles(Options, rules, Observer);
     SourceListing::CheckGameExecutable(Options, files, Observer);
 
@@ -188,10 +188,10 @@ void Publication::TakeFromIndex(std::vector<BuildFile>& p_Files, HashJournal con
                         QStringLiteral(": the index is damaged, so every file is read again"));
     }
     p_Journal.FillIn(p_Files);
-    for (BuildFile const& file : p_Files) {
+    for (BuildFile& file : p_Files) {
         if (file.Md5.isEmpty())
             continue;
-        FromIndex.insert(file.Source.Path);
+        file.IsIndexed = true;
         ++Summary.IndexedFiles;
         Summary.IndexedBytes += file.Source.Size;
     }
@@ -268,7 +268,7 @@ void Publication::StageAgain(BuildFile const& p_File)
     // Published bytes are what the manifest says, also when the file's times and size say nothing.
     if (Intake.Stage(p_File.Source) == p_File.Md5)
         return;
-    if (FromIndex.contains(p_File.Source.Path)) {
+    if (p_File.IsIndexed) {
         throw Failure(p_File.Source.Path +
                       QStringLiteral(": the file changed since it was indexed, but not its time: "
                                      "publish with --rehash"));

@@ -10,8 +10,6 @@
 #include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 
-#include <QSet>
-
 #include <vector>
 
 namespace Varnholt::Publisher {
@@ -49,8 +47,7 @@ private:
     ContentStore Store;
     ContentStaging Staging;
     ContentIntake Intake;
-    std::filesystem::file_time_type Scanned;
-    QSet<QString> FromIndex; ///< paths
+    std::chrono::nanoseconds Scanned{0}; ///< since 1970
     PublicationSummary Summary;
 };
 

@@ -2,6 +2,7 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/ServerLists.hpp"
+#include "Publisher/Source/ParallelFor.hpp"
 #include "Publisher/Tree/ManifestWriter.hpp"
 
 #include <QFile>
@@ -82,11 +83,20 @@ std::vector<TreeFile> PublicationPlan::TreeFiles() const
 
 void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
 {
+    std::vector<char> held(p_Files.size());
+    ParallelFor(
+        p_Files.size(),
+        [&](std::size_t p_Index) {
+            BuildFile const& file = p_Files[p_Index];
+            held[p_Index] = p_Store.Holds(file.Md5, file.Source.Size) ? 1 : 0;
+        },
+        Options.Jobs);
     QSet<QString> known;
-    for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !p_Store.Holds(file.Md5, file.Source.Size))
-            Content.push_back(file);
-        known.insert(file.Md5);
+    for (std::size_t i = 0; i < p_Files.size(); ++i) {
+        if (held[i] != 0 || known.contains(p_Files[i].Md5))
+            continue;
+        Content.push_back(p_Files[i]);
+        known.insert(p_Files[i].Md5);
     }
 }
 

@@ -99,7 +99,8 @@ HashIndex::State HashIndex::FillIn(std::vector<BuildFile>& p_Files) const
     return State::Damaged;
 }
 
-void HashIndex::Write(std::vector<BuildFile> const& p_Files, fs::file_time_type p_Scanned) const
+void HashIndex::Write(std::vector<BuildFile> const& p_Files,
+                      std::chrono::nanoseconds p_Scanned) const
 {
     QFile file(File + QStringLiteral(".new"));
     QCryptographicHash checksum(QCryptographicHash::Md5);

@@ -32,10 +32,9 @@ public:
     ///
     /// A file that was written just before the scan may be written once more without a visible
     /// change of its time; it is left out.
-    /// \param p_Scanned when the scan began
+    /// \param p_Scanned when the scan began, since 1970
     /// \throws Failure
-    void Write(std::vector<BuildFile> const& p_Files,
-               std::filesystem::file_time_type p_Scanned) const;
+    void Write(std::vector<BuildFile> const& p_Files, std::chrono::nanoseconds p_Scanned) const;
 
     QString const& FileName() const { return File; }
 

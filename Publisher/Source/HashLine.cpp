@@ -1,10 +1,11 @@
 #include "Publisher/Source/HashLine.hpp"
 
+#include <algorithm>
+
 namespace Varnholt::Publisher {
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr int c_Md5Digits = 32;
@@ -12,22 +13,19 @@ constexpr int c_Md5Digits = 32;
 constexpr auto c_FineStep = 50ms;
 constexpr auto c_CoarseStep = 2s;
 
-qint64 Nanoseconds(fs::file_time_type p_Time)
-{
-    using std::chrono::nanoseconds;
-    return std::chrono::duration_cast<nanoseconds>(p_Time.time_since_epoch()).count();
-}
-
 QByteArray SignatureOf(SourceFile const& p_File)
 {
     return QByteArray::number(p_File.Size) + ' ' +
-           QByteArray::number(Nanoseconds(p_File.Modified)) + ' ' +
+           QByteArray::number(static_cast<qint64>(p_File.Modified.count())) + ' ' +
            QByteArray::number(p_File.Inode);
 }
 
 bool IsMd5(QByteArray const& p_Text)
 {
-    return p_Text.size() == c_Md5Digits && QByteArray::fromHex(p_Text).toHex().toUpper() == p_Text;
+    return p_Text.size() == c_Md5Digits &&
+           std::all_of(p_Text.begin(), p_Text.end(), [](char p_Digit) {
+               return (p_Digit >= '0' && p_Digit <= '9') || (p_Digit >= 'A' && p_Digit <= 'F');
+           });
 }
 
 } // namespace
@@ -58,9 +56,9 @@ bool HashLine::IsOf(SourceFile const& p_File) const
     return Path == p_File.Path.toUtf8() && Signature == SignatureOf(p_File);
 }
 
-bool IsSettled(SourceFile const& p_File, fs::file_time_type p_Scanned)
+bool IsSettled(SourceFile const& p_File, std::chrono::nanoseconds p_Scanned)
 {
-    bool const isCoarse = Nanoseconds(p_File.Modified) % 1'000'000'000 == 0;
+    bool const isCoarse = p_File.Modified % 1s == 0s;
     if (isCoarse)
         return p_File.Modified < p_Scanned - c_CoarseStep;
     return p_File.Modified < p_Scanned - c_FineStep;

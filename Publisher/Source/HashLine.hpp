@@ -29,7 +29,7 @@ struct HashLine {
 };
 
 /// Whether a file cannot change any more without a visible change of its time: it may when it was
-/// written just before the scan.
-bool IsSettled(SourceFile const& p_File, std::filesystem::file_time_type p_Scanned);
+/// written just before the scan. \param p_Scanned since 1970
+bool IsSettled(SourceFile const& p_File, std::chrono::nanoseconds p_Scanned);
 
 } // namespace Varnholt::Publisher

@@ -61,7 +61,10 @@ std::vector<BuildFile> AllFiles(PublishOptions const& p_Options, RuleSet const& 
 {
     std::vector<BuildFile> excluded;
     auto const keep = [&](QString const& p_Path, FileTreatment const& p_Treatment) {
-        excluded.push_back({SourceFile{p_Path, {}, 0, {}, 0}, p_Treatment, QString()});
+        BuildFile file;
+        file.Source.Path = p_Path;
+        file.Treatment = p_Treatment;
+        excluded.push_back(file);
     };
     std::vector<BuildFile> files = Scan(p_Options, p_Rules, p_Observer, keep);
     files.insert(files.end(), excluded.begin(), excluded.end());

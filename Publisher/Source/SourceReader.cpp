@@ -19,6 +19,11 @@ namespace Md5Lanes = Launcher::Md5Lanes;
 constexpr std::size_t c_BlockBytes = 512UL * 1024;
 static_assert(c_MostFiles == Md5Lanes::c_Count);
 
+std::chrono::nanoseconds Since1970(timespec const& p_Time)
+{
+    return std::chrono::seconds(p_Time.tv_sec) + std::chrono::nanoseconds(p_Time.tv_nsec);
+}
+
 bool IsAsScanned(QFile const& p_Open, SourceFile const& p_File)
 {
     struct stat status = {};
@@ -127,16 +132,22 @@ void HashBlocks(std::vector<Stream*> const& p_Full)
 
 } // namespace
 
+std::chrono::nanoseconds ModificationTime(struct stat const& p_Status)
+{
+#ifdef Q_OS_MACOS
+    return Since1970(p_Status.st_mtimespec);
+#else
+    return Since1970(p_Status.st_mtim);
+#endif
+}
+
 qint64 ChangeTime(struct stat const& p_Status)
 {
-    constexpr qint64 c_Second = 1'000'000'000;
-
 #ifdef Q_OS_MACOS
-    timespec const& time = p_Status.st_ctimespec;
+    return Since1970(p_Status.st_ctimespec).count();
 #else
-    timespec const& time = p_Status.st_ctim;
+    return Since1970(p_Status.st_ctim).count();
 #endif
-    return time.tv_sec * c_Second + time.tv_nsec;
 }
 
 QString ChangedText(SourceFile const& p_File)

@@ -31,6 +31,9 @@ std::vector<QString> Read(std::vector<Request> const& p_Requests);
 /// The same for one file.
 QString Read(SourceFile const& p_File, BlockSink const& p_Sink);
 
+/// When a file's content was changed, since 1970.
+std::chrono::nanoseconds ModificationTime(struct stat const& p_Status);
+
 /// When a file was changed in any way, in ns.
 qint64 ChangeTime(struct stat const& p_Status);
 

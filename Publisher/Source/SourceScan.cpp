@@ -98,17 +98,12 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
     if (!p_Entry.is_regular_file(error))
         throw Failure(path + QStringLiteral(": is neither a file nor a folder"));
 
-    SourceFile file{path, p_Entry.path(), 0, {}, 0};
     struct stat status = {};
-    if (::stat(file.Location.c_str(), &status) != 0)
-        error = std::error_code(errno, std::generic_category());
-    file.Size = status.st_size;
-    if (!error)
-        file.Modified = fs::last_write_time(file.Location, error);
-    if (error)
-        throw FailureOf(path, error);
-    file.Inode = status.st_ino;
-    file.Changed = SourceReader::ChangeTime(status);
+    if (::stat(p_Entry.path().c_str(), &status) != 0)
+        throw FailureOf(path, std::error_code(errno, std::generic_category()));
+    SourceFile const file{path,           p_Entry.path(),
+                          status.st_size, SourceReader::ModificationTime(status),
+                          status.st_ino,  SourceReader::ChangeTime(status)};
     Files.push_back({file, treatment, QString()});
 }
 

@@ -169,9 +169,7 @@ void ComparisonWalkTest::AFolderInPlaceOfAFileIsListed()
 
 void ComparisonWalkTest::AFileThatCannotBeReadIsListed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root reads every file");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     Game game(TestHost::Worker::ByHand);
     game.Add({"a", "a"}).Publish().Install();
     game.Put("a", "a");

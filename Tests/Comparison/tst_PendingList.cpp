@@ -259,9 +259,7 @@ void PendingListTest::AFailedWriteLeavesTheOldList()
 // Nothing can be put beside it there to take its place.
 void PendingListTest::AListOfAReadOnlyFolderIsWrittenInPlace()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root writes to read-only folders");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     ListFile list;
     list.Put("a much longer list\nthan the new one\n");
     QVERIFY(SetMode(list.Folder.path(), 0555));

@@ -153,9 +153,7 @@ void VerificationTest::AFolderInPlaceOfTheFileIsReportedAndRestarted()
 
 void VerificationTest::AnOldFileThatCannotBeRemovedIsReported()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root removes files from read-only folders");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     HandMadeRun run;
     run.Add({"Data/a", "right"}).Add({"b", "b"}).Put("Data/a", "old");
     run.List();

@@ -184,12 +184,10 @@ void FileLockTest::WhatStandsInItsPlaceIsLeftAlone()
 
 void FileLockTest::WithoutTheRightToWriteItKeepsOut()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
     QVERIFY(WriteFile(Path, "other, process 1\n"));
     QVERIFY(SetMode(Path, 0444));
     QVERIFY(SetMode(Folder->path(), 0555));
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     FileLock first(Path);
     FileLock second(Path);
     QCOMPARE(first.Take(), Outcome::Taken);
@@ -198,10 +196,8 @@ void FileLockTest::WithoutTheRightToWriteItKeepsOut()
 
 void FileLockTest::WithoutAFileAndTheRightToMakeOneItFails()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
     QVERIFY(SetMode(Folder->path(), 0555));
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     FileLock lock(Path);
     QCOMPARE(lock.Take(), Outcome::Failed);
     QCOMPARE(lock.Error(), EACCES);

@@ -53,30 +53,27 @@ void GatewayHostsTest::NamesBecomeMirrors_data()
     QTest::addColumn<QByteArray>("list");
     QTest::addColumn<bool>("isHttps");
     QTest::addColumn<QStringList>("servers");
-    QTest::newRow("one") << QByteArray("a.example") << false << QStringList("http://a.example/");
-    QTest::newRow("two") << QByteArray("a.example b.example") << false
-                         << QStringList{"http://a.example/", "http://b.example/"};
-    QTest::newRow("ports") << QByteArray("a.example:8080 127.0.0.1:81") << false
-                           << QStringList{"http://a.example:8080/", "http://127.0.0.1:81/"};
-    QTest::newRow("blanks") << QByteArray(" a.example  b.example\r\n") << false
-                            << QStringList{"http://a.example/", "http://b.example/"};
-    QTest::newRow("lines") << QByteArray("a.example\nb.example\n") << false
-                           << QStringList{"http://a.example/", "http://b.example/"};
-    QTest::newRow("path") << QByteArray("a.example/games") << false
-                          << QStringList("http://a.example/games/");
-    QTest::newRow("https entry") << QByteArray("https://a.example b.example") << false
-                                 << QStringList{"https://a.example/", "http://b.example/"};
-    QTest::newRow("http entry") << QByteArray("http://a.example") << false
-                                << QStringList("http://a.example/");
-    QTest::newRow("https for all") << QByteArray("a.example b.example:444") << true
-                                   << QStringList{"https://a.example/", "https://b.example:444/"};
-    QTest::newRow("doubles") << QByteArray("a.example A.Example:80 http://a.EXAMPLE/ b.example:443 "
-                                           "https://b.example:443")
-                             << false
-                             << QStringList{"http://a.example/", "http://b.example:443/",
-                                            "https://b.example/"};
-    QTest::newRow("none") << QByteArray("") << false << QStringList();
-    QTest::newRow("blanks only") << QByteArray(" \n ") << false << QStringList();
+    AddRow("one", QByteArray("a.example"), false, QStringList("http://a.example/"));
+    AddRow("two", QByteArray("a.example b.example"), false,
+           QStringList{"http://a.example/", "http://b.example/"});
+    AddRow("ports", QByteArray("a.example:8080 127.0.0.1:81"), false,
+           QStringList{"http://a.example:8080/", "http://127.0.0.1:81/"});
+    AddRow("blanks", QByteArray(" a.example  b.example\r\n"), false,
+           QStringList{"http://a.example/", "http://b.example/"});
+    AddRow("lines", QByteArray("a.example\nb.example\n"), false,
+           QStringList{"http://a.example/", "http://b.example/"});
+    AddRow("path", QByteArray("a.example/games"), false, QStringList("http://a.example/games/"));
+    AddRow("https entry", QByteArray("https://a.example b.example"), false,
+           QStringList{"https://a.example/", "http://b.example/"});
+    AddRow("http entry", QByteArray("http://a.example"), false, QStringList("http://a.example/"));
+    AddRow("https for all", QByteArray("a.example b.example:444"), true,
+           QStringList{"https://a.example/", "https://b.example:444/"});
+    AddRow("doubles",
+           QByteArray("a.example A.Example:80 http://a.EXAMPLE/ b.example:443 "
+                      "https://b.example:443"),
+           false, QStringList{"http://a.example/", "http://b.example:443/", "https://b.example/"});
+    AddRow("none", QByteArray(""), false, QStringList());
+    AddRow("blanks only", QByteArray(" \n "), false, QStringList());
 }
 
 void GatewayHostsTest::NamesBecomeMirrors()
@@ -98,15 +95,15 @@ void GatewayHostsTest::NamesBecomeMirrors()
 void GatewayHostsTest::AForeignListIsNone_data()
 {
     QTest::addColumn<QByteArray>("list");
-    QTest::newRow("page") << QByteArray("<!DOCTYPE html>\n<html><body>Log in</body></html>");
-    QTest::newRow("json") << QByteArray("{\"hosts\":[\"a.example\"]}");
-    QTest::newRow("names and a page") << QByteArray("a.example <html>");
-    QTest::newRow("user") << QByteArray("user:secret@a.example");
-    QTest::newRow("query") << QByteArray("a.example?x");
-    QTest::newRow("another protocol") << QByteArray("ftp://a.example");
-    QTest::newRow("file") << QByteArray("file:///etc");
-    QTest::newRow("zero byte") << QByteArray("a.example\0b", 11);
-    QTest::newRow("bytes") << QByteArray("\x1f\x8b\x08\xff\xfe");
+    AddRow("page", QByteArray("<!DOCTYPE html>\n<html><body>Log in</body></html>"));
+    AddRow("json", QByteArray("{\"hosts\":[\"a.example\"]}"));
+    AddRow("names and a page", QByteArray("a.example <html>"));
+    AddRow("user", QByteArray("user:secret@a.example"));
+    AddRow("query", QByteArray("a.example?x"));
+    AddRow("another protocol", QByteArray("ftp://a.example"));
+    AddRow("file", QByteArray("file:///etc"));
+    AddRow("zero byte", QByteArray("a.example\0b", 11));
+    AddRow("bytes", QByteArray("\x1f\x8b\x08\xff\xfe"));
 }
 
 void GatewayHostsTest::AForeignListIsNone()
@@ -127,10 +124,10 @@ void GatewayHostsTest::AForeignListIsNone()
 void GatewayHostsTest::AListThatDoesNotComeLeavesTheContentServer_data()
 {
     QTest::addColumn<Answer>("answer");
-    QTest::newRow("404") << Answer::Status(404);
-    QTest::newRow("500") << Answer::Status(500);
-    QTest::newRow("closed") << Answer::ClosedBeforeHeaders();
-    QTest::newRow("silent") << Answer::SilentBeforeHeaders();
+    AddRow("404", Answer::Status(404));
+    AddRow("500", Answer::Status(500));
+    AddRow("closed", Answer::ClosedBeforeHeaders());
+    AddRow("silent", Answer::SilentBeforeHeaders());
 }
 
 void GatewayHostsTest::AListThatDoesNotComeLeavesTheContentServer()

@@ -36,6 +36,13 @@ HostGame& HostGame::Publish()
     return *this;
 }
 
+QString HostGame::HoldContent(QString const& p_File, qint64 p_Bytes)
+{
+    QString path = Content.ServerPath(p_File);
+    Server.Script("GET " + path).Then(Answer::SilentAfter(p_Bytes));
+    return path;
+}
+
 void HostGame::PutInstalled()
 {
     for (SampleFile const& file : Content.Files)

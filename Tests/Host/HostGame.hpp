@@ -21,6 +21,8 @@ public:
     HostGame& AddFiles();
     /// Puts the build on the server. \return itself
     HostGame& Publish();
+    /// Lets a file's content stand still behind so many bytes. \return the gate that lets it go on
+    QString HoldContent(QString const& p_File, qint64 p_Bytes);
     /// Makes the game one that was installed completely, without running a host.
     void PutInstalled();
 

@@ -79,8 +79,7 @@ void HostDiskFailuresTest::ADiskThatFillsUpStopsTheTransferAndKeepsIt()
     game.AddFiles().Publish();
     std::atomic<qint64> free{1'000'000};
     game.Options.FreeBytes = [&](QString const&) { return free.load(); };
-    QString const path = game.Content.ServerPath("Data/first build.MPQ");
-    game.Server.Script("GET " + path).Then(Answer::SilentAfter(10000));
+    game.HoldContent("Data/first build.MPQ", 10000);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
@@ -151,8 +150,7 @@ void HostDiskFailuresTest::ARealVolumeThatFillsUpLosesNothing()
         qint64 const free = Host::HostOptions::VolumeFreeBytes(p_Path);
         return game.Has("other") && free > 0 ? qint64(-1) : free;
     };
-    QString const path = game.Content.ServerPath("Data/first build.MPQ");
-    game.Server.Script("GET " + path).Then(Answer::SilentAfter(10000));
+    QString const path = game.HoldContent("Data/first build.MPQ", 10000);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));
@@ -216,9 +214,7 @@ void HostDiskFailuresTest::WhatStandsInAFilesPlaceIsNamedAndTheRestArrives()
 
 void HostDiskFailuresTest::APartialFileThatCannotBeWrittenIsNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path("readme.txt")));
@@ -235,9 +231,7 @@ void HostDiskFailuresTest::APartialFileThatCannotBeWrittenIsNamed()
 
 void HostDiskFailuresTest::AFolderBelowThatCannotBeWrittenIsNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path("Data/enUS/locale.MPQ")));

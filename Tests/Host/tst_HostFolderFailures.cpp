@@ -35,23 +35,16 @@ void HostFolderFailuresTest::AnUnusableFolderIsNamed_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("a file") << "a file"
-                            << "%1a file is a file, not a folder";
-    QTest::newRow("below a file") << "a file/x/y"
-                                  << "%1a file is a file, not a folder";
-    QTest::newRow("the root") << "/"
-                              << "/ is no folder for a game (it is the root)";
-    QTest::newRow("the root in disguise") << "home/../../../../../../.."
-                                          << "/ is no folder for a game (it is the root)";
-    QTest::newRow("the home folder") << "home"
-                                     << "%1home is no folder for a game (it is your home folder)";
-    QTest::newRow("a link to it") << "link"
-                                  << "%1link is no folder for a game (it is your home folder)";
-    QTest::newRow("other files") << "photos"
-                                 << "the folder %1photos holds other files";
-    QTest::newRow("no folder at all")
-        << "/proc/game"
-        << "the folder /proc cannot be written (No such file or directory)";
+    AddRow("a file", "a file", "%1a file is a file, not a folder");
+    AddRow("below a file", "a file/x/y", "%1a file is a file, not a folder");
+    AddRow("the root", "/", "/ is no folder for a game (it is the root)");
+    AddRow("the root in disguise", "home/../../../../../../..",
+           "/ is no folder for a game (it is the root)");
+    AddRow("the home folder", "home", "%1home is no folder for a game (it is your home folder)");
+    AddRow("a link to it", "link", "%1link is no folder for a game (it is your home folder)");
+    AddRow("other files", "photos", "the folder %1photos holds other files");
+    AddRow("no folder at all", "/proc/game",
+           "the folder /proc cannot be written (No such file or directory)");
 }
 
 void HostFolderFailuresTest::AnUnusableFolderIsNamed()
@@ -88,9 +81,7 @@ void HostFolderFailuresTest::OtherFilesInAFolderStayWhenTheUserConfirms()
 
 void HostFolderFailuresTest::AFolderThatCannotBeWrittenIsNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish();
     QString const parent = game.Base + "fixed";
@@ -109,9 +100,7 @@ void HostFolderFailuresTest::AFolderThatCannotBeWrittenIsNamed()
 
 void HostFolderFailuresTest::AGameFolderThatCannotBeWrittenIsNotUpdated()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path("readme.txt")));
@@ -206,14 +195,13 @@ void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("a folder") << "home"
-                              << "cannot be read (it is no ordinary file); correct it or its "
-                                 "permissions, or choose another file.\n";
+    AddRow("a folder", "home",
+           "cannot be read (it is no ordinary file); correct it or its "
+           "permissions, or choose another file.\n");
     QString const unwritable =
         "cannot be written (%1); change its permissions or choose another file.\n";
-    QTest::newRow("below a file") << "a file/host.ini" << unwritable.arg("Not a directory");
-    QTest::newRow("nowhere") << "/proc/varnholt/host.ini"
-                             << unwritable.arg("No such file or directory");
+    AddRow("below a file", "a file/host.ini", unwritable.arg("Not a directory"));
+    AddRow("nowhere", "/proc/varnholt/host.ini", unwritable.arg("No such file or directory"));
 }
 
 void HostFolderFailuresTest::SettingsThatCannotBeWrittenAreNamed()
@@ -239,26 +227,19 @@ void HostFolderFailuresTest::AModuleThatIsNoneIsNamed_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("missing") << "nothing.so"
-                             << "there is no module file %1";
-    QTest::newRow("a folder") << "home"
-                              << "there is no module file %1";
-    QTest::newRow("a text") << "text.so"
-                            << "the file %1 is not a launcher module (it is no plug-in)";
-    QTest::newRow("an empty file") << "empty.so"
-                                   << "the file %1 is not a launcher module (it is no plug-in)";
-    QTest::newRow("a cut module") << "cut.so"
-                                  << "the file %1 is not a launcher module (it is no plug-in)";
-    QTest::newRow("another plug-in")
-        << QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/imageformats/libqjpeg.so"
-        << "the file %1 is not a launcher module (its interface is \"org.qt-project.";
+    AddRow("missing", "nothing.so", "there is no module file %1");
+    AddRow("a folder", "home", "there is no module file %1");
+    AddRow("a text", "text.so", "the file %1 is not a launcher module (it is no plug-in)");
+    AddRow("an empty file", "empty.so", "the file %1 is not a launcher module (it is no plug-in)");
+    AddRow("a cut module", "cut.so", "the file %1 is not a launcher module (it is no plug-in)");
+    AddRow("another plug-in",
+           QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/imageformats/libqjpeg.so",
+           "the file %1 is not a launcher module (its interface is \"org.qt-project.");
     QString const layout =
         "the file %1 is not a launcher module (its layout is %2, the host's is " +
         QString::number(Launcher::c_ApplicationLayout) + ')';
-    QTest::newRow("another layout")
-        << VARNHOLT_OTHER_LAYOUT_MODULE << QString(layout).replace("%2", "1000");
-    QTest::newRow("no layout") << VARNHOLT_NO_LAYOUT_MODULE
-                               << QString(layout).replace("%2", "not named");
+    AddRow("another layout", VARNHOLT_OTHER_LAYOUT_MODULE, QString(layout).replace("%2", "1000"));
+    AddRow("no layout", VARNHOLT_NO_LAYOUT_MODULE, QString(layout).replace("%2", "not named"));
 }
 
 void HostFolderFailuresTest::AModuleThatIsNoneIsNamed()

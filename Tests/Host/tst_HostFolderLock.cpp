@@ -33,8 +33,7 @@ void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
 {
     HostGame game;
     game.AddFiles().Publish();
-    QString const base = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script("GET " + base).Then(Answer::SilentAfter(20000));
+    QString const base = game.HoldContent("Data/base.MPQ", 20000);
     HostProcess first(game, {"install", game.Folder});
     QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
     game.ForgetRequests();
@@ -59,8 +58,7 @@ void HostFolderLockTest::ALockWhoseOwnerHasDiedKeepsNobodyOut()
 {
     HostGame game;
     game.AddFiles().Publish();
-    QString const base = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script("GET " + base).Then(Answer::SilentAfter(20000));
+    game.HoldContent("Data/base.MPQ", 20000);
     {
         HostProcess first(game, {"install", game.Folder});
         QVERIFY(first.WaitUntil([&] { return game.Read("Data/base.MPQ.part").size() == 20000; }));
@@ -126,11 +124,9 @@ void HostFolderLockTest::WhatStandsInItsPlaceIsNamed()
 
 void HostFolderLockTest::AFolderThatNobodyMayWriteIsHeldByNobody()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
     QTemporaryDir const folder;
     QVERIFY(SetMode(folder.path(), 0555));
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     Host::FolderLock lock(folder.path() + '/');
     QVERIFY(!lock.Take());
     QCOMPARE(lock.Notice(), QString());
@@ -159,8 +155,7 @@ void HostFolderLockTest::AFolderThatWasMovedAwayInMidRunIsNotLocked()
     game.AddFiles().Publish().PutInstalled();
     QString const away = game.Base + "away";
     QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
-    QString const path = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script("GET " + path).Then(Answer::SilentAfter(20000));
+    QString const path = game.HoldContent("Data/base.MPQ", 20000);
     QVERIFY(game.Open());
     game.Start(RequestType::Update);
     QVERIFY(game.WaitForPart("Data/base.MPQ", 20000));

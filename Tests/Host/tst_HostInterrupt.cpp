@@ -17,12 +17,6 @@ QString const c_FirstBuild = QStringLiteral("Data/first build.MPQ");
 QString const c_Streamed = QStringLiteral("Data/streamed 1.MPQ");
 constexpr qint64 c_Held = 5000; ///< bytes that arrive before a run is stopped
 
-void HoldContent(HostGame& p_Game, QString const& p_File)
-{
-    p_Game.Server.Script("GET " + p_Game.Content.ServerPath(p_File))
-        .Then(Answer::SilentAfter(c_Held));
-}
-
 } // namespace
 
 /// Runs that are stopped half-way, and the next one.
@@ -91,7 +85,7 @@ void HostInterruptTest::AnInterruptedPauseEnds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    HoldContent(game, c_Base);
+    game.HoldContent(c_Base, c_Held);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart(c_Base, c_Held));
@@ -139,7 +133,7 @@ void HostInterruptTest::AfterAnyStopTheNextRunBringsEveryFile_data()
 void HostInterruptTest::StopInProcess(HostGame& p_Game, QString const& p_File, int p_Signal,
                                       bool p_Paused)
 {
-    HoldContent(p_Game, p_File);
+    p_Game.HoldContent(p_File, c_Held);
     HostProcess host(p_Game, {"install", p_Game.Folder});
     QVERIFY(host.WaitUntil([&] { return p_Game.Read(p_File + ".part").size() == c_Held; }));
     if (p_Paused) {
@@ -183,7 +177,7 @@ void HostInterruptTest::AnUpdateIsMarkedUnfinishedFromItsFirstByte()
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QFile::remove(game.Path(c_FirstBuild)));
     game.Put("ToDownloadBase.db", c_FirstBuild.toUtf8() + '\n');
-    HoldContent(game, c_FirstBuild);
+    game.HoldContent(c_FirstBuild, c_Held);
     QVERIFY(game.Open());
     game.Start(RequestType::Update);
     QVERIFY(game.WaitForPart(c_FirstBuild, c_Held));
@@ -213,7 +207,7 @@ void HostInterruptTest::AnInterruptedRepairIsMadeUpFor()
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     game.Put(file, "damaged");
-    HoldContent(game, file);
+    game.HoldContent(file, c_Held);
     QVERIFY(game.Open());
     game.Start(RequestType::Repair);
     QVERIFY(game.WaitForPart(file, c_Held));
@@ -233,7 +227,7 @@ void HostInterruptTest::AnInterruptedChangeOfLanguageIsMadeUpFor()
     game.AddFiles();
     game.Content.Add({"Data/frFR/streamed.MPQ", SampleContent::Bytes(9000, 9), 0, "frFR", true});
     game.Publish().PutInstalled();
-    HoldContent(game, "Data/frFR/streamed.MPQ");
+    game.HoldContent("Data/frFR/streamed.MPQ", c_Held);
     QVERIFY(game.Open());
     QCOMPARE(game.Run(RequestType::ChooseLocale, "frFR"), QString("done"));
     QVERIFY(game.IsMarkedUnfinished());
@@ -250,7 +244,7 @@ void HostInterruptTest::ASecondSignalDoesNotWait()
 {
     HostGame game;
     game.AddFiles().Publish();
-    HoldContent(game, c_Base);
+    game.HoldContent(c_Base, c_Held);
     HostProcess host(game, {"install", game.Folder});
     QVERIFY(host.WaitUntil([&] { return game.Read(c_Base + ".part").size() == c_Held; }));
     // Stopped meanwhile, it meets both at once; two of the same kind would be one.
@@ -267,7 +261,7 @@ void HostInterruptTest::NothingIsLostWhenTheProgramQuitsHalfWay()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    HoldContent(game, c_Base);
+    game.HoldContent(c_Base, c_Held);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart(c_Base, c_Held));

@@ -86,9 +86,7 @@ void HostKeepingTest::ReadingNeedsNoHome_data()
 void HostKeepingTest::ReadingNeedsNoHome()
 {
     QFETCH(QString, home);
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     HostGame game;
     game.AddFiles().Publish();
     QVERIFY(WriteFile(game.Base + "file", "x"));
@@ -106,9 +104,7 @@ void HostKeepingTest::ReadingNeedsNoHome()
 
 void HostKeepingTest::ReadingNeedsNoRightToWrite()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     HostGame game;
     game.AddFiles().Publish().PutInstalled();
     QByteArray const before = ReadFile(game.SettingsFile);
@@ -141,9 +137,7 @@ void HostKeepingTest::WhatCannotBeKeptIsNotSaidToBeDone_data()
 void HostKeepingTest::WhatCannotBeKeptIsNotSaidToBeDone()
 {
     QFETCH(QStringList, command);
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     HostGame game;
     game.AddFiles().Publish().PutInstalled();
     QByteArray const before = ReadFile(game.SettingsFile);
@@ -162,9 +156,7 @@ void HostKeepingTest::WhatCannotBeKeptIsNotSaidToBeDone()
 
 void HostKeepingTest::AFileThatMayNotBeWrittenIsNotReplaced()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     HostGame game;
     game.AddFiles().Publish().PutInstalled();
     QByteArray const before = ReadFile(game.SettingsFile);

@@ -16,13 +16,6 @@ QString const c_Base = QStringLiteral("Data/base.MPQ");
 QString const c_FirstBuild = QStringLiteral("Data/first build.MPQ");
 QString const c_Streamed = QStringLiteral("Data/streamed 1.MPQ");
 
-/// Lets a run stand still within a file's content.
-void HoldContent(SessionGame& p_Game, QString const& p_File, qint64 p_Bytes)
-{
-    p_Game.Server.Script("GET " + p_Game.Content.ServerPath(p_File))
-        .Then(Answer::SilentAfter(p_Bytes));
-}
-
 qint64 Size(SessionGame const& p_Game, QString const& p_File)
 {
     for (SampleFile const& file : p_Game.Content.Files)
@@ -147,7 +140,7 @@ void HostPauseTest::APauseWithinAFileKeepsItsBytes()
     QFETCH(QString, file);
     SessionGame game;
     game.AddFiles().Publish();
-    HoldContent(game, file, 5000);
+    game.HoldContent(file, 5000);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart(file, 5000));
@@ -185,7 +178,7 @@ void HostPauseTest::APauseAtTheEndOfAFileHolds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    HoldContent(game, c_Base, 59'000);
+    game.HoldContent(c_Base, 59'000);
     // The next file does not come, or the run might be over before it is paused.
     game.Server.Script("GET " + game.Content.ServerPath(c_FirstBuild))
         .Then(Answer::SilentBeforeHeaders());
@@ -280,8 +273,7 @@ void HostPauseTest::TheUsersSignalPausesAndContinues()
 {
     HostGame game;
     game.AddFiles().Publish();
-    QString const path = game.Content.ServerPath(c_Base);
-    game.Server.Script("GET " + path).Then(Answer::SilentAfter(20000));
+    QString const path = game.HoldContent(c_Base, 20000);
     HostProcess host(game, {"install", game.Folder});
     QVERIFY(host.WaitUntil([&] { return game.Read(c_Base + ".part").size() == 20000; }));
     host.Signal(SIGUSR1);

@@ -138,9 +138,7 @@ void HostPlayTest::MissingTemplatesAreTold()
 
 void HostPlayTest::TemplatesThatCannotBeReadAreTold()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     PlayedGame game;
     SessionGame session;
     session.Options.SettingsFile = game.SettingsFile;
@@ -250,9 +248,7 @@ void HostPlayTest::ABuildWithoutAnExecutableIsNamed()
 
 void HostPlayTest::PermissionsAreMadeGood()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     PlayedGame const game;
     QVERIFY(SetMode(game.Path(game.Program), 0600));
     SessionGame session;

@@ -162,8 +162,7 @@ void HostServerFailuresTest::AStalledTransferGoesOnWhereItStopped()
     SessionGame game;
     game.AddFiles().Publish();
     game.Options.StallMilliseconds = 3'000; // shorter silences are not told
-    QString const path = game.Content.ServerPath("Data/base.MPQ");
-    game.Server.Script("GET " + path).Then(Answer::SilentAfter(25000));
+    game.HoldContent("Data/base.MPQ", 25000);
     QVERIFY(game.Open());
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
@@ -212,8 +211,7 @@ void HostServerFailuresTest::AServerThatGoesAwayIsToldAndNothingIsLost()
     SessionGame game;
     game.AddFiles().Publish();
     game.Options.RetryForMilliseconds = 1'000;
-    QString const first = game.Content.ServerPath("Data/first build.MPQ");
-    game.Server.Script("GET " + first).Then(Answer::SilentAfter(10000));
+    QString const first = game.HoldContent("Data/first build.MPQ", 10000);
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
     QVERIFY(game.WaitForPart("Data/first build.MPQ", 10000));

@@ -17,9 +17,7 @@ QString const c_Interrupted =
 QString HoldWithinAFile(HostGame& p_Game)
 {
     p_Game.AddFiles().Publish();
-    QString const path = p_Game.Content.ServerPath("Data/base.MPQ");
-    p_Game.Server.Script("GET " + path).Then(Answer::SilentAfter(30000));
-    return path;
+    return p_Game.HoldContent("Data/base.MPQ", 30000);
 }
 
 QString Complete(HostGame const& p_Game)

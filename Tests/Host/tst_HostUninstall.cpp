@@ -82,8 +82,7 @@ void HostUninstallTest::LeftoversOfAnUnfinishedRunGoToo()
 {
     HostGame game;
     game.AddFiles().Publish();
-    QString const path = game.Content.ServerPath("Data/first build.MPQ");
-    game.Server.Script("GET " + path).Then(Answer::SilentAfter(5000));
+    game.HoldContent("Data/first build.MPQ", 5000);
     HostProcess host(game, {"-q", "install", game.Folder});
     QVERIFY(host.WaitUntil([&] { return game.Has("Data/first build.MPQ.part"); }));
     host.Signal(SIGINT);
@@ -122,9 +121,7 @@ void HostUninstallTest::DeletingWantsAConfirmation()
 
 void HostUninstallTest::FilesThatCannotBeRemovedAreNamed()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root is not stopped by permissions");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(SetMode(game.Path("Data/enUS"), 0555));

@@ -73,33 +73,15 @@ void HostVariablesTest::TheChannelIsTheOneThatIsGivenFirst_data()
     QTest::addColumn<QString>("variable");
     QTest::addColumn<QString>("option");
     QTest::addColumn<bool>("isDevelopment");
-    QTest::newRow("nothing") << ""
-                             << ""
-                             << "" << false;
-    QTest::newRow("kept") << "true"
-                          << ""
-                          << "" << true;
-    QTest::newRow("kept as false") << "false"
-                                   << ""
-                                   << "" << false;
-    QTest::newRow("variable") << ""
-                              << "true"
-                              << "" << true;
-    QTest::newRow("variable over settings") << "true"
-                                            << "false"
-                                            << "" << false;
-    QTest::newRow("the other way") << "false"
-                                   << "1"
-                                   << "" << true;
-    QTest::newRow("option") << ""
-                            << ""
-                            << "--dev-channel" << true;
-    QTest::newRow("option over variable") << "true"
-                                          << "true"
-                                          << "--dev-channel=false" << false;
-    QTest::newRow("option over settings") << "false"
-                                          << "false"
-                                          << "--dev-channel" << true;
+    AddRow("nothing", "", "", "", false);
+    AddRow("kept", "true", "", "", true);
+    AddRow("kept as false", "false", "", "", false);
+    AddRow("variable", "", "true", "", true);
+    AddRow("variable over settings", "true", "false", "", false);
+    AddRow("the other way", "false", "1", "", true);
+    AddRow("option", "", "", "--dev-channel", true);
+    AddRow("option over variable", "true", "true", "--dev-channel=false", false);
+    AddRow("option over settings", "false", "false", "--dev-channel", true);
 }
 
 void HostVariablesTest::TheChannelIsTheOneThatIsGivenFirst()
@@ -129,7 +111,7 @@ void HostVariablesTest::EachOptionHasItsVariable_data()
     QTest::addColumn<QStringList>("command");
     auto const row = [](char const* p_Variable, char const* p_Value, char const* p_Option,
                         QStringList const& p_Command) {
-        QTest::newRow(p_Variable) << QByteArray(p_Variable) << p_Value << p_Option << p_Command;
+        AddRow(p_Variable, QByteArray(p_Variable), p_Value, p_Option, p_Command);
     };
     row("VARNHOLT_MODULE", "nothing.so", "--module=nothing.so", {"status"});
     row("VARNHOLT_YES", "true", "--yes", {"uninstall", "--delete-files"});
@@ -195,7 +177,7 @@ void HostVariablesTest::AnEmptyVariableIsNone_data()
         names += key.toUpper().replace('-', '_').toUtf8();
     QVERIFY(names.contains("LIMIT_RATE") && names.contains("CONTENT_PASSWORD"));
     for (QByteArray const& name : names)
-        QTest::newRow(name) << "VARNHOLT_" + name;
+        AddRow(name, "VARNHOLT_" + name);
 }
 
 void HostVariablesTest::AnEmptyVariableIsNone()
@@ -211,20 +193,20 @@ void HostVariablesTest::ABadVariableIsAUsageError_data()
 {
     QTest::addColumn<QByteArray>("variable");
     QTest::addColumn<QByteArray>("value");
-    QTest::newRow("server") << QByteArray("VARNHOLT_CONTENT_URL") << QByteArray("content.example");
-    QTest::newRow("colour") << QByteArray("VARNHOLT_COLOR") << QByteArray("pink");
-    QTest::newRow("channel") << QByteArray("VARNHOLT_DEV_CHANNEL") << QByteArray("maybe");
-    QTest::newRow("json") << QByteArray("VARNHOLT_JSON") << QByteArray("maybe");
-    QTest::newRow("rate") << QByteArray("VARNHOLT_LIMIT_RATE") << QByteArray("fast");
-    QTest::newRow("connections") << QByteArray("VARNHOLT_CONNECTIONS") << QByteArray("0");
-    QTest::newRow("time") << QByteArray("VARNHOLT_RETRY_FOR") << QByteArray("soon");
-    QTest::newRow("timeout") << QByteArray("VARNHOLT_CONNECT_TIMEOUT") << QByteArray("0");
-    QTest::newRow("file") << QByteArray("VARNHOLT_CA_FILE") << QByteArray("/no such file");
-    QTest::newRow("netrc") << QByteArray("VARNHOLT_NETRC_FILE") << QByteArray("/no such file");
-    QTest::newRow("proxy") << QByteArray("VARNHOLT_PROXY") << QByteArray("ftp://p");
-    QTest::newRow("user") << QByteArray("VARNHOLT_CONTENT_USER") << QByteArray("a:b");
-    QTest::newRow("https") << QByteArray("VARNHOLT_HTTPS_MIRRORS") << QByteArray("maybe");
-    QTest::newRow("offline") << QByteArray("VARNHOLT_OFFLINE") << QByteArray("maybe");
+    AddRow("server", QByteArray("VARNHOLT_CONTENT_URL"), QByteArray("content.example"));
+    AddRow("colour", QByteArray("VARNHOLT_COLOR"), QByteArray("pink"));
+    AddRow("channel", QByteArray("VARNHOLT_DEV_CHANNEL"), QByteArray("maybe"));
+    AddRow("json", QByteArray("VARNHOLT_JSON"), QByteArray("maybe"));
+    AddRow("rate", QByteArray("VARNHOLT_LIMIT_RATE"), QByteArray("fast"));
+    AddRow("connections", QByteArray("VARNHOLT_CONNECTIONS"), QByteArray("0"));
+    AddRow("time", QByteArray("VARNHOLT_RETRY_FOR"), QByteArray("soon"));
+    AddRow("timeout", QByteArray("VARNHOLT_CONNECT_TIMEOUT"), QByteArray("0"));
+    AddRow("file", QByteArray("VARNHOLT_CA_FILE"), QByteArray("/no such file"));
+    AddRow("netrc", QByteArray("VARNHOLT_NETRC_FILE"), QByteArray("/no such file"));
+    AddRow("proxy", QByteArray("VARNHOLT_PROXY"), QByteArray("ftp://p"));
+    AddRow("user", QByteArray("VARNHOLT_CONTENT_USER"), QByteArray("a:b"));
+    AddRow("https", QByteArray("VARNHOLT_HTTPS_MIRRORS"), QByteArray("maybe"));
+    AddRow("offline", QByteArray("VARNHOLT_OFFLINE"), QByteArray("maybe"));
 }
 
 void HostVariablesTest::ABadVariableIsAUsageError()

@@ -33,11 +33,11 @@ void HostileLinksTest::WhatIsNotFollowedIsLeftAloneInAWholeLife_data()
 {
     QTest::addColumn<QString>("Target"); // "(out)" is the tree beside the folder
     QTest::addColumn<bool>("IsPlayers");
-    QTest::newRow("another's") << "(out)" << false;
-    QTest::newRow("another's, to nothing") << "(out)/none" << false;
-    QTest::newRow("the player's, to nothing") << "(out)/none" << true;
-    QTest::newRow("the player's, to a file") << "(out)/file" << true;
-    QTest::newRow("a circle") << "Data" << true;
+    AddRow("another's", "(out)", false);
+    AddRow("another's, to nothing", "(out)/none", false);
+    AddRow("the player's, to nothing", "(out)/none", true);
+    AddRow("the player's, to a file", "(out)/file", true);
+    AddRow("a circle", "Data", true);
 }
 
 void HostileLinksTest::WhatIsNotFollowedIsLeftAloneInAWholeLife()
@@ -156,13 +156,13 @@ void HostileLinksTest::AnyOtherLinkInAFilesPlaceGivesWay_data()
 {
     QTest::addColumn<QString>("Target");
     QTest::addColumn<bool>("IsPlayers");
-    QTest::newRow("the player's, to other bytes") << "(base)mine" << true;
-    QTest::newRow("the player's, to nothing") << "none" << true;
-    QTest::newRow("the player's, to a folder") << "(base)" << true;
-    QTest::newRow("a circle") << "file" << true;
-    QTest::newRow("another's, to a good file") << "(base)good" << false;
-    QTest::newRow("another's, to a good file inside") << "inside" << false;
-    QTest::newRow("another's, to nothing") << "none" << false;
+    AddRow("the player's, to other bytes", "(base)mine", true);
+    AddRow("the player's, to nothing", "none", true);
+    AddRow("the player's, to a folder", "(base)", true);
+    AddRow("a circle", "file", true);
+    AddRow("another's, to a good file", "(base)good", false);
+    AddRow("another's, to a good file inside", "inside", false);
+    AddRow("another's, to nothing", "none", false);
 }
 
 void HostileLinksTest::AnyOtherLinkInAFilesPlaceGivesWay()
@@ -196,15 +196,9 @@ void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen_data()
     QTest::addColumn<QString>("Link");
     QTest::addColumn<QString>("Target");
     QTest::addColumn<QString>("End");
-    QTest::newRow("before a file is fetched") << "Data/enUS"
-                                              << "(out)/none"
-                                              << "link-leads-out";
-    QTest::newRow("before a file is placed") << "Data/base.MPQ"
-                                             << "(out)/base.MPQ"
-                                             << "done";
-    QTest::newRow("before a file is placed, to nothing") << "Data/base.MPQ"
-                                                         << "(out)/none"
-                                                         << "done";
+    AddRow("before a file is fetched", "Data/enUS", "(out)/none", "link-leads-out");
+    AddRow("before a file is placed", "Data/base.MPQ", "(out)/base.MPQ", "done");
+    AddRow("before a file is placed, to nothing", "Data/base.MPQ", "(out)/none", "done");
 }
 
 void HostileLinksTest::ALinkThatIsMadeDuringTheRunIsSeen()
@@ -256,8 +250,8 @@ void HostileLinksTest::AProgramThatAnothersLinkLeadsToIsNotStarted()
 void HostileLinksTest::AFolderThatStaysInsideGoesOnWorking_data()
 {
     QTest::addColumn<QString>("Target");
-    QTest::newRow("by a detour") << "Elsewhere/deep";
-    QTest::newRow("in full") << "(game)Elsewhere/deep";
+    AddRow("by a detour", "Elsewhere/deep");
+    AddRow("in full", "(game)Elsewhere/deep");
 }
 
 void HostileLinksTest::AFolderThatStaysInsideGoesOnWorking()

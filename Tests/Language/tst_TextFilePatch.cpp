@@ -13,7 +13,6 @@
 namespace Varnholt::Launcher {
 
 using TestSupport::LocalEncoding;
-using TestSupport::OrdinaryUser;
 using TestSupport::ReadFile;
 using TestSupport::WriteFile;
 
@@ -148,9 +147,7 @@ void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
     QCOMPARE(QDir(Folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1);
     QVERIFY(QDir().rmdir(Path));
 
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root writes to read-only files");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     init();
     QVERIFY(WriteFile(Path, "key\n"));
     QVERIFY(TestSupport::SetMode(Path, 0444));
@@ -160,9 +157,7 @@ void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
 
 void TextFilePatchTest::AFileOfAReadOnlyFolderIsWrittenInPlace()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root writes to read-only folders");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     init();
     QVERIFY(WriteFile(Path, "key 1\na\n"));
     QVERIFY(TestSupport::SetMode(Folder->path(), 0555));
@@ -173,9 +168,7 @@ void TextFilePatchTest::AFileOfAReadOnlyFolderIsWrittenInPlace()
 
 void TextFilePatchTest::AnUnreadableFileIsReplacedByTheLine()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root reads everything");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     init();
     QVERIFY(WriteFile(Path, "a\n"));
     QVERIFY(TestSupport::SetMode(Path, 0200));

@@ -103,9 +103,7 @@ void Client64Test::OtherSpellingsAreLeftAlone()
 
 void Client64Test::AFailureDoesNotStopTheStart()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root renames in read-only folders");
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     LaunchBench bench;
     bench.PutTemplates();
     bench.Put("Wow-64.exe", "client");

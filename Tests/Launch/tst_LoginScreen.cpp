@@ -94,16 +94,11 @@ void LoginScreenTest::TextsAreInsertedAsTheyAre_data()
 {
     QTest::addColumn<QString>("login");
     QTest::addColumn<QString>("password");
-    QTest::newRow("markup") << "<b>&amp;\"it's\"</b>"
-                            << "]]></Password><!-- \"&'";
-    QTest::newRow("pattern and format") << "\\1 \\0 %1 %s $1"
-                                        << "^.*$ %2 \\n";
-    QTest::newRow("blanks") << "  "
-                            << "\t pass word \n";
-    QTest::newRow("its own placeholder") << "{varnholt_autolog_login}"
-                                         << "{varnholt_autolog_password}";
-    QTest::newRow("login's placeholder in the password") << "me"
-                                                         << "{varnholt_autolog_login}";
+    AddRow("markup", "<b>&amp;\"it's\"</b>", "]]></Password><!-- \"&'");
+    AddRow("pattern and format", "\\1 \\0 %1 %s $1", "^.*$ %2 \\n");
+    AddRow("blanks", "  ", "\t pass word \n");
+    AddRow("its own placeholder", "{varnholt_autolog_login}", "{varnholt_autolog_password}");
+    AddRow("login's placeholder in the password", "me", "{varnholt_autolog_login}");
 }
 
 void LoginScreenTest::TextsAreInsertedAsTheyAre()
@@ -139,11 +134,9 @@ void LoginScreenTest::WithoutBothTextsThereIsNoLoginScreen_data()
 {
     QTest::addColumn<QString>("login");
     QTest::addColumn<QString>("password");
-    QTest::newRow("no login") << ""
-                              << "secret";
-    QTest::newRow("no password") << "me"
-                                 << "";
-    QTest::newRow("neither") << QString() << QString();
+    AddRow("no login", "", "secret");
+    AddRow("no password", "me", "");
+    AddRow("neither", QString(), QString());
 }
 
 void LoginScreenTest::WithoutBothTextsThereIsNoLoginScreen()

@@ -48,9 +48,8 @@ void StartTest::TheGameGetsOneArgument_data()
 {
     QTest::addColumn<QString>("login");
     QTest::addColumn<QString>("password");
-    QTest::newRow("no login") << QString() << QString();
-    QTest::newRow("login") << "me"
-                           << "secret";
+    AddRow("no login", QString(), QString());
+    AddRow("login", "me", "secret");
 }
 
 void StartTest::TheGameGetsOneArgument()
@@ -95,10 +94,10 @@ void StartTest::WithoutAMarkedEntryNothingIsStarted_data()
 {
     QTest::addColumn<qint32>("flags");
     QTest::addColumn<bool>("streamed");
-    QTest::newRow("executable, not the game's") << qint32{2} << false;
-    QTest::newRow("every other bit") << (0xff & ~c_Flag) << false;
-    QTest::newRow("executable of the other system") << c_OtherFlag << false;
-    QTest::newRow("streamed") << c_Flag << true;
+    AddRow("executable, not the game's", qint32{2}, false);
+    AddRow("every other bit", (0xff & ~c_Flag), false);
+    AddRow("executable of the other system", c_OtherFlag, false);
+    AddRow("streamed", c_Flag, true);
 }
 
 void StartTest::WithoutAMarkedEntryNothingIsStarted()
@@ -127,13 +126,10 @@ void StartTest::TheStartIsLogged_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("logged");
-    QTest::newRow("plain") << "Game/start"
-                           << "Game/start";
-    QTest::newRow("blanks") << "my game"
-                            << "my game";
-    QTest::newRow("quotes") << "my \"game\""
-                            << "my \\\"game\\\"";
-    QTest::newRow("letters") << QString::fromUtf8("jeu d'été") << QString::fromUtf8("jeu d'été");
+    AddRow("plain", "Game/start", "Game/start");
+    AddRow("blanks", "my game", "my game");
+    AddRow("quotes", "my \"game\"", "my \\\"game\\\"");
+    AddRow("letters", QString::fromUtf8("jeu d'été"), QString::fromUtf8("jeu d'été"));
 }
 
 void StartTest::TheStartIsLogged()
@@ -154,10 +150,10 @@ void StartTest::TheStartIsLogged()
 void StartTest::AnExecutableThatCannotBeStartedIsStartedAllTheSame_data()
 {
     QTest::addColumn<QString>("what");
-    QTest::newRow("missing") << "missing";
-    QTest::newRow("not executable") << "plain";
-    QTest::newRow("folder") << "folder";
-    QTest::newRow("no such interpreter") << "script";
+    AddRow("missing", "missing");
+    AddRow("not executable", "plain");
+    AddRow("folder", "folder");
+    AddRow("no such interpreter", "script");
 }
 
 void StartTest::AnExecutableThatCannotBeStartedIsStartedAllTheSame()
@@ -183,8 +179,8 @@ void StartTest::AnExecutableThatCannotBeStartedIsStartedAllTheSame()
 void StartTest::AnExecutableIsStartedThroughThePlayersLinkOnly_data()
 {
     QTest::addColumn<bool>("IsPlayers");
-    QTest::newRow("the player's") << true;
-    QTest::newRow("another user's") << false;
+    AddRow("the player's", true);
+    AddRow("another user's", false);
 }
 
 void StartTest::AnExecutableIsStartedThroughThePlayersLinkOnly()

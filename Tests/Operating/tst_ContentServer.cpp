@@ -110,14 +110,14 @@ void ContentServerTest::GivesRanges_data()
     QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("contentRange");
     QTest::addColumn<QByteArray>("body");
-    QTest::newRow("rest") << QByteArray("bytes=149990-") << 206
-                          << QByteArray("bytes 149990-149999/150000") << c_Data.right(10);
-    QTest::newRow("from the start")
-        << QByteArray("bytes=0-") << 206 << QByteArray("bytes 0-149999/150000") << c_Data;
-    QTest::newRow("middle") << QByteArray("bytes=100000-100009") << 206
-                            << QByteArray("bytes 100000-100009/150000") << c_Data.mid(100000, 10);
-    QTest::newRow("behind the end")
-        << QByteArray("bytes=150000-") << 416 << QByteArray("bytes */150000") << QByteArray();
+    AddRow("rest", QByteArray("bytes=149990-"), 206, QByteArray("bytes 149990-149999/150000"),
+           c_Data.right(10));
+    AddRow("from the start", QByteArray("bytes=0-"), 206, QByteArray("bytes 0-149999/150000"),
+           c_Data);
+    AddRow("middle", QByteArray("bytes=100000-100009"), 206,
+           QByteArray("bytes 100000-100009/150000"), c_Data.mid(100000, 10));
+    AddRow("behind the end", QByteArray("bytes=150000-"), 416, QByteArray("bytes */150000"),
+           QByteArray());
 }
 
 void ContentServerTest::GivesRanges()
@@ -154,16 +154,13 @@ void ContentServerTest::TellsHowLongAnAnswerHolds_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QByteArray>("value");
-    QTest::newRow("content") << PublishedGame::ContentPath(c_Data)
-                             << QByteArray("public, max-age=31536000, immutable");
-    QTest::newRow("manifest") << "pelmora_app/builds/build_1/info.json"
-                              << QByteArray("public, max-age=86400");
-    QTest::newRow("version") << "pelmora_app/version.json" << QByteArray("public, max-age=60");
-    QTest::newRow("development") << "pelmora_app/version_dev.json"
-                                 << QByteArray("public, max-age=60");
-    QTest::newRow("hosts") << "cdns.info" << QByteArray("public, max-age=300");
-    QTest::newRow("realm list") << "pelmora_app/realmlist.info"
-                                << QByteArray("public, max-age=300");
+    AddRow("content", PublishedGame::ContentPath(c_Data),
+           QByteArray("public, max-age=31536000, immutable"));
+    AddRow("manifest", "pelmora_app/builds/build_1/info.json", QByteArray("public, max-age=86400"));
+    AddRow("version", "pelmora_app/version.json", QByteArray("public, max-age=60"));
+    AddRow("development", "pelmora_app/version_dev.json", QByteArray("public, max-age=60"));
+    AddRow("hosts", "cdns.info", QByteArray("public, max-age=300"));
+    AddRow("realm list", "pelmora_app/realmlist.info", QByteArray("public, max-age=300"));
 }
 
 void ContentServerTest::TellsHowLongAnAnswerHolds()
@@ -182,7 +179,7 @@ void ContentServerTest::GivesNothingElse_data()
           "pelmora_app/files/00/00000000000000000000000000000000",
           "pelmora_app/builds/none/info.json", "pelmora_app/builds/", "other/version.json",
           ".varnholt-publish.new/x", "notes.txt", "pelmora_app/version.json.old"})
-        QTest::newRow(qPrintable(QString("/%1").arg(path))) << QString(path);
+        AddRow(qPrintable(QString("/%1").arg(path)), QString(path));
 }
 
 void ContentServerTest::GivesNothingElse()

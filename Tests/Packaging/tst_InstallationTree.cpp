@@ -1,5 +1,6 @@
-#include "Tests/HostPages/CompletionShell.hpp"
-#include "Tests/HostPages/ToolRun.hpp"
+#include "Tests/Pages/CompletionShell.hpp"
+#include "Tests/Pages/ProgramHelp.hpp"
+#include "Tests/Pages/ToolRun.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -20,7 +21,7 @@ private Q_SLOTS:
     void TheHostFindsTheModuleThatIsInstalledWithIt();
     void AMovedInstallationWorks();
     void ThePublisherRuns();
-    void PageAndCompletionsStandWhereTheyAreLookedFor();
+    void PagesAndCompletionsStandWhereTheyAreLookedFor();
     void TheDocumentsAreThere();
     void NothingElseIsInstalled();
     void AProjectThatEmbedsTheModuleInstallsNothingOfIt();
@@ -72,20 +73,21 @@ void InstallationTreeTest::ThePublisherRuns()
     QVERIFY2(run.Status == 0 && run.Out.contains("build"), qPrintable(run.Out + run.Err));
 }
 
-void InstallationTreeTest::PageAndCompletionsStandWhereTheyAreLookedFor()
+void InstallationTreeTest::PagesAndCompletionsStandWhereTheyAreLookedFor()
 {
-    QCOMPARE(ReadFile(Path(VARNHOLT_MAN_FOLDER, "man1/varnholt-host.1")),
-             ReadFile(VARNHOLT_MAN_PAGE));
-    QVERIFY(!ReadFile(VARNHOLT_MAN_PAGE).isEmpty());
-    QMap<QString, QString> const places{{"bash", "bash-completion/completions/varnholt-host"},
-                                        {"zsh", "zsh/site-functions/_varnholt-host"},
-                                        {"fish", "fish/vendor_completions.d/varnholt-host.fish"}};
-    for (QString const& shell : CompletionShell::Names()) {
-        QByteArray const built = ReadFile(CompletionShell::BuiltFile(shell));
-        QVERIFY2(!built.isEmpty(), qPrintable(shell));
-        QCOMPARE(ReadFile(Path(VARNHOLT_DATA_FOLDER, places[shell])), built);
+    for (QString const& program : ProgramHelp::Programs()) {
+        QString const page = "man1/" + program + ".1";
+        QByteArray built = ReadFile(VARNHOLT_BUILT_PAGES "/man/" + page);
+        QVERIFY2(!built.isEmpty(), qPrintable(program));
+        QCOMPARE(ReadFile(Path(VARNHOLT_MAN_FOLDER, page)), built);
+        for (QString const& shell : CompletionShell::Names()) {
+            QString const file = CompletionShell::BuiltFile(shell, program);
+            built = ReadFile(VARNHOLT_BUILT_PAGES "/" + file);
+            QVERIFY2(!built.isEmpty(), qPrintable(file));
+            QCOMPARE(ReadFile(Path(VARNHOLT_DATA_FOLDER, file)), built);
+        }
     }
-    QString const page = ReadFile(VARNHOLT_MAN_PAGE);
+    QString const page = ReadFile(VARNHOLT_BUILT_PAGES "/man/man1/varnholt-host.1");
     QString const module =
         QDir(Path(VARNHOLT_PROGRAMS_FOLDER, "")).relativeFilePath(Path(VARNHOLT_MODULE_FOLDER, ""));
     QVERIFY2(page.contains(module), qPrintable(module));
@@ -110,7 +112,7 @@ void InstallationTreeTest::TheDocumentsAreThere()
 void InstallationTreeTest::NothingElseIsInstalled()
 {
     QCOMPARE(QDir(Path(VARNHOLT_PROGRAMS_FOLDER, "")).entryList(QDir::Files, QDir::Name),
-             (QStringList{"varnholt-host", "varnholt-publish"}));
+             ProgramHelp::Programs());
     QCOMPARE(QDir(Path(VARNHOLT_MODULE_FOLDER, "")).entryList(QDir::Files).size(), 1);
 }
 

@@ -6,6 +6,7 @@
 namespace Varnholt::Launcher {
 
 using Helper::Process::IsProcessListed;
+using TestSupport::AddRow;
 
 namespace {
 
@@ -34,46 +35,31 @@ void ProcessListTest::FindsAGameOfTheFolder_data()
     QTest::addColumn<QString>("Folder");
     QTest::addColumn<bool>("Expected");
 
-    QTest::newRow("bundle") << "u 1 /Games/Pelmora/World of Warcraft.app/Contents/MacOS/"
-                               "World of Warcraft -noautolaunch64bit"
-                            << "/Games/Pelmora/" << true;
-    QTest::newRow("Windows path") << R"(u 1 "C:\Games\Pelmora\Wow-64.exe" -x)"
-                                  << "C:/Games/Pelmora/" << true;
-    QTest::newRow("32 bits") << "u 1 /games/wow.exe"
-                             << "/games/" << true;
-    QTest::newRow("letter case") << "u 1 /GAMES/WOW-64.EXE"
-                                 << "/games/" << true;
-    QTest::newRow("folder's letter case") << "u 1 /games/wow-64.exe"
-                                          << "/GAMES/" << true;
-    QTest::newRow("folder in the environment") << "u 1 wow-64.exe PWD=/games/"
-                                               << "/games/" << true;
-    QTest::newRow("quote inside the folder") << R"(u 1 /ga"mes/wow-64.exe)"
-                                             << "/games/" << true;
+    AddRow("bundle",
+           "u 1 /Games/Pelmora/World of Warcraft.app/Contents/MacOS/"
+           "World of Warcraft -noautolaunch64bit",
+           "/Games/Pelmora/", true);
+    AddRow("Windows path", R"(u 1 "C:\Games\Pelmora\Wow-64.exe" -x)", "C:/Games/Pelmora/", true);
+    AddRow("32 bits", "u 1 /games/wow.exe", "/games/", true);
+    AddRow("letter case", "u 1 /GAMES/WOW-64.EXE", "/games/", true);
+    AddRow("folder's letter case", "u 1 /games/wow-64.exe", "/GAMES/", true);
+    AddRow("folder in the environment", "u 1 wow-64.exe PWD=/games/", "/games/", true);
+    AddRow("quote inside the folder", R"(u 1 /ga"mes/wow-64.exe)", "/games/", true);
 
-    QTest::newRow("other folder") << "u 1 /elsewhere/Wow-64.exe"
-                                  << "/games/" << false;
-    QTest::newRow("other program") << "u 1 /games/editor"
-                                   << "/games/" << false;
-    QTest::newRow("empty line") << ""
-                                << "/games/" << false;
-    QTest::newRow("nothing but blanks") << "        "
-                                        << " " << false;
+    AddRow("other folder", "u 1 /elsewhere/Wow-64.exe", "/games/", false);
+    AddRow("other program", "u 1 /games/editor", "/games/", false);
+    AddRow("empty line", "", "/games/", false);
+    AddRow("nothing but blanks", "        ", " ", false);
     // The launchers' command lines carry the folder and the game's name too.
-    QTest::newRow("first launcher") << "u 1 /games/QuorvelLauncher.exe wow-64.exe"
-                                    << "/games/" << false;
-    QTest::newRow("second launcher") << R"(u 1 C:\games\TESMIDLAUNCHER.EXE wow-64.exe)"
-                                     << "games/" << false;
+    AddRow("first launcher", "u 1 /games/QuorvelLauncher.exe wow-64.exe", "/games/", false);
+    AddRow("second launcher", R"(u 1 C:\games\TESMIDLAUNCHER.EXE wow-64.exe)", "games/", false);
     // The line is normalised, the folder is not.
-    QTest::newRow("backslashes in the folder") << R"(u 1 C:\games\wow-64.exe)"
-                                               << R"(C:\games\)" << false;
+    AddRow("backslashes in the folder", R"(u 1 C:\games\wow-64.exe)", R"(C:\games\)", false);
     // A folder of nothing but blanks is searched for like any other.
-    QTest::newRow("folder of blanks") << "u 1   wow-64.exe"
-                                      << "  " << true;
-    QTest::newRow("folder of blanks, not there") << "u 1 wow-64.exe"
-                                                 << "  " << false;
+    AddRow("folder of blanks", "u 1   wow-64.exe", "  ", true);
+    AddRow("folder of blanks, not there", "u 1 wow-64.exe", "  ", false);
     // Below four characters a line is nothing; with four it is searched.
-    QTest::newRow("three characters") << " abc "
-                                      << "a" << false;
+    AddRow("three characters", " abc ", "a", false);
 }
 
 void ProcessListTest::FindsAGameOfTheFolder()
@@ -124,16 +110,12 @@ void ProcessListTest::NothingButTheNameAndTheIdIsForTheLog_data()
 {
     QTest::addColumn<QString>("Line");
     QTest::addColumn<QString>("Expected");
-    QTest::newRow("line of ps") << "u   12 0.0 /games/wow-64.exe -x token=1"
-                                << "wow-64.exe 12";
-    QTest::newRow("bundle") << "u 12 /g/x.app/contents/macos/world of warcraft token=1"
-                            << "macos/world of warcraft 12";
-    QTest::newRow("no number") << "token=1 secret /games/wow.exe"
-                               << "wow.exe";
-    QTest::newRow("no match") << "u 12 /games/editor"
-                              << "";
-    QTest::newRow("nothing") << ""
-                             << "";
+    AddRow("line of ps", "u   12 0.0 /games/wow-64.exe -x token=1", "wow-64.exe 12");
+    AddRow("bundle", "u 12 /g/x.app/contents/macos/world of warcraft token=1",
+           "macos/world of warcraft 12");
+    AddRow("no number", "token=1 secret /games/wow.exe", "wow.exe");
+    AddRow("no match", "u 12 /games/editor", "");
+    AddRow("nothing", "", "");
 }
 
 void ProcessListTest::NothingButTheNameAndTheIdIsForTheLog()

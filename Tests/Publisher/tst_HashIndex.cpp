@@ -157,7 +157,7 @@ void HashIndexTest::AFileThatMayStillChangeUnseenIsLeftOut()
     QFETCH(qint64, fraction);
     QFETCH(bool, isKnown);
     QTemporaryDir const folder;
-    fs::file_time_type const modified(1000s + std::chrono::nanoseconds(fraction));
+    std::chrono::nanoseconds const modified = 1000s + std::chrono::nanoseconds(fraction);
     Publisher::BuildFile const hashed{
         {"a", {}, 1, modified, 7}, {}, "0CC175B9C0F1B6A831C399E269772661"};
     Publisher::HashIndex const index(folder.filePath("index"), folder.path());

@@ -205,10 +205,11 @@ void SourceScanTest::AFileThatIsNotWhatTheScanFoundIsRefused()
     };
     QString const changed = "a: the file changed while it was being published";
     QCOMPARE(refusal(), QString());
-    std::filesystem::last_write_time(file.Location, file.Modified + std::chrono::seconds(1));
+    auto const modified = std::filesystem::last_write_time(file.Location);
+    std::filesystem::last_write_time(file.Location, modified + std::chrono::seconds(1));
     QCOMPARE(refusal(), changed);
     Put("a", "longer");
-    std::filesystem::last_write_time(file.Location, file.Modified);
+    std::filesystem::last_write_time(file.Location, modified);
     QCOMPARE(refusal(), changed);
     QVERIFY(QFile::remove(Path("a")));
     QVERIFY(refusal().startsWith("a: cannot be read: "));

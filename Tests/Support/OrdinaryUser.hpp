@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QtTest>
 
 #include <unistd.h>
 
@@ -46,3 +46,9 @@ private:
 };
 
 } // namespace Varnholt::TestSupport
+
+/// Lets the rest of a test function be that user's, or skips it.
+#define VARNHOLT_AS_ORDINARY_USER()                                                                \
+    if (!Varnholt::TestSupport::OrdinaryUser::IsPossible())                                        \
+        QSKIP("root is not stopped by permissions");                                               \
+    Varnholt::TestSupport::OrdinaryUser const ordinaryUser

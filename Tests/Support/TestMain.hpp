@@ -11,6 +11,13 @@ using TestRun = int (*)(int p_Count, char** p_Arguments);
 /// without namespaces. A second one of the same name ends the program.
 bool RegisterTest(QMetaObject const& p_Class, TestRun p_Run);
 
+/// A row of test data, with a value for each column.
+template <typename... Values>
+void AddRow(char const* p_Name, Values const&... p_Values)
+{
+    (QTest::newRow(p_Name) << ... << p_Values);
+}
+
 } // namespace Varnholt::TestSupport
 
 /// Registers a class of tests: once in its source, outside of all namespaces.

@@ -159,10 +159,8 @@ void UninstallFilesTest::OnlyWritePermissionsAreLeftBeforeTheRemoval()
 {
     QFETCH(unsigned, before);
     QFETCH(int, expected);
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root may write to every file, and that counts as a permission");
     Played.reset();
-    OrdinaryUser const user; // the folder must be this user's
+    VARNHOLT_AS_ORDINARY_USER(); // the folder must be this user's
     Played = std::make_unique<Game>(TestHost::Worker::ByHand);
     Game& game = *Played;
     game.Add({"a", "a"});
@@ -189,10 +187,8 @@ void UninstallFilesTest::AReadOnlyFileIsRemoved()
 
 void UninstallFilesTest::AFileThatCannotBeRemovedIsReportedAndTheOthersGo()
 {
-    if (!OrdinaryUser::IsPossible())
-        QSKIP("root removes files from read-only folders");
     Played.reset();
-    OrdinaryUser const user;
+    VARNHOLT_AS_ORDINARY_USER();
     Played = std::make_unique<Game>(TestHost::Worker::ByHand);
     Game& game = *Played;
     game.Add({"before", "b"}).Add({"Locked/one", "1"}).Add({"Locked/two", "2"});

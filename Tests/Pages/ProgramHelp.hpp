@@ -5,12 +5,17 @@
 
 namespace Varnholt::TestSupport {
 
-/// What varnholt-host tells of itself, read from its own words: what is made from its command line
+/// What a program tells of itself, read from its own words: what is made from its command line
 /// can be compared with them.
 class ProgramHelp {
 public:
+    static QStringList Programs()
+    {
+        return {QStringLiteral("varnholt-host"), QStringLiteral("varnholt-publish")};
+    }
+
     /// \param p_Command empty: of the program
-    explicit ProgramHelp(QString const& p_Command = {});
+    explicit ProgramHelp(QString const& p_Program, QString const& p_Command = {});
 
     QString Text;
     QStringList Commands;

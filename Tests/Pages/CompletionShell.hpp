@@ -14,8 +14,8 @@ public:
     CompletionShell(QString const& p_Name, QString const& p_File);
 
     static QStringList Names();
-    /// The file that was built for it.
-    static QString BuiltFile(QString const& p_Name);
+    /// The file that was built for it, below the folder of data.
+    static QString BuiltFile(QString const& p_Name, QString const& p_Program);
 
     /// What it offers at the end of each line, in alphabetical order; of a path the last part, and
     /// without what stands before "=".

@@ -1,4 +1,4 @@
-#include "Tests/HostPages/ToolRun.hpp"
+#include "Tests/Pages/ToolRun.hpp"
 
 #include "Tests/Support/TestHost.hpp"
 

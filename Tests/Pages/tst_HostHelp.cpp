@@ -1,5 +1,5 @@
 #include "Host/Core/Failures/ExitStatus.hpp"
-#include "Tests/HostPages/ProgramHelp.hpp"
+#include "Tests/Pages/ProgramHelp.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
@@ -13,16 +13,19 @@ class HostHelpTest : public QObject {
 private Q_SLOTS:
     void EveryCommandsHelpEndsWithAnExampleOfIt();
     void TheProgramsHelpEndsWithTheExitStatuses();
+
+private:
+    static constexpr char c_Program[] = "varnholt-host";
 };
 
 void HostHelpTest::EveryCommandsHelpEndsWithAnExampleOfIt()
 {
-    QStringList const commands = ProgramHelp().Commands;
-    QStringList const options = ProgramHelp().Options;
+    QStringList const commands = ProgramHelp(c_Program).Commands;
+    QStringList const options = ProgramHelp(c_Program).Options;
     QVERIFY(commands.contains("install") && options.contains("--limit-rate"));
     for (QString const& command : commands) {
         QStringList const lines =
-            ProgramHelp(command).Text.trimmed().split('\n', Qt::SkipEmptyParts);
+            ProgramHelp(c_Program, command).Text.trimmed().split('\n', Qt::SkipEmptyParts);
         QVERIFY2(lines.size() > 2, qPrintable(command));
         QCOMPARE(lines[lines.size() - 2], QString("Example:"));
         QString const example = lines.last() + ' ';
@@ -34,7 +37,7 @@ void HostHelpTest::EveryCommandsHelpEndsWithAnExampleOfIt()
 
 void HostHelpTest::TheProgramsHelpEndsWithTheExitStatuses()
 {
-    QString const help = ProgramHelp().Text;
+    QString const help = ProgramHelp(c_Program).Text;
     QString const end = help.mid(help.indexOf("\nExit status:\n"));
     for (Host::ExitStatus const& row : Host::c_ExitStatuses) {
         QString const line = QStringLiteral("\n  %1 ").arg(row.Status);

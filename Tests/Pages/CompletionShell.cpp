@@ -1,6 +1,6 @@
-#include "Tests/HostPages/CompletionShell.hpp"
+#include "Tests/Pages/CompletionShell.hpp"
 
-#include "Tests/HostPages/ToolRun.hpp"
+#include "Tests/Pages/ToolRun.hpp"
 
 #include <QFileInfo>
 
@@ -31,12 +31,13 @@ QStringList CompletionShell::Names()
     return {QStringLiteral("bash"), QStringLiteral("zsh"), QStringLiteral("fish")};
 }
 
-QString CompletionShell::BuiltFile(QString const& p_Name)
+QString CompletionShell::BuiltFile(QString const& p_Name, QString const& p_Program)
 {
     if (p_Name == QLatin1String("bash"))
-        return QStringLiteral(VARNHOLT_BASH_COMPLETION);
-    return p_Name == QLatin1String("zsh") ? QStringLiteral(VARNHOLT_ZSH_COMPLETION)
-                                          : QStringLiteral(VARNHOLT_FISH_COMPLETION);
+        return QStringLiteral("bash-completion/completions/") + p_Program;
+    return p_Name == QLatin1String("zsh")
+               ? QStringLiteral("zsh/site-functions/_") + p_Program
+               : QStringLiteral("fish/vendor_completions.d/%1.fish").arg(p_Program);
 }
 
 QVector<QStringList> CompletionShell::Offers(QStringList const& p_Lines)

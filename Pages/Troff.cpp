@@ -1,8 +1,8 @@
-#include "Host/Pages/Troff.hpp"
+#include "Pages/Troff.hpp"
 
 #include <QHash>
 
-namespace Varnholt::Host::Pages::Troff {
+namespace Varnholt::Pages::Troff {
 
 namespace {
 
@@ -63,33 +63,9 @@ QString Sentence(QString const& p_Text)
     return lines + QStringLiteral(".\n");
 }
 
-QString Title(QString const& p_Program, QString const& p_Version)
-{
-    // In the place of the empty text others have a date; the same sources make the same page.
-    return QStringLiteral(".TH %1 1 \"\" \"%2 %3\" \"User Commands\"\n")
-        .arg(Plain(p_Program.toUpper()), Plain(p_Program), Plain(p_Version));
-}
-
-QString Section(QString const& p_Name)
-{
-    return QStringLiteral(".SH \"%1\"\n").arg(Plain(p_Name));
-}
-
-QString Paragraph()
-{
-    return QStringLiteral(".PP\n");
-}
-
 QString Item(QString const& p_Title, QString const& p_Lines)
 {
     return QStringLiteral(".TP\n") + p_Title + QLatin1Char('\n') + p_Lines;
 }
 
-QString Indented(QString const& p_Items)
-{
-    if (p_Items.isEmpty())
-        return {};
-    return QStringLiteral(".RS\n") + p_Items + QStringLiteral(".RE\n");
-}
-
-} // namespace Varnholt::Host::Pages::Troff
+} // namespace Varnholt::Pages::Troff

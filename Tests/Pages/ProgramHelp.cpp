@@ -1,17 +1,17 @@
-#include "Tests/HostPages/ProgramHelp.hpp"
+#include "Tests/Pages/ProgramHelp.hpp"
 
-#include "Tests/HostPages/ToolRun.hpp"
+#include "Tests/Pages/ToolRun.hpp"
 
 #include <QRegularExpression>
 
 namespace Varnholt::TestSupport {
 
-ProgramHelp::ProgramHelp(QString const& p_Command)
+ProgramHelp::ProgramHelp(QString const& p_Program, QString const& p_Command)
 {
     QStringList arguments{QStringLiteral("--help")};
     if (!p_Command.isEmpty())
         arguments.prepend(p_Command);
-    Text = ToolRun(QStringLiteral(VARNHOLT_HOST_PROGRAM), arguments).Out;
+    Text = ToolRun(QStringLiteral(VARNHOLT_BUILT_PROGRAMS "/") + p_Program, arguments).Out;
     // "Section:", and below it "  name ..." or, further to the right, the rest of a help text.
     static QRegularExpression const row(QStringLiteral("^  (\\S.*)$"));
     QString section;
