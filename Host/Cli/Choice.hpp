@@ -42,6 +42,7 @@ struct Choice {
     Color Colors = Color::Auto;
     bool Remembers = false; ///< the password asked for is kept in the desktop's secret store
     bool Forgets = false;   ///< the password kept there is removed
+    bool Waits = false;     ///< for the end of the game
     bool Json = false;
     bool Quiet = false;
     bool Verbose = false;

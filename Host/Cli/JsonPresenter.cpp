@@ -27,10 +27,14 @@ QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
 
 QJsonObject ObjectOf(ServerWait const& p_Wait)
 {
-    return {{QStringLiteral("server"), p_Wait.Server},
-            {QStringLiteral("cause"), p_Wait.Cause},
-            {QStringLiteral("silent"), p_Wait.Silent},
-            {QStringLiteral("nextAttempt"), p_Wait.NextAttempt}};
+    QJsonObject object{{QStringLiteral("server"), p_Wait.Server},
+                       {QStringLiteral("cause"), p_Wait.Cause},
+                       {QStringLiteral("silent"), p_Wait.Silent},
+                       {QStringLiteral("nextAttempt"), p_Wait.NextAttempt},
+                       {QStringLiteral("attempt"), p_Wait.Attempt}};
+    if (p_Wait.Attempts > 0)
+        object.insert(QStringLiteral("attempts"), p_Wait.Attempts);
+    return object;
 }
 
 QJsonObject ObjectOf(FileFinding const& p_Finding)
@@ -53,6 +57,14 @@ QJsonObject ObjectOf(MirrorReport const& p_Report)
     if (!p_Report.Cause.isEmpty())
         object.insert(QStringLiteral("cause"), p_Report.Cause);
     return object;
+}
+
+QJsonObject ObjectOf(Failure const& p_Failure)
+{
+    return {{QStringLiteral("error"), p_Failure.Identifier()},
+            {QStringLiteral("subject"), p_Failure.Subject},
+            {QStringLiteral("text"), p_Failure.Sentence()},
+            {QStringLiteral("remedy"), p_Failure.Remedy()}};
 }
 
 QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
@@ -149,6 +161,19 @@ QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
     return object;
 }
 
+void JsonPresenter::ShowSpace(VolumeSpace const& p_Space, bool /*p_IsResult*/)
+{
+    QJsonObject object{{QStringLiteral("folder"), p_Space.Folder},
+                       {QStringLiteral("files"), static_cast<qint64>(p_Space.Files)},
+                       {QStringLiteral("unsized"), static_cast<qint64>(p_Space.Unsized)},
+                       {QStringLiteral("needed"), p_Space.Needed}};
+    if (p_Space.IsKnown()) {
+        object.insert(QStringLiteral("free"), p_Space.Free);
+        object.insert(QStringLiteral("after"), p_Space.After());
+    }
+    Write("space", object);
+}
+
 void JsonPresenter::WriteNotice(QString const& p_Text)
 {
     Write("notice", {{QStringLiteral("text"), p_Text}});
@@ -161,6 +186,12 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
         Write("finding", ObjectOf(finding));
     for (MirrorReport const& report : p_Result.Mirrors)
         Write("mirror", ObjectOf(report));
+    for (Failure const& warning : p_Result.Warnings)
+        Write("warning", ObjectOf(warning));
+    if (p_Request.Kind == RunRequest::Type::PreviewInstall && !p_Result.Problem)
+        Write("preview", {{QStringLiteral("files"), static_cast<qint64>(p_Result.Amount.Files)},
+                          {QStringLiteral("bytes"), Figure(p_Result.Amount.Bytes)},
+                          {QStringLiteral("atLeast"), p_Result.Amount.IsLeast}});
     if (p_Request.Kind == RunRequest::Type::ListLocales)
         for (auto const& locale : p_Result.Locales)
             Write("locale", {{QStringLiteral("locale"), locale.Tag},
@@ -182,11 +213,9 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
 
 void JsonPresenter::WriteFailure(Failure const& p_Failure)
 {
-    Write("error", {{QStringLiteral("error"), p_Failure.Identifier()},
-                    {QStringLiteral("subject"), p_Failure.Subject},
-                    {QStringLiteral("text"), p_Failure.Sentence()},
-                    {QStringLiteral("remedy"), p_Failure.Remedy()},
-                    {QStringLiteral("exitStatus"), p_Failure.ExitStatus()}});
+    QJsonObject object = ObjectOf(p_Failure);
+    object.insert(QStringLiteral("exitStatus"), p_Failure.ExitStatus());
+    Write("error", object);
 }
 
 } // namespace Varnholt::Host

@@ -22,6 +22,7 @@ public:
                     bool p_IsListed) override;
     /// At most twice a second within a phase.
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
+    void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) override;
     void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
                     QString const& p_Game) override;
 

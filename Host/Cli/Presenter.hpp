@@ -24,6 +24,8 @@ public:
     virtual void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
                             bool p_IsListed) = 0;
     virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
+    /// The room on a volume before the first byte comes. \param p_IsResult it was asked for
+    virtual void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) = 0;
     /// Something that a user may want to know.
     void ShowNotice(QString const& p_Text);
     /// The findings of a run, and that it has succeeded if it has; a failure follows otherwise.

@@ -30,6 +30,7 @@ int Program::Run()
             [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
     connect(Session.get(), &HostSession::Ended, this,
             [this](quint64, RunResult const& p_Result) { OnEnded(p_Result); });
+    connect(Session.get(), &HostSession::GameEnded, this, &Program::OnGameEnded);
     connect(Session.get(), &HostSession::Closed, this, [] { QCoreApplication::exit(); });
     Session->Open();
     int const status = QCoreApplication::exec();
@@ -99,8 +100,23 @@ bool Program::AskUser(InstallStatus const& p_Status)
         Fail({FailureKind::ConfirmationMissing, p_Status.Folder, {}});
         return false;
     }
-    request.Confirmed = Prompt::Confirm(
-        QStringLiteral("Delete the files of %1 in %2?").arg(p_Status.Name, p_Status.Folder));
+    if (p_Status.FolderExists) // otherwise there is nothing to ask about
+        request.Kind = RunRequest::Type::PreviewUninstall;
+    return true;
+}
+
+bool Program::ConfirmDeletion(RunResult const& p_Preview)
+{
+    RunRequest& request = Chosen.Request;
+    QString question = QStringLiteral("Delete %1 of %2 in %3?")
+                           .arg(AmountText(p_Preview.Amount), GameName, p_Preview.Folder);
+    if (auto const stay = p_Preview.Staying.size(); stay > 0)
+        question += QStringLiteral(" %1 not the game's %2.")
+                        .arg(stay == 1 ? QStringLiteral("1 file that is")
+                                       : QStringLiteral("%1 files that are").arg(stay),
+                             stay == 1 ? QStringLiteral("stays") : QStringLiteral("stay"));
+    request.Kind = RunRequest::Type::Uninstall;
+    request.Confirmed = Prompt::Confirm(question);
     if (!request.Confirmed) {
         Output.ShowNotice(QStringLiteral("Nothing was deleted."));
         Quit(SignalWatch::IsEndRequested() ? SignalWatch::c_Status : EXIT_FAILURE);
@@ -128,10 +144,24 @@ void Program::Listen()
 
 void Program::OnProgressed(RunSnapshot const& p_Snapshot)
 {
+    TellSpace(p_Snapshot.Space);
     Output.ShowProgress(p_Snapshot);
     IsHeld = p_Snapshot.IsHeld;
     if (IsHeld && Control)
         Control->TellPause(true);
+}
+
+void Program::TellSpace(std::vector<VolumeSpace> const& p_Space)
+{
+    RunRequest::Type const kind = Chosen.Request.Kind;
+    bool const isResult =
+        kind == RunRequest::Type::Check || kind == RunRequest::Type::PreviewInstall;
+    if (p_Space.empty() || p_Space == ToldSpace)
+        return;
+    ToldSpace = p_Space;
+    for (VolumeSpace const& space : p_Space)
+        if (space.Files > 0 || isResult)
+            Output.ShowSpace(space, isResult);
 }
 
 void Program::OnMessage(ControlMessage const& p_Message)
@@ -149,9 +179,34 @@ void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
     Control.reset();
-    Output.ShowResult(Chosen.Request, p_Result, GameName);
-    if (p_Result.Problem)
-        return Fail(*p_Result.Problem);
+    if (Chosen.Request.Kind == RunRequest::Type::PreviewUninstall && !p_Result.Problem) {
+        if (ConfirmDeletion(p_Result))
+            StartRun();
+        return;
+    }
+    Result = p_Result;
+    if (!Chosen.Waits || p_Result.Problem)
+        return Conclude();
+    Output.ShowNotice(QStringLiteral("%1 runs as process %2; waiting for its end.")
+                          .arg(GameName)
+                          .arg(p_Result.ProcessId));
+}
+
+void Program::OnGameEnded(GameEnd const& p_End)
+{
+    if (!Chosen.Waits)
+        return;
+    if (QString const error = p_End.ErrorText(); !error.isEmpty())
+        Result.Problem = Failure{FailureKind::GameFailed, Result.OutputFile, error};
+    Conclude();
+}
+
+void Program::Conclude()
+{
+    TellSpace(Result.Space);
+    Output.ShowResult(Chosen.Request, Result, GameName);
+    if (Result.Problem)
+        return Fail(*Result.Problem);
     Quit(EXIT_SUCCESS);
 }
 
@@ -192,6 +247,7 @@ void Program::Fail(Failure const& p_Failure)
 
 void Program::Quit(int p_Status)
 {
+    Chosen.Waits = false;
     QCoreApplication::exit(p_Status);
 }
 

@@ -10,6 +10,7 @@
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 namespace Varnholt::Host {
 
@@ -28,7 +29,12 @@ private:
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
     void OnProgressed(RunSnapshot const& p_Snapshot);
+    void TellSpace(std::vector<VolumeSpace> const& p_Space);
+    /// Called with what an uninstallation would delete. \return whether that shall be
+    bool ConfirmDeletion(RunResult const& p_Preview);
     void OnEnded(RunResult const& p_Result);
+    void OnGameEnded(GameEnd const& p_End);
+    void Conclude();
     void OnEndRequested();
     void OnToggleRequested();
     /// Asks what must be asked; false when the program has come to its end with that.
@@ -49,6 +55,8 @@ private:
     std::unique_ptr<HostSession> Session;
     std::unique_ptr<ControlSocket> Control;
     QString GameName;
+    std::vector<VolumeSpace> ToldSpace;
+    RunResult Result;
     bool IsRunning = false;
     bool IsPaused = false;
     bool IsHeld = false; ///< the pause has come true

@@ -62,10 +62,15 @@ QString SilenceText(ServerWait const& p_Wait)
 
 QString AttemptText(ServerWait const& p_Wait)
 {
-    return QStringLiteral("server %1, next attempt %2")
-        .arg(SilenceText(p_Wait), p_Wait.NextAttempt > 0
-                                      ? QStringLiteral("in ") + Seconds(p_Wait.NextAttempt)
-                                      : QStringLiteral("under way"));
+    QString attempt = QStringLiteral("next attempt");
+    if (p_Wait.IsRetry())
+        attempt = QStringLiteral("attempt %1").arg(p_Wait.Attempt);
+    if (p_Wait.Attempts > 0)
+        attempt += QStringLiteral(" of %1").arg(p_Wait.Attempts);
+    return QStringLiteral("server %1, %2 %3")
+        .arg(SilenceText(p_Wait), attempt,
+             p_Wait.NextAttempt > 0 ? QStringLiteral("in ") + Seconds(p_Wait.NextAttempt)
+                                    : QStringLiteral("under way"));
 }
 
 QString WaitText(ServerWait const& p_Wait)

@@ -46,6 +46,12 @@ QString FetchSummary(RunResult const& p_Result, QString const& p_Name)
         .arg(p_Name, p_Result.Build, p_Result.Folder, fetched);
 }
 
+QString InstallSummary(RunResult const& p_Result, QString const& p_Name)
+{
+    return QStringLiteral("an installation of %1, build %2, into %3 fetches %4")
+        .arg(p_Name, p_Result.Build, p_Result.Folder, AmountText(p_Result.Amount));
+}
+
 QString StartSummary(RunResult const& p_Result, QString const& p_Name)
 {
     QString const started =
@@ -94,6 +100,22 @@ QStringList Status(InstallStatus const& p_Status)
     return Table(rows);
 }
 
+QString Space(VolumeSpace const& p_Space)
+{
+    auto const text = [](qint64 p_Bytes) {
+        return ByteText(static_cast<quint64>(std::max<qint64>(0, p_Bytes)));
+    };
+    QString needed = QStringLiteral("%1%2 are needed on the volume of %3")
+                         .arg(p_Space.Unsized > 0 ? QStringLiteral("at least ") : QString(),
+                              text(p_Space.Needed), p_Space.Folder);
+    if (!p_Space.IsKnown())
+        return needed;
+    return p_Space.After() < 0
+               ? QStringLiteral("%1; only %2 are free").arg(needed, text(p_Space.Free))
+               : QStringLiteral("%1; %2 are free, %3 stay free")
+                     .arg(needed, text(p_Space.Free), text(p_Space.After()));
+}
+
 QStringList Findings(RunResult const& p_Result)
 {
     constexpr int c_CauseWidth = 10;
@@ -112,6 +134,8 @@ QStringList Findings(RunResult const& p_Result)
                                   : report.Cause;
         lines += QStringLiteral("%1  %2").arg(report.Host, state);
     }
+    for (Failure const& warning : p_Result.Warnings)
+        lines += QStringLiteral("warning: %1; %2").arg(warning.Sentence(), warning.Remedy());
     return lines;
 }
 
@@ -130,7 +154,10 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
     case RunRequest::Type::Verify:
         return {QStringLiteral("every file of %1, build %2, is right").arg(p_Name, p_Result.Build)};
     case RunRequest::Type::AskMirrors:
+    case RunRequest::Type::PreviewUninstall:
         return {};
+    case RunRequest::Type::PreviewInstall:
+        return {InstallSummary(p_Result, p_Name)};
     case RunRequest::Type::Uninstall:
         return {p_Request.DeletesFiles
                     ? QStringLiteral("%1 is uninstalled; files that are not of the game stayed")

@@ -12,6 +12,8 @@ namespace Varnholt::Host::Reports {
 
 QStringList Info(ModuleInfo const& p_Info);
 QStringList Status(InstallStatus const& p_Status);
+/// "2.6 GiB are needed on the volume of /home/ann/Game/; 100 GiB are free, 97.4 GiB stay free".
+QString Space(VolumeSpace const& p_Space);
 /// What an inspection has found, whether it has failed or not.
 QStringList Findings(RunResult const& p_Result);
 /// Of a run that has not failed.

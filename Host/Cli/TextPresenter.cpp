@@ -38,6 +38,14 @@ void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     View.Show(p_Snapshot);
 }
 
+void TextPresenter::ShowSpace(VolumeSpace const& p_Space, bool p_IsResult)
+{
+    if (p_IsResult)
+        Output.Result(Reports::Space(p_Space));
+    else if (!Output.IsTerminal()) // where the bar has the place
+        Output.Note(Reports::Space(p_Space));
+}
+
 void TextPresenter::WriteNotice(QString const& p_Text)
 {
     Output.Note(p_Text);

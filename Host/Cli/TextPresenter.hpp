@@ -18,6 +18,7 @@ public:
     void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
                     bool p_IsListed) override;
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
+    void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) override;
     void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
                     QString const& p_Game) override;
 

@@ -1,5 +1,6 @@
 #include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Folder/FolderCheck.hpp"
+#include "Host/Core/Folder/GameVolumes.hpp"
 #include "Host/Core/Folder/MissingFiles.hpp"
 #include "Host/Core/Jobs/RoomCheck.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -138,17 +139,24 @@ void HostChecksTest::WhatLiesThereNeedsNoRoom()
 {
     QVERIFY(WriteFile(Path("a.part"), QByteArray(300, 'x')));
     QVERIFY(WriteFile(Path("b"), QByteArray(200, 'x')));
-    RoomCheck::Entries const files{Entry("a"), Entry("b"), Entry("c")};
-    QCOMPARE(KindOf(CheckWith(500).BeforeDownload(Path(""), files, 1000)), QString("none"));
-    auto const failure = CheckWith(499).BeforeDownload(Path(""), files, 1000);
+    GameVolumes::Entries const files{Entry("a"), Entry("b"), Entry("c")};
+    auto const failureWith = [&](qint64 p_Free) {
+        return RoomCheck::BeforeDownload(GameVolumes::SpaceFor(
+            Path(""), files, [](QString const&) { return 333; },
+            [p_Free](QString const&) { return p_Free; }));
+    };
+    QCOMPARE(KindOf(failureWith(499)), QString("none"));
+    auto const failure = failureWith(498);
     QCOMPARE(KindOf(failure), QString("disk-full"));
-    QCOMPARE(failure->Detail, QString("499 bytes are free, 500 bytes more are needed"));
+    QCOMPARE(failure->Detail, QString("498 bytes are free, 499 bytes more are needed"));
     QCOMPARE(failure->Subject, Path(""));
 }
 
 void HostChecksTest::AVolumeThatIsNotKnownIsNotFull()
 {
-    QVERIFY(!CheckWith(-1).BeforeDownload(Path(""), {Entry("a")}, 1000));
+    VolumeSpace space;
+    space.Needed = 1000;
+    QVERIFY(!RoomCheck::BeforeDownload({space}));
     QVERIFY(!CheckWith(-1).WhileDownloading(Path(""), 1000));
 }
 

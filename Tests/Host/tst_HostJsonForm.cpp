@@ -154,7 +154,7 @@ void HostJsonFormTest::ProgressTellsOfServersAndWaiting()
     snapshot.Phase = Host::RunPhase::DownloadingBase;
     snapshot.BytesReceived = c_Large;
     snapshot.Servers = {{"a.example", c_Large}, {"b.example:81", 0}};
-    snapshot.Wait = Host::ServerWait{"b.example:81", "connection refused", 12, 8};
+    snapshot.Wait = Host::ServerWait{"b.example:81", "connection refused", 12, 8, 2, 3};
     QJsonObject const line = Line(snapshot);
     QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
     QCOMPARE(line["received"].toDouble(), double(c_Large));
@@ -164,7 +164,9 @@ void HostJsonFormTest::ProgressTellsOfServersAndWaiting()
     QCOMPARE(line["wait"].toObject(), (QJsonObject{{"server", "b.example:81"},
                                                    {"cause", "connection refused"},
                                                    {"silent", 12},
-                                                   {"nextAttempt", 8}}));
+                                                   {"nextAttempt", 8},
+                                                   {"attempt", 2},
+                                                   {"attempts", 3}}));
 }
 
 void HostJsonFormTest::ProgressLeavesOutWhatIsNotKnown()

@@ -243,10 +243,10 @@ void HostTerminalTest::DeletingIsAskedFor()
     QFETCH(bool, deletes);
     HostGame game;
     game.AddFiles().Publish().PutInstalled();
+    game.Put("mine.txt", "mine");
     Terminal terminal(game, {"uninstall", "--delete-files"});
-    QVERIFY(terminal.WaitForLine("Delete the files of Mists of Pandaria in " + game.Folder +
-                                 "? [y/N]"));
-    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+    QVERIFY(terminal.WaitForLine("Delete 6 files (106.5 KiB) of Mists of Pandaria in " +
+                                 game.Folder + "? 1 file that is not the game's stays. [y/N]"));
     terminal.Type(keys);
     QTEST(terminal.Finish(), "status");
     QCOMPARE(game.Has("readme.txt"), !deletes);

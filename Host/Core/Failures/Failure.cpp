@@ -101,7 +101,7 @@ constexpr Row c_Table[] = {
     {FailureKind::WrapperUnusable, 7, "wrapper-unusable", "the wrapper {s} cannot be started ({d})",
      "install it, or name another one with --wrapper"},
     {FailureKind::GameFailed, 1, "game-failed",
-     "the game has ended at once with an error ({d}), its output is in {s}",
+     "the game has ended with an error ({d}), its output is in {s}",
      "look there for the cause, or run \"verify\""},
     {FailureKind::FilesNotRemoved, 7, "files-not-removed",
      "the game is uninstalled, but files remain in {s}: {d}", "remove them by hand"},

@@ -106,21 +106,15 @@ std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
-    for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
-        qint64 const free = FreeBytes(share.Folder);
-        qint64 needed = 0;
-        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
-            qint64 const there =
-                QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
-            auto const size = static_cast<qint64>(Door.SizeOf(entry.Location).value_or(0));
-            needed += std::max<qint64>(0, size - there);
-        }
-        bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
-        if (isFull && !share.Files.empty())
-            return Failure{FailureKind::DiskFull, share.Folder,
-                           QStringLiteral("%1 are free, %2 more are needed")
-                               .arg(ByteText(static_cast<quint64>(free)),
-                                    ByteText(static_cast<quint64>(needed)))};
+    auto const sizeOf = [this](QString const& p_Location) { return Door.SizeOf(p_Location); };
+    for (VolumeSpace const& space : GameVolumes::SpaceFor(Folder, p_Missing, sizeOf, FreeBytes)) {
+        bool const isFull = space.IsKnown() && (space.After() < 0 || space.Free < c_NearlyNothing);
+        if (isFull && space.Files > 0)
+            return Failure{
+                FailureKind::DiskFull, space.Folder,
+                QStringLiteral("%1 are free, %2 more are needed")
+                    .arg(ByteText(static_cast<quint64>(space.Free)),
+                         ByteText(static_cast<quint64>(std::max<qint64>(0, space.Needed))))};
     }
     return std::nullopt;
 }

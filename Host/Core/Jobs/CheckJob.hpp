@@ -20,8 +20,13 @@ protected:
     RunPhase Phase() const override;
     RunSnapshot Look() override;
 
+    /// Called at the end, with findings in the result.
+    virtual void Tell();
+    /// Puts the room for the findings into the result.
+    void MeasureSpace();
+
 private:
-    void TellUpdate();
+    void Conclude();
 
     std::unique_ptr<SizeSurvey> Survey;
 };

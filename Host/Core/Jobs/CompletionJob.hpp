@@ -33,6 +33,7 @@ protected:
     void Work() override;
     RunPhase Phase() const override;
     RunSnapshot Look() override;
+    void Release() override { Result.Space = Faults.Space(); }
 
     /// Called when the build is known and can be had.
     virtual void BeginFiles() = 0;
@@ -41,6 +42,8 @@ protected:
     /// What has a mark of an unfinished run, or of another build, is not to be trusted.
     void DistrustLists() { WantsEveryFile = true; }
     bool TrustsLists() const { return !WantsEveryFile; }
+    /// Leaves the files to the module's ordinary comparison, which is not repeated.
+    void AbortRepair();
 
 private:
     bool IsSuspended() const;

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Host/Core/Folder/FileAmount.hpp"
+#include "Launcher/Application/ApplicationManifest.hpp"
+
 #include <QString>
 #include <QtGlobal>
 
-#include <cstddef>
 #include <vector>
 
 namespace Varnholt::Host {
@@ -27,9 +29,10 @@ struct FileFinding {
     QString CauseText() const;
 };
 
-/// "1 file", "3 files".
-QString FileCountText(std::size_t p_Count);
-/// "3 files (1.2 MiB)"; "at least" when a server did not tell every size.
-QString AmountText(std::vector<FileFinding> const& p_Findings);
+/// What is still to fetch.
+FileAmount AmountOf(std::vector<FileFinding> const& p_Findings);
+/// As the build has them, with path and location only.
+std::vector<Launcher::ApplicationManifestFileEntry>
+EntriesOf(std::vector<FileFinding> const& p_Findings);
 
 } // namespace Varnholt::Host

@@ -165,7 +165,7 @@ std::optional<Failure> GameStart::Launch()
         arguments = Context.Options.Wrapper.mid(1) + QStringList(path) + arguments;
     QString const file = Wrapper.isEmpty() ? path : Wrapper;
     Watched.setRemainingTime(Context.Options.WatchMilliseconds);
-    int const error = Process.Start(file, arguments, Output.Descriptor());
+    int const error = Process->Start(file, arguments, Output.Descriptor());
     if (error == 0)
         return std::nullopt;
     if (Wrapper.isEmpty())
@@ -200,12 +200,12 @@ void GameStart::JudgeLogin(bool p_WasRunning) const
 
 bool GameStart::IsSettled()
 {
-    return Process.Ending() || Watched.hasExpired();
+    return Process->Ending() || Watched.hasExpired();
 }
 
 std::optional<Failure> GameStart::Outcome()
 {
-    QString ending = Process.Ending().value_or(QString());
+    QString ending = Process->Ending().value_or(GameEnd()).ErrorText();
     if (ending.isEmpty())
         return std::nullopt;
     Prepare({}, {}); // no password lies about for nothing

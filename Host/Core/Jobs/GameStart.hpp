@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace Varnholt::Host {
@@ -30,7 +31,9 @@ public:
     /// Called when it is settled. \return the error that the game has ended with
     std::optional<Failure> Outcome();
 
-    qint64 ProcessId() const { return Process.Id(); }
+    qint64 ProcessId() const { return Process->Id(); }
+    /// Gives up a game that runs, or has run well.
+    std::unique_ptr<GameProcess> TakeProcess() { return std::move(Process); }
     /// Empty when the output is not kept.
     QString const& OutputFile() const { return OutputName; }
 
@@ -49,7 +52,7 @@ private:
     QString Wrapper; ///< its file; empty: none
     GameOutput Output;
     QString OutputName;
-    GameProcess Process;
+    std::unique_ptr<GameProcess> Process = std::make_unique<GameProcess>();
     QDeadlineTimer Watched;
 };
 

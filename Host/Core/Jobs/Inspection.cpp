@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/Inspection.hpp"
 
+#include "GameModules/FileDigest.hpp"
 #include "GameModules/LinkGuard.hpp"
 #include "GameModules/ManifestComparison.hpp"
 #include "GameModules/PendingList.hpp"
@@ -78,10 +79,8 @@ void Inspection::Enter()
 /// Asked before each block of a file.
 bool Inspection::GoOn()
 {
-    constexpr quint64 c_BlockBytes = 0x2000;
-
     if (Number < Before.size()) // never more than the file holds
-        Done = std::min(Done + c_BlockBytes, Before[Number]);
+        Done = std::min(Done + Launcher::FileDigest::c_BlockBytes, Before[Number]);
     return !Stopped;
 }
 

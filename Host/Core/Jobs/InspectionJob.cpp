@@ -5,7 +5,9 @@ namespace Varnholt::Host {
 void InspectionJob::OnBuildKnown()
 {
     if (CanUseBuild())
-        Settle([this] { Examined = std::make_unique<Examination>(Context, LooksAtEveryFile()); });
+        Settle([this] {
+            Examined = std::make_unique<Examination>(Context, Where(), LooksAtEveryFile());
+        });
 }
 
 void InspectionJob::Work()
@@ -14,7 +16,7 @@ void InspectionJob::Work()
         return;
     IsJudged = true;
     Result.Findings = Examined->Findings();
-    if (auto const failure = LinkFailure())
+    if (auto const failure = LinkFailure(Where()))
         return Fail(*failure);
     if (Result.Findings.empty())
         return Finish();

@@ -20,6 +20,8 @@ protected:
     RunSnapshot Look() override;
 
     virtual RunPhase WorkPhase() const { return RunPhase::Comparing; }
+    /// The folder that is looked at; ends in "/".
+    virtual QString Where() const { return Folder(); }
     /// Whether what earlier runs have verified and listed is not to be trusted.
     virtual bool LooksAtEveryFile() const = 0;
     /// Called with the findings in the result, when there are some.

@@ -1,6 +1,7 @@
 #include "Host/Core/Jobs/InstallJob.hpp"
 
 #include "Host/Core/Folder/FolderCheck.hpp"
+#include "Host/Core/Folder/MissingFiles.hpp"
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,15 +12,27 @@ std::optional<Failure> InstallJob::Prepare()
 {
     QString const folder = FolderCheck::Normalized(Request.Argument);
     InstallRecord const& record = Context.Record;
-    bool const isMoved = !QFileInfo::exists(record.Folder()) && FolderCheck::HoldsGame(folder);
-    if (record.IsInstalled() && record.Folder() != folder && !isMoved && !Request.Confirmed)
+    bool const isElsewhere =
+        record.IsInstalled() && record.Folder() != folder && !Request.Confirmed;
+    // Whether it was, the build's files tell.
+    MayBeMoved = isElsewhere && !QFileInfo::exists(record.Folder()) && QFileInfo(folder).isDir() &&
+                 !QDir(folder).isEmpty();
+    if (isElsewhere && !MayBeMoved)
         return Failure{FailureKind::InstalledElsewhere, record.Folder(), {}};
-    return FolderCheck::ForInstall(folder, record.Folder(), Request.Confirmed);
+    return FolderCheck::ForInstall(folder, MayBeMoved ? folder : record.Folder(),
+                                   Request.Confirmed);
 }
 
 void InstallJob::BeginFiles()
 {
     QString const folder = FolderCheck::Normalized(Request.Argument);
+    QString const former = Context.Record.Folder();
+    Launcher::StandartApplication& module = Context.Module;
+    if (MayBeMoved && !HoldsGame(module.Manifest, folder, module.GetAppLocale()))
+        return Fail({FailureKind::InstalledElsewhere, former, {}});
+    if (MayBeMoved)
+        NoticeOnce(QStringLiteral("The game was found again in %1; it was in %2 before.")
+                       .arg(folder, former));
     if (!QDir().mkpath(folder))
         return Fail(
             {FailureKind::FolderUnwritable, folder, QStringLiteral("it cannot be created")});
@@ -31,7 +44,7 @@ void InstallJob::BeginFiles()
     DistrustLists();
     Context.Record.MarkUnfinished();
     Context.Gate.Open();
-    Context.Module.Install(folder, false);
+    module.Install(folder, false);
 }
 
 } // namespace Varnholt::Host

@@ -12,7 +12,7 @@ namespace Varnholt::Host {
 Job::Job(RunContext const& p_Context, RunRequest p_Request, unsigned p_Traits)
     : Context(p_Context)
     , Request(std::move(p_Request))
-    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door)
+    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door, p_Context.Gate)
     , Traits(p_Traits)
 {
     Clock.start();
@@ -115,7 +115,8 @@ void Job::End()
     Over = true;
     Release();
     Result.Transfers = Context.Ledger.Count() - Result.Transfers;
-    Result.Folder = Folder();
+    if (Result.Folder.isEmpty())
+        Result.Folder = Folder();
     Result.Locale = Context.Module.GetAppLocale();
     Context.Gate.Close();
     Context.Gate.Release();
@@ -133,11 +134,15 @@ void Job::ShowProgress()
     constexpr qint64 c_IntervalMilliseconds = 100;
 
     qint64 const now = Clock.elapsed();
-    if (Phase() == LastSnapshot.Phase && now - LastShown < c_IntervalMilliseconds)
+    RunPhase const phase = Phase();
+    if (phase == LastPhase && now - LastShown < c_IntervalMilliseconds)
         return;
+    LastPhase = phase;
     LastShown = now;
     Context.Module.UISettingChanged = false;
-    RunSnapshot const snapshot = Look();
+    RunSnapshot snapshot = Look();
+    if (snapshot.Wait && snapshot.Wait->IsRetry())
+        snapshot.Phase = RunPhase::WaitingToRetry;
     if (snapshot == LastSnapshot)
         return;
     LastSnapshot = snapshot;
@@ -178,10 +183,10 @@ void Job::RemoveLockFile()
         Lock->Remove();
 }
 
-std::optional<Failure> Job::LinkFailure() const
+std::optional<Failure> Job::LinkFailure(QString const& p_Folder) const
 {
     Launcher::StandartApplication& module = Context.Module;
-    auto const link = LinkOnTheWay(module.Manifest, Folder(), module.GetAppLocale());
+    auto const link = LinkOnTheWay(module.Manifest, p_Folder, module.GetAppLocale());
     if (!link)
         return std::nullopt;
     return Failure{FailureKind::LinkLeadsOut, link->Path, link->Target};

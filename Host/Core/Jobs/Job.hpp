@@ -65,6 +65,8 @@ public:
     /// Stops the transfer in flight, or else the next one, until `Continue`.
     virtual void Pause() {}
     virtual void Continue() {}
+    /// Leaves a repair to the ordinary comparison.
+    virtual void StopRepair() {}
     /// Ends the run; nothing that has arrived is lost.
     virtual void Interrupt();
 
@@ -107,7 +109,7 @@ protected:
     void RemoveLockFile();
     /// A game whose files are partly elsewhere, where the module leaves them alone, is not
     /// complete.
-    std::optional<Failure> LinkFailure() const;
+    std::optional<Failure> LinkFailure(QString const& p_Folder) const;
 
     // _StartUp
     void StartUp();
@@ -155,6 +157,7 @@ private:
     std::optional<Failure> Missed; ///< why, when they were to be asked
     QElapsedTimer Clock;
     qint64 LastShown = 0;
+    RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;
 };
 

@@ -6,13 +6,25 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+/// With the port, when it is not the usual one.
+QString HostOf(std::string const& p_Server)
+{
+    return QUrl(QString::fromStdString(p_Server)).authority();
+}
+
+} // namespace
+
 MirrorCheck::MirrorCheck(NetworkDoor& p_Door, std::string p_Manifest, std::string p_File)
     : Door(p_Door)
     , Manifest(std::move(p_Manifest))
     , File(std::move(p_File))
 {
     for (std::string const& server : Door->Servers())
-        if (std::find(Servers.begin(), Servers.end(), server) == Servers.end())
+        if (std::none_of(Servers.begin(), Servers.end(), [&](std::string const& p_Known) {
+                return HostOf(p_Known) == HostOf(server);
+            }))
             Servers.push_back(server);
 }
 
@@ -31,7 +43,7 @@ void MirrorCheck::AskNext()
     question.Server = Servers[Found.size()];
     question.Path = Manifest;
     Found.push_back({});
-    Found.back().Host = QUrl(QString::fromStdString(question.Server)).authority();
+    Found.back().Host = HostOf(question.Server);
     Door.Ask(question, *this, [this](Gateway::Reply const& p_Reply) { OnManifest(p_Reply); });
 }
 

@@ -33,6 +33,7 @@ void PlayJob::Work()
         return;
     if (auto const failure = Starter->Outcome())
         return Fail(*failure);
+    Context.Games.Take(Starter->TakeProcess());
     NoticeRealmList();
     Finish();
 }
@@ -44,8 +45,10 @@ RunPhase PlayJob::Phase() const
 
 void PlayJob::Interrupt()
 {
-    if (Starter)
+    if (Starter && Result.ProcessId != 0) {
         NoticeOnce(QStringLiteral("The game was started and goes on running."));
+        Context.Games.Take(Starter->TakeProcess());
+    }
     Job::Interrupt();
 }
 

@@ -21,6 +21,7 @@ constexpr Row c_Table[] = {
     {RunPhase::Verifying, "verifying", "verifying files"},
     {RunPhase::WaitingForHost, "waiting-for-host", "waiting for permission to download"},
     {RunPhase::WaitingForGame, "waiting-for-game", "waiting for the game to quit"},
+    {RunPhase::WaitingToRetry, "waiting-to-retry", "waiting to try again"},
     {RunPhase::AskingSizes, "asking-sizes", "asking for file sizes"},
     {RunPhase::DownloadingBase, "downloading-base", "downloading base files"},
     {RunPhase::ComparingStreamed, "comparing-streamed", "comparing streamed files"},

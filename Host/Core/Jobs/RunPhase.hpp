@@ -13,6 +13,7 @@ enum class RunPhase {
     Verifying,
     WaitingForHost,
     WaitingForGame,
+    WaitingToRetry, ///< nothing arrives, and a server is to be asked again
     AskingSizes,
     DownloadingBase,
     ComparingStreamed,

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Folder/VolumeSpace.hpp"
 #include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Jobs/MirrorReport.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -25,6 +27,11 @@ struct RunResult {
     std::vector<MirrorReport> Mirrors; ///< the default server first
     qint64 ProcessId = 0;              ///< of the game that was started; 0: none was
     QString OutputFile;                ///< that takes that game's output; empty: nothing does
+    bool IsRepairStopped = false;      ///< not every file was looked at
+    std::vector<VolumeSpace> Space;    ///< before the first byte; empty when nothing is to come
+    FileAmount Amount;                 ///< of a preview: to fetch, or to delete
+    QStringList Staying;               ///< of a preview: files that are not the game's
+    std::vector<Failure> Warnings;     ///< of a preview: what speaks against it, the gravest first
 };
 
 } // namespace Varnholt::Host

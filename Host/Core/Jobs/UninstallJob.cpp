@@ -4,6 +4,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace Varnholt::Host {
 
 std::optional<Failure> UninstallJob::Prepare()
@@ -97,8 +99,10 @@ RunSnapshot UninstallJob::Look()
         return Job::Look();
     RunSnapshot snapshot;
     snapshot.Phase = Phase();
-    snapshot.FileNumber = Removal->FileNumber();
     snapshot.FileCount = Removal->FileCount();
+    snapshot.FileNumber = std::min(Removal->FileNumber(), snapshot.FileCount);
+    snapshot.BytesTotal = Removal->BytesTotal();
+    snapshot.BytesDone = std::min(Removal->BytesDone(), snapshot.BytesTotal);
     return snapshot;
 }
 

@@ -33,6 +33,7 @@ ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
     , Settings(p_Settings)
     , Environment{p_Settings, Gate, Options.UseDevChannel, SystemLocale(), {}, {}}
     , Copies(p_Settings.File())
+    , Games(this)
     , TurnTimer(this)
 {
     constexpr int c_TurnMilliseconds = 15; // the module's queue cannot wake anybody
@@ -42,6 +43,8 @@ ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
         Door = std::make_unique<NetworkDoor>(Options, *this);
     TurnTimer.setInterval(c_TurnMilliseconds);
     connect(&TurnTimer, &QTimer::timeout, this, [this] { Turn(); });
+    connect(&Games, &GameWatch::Started, this, &ModuleHost::GameStarted);
+    connect(&Games, &GameWatch::Ended, this, &ModuleHost::GameEnded);
 }
 
 ModuleHost::~ModuleHost() = default;
@@ -96,8 +99,8 @@ void ModuleHost::Assemble()
     // The next file need not wait for the clock.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
     Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
-    Context = std::make_unique<RunContext>(
-        RunContext{module, *View, Info, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
+    Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, Gate,
+                                                      *Door, Copies, *Ledger, *Watch, Games});
 
     Environment.OnError = [this](QString const& p_Message) {
         QMetaObject::invokeMethod(
@@ -191,6 +194,19 @@ void ModuleHost::Interrupt()
         Current->Interrupt();
 }
 
+void ModuleHost::SetLanguage(QString const& p_Code)
+{
+    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available())
+        if (locale.Code == p_Code)
+            HostCallbacks::SetLocale(Environment, locale);
+}
+
+void ModuleHost::StopRepair()
+{
+    if (Current)
+        Current->StopRepair();
+}
+
 void ModuleHost::Turn()
 {
     if (Closing)
@@ -201,6 +217,7 @@ void ModuleHost::Turn()
         Pump->Drain();
     if (Current)
         Current->AfterPump();
+    Games.Look();
 }
 
 void ModuleHost::Close()

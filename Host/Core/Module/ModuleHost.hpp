@@ -39,6 +39,9 @@ public:
     void Continue();
     void SetRateLimit(quint64 p_BytesPerSecond);
     void Interrupt();
+    /// \param p_Code see `HostSession`
+    void SetLanguage(QString const& p_Code);
+    void StopRepair();
     /// What the module asks before it goes on; any thread.
     RunGate& AnyThreadGate() { return Gate; }
     /// Ends what is under way, deletes the module and emits `Closed`.
@@ -51,6 +54,8 @@ Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
     void Noticed(QString p_Text);
     void Ended(quint64 p_Id, RunResult p_Result);
+    void GameStarted(qint64 p_ProcessId);
+    void GameEnded(GameEnd p_End);
     void Closed();
 
 private:
@@ -72,6 +77,7 @@ private:
     OfflineCopies Copies;
     std::unique_ptr<NetworkDoor> Door; ///< null when another session has one; outlives the module
     ModuleLoader Loader;
+    GameWatch Games;
     QTimer TurnTimer;
     bool Closing = false;
     QDeadlineTimer CloseDeadline;

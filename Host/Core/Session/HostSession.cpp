@@ -14,6 +14,7 @@ constexpr int c_MostMilliseconds = 100;
 void RegisterTypes()
 {
     qRegisterMetaType<Failure>("Failure");
+    qRegisterMetaType<GameEnd>("GameEnd");
     qRegisterMetaType<InstallStatus>("InstallStatus");
     qRegisterMetaType<ModuleInfo>("ModuleInfo");
     qRegisterMetaType<RunResult>("RunResult");
@@ -33,6 +34,8 @@ HostSession::HostSession(HostOptions const& p_Options, QObject* p_Parent)
     connect(host, &ModuleHost::StatusRead, this, &HostSession::StatusRead);
     connect(host, &ModuleHost::Noticed, this, &HostSession::Noticed);
     connect(host, &ModuleHost::Ended, this, &HostSession::OnEnded);
+    connect(host, &ModuleHost::GameStarted, this, &HostSession::GameStarted);
+    connect(host, &ModuleHost::GameEnded, this, &HostSession::GameEnded);
     connect(host, &ModuleHost::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
         if (!UnderWay.empty())
             Q_EMIT Progressed(p_Snapshot);
@@ -94,6 +97,16 @@ void HostSession::Continue()
 void HostSession::SetRateLimit(quint64 p_BytesPerSecond)
 {
     Module->Post([p_BytesPerSecond](ModuleHost& p_Host) { p_Host.SetRateLimit(p_BytesPerSecond); });
+}
+
+void HostSession::SetLanguage(QString const& p_Code)
+{
+    Module->Post([p_Code](ModuleHost& p_Host) { p_Host.SetLanguage(p_Code); });
+}
+
+void HostSession::StopRepair()
+{
+    Module->Post([](ModuleHost& p_Host) { p_Host.StopRepair(); });
 }
 
 void HostSession::Interrupt()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/GameEnd.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
@@ -56,6 +57,12 @@ public:
     void Continue();
     /// \param p_BytesPerSecond that content may arrive with, from now on; 0: as fast as it comes
     void SetRateLimit(quint64 p_BytesPerSecond);
+    /// The launcher's own language, which the game has too as long as none was chosen for it.
+    /// \param p_Code one of `Launcher::LauncherLocale::Available`; another one changes nothing
+    void SetLanguage(QString const& p_Code);
+    /// Ends the repair under way, whose result says so. What is missing by the ordinary comparison
+    /// is still fetched, and the installation counts as unfinished: some files were not looked at.
+    void StopRepair();
     /// Ends what is under way with the failure `Interrupted`; what has arrived is kept. Its `Ended`
     /// comes soon, whatever the module is busy with.
     void Interrupt();
@@ -74,6 +81,10 @@ Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
     void Noticed(QString p_Text);
     void Ended(quint64 p_Id, RunResult p_Result);
+    /// The game that a request has started runs, or has run already: `GameEnded` follows, unless
+    /// the session closes before.
+    void GameStarted(qint64 p_ProcessId);
+    void GameEnded(GameEnd p_End);
     void Closed();
 
 private:
