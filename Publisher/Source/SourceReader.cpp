@@ -55,7 +55,8 @@ public:
         std::size_t filled = 0;
         qint64 bytes = 0;
         while (filled < c_BlockBytes &&
-               (bytes = File.read(Block.data() + filled, c_BlockBytes - filled)) > 0)
+               (bytes = File.read(Block.data() + filled,
+                                  static_cast<qint64>(c_BlockBytes - filled))) > 0)
             filled += static_cast<std::size_t>(bytes);
         if (bytes < 0)
             Fail();
@@ -158,6 +159,7 @@ QString ChangedText(SourceFile const& p_File)
 std::vector<QString> Read(std::vector<Request> const& p_Requests)
 {
     std::vector<std::unique_ptr<Stream>> streams;
+    streams.reserve(p_Requests.size());
     for (Request const& request : p_Requests)
         streams.push_back(std::make_unique<Stream>(request));
     std::vector<Stream*> full;
@@ -170,6 +172,7 @@ std::vector<QString> Read(std::vector<Request> const& p_Requests)
         HashBlocks(full);
     } while (!full.empty());
     std::vector<QString> digests;
+    digests.reserve(streams.size());
     for (auto const& stream : streams)
         digests.push_back(stream->Md5());
     return digests;
