@@ -128,9 +128,10 @@ bool FileLock::IsAtPath(int p_File) const
 /// For messages only: without it, on a full disk for example, the lock is as good.
 void FileLock::WriteName() const
 {
-    QByteArray const name = QStringLiteral("%1, process %2\n")
+    QByteArray const name = QStringLiteral("%1, process %2 on %3\n")
                                 .arg(QCoreApplication::applicationName())
                                 .arg(QCoreApplication::applicationPid())
+                                .arg(QSysInfo::machineHostName())
                                 .toUtf8();
     if (::ftruncate(File, 0) == 0 && ::pwrite(File, name.constData(), name.size(), 0) < 0)
         return;

@@ -30,7 +30,8 @@ public:
     /// Takes the file away while nobody else can have it, and lets go.
     void Remove();
 
-    /// Who has it, as far as the file tells: "varnholt-host, process 1234".
+    /// Who has it, as far as the file tells: "varnholt-host, process 1234 on
+    /// machine".
     QString Holder() const { return Name; }
     /// Why it could be neither taken nor found held, of <cerrno>; `EEXIST` for what is no file.
     int Error() const { return Cause; }

@@ -5,7 +5,7 @@ install(TARGETS Pelmora LIBRARY DESTINATION ${varnholt_module_folder})
 set(documents ${CMAKE_INSTALL_DATADIR}/doc/varnholt)
 install(FILES README.md LICENSE DESTINATION ${documents})
 install(DIRECTORY docs DESTINATION ${documents})
-install(PROGRAMS scripts/mirror DESTINATION ${documents}/scripts)
+install(PROGRAMS scripts/mirror scripts/mirror-bucket DESTINATION ${documents}/scripts)
 
 if(VARNHOLT_BUILD_TOOLS)
   install(TARGETS ${varnholt_programs} RUNTIME DESTINATION ${varnholt_programs_folder})

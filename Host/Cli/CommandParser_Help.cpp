@@ -1,6 +1,6 @@
 #include "Host/Cli/CommandParser.hpp"
-#include "Host/Cli/Suggestion.hpp"
 #include "Host/Core/Failures/ExitStatus.hpp"
+#include "Programs/Suggestion.hpp"
 
 #include <sstream>
 
@@ -67,7 +67,7 @@ QString CommandParser::Remedy() const
             for (std::string const& name : option->get_lnames())
                 known += QString::fromStdString("--" + name);
     for (QString const& word : words)
-        if (QString suggestion = Suggestion(word, known); !suggestion.isEmpty())
+        if (QString suggestion = Programs::Suggestion(word, known); !suggestion.isEmpty())
             return suggestion;
     return QStringLiteral("\"varnholt-host --help\" lists commands and options");
 }

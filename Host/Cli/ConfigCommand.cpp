@@ -2,7 +2,7 @@
 
 #include "Host/Cli/KeptOption.hpp"
 #include "Host/Cli/OptionText.hpp"
-#include "Host/Cli/Suggestion.hpp"
+#include "Programs/Suggestion.hpp"
 
 #include <QDir>
 
@@ -41,7 +41,7 @@ std::optional<Failure> FaultOf(QString const& p_Key, QString const& p_Value)
 
 Failure UnknownKey(QString const& p_Key)
 {
-    QString const suggestion = Suggestion(p_Key, Keys());
+    QString const suggestion = Programs::Suggestion(p_Key, Keys());
     return {FailureKind::OptionUnknown, p_Key,
             suggestion.isEmpty()
                 ? QStringLiteral("choose one of: ") + Keys().join(QStringLiteral(", "))

@@ -12,6 +12,12 @@
 
 namespace Varnholt::Publisher {
 
+namespace {
+
+constexpr int c_MostJobs = 256;
+
+} // namespace
+
 BuildCommand::BuildCommand(CLI::App& p_Program)
     : Command(p_Program.add_subcommand("build", "Publish a game folder as a new build"))
 {
@@ -27,13 +33,14 @@ BuildCommand::BuildCommand(CLI::App& p_Program)
         "              \"flags\": [\"executable\", \"game-executable\"]},\n"
         "             {\"match\": \"Data/frFR/**\", \"locale\": \"frFR\"},\n"
         "             {\"match\": \"Data/Music/**\", \"streamed\": true},\n"
-        "             {\"match\": \"**/.DS_Store\", \"exclude\": true}]}\n"
+        "             {\"match\": \"**/*.psd\", \"exclude\": true}]}\n"
         "Flags: read-only, executable, game-executable, first-build-only,\n"
         "       default-server-only, keep-if-present\n"
         "Exactly one file has the flag game-executable.\n"
         "\n"
         "Digests are kept in an index in the output folder; a file whose path, size, time\n"
-        "and inode are as they were is not read again.\n"
+        "and inode are as they were is not read again. A run that was interrupted or killed is\n"
+        "gone on with by the next one.\n"
         "The output folder is new, empty, or was made by this program.\n");
     AddOptions();
 }
@@ -52,9 +59,14 @@ void BuildCommand::AddOptions()
         "Rules file (JSON); without it built-in rules apply, which \"rules\" shows");
     Command->add_option("--locales", LocaleList,
                         "Languages on offer, TAG=NAME,..., added to those of the rules file");
-    Command->add_option("--hosts", Hosts,
-                        "Servers that hold the content, HOST[:PORT],... (default: those "
-                        "published before, or 127.0.0.1:8080)");
+    CLI::Option* const hosts =
+        Command->add_option("--hosts", Hosts,
+                            "Servers that hold the content, HOST[:PORT],... (default: those "
+                            "published before)");
+    Command
+        ->add_flag("--local", Local,
+                   "For trials: a new tree names 127.0.0.1:8080 as the server of its content")
+        ->excludes(hosts);
     Command->add_option("--realmlist", RealmList,
                         "Address of the login server (default: the one published before)");
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
@@ -62,8 +74,12 @@ void BuildCommand::AddOptions()
         ->check(CLI::IsMember({"mac", "win"}))
         ->capture_default_str();
     Command->add_flag("--dev", Dev, "Offer the build on the development channel only");
-    Command->add_flag("--rehash", Rehash, "Read every file, whatever the index says, and renew it");
+    Command->add_flag("--rehash", Rehash,
+                      "Read every file, whatever the index says, and renew it; read the build's "
+                      "content in the tree too and write anew what is damaged");
     Command->add_flag("--no-index", NoIndex, "Read every file and leave the index as it is");
+    Command->add_option("--jobs", Jobs, "Files to read at once (default: the number of cores)")
+        ->check(CLI::Range(1, c_MostJobs));
     Command->add_flag("--dry-run", DryRun, "Only tell what would be written");
     Command->add_flag("--if-changed", IfChanged,
                       "Publish nothing when the build on offer already equals the source");
@@ -81,7 +97,7 @@ int BuildCommand::Run() const
     Interruption::Watch();
     PublicationSummary summary;
     {
-        BuildProgress progress;
+        BuildProgress progress(Json);
         summary = Publication(options, progress).Run();
     }
     BuildReport const report(options, summary);
@@ -107,11 +123,14 @@ PublishOptions BuildCommand::Options() const
         options.Hosts = QString::fromStdString(Hosts).split(QLatin1Char(','));
     if (Command->count("--realmlist") > 0)
         options.RealmListAddress = QString::fromStdString(RealmList);
+    options.Local = Local;
     options.AppId = QString::fromStdString(AppId);
     options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
     options.DevChannel = Dev;
     options.ReadIndex = !NoIndex && !Rehash;
     options.WriteIndex = !NoIndex;
+    options.ReadStore = Rehash;
+    options.Jobs = Jobs;
     options.DryRun = DryRun;
     options.IfChanged = IfChanged;
     return options;

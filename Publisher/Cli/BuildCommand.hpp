@@ -38,6 +38,8 @@ private:
     std::string RealmList;
     std::string AppId = "pelmora_app";
     std::string Platform = "mac";
+    int Jobs = 0;
+    bool Local = false;
     bool Dev = false;
     bool NoIndex = false;
     bool Rehash = false;

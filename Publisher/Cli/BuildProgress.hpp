@@ -9,11 +9,12 @@
 
 namespace Varnholt::Publisher {
 
-/// Shows a publication's progress on standard error when that is a terminal, and ends the
-/// publication when the program is interrupted.
+/// Tells how a command stands and what it warns of: on standard error, progress only when that is a
+/// terminal, or in objects on standard output. Ends the command when the program is interrupted.
 class BuildProgress : public PublicationObserver {
 public:
-    BuildProgress();
+    /// \param p_Json in objects
+    explicit BuildProgress(bool p_Json = false);
     /// Removes the progress line.
     ~BuildProgress() override;
 
@@ -23,13 +24,16 @@ public:
 
 private:
     void Show();
+    void ShowRest();
     void Clear();
 
-    bool IsTerminal;
+    bool Json;
+    bool IsShown;
     std::atomic<qint64> Read{0};
     std::mutex Mutex; ///< of what follows
     QString Phase;
     qint64 Total = 0;
+    qint64 Shown = 0;
     QElapsedTimer SinceShown;
 };
 

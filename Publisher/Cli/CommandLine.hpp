@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Cli/AdoptCommand.hpp"
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
 #include "Publisher/Cli/ListCommand.hpp"
@@ -7,6 +8,7 @@
 #include "Publisher/Cli/RollbackCommand.hpp"
 #include "Publisher/Cli/RulesCommand.hpp"
 #include "Publisher/Cli/ServeCommand.hpp"
+#include "Publisher/Cli/ServerListCommand.hpp"
 #include "Publisher/Cli/VerifyCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -40,6 +42,9 @@ private:
     ListCommand List{Program};
     RollbackCommand Rollback{Program};
     PruneCommand Prune{Program};
+    ServerListCommand Hosts{Program, ServerListCommand::List::Hosts};
+    ServerListCommand RealmList{Program, ServerListCommand::List::RealmList};
+    AdoptCommand Adopt{Program};
 };
 
 } // namespace Varnholt::Publisher

@@ -1,9 +1,10 @@
 #include "Publisher/Cli/DiffCommand.hpp"
 
 #include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Rules/FlagNames.hpp"
 
 #include <CLI/CLI.hpp>
-#include <QJsonDocument>
+#include <QJsonArray>
 #include <QJsonObject>
 
 #include <array>
@@ -29,9 +30,10 @@ struct ChangeText {
     char const* Sign; ///< before the path; null: paths are not listed
 };
 
-constexpr std::array<ChangeText, 4> c_Changes{{
+constexpr std::array<ChangeText, 5> c_Changes{{
     {Change::New, "new", "+"},
     {Change::Changed, "changed", "~"},
+    {Change::Altered, "altered", "="},
     {Change::Removed, "removed", "-"},
     {Change::Same, "same", nullptr},
 }};
@@ -56,10 +58,46 @@ QString Figures(FileTotal const& p_Total)
     return QStringLiteral("%1 files, %2 bytes").arg(p_Total.Files).arg(p_Total.Bytes);
 }
 
-void PrintObject(QJsonObject const& p_Object)
+QStringList FlagsOf(PublishedFile const& p_File)
 {
-    ConsoleText::PrintLine(
-        QString::fromUtf8(QJsonDocument(p_Object).toJson(QJsonDocument::Compact)));
+    bool const isForWindows =
+        (p_File.Flags & FlagNames::GameExecutable(ContentPlatform::Windows)) != 0;
+    return FlagNames::NamesOf(p_File.Flags,
+                              isForWindows ? ContentPlatform::Windows : ContentPlatform::Mac);
+}
+
+/// ", locale frFR (was none)" for each property that is another than before.
+QString Alterations(FileDifference const& p_File)
+{
+    QString text;
+    auto const add = [&text](char const* p_Name, QString const& p_Now, QString const& p_Before) {
+        auto const shown = [](QString const& p_Value) {
+            return p_Value.isEmpty() ? QStringLiteral("none") : p_Value;
+        };
+        if (p_Now != p_Before) {
+            text += QStringLiteral(", %1 %2 (was %3)")
+                        .arg(QLatin1String(p_Name), shown(p_Now), shown(p_Before));
+        }
+    };
+    if (!p_File.TreatedBefore)
+        return text;
+    auto const flags = [](PublishedFile const& p_Of) {
+        return FlagsOf(p_Of).join(QStringLiteral(" and "));
+    };
+    auto const streamed = [](PublishedFile const& p_Of) {
+        return p_Of.Streamed ? QStringLiteral("true") : QStringLiteral("false");
+    };
+    add("flags", flags(p_File.File), flags(*p_File.TreatedBefore));
+    add("locale", p_File.File.Locale, p_File.TreatedBefore->Locale);
+    add("streamed", streamed(p_File.File), streamed(*p_File.TreatedBefore));
+    return text;
+}
+
+QJsonObject TreatmentOf(PublishedFile const& p_File)
+{
+    return {{QStringLiteral("flags"), QJsonArray::fromStringList(FlagsOf(p_File))},
+            {QStringLiteral("locale"), p_File.Locale},
+            {QStringLiteral("streamed"), p_File.Streamed}};
 }
 
 QJsonObject ObjectOf(FileTotal const& p_Total)
@@ -77,8 +115,9 @@ DiffCommand::DiffCommand(CLI::App& p_Program)
         "  varnholt-publish diff --output /srv/www --locale enUS 18414 18500\n"
         "\n"
         "With one build only: what a new installation fetches.\n"
-        "New files are marked with \"+\", changed ones with \"~\", removed ones, which\n"
-        "clients leave where they are, with \"-\". A changed file that has the flag\n"
+        "New files are marked with \"+\", changed ones with \"~\", those whose flags,\n"
+        "language or streaming alone have changed with \"=\", removed ones, which clients\n"
+        "leave where they are, with \"-\". A changed file that has the flag\n"
         "keep-if-present is not fetched by those who have it.\n");
     Command->add_option("--output", Output, "Folder of the published tree")->required();
     Command->add_option("builds", Builds, "[OLD] NEW")->required()->expected(1, 2);
@@ -117,8 +156,9 @@ void DiffCommand::PrintText(BuildDifference const& p_Difference) const
     for (FileDifference const& file : p_Difference.Files()) {
         char const* const sign = TextOf(file.Kind).Sign;
         if (sign) {
-            PrintLine(QStringLiteral("%1 %2 %3 bytes")
-                          .arg(QLatin1String(sign), file.File.Path, QString::number(file.Bytes)));
+            PrintLine(QStringLiteral("%1 %2 %3 bytes%4")
+                          .arg(QLatin1String(sign), file.File.Path, QString::number(file.Bytes),
+                               Alterations(file)));
         }
     }
     for (ChangeText const& text : c_Changes) {
@@ -151,7 +191,11 @@ void DiffCommand::PrintJson(BuildDifference const& p_Difference) const
                            {QStringLiteral("fetched"), file.IsFetched}};
         if (!file.File.Locale.isEmpty())
             object.insert(QStringLiteral("locale"), file.File.Locale);
-        PrintObject(object);
+        if (file.TreatedBefore) {
+            object.insert(QStringLiteral("treated"), TreatmentOf(file.File));
+            object.insert(QStringLiteral("treatedBefore"), TreatmentOf(*file.TreatedBefore));
+        }
+        ConsoleText::PrintJson(object);
     }
     FileTotal const base = p_Difference.Fetched(false);
     FileTotal const streamed = p_Difference.Fetched(true);
@@ -169,7 +213,7 @@ void DiffCommand::PrintJson(BuildDifference const& p_Difference) const
         summary.insert(QStringLiteral("playersRequests"),
                        QString::number(Requests(p_Difference) * Players));
     }
-    PrintObject(summary);
+    ConsoleText::PrintJson(summary);
 }
 
 } // namespace Varnholt::Publisher

@@ -1,5 +1,6 @@
 #include "Publisher/Cli/RollbackCommand.hpp"
 
+#include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
 
@@ -13,11 +14,13 @@ RollbackCommand::RollbackCommand(CLI::App& p_Program)
     Command->footer("Example:\n"
                     "  varnholt-publish rollback --output /srv/www --build 18414\n"
                     "\n"
-                    "Clients that hold a newer build fetch what differs.\n");
+                    "Clients that hold a newer build fetch what differs. Every byte of the build\n"
+                    "is read before it is offered.\n");
     Command->add_option("--output", Output, "Folder of the published tree")->required();
     Command->add_option("--build", Build, "The build to offer")->required();
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
     Command->add_flag("--dev", Dev, "On the development channel");
+    Command->add_flag("--quick", Quick, "Look only whether the build's files are there");
     Command->add_flag("--json", Json, "One JSON object per line");
 }
 
@@ -29,8 +32,12 @@ bool RollbackCommand::IsChosen() const
 int RollbackCommand::Run() const
 {
     RollbackOptions const options{QString::fromStdString(Output), QString::fromStdString(AppId),
-                                  QString::fromStdString(Build), Dev};
-    QString const before = RollBack(options);
+                                  QString::fromStdString(Build), Dev, Quick};
+    QString before;
+    {
+        BuildProgress progress(Json);
+        before = RollBack(options, &progress);
+    }
     QString const channel = Dev ? QStringLiteral("dev") : QStringLiteral("live");
     if (Json) {
         ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("rollback")},

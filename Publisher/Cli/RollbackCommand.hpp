@@ -26,6 +26,7 @@ private:
     std::string Build;
     std::string AppId = "pelmora_app";
     bool Dev = false;
+    bool Quick = false;
     bool Json = false;
 };
 

@@ -1,5 +1,6 @@
 #include "Publisher/Cli/RulesCommand.hpp"
 
+#include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/LocaleOption.hpp"
 #include "Publisher/Failure.hpp"
@@ -23,16 +24,14 @@ struct Property {
     Rule const* Decided; ///< null: no rule did
 };
 
-std::vector<Property> PropertiesOf(RuleSet const& p_Rules, QString const& p_Path,
-                                   ContentPlatform p_Platform)
+std::vector<Property> PropertiesOf(FileTreatment const& p_Treatment, ContentPlatform p_Platform,
+                                   RuleExplanation const& p_Decided = {})
 {
-    FileTreatment const treatment = p_Rules.TreatmentOf(p_Path);
-    RuleExplanation const decided = p_Rules.Explain(p_Path);
-    QStringList const flags = FlagNames::NamesOf(treatment.Flags, p_Platform);
-    return {{QStringLiteral("flags"), QJsonArray::fromStringList(flags), decided.Flags},
-            {QStringLiteral("locale"), treatment.Locale, decided.Locale},
-            {QStringLiteral("streamed"), treatment.Streamed, decided.Streamed},
-            {QStringLiteral("exclude"), treatment.Excluded, decided.Excluded}};
+    QStringList const flags = FlagNames::NamesOf(p_Treatment.Flags, p_Platform);
+    return {{QStringLiteral("flags"), QJsonArray::fromStringList(flags), p_Decided.Flags},
+            {QStringLiteral("locale"), p_Treatment.Locale, p_Decided.Locale},
+            {QStringLiteral("streamed"), p_Treatment.Streamed, p_Decided.Streamed},
+            {QStringLiteral("exclude"), p_Treatment.Excluded, p_Decided.Excluded}};
 }
 
 QString TextOf(QJsonValue const& p_Value)
@@ -49,7 +48,7 @@ QString PlaceOf(Rule const* p_Rule, QString const& p_File)
 {
     if (!p_Rule)
         return QStringLiteral("no rule");
-    QString const place = p_File.isEmpty()
+    QString const place = p_Rule->Line == 0
                               ? QStringLiteral("built-in rule")
                               : QStringLiteral("%1, line %2").arg(p_File).arg(p_Rule->Line);
     return QStringLiteral("%1: \"%2\"").arg(place, p_Rule->Pattern);
@@ -113,11 +112,16 @@ PublishOptions RulesCommand::Options() const
 void RulesCommand::ListFiles(RuleSet const& p_Rules) const
 {
     PublishOptions const options = Options();
-    for (BuildFile const& file : SourceListing::AllFiles(options.Source, p_Rules)) {
+    std::vector<BuildFile> files;
+    {
+        BuildProgress progress(Json);
+        files = SourceListing::AllFiles(options, p_Rules, progress);
+    }
+    for (BuildFile const& file : files) {
         QJsonObject object{{QStringLiteral("type"), QStringLiteral("file")},
                            {QStringLiteral("path"), file.Source.Path}};
         QStringList words;
-        for (Property const& property : PropertiesOf(p_Rules, file.Source.Path, options.Platform)) {
+        for (Property const& property : PropertiesOf(file.Treatment, options.Platform)) {
             object.insert(property.Name, property.Value);
             if (!IsPlain(property.Value))
                 words += property.Name + QLatin1Char('=') + TextOf(property.Value);
@@ -139,7 +143,8 @@ void RulesCommand::Explain(RuleSet const& p_Rules) const
     if (QDir::isAbsolutePath(path) || path.startsWith(QStringLiteral("../")) ||
         !QFileInfo(options.Source + QLatin1Char('/') + path).isFile())
         throw Failure(path + QStringLiteral(": the source folder holds no such file"));
-    for (Property const& property : PropertiesOf(p_Rules, path, options.Platform)) {
+    RuleExplanation const decided = p_Rules.Explain(path);
+    for (Property const& property : PropertiesOf(decided.Treatment(), options.Platform, decided)) {
         QJsonObject object{{QStringLiteral("type"), QStringLiteral("property")},
                            {QStringLiteral("path"), path},
                            {QStringLiteral("property"), property.Name},
@@ -147,7 +152,7 @@ void RulesCommand::Explain(RuleSet const& p_Rules) const
         QString line = property.Name.leftJustified(10) + TextOf(property.Value);
         if (property.Decided)
             object.insert(QStringLiteral("match"), property.Decided->Pattern);
-        if (property.Decided && !options.RulesFile.isEmpty()) {
+        if (property.Decided && property.Decided->Line > 0) {
             object.insert(QStringLiteral("file"), options.RulesFile);
             object.insert(QStringLiteral("line"), property.Decided->Line);
         }

@@ -56,11 +56,24 @@ ServeCommand::ServeCommand(CLI::App& p_Program)
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     Command->add_flag("--quiet", Quiet, "Do not log requests");
+    Command->add_flag("--json", Json, "One JSON object per line, requests too");
 }
 
 bool ServeCommand::IsChosen() const
 {
     return Command->parsed();
+}
+
+StaticServer::RequestLog ServeCommand::Log() const
+{
+    if (Quiet)
+        return {};
+    if (!Json)
+        return ConsoleText::PrintErrorLine;
+    return [](QString const& p_Line) {
+        ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("request")},
+                                {QStringLiteral("text"), p_Line}});
+    };
 }
 
 int ServeCommand::Run() const
@@ -70,10 +83,15 @@ int ServeCommand::Run() const
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
     QString const root = QString::fromStdString(Root);
-    StaticServer server(root, Quiet ? StaticServer::RequestLog() : ConsoleText::PrintErrorLine);
+    StaticServer server(root, Log());
     QString const url = server.Listen(QString::fromStdString(Address), Port);
     std::future<void> const running = std::async(std::launch::async, [&server] { server.Run(); });
-    ConsoleText::PrintLine(QStringLiteral("Serving %1 at %2").arg(root, url));
+    if (Json)
+        ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("serving")},
+                                {QStringLiteral("root"), root},
+                                {QStringLiteral("url"), url}});
+    else
+        ConsoleText::PrintLine(QStringLiteral("Serving %1 at %2").arg(root, url));
 
     int signal = 0;
     sigwait(&signals, &signal);

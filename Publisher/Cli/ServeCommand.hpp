@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Publisher/Serving/StaticServer.hpp"
+
 #include <string>
 
 namespace CLI {
@@ -23,11 +25,14 @@ public:
     int Run() const;
 
 private:
+    StaticServer::RequestLog Log() const;
+
     CLI::App* Command;
     std::string Root;
     std::string Address = "127.0.0.1";
     int Port = 8080;
     bool Quiet = false;
+    bool Json = false;
 };
 
 } // namespace Varnholt::Publisher

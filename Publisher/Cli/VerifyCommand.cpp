@@ -1,29 +1,40 @@
 #include "Publisher/Cli/VerifyCommand.hpp"
 
+#include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/Verification/ServerVerification.hpp"
+#include "Publisher/Verification/TreeRepair.hpp"
 #include "Publisher/Verification/TreeVerification.hpp"
 
 #include <CLI/CLI.hpp>
+#include <QJsonArray>
 
 namespace Varnholt::Publisher {
 
 VerifyCommand::VerifyCommand(CLI::App& p_Program)
     : Command(p_Program.add_subcommand("verify", "Look whether clients get what was published"))
 {
-    Command->footer("Examples:\n"
-                    "  varnholt-publish verify --output /srv/www\n"
-                    "  varnholt-publish verify --url http://content.example.net/ --all\n"
-                    "\n"
-                    "With --output every content file of the builds that the version files name\n"
-                    "is read. With --url the server, and each mirror of its host list, is asked\n"
-                    "for the manifests and for the size of every file; a sample, or with --all\n"
-                    "each file, is read whole and its end once more as a range.\n"
-                    "Each defect is one sentence on standard error; the exit status is then 1.\n");
+    Command->footer(
+        "Examples:\n"
+        "  varnholt-publish verify --output /srv/www\n"
+        "  varnholt-publish verify --url http://content.example.net/ --all\n"
+        "\n"
+        "With --output every content file of the builds that the version files name\n"
+        "is read. With --url the server, and each mirror of its host list, is asked\n"
+        "for the manifests and for the size of every file; a sample, or with --all\n"
+        "each file, is read whole and its end once more as a range.\n"
+        "With --repair content that is missing or damaged is written anew from the same\n"
+        "file of a source folder; what is told is what was found after that.\n"
+        "Each defect is one sentence on standard error; the exit status is then 1.\n");
     auto* const output = Command->add_option("--output", Output, "Folder of a published tree");
     auto* const url = Command->add_option("--url", Url, "Address of the default content server");
     output->excludes(url);
+    auto* const source =
+        Command->add_option("--source", Source, "Folder that holds the game, to repair from");
+    Command->add_flag("--repair", Repairs, "Write damaged content anew")
+        ->needs(output)
+        ->needs(source);
     auto* const sample =
         Command->add_option("--sample", Sample, "Files to read whole on each server")
             ->check(CLI::Range(0, 1'000'000))
@@ -32,6 +43,7 @@ VerifyCommand::VerifyCommand(CLI::App& p_Program)
     Command->add_flag("--all", ReadsAll, "Read every file whole on each server")
         ->needs(url)
         ->excludes(sample);
+    Command->add_flag("--json", Json, "One JSON object per line");
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
 }
 
@@ -43,21 +55,44 @@ bool VerifyCommand::IsChosen() const
 int VerifyCommand::Run() const
 {
     VerificationSummary const summary = Verify();
-    for (QString const& defect : summary.Defects)
+    if (Json)
+        PrintJson(summary);
+    else
+        PrintText(summary);
+    return summary.Defects.isEmpty() ? 0 : Failure::c_Other;
+}
+
+void VerifyCommand::PrintText(VerificationSummary const& p_Summary)
+{
+    for (QString const& defect : p_Summary.Defects)
         ConsoleText::PrintErrorLine(QStringLiteral("varnholt-publish: ") + defect);
-    QString const servers = summary.Servers.isEmpty()
+    QString const servers = p_Summary.Servers.isEmpty()
                                 ? QString()
-                                : QStringLiteral(" on %1 servers").arg(summary.Servers.size());
+                                : QStringLiteral(" on %1 servers").arg(p_Summary.Servers.size());
     ConsoleText::PrintLine(QStringLiteral("Builds %1: %2 files looked at%3, %4 of them read, %5 "
                                           "defects")
-                               .arg(summary.Builds.isEmpty()
+                               .arg(p_Summary.Builds.isEmpty()
                                         ? QStringLiteral("none")
-                                        : summary.Builds.join(QStringLiteral(", ")))
-                               .arg(summary.Files)
+                                        : p_Summary.Builds.join(QStringLiteral(", ")))
+                               .arg(p_Summary.Files)
                                .arg(servers)
-                               .arg(summary.FilesRead)
-                               .arg(summary.Defects.size()));
-    return summary.Defects.isEmpty() ? 0 : Failure::c_Other;
+                               .arg(p_Summary.FilesRead)
+                               .arg(p_Summary.Defects.size()));
+}
+
+void VerifyCommand::PrintJson(VerificationSummary const& p_Summary)
+{
+    for (QString const& defect : p_Summary.Defects) {
+        ConsoleText::PrintJson(
+            {{QStringLiteral("type"), QStringLiteral("defect")}, {QStringLiteral("text"), defect}});
+    }
+    ConsoleText::PrintJson(
+        {{QStringLiteral("type"), QStringLiteral("verify")},
+         {QStringLiteral("builds"), QJsonArray::fromStringList(p_Summary.Builds)},
+         {QStringLiteral("servers"), QJsonArray::fromStringList(p_Summary.Servers)},
+         {QStringLiteral("files"), p_Summary.Files},
+         {QStringLiteral("filesRead"), p_Summary.FilesRead},
+         {QStringLiteral("defects"), p_Summary.Defects.size()}});
 }
 
 VerificationSummary VerifyCommand::Verify() const
@@ -67,8 +102,13 @@ VerificationSummary VerifyCommand::Verify() const
         return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll}).Run();
     if (Output.empty())
         throw Failure(QStringLiteral("verify: give --output or --url"), Failure::c_Usage);
+    BuildProgress progress(Json);
+    if (Repairs) {
+        return RepairTree(QString::fromStdString(Output), appId, QString::fromStdString(Source),
+                          progress);
+    }
     PublishedTree const tree(QString::fromStdString(Output), appId);
-    return TreeVerification(tree).Run();
+    return TreeVerification(tree, &progress).Run();
 }
 
 } // namespace Varnholt::Publisher

@@ -24,6 +24,8 @@ public:
 
 private:
     VerificationSummary Verify() const;
+    static void PrintText(VerificationSummary const& p_Summary);
+    static void PrintJson(VerificationSummary const& p_Summary);
 
     CLI::App* Command;
     std::string Output;
@@ -31,6 +33,9 @@ private:
     std::string AppId = "pelmora_app";
     int Sample = 20;
     bool ReadsAll = false;
+    bool Repairs = false;
+    bool Json = false;
+    std::string Source;
 };
 
 } // namespace Varnholt::Publisher

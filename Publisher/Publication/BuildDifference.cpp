@@ -33,12 +33,26 @@ FilesByPath FilesOf(PublishedBuild const* p_Build, QString const& p_Locale)
     return files;
 }
 
-Change ChangeOf(FilesByPath const& p_Old, PublishedFile const& p_File)
+bool IsTreatedAlike(PublishedFile const& p_One, PublishedFile const& p_Two)
 {
+    return p_One.Flags == p_Two.Flags && p_One.Locale == p_Two.Locale &&
+           p_One.Streamed == p_Two.Streamed;
+}
+
+/// Of a file that the newer build has.
+FileDifference DifferenceOf(FilesByPath const& p_Old, PublishedFile const& p_File)
+{
+    FileDifference found{Change::New, p_File, {}, 0, false};
     auto const old = p_Old.find(p_File.Path);
     if (old == p_Old.end())
-        return Change::New;
-    return old->second.Md5 == p_File.Md5 ? Change::Same : Change::Changed;
+        return found;
+    if (!IsTreatedAlike(old->second, p_File))
+        found.TreatedBefore = old->second;
+    if (old->second.Md5 != p_File.Md5)
+        found.Kind = Change::Changed;
+    else
+        found.Kind = found.TreatedBefore ? Change::Altered : Change::Same;
+    return found;
 }
 
 bool IsFetched(Change p_Change, PublishedFile const& p_File)
@@ -58,9 +72,9 @@ BuildDifference::BuildDifference(PublishedTree const& p_Tree, PublishedBuild con
     FilesByPath const current = files;
     files.insert(old.begin(), old.end());
     for (auto const& [path, file] : files) {
-        FileDifference found;
-        found.Kind = current.count(path) == 0 ? Change::Removed : ChangeOf(old, file);
-        found.File = file;
+        FileDifference found{Change::Removed, file, {}, 0, false};
+        if (current.count(path) > 0)
+            found = DifferenceOf(old, file);
         found.Bytes = p_Tree.SizeOf(file);
         found.IsFetched = IsFetched(found.Kind, file);
         Found.push_back(found);

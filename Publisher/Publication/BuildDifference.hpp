@@ -2,16 +2,20 @@
 
 #include "Publisher/Tree/PublishedTree.hpp"
 
+#include <optional>
 #include <vector>
 
 namespace Varnholt::Publisher {
 
-/// What became of one file between two builds.
+/// What became of one file between two builds. A file is altered when its content is the same and
+/// its flags, language or streaming are not.
 struct FileDifference {
-    enum class Change { New, Changed, Removed, Same };
+    enum class Change { New, Changed, Altered, Removed, Same };
 
     Change Kind = Change::Same;
     PublishedFile File; ///< of the newer build unless it is removed
+    /// Of the older build, when its flags, language or streaming are others than the file's.
+    std::optional<PublishedFile> TreatedBefore;
     qint64 Bytes = 0;
     bool IsFetched = false; ///< by a client that updates from the older build
 };

@@ -1,9 +1,10 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Tree/ContentStaging.hpp"
 #include "Publisher/Tree/StorageSync.hpp"
-#include "Publisher/Tree/TreeLock.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 
 #include <QDir>
 #include <QDirIterator>
@@ -40,9 +41,9 @@ BuildPruning::BuildPruning(PruneOptions const& p_Options)
 PruneSummary BuildPruning::Run()
 {
     TreeMark(Options.Output).CheckIsTree();
-    TreeLock lock(Options.Output);
+    std::optional<TreeTransaction> tree;
     if (!Options.DryRun)
-        lock.Take();
+        tree.emplace(Options.Output);
     Summary = PruneSummary();
     Summary.Builds = Chosen();
     QStringList kept = Catalog.Builds();
@@ -52,13 +53,15 @@ PruneSummary BuildPruning::Run()
 
     // Before anything goes: a manifest that cannot be read does not tell what it uses.
     QSet<QString> const used = ContentOf(kept);
-    if (!Options.DryRun) {
+    if (tree) {
+        Note(*tree);
         for (QString const& build : qAsConst(Summary.Builds))
             RemoveBuild(build);
         // Else a power failure could bring back a manifest whose content is gone.
         StorageSync(Options.Output);
     }
     RemoveContent(used);
+    RemoveStaged();
     return Summary;
 }
 
@@ -110,12 +113,40 @@ QSet<QString> BuildPruning::ContentOf(QStringList const& p_Builds) const
     return content;
 }
 
+/// First of all: the name of a build that is gone must not come to stand for another.
+void BuildPruning::Note(TreeTransaction& p_Tree) const
+{
+    BuildRecord record = Catalog.Record();
+    record.SetOrder(Catalog.Builds());
+    for (QString const& build : Summary.Builds) {
+        QFile manifest(Catalog.ManifestPath(build));
+        if (!manifest.open(QIODevice::ReadOnly))
+            throw Failure(manifest.fileName() + QStringLiteral(": cannot be read: ") +
+                          manifest.errorString());
+        record.Remove(build, manifest.readAll());
+    }
+    p_Tree.AddText(record.Text(), record.Path());
+    p_Tree.Commit();
+}
+
 void BuildPruning::RemoveBuild(QString const& p_Build) const
 {
     QString const manifest = Catalog.ManifestPath(p_Build);
     Remove(manifest);
     // Stays when somebody has put something beside the manifest.
     QDir().rmdir(QFileInfo(manifest).path());
+}
+
+/// What a run has left that was stopped, and that no other has gone on with.
+void BuildPruning::RemoveStaged()
+{
+    ContentStaging const staging(Options.Output, Options.AppId);
+    for (QFileInfo const& file : staging.Files()) {
+        ++Summary.ContentFiles;
+        Summary.ContentBytes += file.size();
+    }
+    if (!Options.DryRun)
+        staging.Remove();
 }
 
 void BuildPruning::RemoveContent(QSet<QString> const& p_Used)
@@ -128,7 +159,7 @@ void BuildPruning::RemoveContent(QSet<QString> const& p_Used)
         QDirIterator files(path, QDir::Files);
         while (files.hasNext()) {
             QString const file = files.next();
-            QString const location = folder.relativeFilePath(file);
+            QString const location = QStringLiteral("files/%1/%2").arg(name, files.fileName());
             if (p_Used.contains(location) || !IsContent(location))
                 continue;
             ++Summary.ContentFiles;

@@ -11,6 +11,8 @@
 
 namespace Varnholt::Publisher {
 
+class TreeTransaction;
+
 /// Which builds are to go.
 struct PruneOptions {
     QString Output;
@@ -46,7 +48,9 @@ private:
     QStringList Chosen() const;
     void CheckNamed(QSet<QString> const& p_Served) const;
     QSet<QString> ContentOf(QStringList const& p_Builds) const;
+    void Note(TreeTransaction& p_Tree) const;
     void RemoveBuild(QString const& p_Build) const;
+    void RemoveStaged();
     void RemoveContent(QSet<QString> const& p_Used);
 
     PruneOptions const& Options;

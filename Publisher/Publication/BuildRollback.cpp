@@ -4,20 +4,32 @@
 #include "Publisher/Tree/BuildCatalog.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
+#include "Publisher/Verification/TreeVerification.hpp"
 
 namespace Varnholt::Publisher {
 
 namespace {
 
-void CheckBuild(BuildCatalog const& p_Catalog, QString const& p_Build)
+QStringList DefectsOf(BuildCatalog const& p_Catalog, RollbackOptions const& p_Options,
+                      PublicationObserver* p_Observer)
 {
-    p_Catalog.CheckHas(p_Build);
-    CatalogedBuild const build = p_Catalog.Read(p_Build);
-    if (!build.Missing.isEmpty()) {
-        throw Failure(QStringLiteral("%1: the build %2 is not complete: %3 content files are "
-                                     "missing, the first is %4")
-                          .arg(p_Catalog.ManifestPath(p_Build), p_Build,
-                               QString::number(build.Missing.size()), build.Missing.first()));
+    if (p_Options.Quick)
+        return p_Catalog.Read(p_Options.Build).Missing;
+    PublishedTree const tree(p_Options.Output, p_Options.AppId);
+    return TreeVerification(tree, p_Observer).CheckBuild(p_Options.Build).Defects;
+}
+
+void CheckBuild(BuildCatalog const& p_Catalog, RollbackOptions const& p_Options,
+                PublicationObserver* p_Observer)
+{
+    p_Catalog.CheckHas(p_Options.Build);
+    QStringList const defects = DefectsOf(p_Catalog, p_Options, p_Observer);
+    if (!defects.isEmpty()) {
+        throw Failure(
+            QStringLiteral("%1: the build %2 is not whole: %3 content files are missing or "
+                           "damaged, the first is %4")
+                .arg(p_Catalog.ManifestPath(p_Options.Build), p_Options.Build,
+                     QString::number(defects.size()), defects.first()));
     }
 }
 
@@ -33,12 +45,12 @@ QString Before(BuildCatalog const& p_Catalog, bool p_DevChannel)
 
 } // namespace
 
-QString RollBack(RollbackOptions const& p_Options)
+QString RollBack(RollbackOptions const& p_Options, PublicationObserver* p_Observer)
 {
     TreeMark(p_Options.Output).CheckIsTree();
     TreeTransaction tree(p_Options.Output);
     BuildCatalog const catalog(p_Options.Output, p_Options.AppId);
-    CheckBuild(catalog, p_Options.Build);
+    CheckBuild(catalog, p_Options, p_Observer);
     QString before = Before(catalog, p_Options.DevChannel);
     tree.AddText(BuildCatalog::VersionText(p_Options.Build),
                  catalog.VersionPath(p_Options.DevChannel));

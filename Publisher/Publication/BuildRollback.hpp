@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Publisher/Publication/PublicationObserver.hpp"
+
 #include <QString>
 
 namespace Varnholt::Publisher {
@@ -10,11 +12,13 @@ struct RollbackOptions {
     QString AppId;
     QString Build;
     bool DevChannel = false;
+    bool Quick = false; ///< look only whether its content files are there, do not read them
 };
 
 /// Makes a channel offer a build that is published already.
 /// \return the build that it offered before; null when that cannot be told
 /// \throws Failure for a build that is not there, or not completely; nothing has changed then
-QString RollBack(RollbackOptions const& p_Options);
+/// \param p_Observer of the reading; null: nobody
+QString RollBack(RollbackOptions const& p_Options, PublicationObserver* p_Observer = nullptr);
 
 } // namespace Varnholt::Publisher

@@ -3,8 +3,12 @@
 #include "Publisher/Failure.hpp"
 
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
+#include <array>
+
+#include <arpa/inet.h>
 
 namespace Varnholt::Publisher::OptionChecks {
 
@@ -33,42 +37,39 @@ void CheckAddressPart(QString const& p_Option, QString const& p_Value)
     }
 }
 
-void CheckHost(QString const& p_Host)
+bool IsAddress(int p_Family, QString const& p_Text)
 {
-    static QRegularExpression const c_Host(QRegularExpression::anchoredPattern(
-        QStringLiteral("([A-Za-z0-9][A-Za-z0-9._-]*|\\[[0-9A-Fa-f:.]+\\])(:([0-9]{1,5}))?")));
-    QString const option = QStringLiteral("--hosts");
-    if (p_Host.isEmpty())
-        Fail(option, p_Host, QStringLiteral("a host name is empty"));
-    if (p_Host.contains(QStringLiteral("://")))
-        Fail(option, p_Host, QStringLiteral("give the host name without a scheme"));
-    if (p_Host.contains(QLatin1Char('/')))
-        Fail(option, p_Host, QStringLiteral("a host name holds no slash"));
-    bool const hasBlank = std::any_of(p_Host.begin(), p_Host.end(),
-                                      [](QChar p_Character) { return p_Character.isSpace(); });
-    if (hasBlank)
-        Fail(option, p_Host, QStringLiteral("a host name holds no blank"));
-    QRegularExpressionMatch const match = c_Host.match(p_Host);
-    if (!match.hasMatch() || match.captured(3).toInt() > 65535)
-        Fail(option, p_Host, QStringLiteral("is not a host name with or without a port"));
+    std::array<unsigned char, sizeof(in6_addr)> address{};
+    return ::inet_pton(p_Family, p_Text.toLatin1().constData(), address.data()) == 1;
 }
 
-void CheckRealmList(QString const& p_Address)
+bool IsName(QString const& p_Text)
 {
-    QString const option = QStringLiteral("--realmlist");
-    if (p_Address.isEmpty())
-        Fail(option, p_Address, QStringLiteral("the address is empty"));
-    if (p_Address.contains(QLatin1Char('"')))
-        Fail(option, p_Address, QStringLiteral("the address must not hold a quote"));
-    bool const breaksLine = std::any_of(p_Address.begin(), p_Address.end(), [](QChar p_Character) {
-        return p_Character.category() == QChar::Other_Control ||
-               p_Character == QChar::LineSeparator || p_Character == QChar::ParagraphSeparator;
-    });
-    if (breaksLine) {
-        throw Failure(QStringLiteral("--realmlist: the address must not hold a line break or "
-                                     "another control character"),
-                      Failure::c_Usage);
-    }
+    static QRegularExpression const c_Name(QRegularExpression::anchoredPattern(
+        QStringLiteral("(?=.{1,253}$)(%1(\\.%1)*)")
+            .arg(QStringLiteral("[A-Za-z0-9_]([A-Za-z0-9_-]{0,61}[A-Za-z0-9_])?"))));
+    static QRegularExpression const c_Numbers(
+        QRegularExpression::anchoredPattern(QStringLiteral("[0-9.]+")));
+    return c_Numbers.match(p_Text).hasMatch() ? IsAddress(AF_INET, p_Text)
+                                              : c_Name.match(p_Text).hasMatch();
+}
+
+bool IsHost(QString const& p_Host)
+{
+    static QRegularExpression const c_Parts(QRegularExpression::anchoredPattern(
+        QStringLiteral("(?:\\[([^\\]]+)\\]|([^:\\[\\]]+))(?::([1-9][0-9]{0,4}))?")));
+    QRegularExpressionMatch const parts = c_Parts.match(p_Host);
+    if (!parts.hasMatch() || parts.captured(3).toInt() > 65535)
+        return false;
+    QString const name = parts.captured(2);
+    return name.isEmpty() ? IsAddress(AF_INET6, parts.captured(1)) : IsName(name);
+}
+
+/// The same for every spelling of a server.
+QString KeyOf(QString const& p_Host)
+{
+    QString const host = p_Host.toLower();
+    return host.endsWith(QStringLiteral(":80")) ? host.chopped(3) : host;
 }
 
 } // namespace
@@ -79,12 +80,37 @@ void Check(PublishOptions const& p_Options)
     CheckFolder(QStringLiteral("--output"), p_Options.Output);
     CheckAddressPart(QStringLiteral("--build"), p_Options.Build.Id);
     CheckAddressPart(QStringLiteral("--app-id"), p_Options.AppId);
-    if (p_Options.Hosts) {
-        for (QString const& host : *p_Options.Hosts)
-            CheckHost(host);
-    }
+    if (p_Options.Hosts)
+        CheckHosts(QStringLiteral("--hosts"), *p_Options.Hosts);
     if (p_Options.RealmListAddress)
-        CheckRealmList(*p_Options.RealmListAddress);
+        CheckHost(QStringLiteral("--realmlist"), *p_Options.RealmListAddress);
+}
+
+void CheckHosts(QString const& p_Option, QStringList const& p_Hosts)
+{
+    QSet<QString> known;
+    for (QString const& host : p_Hosts) {
+        CheckHost(p_Option, host);
+        if (known.contains(KeyOf(host)))
+            Fail(p_Option, host, QStringLiteral("is given twice"));
+        known.insert(KeyOf(host));
+    }
+}
+
+void CheckHost(QString const& p_Option, QString const& p_Host)
+{
+    if (p_Host.isEmpty())
+        Fail(p_Option, p_Host, QStringLiteral("a host name is empty"));
+    if (p_Host.contains(QStringLiteral("://")))
+        Fail(p_Option, p_Host, QStringLiteral("give the host name without a scheme"));
+    if (p_Host.contains(QLatin1Char('/')))
+        Fail(p_Option, p_Host, QStringLiteral("a host name holds no slash"));
+    bool const hasBlank = std::any_of(p_Host.begin(), p_Host.end(),
+                                      [](QChar p_Character) { return p_Character.isSpace(); });
+    if (hasBlank)
+        Fail(p_Option, p_Host, QStringLiteral("a host name holds no blank"));
+    if (!IsHost(p_Host))
+        Fail(p_Option, p_Host, QStringLiteral("is not a host name with or without a port"));
 }
 
 } // namespace Varnholt::Publisher::OptionChecks

@@ -2,20 +2,24 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/OptionChecks.hpp"
+#include "Publisher/Publication/ServerLists.hpp"
+#include "Publisher/Source/HashLine.hpp"
 #include "Publisher/Source/NativePath.hpp"
 #include "Publisher/Source/ParallelFor.hpp"
 #include "Publisher/Source/SourceListing.hpp"
 #include "Publisher/Source/SourceReader.hpp"
-#include "Publisher/Tree/ContentStore.hpp"
+#include "Publisher/Verification/ContentCheck.hpp"
 
 #include <QElapsedTimer>
-#include <QFile>
+#include <QStorageInfo>
 
 #include <algorithm>
 
 namespace Varnholt::Publisher {
 
 namespace {
+
+constexpr qint64 c_LeastRoom = 1024LL * 1024;
 
 bool IsAtOrBelow(QString const& p_Path, QString const& p_Folder)
 {
@@ -43,6 +47,28 @@ std::vector<std::size_t> UnhashedLargestFirst(std::vector<BuildFile> const& p_Fi
     return order;
 }
 
+/// Files that are read side by side: an end in between costs the next run no more than them, so
+/// large ones go alone.
+std::vector<std::vector<BuildFile*>> GroupsOf(std::vector<BuildFile>& p_Files,
+                                              std::vector<std::size_t> const& p_Order)
+{
+    constexpr qint64 c_GroupBytes = 512LL * 1024 * 1024;
+
+    std::vector<std::vector<BuildFile*>> groups;
+    qint64 bytes = 0;
+    for (std::size_t const index : p_Order) {
+        BuildFile& file = p_Files[index];
+        bytes += file.Source.Size;
+        if (groups.empty() || bytes > c_GroupBytes ||
+            groups.back().size() == SourceReader::c_MostFiles) {
+            groups.emplace_back();
+            bytes = file.Source.Size;
+        }
+        groups.back().push_back(&file);
+    }
+    return groups;
+}
+
 } // namespace
 
 Publication::Publication(PublishOptions const& p_Options, PublicationObserver& p_Observer)
@@ -51,6 +77,9 @@ Publication::Publication(PublishOptions const& p_Options, PublicationObserver& p
     , AppFolder(p_Options.Output + QLatin1Char('/') + p_Options.AppId)
     , Mark(p_Options.Output)
     , Index(Mark.PrivatePath(p_Options.AppId + QStringLiteral(".index")), p_Options.Source)
+    , Store(AppFolder)
+    , Staging(p_Options.Output, p_Options.AppId)
+    , Intake(Store, p_Options.DryRun ? nullptr : &Staging, p_Observer)
 {
 }
 
@@ -63,27 +92,21 @@ PublicationSummary Publication::Run()
     OptionChecks::Check(Options);
     CheckFolders();
     RuleSet const rules = SourceListing::ReadRules(Options);
-    Scanned = std::filesystem::file_time_type::clock::now();
-    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options.Source, rules);
+    Scanned = std::chrono::system_clock::now().time_since_epoch();
+    std::vector<BuildFile> files = SourceListing::PublishedFiles(Options, rules, Observer);
     SourceListing::CheckGameExecutable(Options, files, Observer);
 
-    // A run that may turn out to change nothing does not touch the tree before.
+    // What is planned with the tree must hold until it is done: nobody else changes it meanwhile.
     std::unique_ptr<TreeTransaction> tree;
-    if (!Options.DryRun && !Options.IfChanged)
+    if (!Options.DryRun)
         tree = std::make_unique<TreeTransaction>(Options.Output);
-    Hash(files);
-    PublicationPlan const plan(Options, rules, files);
-    Count(files, plan);
-    if (Options.IfChanged)
-        Summary.UnchangedBuild = plan.UnchangedBuild(rules, files);
-    if (Summary.UnchangedBuild.isNull()) {
-        if (Options.DryRun) {
-            Summary.WouldWrite = plan.TreeFiles();
-        } else {
-            if (!tree)
-                tree = std::make_unique<TreeTransaction>(Options.Output);
-            Write(plan, files, *tree);
-        }
+    try {
+        Publish(rules, files, tree.get());
+    } catch (Failure const&) {
+        // Others need the room on a full disk more than the next run what this one has staged.
+        if (QStorageInfo(Options.Output).bytesAvailable() < c_LeastRoom)
+            Staging.Remove();
+        throw;
     }
     Summary.Milliseconds = timer.elapsed();
     return Summary;
@@ -100,51 +123,122 @@ void Publication::CheckFolders() const
                       QStringLiteral(": the source folder must not be inside published content"));
     }
     Mark.CheckMayPublish();
+    ServerLists::CheckBuild(Options);
+}
+
+void Publication::Publish(RuleSet const& p_Rules, std::vector<BuildFile>& p_Files,
+                          TreeTransaction* p_Tree)
+{
+    if (p_Tree)
+        Staging.Sift();
+    Hash(p_Files);
+    if (Options.ReadStore)
+        CheckStore(p_Files);
+    PublicationPlan const plan(Options, p_Rules, p_Files, Store);
+    Count(p_Files, plan);
+    if (Options.IfChanged)
+        Summary.UnchangedBuild = plan.UnchangedBuild(p_Rules, p_Files);
+    if (!p_Tree) {
+        if (Summary.UnchangedBuild.isNull())
+            Summary.WouldWrite = plan.TreeFiles();
+        return;
+    }
+    if (Summary.UnchangedBuild.isNull())
+        Write(plan, *p_Tree);
+    Staging.Remove();
 }
 
 void Publication::Hash(std::vector<BuildFile>& p_Files)
 {
+    HashJournal journal(Staging.JournalPath(), Options.Source);
     if (Options.ReadIndex)
-        TakeFromIndex(p_Files);
+        TakeFromIndex(p_Files, journal);
     std::vector<std::size_t> const order = UnhashedLargestFirst(p_Files);
     qint64 bytes = 0;
     for (std::size_t const index : order)
         bytes += p_Files[index].Source.Size;
-    Observer.PhaseStarted(QStringLiteral("Hashing"), bytes);
-    ParallelFor(order.size(), [&](std::size_t p_Index) {
-        BuildFile& file = p_Files[order[p_Index]];
-        file.Md5 = SourceReader::Read(
-            file.Source, [this](char const*, qint64 p_Bytes) { Observer.BytesRead(p_Bytes); });
-    });
+    Observer.PhaseStarted(QStringLiteral("Reading"), bytes);
+    bool const isNoted = Options.WriteIndex && !Options.DryRun;
+    std::vector<std::vector<BuildFile*>> const groups = GroupsOf(p_Files, order);
+    ParallelFor(
+        groups.size(),
+        [&](std::size_t p_Index) {
+            std::vector<SourceFile const*> sources;
+            for (BuildFile const* const file : groups[p_Index])
+                sources.push_back(&file->Source);
+            std::vector<QString> const digests = Intake.Read(sources);
+            for (std::size_t i = 0; i < digests.size(); ++i) {
+                BuildFile& file = *groups[p_Index][i];
+                file.Md5 = digests[i];
+                if (isNoted && IsSettled(file.Source, Scanned)) {
+                    Staging.Make();
+                    journal.Add(file);
+                }
+            }
+        },
+        Options.Jobs);
+    if (isNoted && !order.empty())
+        Index.Write(p_Files, Scanned);
 }
 
-void Publication::TakeFromIndex(std::vector<BuildFile>& p_Files)
+void Publication::TakeFromIndex(std::vector<BuildFile>& p_Files, HashJournal const& p_Journal)
 {
     if (Index.FillIn(p_Files) == HashIndex::State::Damaged) {
         Observer.Warned(Index.FileName() +
                         QStringLiteral(": the index is damaged, so every file is read again"));
     }
-    for (BuildFile const& file : p_Files) {
+    p_Journal.FillIn(p_Files);
+    for (BuildFile& file : p_Files) {
         if (file.Md5.isEmpty())
             continue;
-        FromIndex.insert(file.Source.Path);
+        file.IsIndexed = true;
         ++Summary.IndexedFiles;
         Summary.IndexedBytes += file.Source.Size;
     }
 }
 
-void Publication::Write(PublicationPlan const& p_Plan, std::vector<BuildFile> const& p_Files,
-                        TreeTransaction& p_Tree)
+void Publication::CheckStore(std::vector<BuildFile> const& p_Files)
+{
+    QSet<QString> known;
+    QStringList held;
+    qint64 bytes = 0;
+    for (BuildFile const& file : p_Files) {
+        if (known.contains(file.Md5) || !Store.Holds(file.Md5, file.Source.Size))
+            continue;
+        known.insert(file.Md5);
+        held += file.Md5;
+        bytes += file.Source.Size;
+    }
+    Observer.PhaseStarted(QStringLiteral("Reading the tree"), bytes);
+    std::vector<QString> problems(static_cast<std::size_t>(held.size()));
+    ParallelFor(
+        problems.size(),
+        [&](std::size_t p_Index) {
+            QString const md5 = held[static_cast<int>(p_Index)];
+            problems[p_Index] = ProblemOfContent(
+                Store.PathOf(md5), md5, [this](qint64 p_Bytes) { Observer.BytesRead(p_Bytes); });
+        },
+        Options.Jobs);
+    for (std::size_t i = 0; i < problems.size(); ++i) {
+        if (problems[i].isNull())
+            continue;
+        QString const md5 = held[static_cast<int>(i)];
+        Store.Distrust(md5);
+        Observer.Warned(
+            QStringLiteral("%1: is written anew: %2").arg(Store.PathOf(md5), problems[i]));
+    }
+}
+
+void Publication::Write(PublicationPlan const& p_Plan, TreeTransaction& p_Tree)
 {
     // First of all, so that whatever is left of a run is known as the publisher's own.
     if (!Mark.IsThere())
         p_Tree.AddText(TreeMark::Text(), Mark.Path());
-    if (Options.WriteIndex) {
-        QString const index = p_Tree.NewFile();
-        Index.Write(index, p_Files, Scanned);
-        p_Tree.Add(index, Index.FileName());
-    }
-    WriteContent(p_Plan.Content, p_Tree);
+    StageRest(p_Plan.Content);
+    for (BuildFile const& file : p_Plan.Content)
+        p_Tree.Add(Staging.PathOf(file.Md5), Store.PathOf(file.Md5));
+    if (!p_Plan.Manifest.empty())
+        p_Tree.AddText(p_Plan.Record.Content, p_Plan.Record.Target);
     for (PublicationPlan::Text const& text : p_Plan.Manifest)
         p_Tree.AddText(text.Content, text.Target);
     for (PublicationPlan::Text const& text : p_Plan.ServerFiles)
@@ -153,37 +247,28 @@ void Publication::Write(PublicationPlan const& p_Plan, std::vector<BuildFile> co
     p_Tree.Commit();
 }
 
-void Publication::WriteContent(std::vector<BuildFile> const& p_Missing, TreeTransaction& p_Tree)
+/// Content that was not copied as it was read: its digest was known, or it looked like another's.
+void Publication::StageRest(std::vector<BuildFile> const& p_Content)
 {
-    Observer.PhaseStarted(QStringLiteral("Copying"), Summary.NewContentBytes);
-    std::vector<QString> copies(p_Missing.size());
-    ParallelFor(p_Missing.size(), [&](std::size_t p_Index) {
-        copies[p_Index] = p_Tree.NewFile();
-        CopyTo(copies[p_Index], p_Missing[p_Index]);
-    });
-    ContentStore const store(AppFolder);
-    for (std::size_t i = 0; i < p_Missing.size(); ++i)
-        p_Tree.Add(copies[i], store.PathOf(p_Missing[i].Md5));
+    std::vector<BuildFile const*> rest;
+    qint64 bytes = 0;
+    for (BuildFile const& file : p_Content) {
+        if (Staging.Holds(file.Md5, file.Source.Size))
+            continue;
+        rest.push_back(&file);
+        bytes += file.Source.Size;
+    }
+    Observer.PhaseStarted(QStringLiteral("Copying"), bytes);
+    ParallelFor(
+        rest.size(), [&](std::size_t p_Index) { StageAgain(*rest[p_Index]); }, Options.Jobs);
 }
 
-void Publication::CopyTo(QString const& p_Target, BuildFile const& p_File)
+void Publication::StageAgain(BuildFile const& p_File)
 {
-    QFile target(p_Target);
-    auto const fail = [&target] {
-        throw Failure(target.fileName() + QStringLiteral(": cannot be written: ") +
-                      target.errorString());
-    };
-    if (!target.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
-        fail();
-    QString const md5 = SourceReader::Read(p_File.Source, [&](char const* p_Data, qint64 p_Bytes) {
-        if (target.write(p_Data, p_Bytes) != p_Bytes)
-            fail();
-        Observer.BytesRead(p_Bytes);
-    });
     // Published bytes are what the manifest says, also when the file's times and size say nothing.
-    if (md5 == p_File.Md5)
+    if (Intake.Stage(p_File.Source) == p_File.Md5)
         return;
-    if (FromIndex.contains(p_File.Source.Path)) {
+    if (p_File.IsIndexed) {
         throw Failure(p_File.Source.Path +
                       QStringLiteral(": the file changed since it was indexed, but not its time: "
                                      "publish with --rehash"));

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "Publisher/Publication/PublicationObserver.hpp"
+#include "Publisher/Publication/ContentIntake.hpp"
 #include "Publisher/Publication/PublicationPlan.hpp"
 #include "Publisher/Publication/PublicationSummary.hpp"
 #include "Publisher/Publication/PublishOptions.hpp"
 #include "Publisher/Source/HashIndex.hpp"
+#include "Publisher/Source/HashJournal.hpp"
 #include "Publisher/Tree/BuildFile.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
-
-#include <QSet>
 
 #include <vector>
 
@@ -19,23 +18,25 @@ namespace Varnholt::Publisher {
 /// with byte ranges can serve.
 ///
 /// Clients see the build when the version file changes, which is the last thing to happen. Content
-/// files and manifests of earlier builds stay.
+/// files and manifests of earlier builds stay. What a run has read and copied when it fails or is
+/// killed saves the next one the work.
 class Publication {
 public:
     /// Both arguments must outlive the object.
     Publication(PublishOptions const& p_Options, PublicationObserver& p_Observer);
 
-    /// \throws Failure; the tree is then as it was
+    /// \throws Failure; the tree is then as it was for clients
     PublicationSummary Run();
 
 private:
     void CheckFolders() const;
+    void Publish(RuleSet const& p_Rules, std::vector<BuildFile>& p_Files, TreeTransaction* p_Tree);
     void Hash(std::vector<BuildFile>& p_Files);
-    void TakeFromIndex(std::vector<BuildFile>& p_Files);
-    void Write(PublicationPlan const& p_Plan, std::vector<BuildFile> const& p_Files,
-               TreeTransaction& p_Tree);
-    void WriteContent(std::vector<BuildFile> const& p_Missing, TreeTransaction& p_Tree);
-    void CopyTo(QString const& p_Target, BuildFile const& p_File);
+    void TakeFromIndex(std::vector<BuildFile>& p_Files, HashJournal const& p_Journal);
+    void CheckStore(std::vector<BuildFile> const& p_Files);
+    void Write(PublicationPlan const& p_Plan, TreeTransaction& p_Tree);
+    void StageRest(std::vector<BuildFile> const& p_Content);
+    void StageAgain(BuildFile const& p_File);
     void Count(std::vector<BuildFile> const& p_Files, PublicationPlan const& p_Plan);
 
     PublishOptions const& Options;
@@ -43,8 +44,10 @@ private:
     QString AppFolder;
     TreeMark Mark;
     HashIndex Index;
-    std::filesystem::file_time_type Scanned;
-    QSet<QString> FromIndex; ///< paths
+    ContentStore Store;
+    ContentStaging Staging;
+    ContentIntake Intake;
+    std::chrono::nanoseconds Scanned{0}; ///< since 1970
     PublicationSummary Summary;
 };
 

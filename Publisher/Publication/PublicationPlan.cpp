@@ -1,7 +1,8 @@
 #include "Publisher/Publication/PublicationPlan.hpp"
 
 #include "Publisher/Failure.hpp"
-#include "Publisher/Tree/ContentStore.hpp"
+#include "Publisher/Publication/ServerLists.hpp"
+#include "Publisher/Source/ParallelFor.hpp"
 #include "Publisher/Tree/ManifestWriter.hpp"
 
 #include <QFile>
@@ -13,7 +14,7 @@ namespace Varnholt::Publisher {
 namespace {
 
 /// Where `varnholt-publish serve` listens by default, and where clients look by default.
-QString const c_DefaultHost = QStringLiteral("127.0.0.1:8080");
+QString const c_LocalHost = QStringLiteral("127.0.0.1:8080");
 
 bool Holds(QString const& p_File, QByteArray const& p_Content)
 {
@@ -24,11 +25,11 @@ bool Holds(QString const& p_File, QByteArray const& p_Content)
 } // namespace
 
 PublicationPlan::PublicationPlan(PublishOptions const& p_Options, RuleSet const& p_Rules,
-                                 std::vector<BuildFile> const& p_Files)
+                                 std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
     : Options(p_Options)
     , Tree(p_Options.Output, p_Options.AppId)
 {
-    AddContent(p_Files);
+    AddContent(p_Files, p_Store);
     AddManifest(ManifestWriter::Write(Options.Build, p_Rules.Locales, p_Files, Options.Platform));
     AddServerFiles();
     Version = {Tree.VersionPath(Options.DevChannel), BuildCatalog::VersionText(Options.Build.Id)};
@@ -80,14 +81,22 @@ std::vector<TreeFile> PublicationPlan::TreeFiles() const
     return files;
 }
 
-void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files)
+void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)
 {
-    ContentStore const store(Tree.Folder());
+    std::vector<char> held(p_Files.size());
+    ParallelFor(
+        p_Files.size(),
+        [&](std::size_t p_Index) {
+            BuildFile const& file = p_Files[p_Index];
+            held[p_Index] = p_Store.Holds(file.Md5, file.Source.Size) ? 1 : 0;
+        },
+        Options.Jobs);
     QSet<QString> known;
-    for (BuildFile const& file : p_Files) {
-        if (!known.contains(file.Md5) && !store.Holds(file))
-            Content.push_back(file);
-        known.insert(file.Md5);
+    for (std::size_t i = 0; i < p_Files.size(); ++i) {
+        if (held[i] != 0 || known.contains(p_Files[i].Md5))
+            continue;
+        Content.push_back(p_Files[i]);
+        known.insert(p_Files[i].Md5);
     }
 }
 
@@ -95,6 +104,16 @@ void PublicationPlan::AddManifest(QByteArray const& p_Manifest)
 {
     QString const path = Tree.ManifestPath(Options.Build.Id);
     if (!QFileInfo(path).isFile()) {
+        BuildRecord record = Tree.Record();
+        if (record.MayBeCached(Options.Build.Id, p_Manifest)) {
+            throw Failure(QStringLiteral("%1: another build of this name was removed less than %2 "
+                                         "days ago and may be held by caches: choose another "
+                                         "--build")
+                              .arg(path)
+                              .arg(BuildRecord::c_CachedDays));
+        }
+        record.SetOrder(Tree.Builds() + QStringList(Options.Build.Id));
+        Record = {record.Path(), record.Text()};
         Manifest.push_back({path, p_Manifest});
         return;
     }
@@ -108,17 +127,13 @@ void PublicationPlan::AddManifest(QByteArray const& p_Manifest)
 
 void PublicationPlan::AddServerFiles()
 {
-    QString const hosts = Options.Output + QStringLiteral("/cdns.info");
-    if (Options.Hosts || !QFileInfo(hosts).isFile()) {
-        QStringList const names = Options.Hosts.value_or(QStringList{c_DefaultHost});
-        // One blank between the names and nothing after the last: clients trim nothing.
-        AddServerFile(names.join(QLatin1Char(' ')).toUtf8(), hosts);
-    }
-    if (Options.RealmListAddress) {
-        // Clients put the whole content into the game's configuration as one line.
-        QString const line = QStringLiteral("SET realmlist \"%1\"").arg(*Options.RealmListAddress);
-        AddServerFile(line.toUtf8(), Tree.Folder() + QStringLiteral("/realmlist.info"));
-    }
+    QString const hosts = ServerLists::HostsPath(Options.Output);
+    if (Options.Hosts || !QFileInfo(hosts).isFile())
+        AddServerFile(ServerLists::HostsText(Options.Hosts.value_or(QStringList{c_LocalHost})),
+                      hosts);
+    if (Options.RealmListAddress)
+        AddServerFile(ServerLists::RealmListText(*Options.RealmListAddress),
+                      ServerLists::RealmListPath(Options.Output, Options.AppId));
 }
 
 void PublicationPlan::AddServerFile(QByteArray const& p_Content, QString const& p_Target)

@@ -5,6 +5,7 @@
 #include "Publisher/Rules/RuleSet.hpp"
 #include "Publisher/Tree/BuildCatalog.hpp"
 #include "Publisher/Tree/BuildFile.hpp"
+#include "Publisher/Tree/ContentStore.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -26,7 +27,7 @@ public:
     /// \param p_Files all of them hashed
     /// \throws Failure when the tree holds something in their place
     PublicationPlan(PublishOptions const& p_Options, RuleSet const& p_Rules,
-                    std::vector<BuildFile> const& p_Files);
+                    std::vector<BuildFile> const& p_Files, ContentStore const& p_Store);
 
     /// The build that the channel offers when it has these files, this host list and this realm
     /// list already; null otherwise.
@@ -34,6 +35,7 @@ public:
 
     /// Files whose content is not there yet, one for each content.
     std::vector<BuildFile> Content;
+    Text Record;                   ///< of the builds' order, for the publisher, with `Manifest`
     std::vector<Text> Manifest;    ///< none when the build is there already
     std::vector<Text> ServerFiles; ///< those that change
     Text Version;
@@ -43,7 +45,7 @@ public:
     std::vector<TreeFile> TreeFiles() const;
 
 private:
-    void AddContent(std::vector<BuildFile> const& p_Files);
+    void AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store);
     void AddManifest(QByteArray const& p_Manifest);
     void AddServerFiles();
     void AddServerFile(QByteArray const& p_Content, QString const& p_Target);

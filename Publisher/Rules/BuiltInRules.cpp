@@ -61,12 +61,20 @@ RuleSet BuiltInRules(ContentPlatform p_Platform, std::map<QString, QString> cons
         rule.Locale = locale.first;
         set.Rules.push_back(rule);
     }
-    for (char const* const pattern : c_Excluded) {
-        Rule rule = RuleFor(QLatin1String(pattern));
-        rule.Excluded = true;
-        set.Rules.push_back(rule);
-    }
     return set;
+}
+
+std::vector<Rule> const& BuiltInExcludes()
+{
+    static std::vector<Rule> const c_Rules = [] {
+        std::vector<Rule> rules;
+        for (char const* const pattern : c_Excluded) {
+            rules.push_back(RuleFor(QLatin1String(pattern)));
+            rules.back().Excluded = true;
+        }
+        return rules;
+    }();
+    return c_Rules;
 }
 
 } // namespace Varnholt::Publisher

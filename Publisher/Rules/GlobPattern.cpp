@@ -2,86 +2,120 @@
 
 namespace Varnholt::Publisher {
 
+namespace {
+
+/// One match of a pattern with a path. What follows a wildcard is tried at one place after the
+/// other, and where it fits first is the best place for whatever comes behind: only the last "*"
+/// and the last "**" are ever tried again.
+class Match {
+public:
+    Match(QString const& p_Pattern, QString const& p_Path)
+        : Pattern(p_Pattern)
+        , Path(p_Path)
+    {
+    }
+
+    bool Run()
+    {
+        while (At < Path.size() || Token < Pattern.size()) {
+            if (!Step() && !RetryStar() && !RetryDeep())
+                return false;
+        }
+        return true;
+    }
+
+private:
+    bool Step()
+    {
+        if (Token == Pattern.size())
+            return false;
+        QChar const token = Pattern[Token];
+        if (token == QLatin1Char('*')) {
+            EnterStars();
+            return true;
+        }
+        bool const isAny = token == QLatin1Char('?');
+        if (At == Path.size() || (isAny ? Path[At] == QLatin1Char('/') : Path[At] != token))
+            return false;
+        // A character may take two places.
+        if (isAny && Path[At].isHighSurrogate())
+            ++At;
+        ++At;
+        ++Token;
+        return true;
+    }
+
+    void EnterStars()
+    {
+        int const start = Token;
+        while (Token < Pattern.size() && Pattern[Token] == QLatin1Char('*'))
+            ++Token;
+        if (Token == start + 1) {
+            Star = {Token, At};
+            return;
+        }
+        bool const atStart = start == 0 || Pattern[start - 1] == QLatin1Char('/');
+        IsWhole = atStart && Token < Pattern.size() && Pattern[Token] == QLatin1Char('/');
+        // Takes its "/" along, so that "**/name" also matches a bare "name".
+        Token += IsWhole ? 1 : 0;
+        Deep = {Token, At};
+        Star = {};
+    }
+
+    bool RetryStar()
+    {
+        if (Star.Token < 0 || Star.At == Path.size() || Path[Star.At] == QLatin1Char('/'))
+            return false;
+        ++Star.At;
+        Token = Star.Token;
+        At = Star.At;
+        return true;
+    }
+
+    bool RetryDeep()
+    {
+        if (Deep.Token < 0)
+            return false;
+        int const next = IsWhole ? Path.indexOf(QLatin1Char('/'), Deep.At) : Deep.At;
+        if (next < 0 || next == Path.size())
+            return false;
+        Deep.At = next + 1;
+        Token = Deep.Token;
+        At = Deep.At;
+        Star = {};
+        return true;
+    }
+
+    /// Where a wildcard ends: in the pattern, and as far as it was tried in the path.
+    struct Wildcard {
+        int Token = -1; ///< -1: there was none
+        int At = 0;
+    };
+
+    QString const& Pattern;
+    QString const& Path;
+    int Token = 0;
+    int At = 0;
+    Wildcard Star;
+    Wildcard Deep;
+    bool IsWhole = false; ///< the last "**" stands for whole components
+};
+
+} // namespace
+
 GlobPattern::GlobPattern(QString const& p_Text)
+    : Text(p_Text)
+    , Tail(p_Text.mid(
+          1 + qMax(p_Text.lastIndexOf(QLatin1Char('*')), p_Text.lastIndexOf(QLatin1Char('?')))))
 {
-    QVector<uint> const text = p_Text.toUcs4();
-    for (int i = 0; i < text.size(); ++i) {
-        if (text[i] == '?') {
-            Tokens.push_back({Kind::OneCharacter, 0});
-        } else if (text[i] != '*') {
-            Tokens.push_back({Kind::Character, text[i]});
-        } else {
-            int const start = i;
-            while (i + 1 < text.size() && text[i + 1] == '*')
-                ++i;
-            bool const atStart = start == 0 || text[start - 1] == '/';
-            bool const beforeSlash = i + 1 < text.size() && text[i + 1] == '/';
-            if (i == start) {
-                Tokens.push_back({Kind::InComponent, 0});
-            } else if (atStart && beforeSlash) {
-                // Takes its "/" along, so that "**/name" also matches a bare "name".
-                Tokens.push_back({Kind::WholeComponents, 0});
-                ++i;
-            } else {
-                Tokens.push_back({Kind::AcrossComponents, 0});
-            }
-        }
-    }
-}
-
-void GlobPattern::Enter(std::size_t p_State, std::vector<bool>& p_States) const
-{
-    for (;;) {
-        p_States[p_State] = true;
-        if (p_State == Tokens.size())
-            return;
-        Kind const kind = Tokens[p_State].TokenKind;
-        if (kind == Kind::Character || kind == Kind::OneCharacter)
-            return;
-        ++p_State;
-    }
-}
-
-std::vector<bool> GlobPattern::Step(std::vector<bool> const& p_States, uint p_Character) const
-{
-    std::vector<bool> next(p_States.size(), false);
-    for (std::size_t i = 0; i < Tokens.size(); ++i) {
-        if (!p_States[i])
-            continue;
-        switch (Tokens[i].TokenKind) {
-        case Kind::Character:
-            if (p_Character == Tokens[i].Character)
-                Enter(i + 1, next);
-            break;
-        case Kind::OneCharacter:
-            if (p_Character != '/')
-                Enter(i + 1, next);
-            break;
-        case Kind::InComponent:
-            if (p_Character != '/')
-                Enter(i, next);
-            break;
-        case Kind::AcrossComponents:
-            Enter(i, next);
-            break;
-        case Kind::WholeComponents:
-            // Inside a component it may only go on; what follows it starts after a "/".
-            next[i] = true;
-            if (p_Character == '/')
-                Enter(i, next);
-            break;
-        }
-    }
-    return next;
+    // "**/name" matches a bare "name".
+    if (Tail.startsWith(QLatin1Char('/')))
+        Tail.remove(0, 1);
 }
 
 bool GlobPattern::Matches(QString const& p_Path) const
 {
-    std::vector<bool> states(Tokens.size() + 1, false);
-    Enter(0, states);
-    for (uint const character : p_Path.toUcs4())
-        states = Step(states, character);
-    return states.back();
+    return p_Path.endsWith(Tail) && Match(Text, p_Path).Run();
 }
 
 QString GlobPattern::Problem(QString const& p_Text)

@@ -1,9 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QVector>
-
-#include <vector>
 
 namespace Varnholt::Publisher {
 
@@ -15,7 +12,8 @@ namespace Varnholt::Publisher {
 /// - "**" is any number of characters; as a component of its own ("**/name", "a/**/b") it is any
 ///   number of whole components, none included
 ///
-/// Matching takes time proportional to the lengths of pattern and path, whatever they hold.
+/// Most paths that do not match cost no more than a comparison with the pattern's end; no pattern
+/// takes more than the square of the path's length.
 class GlobPattern {
 public:
     explicit GlobPattern(QString const& p_Text);
@@ -27,17 +25,8 @@ public:
     static QString Problem(QString const& p_Text);
 
 private:
-    enum class Kind { Character, OneCharacter, InComponent, AcrossComponents, WholeComponents };
-    struct Token {
-        Kind TokenKind;
-        uint Character;
-    };
-
-    /// Adds a state and those that it reaches without a character.
-    void Enter(std::size_t p_State, std::vector<bool>& p_States) const;
-    std::vector<bool> Step(std::vector<bool> const& p_States, uint p_Character) const;
-
-    std::vector<Token> Tokens;
+    QString Text;
+    QString Tail; ///< what stands behind the last wildcard
 };
 
 } // namespace Varnholt::Publisher

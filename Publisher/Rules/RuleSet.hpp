@@ -16,6 +16,9 @@ struct RuleExplanation {
     Rule const* Locale = nullptr;
     Rule const* Streamed = nullptr;
     Rule const* Excluded = nullptr;
+
+    /// What they decided; the plain treatment where none did.
+    FileTreatment Treatment() const;
 };
 
 /// The rules of a build and the languages that it offers.
@@ -23,11 +26,13 @@ struct RuleSet {
     std::vector<Rule> Rules;
     std::map<QString, QString> Locales; ///< display name by tag
 
-    /// Asks every rule in order; a later one overrides an earlier one property by property.
-    FileTreatment TreatmentOf(QString const& p_Path) const;
+    /// Asks every rule in order; a later one overrides an earlier one property by property. What
+    /// `BuiltInExcludes()` name stays excluded unless a rule's pattern is the very path.
+    /// \param p_Fitting as many as `Rules`; those that fit the path are set
+    FileTreatment TreatmentOf(QString const& p_Path, std::vector<bool>* p_Fitting = nullptr) const;
 
-    /// \return pointers into `Rules`
-    RuleExplanation Explain(QString const& p_Path) const;
+    /// \return pointers into `Rules` and `BuiltInExcludes()`
+    RuleExplanation Explain(QString const& p_Path, std::vector<bool>* p_Fitting = nullptr) const;
 };
 
 } // namespace Varnholt::Publisher

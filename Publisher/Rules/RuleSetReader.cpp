@@ -55,9 +55,10 @@ RuleSet RuleSetReader::Read(std::map<QString, QString> const& p_Locales) const
     QJsonArray const array = rules.toArray();
     std::vector<int> const lines = RuleLines(text);
     for (int i = 0; i < array.size(); ++i) {
-        QString const place = QStringLiteral("rules[%1]").arg(i);
+        int const line = lines.at(static_cast<std::size_t>(i));
+        QString const place = QStringLiteral("line %1, rules[%2]").arg(line).arg(i);
         Rule rule = ReadRule(array[i], place);
-        rule.Line = lines.at(static_cast<std::size_t>(i));
+        rule.Line = line;
         QString const locale = rule.Locale.value_or(QString());
         if (!locale.isEmpty() && set.Locales.count(locale) == 0) {
             Fail(place, QStringLiteral("the locale %1 is not declared: add it to \"locales\" or "

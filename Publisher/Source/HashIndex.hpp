@@ -28,14 +28,13 @@ public:
     /// \param p_Files ordered by the UTF-8 bytes of their paths, none of them hashed
     State FillIn(std::vector<BuildFile>& p_Files) const;
 
-    /// Writes an index of hashed files under another name, from where it can be moved.
+    /// Replaces the index by one of hashed files.
     ///
     /// A file that was written just before the scan may be written once more without a visible
     /// change of its time; it is left out.
-    /// \param p_Scanned when the scan began
+    /// \param p_Scanned when the scan began, since 1970
     /// \throws Failure
-    void Write(QString const& p_Target, std::vector<BuildFile> const& p_Files,
-               std::filesystem::file_time_type p_Scanned) const;
+    void Write(std::vector<BuildFile> const& p_Files, std::chrono::nanoseconds p_Scanned) const;
 
     QString const& FileName() const { return File; }
 

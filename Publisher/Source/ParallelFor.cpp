@@ -59,10 +59,12 @@ private:
 
 } // namespace
 
-void ParallelFor(std::size_t p_Count, std::function<void(std::size_t)> const& p_Work)
+void ParallelFor(std::size_t p_Count, std::function<void(std::size_t)> const& p_Work, int p_Jobs)
 {
     Share share(p_Count, p_Work);
     QThreadPool pool;
+    if (p_Jobs > 0)
+        pool.setMaxThreadCount(p_Jobs);
     for (int i = 0; i < pool.maxThreadCount(); ++i)
         pool.start(QRunnable::create([&share] { share.RunOnThisThread(); }));
     pool.waitForDone();

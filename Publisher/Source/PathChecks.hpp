@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Publisher/Source/SourceFile.hpp"
+#include "Publisher/Tree/BuildFile.hpp"
+#include "Publisher/Tree/ContentPlatform.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -14,9 +15,13 @@ namespace Varnholt::Publisher::PathChecks {
 /// \throws Failure that names the path and the cause
 void CheckPath(QByteArray const& p_Path);
 
-/// Refuses files that would be one and the same on a file system that ignores letter case, and a
-/// file where such a system has a folder.
+/// Refuses a path that no file of that system can have.
+/// \throws Failure that names the path and the cause
+void CheckPlatform(QString const& p_Path, ContentPlatform p_Platform);
+
+/// Refuses files and folders that would be one and the same on a file system that ignores letter
+/// case, as those of all clients do.
 /// \throws Failure that names both
-void CheckCollisions(std::vector<SourceFile> const& p_Files);
+void CheckCollisions(std::vector<BuildFile> const& p_Files);
 
 } // namespace Varnholt::Publisher::PathChecks

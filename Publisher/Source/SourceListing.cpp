@@ -5,6 +5,7 @@
 #include "Publisher/Rules/BuiltInRules.hpp"
 #include "Publisher/Rules/FlagNames.hpp"
 #include "Publisher/Rules/RuleSetReader.hpp"
+#include "Publisher/Source/PathChecks.hpp"
 #include "Publisher/Source/SourceScan.hpp"
 
 #include <algorithm>
@@ -16,18 +17,27 @@ namespace {
 
 using Excluded = std::function<void(QString const& p_Path, FileTreatment const& p_Treatment)>;
 
-std::vector<BuildFile> Scan(QString const& p_Source, RuleSet const& p_Rules,
-                            Excluded const& p_Excluded)
+std::vector<BuildFile> Scan(PublishOptions const& p_Options, RuleSet const& p_Rules,
+                            PublicationObserver& p_Observer, Excluded const& p_Excluded)
 {
-    SourceScan scan(p_Source, [&](QString const& p_Path) {
-        FileTreatment const treatment = p_Rules.TreatmentOf(p_Path);
+    std::vector<bool> fitting(p_Rules.Rules.size());
+    SourceScan scan(p_Options.Source, [&](QString const& p_Path) {
+        FileTreatment treatment = p_Rules.TreatmentOf(p_Path, &fitting);
         if (treatment.Excluded)
             p_Excluded(p_Path, treatment);
-        return !treatment.Excluded;
+        return treatment;
     });
-    std::vector<BuildFile> files;
-    for (SourceFile const& source : scan.Run())
-        files.push_back({source, p_Rules.TreatmentOf(source.Path), QString()});
+    std::vector<BuildFile> files = scan.Run();
+    for (BuildFile const& file : files)
+        PathChecks::CheckPlatform(file.Source.Path, p_Options.Platform);
+    for (std::size_t i = 0; i < fitting.size(); ++i) {
+        Rule const& rule = p_Rules.Rules[i];
+        if (!fitting[i] && rule.Line > 0) {
+            p_Observer.Warned(
+                QStringLiteral("%1, line %2: \"%3\" matches no file")
+                    .arg(p_Options.RulesFile, QString::number(rule.Line), rule.Pattern));
+        }
+    }
     return files;
 }
 
@@ -40,18 +50,23 @@ RuleSet ReadRules(PublishOptions const& p_Options)
     return RuleSetReader(p_Options.RulesFile, p_Options.Platform).Read(p_Options.Locales);
 }
 
-std::vector<BuildFile> PublishedFiles(QString const& p_Source, RuleSet const& p_Rules)
+std::vector<BuildFile> PublishedFiles(PublishOptions const& p_Options, RuleSet const& p_Rules,
+                                      PublicationObserver& p_Observer)
 {
-    return Scan(p_Source, p_Rules, [](QString const&, FileTreatment const&) {});
+    return Scan(p_Options, p_Rules, p_Observer, [](QString const&, FileTreatment const&) {});
 }
 
-std::vector<BuildFile> AllFiles(QString const& p_Source, RuleSet const& p_Rules)
+std::vector<BuildFile> AllFiles(PublishOptions const& p_Options, RuleSet const& p_Rules,
+                                PublicationObserver& p_Observer)
 {
     std::vector<BuildFile> excluded;
     auto const keep = [&](QString const& p_Path, FileTreatment const& p_Treatment) {
-        excluded.push_back({SourceFile{p_Path, {}, 0, {}, 0}, p_Treatment, QString()});
+        BuildFile file;
+        file.Source.Path = p_Path;
+        file.Treatment = p_Treatment;
+        excluded.push_back(file);
     };
-    std::vector<BuildFile> files = Scan(p_Source, p_Rules, keep);
+    std::vector<BuildFile> files = Scan(p_Options, p_Rules, p_Observer, keep);
     files.insert(files.end(), excluded.begin(), excluded.end());
     std::sort(files.begin(), files.end(), [](BuildFile const& p_One, BuildFile const& p_Two) {
         return p_One.Source.Path.toUtf8() < p_Two.Source.Path.toUtf8();

@@ -12,12 +12,15 @@ namespace Varnholt::Publisher::SourceListing {
 /// The rules of a publication, built-in ones when it names no file. \throws Failure
 RuleSet ReadRules(PublishOptions const& p_Options);
 
-/// The files that are published, ordered by the UTF-8 bytes of their paths.
+/// The files that are published, ordered by the UTF-8 bytes of their paths. The observer is warned
+/// of rules of the rules file that fit no path.
 /// \throws Failure for a folder or a file that cannot be published
-std::vector<BuildFile> PublishedFiles(QString const& p_Source, RuleSet const& p_Rules);
+std::vector<BuildFile> PublishedFiles(PublishOptions const& p_Options, RuleSet const& p_Rules,
+                                      PublicationObserver& p_Observer);
 
 /// The same with those that the rules exclude.
-std::vector<BuildFile> AllFiles(QString const& p_Source, RuleSet const& p_Rules);
+std::vector<BuildFile> AllFiles(PublishOptions const& p_Options, RuleSet const& p_Rules,
+                                PublicationObserver& p_Observer);
 
 /// Sees to it that clients find exactly one file to start.
 /// \throws Failure

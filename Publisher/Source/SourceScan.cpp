@@ -3,6 +3,7 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/Source/NativePath.hpp"
 #include "Publisher/Source/PathChecks.hpp"
+#include "Publisher/Source/SourceReader.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,13 +30,13 @@ Failure FailureOf(QString const& p_Path, std::error_code const& p_Error)
 
 } // namespace
 
-SourceScan::SourceScan(QString const& p_Folder, Wanted p_Wanted)
+SourceScan::SourceScan(QString const& p_Folder, Treat p_Treat)
     : Root(NativePath::From(p_Folder))
-    , IsWanted(std::move(p_Wanted))
+    , TreatmentOf(std::move(p_Treat))
 {
 }
 
-std::vector<SourceFile> SourceScan::Run()
+std::vector<BuildFile> SourceScan::Run()
 {
     QString const shown = NativePath::ToText(Root);
     std::error_code error;
@@ -50,8 +51,9 @@ std::vector<SourceFile> SourceScan::Run()
     if (Files.empty())
         throw Failure(shown + QStringLiteral(": the source holds no file to publish"));
 
-    std::sort(Files.begin(), Files.end(), [](SourceFile const& p_One, SourceFile const& p_Two) {
-        return p_One.Path.toUtf8() < p_Two.Path.toUtf8();
+    // Places below one folder, so that their bytes are in the order of the paths'.
+    std::sort(Files.begin(), Files.end(), [](BuildFile const& p_One, BuildFile const& p_Two) {
+        return p_One.Source.Location < p_Two.Source.Location;
     });
     PathChecks::CheckCollisions(Files);
     return std::move(Files);
@@ -82,7 +84,8 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
         ScanFolder(p_Entry.path(), p_Path + '/');
         return;
     }
-    if (!IsWanted(path))
+    FileTreatment const treatment = TreatmentOf(path);
+    if (treatment.Excluded)
         return;
     if (isLink) {
         CheckLink(p_Entry.path(), path);
@@ -95,17 +98,13 @@ void SourceScan::ScanEntry(fs::directory_entry const& p_Entry, std::string const
     if (!p_Entry.is_regular_file(error))
         throw Failure(path + QStringLiteral(": is neither a file nor a folder"));
 
-    SourceFile file{path, p_Entry.path(), 0, {}, 0};
-    file.Size = static_cast<qint64>(fs::file_size(file.Location, error));
-    if (!error)
-        file.Modified = fs::last_write_time(file.Location, error);
     struct stat status = {};
-    if (!error && ::stat(file.Location.c_str(), &status) != 0)
-        error = std::error_code(errno, std::generic_category());
-    if (error)
-        throw FailureOf(path, error);
-    file.Inode = status.st_ino;
-    Files.push_back(file);
+    if (::stat(p_Entry.path().c_str(), &status) != 0)
+        throw FailureOf(path, std::error_code(errno, std::generic_category()));
+    SourceFile const file{path,           p_Entry.path(),
+                          status.st_size, SourceReader::ModificationTime(status),
+                          status.st_ino,  SourceReader::ChangeTime(status)};
+    Files.push_back({file, treatment, QString()});
 }
 
 void SourceScan::CheckLink(fs::path const& p_Link, QString const& p_Path) const

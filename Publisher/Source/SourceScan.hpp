@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/Source/SourceFile.hpp"
+#include "Publisher/Tree/BuildFile.hpp"
 
 #include <QString>
 
@@ -12,15 +12,15 @@ namespace Varnholt::Publisher {
 /// Lists the files of a source folder. Symbolic links are followed as long as they stay inside it.
 class SourceScan {
 public:
-    /// Answers whether a file, named by its relative path, is to be published. What is not wanted
+    /// How a file, named by its relative path, is published; asked once for each. What is excluded
     /// is not looked at any further, so that anything that is refused can be excluded.
-    using Wanted = std::function<bool(QString const& p_Path)>;
+    using Treat = std::function<FileTreatment(QString const& p_Path)>;
 
-    SourceScan(QString const& p_Folder, Wanted p_Wanted);
+    SourceScan(QString const& p_Folder, Treat p_Treat);
 
-    /// \return the wanted files, ordered by the UTF-8 bytes of their paths; never empty
+    /// \return the published files, ordered by the UTF-8 bytes of their paths; never empty
     /// \throws Failure for a folder or a file that cannot be published
-    std::vector<SourceFile> Run();
+    std::vector<BuildFile> Run();
 
 private:
     void ScanFolder(std::filesystem::path const& p_Folder, std::string const& p_Prefix);
@@ -28,9 +28,9 @@ private:
     void CheckLink(std::filesystem::path const& p_Link, QString const& p_Path) const;
 
     std::filesystem::path Root;
-    Wanted IsWanted;
+    Treat TreatmentOf;
     std::vector<std::filesystem::path> OpenFolders; ///< canonical, from the root to the current
-    std::vector<SourceFile> Files;
+    std::vector<BuildFile> Files;
 };
 
 } // namespace Varnholt::Publisher

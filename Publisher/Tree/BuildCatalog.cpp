@@ -43,7 +43,9 @@ fs::file_time_type TimeOf(QString const& p_File)
 } // namespace
 
 BuildCatalog::BuildCatalog(QString const& p_Root, QString const& p_AppId)
-    : AppFolder(p_Root + QLatin1Char('/') + p_AppId)
+    : Root(p_Root)
+    , AppId(p_AppId)
+    , AppFolder(p_Root + QLatin1Char('/') + p_AppId)
 {
 }
 
@@ -66,7 +68,9 @@ QByteArray BuildCatalog::VersionText(QString const& p_Build)
 bool BuildCatalog::Has(QString const& p_Build) const
 {
     // A name that leads elsewhere is nobody's build.
-    return Builds().contains(p_Build);
+    bool const isName =
+        !p_Build.contains(QLatin1Char('/')) && !p_Build.startsWith(QLatin1Char('.'));
+    return isName && !p_Build.isEmpty() && QFileInfo(ManifestPath(p_Build)).isFile();
 }
 
 void BuildCatalog::CheckHas(QString const& p_Build) const
@@ -95,11 +99,15 @@ QStringList BuildCatalog::Builds() const
         if (QFileInfo(ManifestPath(name)).isFile())
             builds += name;
     }
-    // Equal times, as in a copied tree, leave the order of the names.
-    std::stable_sort(builds.begin(), builds.end(),
-                     [this](QString const& p_One, QString const& p_Two) {
-                         return TimeOf(ManifestPath(p_One)) < TimeOf(ManifestPath(p_Two));
-                     });
+    // Builds of a tree that has no record yet are older than recorded ones. Equal times, as in a
+    // copied tree, leave the order of the names.
+    QStringList const order = Record().Order();
+    auto const place = [&](QString const& p_Build) {
+        return std::make_pair(order.indexOf(p_Build), TimeOf(ManifestPath(p_Build)));
+    };
+    std::stable_sort(builds.begin(), builds.end(), [&](QString const& p_One, QString const& p_Two) {
+        return place(p_One) < place(p_Two);
+    });
     return builds;
 }
 

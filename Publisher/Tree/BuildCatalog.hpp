@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Tree/BuildRecord.hpp"
 #include "Publisher/Tree/CatalogedBuild.hpp"
 
 #include <QByteArray>
@@ -33,12 +34,17 @@ public:
     QString BuildOn(bool p_DevChannel) const;
 
     /// The names of all builds, in the order in which they were published.
+    /// \throws Failure when that cannot be told
     QStringList Builds() const;
+    /// What the publisher has noted down of them. \throws Failure
+    BuildRecord Record() const { return {Root, AppId}; }
 
     /// \throws Failure when the manifest cannot be understood
     CatalogedBuild Read(QString const& p_Build) const;
 
 private:
+    QString Root;
+    QString AppId;
     QString AppFolder;
 };
 

@@ -9,7 +9,8 @@ namespace Varnholt::Publisher {
 struct BuildFile {
     SourceFile Source;
     FileTreatment Treatment;
-    QString Md5; ///< 32 upper-case hexadecimal digits; empty until the file was read
+    QString Md5;            ///< 32 upper-case hexadecimal digits; empty until the file was read
+    bool IsIndexed = false; ///< the digest is of the index: the file was not read
 };
 
 } // namespace Varnholt::Publisher

@@ -2,6 +2,7 @@
 
 #include "Publisher/Failure.hpp"
 
+#include <QDirIterator>
 #include <QFileInfo>
 
 namespace Varnholt::Publisher {
@@ -21,21 +22,29 @@ QString ContentStore::PathOf(QString const& p_Md5) const
     return Folder + QLatin1Char('/') + LocationOf(p_Md5);
 }
 
-bool ContentStore::Holds(BuildFile const& p_File) const
+bool ContentStore::Holds(QString const& p_Md5, qint64 p_Size) const
 {
-    QFileInfo const info(PathOf(p_File.Md5));
-    if (!info.exists() && !info.isSymbolicLink())
-        return false;
-    if (!info.isFile())
+    QFileInfo const info(PathOf(p_Md5));
+    // What is mostly there is asked for once.
+    if (!info.isFile()) {
+        if (!info.exists() && !info.isSymbolicLink())
+            return false;
         throw Failure(info.filePath() + QStringLiteral(": stands where a content file must go"));
-    if (info.size() != p_File.Source.Size) {
-        throw Failure(QStringLiteral("%1: the content file is damaged (%2 bytes, not %3): remove "
-                                     "it and publish again")
-                          .arg(info.filePath())
-                          .arg(info.size())
-                          .arg(p_File.Source.Size));
     }
-    return true;
+    return info.size() == p_Size && !Damaged.contains(p_Md5);
+}
+
+bool ContentStore::HasSize(qint64 p_Size) const
+{
+    std::call_once(SizesRead, [this] {
+        QDirIterator files(Folder + QStringLiteral("/files"), QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            files.next();
+            Sizes.insert(files.fileInfo().size());
+        }
+    });
+    return Sizes.contains(p_Size);
 }
 
 } // namespace Varnholt::Publisher

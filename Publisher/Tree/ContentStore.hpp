@@ -2,7 +2,10 @@
 
 #include "Publisher/Tree/BuildFile.hpp"
 
+#include <QSet>
 #include <QString>
+
+#include <mutex>
 
 namespace Varnholt::Publisher {
 
@@ -19,12 +22,21 @@ public:
     /// Where content lies on this machine.
     QString PathOf(QString const& p_Md5) const;
 
-    /// Whether the content of a file is there already.
+    /// Whether the content of a file is there already, whole as far as its size tells.
     /// \throws Failure when something else stands in its place
-    bool Holds(BuildFile const& p_File) const;
+    bool Holds(QString const& p_Md5, qint64 p_Size) const;
+
+    /// Whether there is content of that size at all. Any thread.
+    bool HasSize(qint64 p_Size) const;
+
+    /// From now on a content file is not held, for its bytes are not what they must be.
+    void Distrust(QString const& p_Md5) { Damaged.insert(p_Md5); }
 
 private:
     QString Folder;
+    QSet<QString> Damaged;
+    mutable std::once_flag SizesRead;
+    mutable QSet<qint64> Sizes;
 };
 
 } // namespace Varnholt::Publisher

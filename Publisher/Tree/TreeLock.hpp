@@ -6,17 +6,18 @@
 
 namespace Varnholt::Publisher {
 
-/// Keeps everybody else from changing a published tree at the same time, by a file in it that goes
-/// with the lock.
+/// Keeps everybody else from changing a published tree at the same time, by a file that stays
+/// there: to lock a tree takes no room on its disk.
 class TreeLock {
 public:
     /// \param p_Root the tree's folder
     explicit TreeLock(QString const& p_Root);
-    ~TreeLock() { Release(); }
 
     /// \throws Failure when another run has it, or the folder cannot be locked
     void Take();
-    void Release() { File.Remove(); }
+    void Release() { File.Release(); }
+    /// Lets go of a folder that is no tree, and takes the file away.
+    void Remove() { File.Remove(); }
     bool IsTaken() const { return File.IsTaken(); }
 
 private:

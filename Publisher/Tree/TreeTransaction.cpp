@@ -9,19 +9,38 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 namespace Varnholt::Publisher {
 
 namespace fs = std::filesystem;
 
 namespace {
 
+/// The umask decides nothing: a server that runs as another user must be able to read the tree.
+constexpr mode_t c_FileMode = 0644;
+constexpr mode_t c_FolderMode = 0755;
+
+/// Enough for any text that has to be written when the disk is full.
+constexpr int c_SpareBytes = 64 * 1024;
+
 void WriteFile(QString const& p_Path, QByteArray const& p_Content)
 {
     QFile file(p_Path);
     bool const written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                         file.write(p_Content) == p_Content.size() && file.flush();
+                         file.write(p_Content) == p_Content.size() && file.flush() &&
+                         ::fchmod(file.handle(), c_FileMode) == 0;
     if (!written)
         throw Failure(p_Path + QStringLiteral(": cannot be written: ") + file.errorString());
+}
+
+/// Needs no more room than the file has. \return false when that is too little, or none
+bool WriteInto(QString const& p_Path, QByteArray const& p_Content)
+{
+    QFile file(p_Path);
+    return file.size() >= p_Content.size() &&
+           file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) &&
+           file.write(p_Content) == p_Content.size() && file.resize(p_Content.size());
 }
 
 } // namespace
@@ -29,6 +48,7 @@ void WriteFile(QString const& p_Path, QByteArray const& p_Content)
 TreeTransaction::TreeTransaction(QString const& p_Root)
     : Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
     , Staging(TreeMark(Root).PrivatePath(QStringLiteral("new")))
+    , Spare(TreeMark(Root).PrivatePath(QStringLiteral("spare")))
     , Lock(Root)
 {
     try {
@@ -51,25 +71,44 @@ void TreeTransaction::Open()
     Lock.Take();
     // What a run that was killed has left behind.
     QDir(Staging).removeRecursively();
-    if (!QDir().mkdir(Staging))
-        throw Failure(Staging + QStringLiteral(": the folder cannot be made"));
 }
 
 QString TreeTransaction::NewFile()
 {
+    if (!QDir().mkdir(Staging) && !QFileInfo(Staging).isDir())
+        throw Failure(Staging + QStringLiteral(": the folder cannot be made"));
     return Staging + QLatin1Char('/') + QString::number(NewFiles++);
 }
 
 void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
 {
-    Moves.push_back({p_NewFile, p_Target, std::nullopt, false});
+    Moves.push_back({p_NewFile, p_Target, false, std::nullopt, false, false});
 }
 
 void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
 {
-    QString const file = NewFile();
-    WriteFile(file, p_Content);
-    Add(file, p_Target);
+    QString file = Spare;
+    try {
+        file = NewFile();
+        WriteFile(file, p_Content);
+    } catch (Failure const&) {
+        if (SpareTaken || !WriteInto(Spare, p_Content))
+            throw;
+        SpareTaken = true;
+        file = Spare;
+    }
+    Moves.push_back({file, p_Target, true, std::nullopt, false, false});
+}
+
+void TreeTransaction::KeepSpare() const
+{
+    if (QFileInfo(Spare).size() >= c_SpareBytes)
+        return;
+    try {
+        WriteFile(Spare, QByteArray(c_SpareBytes, ' '));
+    } catch (Failure const&) {
+        // A part of it serves as well as far as it goes.
+    }
 }
 
 void TreeTransaction::Commit()
@@ -82,7 +121,7 @@ void TreeTransaction::Commit()
     }
     Committed = true;
     QDir(Staging).removeRecursively();
-    Lock.Release();
+    KeepSpare();
     StorageSync(Root);
 }
 
@@ -90,12 +129,12 @@ void TreeTransaction::Perform(Move& p_Move)
 {
     MakeFolder(QFileInfo(p_Move.Target).path());
     QFileInfo const target(p_Move.Target);
-    if (target.exists()) {
-        QFile file(p_Move.Target);
-        if (!target.isFile() || !file.open(QIODevice::ReadOnly))
-            throw Failure(p_Move.Target + QStringLiteral(": is not a file that can be replaced"));
+    p_Move.Existed = target.exists();
+    QFile file(p_Move.Target);
+    if (p_Move.Existed && (!target.isFile() || !file.open(QIODevice::ReadOnly)))
+        throw Failure(p_Move.Target + QStringLiteral(": is not a file that can be replaced"));
+    if (p_Move.Existed && p_Move.IsText)
         p_Move.Replaced = file.readAll();
-    }
     std::error_code error;
     fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);
     if (error) {
@@ -113,7 +152,10 @@ void TreeTransaction::MakeFolder(QString const& p_Folder)
     if (info.exists())
         throw Failure(p_Folder + QStringLiteral(": is not a folder"));
     MakeFolder(info.path());
-    if (!QDir().mkdir(p_Folder))
+    QByteArray const name = QFile::encodeName(p_Folder);
+    struct stat status = {};
+    if (::mkdir(name.constData(), c_FolderMode) != 0 || ::stat(name.constData(), &status) != 0 ||
+        ::chmod(name.constData(), c_FolderMode | (status.st_mode & S_ISGID)) != 0)
         throw Failure(p_Folder + QStringLiteral(": the folder cannot be made"));
     MadeFolders.push_back(p_Folder);
 }
@@ -127,7 +169,8 @@ void TreeTransaction::Undo()
     // Without the lock the folder of new files is another run's.
     if (Lock.IsTaken()) {
         QDir(Staging).removeRecursively();
-        Lock.Release();
+        if (!TreeMark(Root).IsThere())
+            Lock.Remove();
     }
     for (auto folder = MadeFolders.rbegin(); folder != MadeFolders.rend(); ++folder)
         QDir().rmdir(*folder);
@@ -136,10 +179,10 @@ void TreeTransaction::Undo()
 void TreeTransaction::Undo(Move const& p_Move)
 {
     std::error_code error;
-    if (!p_Move.Replaced) {
-        fs::remove(NativePath::From(p_Move.Target), error);
+    if (!p_Move.Existed) // goes back, where the next run may find it
+        fs::rename(NativePath::From(p_Move.Target), NativePath::From(p_Move.NewFile), error);
+    if (!p_Move.Replaced)
         return;
-    }
     try {
         WriteFile(p_Move.NewFile, *p_Move.Replaced);
         fs::rename(NativePath::From(p_Move.NewFile), NativePath::From(p_Move.Target), error);

@@ -16,6 +16,8 @@ namespace Varnholt::Publisher {
 /// New files are written in a folder of their own inside the tree and moved to their places by
 /// `Commit()`, in the order in which they were added. Until `Commit()` has returned, the destructor
 /// takes everything back. Only one transaction at a time can be open on a tree.
+///
+/// A spare file in the tree takes the place of a new small file when its disk is full.
 class TreeTransaction {
 public:
     /// \param p_Root the tree; created when it does not exist
@@ -26,16 +28,17 @@ public:
     TreeTransaction& operator=(TreeTransaction const&) = delete;
 
     /// A name for a new file, on the tree's file system. Any thread.
+    /// \throws Failure
     QString NewFile();
 
     /// Moves a file that was written under a `NewFile()` name to p_Target when committing; an
-    /// existing file there is replaced in one step.
+    /// existing file there is replaced in one step and not brought back.
     void Add(QString const& p_NewFile, QString const& p_Target);
 
-    /// The same for a small file with the given content.
+    /// The same for a small file with the given content; the one that it replaces comes back.
     void AddText(QByteArray const& p_Content, QString const& p_Target);
 
-    /// Everything is on disk before the last added file is moved.
+    /// Everything is on disk before the last added file is moved. The tree stays locked.
     /// \throws Failure, after which the destructor takes everything back
     void Commit();
 
@@ -43,18 +46,23 @@ private:
     struct Move {
         QString NewFile;
         QString Target;
-        std::optional<QByteArray> Replaced; ///< content that the target had
+        bool IsText = false;
+        std::optional<QByteArray> Replaced; ///< text that the target had
+        bool Existed = false;
         bool Done = false;
     };
 
     void Open();
     void MakeFolder(QString const& p_Folder);
+    void KeepSpare() const;
     void Perform(Move& p_Move);
     void Undo();
     void Undo(Move const& p_Move);
 
     QString Root;
     QString Staging;
+    QString Spare;
+    bool SpareTaken = false;
     TreeLock Lock;
     std::atomic<quint64> NewFiles{0};
     std::vector<Move> Moves;

@@ -3,15 +3,16 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/Source/ParallelFor.hpp"
 #include "Publisher/Tree/ServerTexts.hpp"
+#include "Publisher/Verification/ContentCheck.hpp"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 
 namespace Varnholt::Publisher {
 
-TreeVerification::TreeVerification(PublishedTree const& p_Tree)
+TreeVerification::TreeVerification(PublishedTree const& p_Tree, PublicationObserver* p_Observer)
     : Tree(p_Tree)
+    , Observer(p_Observer)
 {
 }
 
@@ -24,18 +25,42 @@ VerificationSummary TreeVerification::Run()
     for (QString const& build : ServedBuilds())
         AddFiles(build);
 
+    CheckFiles();
+    return Summary;
+}
+
+VerificationSummary TreeVerification::CheckBuild(QString const& p_Build)
+{
+    AddFiles(p_Build);
+    CheckFiles();
+    return Summary;
+}
+
+void TreeVerification::CheckFiles()
+{
+    qint64 bytes = 0;
+    for (PublishedFile const& file : Files)
+        bytes += QFileInfo(Tree.PathOf(file.Location)).size();
+    if (Observer)
+        Observer->PhaseStarted(QStringLiteral("Reading the tree"), bytes);
+    auto const read = [this](qint64 p_Bytes) {
+        if (Observer)
+            Observer->BytesRead(p_Bytes);
+    };
     std::vector<QString> problems(Files.size());
-    ParallelFor(Files.size(),
-                [&](std::size_t p_Index) { problems[p_Index] = Problem(Files[p_Index]); });
+    ParallelFor(Files.size(), [&](std::size_t p_Index) {
+        PublishedFile const& file = Files[p_Index];
+        problems[p_Index] = ProblemOfContent(Tree.PathOf(file.Location), file.Md5, read);
+    });
     for (std::size_t i = 0; i < Files.size(); ++i) {
         if (!problems[i].isNull()) {
+            Summary.Damaged.insert(Files[i].Md5);
             Summary.Defects += QStringLiteral("%1 (%2): %3")
                                    .arg(Tree.PathOf(Files[i].Location), Files[i].Path, problems[i]);
         }
     }
     Summary.Files = static_cast<int>(Files.size());
     Summary.FilesRead = Summary.Files;
-    return Summary;
 }
 
 QByteArray TreeVerification::Read(QString const& p_Path)
@@ -84,24 +109,6 @@ void TreeVerification::AddFiles(QString const& p_Build)
     } catch (Failure const& failure) {
         Summary.Defects += QString::fromUtf8(failure.what());
     }
-}
-
-QString TreeVerification::Problem(PublishedFile const& p_File) const
-{
-    QFile file(Tree.PathOf(p_File.Location));
-    if (!QFileInfo::exists(file.fileName()))
-        return QStringLiteral("is missing");
-    if (!QFileInfo(file.fileName()).isFile())
-        return QStringLiteral("is no file");
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
-        return QStringLiteral("cannot be read: ") + file.errorString();
-    QString const md5 = QString::fromLatin1(hash.result().toHex().toUpper());
-    if (md5 != p_File.Md5) {
-        return QStringLiteral("the MD5 of its %1 bytes is %2")
-            .arg(QString::number(file.size()), md5);
-    }
-    return {};
 }
 
 } // namespace Varnholt::Publisher

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Publication/PublicationObserver.hpp"
 #include "Publisher/Tree/PublishedTree.hpp"
 #include "Publisher/Verification/VerificationSummary.hpp"
 
@@ -10,18 +11,24 @@ namespace Varnholt::Publisher {
 /// Looks whether a tree holds every byte of the builds that clients are given.
 class TreeVerification {
 public:
-    explicit TreeVerification(PublishedTree const& p_Tree);
+    /// \param p_Observer null: nobody; must outlive the object, as the tree
+    explicit TreeVerification(PublishedTree const& p_Tree,
+                              PublicationObserver* p_Observer = nullptr);
 
+    /// What the channels offer.
     VerificationSummary Run();
+    /// One build, on offer or not.
+    VerificationSummary CheckBuild(QString const& p_Build);
 
 private:
     /// A text file's bytes, null with a defect when it cannot be read.
     QByteArray Read(QString const& p_Path);
     QStringList ServedBuilds();
     void AddFiles(QString const& p_Build);
-    QString Problem(PublishedFile const& p_File) const;
+    void CheckFiles();
 
     PublishedTree const& Tree;
+    PublicationObserver* Observer;
     VerificationSummary Summary;
     std::vector<PublishedFile> Files; ///< each content once
     QSet<QString> Known;              ///< what is in `Files`

@@ -54,7 +54,8 @@ void FileLockTest::OneHasItAndTheOthersLearnWho()
     QCOMPARE(first.Take(), Outcome::Taken);
     QCOMPARE(second.Take(), Outcome::Held);
     QVERIFY(!second.IsTaken());
-    QCOMPARE(second.Holder(), QString("tst_Files, process %1").arg(getpid()));
+    QCOMPARE(second.Holder(),
+             QString("tst_Files, process %1 on %2").arg(getpid()).arg(QSysInfo::machineHostName()));
     first.Release();
     QCOMPARE(second.Take(), Outcome::Taken);
     QCOMPARE(first.Take(), Outcome::Held);
@@ -90,7 +91,8 @@ void FileLockTest::AFileAloneKeepsNobodyOut()
     QVERIFY(WriteFile(Path, content));
     FileLock lock(Path);
     QCOMPARE(lock.Take(), Outcome::Taken);
-    QCOMPARE(ReadFile(Path), "tst_Files, process " + QByteArray::number(getpid()) + '\n');
+    QCOMPARE(ReadFile(Path), "tst_Files, process " + QByteArray::number(getpid()) + " on " +
+                                 QSysInfo::machineHostName().toUtf8() + '\n');
 }
 
 void FileLockTest::WhatIsNoNameIsNotTold_data()

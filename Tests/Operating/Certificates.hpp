@@ -22,6 +22,10 @@ public:
     {
         return Issue("expired", "IP:127.0.0.1", "20200101000000Z", "20200102000000Z");
     }
+    Pair Lasting()
+    {
+        return Issue("lasting", "IP:127.0.0.1", "20200101000000Z", "20491231235959Z");
+    }
     Pair ForAnotherName() { return Issue("other", "DNS:elsewhere.example"); }
     Pair SelfSigned();
 

@@ -189,10 +189,10 @@ void ContentServerTest::GivesNothingElse()
          {".varnholt-publish.new/x", "notes.txt", "pelmora_app/version.json.old"})
         QVERIFY(WriteFile(Game.OutputPath(present), "secret"));
     HttpReply const reply = Ask(Server->Port(), GetOf(path));
-    QVERIFY2(reply.Status == 404 || reply.Status == 403 || reply.Status == 301,
-             reply.Headers.constData());
+    QCOMPARE(reply.Status, 404);
     QVERIFY(!reply.Body.contains("secret"));
-    QCOMPARE(reply.Header("Cache-Control"), QByteArray());
+    // Else a CDN may keep for a while that a file is missing which arrives later.
+    QCOMPARE(reply.Header("Cache-Control"), QByteArray("no-store"));
 }
 
 void ContentServerTest::IsWhatVerificationWants()

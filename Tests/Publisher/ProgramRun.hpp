@@ -28,6 +28,7 @@ public:
     ProgramRun(ProgramRun const&) = delete;
     ProgramRun& operator=(ProgramRun const&) = delete;
 
+    qint64 Id() const { return Process->processId(); }
     void Signal(int p_Signal) const;
     bool Runs() const { return Process->state() == QProcess::Running; }
     /// Waits until it has written a whole line and answers it without the line end.

@@ -1,6 +1,7 @@
 #include "Tests/Publisher/PublishedGame.hpp"
 
 #include "Publisher/Publication/Publication.hpp"
+#include "Publisher/Tree/TreeMark.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
@@ -38,14 +39,22 @@ Tree TreeOf(QString const& p_Folder)
     return tree;
 }
 
+Tree ForClients(Tree p_Tree)
+{
+    for (auto file = p_Tree.begin(); file != p_Tree.end();)
+        file = Publisher::TreeMark::IsPrivate(file->first) ? p_Tree.erase(file) : std::next(file);
+    return p_Tree;
+}
+
 void TestObserver::PhaseStarted(QString const& p_Name, qint64)
 {
     if (OnPhase)
         OnPhase(p_Name);
 }
 
-void TestObserver::BytesRead(qint64)
+void TestObserver::BytesRead(qint64 p_Bytes)
 {
+    Bytes += p_Bytes;
     if (OnBytes)
         OnBytes();
 }
@@ -60,6 +69,7 @@ PublishedGame::PublishedGame()
     Options.Source = Temporary.filePath("source");
     Options.Output = Temporary.filePath("output");
     Options.RulesFile = Temporary.filePath("rules.json");
+    Options.Local = true;
     Options.Build = {"build_1", "Build 1", 1};
     Put("Game", "the game");
     AddRules("");
@@ -101,10 +111,7 @@ QString PublishedGame::FailureSentence()
 
 Tree PublishedGame::Published() const
 {
-    Tree tree = TreeOf(Options.Output);
-    tree.erase(".varnholt-publish.tree");
-    tree.erase(IndexName());
-    return tree;
+    return ForClients(TreeOf(Options.Output));
 }
 
 void PublishedGame::Age() const

@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <atomic>
 #include <functional>
 #include <map>
 
@@ -18,6 +19,8 @@ namespace Varnholt::TestSupport {
 /// What lies below a folder: contents by relative path. Folders end in "/" and have none.
 using Tree = std::map<QString, QByteArray>;
 Tree TreeOf(QString const& p_Folder);
+/// Without what the publisher keeps for itself.
+Tree ForClients(Tree p_Tree);
 
 /// Calls what a test has set and keeps the warnings.
 class TestObserver : public Publisher::PublicationObserver {
@@ -29,6 +32,7 @@ public:
     std::function<void(QString const& p_Phase)> OnPhase;
     std::function<void()> OnBytes; ///< on any thread
     QStringList Warnings;
+    std::atomic<qint64> Bytes{0}; ///< read so far
 };
 
 /// A source folder that holds the game's executable, rules that say so, and a tree to publish in.
@@ -52,7 +56,7 @@ public:
 
     QString SourcePath(QString const& p_Path) const { return Options.Source + '/' + p_Path; }
     QString OutputPath(QString const& p_Path) const { return Options.Output + '/' + p_Path; }
-    /// The published tree, without what the publisher notes down for itself.
+    /// The published tree, without what the publisher keeps for itself.
     Tree Published() const;
     QString IndexName() const { return ".varnholt-publish." + Options.AppId + ".index"; }
     /// Makes every source file an hour old: a file that was just written is not indexed.

@@ -6,18 +6,19 @@
 #include <QtTest>
 
 #include <csignal>
+#include <cstring>
 
 namespace Varnholt::TestSupport {
 
 namespace {
 
-/// The arguments that publish a game.
+/// The arguments that publish a game; its content is on this machine unless they name hosts.
 QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {})
 {
     return QStringList({"build", "--source", p_Game.Options.Source, "--output",
                         p_Game.Options.Output, "--build", "build_1", "--rules",
                         p_Game.Options.RulesFile}) +
-           p_More;
+           (p_More.contains("--hosts") ? QStringList() : QStringList("--local")) + p_More;
 }
 
 /// A file that takes so long to read that a run cannot be over before it is interrupted; holes take
@@ -28,9 +29,12 @@ QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {
     return QFile::resize(p_Game.SourcePath("endless"), Q_INT64_C(200'000'000'000));
 }
 
-bool IsAtWork(PublishedGame const& p_Game)
+/// Waits until a run has the tree.
+bool IsAtWork(PublishedGame const& p_Game, ProgramRun const& p_Run)
 {
-    return QFileInfo::exists(p_Game.OutputPath(".varnholt-publish.new"));
+    QByteArray const name = "process " + QByteArray::number(p_Run.Id()) + " on ";
+    return QTest::qWaitFor([&] { return p_Game.Read(".varnholt-publish.lock").contains(name); },
+                           60000);
 }
 
 } // namespace
@@ -50,10 +54,14 @@ private Q_SLOTS:
     void AWrongCallIsAUsageError();
     void HelpNamesEveryOption_data();
     void HelpNamesEveryOption();
+    void ResultsThatCannotBeWrittenAreAnError_data();
+    void ResultsThatCannotBeWrittenAreAnError();
     void TellsItsVersion();
     void AnInterruptionPublishesNothing_data();
     void AnInterruptionPublishesNothing();
     void AKilledRunDoesNotStopTheNext();
+    void AFirstBuildThatWasEndedIsGoneOnWith_data();
+    void AFirstBuildThatWasEndedIsGoneOnWith();
 };
 
 void BuildProgramTest::PublishesAndTellsWhatItDid()
@@ -140,14 +148,21 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile_data()
     add("broken rules", "rules.json: line 2, column 10: ", [](PublishedGame& p_Game) {
         p_Game.SetRules("{\n\"rules\": x}");
     });
-    add("a name of the clients", "Data/a.part: clients use names",
-        [](PublishedGame& p_Game) { p_Game.Put("Data/a.part", "x"); });
+    add("a name of the clients", "Data/a.part: clients use names", [](PublishedGame& p_Game) {
+        p_Game.Put("Data/a.part", "x");
+        p_Game.AddRules(R"({"match": "Data/a.part", "exclude": false})");
+    });
     add("a link that leaves", "link: the symbolic link leads out of the source folder",
         [](PublishedGame& p_Game) { QFile::link("/", p_Game.SourcePath("link")); });
-    add("names that differ in case", "DATA/a and Data/a differ only in letter case",
+    add("names that differ in case", "DATA and Data differ only in letter case",
         [](PublishedGame& p_Game) {
             p_Game.Put("Data/a", "x");
             p_Game.Put("DATA/a", "x");
+        });
+    add("a name of a device", "Data/aux.txt: Windows keeps the name \"aux.txt\" for a device",
+        [](PublishedGame& p_Game) {
+            p_Game.Put("Data/aux.txt", "x");
+            p_Game.Options.Platform = Publisher::ContentPlatform::Windows;
         });
     add("a folder for the version", "version.json: is not a file that can be replaced",
         [](PublishedGame& p_Game) {
@@ -165,7 +180,9 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile()
     QFETCH(QByteArray, sentence);
     PublishedGame game;
     prepare(game);
-    ProgramResult const result = RunProgram(Arguments(game));
+    bool const isForWindows = game.Options.Platform == Publisher::ContentPlatform::Windows;
+    ProgramResult const result =
+        RunProgram(Arguments(game, {"--platform", isForWindows ? "win" : "mac"}));
     QCOMPARE(result.Status, 1);
     QCOMPARE(result.Output, QByteArray());
     QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
@@ -183,21 +200,27 @@ void BuildProgramTest::AWrongCallIsAUsageError_data()
             << p_Arguments << QByteArray(p_Text);
     };
     QStringList const good{"build", "--source", "s", "--output", "o", "--build", "b"};
-    add({}, "subcommand");
-    add({"publish"}, "publish");
-    add({"build"}, "--source");
-    add(good.mid(0, 5), "--build");
-    add(good + QStringList("--bogus"), "--bogus");
-    add(good + QStringList("extra"), "extra");
+    add({}, "A command is required; \"varnholt-publish --help\" explains it");
+    add({"bild"}, "unknown command \"bild\"; did you mean \"build\"?");
+    add({"fly"}, "unknown command \"fly\"; \"varnholt-publish --help\" explains it");
+    add({"--bogus"}, "unknown option \"--bogus\"; \"varnholt-publish --help\" explains it");
+    add({"build"}, "--source is required; \"varnholt-publish build --help\" explains it");
+    add(good.mid(0, 5), "--build is required");
+    add({"list", "--otuput", "o"}, "unknown option \"--otuput\"; did you mean \"--output\"?");
+    add({"list", "--otuput=o"}, "unknown option \"--otuput\"; did you mean \"--output\"?");
+    add(good + QStringList("--bogus"), "unknown option \"--bogus\"; \"varnholt-publish build");
+    add(good + QStringList("extra"), "unknown argument \"extra\"");
     add(good + QStringList({"--number", "x"}), "--number");
     add(good + QStringList({"--number", "-1"}), "--number");
     add(good + QStringList({"--number", "2147483648"}), "--number");
     add(good + QStringList({"--platform", "linux"}), "--platform");
+    add(good + QStringList({"--jobs", "0"}), "--jobs");
     add(good + QStringList({"--hosts", "http://a"}), "--hosts \"http://a\": give the host name");
     add(good + QStringList({"--hosts", "a,b c"}), "--hosts \"b c\": a host name holds no blank");
     add(good + QStringList({"--hosts", "a,"}), "--hosts \"\": a host name is empty");
+    add(good + QStringList({"--hosts", "a", "--local"}), "--hosts excludes --local");
     add(good + QStringList({"--hosts", ""}), "--hosts \"\": a host name is empty");
-    add(good + QStringList({"--realmlist", "a\nb"}), "--realmlist: the address must not hold");
+    add(good + QStringList({"--realmlist", "a\nb"}), "--realmlist \"a");
     add(good + QStringList({"--locales", "frFR"}), "--locales \"frFR\": write TAG=NAME");
     add(good + QStringList({"--locales", "=F"}), "--locales \"=F\": write TAG=NAME");
     add(good + QStringList({"--locales", "a=A,a=B"}), "--locales: the tag a is given twice");
@@ -232,7 +255,7 @@ void BuildProgramTest::HelpNamesEveryOption_data()
     QTest::addColumn<QStringList>("words");
     QTest::newRow("program") << QStringList("--help")
                              << QStringList({"build", "serve", "rules", "list", "rollback", "prune",
-                                             "COMMAND"});
+                                             "hosts", "realmlist", "COMMAND"});
     QTest::newRow("rules") << QStringList({"rules", "--help"})
                            << QStringList({"Example", "--source", "--rules", "--explain",
                                            "--locales", "--platform", "--json"});
@@ -246,18 +269,29 @@ void BuildProgramTest::HelpNamesEveryOption_data()
                                            "--app-id", "--json"});
     QTest::newRow("what the build may skip")
         << QStringList({"build", "--help"})
-        << QStringList({"--rehash", "--no-index", "--dry-run", "--if-changed", "--json"});
+        << QStringList({"--rehash", "--no-index", "--jobs", "--dry-run", "--if-changed", "--json"});
     QTest::newRow("build") << QStringList({"build", "--help"})
-                           << QStringList({"--source",         "--output",
-                                           "--build",          "--name",
-                                           "--number",         "--rules",
-                                           "--locales",        "--hosts",
-                                           "--realmlist",      "--app-id",
-                                           "--platform",       "--dev",
-                                           "pelmora_app",      "read-only",
-                                           "executable",       "game-executable",
-                                           "first-build-only", "default-server-only",
-                                           "keep-if-present",  QString::fromUtf8("Français")});
+                           << QStringList({"--source",
+                                           "--output",
+                                           "--build",
+                                           "--name",
+                                           "--number",
+                                           "--rules",
+                                           "--locales",
+                                           "--hosts",
+                                           "--local",
+                                           "--realmlist",
+                                           "--app-id",
+                                           "--platform",
+                                           "--dev",
+                                           "pelmora_app",
+                                           "read-only",
+                                           "executable",
+                                           "game-executable",
+                                           "first-build-only",
+                                           "default-server-only",
+                                           "keep-if-present",
+                                           QString::fromUtf8("Français")});
     QTest::newRow("serve") << QStringList({"serve", "--help"})
                            << QStringList({"--root", "--address", "--port", "--quiet", "8080"});
 }
@@ -271,6 +305,33 @@ void BuildProgramTest::HelpNamesEveryOption()
     QCOMPARE(result.Errors, QByteArray());
     for (QString const& word : words)
         QVERIFY2(result.Output.contains(word.toUtf8()), qPrintable(word));
+}
+
+void BuildProgramTest::ResultsThatCannotBeWrittenAreAnError_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("help") << "build --help";
+    QTest::newRow("version") << "--version";
+    QTest::newRow("text") << "rules --source SOURCE --rules RULES";
+    QTest::newRow("objects") << "rules --source SOURCE --rules RULES --json";
+    QTest::newRow("build")
+        << "build --source SOURCE --rules RULES --output OUTPUT --build 1 --local";
+}
+
+void BuildProgramTest::ResultsThatCannotBeWrittenAreAnError()
+{
+    QFETCH(QString, command);
+    PublishedGame const game;
+    command.replace("SOURCE", game.Options.Source)
+        .replace("RULES", game.Options.RulesFile)
+        .replace("OUTPUT", game.Options.Output);
+    QProcess shell;
+    shell.start("sh", {"-c", QString(VARNHOLT_PUBLISH_FILE) + ' ' + command + " >/dev/full"});
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.exitCode(), 1);
+    QCOMPARE(shell.readAllStandardError(),
+             QByteArray("varnholt-publish: the results cannot be written (No space left on "
+                        "device)\n"));
 }
 
 void BuildProgramTest::TellsItsVersion()
@@ -295,12 +356,14 @@ void BuildProgramTest::AnInterruptionPublishesNothing()
     Tree const before = game.Published();
     QVERIFY(PutEndlessFile(game));
     ProgramRun run(Arguments(game).replaceInStrings("build_1", "build_2"));
-    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    QVERIFY(IsAtWork(game, run));
     run.Signal(signal);
     ProgramResult const result = run.Finish();
     QCOMPARE(result.Status, 128 + signal);
     QCOMPARE(result.Output, QByteArray());
-    QCOMPARE(result.Errors, QByteArray("varnholt-publish: interrupted, nothing was published\n"));
+    QCOMPARE(result.Errors,
+             QByteArray("varnholt-publish: interrupted, nothing was published; the next "
+                        "run goes on from here\n"));
     QCOMPARE(game.Published(), before);
 }
 
@@ -309,20 +372,57 @@ void BuildProgramTest::AKilledRunDoesNotStopTheNext()
     PublishedGame game;
     QVERIFY(PutEndlessFile(game));
     ProgramRun run(Arguments(game));
-    QTRY_VERIFY_WITH_TIMEOUT(IsAtWork(game), 60000);
+    QVERIFY(IsAtWork(game, run));
     ProgramResult const second = RunProgram(Arguments(game));
     QCOMPARE(second.Status, 1);
     QVERIFY2(second.Errors.contains(": another run is publishing there"),
              second.Errors.constData());
     run.Signal(SIGKILL);
     QCOMPARE(run.Finish().Status, -1);
-    QVERIFY(IsAtWork(game));
     QVERIFY(game.Read("pelmora_app/version.json").isNull());
     QVERIFY(QFile::remove(game.SourcePath("endless")));
     ProgramResult const next = RunProgram(Arguments(game));
     QCOMPARE(next.Errors, QByteArray());
     QCOMPARE(next.Status, 0);
-    QVERIFY(!IsAtWork(game));
+}
+
+void BuildProgramTest::AFirstBuildThatWasEndedIsGoneOnWith_data()
+{
+    QTest::addColumn<int>("signal");
+    for (int const signal : {SIGKILL, SIGINT, SIGTERM})
+        QTest::newRow(strsignal(signal)) << signal;
+}
+
+void BuildProgramTest::AFirstBuildThatWasEndedIsGoneOnWith()
+{
+    constexpr int c_Bytes = 300'000;
+
+    QFETCH(int, signal);
+    PublishedGame game;
+    for (char letter = 'a'; letter < 'f'; ++letter)
+        game.Put(QString(QLatin1Char(letter)), QByteArray(c_Bytes, letter));
+    QVERIFY(PutEndlessFile(game));
+    game.Age();
+    {
+        // One thread is kept by the endless file, the other gets through all the rest.
+        ProgramRun run(Arguments(game, {"--jobs", "2"}));
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                return game.Read(".varnholt-publish.pelmora_app.staged/journal")
+                    .endsWith(" Game\n");
+            },
+            60000));
+        run.Signal(signal);
+        run.Finish();
+    }
+    QCOMPARE(game.Published(), Tree());
+    QVERIFY(QFile::remove(game.SourcePath("endless")));
+    ProgramResult const next = RunProgram(Arguments(game));
+    QCOMPARE(next.Errors, QByteArray());
+    QVERIFY2(next.Output.contains("\nfrom index   1500008 bytes in 6 files\n"),
+             next.Output.constData());
+    QVERIFY(next.Output.contains("\nnew content  1500008 bytes in 6 files\n"));
+    QCOMPARE(RunProgram({"verify", "--output", game.Options.Output}).Status, 0);
 }
 
 } // namespace Varnholt::TestSupport

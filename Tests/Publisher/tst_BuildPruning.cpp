@@ -4,6 +4,7 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
@@ -40,10 +41,12 @@ class BuildPruningTest : public QObject {
 private Q_SLOTS:
     void KeepsTheNewestBuilds();
     void RemovesNamedBuilds();
+    void ARelativeFolderIsTheSame();
     void WhatIsOnOfferStays();
     void ABuildOnOfferCannotBeNamed();
     void AnUnknownBuildRemovesNothing();
     void ContentThatAnInterruptedRunLeftIsRemoved();
+    void WhatAnInterruptedRunStagedIsRemoved();
     void AnUnreadableManifestRemovesNothing();
     void AnUnreadableVersionFileRemovesNothing();
     void FilesOfOthersStay();
@@ -52,6 +55,7 @@ private Q_SLOTS:
     void AFolderOfOthersIsRefused();
     void ARunOfAnotherIsNotDisturbed();
     void WhatWasRemovedCanBePublishedAgain();
+    void ARemovedNameIsNotGivenToAnotherBuild();
 };
 
 void BuildPruningTest::KeepsTheNewestBuilds()
@@ -88,6 +92,18 @@ void BuildPruningTest::RemovesNamedBuilds()
     QVERIFY(game.IsWhole(4));
     QVERIFY(!game.HasOwn(1));
     QVERIFY(!game.HasOwn(3));
+}
+
+void BuildPruningTest::ARelativeFolderIsTheSame()
+{
+    BuildSeries game(3);
+    ScopedCurrentFolder const inside(game.Temporary.path());
+    game.Options.Output = "output";
+    PruneSummary const summary = BuildPruning(Keep(game, 1)).Run();
+    QCOMPARE(summary.Builds.size(), 2);
+    QCOMPARE(summary.ContentFiles, 2);
+    QVERIFY(!game.HasOwn(1));
+    QVERIFY(game.IsWhole(3));
 }
 
 void BuildPruningTest::WhatIsOnOfferStays()
@@ -135,6 +151,26 @@ void BuildPruningTest::ContentThatAnInterruptedRunLeftIsRemoved()
     QCOMPARE(summary.ContentFiles, 1);
     QVERIFY(!game.HasOwn(1));
     QVERIFY(game.IsWhole(2));
+}
+
+void BuildPruningTest::WhatAnInterruptedRunStagedIsRemoved()
+{
+    BuildSeries game(2);
+    game.Put("more", "more");
+    game.Observer.OnPhase = [](QString const& p_Phase) {
+        if (p_Phase == "Copying")
+            throw Publisher::Failure("stopped");
+    };
+    game.Options.Build.Id = "build_3";
+    QCOMPARE(game.FailureSentence(), QString("stopped"));
+    QString const staged = game.OutputPath(".varnholt-publish.pelmora_app.staged");
+    QVERIFY(QFileInfo::exists(staged));
+    PruneOptions options = Keep(game, 2);
+    options.DryRun = true;
+    QCOMPARE(BuildPruning(options).Run().ContentBytes, 4);
+    QVERIFY(QFileInfo::exists(staged));
+    QCOMPARE(BuildPruning(Keep(game, 2)).Run().ContentFiles, 1);
+    QVERIFY(!QFileInfo::exists(staged));
 }
 
 void BuildPruningTest::AnUnreadableManifestRemovesNothing()
@@ -237,7 +273,29 @@ void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()
     game.Put("own", BuildSeries::Own(1));
     QCOMPARE(game.Publish("build_1").NewContentFiles, 1);
     QVERIFY(game.IsWhole(1));
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_2", "build_1"}));
     QCOMPARE(game.Catalog().BuildOn(false), QString("build_1"));
+}
+
+void BuildPruningTest::ARemovedNameIsNotGivenToAnotherBuild()
+{
+    BuildSeries game(2);
+    BuildPruning(Keep(game, 1)).Run();
+    game.Put("own", "of neither");
+    Tree const before = game.Published();
+    game.Options.Build.Id = "build_1";
+    QCOMPARE(game.FailureSentence(),
+             game.Manifest(1) + ": another build of this name was removed less than 30 days ago "
+                                "and may be held by caches: choose another --build");
+    QCOMPARE(game.Published(), before);
+    // No cache holds it any more.
+    QString const record = game.OutputPath(".varnholt-publish.pelmora_app.builds");
+    QByteArray text = ReadFile(record);
+    QDateTime const now = QDateTime::currentDateTimeUtc();
+    text.replace(now.toString("yyyy-MM-dd").toLatin1(),
+                 now.addDays(-31).toString("yyyy-MM-dd").toLatin1());
+    QVERIFY(WriteFile(record, text));
+    QCOMPARE(game.FailureSentence(), QString());
 }
 
 } // namespace Varnholt::TestSupport

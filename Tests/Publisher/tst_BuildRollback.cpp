@@ -1,10 +1,13 @@
+#include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/SmallVolume.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QProcess>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
@@ -22,8 +25,11 @@ private Q_SLOTS:
     void ADamagedVersionFileIsReplaced();
     void WhatIsNotAWholeBuildIsRefused_data();
     void WhatIsNotAWholeBuildIsRefused();
+    void ADamagedBuildIsRefused_data();
+    void ADamagedBuildIsRefused();
     void AFolderOfOthersIsRefused();
     void ARunOfAnotherIsNotDisturbed();
+    void AFullDiskHindersNeitherRollbackNorPruning();
     void TheCatalogIsInTheOrderOfPublication();
     void TheCatalogKnowsSizesAndChannels();
 };
@@ -84,9 +90,8 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused_data()
     QTest::newRow("without a content file")
         << "build_1"
         << "pelmora_app" << own
-        << "build_1/info.json: the build build_1 is not complete: 1 content files are missing, "
-           "the first is " +
-               own.mid(12);
+        << "build_1/info.json: the build build_1 is not whole: 1 content files are missing or "
+           "damaged, the first is ";
 }
 
 void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
@@ -105,6 +110,27 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
     QVERIFY(failure.Sentence.startsWith(game.Options.Output));
     QCOMPARE(failure.ExitStatus, Publisher::Failure::c_Other);
     QCOMPARE(game.Published(), before);
+}
+
+void BuildRollbackTest::ADamagedBuildIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("of a wrong size") << BuildSeries::Own(1).left(3);
+    QTest::newRow("of wrong bytes") << BuildSeries::Own(1).toUpper();
+}
+
+void BuildRollbackTest::ADamagedBuildIsRefused()
+{
+    QFETCH(QByteArray, content);
+    BuildSeries const game(2);
+    QVERIFY(WriteFile(game.OutputPath(BuildSeries::OwnPath(1)), content));
+    RollbackOptions options{game.Options.Output, "pelmora_app", "build_1", false};
+    QString const sentence = FailureOf([&] { RollBack(options); }).Sentence;
+    QVERIFY2(sentence.contains(QString(" (own): the MD5 of its %1 bytes").arg(content.size())),
+             qPrintable(sentence));
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
+    options.Quick = true;
+    QCOMPARE(RollBack(options), QString("build_2"));
 }
 
 void BuildRollbackTest::AFolderOfOthersIsRefused()
@@ -129,14 +155,47 @@ void BuildRollbackTest::ARunOfAnotherIsNotDisturbed()
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
 }
 
+void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()
+{
+    BuildSeries game(3);
+    QString const output = game.Temporary.filePath("volume");
+    SmallVolume const volume(output, "1m");
+    if (!volume.IsMounted())
+        QSKIP("this user cannot mount a volume");
+    QCOMPARE(QProcess::execute("cp", {"-a", game.Options.Output + "/.", output}), 0);
+    game.Options.Output = output;
+    VolumeFiller const filler(output + "/filler");
+    QVERIFY(filler.IsFull());
+    for (int const build : {1, 2, 1})
+        RollBack({output, "pelmora_app", BuildSeries::Name(build), false});
+    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
+    Publisher::PruneOptions const two{output, "pelmora_app", {}, {"build_2"}, false};
+    QCOMPARE(Publisher::BuildPruning(two).Run().ContentFiles, 1);
+    QVERIFY(game.IsWhole(1));
+    QVERIFY(!game.Catalog().Has("build_2"));
+}
+
 void BuildRollbackTest::TheCatalogIsInTheOrderOfPublication()
 {
-    BuildSeries const game(3);
+    BuildSeries game(3);
     QVERIFY(QDir().mkpath(game.OutputPath("pelmora_app/builds/empty")));
-    QCOMPARE(game.Catalog().Builds(), QStringList({"build_1", "build_2", "build_3"}));
+    QStringList const published{"build_1", "build_2", "build_3"};
+    QCOMPARE(game.Catalog().Builds(), published);
+    // As in a tree that was copied without times.
     game.SetAge(1, 0);
     game.SetAge(3, 5);
+    QCOMPARE(game.Catalog().Builds(), published);
+    // Where no order was noted down, the times are all there is; what follows is noted down.
+    QString const record = game.OutputPath(".varnholt-publish.pelmora_app.builds");
+    QVERIFY(QFile::remove(record));
     QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_2", "build_1"}));
+    game.Publish("a_build");
+    game.SetAge(3, 0);
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_2", "build_1", "a_build"}));
+    QVERIFY(WriteFile(record, "{"));
+    QVERIFY(FailureOf([&] {
+                game.Catalog().Builds();
+            }).Sentence.startsWith(record + ": the record of the builds' order is damaged"));
 }
 
 void BuildRollbackTest::TheCatalogKnowsSizesAndChannels()

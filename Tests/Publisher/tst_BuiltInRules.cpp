@@ -25,7 +25,9 @@ private Q_SLOTS:
     void OtherFilesArePlain_data();
     void OtherFilesArePlain();
     void AGameIsPublishedWithoutARulesFile();
-    void ARulesFileReplacesThem();
+    void ARulesFileKeepsWhatPlayersLeaveOut();
+    void ARuleThatNamesThePathPublishesIt_data();
+    void ARuleThatNamesThePathPublishesIt();
 };
 
 void BuiltInRulesTest::TheGamesExecutableIsKnown_data()
@@ -120,12 +122,36 @@ void BuiltInRulesTest::AGameIsPublishedWithoutARulesFile()
     QVERIFY(game.Published().count(game.ContentPath("of the operator")) == 0);
 }
 
-void BuiltInRulesTest::ARulesFileReplacesThem()
+void BuiltInRulesTest::ARulesFileKeepsWhatPlayersLeaveOut()
 {
     TestSupport::PublishedGame game;
+    QStringList const left{"WTF/Config.wtf", "Interface/GlueXMl/AccountLogin.xml", "a.part"};
+    for (QString const& path : left)
+        game.Put(path, path.toUtf8());
+    game.AddRules(R"({"match": "**", "exclude": false}, {"match": "WTF/**", "streamed": true})");
+    QCOMPARE(game.Publish().Files, 1);
+    for (QString const& path : left)
+        QCOMPARE(game.Published().count(game.ContentPath(path.toUtf8())), std::size_t(0));
+}
+
+void BuiltInRulesTest::ARuleThatNamesThePathPublishesIt_data()
+{
+    QTest::addColumn<QByteArray>("rule");
+    QTest::addColumn<bool>("published");
+    QTest::newRow("treated") << QByteArray(R"("flags": ["keep-if-present"])") << true;
+    QTest::newRow("not excluded") << QByteArray(R"("exclude": false)") << true;
+    QTest::newRow("excluded") << QByteArray(R"("exclude": true)") << false;
+}
+
+void BuiltInRulesTest::ARuleThatNamesThePathPublishesIt()
+{
+    QFETCH(QByteArray, rule);
+    QFETCH(bool, published);
+    TestSupport::PublishedGame game;
     game.Put("WTF/Config.wtf", "of the build");
+    game.AddRules(R"({"match": "WTF/Config.wtf", )" + rule + '}');
     game.Publish();
-    QVERIFY(game.Published().count(game.ContentPath("of the build")) == 1);
+    QCOMPARE(game.Published().count(game.ContentPath("of the build")) == 1, published);
 }
 
 } // namespace Varnholt::Publisher

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void JsonIsOneObjectPerLine();
     void JsonHoldsEveryFileAndASummary();
     void AFileThatChangesItsLanguageIsNewToTheOther();
+    void TellsOfAnotherTreatment();
     void ReadsBuildsForWindows();
     void AFailureIsOneSentence_data();
     void AFailureIsOneSentence();
@@ -92,6 +93,7 @@ void DiffProgramTest::ListsWhatDiffersAndCountsWhatIsFetched()
                                                              "- removed 3 bytes\n"
                                                              "new       2 files, 704000 bytes\n"
                                                              "changed   5 files, 8650320 bytes\n"
+                                                             "altered   0 files, 0 bytes\n"
                                                              "removed   1 files, 3 bytes\n"
                                                              "same      3 files, 19 bytes\n"
                                                              "To fetch by one client:\n"
@@ -172,6 +174,7 @@ void DiffProgramTest::JsonHoldsEveryFileAndASummary()
     QJsonObject const summary{{"type", "summary"},
                               {"new", QJsonObject{{"files", 2}, {"bytes", 704000}}},
                               {"changed", QJsonObject{{"files", 5}, {"bytes", 8650320}}},
+                              {"altered", QJsonObject{{"files", 0}, {"bytes", 0}}},
                               {"removed", QJsonObject{{"files", 1}, {"bytes", 3}}},
                               {"same", QJsonObject{{"files", 3}, {"bytes", 19}}},
                               {"base", QJsonObject{{"files", 5}, {"bytes", 1354020}}},
@@ -196,7 +199,42 @@ void DiffProgramTest::AFileThatChangesItsLanguageIsNewToTheOther()
             .Output;
     };
     QVERIFY(run("frFR").startsWith("+ speech 5 bytes\n"));
-    QVERIFY(run("enUS").startsWith("new       0 files"));
+    QVERIFY(run("enUS").startsWith("= speech 5 bytes, locale none (was enUS)\nnew       0 files"));
+}
+
+void DiffProgramTest::TellsOfAnotherTreatment()
+{
+    PublishedGame game;
+    game.Put("a", "same");
+    game.Put("b", "old");
+    game.Put("c", "same too");
+    game.AddRules(R"({"match": "b", "flags": ["read-only"]})", c_Locales);
+    game.Publish("1");
+    game.Put("b", "newer");
+    game.AddRules(R"({"match": "a", "streamed": true, "locale": "frFR"},
+                     {"match": "?", "flags": ["read-only", "keep-if-present"]})",
+                  c_Locales);
+    game.Publish("2");
+    QStringList const arguments{"diff", "--output", game.Options.Output, "1", "2"};
+    QByteArray const output = RunProgram(arguments).Output;
+    QVERIFY2(output.startsWith("= a 4 bytes, flags read-only and keep-if-present (was none), "
+                               "locale frFR (was none), streamed true (was false)\n"
+                               "~ b 5 bytes, flags read-only and keep-if-present (was read-only)\n"
+                               "= c 8 bytes, flags read-only and keep-if-present (was none)\n"
+                               "new       0 files, 0 bytes\nchanged   1 files, 5 bytes\n"
+                               "altered   2 files, 12 bytes\n"),
+             output.constData());
+    QJsonObject const object =
+        QJsonDocument::fromJson(RunProgram(arguments + QStringList("--json")).Output.split('\n')[1])
+            .object();
+    QCOMPARE(object["change"].toString(), QString("altered"));
+    QCOMPARE(object["fetched"].toBool(true), false);
+    QCOMPARE(object["treated"].toObject(),
+             (QJsonObject{{"flags", QJsonArray({"read-only", "keep-if-present"})},
+                          {"locale", "frFR"},
+                          {"streamed", true}}));
+    QCOMPARE(object["treatedBefore"].toObject(),
+             (QJsonObject{{"flags", QJsonArray()}, {"locale", ""}, {"streamed", false}}));
 }
 
 void DiffProgramTest::ReadsBuildsForWindows()

@@ -63,6 +63,18 @@ void GlobPatternTest::Matches_data()
     add("a**b", "ab", true);
     add("a**b", "a/x/b", true);
     add("***", "a/b", true);
+    add("**/a/*b", "a/c/a/xb", true);
+    add("**/a*/b/c", "a1/b/a2/b/c", true);
+    add("**/a*/b/c", "a1/b/a2/bc", false);
+    add("a**/b", "ax/y/b", true);
+    add("a**/b", "b", false);
+    add("*?b", "😀b", true);
+    add("*??b", "😀b", false);
+    add("a*", "a", true);
+    add("a*", "a/b", false);
+    add("a/**/*.x/c", "a/1.x/2.x/c", true);
+    add("**x**y", "a/x/b/xy/y", true);
+    add("**x**y", "a/x/b/x", false);
     add("**/*.mpq", "Data/x/a.mpq", true);
     add("**/*.mpq", "Data/x.mpq/a", false);
     add("[ab].txt", "[ab].txt", true);

@@ -11,10 +11,10 @@ using TestSupport::FailureOf;
 
 namespace {
 
-SourceFile File(char const* p_Path)
+BuildFile File(char const* p_Path)
 {
-    SourceFile file;
-    file.Path = QString::fromUtf8(p_Path);
+    BuildFile file;
+    file.Source.Path = QString::fromUtf8(p_Path);
     return file;
 }
 
@@ -32,8 +32,10 @@ private Q_SLOTS:
     void RefusesWhateverTheModuleDrops();
     void RefusesNamesThatLeaveNoRoomForThePartFile();
     void ANameThatIsShownHoldsNoControlCharacter();
-    void FindsFilesThatAreOneWithoutLetterCase_data();
-    void FindsFilesThatAreOneWithoutLetterCase();
+    void FindsNamesThatAreOneWithoutLetterCase_data();
+    void FindsNamesThatAreOneWithoutLetterCase();
+    void RefusesWhatWindowsCannotHave_data();
+    void RefusesWhatWindowsCannotHave();
     void DifferentFilesDoNotCollide();
 };
 
@@ -123,31 +125,73 @@ void PathChecksTest::ANameThatIsShownHoldsNoControlCharacter()
     QCOMPARE(sentence, QString("a?[2Jb?: the name holds a control character"));
 }
 
-void PathChecksTest::FindsFilesThatAreOneWithoutLetterCase_data()
+void PathChecksTest::FindsNamesThatAreOneWithoutLetterCase_data()
 {
     QTest::addColumn<QByteArray>("one");
     QTest::addColumn<QByteArray>("two");
-    QTest::newRow("case of the name") << QByteArray("Data/a") << QByteArray("Data/A");
-    QTest::newRow("case of the folder") << QByteArray("Data/a") << QByteArray("DATA/a");
-    QTest::newRow("accents") << QByteArray("\xc3\x89") << QByteArray("\xc3\xa9");
-    QTest::newRow("spelling of accents") << QByteArray("\xc3\xa9") << QByteArray("e\xcc\x81");
-    QTest::newRow("a folder beside a file") << QByteArray("data") << QByteArray("Data/a");
-    QTest::newRow("a folder deeper down") << QByteArray("a/B") << QByteArray("A/b/c/d");
+    QTest::addColumn<QString>("start");
+    auto const add = [](char const* p_Name, char const* p_One, char const* p_Two,
+                        char const* p_Start) {
+        QTest::newRow(p_Name) << QByteArray(p_One) << QByteArray(p_Two)
+                              << QString::fromUtf8(p_Start);
+    };
+    add("case of the name", "Data/a", "Data/A", "Data/a and Data/A differ");
+    add("case of the folder", "Data/a", "DATA/a", "Data and DATA differ");
+    add("case of the folder alone", "Data/a", "DATA/b", "Data and DATA differ");
+    add("case of a folder further up", "a/b/c", "A/b/d", "a and A differ");
+    add("accents", "\xc3\x89", "\xc3\xa9", "É and é differ");
+    add("spelling of accents", "\xc3\xa9", "e\xcc\x81", "\xc3\xa9 and e\xcc\x81 differ");
+    add("a folder beside a file", "data", "Data/a", "data and Data differ");
+    add("a file beside a folder", "data/a", "Data", "data and Data differ");
+    add("a folder deeper down", "x/a/B", "x/A/b/c/d", "x/a and x/A differ");
 }
 
-void PathChecksTest::FindsFilesThatAreOneWithoutLetterCase()
+void PathChecksTest::FindsNamesThatAreOneWithoutLetterCase()
 {
     QFETCH(QByteArray, one);
     QFETCH(QByteArray, two);
-    SourceFile const first = File(one);
-    SourceFile const second = File(two);
+    QFETCH(QString, start);
+    BuildFile const first = File(one);
+    BuildFile const second = File(two);
     QString const sentence = FailureOf([&] {
                                  PathChecks::CheckCollisions({File("other"), first, second});
                              }).Sentence;
-    QVERIFY2(sentence.contains(first.Path), qPrintable(sentence));
-    QString const folder = second.Path.section('/', 0, first.Path.count('/'));
-    QVERIFY2(sentence.contains(folder), qPrintable(sentence));
+    QVERIFY2(sentence.startsWith(start), qPrintable(sentence));
     QVERIFY(!FailureOf([&] { PathChecks::CheckCollisions({second, first}); }).Sentence.isEmpty());
+}
+
+void PathChecksTest::RefusesWhatWindowsCannotHave_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("cause"); // null: it can have it
+    auto const add = [](char const* p_Path, QString const& p_Cause) {
+        QTest::newRow(p_Path) << QString::fromUtf8(p_Path) << p_Cause;
+    };
+    QString const end = "drops a dot or a blank at the end of a name";
+    for (char const* const path : {"a.", "a./b", "Data/a ", "Data /a"})
+        add(path, end);
+    for (char const character : {'<', '>', ':', '"', '|', '?', '*'}) {
+        QByteArray const path = QByteArray("Data/a") + character + 'b';
+        add(path.constData(), QString("has no names with \"%1\"").arg(QLatin1Char(character)));
+    }
+    for (char const* const name :
+         {"CON", "prn", "Aux.txt", "nul.tar.gz", "COM1", "lpt9.x", "CON .a"})
+        add(QByteArray(QByteArray("Data/") + name + "/b").constData(),
+            QString("keeps the name \"%1\" for a device").arg(name));
+    for (char const* const path :
+         {"CONS", "a/com", "com10", "auxiliary", "a.con", "Data/a b", ".hidden", "a..b", "Été"})
+        add(path, QString());
+}
+
+void PathChecksTest::RefusesWhatWindowsCannotHave()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, cause);
+    QString const sentence =
+        FailureOf([&] { PathChecks::CheckPlatform(path, ContentPlatform::Windows); }).Sentence;
+    QCOMPARE(sentence, cause.isNull() ? QString() : path + ": Windows " + cause);
+    QCOMPARE(FailureOf([&] { PathChecks::CheckPlatform(path, ContentPlatform::Mac); }).Sentence,
+             QString());
 }
 
 void PathChecksTest::DifferentFilesDoNotCollide()

@@ -16,7 +16,9 @@ private Q_SLOTS:
     void AReaderOfTheOldVersionFileKeepsIt();
     void WhatCannotBeReplacedTakesEverythingBack_data();
     void WhatCannotBeReplacedTakesEverythingBack();
-    void DamagedContentIsReported();
+    void ContentOfAWrongSizeIsWrittenAnew();
+    void ContentOfWrongBytesIsWrittenAnewOnDemand();
+    void AFolderInThePlaceOfContentIsReported();
     void APublishedBuildNeverChanges();
 };
 
@@ -80,23 +82,42 @@ void PublicationCommitTest::WhatCannotBeReplacedTakesEverythingBack()
     QCOMPARE(game.Published(), before);
 }
 
-void PublicationCommitTest::DamagedContentIsReported()
+void PublicationCommitTest::ContentOfAWrongSizeIsWrittenAnew()
 {
     PublishedGame game;
     game.Publish();
     QString const content = game.OutputPath(PublishedGame::ContentPath("the game"));
     QVERIFY(WriteFile(content, "the"));
-    Tree const before = game.Published();
-    game.Options.Build.Id = "build_2";
-    QCOMPARE(game.FailureSentence(), content + ": the content file is damaged (3 bytes, not 8): "
-                                               "remove it and publish again");
-    QCOMPARE(game.Published(), before);
-    QVERIFY(QFile::remove(content));
-    QVERIFY(QDir().mkpath(content));
-    QCOMPARE(game.FailureSentence(), content + ": stands where a content file must go");
-    QVERIFY(QDir().rmdir(content));
-    QCOMPARE(game.FailureSentence(), QString());
+    QCOMPARE(game.Publish("build_2").NewContentFiles, 1);
     QCOMPARE(ReadFile(content), QByteArray("the game"));
+}
+
+void PublicationCommitTest::ContentOfWrongBytesIsWrittenAnewOnDemand()
+{
+    PublishedGame game;
+    game.Age();
+    game.Publish();
+    QString const content = game.OutputPath(PublishedGame::ContentPath("the game"));
+    QVERIFY(WriteFile(content, "THE GAME"));
+    for (bool const isRead : {false, true}) {
+        game.Options.ReadIndex = !isRead;
+        game.Options.ReadStore = isRead;
+        QCOMPARE(game.Publish("build_2").NewContentFiles, isRead ? 1 : 0);
+    }
+    QCOMPARE(ReadFile(content), QByteArray("the game"));
+    QCOMPARE(game.Observer.Warnings.size(), 1);
+    QVERIFY(game.Observer.Warnings[0].startsWith(content + ": is written anew: the MD5 of its 8"));
+}
+
+void PublicationCommitTest::AFolderInThePlaceOfContentIsReported()
+{
+    PublishedGame game;
+    QString const content = game.OutputPath(PublishedGame::ContentPath("the game"));
+    QVERIFY(WriteFile(content + "/inside", "x"));
+    QVERIFY(WriteFile(game.OutputPath(".varnholt-publish.tree"), ""));
+    Tree const before = game.Published();
+    QCOMPARE(game.FailureSentence(), content + ": stands where a content file must go");
+    QCOMPARE(game.Published(), before);
 }
 
 void PublicationCommitTest::APublishedBuildNeverChanges()

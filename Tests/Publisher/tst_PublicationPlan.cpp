@@ -1,5 +1,7 @@
+#include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
-#include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Publisher/BuildSeries.hpp"
+#include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -20,11 +22,11 @@ QStringList PathsOf(PublicationSummary const& p_Summary)
     return paths;
 }
 
-/// Names and contents with the times of everything.
+/// The times of everything that clients see.
 std::map<QString, QDateTime> TimesOf(QString const& p_Folder)
 {
-    std::map<QString, QDateTime> times{{"", QFileInfo(p_Folder).lastModified()}};
-    for (auto const& [path, content] : TreeOf(p_Folder))
+    std::map<QString, QDateTime> times;
+    for (auto const& [path, content] : ForClients(TreeOf(p_Folder)))
         times[path] = QFileInfo(p_Folder + '/' + path).lastModified();
     return times;
 }
@@ -44,6 +46,7 @@ private Q_SLOTS:
     void WhateverClientsWouldSeeIsAChange();
     void WithoutABuildEverythingIsAChange();
     void TheBuildOfTheChannelCounts();
+    void NobodyChangesTheTreeBetweenPlanAndPublication();
     void WhatCannotBeUnderstoodIsPublishedAnew();
     void ADryRunTellsThatNothingChanged();
 };
@@ -110,14 +113,14 @@ void PublicationPlanTest::AnUnchangedSourceChangesNothing()
     game.Options.Hosts = QStringList("a");
     game.Options.RealmListAddress = "b";
     game.Publish();
-    Tree const before = TreeOf(game.Options.Output);
+    Tree const before = game.Published();
     auto const times = TimesOf(game.Options.Output);
     game.Options.IfChanged = true;
     game.Options.Build = {"build_2", "Another name", 2};
     PublicationSummary const summary = game.Publish();
     QCOMPARE(summary.UnchangedBuild, QString("build_1"));
     QCOMPARE(summary.Files, 1);
-    QCOMPARE(TreeOf(game.Options.Output), before);
+    QCOMPARE(game.Published(), before);
     QCOMPARE(TimesOf(game.Options.Output), times);
 }
 
@@ -178,6 +181,23 @@ void PublicationPlanTest::TheBuildOfTheChannelCounts()
     game.Options.DevChannel = false;
     QCOMPARE(game.Publish().UnchangedBuild, QString());
     QCOMPARE(game.Publish().UnchangedBuild, QString("build_1"));
+}
+
+void PublicationPlanTest::NobodyChangesTheTreeBetweenPlanAndPublication()
+{
+    BuildSeries game(3);
+    game.Put("own", BuildSeries::Own(1));
+    game.Options.IfChanged = true;
+    QStringList refusals;
+    game.Observer.OnPhase = [&](QString const&) {
+        Publisher::PruneOptions const all{game.Options.Output, game.Options.AppId, 1, {}, false};
+        refusals += FailureOf([&] { Publisher::BuildPruning(all).Run(); }).Sentence;
+    };
+    game.Publish("build_4");
+    QVERIFY(!refusals.isEmpty());
+    for (QString const& refusal : qAsConst(refusals))
+        QVERIFY2(refusal.contains(": another run is publishing there ("), qPrintable(refusal));
+    QVERIFY(game.IsWhole(4));
 }
 
 void PublicationPlanTest::WhatCannotBeUnderstoodIsPublishedAnew()

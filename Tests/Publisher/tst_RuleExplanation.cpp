@@ -105,9 +105,10 @@ void RuleExplanationTest::ListsExcludedFilesToo()
     game.Put("Data/b", "b");
     game.Put("Data/a.part", "of a name that would be refused");
     game.AddRules("{\"match\": \"**/*.part\", \"exclude\": true}");
+    TestSupport::TestObserver observer;
     QStringList paths;
     for (BuildFile const& file :
-         SourceListing::AllFiles(game.Options.Source, SourceListing::ReadRules(game.Options))) {
+         SourceListing::AllFiles(game.Options, SourceListing::ReadRules(game.Options), observer)) {
         paths += file.Source.Path;
         QCOMPARE(file.Treatment.Excluded, file.Source.Path.endsWith(".part"));
     }

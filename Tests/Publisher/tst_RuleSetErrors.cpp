@@ -109,31 +109,40 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError_data()
     add(R"({"rule": []})", "unknown key \"rule\"; the keys are rules, locales");
     add(R"({"rules": {}})", "\"rules\": must be an array of objects");
     add(R"({"rules": null})", "\"rules\": must be an array of objects");
-    add(R"({"rules": [{"match": "a"}, 5]})", "rules[1]: must be an object");
-    add(R"({"rules": [{"streamed": true}]})", "rules[0]: has no \"match\"");
-    add(R"({"rules": [{"match": 1}]})", "rules[0]: \"match\": must hold text");
-    add(R"({"rules": [{"match": ""}]})", "rules[0]: the pattern \"\" is empty");
-    add(R"({"rules": [{"match": "/a"}]})", "rules[0]: the pattern \"/a\" starts with \"/\", but "
-                                           "paths are relative to the source folder");
+    add(R"({"rules": [{"match": "a"}, 5]})", "line 1, rules[1]: must be an object");
+    add(R"({"rules": [{"streamed": true}]})", "line 1, rules[0]: has no \"match\"");
+    add(R"({"rules": [{"match": 1}]})", "line 1, rules[0]: \"match\": must hold text");
+    add(R"({"rules": [{"match": ""}]})", "line 1, rules[0]: the pattern \"\" is empty");
+    add(R"({"rules": [{"match": "/a"}]})",
+        "line 1, rules[0]: the pattern \"/a\" starts with \"/\", but "
+        "paths are relative to the source folder");
     add(R"({"rules": [{"match": "a", "flag": []}]})",
-        "rules[0]: unknown key \"flag\"; the keys are match, flags, locale, streamed, exclude");
+        "line 1, rules[0]: unknown key \"flag\"; the keys are match, flags, locale, streamed, "
+        "exclude");
     add(R"({"rules": [{"match": "a", "flags": "executable"}]})",
-        "rules[0]: \"flags\": must be an array of flag names");
-    add(R"({"rules": [{"match": "a", "flags": [2]}]})", "rules[0]: \"flags\": must hold text");
+        "line 1, rules[0]: \"flags\": must be an array of flag names");
+    add(R"({"rules": [{"match": "a", "flags": [2]}]})",
+        "line 1, rules[0]: \"flags\": must hold text");
     add(R"({"rules": [{"match": "a", "flags": ["Executable"]}]})",
-        "rules[0]: \"flags\": unknown flag name \"Executable\"; the names are read-only, "
+        "line 1, rules[0]: \"flags\": unknown flag name \"Executable\"; the names are read-only, "
         "executable, game-executable, first-build-only, default-server-only, keep-if-present");
-    add(R"({"rules": [{"match": "a", "locale": null}]})", "rules[0]: \"locale\": must hold text");
+    add(R"({"rules": [{"match": "a", "locale": null}]})",
+        "line 1, rules[0]: \"locale\": must hold text");
     add(R"({"rules": [{"match": "a", "locale": "frFR"}]})",
-        "rules[0]: the locale \"frFR\" is not declared: add it to \"locales\" or give it with "
+        "line 1, rules[0]: the locale \"frFR\" is not declared: add it to \"locales\" or give it "
+        "with "
         "--locales");
     add(R"({"locales": {"frFR": "F"}, "rules": [{"match": "a", "locale": "frfr"}]})",
-        "rules[0]: the locale \"frfr\" is not declared: add it to \"locales\" or give it with "
+        "line 1, rules[0]: the locale \"frfr\" is not declared: add it to \"locales\" or give it "
+        "with "
         "--locales");
     add(R"({"rules": [{"match": "a", "streamed": "yes"}]})",
-        "rules[0]: \"streamed\": must be true or false");
+        "line 1, rules[0]: \"streamed\": must be true or false");
     add(R"({"rules": [{"match": "a", "exclude": 1}]})",
-        "rules[0]: \"exclude\": must be true or false");
+        "line 1, rules[0]: \"exclude\": must be true or false");
+    add("{\"rules\": [\n{\"match\": \"a\"},\n{\"match\": \"b\",\n\"flag\": []}]}",
+        "line 3, rules[1]: unknown key \"flag\"; the keys are match, flags, locale, streamed, "
+        "exclude");
     add(R"({"locales": ["frFR"]})", "\"locales\": must be an object of names by tag");
     add(R"({"locales": {"": "F"}})", "\"locales\": holds an empty tag");
     add(R"({"locales": {"frFR": 1}})", "\"locales\": \"frFR\": must hold text");

@@ -16,6 +16,8 @@ private Q_SLOTS:
     void ListsObjects();
     void ExplainsEachPropertyOfAPath();
     void ExplainsInObjects();
+    void WarnsOfRulesThatMatchNothing();
+    void ABuiltInExcludeIsExplainedBesideAFile();
     void WithoutAFileTheBuiltInRulesAreExplained();
     void FlagsAreThoseOfThePlatform();
     void AFailureIsOneSentence_data();
@@ -101,6 +103,33 @@ void RulesProgramTest::ExplainsInObjects()
                            "\"game-executable\"]}");
     QCOMPARE(lines[1], QByteArray("{\"path\":\"Game\",\"property\":\"locale\",\"type\":"
                                   "\"property\",\"value\":\"\"}"));
+}
+
+void RulesProgramTest::WarnsOfRulesThatMatchNothing()
+{
+    Game->SetRules("{\"locales\": {\"frFR\": \"F\"},\n\"rules\": [\n"
+                   "{\"match\": \"Game\", \"flags\": [\"executable\", \"game-executable\"]},\n"
+                   "{\"match\": \"Data/*.tmp\", \"exclude\": true},\n"
+                   "{\"match\": \"Data/frFr/**\", \"locale\": \"frFR\"}\n]}");
+    QByteArray const warning = "varnholt-publish: warning: " + Game->Options.RulesFile.toUtf8() +
+                               ", line 5: \"Data/frFr/**\" matches no file\n";
+    ProgramResult const listed = RunProgram(Arguments());
+    QCOMPARE(listed.Status, 0);
+    QCOMPARE(listed.Errors, warning);
+    Game->Publish();
+    QCOMPARE(Game->Observer.Warnings.size(), 1);
+    QVERIFY(warning.contains(Game->Observer.Warnings.first().toUtf8()));
+}
+
+void RulesProgramTest::ABuiltInExcludeIsExplainedBesideAFile()
+{
+    Game->Put("WTF/Config.wtf", "x");
+    QVERIFY(RunProgram(Arguments({"--explain", "WTF/Config.wtf"}))
+                .Output.endsWith("\nexclude   true  (built-in rule: \"WTF/**\")\n"));
+    QByteArray const object = RunProgram(Arguments({"--explain", "WTF/Config.wtf", "--json"}))
+                                  .Output.split('\n')
+                                  .value(3);
+    QVERIFY2(object.contains("\"WTF/**\"") && !object.contains("\"line\""), object.constData());
 }
 
 void RulesProgramTest::WithoutAFileTheBuiltInRulesAreExplained()

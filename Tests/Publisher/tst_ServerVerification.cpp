@@ -297,6 +297,7 @@ void ServerVerificationTest::BothChannelsAreVerified()
     game.Game.Publish("live");
     game.Game.Put("Data/next", "next");
     game.Game.Options.DevChannel = true;
+    game.Game.Options.Hosts.reset(); // both channels have them
     game.Game.Options.Build.Id = "build_1";
     game.Publish();
     auto const summary = game.Verify();

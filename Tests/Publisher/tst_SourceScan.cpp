@@ -10,14 +10,22 @@
 
 namespace Varnholt::TestSupport {
 
+using Publisher::BuildFile;
 using Publisher::SourceFile;
 using Publisher::SourceScan;
 
 namespace {
 
-bool All(QString const&)
+Publisher::FileTreatment All(QString const&)
 {
-    return true;
+    return {};
+}
+
+Publisher::FileTreatment OnlyA(QString const& p_Path)
+{
+    Publisher::FileTreatment treatment;
+    treatment.Excluded = p_Path != "a";
+    return treatment;
 }
 
 } // namespace
@@ -49,15 +57,15 @@ private:
         if (!WriteFile(Path(p_Path), p_Bytes))
             qFatal("%s cannot be written", qPrintable(p_Path));
     }
-    std::vector<SourceFile> Scan(SourceScan::Wanted const& p_Wanted = All) const
+    std::vector<BuildFile> Scan(SourceScan::Treat const& p_Treat = All) const
     {
-        return SourceScan(Root, p_Wanted).Run();
+        return SourceScan(Root, p_Treat).Run();
     }
-    QStringList Paths(SourceScan::Wanted const& p_Wanted = All) const
+    QStringList Paths(SourceScan::Treat const& p_Treat = All) const
     {
         QStringList paths;
-        for (SourceFile const& file : Scan(p_Wanted))
-            paths += file.Path;
+        for (BuildFile const& file : Scan(p_Treat))
+            paths += file.Source.Path;
         return paths;
     }
     QString Refusal() const
@@ -83,14 +91,14 @@ void SourceScanTest::FindsEveryFile()
     Put(QString::fromUtf8("Été/日本"));
     QVERIFY(QDir().mkpath(Path("an empty folder")));
     QCOMPARE(Paths(), QStringList({".hidden", "Data/b", "a", QString::fromUtf8("Été/日本")}));
-    QCOMPARE(Scan()[1].Size, 4);
+    QCOMPARE(Scan()[1].Source.Size, 4);
 }
 
 void SourceScanTest::OnlyWantedFilesAreLookedAt()
 {
     Put("ToDownload.db");
     Put("b.part");
-    QCOMPARE(Paths([](QString const& p_Path) { return p_Path == "a"; }), QStringList("a"));
+    QCOMPARE(Paths(OnlyA), QStringList("a"));
     QVERIFY(!Refusal().isEmpty());
 }
 
@@ -100,7 +108,7 @@ void SourceScanTest::ALinkInsideTheSourceIsFollowed()
     QVERIFY(QFile::link("Data/b", Path("file")));
     QVERIFY(QFile::link("Data", Path("folder")));
     QCOMPARE(Paths(), QStringList({"Data/b", "a", "file", "folder/b"}));
-    QCOMPARE(Publisher::SourceReader::Read(Scan()[2], [](char const*, qint64) {}),
+    QCOMPARE(Publisher::SourceReader::Read(Scan()[2].Source, [](char const*, qint64) {}),
              SampleContent::Md5("content"));
 }
 
@@ -146,7 +154,7 @@ void SourceScanTest::ALinkToAFolderAboveIsRefused()
 void SourceScanTest::AnExcludedLinkMayLeadAnywhere()
 {
     QVERIFY(QFile::link("/", Path("link")));
-    QCOMPARE(Paths([](QString const& p_Path) { return p_Path != "link"; }), QStringList("a"));
+    QCOMPARE(Paths(OnlyA), QStringList("a"));
 }
 
 void SourceScanTest::TheSourceItselfMayBeALink()
@@ -179,8 +187,8 @@ void SourceScanTest::ReadsAFileInBlocks()
     QByteArray const bytes = SampleContent::Bytes(1'000'003);
     Put("a", bytes);
     QByteArray read;
-    QString const md5 =
-        Publisher::SourceReader::Read(Scan()[0], [&read](char const* p_Data, qint64 p_Bytes) {
+    QString const md5 = Publisher::SourceReader::Read(
+        Scan()[0].Source, [&read](char const* p_Data, qint64 p_Bytes) {
             read.append(p_Data, static_cast<int>(p_Bytes));
         });
     QCOMPARE(md5, SampleContent::Md5(bytes));
@@ -189,7 +197,7 @@ void SourceScanTest::ReadsAFileInBlocks()
 
 void SourceScanTest::AFileThatIsNotWhatTheScanFoundIsRefused()
 {
-    SourceFile const file = Scan()[0];
+    SourceFile const file = Scan()[0].Source;
     auto const refusal = [&file] {
         return FailureOf(
                    [&file] { Publisher::SourceReader::Read(file, [](char const*, qint64) {}); })
@@ -197,10 +205,11 @@ void SourceScanTest::AFileThatIsNotWhatTheScanFoundIsRefused()
     };
     QString const changed = "a: the file changed while it was being published";
     QCOMPARE(refusal(), QString());
-    std::filesystem::last_write_time(file.Location, file.Modified + std::chrono::seconds(1));
+    auto const modified = std::filesystem::last_write_time(file.Location);
+    std::filesystem::last_write_time(file.Location, modified + std::chrono::seconds(1));
     QCOMPARE(refusal(), changed);
     Put("a", "longer");
-    std::filesystem::last_write_time(file.Location, file.Modified);
+    std::filesystem::last_write_time(file.Location, modified);
     QCOMPARE(refusal(), changed);
     QVERIFY(QFile::remove(Path("a")));
     QVERIFY(refusal().startsWith("a: cannot be read: "));

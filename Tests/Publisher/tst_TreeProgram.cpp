@@ -13,11 +13,12 @@ namespace Varnholt::TestSupport {
 
 namespace {
 
+/// All but progress.
 QList<QJsonObject> ObjectsOf(QByteArray const& p_Output)
 {
     QList<QJsonObject> objects;
     for (QByteArray const& line : p_Output.split('\n')) {
-        if (!line.isEmpty())
+        if (!line.isEmpty() && !line.contains("\"type\":\"progress\""))
             objects += QJsonDocument::fromJson(line).object();
     }
     return objects;
@@ -36,6 +37,8 @@ private Q_SLOTS:
     void Prunes();
     void PrunesInObjects();
     void AKilledPruningLeavesWholeBuilds();
+    void AMirrorBecomesTheOrigin();
+    void ACopyThatIsNotWholeIsNotAdopted();
     void ADryRunWritesNothing();
     void ABuildIsAnObject();
     void AnUnchangedSourceIsNoFailure();
@@ -49,7 +52,7 @@ private:
     {
         return QStringList({"build", "--source", p_Game.Options.Source, "--output",
                             p_Game.Options.Output, "--rules", p_Game.Options.RulesFile, "--build",
-                            p_Build}) +
+                            p_Build, "--local"}) +
                p_More;
     }
     static ProgramResult Run(PublishedGame const& p_Game, QString const& p_Command,
@@ -107,7 +110,7 @@ void TreeProgramTest::RollsBack()
     QCOMPARE(result.Output,
              QByteArray("The channel live offers build build_1 (before: build_3)\n"));
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
-    QCOMPARE(Run(game, "rollback", {"--build", "build_2", "--dev", "--json"}).Output,
+    QCOMPARE(Run(game, "rollback", {"--build", "build_2", "--dev", "--quick", "--json"}).Output,
              QByteArray("{\"before\":\"\",\"build\":\"build_2\",\"channel\":\"dev\","
                         "\"type\":\"rollback\"}\n"));
     QCOMPARE(game.Read("pelmora_app/version_dev.json"), QByteArray("{\"build\":\"build_2\"}"));
@@ -171,6 +174,40 @@ void TreeProgramTest::AKilledPruningLeavesWholeBuilds()
     }
 }
 
+void TreeProgramTest::AMirrorBecomesTheOrigin()
+{
+    BuildSeries game(3);
+    Tree const before = game.Published();
+    game.Options.Output = game.Temporary.filePath("mirror");
+    for (auto const& [path, content] : before)
+        QVERIFY(path.endsWith('/') || WriteFile(game.OutputPath(path), content));
+    for (int const build : {1, 2, 3})
+        game.SetAge(build, 3 - build);
+    QCOMPARE(RunProgram(Build(game, "build_4")).Status, 1);
+    ProgramResult const result = Run(game, "adopt");
+    QCOMPARE(result.Errors, QByteArray());
+    QCOMPARE(result.Status, 0);
+    QCOMPARE(result.Output, game.Options.Output.toUtf8() + " is a published tree now\n");
+    QCOMPARE(game.Published(), before);
+    game.SetAge(1, 0);
+    QCOMPARE(RunProgram(Build(game, "build_4")).Status, 0);
+    QCOMPARE(Run(game, "prune", {"--keep", "2"}).Status, 0);
+    QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_4"}));
+    QVERIFY(Run(game, "adopt").Errors.contains(": is a published tree already\n"));
+}
+
+void TreeProgramTest::ACopyThatIsNotWholeIsNotAdopted()
+{
+    BuildSeries const game(2);
+    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
+    QVERIFY(WriteFile(game.OutputPath(BuildSeries::OwnPath(2)), "damaged"));
+    ProgramResult const result = Run(game, "adopt");
+    QCOMPARE(result.Status, 1);
+    QVERIFY2(result.Errors.contains(": the copy is not whole: 1 defects, the first is: "),
+             result.Errors.constData());
+    QVERIFY(!QFile::exists(game.OutputPath(".varnholt-publish.tree")));
+}
+
 void TreeProgramTest::ADryRunWritesNothing()
 {
     PublishedGame const game;
@@ -227,7 +264,7 @@ void TreeProgramTest::AnUnchangedSourceIsNoFailure()
 {
     PublishedGame const game;
     QCOMPARE(RunProgram(Build(game, "build_1", {"--if-changed"})).Status, 0);
-    Tree const before = TreeOf(game.Options.Output);
+    Tree const before = game.Published();
     ProgramResult const result = RunProgram(Build(game, "build_2", {"--if-changed"}));
     QCOMPARE(result.Status, 0);
     QVERIFY2(result.Output.startsWith("Nothing to publish: build build_1 in "),
@@ -238,7 +275,7 @@ void TreeProgramTest::AnUnchangedSourceIsNoFailure()
     QCOMPARE(objects[0]["build"].toString(), QString("build_1"));
     QCOMPARE(objects[0]["unchanged"].toBool(), true);
     QCOMPARE(objects[0]["published"].toBool(true), false);
-    QCOMPARE(TreeOf(game.Options.Output), before);
+    QCOMPARE(game.Published(), before);
 }
 
 void TreeProgramTest::TheIndexIsUsedAndIgnored()

@@ -1,4 +1,5 @@
 #include "Publisher/Source/ParallelFor.hpp"
+#include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
@@ -10,6 +11,22 @@
 
 #include <cerrno>
 #include <mutex>
+
+#ifdef Q_OS_LINUX
+#include <sys/syscall.h>
+#include <unistd.h>
+
+static bool g_FlushFails = false;
+
+/// Takes the place of the system's.
+extern "C" int syncfs(int p_File)
+{
+    if (!g_FlushFails)
+        return static_cast<int>(::syscall(SYS_syncfs, p_File));
+    errno = EIO;
+    return -1;
+}
+#endif
 
 namespace Varnholt::TestSupport {
 
@@ -26,13 +43,19 @@ private Q_SLOTS:
     void WithoutACommitNothingStays();
     void AFailedCommitBringsBackWhatWasReplaced();
     void AFailedCommitRemovesTheFoldersItMade();
+    void ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack();
     void ASecondTransactionIsRefusedAndHarmsNothing();
+    void TheLockOfADeadProgramKeepsNobodyOut_data();
     void TheLockOfADeadProgramKeepsNobodyOut();
+    void ATreeIsLockedByOneFileThatStays();
     void AFolderThatCannotBeLockedIsNamed();
     void NewFilesHaveNamesOfTheirOwn();
 
 private:
-    QString Path(QString const& p_Path) const { return Root + '/' + p_Path; }
+    QString Path(QString const& p_Path) const
+    {
+        return Root + '/' + p_Path;
+    }
 
     std::unique_ptr<QTemporaryDir> Folder;
     QString Root;
@@ -56,7 +79,7 @@ void TreeTransactionTest::CommitPutsEverythingInPlace()
     tree.Commit();
     Tree const expected{
         {"a/", {}}, {"a/b/", {}}, {"a/b/written", "written"}, {"a/text", "text"}, {"old", "new"}};
-    QCOMPARE(TreeOf(Root), expected);
+    QCOMPARE(ForClients(TreeOf(Root)), expected);
 }
 
 void TreeTransactionTest::NothingIsSeenBeforeTheCommit()
@@ -109,27 +132,73 @@ void TreeTransactionTest::AFailedCommitRemovesTheFoldersItMade()
     QCOMPARE(TreeOf(Root), before);
 }
 
+void TreeTransactionTest::ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("this system's flush reports nothing");
+#else
+    QVERIFY(WriteFile(Path("old"), "old"));
+    {
+        TreeTransaction tree(Root);
+        tree.AddText("new", Path("old"));
+        g_FlushFails = true;
+        QCOMPARE(FailureOf([&] { tree.Commit(); }).Sentence,
+                 Root + ": what was written may not be on the disk: " + qt_error_string(EIO));
+        g_FlushFails = false;
+    }
+    QCOMPARE(TreeOf(Root), (Tree{{"old", "old"}}));
+#endif
+}
+
 void TreeTransactionTest::ASecondTransactionIsRefusedAndHarmsNothing()
 {
-    TreeTransaction tree(Root);
-    tree.AddText("text", Path("text"));
+    auto tree = std::make_unique<TreeTransaction>(Root);
+    tree->AddText("text", Path("text"));
     QCOMPARE(FailureOf([this] { TreeTransaction const other(Root); }).Sentence,
-             Root + QString(": another run is publishing there (tst_Publisher, process %1)")
-                        .arg(QCoreApplication::applicationPid()));
+             Root + QString(": another run is publishing there (tst_Publisher, process %1 on %2)")
+                        .arg(QCoreApplication::applicationPid())
+                        .arg(QSysInfo::machineHostName()));
     QVERIFY(QFile::exists(Path(".varnholt-publish.lock")));
-    tree.Commit();
-    QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+    tree->Commit();
+    QCOMPARE(ForClients(TreeOf(Root)), (Tree{{"text", "text"}}));
+    QVERIFY(!FailureOf([this] { TreeTransaction const next(Root); }).Sentence.isNull());
+    tree.reset();
     QCOMPARE(FailureOf([this] { TreeTransaction const next(Root); }).Sentence, QString());
+}
+
+void TreeTransactionTest::TheLockOfADeadProgramKeepsNobodyOut_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    QTest::newRow("made and not written") << QByteArray("");
+    QTest::newRow("of another machine") << QByteArray("varnholt-publish, process 1 on elsewhere\n");
 }
 
 void TreeTransactionTest::TheLockOfADeadProgramKeepsNobodyOut()
 {
-    QVERIFY(WriteFile(Path(".varnholt-publish.lock"), "varnholt-publish, process 1\n"));
+    QFETCH(QByteArray, lock);
+    QVERIFY(WriteFile(Path(".varnholt-publish.lock"), lock));
     QVERIFY(WriteFile(Path(".varnholt-publish.new/0"), "remains"));
     TreeTransaction tree(Root);
     tree.AddText("text", Path("text"));
     tree.Commit();
-    QCOMPARE(TreeOf(Root), (Tree{{"text", "text"}}));
+    QCOMPARE(ForClients(TreeOf(Root)), (Tree{{"text", "text"}}));
+}
+
+void TreeTransactionTest::ATreeIsLockedByOneFileThatStays()
+{
+    QFileInfo const lock(Path(".varnholt-publish.lock"));
+    QVERIFY(WriteFile(Publisher::TreeMark(Root).Path(), Publisher::TreeMark::Text()));
+    {
+        TreeTransaction const taken(Root);
+        QVERIFY(lock.exists());
+    }
+    QVERIFY(QFile::exists(lock.filePath()));
+    {
+        TreeTransaction again(Root);
+        again.AddText("text", Path("text"));
+        again.Commit();
+    }
+    QVERIFY(QFile::exists(lock.filePath()));
 }
 
 void TreeTransactionTest::AFolderThatCannotBeLockedIsNamed()

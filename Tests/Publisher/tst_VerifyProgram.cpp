@@ -24,6 +24,7 @@ private Q_SLOTS:
     void ADefectIsOneSentence_data();
     void ADefectIsOneSentence();
     void EveryDefectIsTold();
+    void ATreeIsRepairedFromItsSource();
     void OfBuildsThatAreNotServedNothingIsSaid();
     void AWrongCallIsAUsageError_data();
     void AWrongCallIsAUsageError();
@@ -151,6 +152,34 @@ void VerifyProgramTest::EveryDefectIsTold()
     QCOMPARE(told, sentences);
     QCOMPARE(result.Output,
              QByteArray("Builds build_1: 31 files looked at, 31 of them read, 10 defects\n"));
+}
+
+void VerifyProgramTest::ATreeIsRepairedFromItsSource()
+{
+    PublishedGame game;
+    game.Put("data", c_Data);
+    game.Put("more", "more");
+    game.Put("gone", "gone");
+    game.Publish();
+    Tree const before = game.Published();
+    QByteArray damaged = c_Data;
+    damaged[2500] = static_cast<char>(~damaged[2500]);
+    QVERIFY(WriteFile(game.OutputPath(PublishedGame::ContentPath(c_Data)), damaged));
+    QVERIFY(QFile::remove(game.OutputPath(PublishedGame::ContentPath("more"))));
+    QVERIFY(QFile::remove(game.OutputPath(PublishedGame::ContentPath("gone"))));
+    game.Put("gone", "GONE");
+    QStringList const repair{"verify",   "--output", game.Options.Output,
+                             "--repair", "--source", game.Options.Source};
+    ProgramResult const result = RunProgram(repair);
+    QCOMPARE(result.Status, 1);
+    QCOMPARE(result.Errors,
+             "varnholt-publish: " + game.OutputPath(PublishedGame::ContentPath("gone")).toUtf8() +
+                 " (gone): is missing\n");
+    QCOMPARE(game.Read(PublishedGame::ContentPath(c_Data)), c_Data);
+    game.Put("gone", "gone");
+    QCOMPARE(RunProgram(repair).Status, 0);
+    QCOMPARE(game.Published(), before);
+    QCOMPARE(RunProgram(repair).Status, 0);
 }
 
 void VerifyProgramTest::OfBuildsThatAreNotServedNothingIsSaid()

@@ -2,9 +2,9 @@
 
 #include <QStringList>
 
-namespace Varnholt::Host {
+namespace Varnholt::Programs {
 
 /// "did you mean "update"?" for a word that nearly is one of those known; empty otherwise.
 QString Suggestion(QString const& p_Word, QStringList const& p_Known);
 
-} // namespace Varnholt::Host
+} // namespace Varnholt::Programs

@@ -1,9 +1,9 @@
-#include "Host/Cli/Suggestion.hpp"
+#include "Programs/Suggestion.hpp"
 
 #include <algorithm>
 #include <vector>
 
-namespace Varnholt::Host {
+namespace Varnholt::Programs {
 
 namespace {
 
@@ -50,4 +50,4 @@ QString Suggestion(QString const& p_Word, QStringList const& p_Known)
     return nearest.isEmpty() ? QString() : QStringLiteral("did you mean \"%1\"?").arg(nearest);
 }
 
-} // namespace Varnholt::Host
+} // namespace Varnholt::Programs

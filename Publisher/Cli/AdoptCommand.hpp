@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace Varnholt::Publisher {
+
+/// `varnholt-publish adopt`
+class AdoptCommand {
+public:
+    /// Adds the command and its options; p_Program keeps a reference to this object.
+    explicit AdoptCommand(CLI::App& p_Program);
+
+    bool IsChosen() const;
+
+    /// \return exit status
+    /// \throws Failure
+    int Run() const;
+
+private:
+    CLI::App* Command;
+    std::string Output;
+    std::string AppId = "pelmora_app";
+    bool Json = false;
+};
+
+} // namespace Varnholt::Publisher
