@@ -26,6 +26,7 @@ struct Choice {
         Config, ///< `ConfigKey` and `ConfigValue`, null when not given
         Pause,
         Resume,
+        Watch,
         Run, ///< `Request` says which
     };
 
@@ -42,6 +43,7 @@ struct Choice {
     Color Colors = Color::Auto;
     bool Remembers = false; ///< the password asked for is kept in the desktop's secret store
     bool Forgets = false;   ///< the password kept there is removed
+    bool Waits = false;     ///< for the end of the game
     bool Json = false;
     bool Quiet = false;
     bool Verbose = false;

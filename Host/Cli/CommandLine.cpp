@@ -5,11 +5,13 @@
 #include "Host/Cli/ConfigRun.hpp"
 #include "Host/Cli/Console.hpp"
 #include "Host/Cli/JsonPresenter.hpp"
-#include "Host/Cli/MessageLog.hpp"
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Program.hpp"
 #include "Host/Cli/TextPresenter.hpp"
-#include "Host/Core/Session/ControlSocket.hpp"
+#include "Host/Cli/WatchRun.hpp"
+#include "Host/Core/Session/MessageLog.hpp"
+#include "Host/Core/Session/RunFollower.hpp"
+#include "Host/Core/Settings/InstallRecord.hpp"
 #include "Programs/StandardStreams.hpp"
 
 #include <QRegularExpression>
@@ -28,10 +30,11 @@ int Fail(Failure const& p_Failure, Presenter& p_Presenter)
     return p_Failure.ExitStatus();
 }
 
-int Send(QString const& p_SettingsFile, ControlMessage::Type p_Message, Presenter& p_Presenter)
+int Send(HostSettings const& p_Settings, ControlMessage::Type p_Message, Presenter& p_Presenter)
 {
-    auto const failure = ControlSocket::Send(p_SettingsFile, {p_Message, 0});
-    return failure ? Fail(*failure, p_Presenter) : EXIT_SUCCESS;
+    return RunFollower::Send(InstallRecord::Folders(p_Settings), {p_Message, 0})
+               ? EXIT_SUCCESS
+               : Fail({FailureKind::NothingRunning, p_Settings.File(), {}}, p_Presenter);
 }
 
 /// As a shell would take it, without what may be a password.
@@ -77,11 +80,13 @@ int RunCommand(Choice const& p_Choice, HostSettings& p_Settings,
         return Fail(*p_Fault, p_Output);
     switch (p_Choice.Chosen) {
     case Choice::Command::Pause:
-        return Send(p_Settings.File(), ControlMessage::Type::Pause, p_Output);
+        return Send(p_Settings, ControlMessage::Type::Pause, p_Output);
     case Choice::Command::Resume:
-        return Send(p_Settings.File(), ControlMessage::Type::Resume, p_Output);
+        return Send(p_Settings, ControlMessage::Type::Resume, p_Output);
+    case Choice::Command::Watch:
+        return WatchRun(p_Settings, p_Output).Run();
     default:
-        return Program(p_Choice, p_Settings, p_Output).Run();
+        return Program(p_Choice, p_Output).Run();
     }
 }
 
@@ -104,7 +109,18 @@ int Run(Choice p_Choice, QStringList const& p_Arguments)
     auto const fault = ConfigCommand::Complete(p_Choice, settings);
 
     Console console(p_Choice.Colors, p_Choice.Quiet);
-    MessageLog const log(console, p_Choice.Verbose, p_Choice.LogFile, p_Choice.Options.Names);
+    MessageLog const log(p_Choice.LogFile, p_Choice.Options.Names);
+    if (!log.Problem().isEmpty())
+        console.Note(QStringLiteral("The log file %1 cannot be written (%2).")
+                         .arg(p_Choice.LogFile, log.Problem()));
+    // At once: what ends the program is said before it ends.
+    QObject::connect(
+        &log, &MessageLog::Logged, &log,
+        [&console, isVerbose = p_Choice.Verbose](LogEntry const& p_Entry) {
+            if (isVerbose || p_Entry.Type == QtCriticalMsg || p_Entry.Type == QtFatalMsg)
+                console.Log(p_Entry.Line());
+        },
+        Qt::DirectConnection);
     std::unique_ptr<Presenter> presenter = std::make_unique<TextPresenter>(console);
     if (p_Choice.Json)
         presenter = std::make_unique<JsonPresenter>(console);

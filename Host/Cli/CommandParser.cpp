@@ -170,11 +170,22 @@ void CommandParser::AddRunCommands()
     CLI::App* const check =
         Add("check", "Show what an update would fetch, and why; changes nothing", "check --quick",
             [this](Choice& p_Choice) {
-                p_Choice.Request.Kind = RunRequest::Type::Check;
+                p_Choice.Request.Kind =
+                    Folder.empty() ? RunRequest::Type::Check : RunRequest::Type::PreviewInstall;
+                p_Choice.Request.Argument = Absolute(Folder);
                 p_Choice.Request.Quick = Quick;
             });
-    AddFlag(*check, "--quick", Quick,
-            "Compare the build with the installed one only: one small request");
+    CLI::Option* const quick =
+        AddFlag(*check, "--quick", Quick,
+                "Compare the build with the installed one only: one small request");
+    check
+        ->add_option("--into", Folder,
+                     "Show what an installation into this folder would fetch, whether there is "
+                     "room for it, and what speaks against the folder")
+        ->check(NotEmpty())
+        ->excludes(quick)
+        ->envname("VARNHOLT_INTO")
+        ->type_name("DIR");
     Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
     Add("repair", "Compare every file with the build, and fetch what differs", "repair",
         run(RunRequest::Type::Repair));
@@ -207,6 +218,7 @@ void CommandParser::AddGameCommands()
                 p_Choice.Request.Kind = RunRequest::Type::Play;
                 p_Choice.Request.Argument = Text(Account);
                 p_Choice.Request.GameArguments = GameArguments;
+                p_Choice.Waits = Waits;
                 p_Choice.Remembers = Remembers;
                 p_Choice.Forgets = Forgets;
             });
@@ -217,6 +229,7 @@ void CommandParser::AddGameCommands()
             ->check(NotEmpty())
             ->envname("VARNHOLT_ACCOUNT")
             ->type_name("NAME");
+    AddFlag(*play, "--wait", Waits, "Wait for the end of the game, and succeed when that is well");
     CLI::Option* const remember =
         AddFlag(*play, "--remember", Remembers,
                 "Ask for the password and keep it in the desktop's secret store")
@@ -241,6 +254,8 @@ void CommandParser::AddControlCommands()
         [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Pause; });
     Add("resume", "Go on with a paused download", "resume",
         [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Resume; });
+    Add("watch", "Follow the download of another varnholt-host to its end; Ctrl-C leaves it alone",
+        "watch", [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Watch; });
     CLI::App* const config =
         Add("config", "List, show or change what the settings file keeps of the options",
             "config content-url http://content.example.net/", [this](Choice& p_Choice) {

@@ -68,7 +68,8 @@ private:
     CLI::App const* Explained = nullptr; ///< whose help was asked for by a command
     CLI::Option* ConfigValueOption = nullptr;
     bool Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;
-    bool DeletesFiles = false, Remembers = false, Forgets = false, ConfigList = false;
+    bool DeletesFiles = false, Waits = false, Remembers = false, Forgets = false,
+         ConfigList = false;
 };
 
 } // namespace Varnholt::Host

@@ -4,7 +4,8 @@
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Prompt.hpp"
 #include "Host/Cli/SignalWatch.hpp"
-#include "Host/Core/Session/ControlSocket.hpp"
+#include "Host/Core/Session/RunFollower.hpp"
+#include "Host/Core/Settings/InstallRecord.hpp"
 
 namespace Varnholt::Host {
 
@@ -76,7 +77,7 @@ void ConfigRun::TellRate() const
 {
     quint64 const rate = OptionText::Rate(Chosen.ConfigValue).value_or(0);
     // Nothing under way is no failure: the next one reads it.
-    ControlSocket::Send(Settings.File(), {ControlMessage::Type::LimitRate, rate});
+    RunFollower::Send(InstallRecord::Folders(Settings), {ControlMessage::Type::LimitRate, rate});
 }
 
 } // namespace Varnholt::Host

@@ -1,6 +1,7 @@
 #include "Host/Cli/JsonPresenter.hpp"
 
 #include "Host/Cli/Console.hpp"
+#include "Host/Core/Session/ControlLine.hpp"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -16,27 +17,18 @@ double Figure(quint64 p_Value)
     return static_cast<double>(p_Value);
 }
 
-QJsonArray ArrayOf(std::vector<ServerShare> const& p_Servers)
+QString TimeText(QDateTime const& p_Time)
 {
-    QJsonArray servers;
-    for (ServerShare const& server : p_Servers)
-        servers.append(QJsonObject{{QStringLiteral("server"), server.Name},
-                                   {QStringLiteral("rate"), Figure(server.Rate)}});
-    return servers;
-}
-
-QJsonObject ObjectOf(ServerWait const& p_Wait)
-{
-    return {{QStringLiteral("server"), p_Wait.Server},
-            {QStringLiteral("cause"), p_Wait.Cause},
-            {QStringLiteral("silent"), p_Wait.Silent},
-            {QStringLiteral("nextAttempt"), p_Wait.NextAttempt}};
+    return p_Time.toString(Qt::ISODateWithMs);
 }
 
 QJsonObject ObjectOf(FileFinding const& p_Finding)
 {
     QJsonObject object{{QStringLiteral("file"), p_Finding.Path},
-                       {QStringLiteral("cause"), p_Finding.CauseText()}};
+                       {QStringLiteral("cause"), p_Finding.CauseText()},
+                       {QStringLiteral("error"), p_Finding.Problem.Identifier()},
+                       {QStringLiteral("text"), p_Finding.Problem.Sentence()},
+                       {QStringLiteral("remedy"), p_Finding.Problem.Remedy()}};
     if (p_Finding.Bytes >= 0)
         object.insert(QStringLiteral("bytes"), p_Finding.Bytes);
     return object;
@@ -55,12 +47,47 @@ QJsonObject ObjectOf(MirrorReport const& p_Report)
     return object;
 }
 
+QJsonObject ObjectOf(Failure const& p_Failure)
+{
+    return {{QStringLiteral("error"), p_Failure.Identifier()},
+            {QStringLiteral("subject"), p_Failure.Subject},
+            {QStringLiteral("text"), p_Failure.Sentence()},
+            {QStringLiteral("remedy"), p_Failure.Remedy()}};
+}
+
 QJsonObject ObjectOf(QVector<QPair<QString, QString>> const& p_Rows)
 {
     QJsonObject object;
     for (auto const& row : p_Rows)
         object.insert(row.first, row.second);
     return object;
+}
+
+QJsonObject ObjectOf(RunTotals const& p_Totals)
+{
+    constexpr double c_Second = 1'000;
+
+    return {{QStringLiteral("files"), Figure(p_Totals.Files)},
+            {QStringLiteral("bytes"), Figure(p_Totals.Bytes)},
+            {QStringLiteral("seconds"), static_cast<double>(p_Totals.Milliseconds) / c_Second},
+            {QStringLiteral("rate"), Figure(p_Totals.Rate)}};
+}
+
+QJsonObject ObjectOf(FileAmount const& p_Amount)
+{
+    return {{QStringLiteral("files"), Figure(p_Amount.Files)},
+            {QStringLiteral("bytes"), Figure(p_Amount.Bytes)},
+            {QStringLiteral("atLeast"), p_Amount.IsLeast}};
+}
+
+/// What a run has moved, and what a check has found that an update would move.
+void AddFigures(QJsonObject& p_Object, RunRequest const& p_Request, RunResult const& p_Result)
+{
+    p_Object.insert(QStringLiteral("totals"), ObjectOf(p_Result.Totals));
+    bool const isAnswered =
+        !p_Result.Problem || p_Result.Problem->Kind == FailureKind::UpdateAvailable;
+    if (p_Request.Kind == RunRequest::Type::Check && !p_Request.Quick && isAnswered)
+        p_Object.insert(QStringLiteral("toFetch"), ObjectOf(AmountOf(p_Result.Findings)));
 }
 
 } // namespace
@@ -73,8 +100,8 @@ JsonPresenter::JsonPresenter(Console& p_Console)
 void JsonPresenter::Write(char const* p_Type, QJsonObject p_Object)
 {
     p_Object.insert(QStringLiteral("type"), QLatin1String(p_Type));
-    p_Object.insert(QStringLiteral("time"),
-                    QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+    if (!p_Object.contains(QLatin1String("time")))
+        p_Object.insert(QStringLiteral("time"), TimeText(QDateTime::currentDateTimeUtc()));
     Output.Result(QString::fromUtf8(QJsonDocument(p_Object).toJson(QJsonDocument::Compact)));
 }
 
@@ -91,14 +118,20 @@ void JsonPresenter::ShowInfo(ModuleInfo const& p_Info)
 
 void JsonPresenter::ShowStatus(InstallStatus const& p_Status)
 {
-    Write("status", {{QStringLiteral("game"), p_Status.Name},
-                     {QStringLiteral("installed"), p_Status.IsInstalled},
-                     {QStringLiteral("folder"), p_Status.Folder},
-                     {QStringLiteral("folderExists"), p_Status.FolderExists},
-                     {QStringLiteral("locale"), p_Status.Locale},
-                     {QStringLiteral("build"), p_Status.Build},
-                     {QStringLiteral("pending"), p_Status.PendingBase + p_Status.PendingStreamed},
-                     {QStringLiteral("unfinished"), p_Status.IsUnfinished}});
+    QJsonObject status{{QStringLiteral("game"), p_Status.Name},
+                       {QStringLiteral("installed"), p_Status.IsInstalled},
+                       {QStringLiteral("folder"), p_Status.Folder},
+                       {QStringLiteral("folderExists"), p_Status.FolderExists},
+                       {QStringLiteral("locale"), p_Status.Locale},
+                       {QStringLiteral("build"), p_Status.Build},
+                       {QStringLiteral("pending"), p_Status.PendingBase + p_Status.PendingStreamed},
+                       {QStringLiteral("unfinished"), p_Status.IsUnfinished}};
+    if (p_Status.Download) {
+        QJsonObject download = ControlLine::ObjectOf(p_Status.Download->Snapshot);
+        download.insert(QStringLiteral("process"), p_Status.Download->ProcessId);
+        status.insert(QStringLiteral("download"), download);
+    }
+    Write("status", status);
 }
 
 void JsonPresenter::ShowLocale(QString const& p_Locale)
@@ -123,53 +156,60 @@ void JsonPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     if (!isNew && !SinceProgress.hasExpired(c_IntervalMilliseconds))
         return;
     Phase = p_Snapshot.Phase;
-    Write("progress", Progress(p_Snapshot));
+    Write("progress", ControlLine::ObjectOf(p_Snapshot));
     SinceProgress.start(); // behind the line: its own time decides how often lines come
 }
 
-QJsonObject JsonPresenter::Progress(RunSnapshot const& p_Snapshot)
+void JsonPresenter::ShowSpace(VolumeSpace const& p_Space, bool /*p_IsResult*/)
 {
-    QJsonObject object{{QStringLiteral("phase"), PhaseName(p_Snapshot.Phase)},
-                       {QStringLiteral("fileNumber"), static_cast<qint64>(p_Snapshot.FileNumber)},
-                       {QStringLiteral("fileCount"), static_cast<qint64>(p_Snapshot.FileCount)},
-                       {QStringLiteral("bytes"), Figure(p_Snapshot.BytesDone)},
-                       {QStringLiteral("total"), Figure(p_Snapshot.BytesTotal)},
-                       {QStringLiteral("received"), Figure(p_Snapshot.BytesReceived)},
-                       {QStringLiteral("rate"), Figure(p_Snapshot.Rate)}};
-    if (!p_Snapshot.File.isEmpty())
-        object.insert(QStringLiteral("file"), p_Snapshot.File);
-    if (!p_Snapshot.Mirror.isEmpty())
-        object.insert(QStringLiteral("mirror"), p_Snapshot.Mirror);
-    if (p_Snapshot.Remaining >= 0)
-        object.insert(QStringLiteral("eta"), p_Snapshot.Remaining);
-    if (!p_Snapshot.Servers.empty())
-        object.insert(QStringLiteral("servers"), ArrayOf(p_Snapshot.Servers));
-    if (p_Snapshot.Wait)
-        object.insert(QStringLiteral("wait"), ObjectOf(*p_Snapshot.Wait));
-    return object;
+    QJsonObject object{{QStringLiteral("folder"), p_Space.Folder},
+                       {QStringLiteral("files"), static_cast<qint64>(p_Space.Files)},
+                       {QStringLiteral("unsized"), static_cast<qint64>(p_Space.Unsized)},
+                       {QStringLiteral("needed"), p_Space.Needed}};
+    if (p_Space.IsKnown()) {
+        object.insert(QStringLiteral("free"), p_Space.Free);
+        object.insert(QStringLiteral("after"), p_Space.After());
+    }
+    Write("space", object);
 }
 
-void JsonPresenter::WriteNotice(QString const& p_Text)
+void JsonPresenter::WriteNotice(Notice const& p_Notice)
 {
-    Write("notice", {{QStringLiteral("text"), p_Text}});
+    QJsonObject object{{QStringLiteral("time"), TimeText(p_Notice.Time)},
+                       {QStringLiteral("severity"), p_Notice.SeverityName()},
+                       {QStringLiteral("kind"), p_Notice.Identifier()},
+                       {QStringLiteral("text"), p_Notice.Text()}};
+    if (QString const remedy = p_Notice.Remedy(); !remedy.isEmpty())
+        object.insert(QStringLiteral("remedy"), remedy);
+    Write("notice", object);
 }
 
-void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                               QString const& p_Game)
+void JsonPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                                QString const& p_Game)
 {
     for (FileFinding const& finding : p_Result.Findings)
         Write("finding", ObjectOf(finding));
     for (MirrorReport const& report : p_Result.Mirrors)
         Write("mirror", ObjectOf(report));
+    for (Failure const& warning : p_Result.Warnings)
+        Write("warning", ObjectOf(warning));
+    if (p_Request.Kind == RunRequest::Type::PreviewInstall && !p_Result.Problem)
+        Write("preview", {{QStringLiteral("files"), static_cast<qint64>(p_Result.Amount.Files)},
+                          {QStringLiteral("bytes"), static_cast<double>(p_Result.Amount.Bytes)},
+                          {QStringLiteral("atLeast"), p_Result.Amount.IsLeast}});
     if (p_Request.Kind == RunRequest::Type::ListLocales)
         for (auto const& locale : p_Result.Locales)
             Write("locale", {{QStringLiteral("locale"), locale.Tag},
                              {QStringLiteral("name"), locale.Name},
                              {QStringLiteral("chosen"), locale.Tag == p_Result.Locale}});
-    if (p_Result.Problem)
-        return;
+    if (p_Result.Problem) {
+        QJsonObject error = ObjectOf(*p_Result.Problem);
+        AddFigures(error, p_Request, p_Result);
+        return Write("error", error);
+    }
     QJsonObject result{{QStringLiteral("game"), p_Game},
                        {QStringLiteral("build"), p_Result.Build},
+                       {QStringLiteral("buildName"), p_Result.BuildName},
                        {QStringLiteral("folder"), p_Result.Folder},
                        {QStringLiteral("locale"), p_Result.Locale},
                        {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)}};
@@ -177,16 +217,15 @@ void JsonPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_R
         result.insert(QStringLiteral("processId"), p_Result.ProcessId);
     if (!p_Result.OutputFile.isEmpty())
         result.insert(QStringLiteral("output"), p_Result.OutputFile);
+    AddFigures(result, p_Request, p_Result);
     Write("result", result);
 }
 
 void JsonPresenter::WriteFailure(Failure const& p_Failure)
 {
-    Write("error", {{QStringLiteral("error"), p_Failure.Identifier()},
-                    {QStringLiteral("subject"), p_Failure.Subject},
-                    {QStringLiteral("text"), p_Failure.Sentence()},
-                    {QStringLiteral("remedy"), p_Failure.Remedy()},
-                    {QStringLiteral("exitStatus"), p_Failure.ExitStatus()}});
+    QJsonObject object = ObjectOf(p_Failure);
+    object.insert(QStringLiteral("exitStatus"), p_Failure.ExitStatus());
+    Write("error", object);
 }
 
 } // namespace Varnholt::Host

@@ -22,18 +22,16 @@ public:
                     bool p_IsListed) override;
     /// At most twice a second within a phase.
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
-    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                    QString const& p_Game) override;
-
-    /// What "progress" says, without type and time.
-    static QJsonObject Progress(RunSnapshot const& p_Snapshot);
+    void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) override;
 
 protected:
-    void WriteNotice(QString const& p_Text) override;
+    void WriteNotice(Notice const& p_Notice) override;
+    void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                     QString const& p_Game) override;
     void WriteFailure(Failure const& p_Failure) override;
 
 private:
-    /// Adds type and time and writes the line.
+    /// Adds type and time, unless it has one, and writes the line.
     void Write(char const* p_Type, QJsonObject p_Object);
 
     Console& Output;

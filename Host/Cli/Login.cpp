@@ -1,49 +1,33 @@
 #include "Host/Cli/Login.hpp"
 
-#include "Host/Cli/PasswordStore.hpp"
 #include "Host/Cli/Prompt.hpp"
 #include "Host/Cli/SignalWatch.hpp"
 
-#include <QCryptographicHash>
+#include <QEventLoop>
 
 namespace Varnholt::Host {
 
-Login::Login(Choice const& p_Choice, QString const& p_Server, HostSettings& p_Settings,
-             Presenter& p_Output)
+Login::Login(Choice const& p_Choice, QString const& p_Server, Presenter& p_Output)
     : Chosen(p_Choice)
-    , Settings(p_Settings)
     , Output(p_Output)
-    , Key(QStringLiteral("%1 at %2").arg(p_Choice.Request.Argument, p_Server))
-    , Mark(QStringLiteral("remembered/") +
-           QString::fromLatin1(
-               QCryptographicHash::hash(Key.toUtf8(), QCryptographicHash::Sha256).toHex()))
+    , Store(p_Choice.Request.Argument, p_Server, p_Choice.Options.SettingsFile)
 {
 }
 
 QString Login::Password()
 {
     if (!Chosen.Remembers && !Chosen.Forgets) {
-        QString remembered = Remembered();
+        QString remembered =
+            Await([this] { Store.Read(); }, NoticeKind::PasswordUnreadable).Password;
         if (!remembered.isEmpty() || SignalWatch::IsEndRequested())
             return remembered;
     }
     if (Chosen.Forgets)
-        Forget();
+        Await([this] { Store.Forget(); }, NoticeKind::PasswordNotForgotten);
     QString password = Asked();
     if (Chosen.Remembers && !password.isEmpty())
-        Remember(password);
+        Await([&] { Store.Remember(password); }, NoticeKind::PasswordNotRemembered);
     return password;
-}
-
-QString Login::Remembered()
-{
-    if (!Settings.Value(Mark).toBool())
-        return {};
-    PasswordStore::Answer const answer = PasswordStore::Read(Key);
-    if (!answer.Problem.isEmpty())
-        Output.ShowNotice(
-            QStringLiteral("The remembered password cannot be read: %1").arg(answer.Problem));
-    return answer.Password;
 }
 
 QString Login::Asked()
@@ -53,23 +37,21 @@ QString Login::Asked()
     return password.value_or(QString());
 }
 
-void Login::Remember(QString const& p_Password)
+template <typename Request>
+AccountPassword::Answer Login::Await(Request p_Request, NoticeKind p_Lament)
 {
-    QString const problem = PasswordStore::Write(Key, p_Password);
-    if (!problem.isEmpty())
-        return Output.ShowNotice(QStringLiteral("The password is not remembered: %1").arg(problem));
-    Settings.SetValue(Mark, true);
-    if (auto const failure = Settings.Save())
-        Output.ShowNotice(
-            QStringLiteral("The password is not remembered: %1").arg(failure->Sentence()));
-}
-
-void Login::Forget()
-{
-    QString const problem = PasswordStore::Remove(Key);
-    if (!problem.isEmpty())
-        return Output.ShowNotice(QStringLiteral("The password is not forgotten: %1").arg(problem));
-    Settings.Remove(Mark);
+    AccountPassword::Answer answer{{}, QStringLiteral("the secret store was not waited for")};
+    QEventLoop loop;
+    QObject::connect(&Store, &AccountPassword::Answered, &loop,
+                     [&](AccountPassword::Answer const& p_Answer) {
+                         answer = p_Answer;
+                         loop.quit();
+                     });
+    p_Request();
+    loop.exec();
+    if (!answer.Problem.isEmpty())
+        Output.ShowNotice({p_Lament, answer.Problem});
+    return answer;
 }
 
 } // namespace Varnholt::Host

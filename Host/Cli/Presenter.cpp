@@ -1,19 +1,37 @@
 #include "Host/Cli/Presenter.hpp"
 
-#include "Host/Cli/MessageLog.hpp"
+#include "Host/Core/Session/MessageLog.hpp"
 
 namespace Varnholt::Host {
 
-void Presenter::ShowNotice(QString const& p_Text)
+namespace {
+
+void Log(Failure const& p_Failure)
 {
-    MessageLog::Write(QStringLiteral("notice: ") + p_Text);
-    WriteNotice(p_Text);
+    MessageLog::Write(QStringLiteral("%1: %2; %3")
+                          .arg(p_Failure.Identifier(), p_Failure.Sentence(), p_Failure.Remedy()));
+}
+
+} // namespace
+
+void Presenter::ShowNotice(Notice const& p_Notice)
+{
+    MessageLog::Write(QStringLiteral("%1: %2: %3")
+                          .arg(p_Notice.SeverityName(), p_Notice.Identifier(), p_Notice.Text()));
+    WriteNotice(p_Notice);
+}
+
+void Presenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
+                           QString const& p_Game)
+{
+    if (p_Result.Problem)
+        Log(*p_Result.Problem);
+    WriteResult(p_Request, p_Result, p_Game);
 }
 
 void Presenter::ShowFailure(Failure const& p_Failure)
 {
-    MessageLog::Write(QStringLiteral("%1: %2; %3")
-                          .arg(p_Failure.Identifier(), p_Failure.Sentence(), p_Failure.Remedy()));
+    Log(p_Failure);
     WriteFailure(p_Failure);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
@@ -24,15 +25,19 @@ public:
     virtual void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
                             bool p_IsListed) = 0;
     virtual void ShowProgress(RunSnapshot const& p_Snapshot) = 0;
+    /// The room on a volume before the first byte comes. \param p_IsResult it was asked for
+    virtual void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) = 0;
     /// Something that a user may want to know.
-    void ShowNotice(QString const& p_Text);
-    /// The findings of a run, and that it has succeeded if it has; a failure follows otherwise.
-    virtual void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                            QString const& p_Game) = 0;
+    void ShowNotice(Notice const& p_Notice);
+    /// The findings of a run, and how it has ended.
+    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Game);
+    /// Of what came to no run.
     void ShowFailure(Failure const& p_Failure);
 
 protected:
-    virtual void WriteNotice(QString const& p_Text) = 0;
+    virtual void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                             QString const& p_Game) = 0;
+    virtual void WriteNotice(Notice const& p_Notice) = 0;
     virtual void WriteFailure(Failure const& p_Failure) = 0;
 };
 

@@ -2,16 +2,14 @@
 
 #include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
-#include "Host/Core/Failures/ByteText.hpp"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 namespace Varnholt::Host {
 
-Program::Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output)
+Program::Program(Choice p_Choice, Presenter& p_Output)
     : Chosen(std::move(p_Choice))
-    , Settings(p_Settings)
     , Output(p_Output)
     , Server(Chosen.Options.ContentServer())
 {
@@ -25,11 +23,15 @@ int Program::Run()
     connect(Session.get(), &HostSession::Opened, this, &Program::OnOpened);
     connect(Session.get(), &HostSession::OpenFailed, this, &Program::Fail);
     connect(Session.get(), &HostSession::StatusRead, this, &Program::OnStatus);
-    connect(Session.get(), &HostSession::Progressed, this, &Program::OnProgressed);
+    connect(Session.get(), &HostSession::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
+        TellSpace(p_Snapshot.Space);
+        Output.ShowProgress(p_Snapshot);
+    });
     connect(Session.get(), &HostSession::Noticed, this,
-            [this](QString const& p_Text) { Output.ShowNotice(p_Text); });
+            [this](Notice const& p_Notice) { Output.ShowNotice(p_Notice); });
     connect(Session.get(), &HostSession::Ended, this,
             [this](quint64, RunResult const& p_Result) { OnEnded(p_Result); });
+    connect(Session.get(), &HostSession::GameEnded, this, &Program::OnGameEnded);
     connect(Session.get(), &HostSession::Closed, this, [] { QCoreApplication::exit(); });
     Session->Open();
     int const status = QCoreApplication::exec();
@@ -85,24 +87,38 @@ bool Program::AskUser(InstallStatus const& p_Status)
 {
     RunRequest& request = Chosen.Request;
     if (request.Kind == RunRequest::Type::Play) {
-        request.Password = Login(Chosen, Server, Settings, Output).Password();
+        request.Password = Login(Chosen, Server, Output).Password();
         if (SignalWatch::IsEndRequested()) {
             Quit(SignalWatch::c_Status);
             return false;
         }
         if (request.Password.isEmpty())
-            Output.ShowNotice(
-                QStringLiteral("No password was given; the game does not log in by itself."));
+            Output.ShowNotice({NoticeKind::PasswordMissing});
         return true;
     }
     if (!Prompt::IsInteractive()) {
         Fail({FailureKind::ConfirmationMissing, p_Status.Folder, {}});
         return false;
     }
-    request.Confirmed = Prompt::Confirm(
-        QStringLiteral("Delete the files of %1 in %2?").arg(p_Status.Name, p_Status.Folder));
+    if (p_Status.FolderExists) // otherwise there is nothing to ask about
+        request.Kind = RunRequest::Type::PreviewUninstall;
+    return true;
+}
+
+bool Program::ConfirmDeletion(RunResult const& p_Preview)
+{
+    RunRequest& request = Chosen.Request;
+    QString question = QStringLiteral("Delete %1 of %2 in %3?")
+                           .arg(AmountText(p_Preview.Amount), GameName, p_Preview.Folder);
+    if (auto const stay = p_Preview.Staying.size(); stay > 0)
+        question += QStringLiteral(" %1 not the game's %2.")
+                        .arg(stay == 1 ? QStringLiteral("1 file that is")
+                                       : QStringLiteral("%1 files that are").arg(stay),
+                             stay == 1 ? QStringLiteral("stays") : QStringLiteral("stay"));
+    request.Kind = RunRequest::Type::Uninstall;
+    request.Confirmed = Prompt::Confirm(question);
     if (!request.Confirmed) {
-        Output.ShowNotice(QStringLiteral("Nothing was deleted."));
+        Output.ShowNotice({NoticeKind::NothingDeleted});
         Quit(SignalWatch::IsEndRequested() ? SignalWatch::c_Status : EXIT_FAILURE);
     }
     return request.Confirmed;
@@ -111,77 +127,66 @@ bool Program::AskUser(InstallStatus const& p_Status)
 void Program::StartRun()
 {
     IsRunning = true;
-    RunRequest::Type const kind = Chosen.Request.Kind;
-    if (kind == RunRequest::Type::Install || kind == RunRequest::Type::Update ||
-        kind == RunRequest::Type::Repair)
-        Listen();
     Session->Start(Chosen.Request);
 }
 
-void Program::Listen()
+void Program::TellSpace(std::vector<VolumeSpace> const& p_Space)
 {
-    Control = std::make_unique<ControlSocket>(Chosen.Options.SettingsFile);
-    connect(Control.get(), &ControlSocket::Received, this, &Program::OnMessage);
-    if (!Control->Listen())
-        Control.reset(); // another run has it, and will tell about the folder that it holds
-}
-
-void Program::OnProgressed(RunSnapshot const& p_Snapshot)
-{
-    Output.ShowProgress(p_Snapshot);
-    IsHeld = p_Snapshot.IsHeld;
-    if (IsHeld && Control)
-        Control->TellPause(true);
-}
-
-void Program::OnMessage(ControlMessage const& p_Message)
-{
-    if (p_Message.Kind != ControlMessage::Type::LimitRate)
-        return SetPaused(p_Message.Kind == ControlMessage::Type::Pause);
-    Session->SetRateLimit(p_Message.BytesPerSecond);
-    Output.ShowNotice(p_Message.BytesPerSecond == 0
-                          ? QStringLiteral("The download is no longer limited.")
-                          : QStringLiteral("The download is now limited to %1/s.")
-                                .arg(ByteText(p_Message.BytesPerSecond)));
+    RunRequest::Type const kind = Chosen.Request.Kind;
+    bool const isResult =
+        kind == RunRequest::Type::Check || kind == RunRequest::Type::PreviewInstall;
+    if (p_Space.empty() || p_Space == ToldSpace)
+        return;
+    ToldSpace = p_Space;
+    for (VolumeSpace const& space : p_Space)
+        if (space.Files > 0 || isResult)
+            Output.ShowSpace(space, isResult);
 }
 
 void Program::OnEnded(RunResult const& p_Result)
 {
     IsRunning = false;
-    Control.reset();
-    Output.ShowResult(Chosen.Request, p_Result, GameName);
-    if (p_Result.Problem)
-        return Fail(*p_Result.Problem);
-    Quit(EXIT_SUCCESS);
+    if (Chosen.Request.Kind == RunRequest::Type::PreviewUninstall && !p_Result.Problem) {
+        if (ConfirmDeletion(p_Result))
+            StartRun();
+        return;
+    }
+    Result = p_Result;
+    if (!Chosen.Waits || p_Result.Problem)
+        return Conclude();
+    Output.ShowNotice({NoticeKind::GameAwaited, GameName, QString::number(p_Result.ProcessId)});
+}
+
+void Program::OnGameEnded(GameEnd const& p_End)
+{
+    if (!Chosen.Waits)
+        return;
+    if (QString const error = p_End.ErrorText(); !error.isEmpty())
+        Result.Problem = Failure{FailureKind::GameFailed, Result.OutputFile, error};
+    Conclude();
+}
+
+void Program::Conclude()
+{
+    TellSpace(Result.Space);
+    Output.ShowResult(Chosen.Request, Result, GameName);
+    Quit(Result.Problem ? Result.Problem->ExitStatus() : EXIT_SUCCESS);
 }
 
 void Program::OnEndRequested()
 {
     if (!IsRunning)
         return Quit(SignalWatch::c_Status);
-    Output.ShowNotice(QStringLiteral("Stopping; press Ctrl-C again to stop at once."));
+    Output.ShowNotice({NoticeKind::Stopping});
     Session->Interrupt();
 }
 
 void Program::OnToggleRequested()
 {
-    SetPaused(!IsPaused);
-}
-
-void Program::SetPaused(bool p_Paused)
-{
-    if (!IsRunning)
-        return;
-    if (Control && p_Paused == IsHeld)
-        Control->TellPause(p_Paused); // as it is already
-    if (p_Paused == IsPaused)
-        return;
-    IsPaused = p_Paused;
-    IsHeld = false; // until the module says so
-    if (IsPaused)
-        Session->Pause();
-    else
+    if (Session->IsPaused())
         Session->Continue();
+    else
+        Session->Pause();
 }
 
 void Program::Fail(Failure const& p_Failure)
@@ -192,6 +197,7 @@ void Program::Fail(Failure const& p_Failure)
 
 void Program::Quit(int p_Status)
 {
+    Chosen.Waits = false;
     QCoreApplication::exit(p_Status);
 }
 

@@ -3,13 +3,12 @@
 #include "Host/Cli/Choice.hpp"
 #include "Host/Cli/Presenter.hpp"
 #include "Host/Cli/SignalWatch.hpp"
-#include "Host/Core/Session/ControlSocket.hpp"
 #include "Host/Core/Session/HostSession.hpp"
-#include "Host/Core/Settings/HostSettings.hpp"
 
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 namespace Varnholt::Host {
 
@@ -18,7 +17,7 @@ class Program : public QObject {
     Q_OBJECT
 
 public:
-    Program(Choice p_Choice, HostSettings& p_Settings, Presenter& p_Output);
+    Program(Choice p_Choice, Presenter& p_Output);
 
     /// Runs the event loop. \return the exit status
     int Run();
@@ -27,31 +26,29 @@ private:
     void CloseSession();
     void OnOpened(ModuleInfo const& p_Info);
     void OnStatus(InstallStatus const& p_Status);
-    void OnProgressed(RunSnapshot const& p_Snapshot);
+    void TellSpace(std::vector<VolumeSpace> const& p_Space);
+    /// Called with what an uninstallation would delete. \return whether that shall be
+    bool ConfirmDeletion(RunResult const& p_Preview);
     void OnEnded(RunResult const& p_Result);
+    void OnGameEnded(GameEnd const& p_End);
+    void Conclude();
     void OnEndRequested();
     void OnToggleRequested();
     /// Asks what must be asked; false when the program has come to its end with that.
     bool AskUser(InstallStatus const& p_Status);
     void StartRun();
-    /// Takes messages from other programs while a download is under way.
-    void Listen();
-    void OnMessage(ControlMessage const& p_Message);
-    void SetPaused(bool p_Paused);
     void Fail(Failure const& p_Failure);
     void Quit(int p_Status);
 
     Choice Chosen;
-    HostSettings& Settings;
     Presenter& Output;
     QString const Server; ///< that the game's account is of
     SignalWatch Signals;
     std::unique_ptr<HostSession> Session;
-    std::unique_ptr<ControlSocket> Control;
     QString GameName;
+    std::vector<VolumeSpace> ToldSpace;
+    RunResult Result;
     bool IsRunning = false;
-    bool IsPaused = false;
-    bool IsHeld = false; ///< the pause has come true
 };
 
 } // namespace Varnholt::Host

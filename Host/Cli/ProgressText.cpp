@@ -62,10 +62,15 @@ QString SilenceText(ServerWait const& p_Wait)
 
 QString AttemptText(ServerWait const& p_Wait)
 {
-    return QStringLiteral("server %1, next attempt %2")
-        .arg(SilenceText(p_Wait), p_Wait.NextAttempt > 0
-                                      ? QStringLiteral("in ") + Seconds(p_Wait.NextAttempt)
-                                      : QStringLiteral("under way"));
+    QString attempt = QStringLiteral("next attempt");
+    if (p_Wait.IsRetry())
+        attempt = QStringLiteral("attempt %1").arg(p_Wait.Attempt);
+    if (p_Wait.Attempts > 0)
+        attempt += QStringLiteral(" of %1").arg(p_Wait.Attempts);
+    return QStringLiteral("server %1, %2 %3")
+        .arg(SilenceText(p_Wait), attempt,
+             p_Wait.NextAttempt > 0 ? QStringLiteral("in ") + Seconds(p_Wait.NextAttempt)
+                                    : QStringLiteral("under way"));
 }
 
 QString WaitText(ServerWait const& p_Wait)
@@ -140,6 +145,12 @@ QString Duration(qint64 p_Seconds)
     return QStringLiteral("%1:%2:%3").arg(hours).arg(minutes, 2, 10, QLatin1Char('0')).arg(seconds);
 }
 
+QString Percent(RunSnapshot const& p_Snapshot)
+{
+    int const permille = Permille(p_Snapshot);
+    return permille < 0 ? QString() : QStringLiteral("%1 %").arg(permille / 10);
+}
+
 QString Line(RunSnapshot const& p_Snapshot)
 {
     QString line = PhaseText(p_Snapshot.Phase);
@@ -166,7 +177,7 @@ QString Bar(RunSnapshot const& p_Snapshot, int p_Width, bool p_Unicode)
 
     QString const phase = PhaseText(p_Snapshot.Phase);
     int const permille = Permille(p_Snapshot);
-    QString const percent = QStringLiteral("%1 %").arg(permille / 10);
+    QString const percent = Percent(p_Snapshot);
     if (p_Snapshot.Wait)
         return WaitBar(p_Snapshot, permille < 0 ? QString() : percent + QStringLiteral("  "),
                        p_Width);

@@ -10,6 +10,9 @@ namespace Varnholt::Host::ProgressText {
 /// Seconds as "0:05", "12:34" or "1:02:03".
 QString Duration(qint64 p_Seconds);
 
+/// "43 %"; empty when there is no measure.
+QString Percent(RunSnapshot const& p_Snapshot);
+
 /// The whole story in one line, for a log: "downloading base files: file 12 of 312 (a/b.MPQ),
 /// 1.2 GiB of 2.6 GiB, 12 MiB/s, 1:23 left".
 QString Line(RunSnapshot const& p_Snapshot);

@@ -38,18 +38,29 @@ void TextPresenter::ShowProgress(RunSnapshot const& p_Snapshot)
     View.Show(p_Snapshot);
 }
 
-void TextPresenter::WriteNotice(QString const& p_Text)
+void TextPresenter::ShowSpace(VolumeSpace const& p_Space, bool p_IsResult)
 {
-    Output.Note(p_Text);
+    if (p_IsResult)
+        Output.Result(Reports::Space(p_Space));
+    else if (!Output.IsTerminal()) // where the bar has the place
+        Output.Note(Reports::Space(p_Space));
 }
 
-void TextPresenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                               QString const& p_Game)
+void TextPresenter::WriteNotice(Notice const& p_Notice)
+{
+    Output.Note(p_Notice.Text());
+}
+
+void TextPresenter::WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                                QString const& p_Game)
 {
     View.Clear();
-    Print(Reports::Findings(p_Result));
+    Print(Reports::Findings(p_Request, p_Result));
     if (!p_Result.Problem)
-        Print(Reports::Success(p_Request, p_Result, p_Game));
+        return Print(Reports::Success(p_Request, p_Result, p_Game));
+    if (p_Result.Totals.Files > 0)
+        Output.Note(Reports::Totals(p_Request, p_Result.Totals));
+    WriteFailure(*p_Result.Problem);
 }
 
 void TextPresenter::WriteFailure(Failure const& p_Failure)

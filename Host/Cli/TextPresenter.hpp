@@ -18,11 +18,12 @@ public:
     void ShowOption(QString const& p_Key, QString const& p_Value, QString const& p_Origin,
                     bool p_IsListed) override;
     void ShowProgress(RunSnapshot const& p_Snapshot) override;
-    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                    QString const& p_Game) override;
+    void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) override;
 
 protected:
-    void WriteNotice(QString const& p_Text) override;
+    void WriteNotice(Notice const& p_Notice) override;
+    void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
+                     QString const& p_Game) override;
     void WriteFailure(Failure const& p_Failure) override;
 
 private:

@@ -1,5 +1,7 @@
 #include "Host/Gateway/Document.hpp"
 
+#include "Host/Gateway/HttpStatus.hpp"
+
 namespace Varnholt::Gateway {
 
 namespace {
@@ -15,6 +17,12 @@ bool EndsWith(std::string const& p_Text, std::string const& p_End)
 bool Document::IsOptional() const
 {
     return IsHostList() || EndsWith(Path, "/realmlist.info");
+}
+
+bool Document::EndsSoon(FetchProblem const& p_Problem)
+{
+    return p_Problem.Kind == FetchProblem::Type::Dropped ||
+           p_Problem.HttpStatus >= HttpStatus::c_FirstServerError;
 }
 
 std::size_t Document::MostBytes() const

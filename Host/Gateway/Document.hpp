@@ -29,6 +29,9 @@ struct Document {
     /// Of the body: 200,000 files need 32 MiB of a manifest.
     std::size_t MostBytes() const;
     bool IsHostList() const { return Path == "cdns.info"; }
+    /// Whether an attempt has cost so little time that only few may follow it, `c_MostAttempts`.
+    static bool EndsSoon(FetchProblem const& p_Problem);
+    static constexpr int c_MostAttempts = 3;
     /// Whether a path is that of a document, not of content.
     static bool IsOne(std::string const& p_Path);
 };

@@ -151,6 +151,7 @@ private:
     void CheckWaits(TimePoint p_Now);
     bool IsWaitedFor() const;
     FetchProblem Silence() const;
+    GatewaySnapshot::Wait WaitAt(TimePoint p_Now, Milliseconds p_Silent) const;
     void CountBytes(Server& p_Server, std::uint64_t p_Bytes, bool p_AreNew, TimePoint p_Now);
     TimePoint LastSign() const { return std::max({LastByte, LastSkipped, WaitedSince}); }
 

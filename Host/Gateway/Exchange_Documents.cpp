@@ -12,12 +12,6 @@ using namespace HttpStatus;
 
 namespace {
 
-bool EndsSoon(FetchProblem const& p_Problem)
-{
-    return p_Problem.Kind == FetchProblem::Type::Dropped ||
-           p_Problem.HttpStatus >= c_FirstServerError;
-}
-
 } // namespace
 
 /// Waits for the document that a client asks for, which is fetched anew each time.
@@ -143,7 +137,6 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
 
 void Exchange::OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem)
 {
-    constexpr int c_MostAttempts = 3;
     constexpr Milliseconds c_ShortPause{200};
 
     UnderWay.erase(p_Document.Transfer);
@@ -164,7 +157,7 @@ void Exchange::OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p
             std::max<Milliseconds>(std::chrono::seconds(p_Document.RetryAfter), Options.RetryPause);
     } else if (problem->Kind == FetchProblem::Type::Silent && !p_Document.IsOptional()) {
         p_Document.NotBefore = now + Options.RetryPause;
-    } else if (EndsSoon(*problem) && p_Document.Attempts < c_MostAttempts) {
+    } else if (Document::EndsSoon(*problem) && p_Document.Attempts < Document::c_MostAttempts) {
         p_Document.NotBefore = now + c_ShortPause * p_Document.Attempts;
     } else {
         Finish(p_Document, problem);

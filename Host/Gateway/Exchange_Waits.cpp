@@ -1,5 +1,7 @@
 #include "Host/Gateway/Exchange.hpp"
 
+#include "Host/Gateway/HostList.hpp"
+
 #include <algorithm>
 
 namespace Varnholt::Gateway {
@@ -76,6 +78,33 @@ void Exchange::CheckWaits(TimePoint p_Now)
     Changed.notify_all();
 }
 
+GatewaySnapshot::Wait Exchange::WaitAt(TimePoint p_Now, Milliseconds p_Silent) const
+{
+    GatewaySnapshot::Wait wait;
+    wait.Problem = Latest.value_or(Silence());
+    wait.Silent = p_Silent;
+    TimePoint next = Board.NextTrial(p_Now);
+    bool isUnderWay = Transfers > 0 || Queries > 0;
+    for (std::shared_ptr<Server> const& server : Board.All())
+        if (HostList::NameOf(wait.Problem.Url) == server->Name)
+            wait.Attempt = server->Failures + 1;
+    for (auto const& row : DocumentsByPath) {
+        Document const& document = *row.second;
+        if (document.IsDone)
+            continue;
+        bool const isAsked = document.Transfer != 0;
+        isUnderWay = isUnderWay || isAsked;
+        if (document.NotBefore > p_Now)
+            next = std::min(next, document.NotBefore);
+        wait.Attempt = document.Attempts + (isAsked ? 0 : 1);
+        bool const isLimited = document.RetryAfter == 0 && Document::EndsSoon(wait.Problem);
+        wait.Attempts = isLimited ? Document::c_MostAttempts : 0;
+    }
+    if (!isUnderWay && next != TimePoint::max())
+        wait.NextAttempt = MillisecondsBetween(p_Now, next);
+    return wait;
+}
+
 GatewaySnapshot Exchange::Snapshot() const
 {
     Lock const lock(Guard);
@@ -97,19 +126,8 @@ GatewaySnapshot Exchange::Snapshot() const
             std::count_if(Planned.begin(), Planned.end(), IsSizeSettled));
     snapshot.SizesKnown = *SizesKnown;
     Milliseconds const silent = MillisecondsBetween(LastSign(), now);
-    if (WasWaitedFor && silent >= c_Noticeable) {
-        TimePoint next = Board.NextTrial(now);
-        bool isUnderWay = Transfers > 0 || Queries > 0;
-        for (auto const& row : DocumentsByPath) {
-            isUnderWay = isUnderWay || row.second->Transfer != 0;
-            if (!row.second->IsDone && row.second->NotBefore > now)
-                next = std::min(next, row.second->NotBefore);
-        }
-        snapshot.Waits = GatewaySnapshot::Wait{Latest.value_or(Silence()), silent,
-                                               isUnderWay || next == TimePoint::max()
-                                                   ? Milliseconds(0)
-                                                   : MillisecondsBetween(now, next)};
-    }
+    if (WasWaitedFor && silent >= c_Noticeable)
+        snapshot.Waits = WaitAt(now, silent);
     return snapshot;
 }
 

@@ -24,6 +24,8 @@ struct GatewaySnapshot {
         FetchProblem Problem;
         std::chrono::milliseconds Silent{0};      ///< since the last byte
         std::chrono::milliseconds NextAttempt{0}; ///< 0: under way
+        int Attempt = 1;                          ///< the number of that one
+        int Attempts = 0;                         ///< that there will be at most; 0: no limit
     };
 
     std::uint64_t Received = 0;         ///< bytes of content since the run began, from the network

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void ASilentServerIsGivenUpInTheEnd();
     void ListsCostASilentServerOneWait_data();
     void ListsCostASilentServerOneWait();
+    void AWaitTellsWhichAttemptItIs();
     void AProblemIsForgottenWhenTheAnswerComes();
 
 private:
@@ -284,6 +285,22 @@ void GatewayDocumentsTest::ListsCostASilentServerOneWait()
     QVERIFY2(timer.elapsed() < 10000, QByteArray::number(timer.elapsed()));
     QCOMPARE(Bench->Server->Count('/' + path), before + 1);
     QCOMPARE(Bench->ProblemOf(path).Kind, Kind::Silent);
+}
+
+void GatewayDocumentsTest::AWaitTellsWhichAttemptItIs()
+{
+    QString const path = '/' + c_Version;
+    Bench->Options.StallTime = 30s;
+    Bench->Open();
+    Bench->Server->Script(path).Then(Answer::Status(503)).Then(Answer().Held());
+    DoorReader reader({Bench->DocumentUrl(c_Version)});
+    QVERIFY(Becomes([&] { return Bench->Door->Snapshot().Waits.has_value(); }));
+    auto const waits = Bench->Door->Snapshot().Waits;
+    QCOMPARE(waits->Attempt, 2);
+    QCOMPARE(waits->Attempts, 3);
+    QCOMPARE(waits->NextAttempt, 0ms);
+    Bench->Server->OpenGate(path);
+    QVERIFY(Becomes([&] { return reader.IsDone(); }));
 }
 
 void GatewayDocumentsTest::AProblemIsForgottenWhenTheAnswerComes()

@@ -266,6 +266,8 @@ void GatewayRetryTest::AWaitIsShown()
     QCOMPARE(waits->Problem.Url, Bench->Server->Url(c_ServerPath).toStdString());
     QVERIFY(waits->NextAttempt <= 20s);
     QVERIFY(waits->Silent < 20s);
+    QCOMPARE(waits->Attempt, 2);
+    QCOMPARE(waits->Attempts, 0);
     reader.Abandon();
     QVERIFY(Becomes([&] { return !Bench->Door->Snapshot().Waits; }));
 }

@@ -93,6 +93,11 @@ bool HostProcess::WaitForErr(QString const& p_Text)
     return WaitUntil([&] { return Err.contains(p_Text.toUtf8()); });
 }
 
+bool HostProcess::WaitForOut(QString const& p_Text)
+{
+    return WaitUntil([&] { return Out.contains(p_Text.toUtf8()); });
+}
+
 bool HostProcess::WaitUntil(std::function<bool()> const& p_Condition)
 {
     constexpr int c_LookMilliseconds = 10;

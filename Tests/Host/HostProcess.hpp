@@ -51,6 +51,8 @@ public:
     Outcome Finish(QByteArray const& p_Input = {});
     /// Waits until standard error, all that was said so far, holds the text.
     [[nodiscard]] bool WaitForErr(QString const& p_Text);
+    /// The same of standard output.
+    [[nodiscard]] bool WaitForOut(QString const& p_Text);
     /// Waits while it runs. \return false when the condition never held or the program ended
     [[nodiscard]] bool WaitUntil(std::function<bool()> const& p_Condition);
     void Signal(int p_Signal) const;

@@ -75,7 +75,10 @@ void SessionGame::Listen()
         Current.get(), &HostSession::Progressed, context,
         [this](Host::RunSnapshot const& p_Snapshot) { Snapshots.push_back(p_Snapshot); });
     QObject::connect(Current.get(), &HostSession::Noticed, context,
-                     [this](QString const& p_Text) { Notices += p_Text; });
+                     [this](Host::Notice const& p_Notice) {
+                         Notices += p_Notice.Text();
+                         NoticeValues.push_back(p_Notice);
+                     });
     QObject::connect(Current.get(), &HostSession::Ended, context,
                      [this](quint64 p_Id, Host::RunResult const& p_Result) {
                          EndedIds.push_back(p_Id);
@@ -183,6 +186,7 @@ void SessionGame::Forget()
     Results.clear();
     EndedIds.clear();
     Notices.clear();
+    NoticeValues.clear();
 }
 
 } // namespace Varnholt::TestSupport

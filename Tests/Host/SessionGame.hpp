@@ -67,7 +67,8 @@ public:
     std::vector<Host::RunResult> Results;
     std::vector<quint64> EndedIds; ///< of the requests, beside `Results`
     std::vector<Host::InstallStatus> Statuses;
-    QStringList Notices;
+    QStringList Notices; ///< their texts
+    std::vector<Host::Notice> NoticeValues;
     std::optional<Host::ModuleInfo> Info;
     std::optional<Host::Failure> OpenFailure;
 

@@ -1,5 +1,7 @@
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Folder/FolderCheck.hpp"
+#include "Host/Core/Folder/GameVolumes.hpp"
 #include "Host/Core/Folder/MissingFiles.hpp"
 #include "Host/Core/Jobs/RoomCheck.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -21,6 +23,7 @@ using Launcher::ApplicationManifestFileEntry;
 using TestSupport::WriteFile;
 
 constexpr int c_LastKind = static_cast<int>(FailureKind::Interrupted);
+constexpr int c_LastNotice = static_cast<int>(NoticeKind::Stopping);
 
 ApplicationManifestFileEntry Entry(QString const& p_Path, QString const& p_Locale = {})
 {
@@ -51,6 +54,7 @@ private Q_SLOTS:
 
     void EveryKindOfFailureHasItsOwnIdentifier();
     void EveryKindHasASentenceARemedyAndAStatusOfTheList();
+    void EveryKindOfNoticeIsOneSentenceWithItsRemedy();
     void TheNetworksFailuresAreThoseOfItsStatus();
     void MarksInAFileNameStayThemselves();
 
@@ -100,6 +104,26 @@ void HostChecksTest::EveryKindHasASentenceARemedyAndAStatusOfTheList()
     }
 }
 
+void HostChecksTest::EveryKindOfNoticeIsOneSentenceWithItsRemedy()
+{
+    QSet<QString> identifiers;
+    int remedies = 0;
+    for (int kind = 0; kind <= c_LastNotice; ++kind) {
+        Notice const notice{static_cast<NoticeKind>(kind), "SUBJECT", "DETAIL"};
+        identifiers += notice.Identifier();
+        QString const text = notice.Text();
+        QVERIFY2(text.endsWith('.') && !text.contains('{'), qPrintable(text));
+        QVERIFY2(text.endsWith(notice.Remedy() + '.'), qPrintable(text));
+        remedies += notice.Remedy().isEmpty() ? 0 : 1;
+    }
+    QCOMPARE(identifiers.size(), c_LastNotice + 1);
+    QCOMPARE(remedies, 4);
+    Notice const notice{NoticeKind::FolderNotLocked, "/a {d} b/", "no locks"};
+    QCOMPARE(notice.Text(), QString("The folder /a {d} b/ cannot be locked (no locks); let no "
+                                    "other program work in it at the same time."));
+    QCOMPARE(notice.Severity(), Notice::Level::Warning);
+}
+
 void HostChecksTest::TheNetworksFailuresAreThoseOfItsStatus()
 {
     QVERIFY(Failure({FailureKind::ServerUnreachable, {}, {}}).IsNetwork());
@@ -138,17 +162,24 @@ void HostChecksTest::WhatLiesThereNeedsNoRoom()
 {
     QVERIFY(WriteFile(Path("a.part"), QByteArray(300, 'x')));
     QVERIFY(WriteFile(Path("b"), QByteArray(200, 'x')));
-    RoomCheck::Entries const files{Entry("a"), Entry("b"), Entry("c")};
-    QCOMPARE(KindOf(CheckWith(500).BeforeDownload(Path(""), files, 1000)), QString("none"));
-    auto const failure = CheckWith(499).BeforeDownload(Path(""), files, 1000);
+    GameVolumes::Entries const files{Entry("a"), Entry("b"), Entry("c")};
+    auto const failureWith = [&](qint64 p_Free) {
+        return RoomCheck::BeforeDownload(GameVolumes::SpaceFor(
+            Path(""), files, [](QString const&) { return 333; },
+            [p_Free](QString const&) { return p_Free; }));
+    };
+    QCOMPARE(KindOf(failureWith(499)), QString("none"));
+    auto const failure = failureWith(498);
     QCOMPARE(KindOf(failure), QString("disk-full"));
-    QCOMPARE(failure->Detail, QString("499 bytes are free, 500 bytes more are needed"));
+    QCOMPARE(failure->Detail, QString("498 bytes are free, 499 bytes more are needed"));
     QCOMPARE(failure->Subject, Path(""));
 }
 
 void HostChecksTest::AVolumeThatIsNotKnownIsNotFull()
 {
-    QVERIFY(!CheckWith(-1).BeforeDownload(Path(""), {Entry("a")}, 1000));
+    VolumeSpace space;
+    space.Needed = 1000;
+    QVERIFY(!RoomCheck::BeforeDownload({space}));
     QVERIFY(!CheckWith(-1).WhileDownloading(Path(""), 1000));
 }
 

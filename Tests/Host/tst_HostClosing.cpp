@@ -15,6 +15,7 @@ namespace {
 
 constexpr char c_Variable[] = "VARNHOLT_CONTENT_BASE_URL";
 constexpr int c_SoonMilliseconds = 1'000; // a tenth of a second, on a machine that has much to do
+constexpr qint64 c_SecondsOfHashing = qint64{8} * 1024 * 1024 * 1024; // and no room
 
 /// Keeps the module's thread from everything else, until its end.
 class BusyModule {
@@ -47,12 +48,14 @@ class HostClosingTest : public QObject {
 
 private Q_SLOTS:
     void ARequestWithoutAModuleEndsToo();
+    void ARequestAfterTheEndEndsToo();
     void AnInterruptionEndsTheRunOfABusyModule();
     void ABusyModuleIsNotWaitedFor();
     void ARunUnderWayEndsWhenTheSessionCloses();
     void TheProcessIsAsBefore();
     void AnotherServerMayFollow();
     void AStopIsSeenInTheMidstOfAFile();
+    void AStopIsSeenByABusyModule();
 };
 
 void HostClosingTest::ARequestWithoutAModuleEndsToo()
@@ -61,6 +64,20 @@ void HostClosingTest::ARequestWithoutAModuleEndsToo()
     game.Options.ModuleFile = "/nowhere/module.so";
     QVERIFY(!game.Open());
     QCOMPARE(game.Install(), QString("module-not-loaded"));
+    QCOMPARE(game.EndedIds, std::vector<quint64>{1});
+}
+
+void HostClosingTest::ARequestAfterTheEndEndsToo()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QSignalSpy closed(&game.Session(), &Host::HostSession::Closed);
+    game.Session().Close();
+    QVERIFY(closed.wait());
+    game.Start(RequestType::Install, game.Folder);
+    QVERIFY(game.Results.empty()); // a moment later at the soonest
+    QCOMPARE(game.End(), QString("module-not-loaded"));
     QCOMPARE(game.EndedIds, std::vector<quint64>{1});
 }
 
@@ -165,17 +182,45 @@ void HostClosingTest::AnotherServerMayFollow()
     QCOMPARE(first.Server.Count(second.Content.ServerPath("second.txt")), 0);
 }
 
-/// The module's own question, asked on any thread, has the answer before its thread hears of it.
 void HostClosingTest::AStopIsSeenInTheMidstOfAFile()
 {
     SessionGame game;
     game.AddFiles().Publish();
     QVERIFY(game.Open());
     QCOMPARE(game.Install(), QString("done"));
-    constexpr qint64 c_Bytes = qint64{8} * 1024 * 1024 * 1024; // seconds of hashing, no room
-    QVERIFY(QFile::resize(game.Path("readme.txt"), c_Bytes));
+    QVERIFY(QFile::resize(game.Path("readme.txt"), c_SecondsOfHashing));
     game.Start(RequestType::Verify);
     QVERIFY(game.WaitForPhase(Host::RunPhase::Verifying));
+    QElapsedTimer clock;
+    clock.start();
+    game.Session().Interrupt();
+    QCOMPARE(game.End(), QString("interrupted"));
+    game.Close();
+    QVERIFY2(clock.elapsed() < c_SoonMilliseconds, QByteArray::number(clock.elapsed()));
+}
+
+/// The module's own question has the answer before its thread, which hashes what has arrived, hears
+/// of it.
+void HostClosingTest::AStopIsSeenByABusyModule()
+{
+    constexpr int c_Most = 59'000;
+
+    QString const file = QStringLiteral("Data/base.MPQ");
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put(file, "damaged");
+    QString const path = game.Content.ServerPath(file);
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(c_Most));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Update);
+    QVERIFY(game.WaitForPart(file, c_Most));
+    {
+        BusyModule const busy(game.Session());
+        game.Server.OpenGate(path);
+        QVERIFY(game.WaitForPart(file, c_Most + 1'000));
+        QVERIFY(QFile::resize(game.Path(file + ".part"), c_SecondsOfHashing));
+    }
+    QVERIFY(game.WaitUntil([&] { return !game.Has(file); })); // the new one is looked at next
     QElapsedTimer clock;
     clock.start();
     game.Session().Interrupt();

@@ -1,12 +1,13 @@
+#include "Host/Core/Session/ControlLine.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/FileTools.hpp"
-#include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/TestHost.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
 #include <QLocalSocket>
+#include <QSettings>
 #include <QtTest>
 
 #include <csignal>
@@ -32,9 +33,8 @@ private Q_SLOTS:
     void TheSocketGoesWithTheRunAndIsTheUsersOwn();
     void AKilledDownloadStandsInNobodysWay();
     void WordsForOtherSettingsDoNothing();
-    void SettingsAreTheSameHoweverTheyAreSpelled_data();
-    void SettingsAreTheSameHoweverTheyAreSpelled();
-    void TheUsersFolderOfSettingsMayEndInASlash();
+    void TheFolderOfTheGameFindsIt_data();
+    void TheFolderOfTheGameFindsIt();
     void AWordMayComeInPieces();
     void ASecondRunLeavesTheFirstItsEar();
     void AKeptLimitIsToldToADownload();
@@ -47,18 +47,13 @@ private:
     }
     /// An installation that stands still in the middle of a file.
     std::unique_ptr<HostProcess> Begin() const;
-    QStringList Sockets() const
-    {
-        return QDir(RunFolder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
-    }
+    QString Socket() const { return Host::ControlLine::SocketOf(Game->Folder); }
     /// Sends the pieces to the program at work. \return its answer, until it hangs up
     QByteArray Say(QList<QByteArray> const& p_Pieces) const;
     QString File() const { return Game->Content.ServerPath("Data/base.MPQ"); }
 
     static constexpr int c_Half = 30000;
     std::unique_ptr<HostGame> Game;
-    std::unique_ptr<ScopedVariable> Runtime;
-    QString RunFolder;
 };
 
 void HostControlTest::init()
@@ -66,15 +61,10 @@ void HostControlTest::init()
     Game = std::make_unique<HostGame>();
     Game->AddFiles().Publish();
     Game->Server.Script("GET " + File()).Then(Answer::SilentAfter(c_Half));
-    RunFolder = Game->Base + "run";
-    QVERIFY(QDir().mkpath(RunFolder));
-    QVERIFY(SetMode(RunFolder, 0700));
-    Runtime = std::make_unique<ScopedVariable>("XDG_RUNTIME_DIR", RunFolder.toUtf8());
 }
 
 void HostControlTest::cleanup()
 {
-    Runtime.reset();
     Game.reset();
 }
 
@@ -90,7 +80,7 @@ std::unique_ptr<HostProcess> HostControlTest::Begin() const
 QByteArray HostControlTest::Say(QList<QByteArray> const& p_Pieces) const
 {
     QLocalSocket socket;
-    socket.connectToServer(RunFolder + '/' + Sockets().value(0));
+    socket.connectToServer(Socket());
     if (!socket.waitForConnected(TestHost::c_Timeout))
         return "nobody";
     for (QByteArray const& piece : p_Pieces) {
@@ -117,7 +107,9 @@ void HostControlTest::ADownloadIsPausedAndResumedByAnotherProgram()
 
 void HostControlTest::APauseOfManySmallFilesIsAnsweredWhenItHolds()
 {
-    constexpr int c_Many = 150;
+    constexpr int c_Many = 300;
+    constexpr int c_Pauses = 8;
+    constexpr int c_LookMilliseconds = 100; // some turns of the module
 
     Game->Content.Files.clear();
     for (int i = 0; i < c_Many; ++i)
@@ -125,15 +117,19 @@ void HostControlTest::APauseOfManySmallFilesIsAnsweredWhenItHolds()
     Game->Publish();
     HostProcess process(*Game, {"install", Game->Folder});
     QDir const folder(Game->Path("small"));
-    auto const count = [&] { return folder.entryList(QDir::Files).size(); };
-    QVERIFY(process.WaitUntil([&] { return count() > 1; }));
-    Outcome const pause = Run({"pause"});
-    int const atPause = count();
-    QCOMPARE(pause.Err, QString());
-    QVERIFY(atPause < c_Many);
-    QVERIFY(!QTest::qWaitFor([&] { return count() != atPause; }, 500));
-    QCOMPARE(Run({"pause"}).Status, 0);
-    QCOMPARE(Run({"resume"}).Status, 0);
+    auto const files = [&] { return folder.entryList(QDir::Files); };
+    int before = 1;
+    for (int i = 0; i < c_Pauses; ++i) {
+        QVERIFY(process.WaitUntil([&] { return files().size() > before; }));
+        Outcome const pause = Run({"pause"});
+        QStringList const atPause = files();
+        QCOMPARE(pause.Err, QString());
+        QVERIFY(atPause.size() < c_Many);
+        QVERIFY(!QTest::qWaitFor([&] { return files() != atPause; }, c_LookMilliseconds));
+        QCOMPARE(Run({"pause"}).Status, 0);
+        QCOMPARE(Run({"resume"}).Status, 0);
+        before = atPause.size();
+    }
     QCOMPARE(process.Finish().Status, 0);
     QCOMPARE(Game->Wrong(), QStringList());
 }
@@ -205,11 +201,11 @@ void HostControlTest::ACommandThatDoesNotDownloadTakesNoWord()
 void HostControlTest::TheSocketGoesWithTheRunAndIsTheUsersOwn()
 {
     auto const process = Begin();
-    QCOMPARE(Sockets().size(), 1);
-    QCOMPARE(ModeOf(RunFolder + '/' + Sockets().at(0)) & 077, 0);
+    QVERIFY(QFile::exists(Socket()));
+    QCOMPARE(ModeOf(Socket()) & 077, 0);
     Game->Server.OpenGate(File());
     QCOMPARE(process->Finish().Status, 0);
-    QCOMPARE(Sockets(), QStringList());
+    QVERIFY(!QFile::exists(Socket()));
 }
 
 void HostControlTest::AKilledDownloadStandsInNobodysWay()
@@ -219,7 +215,7 @@ void HostControlTest::AKilledDownloadStandsInNobodysWay()
         process->Signal(SIGKILL);
         QCOMPARE(process->Finish().Status, -1);
     }
-    QCOMPARE(Sockets().size(), 1);
+    QVERIFY(QFile::exists(Socket()));
     QCOMPARE(Run({"pause"}).Status, 1);
 
     QVERIFY(QFile::remove(Game->Path("Data/base.MPQ.part")));
@@ -230,7 +226,7 @@ void HostControlTest::AKilledDownloadStandsInNobodysWay()
     QCOMPARE(Run({"resume"}).Status, 0);
     Game->Server.OpenGate(File());
     QCOMPARE(process->Finish().Status, 0);
-    QCOMPARE(Sockets(), QStringList());
+    QVERIFY(!QFile::exists(Socket()));
 }
 
 void HostControlTest::WordsForOtherSettingsDoNothing()
@@ -244,43 +240,42 @@ void HostControlTest::WordsForOtherSettingsDoNothing()
     QVERIFY2(!outcome.Err.contains("suspended"), qPrintable(outcome.Err));
 }
 
-void HostControlTest::SettingsAreTheSameHoweverTheyAreSpelled_data()
+void HostControlTest::TheFolderOfTheGameFindsIt_data()
 {
     QTest::addColumn<QString>("settings");
-    for (char const* const settings :
-         {"settings/host.ini", "./settings/host.ini", "settings//host.ini",
-          "settings/../settings/./host.ini", "link/host.ini", "linked.ini"})
-        QTest::newRow(settings) << settings;
+    QTest::addColumn<QString>("folder"); ///< that other settings name; empty: the same settings
+    QTest::addColumn<QString>("runtime");
+    QString const folder = QString::fromUtf8("Jeux été/Game/");
+    QTest::newRow("another way to the settings") << "settings/../link/host.ini"
+                                                 << ""
+                                                 << "run";
+    QTest::newRow("without a runtime folder") << "settings/host.ini"
+                                              << ""
+                                              << "";
+    QTest::newRow("other settings") << "other.ini" << folder << "other run";
+    QTest::newRow("another way to the folder") << "other.ini"
+                                               << "link/../Jeux/Game"
+                                               << "run";
 }
 
-void HostControlTest::SettingsAreTheSameHoweverTheyAreSpelled()
+void HostControlTest::TheFolderOfTheGameFindsIt()
 {
     QFETCH(QString, settings);
+    QFETCH(QString, folder);
+    QFETCH(QString, runtime);
     QVERIFY(QFile::link("settings", Game->Base + "link"));
-    QVERIFY(QFile::link("settings/host.ini", Game->Base + "linked.ini"));
+    QVERIFY(QFile::link(QString::fromUtf8("Jeux été"), Game->Base + "Jeux"));
     auto const process = Begin();
-    Outcome const pause = HostProcess(*Game, {"--settings", settings}, {"pause"}).Finish();
+    if (!folder.isEmpty()) {
+        QSettings other(Game->Base + settings, QSettings::IniFormat);
+        other.setValue("pelmora_app.InstallFolder", QDir(Game->Base).absoluteFilePath(folder));
+    }
+    Outcome const pause = HostProcess(*Game, {"--settings", settings}, {"pause"},
+                                      {{"XDG_RUNTIME_DIR", runtime}, {"TMPDIR", runtime}})
+                              .Finish();
     QCOMPARE(pause.Err, QString());
     QCOMPARE(pause.Status, 0);
     QVERIFY(process->WaitForErr("suspended\n"));
-}
-
-void HostControlTest::TheUsersFolderOfSettingsMayEndInASlash()
-{
-    // Settings are there where neither a command line nor a variable names them.
-    auto const start = [this](QString const& p_Folder, QStringList const& p_Command) {
-        return HostProcess(*Game, {"--content-url", Game->Server.BaseUrl()}, p_Command,
-                           {{"XDG_CONFIG_HOME", p_Folder}});
-    };
-    QString const folder = Game->Base + "config";
-    auto first = start(folder + "//", {"install", Game->Folder});
-    QVERIFY(first.WaitUntil(
-        [&] { return QFileInfo(Game->Path("Data/base.MPQ.part")).size() == c_Half; }));
-    QCOMPARE(start(folder, {"pause"}).Finish().Status, 0);
-    QVERIFY(first.WaitForErr("suspended\n"));
-    QCOMPARE(start("config", {"resume"}).Finish().Status, 0);
-    Game->Server.OpenGate(File());
-    QCOMPARE(first.Finish().Status, 0);
 }
 
 void HostControlTest::AWordMayComeInPieces()

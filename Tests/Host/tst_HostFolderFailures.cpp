@@ -136,13 +136,16 @@ void HostFolderFailuresTest::AnAbsentGameFolderIsNotCreatedAgain()
 void HostFolderFailuresTest::AMovedGameIsFoundAgain_data()
 {
     QTest::addColumn<bool>("isComplete");
-    QTest::newRow("complete") << true;
-    QTest::newRow("pending") << false;
+    QTest::addColumn<bool>("hasLists");
+    QTest::newRow("complete") << true << true;
+    QTest::newRow("pending") << false << true;
+    QTest::newRow("without lists") << true << false;
 }
 
 void HostFolderFailuresTest::AMovedGameIsFoundAgain()
 {
     QFETCH(bool, isComplete);
+    QFETCH(bool, hasLists);
     HostGame game;
     game.AddFiles().Publish();
     QCOMPARE(HostProcess(game, {"-q", "install", game.Folder}).Finish().Status, 0);
@@ -150,6 +153,8 @@ void HostFolderFailuresTest::AMovedGameIsFoundAgain()
         QVERIFY(QFile::remove(game.Path("readme.txt")));
         game.Put("ToDownloadBase.db", "readme.txt\n");
     }
+    for (QString const& file : game.FilesOnDisk().filter("ToDownload"))
+        QVERIFY(hasLists || QFile::remove(game.Path(file)));
     QString const former = game.Folder;
     game.Folder = game.Base + "moved/";
     QVERIFY(QDir().rename(former, game.Folder));
@@ -159,8 +164,10 @@ void HostFolderFailuresTest::AMovedGameIsFoundAgain()
                             "moved to takes it over\n"),
         qPrintable(status.Out));
     game.ForgetRequests();
-    Outcome const outcome = HostProcess(game, {"-q", "install", game.Folder}).Finish();
-    QCOMPARE(outcome.Err, QString());
+    Outcome const outcome = HostProcess(game, {"install", game.Folder}).Finish();
+    QVERIFY2(outcome.Err.contains("The game was found again in " + game.Folder + "; it was in " +
+                                  former + " before.\n"),
+             qPrintable(outcome.Err));
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(game.Requested().filter("readme").isEmpty(), isComplete);
     QCOMPARE(game.Requested().filter("Data/").size(), 0);

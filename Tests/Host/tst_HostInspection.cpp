@@ -103,6 +103,8 @@ void HostInspectionTest::ACheckTellsWhatAnUpdateWouldFetchAndWhy()
     QCOMPARE(report.Last()["error"].toString(), QString("update-available"));
     QVERIFY2(report.Last()["text"].toString().contains("Sample build fetches 4 files (69.3 KiB)"),
              qPrintable(outcome.Out));
+    QCOMPARE(report.Last()["toFetch"].toObject(),
+             (QJsonObject{{"files", 4}, {"bytes", 71007}, {"atLeast", false}}));
     QVERIFY(!report.Phases().contains("downloading-base"));
 }
 
@@ -111,11 +113,14 @@ void HostInspectionTest::ACheckIsToldToPeopleToo()
     Break();
     Outcome const outcome = Run({"-q", "check"});
     QCOMPARE(outcome.Status, 3);
-    QCOMPARE(outcome.Out, QString("missing     58.6 KiB  Data/base.MPQ\n"
-                                  "blocked      2.0 KiB  Data/enUS/locale.MPQ\n"
-                                  "different    7 bytes  readme.txt\n"
-                                  "pending      8.8 KiB  Data/streamed 1.MPQ\n"));
+    QCOMPARE(outcome.Out.section('\n', 1), QString("missing     58.6 KiB  Data/base.MPQ\n"
+                                                   "blocked      2.0 KiB  Data/enUS/locale.MPQ\n"
+                                                   "different    7 bytes  readme.txt\n"
+                                                   "pending      8.8 KiB  Data/streamed 1.MPQ\n"));
+    QVERIFY2(outcome.Out.startsWith("60.5 KiB are needed on the volume of " + Game->Folder),
+             qPrintable(outcome.Out)); // two of them replace what is there
     QVERIFY2(IsOneSentence(outcome.Err), qPrintable(outcome.Err));
+    QVERIFY2(Run({"check"}).Err.contains("\n1 file compared: 7 bytes in 0:0"), "no totals");
 }
 
 void HostInspectionTest::ACheckLeavesOutWhatLiesThereOfAFile()
@@ -139,6 +144,7 @@ void HostInspectionTest::ACheckDoesWithoutSizesThatAServerDoesNotTell()
     QCOMPARE(report.Of("finding")[1]["bytes"].toInt(), 2000);
     QVERIFY2(report.Last()["text"].toString().contains("4 files (at least 10.7 KiB)"),
              qPrintable(outcome.Out));
+    QVERIFY(report.Last()["toFetch"].toObject()["atLeast"].toBool());
 }
 
 void HostInspectionTest::ACheckOfAnUpToDateGameSucceeds()
@@ -146,9 +152,14 @@ void HostInspectionTest::ACheckOfAnUpToDateGameSucceeds()
     Outcome const outcome = Run({"--json", "check"});
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(Findings(outcome), QStringList());
-    QCOMPARE(JsonReport(outcome.Out).Last()["transfers"].toInt(-1), 0);
-    QCOMPARE(Run({"-q", "check"}).Out,
-             QString("Mists of Pandaria, build Sample build, is up to date\n"));
+    QJsonObject const last = JsonReport(outcome.Out).Last();
+    QCOMPARE(last["transfers"].toInt(-1), 0);
+    QCOMPARE(last["totals"].toObject()["files"].toInt(), 3);
+    QCOMPARE(last["toFetch"].toObject()["files"].toInt(-1), 0);
+    QString const out = Run({"-q", "check"}).Out;
+    QVERIFY2(out.startsWith("Mists of Pandaria, build Sample build, is up to date (3 files "
+                            "compared: 60.6 KiB in 0:0"),
+             qPrintable(out));
 }
 
 void HostInspectionTest::ACheckTrustsWhatAnUpdateTrusts()
@@ -214,14 +225,16 @@ void HostInspectionTest::AVerificationFindsEveryWrongFile()
     JsonReport const report(outcome.Out);
     QCOMPARE(report.Last()["error"].toString(), QString("files-wrong"));
     QCOMPARE(report.Texts("finding", "bytes").join(""), QString());
+    QCOMPARE(report.Last()["totals"].toObject()["files"].toInt(), 4);
     QCOMPARE(Game->Requested(), QStringList());
 }
 
 void HostInspectionTest::AVerificationOfARightGameSucceeds()
 {
     Outcome const outcome = Run({"-q", "verify"});
-    QCOMPARE(outcome.Out,
-             QString("every file of Mists of Pandaria, build Sample build, is right\n"));
+    QVERIFY2(outcome.Out.startsWith("every file of Mists of Pandaria, build Sample build, is right "
+                                    "(6 files compared: 106.5 KiB in 0:0"),
+             qPrintable(outcome.Out));
     QCOMPARE(outcome.Err, QString());
     QCOMPARE(outcome.Status, 0);
 }

@@ -106,7 +106,12 @@ void HostInterruptTest::AnInterruptionWhileWaitingToTryAgainEnds()
     game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitUntil([&] { return game.HasWaitedFor("connection closed before the end"); }));
+    QVERIFY(game.WaitForPhase(RunPhase::WaitingToRetry));
+    Host::RunSnapshot const shown = game.Snapshots.back();
+    QCOMPARE(shown.Wait->Cause, QString("connection closed before the end"));
+    QVERIFY(shown.Wait->Attempt > 1 && shown.Wait->Attempts == 0);
+    QVERIFY(shown.Wait->NextAttempt > 0);
+    QCOMPARE(shown.FileCount, 4u); // as in the phase before
     game.Session().Interrupt();
     QCOMPARE(game.End(), QString("interrupted"));
     game.Server.ClearScript(path);

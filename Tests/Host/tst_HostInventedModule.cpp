@@ -29,6 +29,9 @@ void HostInventedModuleTest::EachJobServesAnotherGame()
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.Has("WTF/Config.wtf"));
+    for (QString const& key : game.SettingKeys())
+        QVERIFY2(key.startsWith("lantern_app.") || key.startsWith("host/lantern_app/"),
+                 qPrintable(key));
     for (RequestType const kind : {RequestType::Update, RequestType::Check, RequestType::Verify,
                                    RequestType::Repair, RequestType::ListLocales})
         QCOMPARE(game.Run(kind), QString("done"));
@@ -42,6 +45,7 @@ void HostInventedModuleTest::EachJobServesAnotherGame()
     request.Password = "word";
     QCOMPARE(game.Run(request), QString("done"));
     QCOMPARE(game.Notices, QStringList());
+    QVERIFY(game.Result().OutputFile.endsWith("host.lantern_app.log"));
     QVERIFY(game.Has("login/screen.txt"));
     QCOMPARE(game.Read("Lantern.args"), QByteArray("--lit\n"));
     QVERIFY(QFile::remove(game.Path("Lantern.args")));

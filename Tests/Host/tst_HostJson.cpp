@@ -100,7 +100,8 @@ void HostJsonTest::ARunIsToldFromItsPhasesToItsResult()
     QCOMPARE(phases.last(), QString("finished"));
     QJsonObject const result = report.Last();
     QCOMPARE(result["game"].toString(), QString("Mists of Pandaria"));
-    QCOMPARE(result["build"].toString(), QString("Sample build"));
+    QCOMPARE(result["build"].toString(), QString("build_1"));
+    QCOMPARE(result["buildName"].toString(), QString("Sample build"));
     QCOMPARE(result["folder"].toString(), game.Folder);
     QCOMPARE(result["locale"].toString(), QString("enUS"));
     QCOMPARE(result["transfers"].toInt(), 6);
@@ -160,9 +161,12 @@ void HostJsonTest::ANoticeIsALineOfItsOwn()
     game.Server.Remove("/cdns.info");
     Outcome const outcome = HostProcess(game, {"--json", "install", game.Folder}).Finish();
     QCOMPARE(outcome.Status, 0);
-    QStringList const notices = JsonReport(outcome.Out).Texts("notice", "text");
-    QCOMPARE(notices.size(), 1);
-    QVERIFY2(notices[0].contains("cdns.info"), qPrintable(notices[0]));
+    auto const notices = JsonReport(outcome.Out).Of("notice");
+    QCOMPARE(notices.size(), std::size_t(1));
+    QVERIFY(notices[0]["text"].toString().contains("cdns.info"));
+    QCOMPARE(notices[0]["kind"].toString(), QString("mirrors-unknown"));
+    QCOMPARE(notices[0]["severity"].toString(), QString("warning"));
+    QVERIFY(!notices[0].contains("remedy"));
 }
 
 void HostJsonTest::OnlyRunsThatUseTheRealmListTellOfIt_data()
@@ -201,6 +205,7 @@ void HostJsonTest::FindingsStandBeforeTheError()
     QCOMPARE(report.Texts("finding", "file"), QStringList("readme.txt"));
     QCOMPARE(report.Texts("finding", "cause"), QStringList("different"));
     QCOMPARE(report.Texts("finding", "bytes"), QStringList("7"));
+    QCOMPARE(report.Texts("finding", "remedy"), QStringList("run \"update\""));
     QCOMPARE(report.Last()["error"].toString(), QString("update-available"));
 }
 

@@ -1,8 +1,9 @@
 #include "Host/Cli/ConfigCommand.hpp"
-#include "Host/Cli/JsonPresenter.hpp"
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Jobs/RunPhase.hpp"
+#include "Host/Core/Session/ControlLine.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -23,10 +24,14 @@ QString Document()
 /// The values that the schema allows for a key of a type.
 QStringList Allowed(QString const& p_Type, QString const& p_Key)
 {
-    for (QJsonValue const& schema : JsonSchema::Documented("host-json").Words()["oneOf"].toArray())
+    auto const words = JsonSchema::Documented("host-json").Words();
+    QJsonValue found;
+    for (QJsonValue const& schema : words["oneOf"].toArray())
         if (schema["title"].toString() == p_Type)
-            return schema["properties"][p_Key]["enum"].toVariant().toStringList();
-    return {};
+            found = schema["properties"][p_Key];
+    if (QString const defined = found["$ref"].toString(); !defined.isEmpty())
+        found = words["definitions"].toObject()[defined.section(QLatin1Char('/'), -1)];
+    return found["enum"].toVariant().toStringList();
 }
 
 /// First columns of the table of the document whose heading begins so; the others behind a "|".
@@ -61,15 +66,27 @@ QStringList Phases()
     return QStringList(name(0)) + NamesUntil(name(0), 1, name);
 }
 
+/// One of each kind.
+template <typename Told, typename Kind>
+std::vector<Told> Each()
+{
+    std::vector<Told> all{Told{static_cast<Kind>(0), {}, {}}};
+    for (int i = 1;; ++i) {
+        Told const told{static_cast<Kind>(i), {}, {}};
+        if (told.Identifier() == all.front().Identifier())
+            return all;
+        all.push_back(told);
+    }
+}
+
 std::vector<Host::Failure> Failures()
 {
-    std::vector<Host::Failure> failures(1);
-    for (int i = 1;; ++i) {
-        Host::Failure const failure{static_cast<Host::FailureKind>(i), {}, {}};
-        if (failure.Identifier() == failures.front().Identifier())
-            return failures;
-        failures.push_back(failure);
-    }
+    return Each<Host::Failure, Host::FailureKind>();
+}
+
+std::vector<Host::Notice> Notices()
+{
+    return Each<Host::Notice, Host::NoticeKind>();
 }
 
 } // namespace
@@ -82,6 +99,7 @@ private Q_SLOTS:
     void TheSchemaNamesThePhasesOfTheProgram();
     void TheSchemaNamesTheErrorsOfTheProgram();
     void TheSchemaNamesTheCausesOfTheProgram();
+    void SchemaAndDocumentNameTheNoticesOfTheProgram();
     void SchemaAndDocumentNameTheOptionsOfTheProgram();
     void ProgressTellsOfServersAndWaiting();
     void ProgressLeavesOutWhatIsNotKnown();
@@ -111,6 +129,7 @@ void HostJsonFormTest::TheSchemaNamesTheErrorsOfTheProgram()
     statuses.removeDuplicates();
     QVERIFY(identifiers.contains("interrupted"));
     QCOMPARE(Allowed("error", "error"), identifiers);
+    QCOMPARE(Allowed("finding", "error"), identifiers);
     QCOMPARE(allowed, statuses);
 }
 
@@ -122,6 +141,23 @@ void HostJsonFormTest::TheSchemaNamesTheCausesOfTheProgram()
         return finding.CauseText();
     };
     QCOMPARE(Allowed("finding", "cause"), NamesUntil(QString(), 0, name));
+}
+
+void HostJsonFormTest::SchemaAndDocumentNameTheNoticesOfTheProgram()
+{
+    QStringList identifiers;
+    QStringList rows;
+    for (Host::Notice const& notice : Notices()) {
+        identifiers += notice.Identifier();
+        rows += QStringLiteral("| `%1` | %2 ").arg(notice.Identifier(), notice.SeverityName());
+        QVERIFY(Allowed("notice", "severity").contains(notice.SeverityName()));
+    }
+    QVERIFY(identifiers.contains("stopping"));
+    QCOMPARE(Allowed("notice", "kind"), identifiers);
+    QStringList documented;
+    for (QString const& row : Table("Notice"))
+        documented += row.section(QLatin1Char('|'), 0, 2);
+    QCOMPARE(documented, rows);
 }
 
 void HostJsonFormTest::SchemaAndDocumentNameTheOptionsOfTheProgram()
@@ -138,7 +174,7 @@ namespace {
 /// As the line that it becomes.
 QJsonObject Line(Host::RunSnapshot const& p_Snapshot)
 {
-    QJsonObject line = Host::JsonPresenter::Progress(p_Snapshot);
+    QJsonObject line = Host::ControlLine::ObjectOf(p_Snapshot);
     line["type"] = "progress";
     line["time"] = "now";
     return line;
@@ -154,7 +190,7 @@ void HostJsonFormTest::ProgressTellsOfServersAndWaiting()
     snapshot.Phase = Host::RunPhase::DownloadingBase;
     snapshot.BytesReceived = c_Large;
     snapshot.Servers = {{"a.example", c_Large}, {"b.example:81", 0}};
-    snapshot.Wait = Host::ServerWait{"b.example:81", "connection refused", 12, 8};
+    snapshot.Wait = Host::ServerWait{"b.example:81", "connection refused", 12, 8, 2, 3};
     QJsonObject const line = Line(snapshot);
     QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
     QCOMPARE(line["received"].toDouble(), double(c_Large));
@@ -164,7 +200,9 @@ void HostJsonFormTest::ProgressTellsOfServersAndWaiting()
     QCOMPARE(line["wait"].toObject(), (QJsonObject{{"server", "b.example:81"},
                                                    {"cause", "connection refused"},
                                                    {"silent", 12},
-                                                   {"nextAttempt", 8}}));
+                                                   {"nextAttempt", 8},
+                                                   {"attempt", 2},
+                                                   {"attempts", 3}}));
 }
 
 void HostJsonFormTest::ProgressLeavesOutWhatIsNotKnown()

@@ -1,5 +1,4 @@
-#include "Host/Cli/Console.hpp"
-#include "Host/Cli/MessageLog.hpp"
+#include "Host/Core/Session/MessageLog.hpp"
 #include "Tests/Host/HostProcess.hpp"
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -31,6 +30,7 @@ private Q_SLOTS:
     void AFileThatCannotBeWrittenIsToldAndTheRunGoesOn();
     void StandardOutputStaysJsonWithoutTheFile();
     void AddressesAreWrittenAsPeopleKnowThem();
+    void WhatOtherThreadsSayArrivesAsValues();
     void NamesMayChangeWhileTheLogIsWritten();
 
 private:
@@ -110,7 +110,10 @@ void HostLogFileTest::RetriesAndNoticesAreToldWithTheirReason()
     QStringList const failures = lines.filter("a try has failed: " + Game->Server.BaseUrl());
     QCOMPARE(failures.filter("version.json (HTTP status 503)").size(), 1);
     QCOMPARE(failures.filter("version.json (HTTP status 500)").size(), 1);
-    QCOMPARE(lines.filter("[varnholt.host] notice: The list of mirrors is damaged").size(), 1);
+    QCOMPARE(
+        lines.filter("[varnholt.host] warning: mirrors-unknown: The list of mirrors is damaged")
+            .size(),
+        1);
     QVERIFY2(lines.last().endsWith("exit status: 0"), qPrintable(lines.last()));
 }
 
@@ -189,9 +192,8 @@ void HostLogFileTest::AddressesAreWrittenAsPeopleKnowThem()
     QString const file = Game->Base + "host.log";
     QString const door = "http://127.0.0.1:4711/6f1c/";
     auto const names = std::make_shared<Host::AddressNames>();
-    Host::Console console(Host::Color::Never, true);
     {
-        Host::MessageLog const log(console, false, file, names);
+        Host::MessageLog const log(file, names);
         qWarning("%s", qPrintable("first " + door + "d/a"));
         names->Set({{door + "d/", "https://content.example/"}, {door + "m/", "mirror:/"}});
         qWarning("%s", qPrintable("from " + door + "d/pelmora_app/version.json, " + door +
@@ -209,6 +211,27 @@ void HostLogFileTest::AddressesAreWrittenAsPeopleKnowThem()
                                 "mirror:/a%20b and mirror:/",
                                 "QUrl(https://content.example/x y)", "nothing of the kind",
                                 "last " + door + "d/a"}));
+}
+
+void HostLogFileTest::WhatOtherThreadsSayArrivesAsValues()
+{
+    auto const names = std::make_shared<Host::AddressNames>();
+    names->Set({{"http://door/", "https://content.example/"}});
+    std::vector<Host::LogEntry> entries;
+    Host::MessageLog const log({}, names);
+    QVERIFY(log.Problem().isEmpty());
+    connect(&log, &Host::MessageLog::Logged, this, [&](Host::LogEntry const& p_Entry) {
+        QCOMPARE(QThread::currentThread(), thread());
+        entries.push_back(p_Entry);
+    });
+    QLoggingCategory const category("varnholt.trial");
+    std::thread([&] { qCCritical(category, "from http://door/a"); }).join();
+    QVERIFY(entries.empty());
+    QTRY_COMPARE(entries.size(), std::size_t(1));
+    QCOMPARE(entries[0].Type, QtCriticalMsg);
+    QCOMPARE(entries[0].Category, QString("varnholt.trial"));
+    QCOMPARE(entries[0].Text, QString("from https://content.example/a"));
+    QCOMPARE(entries[0].Line(), QString("[varnholt.trial] from https://content.example/a"));
 }
 
 void HostLogFileTest::NamesMayChangeWhileTheLogIsWritten()

@@ -165,7 +165,9 @@ void HostMirrorsTest::ADeadMirrorDoesNotKeepTheOthersFromBeingAsked()
 
 void HostMirrorsTest::AServerThatIsListedTwiceIsAskedOnce()
 {
-    QStringList const listed{First->Host(), Game->Server.Host(), First->Host()};
+    QString const host = First->Host();
+    QStringList const listed{host, Game->Server.Host(), host, "https://" + host,
+                             host + "/another/path"};
     Game->Server.Serve("/cdns.info", listed.join(' ').toUtf8());
     Outcome const outcome = Run();
     QCOMPARE(JsonReport(outcome.Out).Texts("mirror", "mirror"),

@@ -93,7 +93,7 @@ void HostOfflineTest::ARunGoesOnWithoutWhatTheServerDoesNotGive()
     game.Server.Script(path).Always(answer);
     for (RequestType const kind : {RequestType::Play, RequestType::Verify}) {
         QCOMPARE(game.Run(kind), QString("done"));
-        QCOMPARE(game.Result().Build, QString("Sample build"));
+        QCOMPARE(game.Result().Build, QString("build_1"));
         QCOMPARE(game.Notices.size(), 1);
         QVERIFY2(game.Notices[0].contains(why) && game.Notices[0].endsWith(c_GoesOn[0]),
                  qPrintable(game.Notices[0]));
@@ -122,7 +122,7 @@ void HostOfflineTest::AServerThatAnswersIsWorthMoreThanCopies()
     Complete(game);
     PublishAnotherBuild(game);
     QCOMPARE(game.Run(RequestType::Play), QString("done"));
-    QCOMPARE(game.Result().Build, QString("Second build"));
+    QCOMPARE(game.Result().Build, QString("build_2"));
     QCOMPARE(game.Notices, QStringList());
 }
 
@@ -136,7 +136,7 @@ void HostOfflineTest::CopiesAreOfTheBuildThatWasCompletedLast()
     game.Options.Offline = true;
     QVERIFY(game.Open());
     QCOMPARE(game.Run(RequestType::Verify), QString("done"));
-    QCOMPARE(game.Result().Build, QString("Sample build"));
+    QCOMPARE(game.Result().Build, QString("build_1"));
 
     game.Server.ClearScript(game.Content.ServerPath("new.txt"));
     game.Options.Offline = false;
@@ -144,7 +144,7 @@ void HostOfflineTest::CopiesAreOfTheBuildThatWasCompletedLast()
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
     game.Server.Stop();
     QCOMPARE(game.Run(RequestType::Verify), QString("done"));
-    QCOMPARE(game.Result().Build, QString("Second build"));
+    QCOMPARE(game.Result().Build, QString("build_2"));
 }
 
 void HostOfflineTest::AnUpdateWantsAServer()

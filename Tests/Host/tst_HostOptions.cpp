@@ -64,6 +64,7 @@ private Q_SLOTS:
     void ThePasswordOfTheEnvironmentStandsAboveTheOneKept();
     void ThePasswordGoesOutOfTheEnvironment();
     void AQuickCheckIsOne();
+    void FilesThatWereGivenUpAreListedUpToAPoint();
     void AQuickCheckSaysWhatItHasNotLookedAt();
 
 private:
@@ -267,14 +268,32 @@ void HostOptionsTest::AQuickCheckIsOne()
     QVERIFY(Completed({"check"}).Request.Quick);
 }
 
+void HostOptionsTest::FilesThatWereGivenUpAreListedUpToAPoint()
+{
+    FileFinding finding;
+    finding.Path = "a.MPQ";
+    finding.Problem = {FailureKind::FilesWrong, "a.MPQ", "5.4.8"};
+    RunResult result;
+    result.Findings.assign(1, finding);
+    QCOMPARE(Reports::Findings({}, result), QStringList()); // the failure tells all
+    result.Findings.assign(23, finding);
+    QStringList const lines = Reports::Findings({}, result);
+    QCOMPARE(lines.size(), 21);
+    QCOMPARE(lines[19],
+             QString("a.MPQ: the game differs from build 5.4.8 in a.MPQ; run \"repair\""));
+    QCOMPARE(lines[20], QString("and 3 more"));
+}
+
 void HostOptionsTest::AQuickCheckSaysWhatItHasNotLookedAt()
 {
     RunRequest request;
     request.Kind = RunRequest::Type::Check;
     RunResult result;
     result.Build = "5.4.8";
-    QCOMPARE(Reports::Success(request, result, "Game"),
-             QStringList("Game, build 5.4.8, is up to date"));
+    result.Totals.Milliseconds = 449;
+    QCOMPARE(
+        Reports::Success(request, result, "Game"),
+        QStringList("Game, build 5.4.8, is up to date (no file had to be compared; it took 0:00)"));
     request.Quick = true;
     QCOMPARE(Reports::Success(request, result, "Game"),
              QStringList("Game, build 5.4.8, is the current build; its files were not looked at"));

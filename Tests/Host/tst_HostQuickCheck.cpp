@@ -26,6 +26,7 @@ void HostQuickCheckTest::ItAsksForTheVersionFileOnly()
     QVERIFY(game.Open());
     QCOMPARE(game.Run(SessionGame::QuickCheck()), QString("done"));
     QCOMPARE(game.Result().Build, QString("build_1"));
+    QCOMPARE(game.Result().BuildName, QString());
     QCOMPARE(game.Server.Requests().size(), std::size_t(1));
     QCOMPARE(game.Server.Count(game.Content.VersionPath()), 1);
 }

@@ -24,6 +24,7 @@ class HostServerFailuresTest : public QObject {
 private Q_SLOTS:
     void AFileThatCannotBeHadIsNamedAndTheRestArrives_data();
     void AFileThatCannotBeHadIsNamedAndTheRestArrives();
+    void EachFileThatIsGivenUpIsToldWithItsCause();
     void AFileThatIsRefusedAfterADropIsNamedAndTheRestArrives();
     void AFileWhoseServerClosesEachTimeIsGivenUp();
     void ASizeThatCannotBeHadIsNamedAndAskedForAgain();
@@ -78,6 +79,38 @@ void HostServerFailuresTest::AFileThatCannotBeHadIsNamedAndTheRestArrives()
     asked.removeDuplicates();
     QCOMPARE(asked, QStringList(file));
     QVERIFY(!game.IsMarkedUnfinished());
+}
+
+void HostServerFailuresTest::EachFileThatIsGivenUpIsToldWithItsCause()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    for (char const* const file : {"Data/base.MPQ", "readme.txt", "Data/streamed 1.MPQ"})
+        QVERIFY(QFile::remove(game.Path(file)));
+    game.Put("Data/streamed 1.MPQ/x", "of the user");
+    game.Server.Script(game.Content.ServerPath("Data/base.MPQ")).Always(Answer::Status(404));
+    game.Server.Script("GET " + game.Content.ServerPath("readme.txt")).Always(Bytes("damaged"));
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Update), QString("folder-blocks-file"));
+    QStringList found;
+    for (Host::FileFinding const& finding : game.Result().Findings) {
+        found +=
+            QString("%1 %2 %3").arg(finding.CauseText(), finding.Path, finding.Problem.Sentence());
+        QVERIFY(!finding.Problem.Remedy().isEmpty());
+    }
+    found.sort();
+    QCOMPARE(found.size(), 3);
+    QCOMPARE(found[0], "blocked Data/streamed 1.MPQ a folder stands where the file " + game.Folder +
+                           "Data/streamed 1.MPQ belongs");
+    QVERIFY2(found[1].startsWith("missing Data/base.MPQ the file Data/base.MPQ could not be "
+                                 "fetched (HTTP status 404 for http://"),
+             qPrintable(found[1]));
+    QCOMPARE(found[2], QString("missing readme.txt the file readme.txt could not be fetched (what "
+                               "the server gave is not what the build announces)"));
+    QCOMPARE(game.Run(RequestType::Verify), QString("files-wrong"));
+    QCOMPARE(game.Result().Findings.size(), std::size_t(3));
+    QCOMPARE(game.Result().Findings[0].Problem.Identifier(), QString("files-wrong"));
+    QCOMPARE(game.Result().Findings[2].Problem.Identifier(), QString("folder-blocks-file"));
 }
 
 void HostServerFailuresTest::AFileThatIsRefusedAfterADropIsNamedAndTheRestArrives()

@@ -1,3 +1,4 @@
+#include "Host/Core/Session/ControlLine.hpp"
 #include "Tests/Host/SessionGame.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -55,9 +56,15 @@ private Q_SLOTS:
     void WhatLiesThereOfAFileCountsAsDone();
     void ADownloadIsShownWithItsFileItsMirrorAndItsRate();
     void AVerificationIsShownInBytes();
+    void AComparisonIsShownInBytes_data();
+    void AComparisonIsShownInBytes();
+    void AFileThatHasArrivedIsShownWhileItIsVerified();
     void EveryRunEndsExactlyOnce();
     void ARequestDuringARunIsRefused();
     void OneSessionServesManyRequests();
+    void ALanguageIsSetWhileTheSessionLives();
+    void AStoppedRepairEndsAndIsNotTakenForAWholeOne();
+    void ARepairThatIsStoppedBeforeItsFilesEnds();
     void ASessionAfterAnotherLoadsTheModuleAgain();
     void ASecondSessionBesideTheFirstIsRefused();
 };
@@ -71,7 +78,8 @@ void HostSessionTest::AnInstallationBringsEverything()
     QVERIFY(!game.Status().IsInstalled);
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.Result().Build, QString("Sample build"));
+    QCOMPARE(game.Result().Build, QString("build_1"));
+    QCOMPARE(game.Result().BuildName, QString("Sample build"));
     QCOMPARE(game.Result().Folder, game.Folder);
     QCOMPARE(game.Result().Transfers, 6u);
     QCOMPARE(game.Notices, QStringList());
@@ -203,6 +211,78 @@ void HostSessionTest::AVerificationIsShownInBytes()
     QCOMPARE(game.Snapshots.back().BytesTotal, quint64(c_Bytes + others));
     QCOMPARE(game.End(), QString("files-wrong"));
     QCOMPARE(FaultOf(game.Snapshots), QString());
+    // The bytes are there when the file is, and not before.
+    auto const count = [&](auto const& p_Is) {
+        return std::count_if(game.Snapshots.begin(), game.Snapshots.end(), p_Is);
+    };
+    quint64 most = 0;
+    for (RunSnapshot const& shown : game.Snapshots)
+        if (shown.File == "readme.txt")
+            most = shown.BytesDone;
+    auto const within = count([&](RunSnapshot const& p_Shown) {
+        return p_Shown.File == "readme.txt" && p_Shown.BytesDone < most;
+    });
+    auto const behind = count([&](RunSnapshot const& p_Shown) {
+        return p_Shown.File == "readme.txt" && p_Shown.BytesDone == most;
+    });
+    QVERIFY2(behind * 3 < within, qPrintable(QString("%1, %2").arg(behind).arg(within)));
+}
+
+void HostSessionTest::AComparisonIsShownInBytes_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("phase");
+    QTest::addColumn<int>("others");
+    QTest::newRow("base") << "readme.txt" << int(RunPhase::Comparing) << 60000 + 30000 + 2000;
+    QTest::newRow("streamed") << "Data/streamed 1.MPQ" << int(RunPhase::ComparingStreamed) << 8000;
+}
+
+void HostSessionTest::AComparisonIsShownInBytes()
+{
+    constexpr qint64 c_Bytes = qint64{1} << 30; // a second of hashing, and no room
+
+    QFETCH(QString, file);
+    QFETCH(int, phase);
+    QFETCH(int, others);
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    QVERIFY(QFile::resize(game.Path(file), c_Bytes));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitUntil([&] {
+        return !game.Snapshots.empty() && int(game.Snapshots.back().Phase) == phase &&
+               game.Snapshots.back().BytesDone > c_Bytes / 4;
+    }));
+    RunSnapshot const shown = game.Snapshots.back();
+    QCOMPARE(shown.File, file);
+    QCOMPARE(shown.BytesTotal, quint64(c_Bytes + others));
+    QVERIFY(shown.BytesDone < shown.BytesTotal);
+    QVERIFY(shown.Rate > 0 && shown.Remaining >= 0);
+    QCOMPARE(game.End(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    QCOMPARE(FaultOf(game.Snapshots), QString());
+}
+
+void HostSessionTest::AFileThatHasArrivedIsShownWhileItIsVerified()
+{
+    constexpr int c_Bytes = 256 * 1024 * 1024; // some tenths of a second of hashing
+
+    SessionGame game;
+    game.AddFiles();
+    game.Content.Add({"Data/long.MPQ", QByteArray(c_Bytes, 0)});
+    game.Publish();
+    game.Put("ToDownload.db", "");
+    game.Put("Data/long.MPQ.part", "");
+    QVERIFY(QFile::resize(game.Path("Data/long.MPQ.part"), c_Bytes - 1000)); // no room
+    QVERIFY(game.Open());
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong(), QStringList());
+    auto const shown =
+        std::find_if(game.Snapshots.begin(), game.Snapshots.end(),
+                     [](auto const& p_Shown) { return p_Shown.Phase == RunPhase::Verifying; });
+    QVERIFY(shown != game.Snapshots.end());
+    QCOMPARE(shown->File, QString("Data/long.MPQ"));
+    QCOMPARE(FaultOf(game.Snapshots), QString());
 }
 
 void HostSessionTest::EveryRunEndsExactlyOnce()
@@ -241,10 +321,20 @@ void HostSessionTest::ARequestDuringARunIsRefused()
     quint64 const refused = game.Session().Start(other);
     QCOMPARE(game.End(), QString("session-busy"));
     QCOMPARE(game.EndedIds, std::vector<quint64>{refused});
+    QString const path = game.Content.ServerPath("Data/base.MPQ");
+    game.Server.Script("GET " + path).Then(Answer::SilentAfter(1000));
     game.Server.OpenGate(version);
+    QVERIFY(game.WaitForPart("Data/base.MPQ", 1000));
+    QString const socket = Host::ControlLine::SocketOf(game.Folder);
+    QVERIFY(QFile::exists(socket));
+    game.Session().Start(other);
     QVERIFY(game.WaitUntil([&] { return game.Results.size() == 2; }));
+    QVERIFY(QFile::exists(socket)); // the run goes on, and is found
+    game.Server.OpenGate(path);
+    QVERIFY(game.WaitUntil([&] { return game.Results.size() == 3; }));
+    QVERIFY(!QFile::exists(socket));
     QVERIFY(!game.Result().Problem);
-    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused - 1}));
+    QCOMPARE(game.EndedIds, (std::vector<quint64>{refused, refused + 1, refused - 1}));
     QCOMPARE(game.Wrong(), QStringList());
 }
 
@@ -263,6 +353,61 @@ void HostSessionTest::OneSessionServesManyRequests()
     QCOMPARE(game.Install(), QString("done")); // of the files that stayed
     QCOMPARE(game.Result().Transfers, 0u);
     QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ALanguageIsSetWhileTheSessionLives()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    for (QString const& code : {QString("esES"), QString("frFR")}) {
+        game.Session().SetLanguage(code);
+        QCOMPARE(game.Status().Locale, code);
+    }
+    game.Session().SetLanguage("no language");
+    QCOMPARE(game.Status().Locale, QString("frFR"));
+    QCOMPARE(game.Install(), QString("done"));
+    QCOMPARE(game.Wrong("frFR"), QStringList());
+    QCOMPARE(game.Run(RequestType::ChooseLocale, "enUS"), QString("done"));
+    QCOMPARE(game.Status().Locale, QString("enUS"));
+    game.Session().SetLanguage("esES"); // the game has its own now
+    QCOMPARE(game.Status().Locale, QString("enUS"));
+}
+
+void HostSessionTest::AStoppedRepairEndsAndIsNotTakenForAWholeOne()
+{
+    constexpr qint64 c_Bytes = qint64{1} << 30;
+
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Put("Data/first build.MPQ", "damaged"); // what an ordinary comparison trusts
+    QVERIFY(QFile::resize(game.Path("readme.txt"), c_Bytes));
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitUntil(
+        [&] { return !game.Snapshots.empty() && game.Snapshots.back().BytesDone > c_Bytes / 8; }));
+    game.Session().StopRepair();
+    QCOMPARE(game.End(), QString("done"));
+    QVERIFY(game.Result().IsRepairStopped);
+    QCOMPARE(game.Wrong(), QStringList("Data/first build.MPQ"));
+    QVERIFY(game.Status().IsUnfinished);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QVERIFY(!game.Result().IsRepairStopped);
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ARepairThatIsStoppedBeforeItsFilesEnds()
+{
+    SessionGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.Server.Script(game.Content.VersionPath()).Then(Answer::SilentBeforeHeaders());
+    QVERIFY(game.Open());
+    game.Start(RequestType::Repair);
+    QVERIFY(game.WaitForPhase(RunPhase::Connecting));
+    game.Session().StopRepair();
+    QCOMPARE(game.End(), QString("interrupted"));
+    QVERIFY(game.Result().IsRepairStopped);
+    QVERIFY(!game.Status().IsUnfinished);
 }
 
 void HostSessionTest::ASessionAfterAnotherLoadsTheModuleAgain()

@@ -25,17 +25,19 @@ QString OutputFileOf(Outcome const& p_Outcome)
 /// A session that knows a game and watches it for long.
 class WatchingSession : public SessionGame {
 public:
-    explicit WatchingSession(HostGame const& p_Game)
-    {
-        constexpr int c_Long = 1'000'000;
+    static constexpr int c_Long = 1'000'000;
 
+    explicit WatchingSession(HostGame const& p_Game, int p_Milliseconds = c_Long)
+    {
         Options.SettingsFile = p_Game.SettingsFile;
         Options.ContentUrl = p_Game.Server.BaseUrl();
-        Options.WatchMilliseconds = c_Long;
+        Options.WatchMilliseconds = p_Milliseconds;
         if (!Open())
             qFatal("the module cannot be loaded");
     }
 };
+
+QByteArray const c_UntilLetGo = "#!/bin/sh\nwhile [ -e \"$0.run\" ]; do sleep 0.02; done\n";
 
 /// Runs the host below a shell's line, in which it is "$@". \return what the line has written
 Outcome BelowShell(HostGame const& p_Game, QString const& p_Line, QStringList const& p_Arguments)
@@ -65,6 +67,11 @@ private Q_SLOTS:
     void AProgramOnAVolumeWithoutProgramsIsTold();
     void AProgramThatEndsWithAnErrorIsTold_data();
     void AProgramThatEndsWithAnErrorIsTold();
+    void ARunningGameAndItsEndAreTold_data();
+    void ARunningGameAndItsEndAreTold();
+    void AnInterruptedStartLeavesAGameWhoseEndIsTold();
+    void PlayWaitsForTheEnd_data();
+    void PlayWaitsForTheEnd();
     void TheOutputGoesToAFileOfItsOwner();
     void TheOutputBeforeIsKeptOnce();
     void TheOutputDoesNotGoIntoTheGamesFolder();
@@ -153,10 +160,83 @@ void HostStartTest::AProgramThatEndsWithAnErrorIsTold()
     request.Argument = "me";
     request.Password = "S3cret";
     QCOMPARE(session.Run(request), QString("game-failed"));
-    QCOMPARE(session.Sentence(), "the game has ended at once with an error (" + cause +
+    QCOMPARE(session.Sentence(), "the game has ended with an error (" + cause +
                                      "), its output is in " + game.Base +
                                      "settings/host.pelmora_app.log");
     QVERIFY(!game.Has(game.Layout));
+}
+
+void HostStartTest::ARunningGameAndItsEndAreTold_data()
+{
+    QTest::addColumn<QByteArray>("ending");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("signal");
+    QTest::newRow("well") << QByteArray("exit 0") << 0 << 0;
+    QTest::newRow("a status") << QByteArray("exit 3") << 3 << 0;
+    QTest::newRow("a signal") << QByteArray("kill -KILL $$") << -1 << 9;
+}
+
+void HostStartTest::ARunningGameAndItsEndAreTold()
+{
+    QFETCH(QByteArray, ending);
+    QFETCH(int, status);
+    QFETCH(int, signal);
+    PlayedGame const game(c_UntilLetGo + ending + '\n');
+    game.KeepRunning();
+    WatchingSession session(game, 1);
+    QSignalSpy const started(&session.Session(), &Host::HostSession::GameStarted);
+    QSignalSpy const ended(&session.Session(), &Host::HostSession::GameEnded);
+    QCOMPARE(session.Run(RequestType::Play), QString("done"));
+    QCOMPARE(started.size(), 1);
+    QCOMPARE(started[0][0].toLongLong(), session.Result().ProcessId);
+    session.Status(); // some turns later
+    QCOMPARE(ended.size(), 0);
+    game.LetGo();
+    QVERIFY(session.WaitUntil([&] { return !ended.isEmpty(); }));
+    auto const end = ended[0][0].value<Host::GameEnd>();
+    QCOMPARE(end.ProcessId, session.Result().ProcessId);
+    QCOMPARE(end.ExitStatus.value_or(-1), status);
+    QCOMPARE(end.Signal, signal);
+    QVERIFY(std::abs(end.Time.secsTo(QDateTime::currentDateTimeUtc())) < 60);
+    session.Status();
+    QCOMPARE(ended.size(), 1);
+}
+
+void HostStartTest::AnInterruptedStartLeavesAGameWhoseEndIsTold()
+{
+    PlayedGame const game(c_UntilLetGo);
+    game.KeepRunning();
+    WatchingSession session(game);
+    QSignalSpy const ended(&session.Session(), &Host::HostSession::GameEnded);
+    session.Start(RequestType::Play);
+    QVERIFY(session.WaitForPhase(Host::RunPhase::StartingGame));
+    session.Session().Interrupt();
+    QCOMPARE(session.End(), QString("interrupted"));
+    game.LetGo();
+    QVERIFY(session.WaitUntil([&] { return !ended.isEmpty(); }));
+    QCOMPARE(ended[0][0].value<Host::GameEnd>().ExitStatus.value_or(-1), 0);
+}
+
+void HostStartTest::PlayWaitsForTheEnd_data()
+{
+    QTest::addColumn<QByteArray>("ending");
+    QTest::addColumn<int>("status");
+    QTest::newRow("well") << QByteArray("exit 0") << 0;
+    QTest::newRow("an error") << QByteArray("exit 3") << 1;
+}
+
+void HostStartTest::PlayWaitsForTheEnd()
+{
+    QFETCH(QByteArray, ending);
+    PlayedGame const game(c_UntilLetGo + ending + '\n');
+    game.KeepRunning();
+    HostProcess host(game, {"play", "--wait"});
+    QVERIFY(host.WaitForErr("; waiting for its end."));
+    game.LetGo();
+    Outcome const outcome = host.Finish();
+    QTEST(outcome.Status, "status");
+    QCOMPARE(outcome.Err.contains("the game has ended with an error (exit status 3)"),
+             outcome.Status == 1);
 }
 
 void HostStartTest::TheOutputGoesToAFileOfItsOwner()

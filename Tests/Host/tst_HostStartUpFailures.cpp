@@ -205,6 +205,7 @@ void HostStartUpFailuresTest::ABadHostListIsReplacedByTheDefaultServer()
 
 void HostStartUpFailuresTest::ARefusedRealmListLeavesTheGamesOwn()
 {
+    QDateTime const before = QDateTime::currentDateTimeUtc();
     SessionGame game;
     game.AddFiles().Publish().PutInstalled();
     game.Put("WTF/Config.wtf", "SET realmlist \"of before\"\n");
@@ -215,6 +216,9 @@ void HostStartUpFailuresTest::ARefusedRealmListLeavesTheGamesOwn()
     QCOMPARE(game.Notices.size(), 1);
     QVERIFY2(game.Notices[0].contains("/realmlist.info (HTTP status 404);"),
              qPrintable(game.Notices[0]));
+    Host::Notice const& notice = game.NoticeValues[0];
+    QCOMPARE(notice.Kind, Host::NoticeKind::RealmListKept);
+    QVERIFY(before <= notice.Time && notice.Time <= QDateTime::currentDateTimeUtc());
 }
 
 } // namespace Varnholt::TestSupport

@@ -20,10 +20,12 @@ QString HoldWithinAFile(HostGame& p_Game)
     return p_Game.HoldContent("Data/base.MPQ", 30000);
 }
 
-QString Complete(HostGame const& p_Game)
+/// Whether that is all that is left of an installation; how long it took is left open.
+bool IsResult(HostGame const& p_Game, QString const& p_Text)
 {
-    return "Mists of Pandaria, build Sample build, is complete in " + p_Game.Folder +
-           " (6 files fetched)";
+    QString const line = "Mists of Pandaria, build Sample build, is complete in " + p_Game.Folder +
+                         " (6 files fetched: 106.5 KiB in 0:0";
+    return p_Text.startsWith(line) && p_Text.indexOf('\n') == p_Text.size() - 1;
 }
 
 } // namespace
@@ -63,7 +65,7 @@ void HostTerminalTest::ABarIsDrawnAndTakenAway()
     QCOMPARE(terminal.Screen().size(), 1); // always in the same line
     game.Server.OpenGate(path);
     QCOMPARE(terminal.Finish(), 0);
-    QCOMPARE(terminal.Screen(), QStringList({Complete(game), QString()}));
+    QVERIFY(IsResult(game, terminal.Screen().join('\n')));
 }
 
 void HostTerminalTest::TheBarKeepsToTheWidthOfTheTerminal()
@@ -76,7 +78,7 @@ void HostTerminalTest::TheBarKeepsToTheWidthOfTheTerminal()
     terminal.Resize(10);
     game.Server.OpenGate(path);
     QCOMPARE(terminal.Finish(), 0);
-    QCOMPARE(terminal.Screen(), QStringList({Complete(game), QString()}));
+    QVERIFY(IsResult(game, terminal.Screen().join('\n')));
 }
 
 void HostTerminalTest::TheBarIsDrawnInAsciiWhereTheLocaleHasNoMore()
@@ -107,7 +109,7 @@ void HostTerminalTest::InQuietModeThereIsNoBar()
     game.AddFiles().Publish();
     Terminal terminal(game, {"-q", "install", game.Folder});
     QCOMPARE(terminal.Finish(), 0);
-    QCOMPARE(QString::fromUtf8(terminal.Written()), Complete(game) + "\r\n");
+    QVERIFY(IsResult(game, QString::fromUtf8(terminal.Written())));
 }
 
 void HostTerminalTest::ATerminalThatCanNothingGetsPlainLines_data()
@@ -127,7 +129,7 @@ void HostTerminalTest::ATerminalThatCanNothingGetsPlainLines()
     QVERIFY2(!terminal.Written().contains('\x1b'), terminal.Written().constData());
     QCOMPARE(terminal.Written().count('\r'), terminal.Written().count('\n'));
     QCOMPARE(terminal.Screen().first(), QString("connecting"));
-    QVERIFY(terminal.Screen().contains(Complete(game)));
+    QVERIFY(!terminal.Screen().filter("is complete in " + game.Folder).isEmpty());
 
     Terminal failing(game, {"install", "/"}, {{"TERM", type}});
     QCOMPARE(failing.Finish(), 7);
@@ -243,10 +245,10 @@ void HostTerminalTest::DeletingIsAskedFor()
     QFETCH(bool, deletes);
     HostGame game;
     game.AddFiles().Publish().PutInstalled();
+    game.Put("mine.txt", "mine");
     Terminal terminal(game, {"uninstall", "--delete-files"});
-    QVERIFY(terminal.WaitForLine("Delete the files of Mists of Pandaria in " + game.Folder +
-                                 "? [y/N]"));
-    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
+    QVERIFY(terminal.WaitForLine("Delete 6 files (106.5 KiB) of Mists of Pandaria in " +
+                                 game.Folder + "? 1 file that is not the game's stays. [y/N]"));
     terminal.Type(keys);
     QTEST(terminal.Finish(), "status");
     QCOMPARE(game.Has("readme.txt"), !deletes);

@@ -130,23 +130,32 @@ void ProgressTextTest::AWaitIsToldInWords_data()
 {
     QTest::addColumn<qint64>("silent");
     QTest::addColumn<qint64>("next");
+    QTest::addColumn<int>("attempt");
+    QTest::addColumn<int>("attempts");
     QTest::addColumn<QString>("text");
-    QTest::newRow("just begun") << qint64(0) << qint64(1) << "silent for 0 s, next attempt in 1 s";
-    QTest::newRow("a minute") << qint64(60) << qint64(59)
-                              << "silent for 1 min 0 s, next attempt in 59 s";
-    QTest::newRow("hours") << qint64(7203) << qint64(61)
-                           << "silent for 120 min 3 s, next attempt in 1 min 1 s";
-    QTest::newRow("at it") << qint64(12) << qint64(0) << "silent for 12 s, next attempt under way";
+    auto const row = [](char const* p_Name, qint64 p_Silent, qint64 p_Next, int p_Attempt,
+                        int p_Attempts, char const* p_Text) {
+        QTest::newRow(p_Name) << p_Silent << p_Next << p_Attempt << p_Attempts << p_Text;
+    };
+    row("just begun", 0, 1, 1, 0, "silent for 0 s, next attempt in 1 s");
+    row("a minute", 60, 59, 1, 0, "silent for 1 min 0 s, next attempt in 59 s");
+    row("hours", 7203, 61, 7, 0, "silent for 120 min 3 s, attempt 7 in 1 min 1 s");
+    row("at it", 12, 0, 1, 0, "silent for 12 s, next attempt under way");
+    row("few", 12, 0, 2, 3, "silent for 12 s, attempt 2 of 3 under way");
 }
 
 void ProgressTextTest::AWaitIsToldInWords()
 {
     QFETCH(qint64, silent);
     QFETCH(qint64, next);
+    QFETCH(int, attempt);
+    QFETCH(int, attempts);
     QFETCH(QString, text);
     RunSnapshot snapshot = Waiting();
     snapshot.Wait->Silent = silent;
     snapshot.Wait->NextAttempt = next;
+    snapshot.Wait->Attempt = attempt;
+    snapshot.Wait->Attempts = attempts;
     for (QString const& shown :
          {ProgressText::Line(snapshot), ProgressText::Bar(snapshot, 200, true)})
         QVERIFY2(shown.endsWith("server " + text + " (mirror.example: connection refused)"),

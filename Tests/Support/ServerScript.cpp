@@ -93,8 +93,17 @@ bool ServerScript::PassGate(QString const& p_Path)
 
 void ServerScript::Record(RecordedRequest p_Request)
 {
+    constexpr int c_MostOfAPath = 3'000;
+    constexpr qint64 c_WithinMilliseconds = 10'000;
+
     QMutexLocker const lock(&Mutex);
     p_Request.Number = static_cast<int>(Seen.size());
+    // A client that asks without a pause would do so until somebody ends the test.
+    Burst& burst = Bursts[p_Request.Path];
+    if (p_Request.Milliseconds - burst.Begin > c_WithinMilliseconds)
+        burst = {p_Request.Milliseconds, 0};
+    if (++burst.Requests > c_MostOfAPath)
+        qFatal("%s is asked for without end", qPrintable(p_Request.Path));
     Seen.push_back(std::move(p_Request));
 }
 

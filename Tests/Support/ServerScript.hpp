@@ -56,6 +56,11 @@ private:
         int Most = 0;
     };
 
+    struct Burst {
+        qint64 Begin = 0;
+        int Requests = 0;
+    };
+
     std::optional<Answer> TakeFrom(QString const& p_Path);
 
     mutable QMutex Mutex;
@@ -66,6 +71,7 @@ private:
     QHash<QString, qint64> SentBytes;
     QHash<QByteArray, Concurrency> UnderWay; ///< answers by method
     std::vector<RecordedRequest> Seen;
+    QHash<QString, Burst> Bursts; ///< by path
 };
 
 } // namespace Varnholt::TestSupport

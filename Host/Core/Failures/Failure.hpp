@@ -27,6 +27,8 @@ struct Failure {
 
     /// Every kind, in an order that is good to read.
     static QVector<FailureKind> Kinds();
+    /// The kind with an identifier; `Other` when there is none.
+    static FailureKind Named(QString const& p_Identifier);
 };
 
 } // namespace Varnholt::Host

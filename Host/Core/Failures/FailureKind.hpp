@@ -46,6 +46,7 @@ enum class FailureKind {
     FilesWrong,
     MirrorsWrong,
     NothingRunning,
+    RunLost,
     OptionUnknown,
     OptionInvalid,
     ConfirmationMissing,

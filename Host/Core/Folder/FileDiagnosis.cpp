@@ -20,15 +20,25 @@ QString Named(FileDiagnosis::Entries const& p_Missing)
     constexpr std::size_t c_MostNamed = 10;
 
     if (p_Missing.size() == 1)
-        return QStringLiteral("the file %1 could not be fetched").arg(p_Missing.front().Path);
+        return FileDiagnosis::tr("the file %1 could not be fetched").arg(p_Missing.front().Path);
     QStringList names;
     for (std::size_t i = 0; i < std::min(p_Missing.size(), c_MostNamed); ++i)
         names += p_Missing[i].Path;
     if (p_Missing.size() > c_MostNamed)
-        names += QStringLiteral("and %1 more").arg(p_Missing.size() - c_MostNamed);
-    return QStringLiteral("%1 files could not be fetched: %2")
+        names += FileDiagnosis::tr("and %1 more").arg(p_Missing.size() - c_MostNamed);
+    return FileDiagnosis::tr("%1 files could not be fetched: %2")
         .arg(p_Missing.size())
         .arg(names.join(QStringLiteral(", ")));
+}
+
+constexpr int c_NotFetched = 2;
+
+/// What is told first: what stands in a file's way comes before the disk, and that before servers.
+int RankOf(FailureKind p_Kind)
+{
+    if (p_Kind == FailureKind::FilesGivenUp || p_Kind == FailureKind::FilesUnreachable)
+        return c_NotFetched;
+    return p_Kind == FailureKind::DiskFull ? 1 : 0;
 }
 
 } // namespace
@@ -41,14 +51,32 @@ FileDiagnosis::FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
 {
 }
 
-Failure FileDiagnosis::Explain(Entries const& p_Missing) const
+FileDiagnosis::Diagnosis FileDiagnosis::Explain(Entries const& p_Missing) const
 {
-    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing)
+    std::map<QString, Failure> const onFullDisks = OnFullDisks(p_Missing);
+    std::vector<FileFinding> files;
+    for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
+        files.emplace_back(Folder, entry, FileFinding::Cause::Different);
+        auto const onFullDisk = onFullDisks.find(entry.Path);
         if (auto const failure = WhatStandsInTheWay(entry.Path))
-            return *failure;
-    if (auto const failure = FullDisk(p_Missing))
-        return *failure;
+            files.back().Problem = *failure;
+        else if (onFullDisk != onFullDisks.end())
+            files.back().Problem = onFullDisk->second;
+        else
+            files.back().Problem = NotFetched({entry});
+    }
+    auto const worst =
+        std::min_element(files.begin(), files.end(), [](auto& p_File, auto& p_Other) {
+            return RankOf(p_File.Problem.Kind) < RankOf(p_Other.Problem.Kind);
+        });
+    bool const isLocal = RankOf(worst->Problem.Kind) < c_NotFetched;
+    Failure const whole = isLocal ? worst->Problem : NotFetched(p_Missing);
+    return {whole, files};
+}
 
+/// Why nothing, or nothing useful, came of files that could be placed.
+Failure FileDiagnosis::NotFetched(Entries const& p_Missing) const
+{
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
         auto const problem = Door.ProblemOf(entry.Location);
         if (!problem)
@@ -57,11 +85,10 @@ Failure FileDiagnosis::Explain(Entries const& p_Missing) const
                               problem->Kind == Gateway::FetchProblem::Type::Unusable;
         auto const kind = isAnswer ? FailureKind::FilesGivenUp : FailureKind::FilesUnreachable;
         return {kind, Named(p_Missing),
-                QStringLiteral("%1 for %2")
-                    .arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
+                tr("%1 for %2").arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
     }
     return {FailureKind::FilesGivenUp, Named(p_Missing),
-            QStringLiteral("what the server gave is not what the build announces")};
+            tr("what the server gave is not what the build announces")};
 }
 
 std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) const
@@ -70,22 +97,18 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     if (QFileInfo(path).isDir())
         return Failure{FailureKind::FolderBlocksFile, path, {}};
     if (QFileInfo::exists(path)) // the module removes the old file before it places the new one
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("the old file cannot be replaced")};
+        return Failure{FailureKind::FileUnwritable, path, tr("the old file cannot be replaced")};
     QString const part = Launcher::Helper::Paths::PartFile(path);
     if (QFileInfo(part).isDir())
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("a folder stands at %1").arg(part)};
+        return Failure{FailureKind::FileUnwritable, path, tr("a folder stands at %1").arg(part)};
     if (QFileInfo::exists(part) && !QFile(part).open(QIODevice::WriteOnly | QIODevice::Append))
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("%1 cannot be opened").arg(part)};
+        return Failure{FailureKind::FileUnwritable, path, tr("%1 cannot be opened").arg(part)};
 
     QString above = QFileInfo(path).path();
     while (!QFileInfo::exists(above) && above.size() > Folder.size())
         above = QFileInfo(above).path();
     if (!QFileInfo(above).isDir())
-        return Failure{FailureKind::FileUnwritable, path,
-                       QStringLiteral("%1 is no folder").arg(above)};
+        return Failure{FailureKind::FileUnwritable, path, tr("%1 is no folder").arg(above)};
     auto unwritable = FolderCheck::ForWriting(above);
     // A full disk refuses new files too, and is told better elsewhere.
     if (FreeBytes(above) == 0)
@@ -102,27 +125,30 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     return std::nullopt;
 }
 
-std::optional<Failure> FileDiagnosis::FullDisk(Entries const& p_Missing) const
+/// The failures by the paths of the files.
+std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) const
 {
     constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
 
+    auto const sizeOf = [this](QString const& p_Location) { return Door.SizeOf(p_Location); };
+    std::map<QString, Failure> failures;
     for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
-        qint64 const free = FreeBytes(share.Folder);
-        qint64 needed = 0;
-        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
-            qint64 const there =
-                QFileInfo(Launcher::Helper::Paths::PartFile(Folder + entry.Path)).size();
-            auto const size = static_cast<qint64>(Door.SizeOf(entry.Location).value_or(0));
-            needed += std::max<qint64>(0, size - there);
-        }
-        bool const isFull = free >= 0 && (free < needed || free < c_NearlyNothing);
-        if (isFull && !share.Files.empty())
-            return Failure{FailureKind::DiskFull, share.Folder,
-                           QStringLiteral("%1 are free, %2 more are needed")
-                               .arg(ByteText(static_cast<quint64>(free)),
-                                    ByteText(static_cast<quint64>(needed)))};
+        if (share.Files.empty())
+            continue;
+        // Behind the volume of the game folder, which is always there.
+        VolumeSpace const space =
+            GameVolumes::SpaceFor(Folder, share.Files, sizeOf, FreeBytes).back();
+        if (!space.IsKnown() || (space.After() >= 0 && space.Free >= c_NearlyNothing))
+            continue;
+        Failure const failure{
+            FailureKind::DiskFull, share.Folder,
+            tr("%1 are free, %2 more are needed")
+                .arg(ByteText(static_cast<quint64>(space.Free)),
+                     ByteText(static_cast<quint64>(std::max<qint64>(0, space.Needed))))};
+        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files)
+            failures.emplace(entry.Path, failure);
     }
-    return std::nullopt;
+    return failures;
 }
 
 } // namespace Varnholt::Host

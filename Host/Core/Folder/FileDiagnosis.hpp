@@ -1,18 +1,23 @@
 #pragma once
 
-#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Jobs/FileFinding.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <functional>
+#include <map>
+#include <optional>
 #include <vector>
 
 namespace Varnholt::Host {
 
 /// Finds out why files are not in place. Module thread.
 class FileDiagnosis {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::FileDiagnosis)
+
 public:
     using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
 
@@ -20,12 +25,18 @@ public:
     FileDiagnosis(QString p_Folder, NetworkDoor const& p_Door,
                   std::function<qint64(QString const&)> p_FreeBytes);
 
+    struct Diagnosis {
+        Failure Whole; ///< what all of it comes down to
+        std::vector<FileFinding> Files;
+    };
+
     /// \param p_Missing not empty
-    Failure Explain(Entries const& p_Missing) const;
+    Diagnosis Explain(Entries const& p_Missing) const;
 
 private:
     std::optional<Failure> WhatStandsInTheWay(QString const& p_Path) const;
-    std::optional<Failure> FullDisk(Entries const& p_Missing) const;
+    std::map<QString, Failure> OnFullDisks(Entries const& p_Missing) const;
+    Failure NotFetched(Entries const& p_Missing) const;
 
     QString Folder;
     NetworkDoor const& Door;

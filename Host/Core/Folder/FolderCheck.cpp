@@ -4,6 +4,7 @@
 #include "Host/Core/Folder/FolderLock.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -62,21 +63,35 @@ bool HoldsGame(QString const& p_Folder)
            folder.exists(Launcher::PendingList::c_FirstBuild);
 }
 
-std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known, bool p_Confirmed)
+std::vector<Failure> Objections(QString const& p_Folder, QString const& p_Known)
 {
     QString const folder = QDir::cleanPath(p_Folder);
     QString const nearest = NearestExisting(folder);
     if (!QFileInfo(nearest).isDir())
-        return Failure{FailureKind::FolderIsFile, nearest, {}};
+        return {{FailureKind::FolderIsFile, nearest, {}}};
+    std::vector<Failure> found;
     if (IsSame(folder, QDir::rootPath()))
-        return Failure{FailureKind::FolderForbidden, folder, QStringLiteral("it is the root")};
+        found.push_back(
+            {FailureKind::FolderForbidden, folder,
+             QCoreApplication::translate("Varnholt::Host::FolderCheck", "it is the root")});
     if (IsSame(folder, QDir::homePath()))
-        return Failure{FailureKind::FolderForbidden, folder,
-                       QStringLiteral("it is your home folder")};
+        found.push_back(
+            {FailureKind::FolderForbidden, folder,
+             QCoreApplication::translate("Varnholt::Host::FolderCheck", "it is your home folder")});
     bool const known = !p_Known.isEmpty() && IsSame(folder, p_Known);
-    if (nearest == folder && !known && !p_Confirmed && HoldsForeignFiles(folder))
-        return Failure{FailureKind::FolderForeign, folder, {}};
-    return ForWriting(nearest);
+    if (nearest == folder && !known && HoldsForeignFiles(folder))
+        found.push_back({FailureKind::FolderForeign, folder, {}});
+    if (auto const failure = ForWriting(nearest))
+        found.push_back(*failure);
+    return found;
+}
+
+std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known, bool p_Confirmed)
+{
+    for (Failure const& failure : Objections(p_Folder, p_Known))
+        if (failure.Kind != FailureKind::FolderForeign || !p_Confirmed)
+            return failure;
+    return std::nullopt;
 }
 
 std::optional<Failure> ForWriting(QString const& p_Folder)

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 /// Whether a folder can take a game, found out before anything is downloaded.
 namespace Varnholt::Host::FolderCheck {
@@ -15,8 +16,12 @@ QString Normalized(QString const& p_Folder);
 /// Whether a run of the module has left its pending lists there, finished or not.
 bool HoldsGame(QString const& p_Folder);
 
-/// Whether a game may be installed there. Creates nothing but a temporary file, which goes again.
-/// \param p_Known the folder of the present installation, empty when there is none
+/// All that speaks against a game in the folder, the gravest first. Creates nothing but a temporary
+/// file, which goes again. \param p_Known the folder of the present installation, empty when there
+/// is none
+std::vector<Failure> Objections(QString const& p_Folder, QString const& p_Known);
+
+/// Whether a game may be installed there. \param p_Known see `Objections`
 /// \param p_Confirmed the user has agreed to a folder that holds other files
 std::optional<Failure> ForInstall(QString const& p_Folder, QString const& p_Known,
                                   bool p_Confirmed);

@@ -40,13 +40,11 @@ std::optional<Failure> FolderLock::Take()
     return std::nullopt;
 }
 
-QString FolderLock::Notice() const
+std::optional<Notice> FolderLock::Warning() const
 {
     if (File.IsTaken() || IsForbidden(File.Error()))
-        return {};
-    return QStringLiteral("The folder %1 cannot be locked (%2); let no other program work in it "
-                          "at the same time.")
-        .arg(Folder, qt_error_string(File.Error()));
+        return std::nullopt;
+    return Notice{NoticeKind::FolderNotLocked, Folder, qt_error_string(File.Error())};
 }
 
 } // namespace Varnholt::Host

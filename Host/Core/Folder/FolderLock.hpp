@@ -2,6 +2,7 @@
 
 #include "Files/FileLock.hpp"
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
 
 #include <QString>
 
@@ -18,10 +19,10 @@ public:
     explicit FolderLock(QString const& p_Folder);
 
     /// \return why nothing may be done in the folder; none when it is kept, and also where no such
-    /// lock can be, see `Notice`
+    /// lock can be, see `Warning`
     std::optional<Failure> Take();
     /// What the user should know when others are not kept out; empty when they are.
-    QString Notice() const;
+    std::optional<Notice> Warning() const;
     /// Takes the file away and lets go: the game is gone.
     void Remove() { File.Remove(); }
 

@@ -2,11 +2,14 @@
 
 #include "GameModules/LinkGuard.hpp"
 #include "GameModules/PendingList.hpp"
+#include "Host/Core/Folder/FolderLock.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 
 namespace Varnholt::Host {
 
@@ -15,49 +18,83 @@ GameRemoval::GameRemoval(Launcher::ApplicationManifest p_Manifest, QString p_Fol
     : Manifest(std::move(p_Manifest))
     , Folder(std::move(p_Folder))
     , LoginFiles(std::move(p_LoginFiles))
-    , Count(static_cast<quint32>(Manifest.Files.size() + Manifest.StreamedFiles.size()))
 {
+}
+
+void GameRemoval::Look()
+{
+    QSet<QString> going{FolderLock::c_File};
+    auto const count = [&](QString const& p_Path) {
+        QFileInfo const file(Folder + p_Path);
+        bool const isThere = file.isSymLink() || file.isFile();
+        if (!isThere || going.contains(p_Path))
+            return;
+        going.insert(p_Path);
+        ToGo.Add(file.isSymLink() ? 0 : file.size());
+    };
+    VisitLoginFiles(count);
+    VisitOthers(count);
+    QDirIterator files(Folder, QDir::Files | QDir::Hidden | QDir::System,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext() && !Stopped) {
+        QString const path = files.next().mid(Folder.size());
+        if (!going.contains(path))
+            ToStay += path;
+    }
+    Finished = true;
 }
 
 void GameRemoval::Run()
 {
+    VisitLoginFiles([this](QString const& p_Path) { Remove(p_Path); });
+    VisitOthers([this](QString const& p_Path) {
+        QFileInfo const file(Folder + p_Path);
+        Count += file.isFile() ? 1 : 0;
+        Total += static_cast<quint64>(file.isFile() ? file.size() : 0);
+    });
+    VisitOthers([this](QString const& p_Path) { Remove(p_Path); });
+    Finished = !Stopped;
+}
+
+/// In the login screen's own place a link is only that.
+void GameRemoval::VisitLoginFiles(Visitor const& p_Visit) const
+{
+    Launcher::LinkGuard links(Folder);
+    for (QString const& file : LoginFiles)
+        if (!links.LeadingOut(QFileInfo(file).path()))
+            p_Visit(file);
+}
+
+void GameRemoval::VisitOthers(Visitor const& p_Visit) const
+{
     namespace PendingList = Launcher::PendingList;
 
-    RemoveLoginFiles();
     Launcher::LinkGuard links(Folder);
     for (auto const* const entries : {&Manifest.Files, &Manifest.StreamedFiles})
         for (Launcher::ApplicationManifestFileEntry const& entry : *entries) {
             if (Stopped)
                 return;
-            ++Number;
             if (links.OnTheWay(entry.Path))
                 continue;
-            QFile::remove(Launcher::Helper::Paths::PartFile(Folder + entry.Path));
-            if (!QFile::remove(Folder + entry.Path))
-                QDir().rmdir(Folder + entry.Path); // an empty folder in the file's place
-            RemoveEmptyFolders(entry.Path);
+            p_Visit(Launcher::Helper::Paths::PartFile(entry.Path));
+            p_Visit(entry.Path);
         }
     for (QString const& list : {PendingList::c_Base, PendingList::c_Streamed, PendingList::c_Casc,
                                 PendingList::c_FirstBuild})
-        QFile::remove(Folder + list);
-    Finished = true;
+        p_Visit(list);
 }
 
-/// In the login screen's own place a link is only that.
-void GameRemoval::RemoveLoginFiles() const
+/// The folder of a file goes too, and those above it, as far as they are empty.
+void GameRemoval::Remove(QString const& p_Path)
 {
-    Launcher::LinkGuard links(Folder);
-    for (QString const& file : LoginFiles) {
-        if (links.LeadingOut(QFileInfo(file).path()))
-            continue;
-        QFile::remove(Folder + file);
-        RemoveEmptyFolders(file);
+    QFileInfo const file(Folder + p_Path);
+    auto const bytes = static_cast<quint64>(file.isFile() ? file.size() : 0);
+    if (QFile::remove(file.filePath())) {
+        ++Number;
+        Done += bytes;
+    } else {
+        QDir().rmdir(file.filePath()); // an empty folder in the file's place
     }
-}
-
-/// The folder of a file and those above it, as far as they are empty.
-void GameRemoval::RemoveEmptyFolders(QString const& p_Path) const
-{
     QString path = QFileInfo(p_Path).path();
     while (path != QLatin1String(".") && QDir().rmdir(Folder + path))
         path = QFileInfo(path).path();

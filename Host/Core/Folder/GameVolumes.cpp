@@ -1,5 +1,8 @@
 #include "Host/Core/Folder/GameVolumes.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
+
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -17,10 +20,10 @@ dev_t VolumeOf(QString const& p_Folder)
 }
 
 /// The folder itself, or the nearest above it that exists.
-QString Existing(QString p_Folder, QString const& p_Top)
+QString Existing(QString p_Folder)
 {
-    while (!QFileInfo::exists(p_Folder) && p_Folder.size() > p_Top.size())
-        p_Folder = QFileInfo(p_Folder).path();
+    while (!QFileInfo::exists(p_Folder) && !QDir(p_Folder).isRoot())
+        p_Folder = QFileInfo(QDir::cleanPath(p_Folder)).path();
     return p_Folder;
 }
 
@@ -28,14 +31,14 @@ QString Existing(QString p_Folder, QString const& p_Top)
 
 std::vector<Share> Of(QString const& p_Folder, Entries const& p_Files)
 {
-    std::vector<Share> shares{{p_Folder, {}}};
-    std::vector<dev_t> volumes{VolumeOf(p_Folder)};
+    std::vector<Share> shares{{Existing(p_Folder), {}}};
+    std::vector<dev_t> volumes{VolumeOf(shares.front().Folder)};
     QHash<QString, std::size_t> shareOfFolder;
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
         QString const folder = QFileInfo(p_Folder + entry.Path).path();
         auto known = shareOfFolder.constFind(folder);
         if (known == shareOfFolder.constEnd()) {
-            QString const existing = Existing(folder, p_Folder);
+            QString const existing = Existing(folder);
             dev_t const volume = VolumeOf(existing);
             std::size_t share = 0;
             while (share < volumes.size() && volumes[share] != volume)
@@ -49,6 +52,31 @@ std::vector<Share> Of(QString const& p_Folder, Entries const& p_Files)
         shares[*known].Files.push_back(entry);
     }
     return shares;
+}
+
+std::vector<VolumeSpace> SpaceFor(QString const& p_Folder, Entries const& p_Files,
+                                  SizeOf const& p_SizeOf,
+                                  std::function<qint64(QString const&)> const& p_FreeBytes)
+{
+    std::vector<VolumeSpace> spaces;
+    for (Share const& share : Of(p_Folder, p_Files)) {
+        VolumeSpace space;
+        space.Folder = share.Folder;
+        space.Files = static_cast<quint32>(share.Files.size());
+        space.Free = p_FreeBytes(share.Folder);
+        for (Launcher::ApplicationManifestFileEntry const& entry : share.Files) {
+            auto const size = p_SizeOf(entry.Location);
+            if (!size) {
+                ++space.Unsized;
+                continue;
+            }
+            QFileInfo const old(p_Folder + entry.Path);
+            space.Needed += static_cast<qint64>(*size) - (old.isFile() ? old.size() : 0);
+            space.Needed -= QFileInfo(Launcher::Helper::Paths::PartFile(old.filePath())).size();
+        }
+        spaces.push_back(space);
+    }
+    return spaces;
 }
 
 } // namespace Varnholt::Host::GameVolumes

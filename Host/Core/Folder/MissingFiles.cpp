@@ -1,6 +1,7 @@
 #include "Host/Core/Folder/MissingFiles.hpp"
 
 #include "GameModules/FileLink.hpp"
+#include "Host/Core/Folder/FolderCheck.hpp"
 
 #include <QFileInfo>
 
@@ -24,6 +25,17 @@ MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_F
                 missing.push_back(entry);
         }
     return missing;
+}
+
+bool HoldsGame(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
+               QString const& p_Locale)
+{
+    std::size_t wanted = 0;
+    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
+        for (Launcher::ApplicationManifestFileEntry const& entry : *entries)
+            wanted += entry.Locale.isEmpty() || entry.Locale == p_Locale ? 1 : 0;
+    return FolderCheck::HoldsGame(p_Folder) ||
+           (wanted > 0 && 2 * MissingFiles(p_Manifest, p_Folder, p_Locale).size() <= wanted);
 }
 
 std::optional<Launcher::LinkGuard::Link>

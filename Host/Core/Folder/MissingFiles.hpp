@@ -19,6 +19,11 @@ std::vector<Launcher::ApplicationManifestFileEntry>
 MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
              QString const& p_Locale);
 
+/// Whether the folder holds the game, as far as names tell: the pending lists of a run, or at least
+/// half of the wanted files. \param p_Folder ends in "/"
+bool HoldsGame(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
+               QString const& p_Locale);
+
 /// A symbolic link that keeps one of the wanted files out of reach.
 std::optional<Launcher::LinkGuard::Link>
 LinkOnTheWay(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,

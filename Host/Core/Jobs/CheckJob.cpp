@@ -1,5 +1,7 @@
 #include "Host/Core/Jobs/CheckJob.hpp"
 
+#include "Host/Core/Folder/GameVolumes.hpp"
+
 namespace Varnholt::Host {
 
 bool CheckJob::LooksAtEveryFile() const
@@ -11,8 +13,8 @@ bool CheckJob::LooksAtEveryFile() const
 void CheckJob::Judge()
 {
     if (IsFromCopies()) // nobody is asked
-        return TellUpdate();
-    Survey = std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Folder(),
+        return Conclude();
+    Survey = std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Where(),
                                           Context.Options.StallMilliseconds);
 }
 
@@ -23,7 +25,7 @@ void CheckJob::Work()
     if (!Survey->Look())
         return;
     Result.Findings = Survey->Findings();
-    TellUpdate();
+    Conclude();
 }
 
 /// The sizes that are known do.
@@ -49,9 +51,23 @@ RunSnapshot CheckJob::Look()
     return snapshot;
 }
 
-void CheckJob::TellUpdate()
+void CheckJob::Conclude()
 {
-    Fail({FailureKind::UpdateAvailable, AmountText(Result.Findings), Result.Build});
+    MeasureSpace();
+    Tell();
+}
+
+void CheckJob::MeasureSpace()
+{
+    Result.Space = GameVolumes::SpaceFor(
+        Where(), EntriesOf(Result.Findings),
+        [this](QString const& p_Location) { return Context.Door.SizeOf(p_Location); },
+        Context.Options.FreeBytes);
+}
+
+void CheckJob::Tell()
+{
+    Fail({Verdict(), AmountText(AmountOf(Result.Findings)), Result.BuildText()});
 }
 
 } // namespace Varnholt::Host

@@ -14,14 +14,20 @@ public:
 
 protected:
     bool LooksAtEveryFile() const override;
+    FailureKind Verdict() const override { return FailureKind::UpdateAvailable; }
     void Judge() override;
     void Work() override;
     void OnGaveUp(Failure const& p_Failure) override;
     RunPhase Phase() const override;
     RunSnapshot Look() override;
 
+    /// Called at the end, with findings in the result.
+    virtual void Tell();
+    /// Puts the room for the findings into the result.
+    void MeasureSpace();
+
 private:
-    void TellUpdate();
+    void Conclude();
 
     std::unique_ptr<SizeSurvey> Survey;
 };

@@ -31,6 +31,16 @@ void CompletionJob::CompareEverything()
     Context.Module.Repair();
 }
 
+void CompletionJob::AbortRepair()
+{
+    Result.IsRepairStopped = true;
+    Examined.reset();
+    WantsEveryFile = false;
+    Passes = c_MostPasses;
+    Context.Watch.Reset();
+    Context.Module.AbortRepair();
+}
+
 void CompletionJob::BeforePump()
 {
     if (IsOver() || !IsWorking() || Examined)
@@ -109,6 +119,7 @@ RunSnapshot CompletionJob::Look()
 {
     RunSnapshot snapshot = Examined ? Examined->Look(Phase()) : Reader.Read(Phase());
     snapshot.IsHeld = Paused && !Context.View.HasTransfer();
+    snapshot.Space = Faults.Space();
     return snapshot;
 }
 
@@ -155,7 +166,7 @@ void CompletionJob::Verify()
     if (missing.empty() && Context.View.Restarts() < c_ModuleRestarts)
         return Complete();
     if (missing.empty()) { // a file that was given up may still have its old content
-        Examined = std::make_unique<Examination>(Context, true);
+        Examined = std::make_unique<Examination>(Context, Folder(), true);
         return;
     }
     // The module has one budget of repetitions for all files: one bad file takes it from the rest.
@@ -176,22 +187,18 @@ void CompletionJob::OnExamined()
 {
     if (Examined->Findings().empty())
         return Complete();
-    FaultWatch::Entries entries;
-    for (FileFinding const& finding : Examined->Findings()) {
-        entries.emplace_back();
-        entries.back().Path = finding.Path;
-        entries.back().Location = finding.Location;
-    }
-    Fail(Explain(entries));
+    Fail(Explain(EntriesOf(Examined->Findings())));
 }
 
 void CompletionJob::Complete()
 {
     if (Context.Gate.IsInterrupted()) // a comparison that was stopped has found nothing either
         return Interrupt();
-    if (auto const failure = LinkFailure())
+    if (auto const failure = LinkFailure(Folder()))
         return Fail(*failure);
     NoticeRealmList();
+    if (Result.IsRepairStopped) // the mark stays
+        return Finish();
     // After a power cut only the mark would tell of files that were still on their way to the disk.
     if (Context.Record.IsUnfinished()) {
         auto files = Context.Module.Manifest.Files;
@@ -203,14 +210,21 @@ void CompletionJob::Complete()
     if (auto const unkept = Context.Record.MarkComplete(Context.Module.RemoteBuild))
         return Fail(*unkept);
     if (!Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
-        NoticeOnce(QStringLiteral("What starts the game without a server cannot be kept in %1.")
-                       .arg(Context.Copies.Folder()));
+        NoticeOnce({NoticeKind::CopiesNotKept, Context.Copies.Folder()});
     Finish();
 }
 
-Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing) const
+Failure CompletionJob::Explain(FaultWatch::Entries const& p_Missing)
 {
-    return FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+    auto const diagnosis =
+        FileDiagnosis(Folder(), Context.Door, Context.Options.FreeBytes).Explain(p_Missing);
+    std::vector<FileFinding>& told = Result.Findings;
+    for (FileFinding const& finding : diagnosis.Files) { // perhaps told in an earlier pass
+        auto const isIt = [&](FileFinding const& p_Told) { return p_Told.Path == finding.Path; };
+        told.erase(std::remove_if(told.begin(), told.end(), isIt), told.end());
+        told.push_back(finding);
+    }
+    return diagnosis.Whole;
 }
 
 } // namespace Varnholt::Host

@@ -33,6 +33,7 @@ protected:
     void Work() override;
     RunPhase Phase() const override;
     RunSnapshot Look() override;
+    void Release() override { Result.Space = Faults.Space(); }
 
     /// Called when the build is known and can be had.
     virtual void BeginFiles() = 0;
@@ -41,6 +42,8 @@ protected:
     /// What has a mark of an unfinished run, or of another build, is not to be trusted.
     void DistrustLists() { WantsEveryFile = true; }
     bool TrustsLists() const { return !WantsEveryFile; }
+    /// Leaves the files to the module's ordinary comparison, which is not repeated.
+    void AbortRepair();
 
 private:
     bool IsSuspended() const;
@@ -49,7 +52,8 @@ private:
     void Verify();
     void OnExamined();
     void Complete();
-    Failure Explain(FaultWatch::Entries const& p_Missing) const;
+    /// Tells each of them in the result. \return what all of it comes down to
+    Failure Explain(FaultWatch::Entries const& p_Missing);
 
     DownloadPlan Plan{Context.View, Context.Door};
     FaultWatch Faults{Context, Reader};

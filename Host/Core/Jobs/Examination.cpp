@@ -1,12 +1,11 @@
 #include "Host/Core/Jobs/Examination.hpp"
 
 #include <algorithm>
-#include <utility>
 
 namespace Varnholt::Host {
 
-Examination::Examination(RunContext const& p_Context, bool p_EveryFile)
-    : Work(std::make_shared<Inspection>(p_Context.Module.Manifest, p_Context.Record.Folder(),
+Examination::Examination(RunContext const& p_Context, QString const& p_Folder, bool p_EveryFile)
+    : Work(std::make_shared<Inspection>(p_Context.Module.Manifest, p_Folder,
                                         p_Context.Module.GetAppLocale(), p_EveryFile))
 {
     p_Context.Module.EnqueueAsync([work = Work] { work->Run(); });
@@ -22,13 +21,16 @@ RunSnapshot Examination::Look(RunPhase p_Phase)
         snapshot.File = Work->FileAt(snapshot.FileNumber);
     snapshot.BytesTotal = Work->BytesTotal();
     snapshot.BytesDone = std::min(Work->BytesDone(), snapshot.BytesTotal);
-    auto const now = Gateway::Clock::now();
-    Meter.Add(snapshot.BytesDone - std::exchange(Counted, snapshot.BytesDone), now);
-    snapshot.Rate = Meter.Rate(now);
-    if (snapshot.Rate > 0)
-        snapshot.Remaining =
-            static_cast<qint64>((snapshot.BytesTotal - snapshot.BytesDone) / snapshot.Rate);
+    Pace.Tell(snapshot);
     return snapshot;
+}
+
+RunTotals Examination::Totals() const
+{
+    RunTotals totals;
+    totals.Files = Work->FilesCompared();
+    totals.Bytes = Work->BytesCompared();
+    return totals;
 }
 
 } // namespace Varnholt::Host

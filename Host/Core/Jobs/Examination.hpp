@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Host/Core/Jobs/DiskPace.hpp"
 #include "Host/Core/Jobs/Inspection.hpp"
-#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Jobs/RunTotals.hpp"
 #include "Host/Core/Module/RunContext.hpp"
-#include "Host/Gateway/RateMeter.hpp"
 
 #include <memory>
 #include <vector>
@@ -14,8 +14,8 @@ namespace Varnholt::Host {
 /// Module thread.
 class Examination {
 public:
-    /// \param p_EveryFile see `Inspection`
-    Examination(RunContext const& p_Context, bool p_EveryFile);
+    /// \param p_Folder,p_EveryFile see `Inspection`
+    Examination(RunContext const& p_Context, QString const& p_Folder, bool p_EveryFile);
     ~Examination() { Work->Stop(); }
     Examination(Examination const&) = delete;
     Examination& operator=(Examination const&) = delete;
@@ -25,11 +25,12 @@ public:
     std::vector<FileFinding> const& Findings() const { return Work->Findings(); }
     /// \param p_Phase as which the job has it
     RunSnapshot Look(RunPhase p_Phase);
+    /// Files and bytes that have been compared.
+    RunTotals Totals() const;
 
 private:
     std::shared_ptr<Inspection> Work; ///< shared with the worker
-    Gateway::RateMeter Meter;
-    quint64 Counted = 0; ///< by the meter
+    DiskPace Pace;
 };
 
 } // namespace Varnholt::Host

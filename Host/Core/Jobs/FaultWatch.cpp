@@ -1,7 +1,5 @@
 #include "Host/Core/Jobs/FaultWatch.hpp"
 
-#include "Host/Core/Folder/GameVolumes.hpp"
-
 #include <algorithm>
 
 namespace Varnholt::Host {
@@ -23,9 +21,13 @@ std::optional<Failure> FaultWatch::LookAtRoom(QString const& p_Folder)
     if (!IsDownloading(phase) || (!begins && !SinceLook.hasExpired(c_IntervalMilliseconds)))
         return std::nullopt;
     SinceLook.start();
-    if (begins)
-        return Room.BeforeDownload(p_Folder, Context.View.Listed(),
-                                   Context.View.Progress().BytesTotal);
+    if (begins) {
+        Spaces = GameVolumes::SpaceFor(
+            p_Folder, Context.View.Listed(),
+            [this](QString const& p_Location) { return Context.Door.SizeOf(p_Location); },
+            Context.Options.FreeBytes);
+        return RoomCheck::BeforeDownload(Spaces);
+    }
     Entries current;
     if (auto const entry = Context.View.Current())
         current.push_back(*entry);

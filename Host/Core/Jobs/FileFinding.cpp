@@ -1,10 +1,22 @@
 #include "Host/Core/Jobs/FileFinding.hpp"
 
-#include "Host/Core/Failures/ByteText.hpp"
-
-#include <algorithm>
+#include <QFileInfo>
 
 namespace Varnholt::Host {
+
+FileFinding::FileFinding(QString const& p_Folder,
+                         Launcher::ApplicationManifestFileEntry const& p_Entry, Cause p_WhenThere)
+    : Path(p_Entry.Path)
+    , Location(p_Entry.Location)
+    , IsDefaultServerOnly(p_Entry.Has(Launcher::ApplicationManifestFileEntry::DefaultServerOnly))
+    , Why(p_WhenThere)
+{
+    QFileInfo const file(p_Folder + Path);
+    if (!file.exists())
+        Why = Cause::Missing;
+    else if (file.isDir())
+        Why = Cause::Blocked;
+}
 
 QString FileFinding::CauseText() const
 {
@@ -21,22 +33,23 @@ QString FileFinding::CauseText() const
     return {};
 }
 
-QString FileCountText(std::size_t p_Count)
+FileAmount AmountOf(std::vector<FileFinding> const& p_Findings)
 {
-    return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
+    FileAmount amount;
+    for (FileFinding const& finding : p_Findings)
+        amount.Add(finding.Bytes);
+    return amount;
 }
 
-QString AmountText(std::vector<FileFinding> const& p_Findings)
+std::vector<Launcher::ApplicationManifestFileEntry>
+EntriesOf(std::vector<FileFinding> const& p_Findings)
 {
-    quint64 bytes = 0;
-    bool known = true;
-    for (FileFinding const& finding : p_Findings) {
-        bytes += static_cast<quint64>(std::max<qint64>(0, finding.Bytes));
-        known = known && finding.Bytes >= 0;
+    std::vector<Launcher::ApplicationManifestFileEntry> entries(p_Findings.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        entries[i].Path = p_Findings[i].Path;
+        entries[i].Location = p_Findings[i].Location;
     }
-    return QStringLiteral("%1 (%2%3)")
-        .arg(FileCountText(p_Findings.size()), known ? QString() : QStringLiteral("at least "),
-             ByteText(bytes));
+    return entries;
 }
 
 } // namespace Varnholt::Host

@@ -1,14 +1,17 @@
 #pragma once
 
+#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Folder/FileAmount.hpp"
+#include "Launcher/Application/ApplicationManifest.hpp"
+
 #include <QString>
 #include <QtGlobal>
 
-#include <cstddef>
 #include <vector>
 
 namespace Varnholt::Host {
 
-/// A file that an update or repair would fetch, and why.
+/// A file that is not as the build wants it, and why.
 struct FileFinding {
     enum class Cause {
         Missing,
@@ -22,14 +25,21 @@ struct FileFinding {
     bool IsDefaultServerOnly = false;
     Cause Why = Cause::Missing;
     qint64 Bytes = -1; ///< still to fetch; negative when unknown
+    Failure Problem;   ///< what has kept it so, and what to do about it
+
+    FileFinding() = default;
+    /// \param p_Folder of the game \param p_WhenThere the cause if the file is there
+    FileFinding(QString const& p_Folder, Launcher::ApplicationManifestFileEntry const& p_Entry,
+                Cause p_WhenThere);
 
     /// "missing", "different", "blocked" or "pending".
     QString CauseText() const;
 };
 
-/// "1 file", "3 files".
-QString FileCountText(std::size_t p_Count);
-/// "3 files (1.2 MiB)"; "at least" when a server did not tell every size.
-QString AmountText(std::vector<FileFinding> const& p_Findings);
+/// What is still to fetch.
+FileAmount AmountOf(std::vector<FileFinding> const& p_Findings);
+/// As the build has them, with path and location only.
+std::vector<Launcher::ApplicationManifestFileEntry>
+EntriesOf(std::vector<FileFinding> const& p_Findings);
 
 } // namespace Varnholt::Host

@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/GameProcess.hpp"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <cerrno>
@@ -53,17 +54,19 @@ public:
     posix_spawnattr_t Attributes;
 };
 
-QString TextOf(int p_Status)
-{
-    if (WIFSIGNALED(p_Status))
-        return QStringLiteral("signal %1, %2")
-            .arg(WTERMSIG(p_Status))
-            .arg(QString::fromLocal8Bit(::strsignal(WTERMSIG(p_Status))));
-    int const status = WEXITSTATUS(p_Status);
-    return status == 0 ? QString() : QStringLiteral("exit status %1").arg(status);
-}
-
 } // namespace
+
+QString GameEnd::ErrorText() const
+{
+    if (Signal != 0)
+        return QCoreApplication::translate("Varnholt::Host::GameProcess", "signal %1, %2")
+            .arg(Signal)
+            .arg(QString::fromLocal8Bit(::strsignal(Signal)));
+    return ExitStatus.value_or(0) == 0
+               ? QString()
+               : QCoreApplication::translate("Varnholt::Host::GameProcess", "exit status %1")
+                     .arg(*ExitStatus);
+}
 
 GameProcess::~GameProcess()
 {
@@ -95,12 +98,19 @@ int GameProcess::Start(QString const& p_Program, QStringList const& p_Arguments,
     return error;
 }
 
-std::optional<QString> GameProcess::Ending()
+std::optional<GameEnd> GameProcess::Ending()
 {
     int status = 0;
-    if (!Ended)
-        if (pid_t const ended = ::waitpid(Process, &status, WNOHANG); ended != 0)
-            Ended = ended == Process ? TextOf(status) : QString();
+    pid_t const ended = Ended ? 0 : ::waitpid(Process, &status, WNOHANG);
+    if (ended == 0)
+        return Ended;
+    Ended.emplace();
+    Ended->ProcessId = Process;
+    Ended->Time = QDateTime::currentDateTimeUtc();
+    if (ended == Process && WIFSIGNALED(status))
+        Ended->Signal = WTERMSIG(status);
+    else if (ended == Process)
+        Ended->ExitStatus = WEXITSTATUS(status);
     return Ended;
 }
 

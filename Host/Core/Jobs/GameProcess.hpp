@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Host/Core/Jobs/GameEnd.hpp"
+
 #include <QString>
 #include <QStringList>
 
@@ -24,13 +26,12 @@ public:
     /// \return 0, or the system's number of the error, when the program was not even begun
     int Start(QString const& p_Program, QStringList const& p_Arguments, int p_Output);
     qint64 Id() const { return Process; }
-    /// How it has ended, "exit status 3" or "signal 9, Killed", empty without an error; nothing
-    /// while it runs.
-    std::optional<QString> Ending();
+    /// Nothing while it runs.
+    std::optional<GameEnd> Ending();
 
 private:
     pid_t Process = 0;
-    std::optional<QString> Ended;
+    std::optional<GameEnd> Ended;
 };
 
 } // namespace Varnholt::Host

@@ -52,27 +52,27 @@ QString CauseOf(int p_Error, QString const& p_File)
 {
     QString const interpreter = InterpreterOf(p_File);
     if (p_Error == ENOEXEC)
-        return QStringLiteral("this system runs no program of its format");
+        return GameStart::tr("this system runs no program of its format");
     if (p_Error == ENOENT && !interpreter.isEmpty())
-        return QStringLiteral("its interpreter %1 is missing").arg(interpreter);
+        return GameStart::tr("its interpreter %1 is missing").arg(interpreter);
     if (p_Error == ENOENT)
-        return QStringLiteral("what this system needs to run it is missing");
+        return GameStart::tr("what this system needs to run it is missing");
     if (p_Error != EACCES)
         return qt_error_string(p_Error);
     if (IsVolumeWithoutPrograms(p_File))
-        return QStringLiteral("its volume is mounted for no programs");
+        return GameStart::tr("its volume is mounted for no programs");
     if (QFileInfo(p_File).isExecutable() && !interpreter.isEmpty())
-        return QStringLiteral("its interpreter %1 is no program that you may run").arg(interpreter);
-    return QStringLiteral("its permissions do not let you");
+        return GameStart::tr("its interpreter %1 is no program that you may run").arg(interpreter);
+    return GameStart::tr("its permissions do not let you");
 }
 
 } // namespace
 
 GameStart::GameStart(RunContext const& p_Context, RunRequest const& p_Request,
-                     std::function<void(QString const&)> p_Notice)
+                     std::function<void(Notice const&)> p_Tell)
     : Context(p_Context)
     , Request(p_Request)
-    , Notice(std::move(p_Notice))
+    , Tell(std::move(p_Tell))
     , Folder(p_Context.Record.Folder())
     , Output(p_Context.Record.File(), p_Context.Module.AppId, Folder)
 {
@@ -85,7 +85,7 @@ std::optional<Failure> GameStart::Begin()
     if (auto failure = FindWrapper())
         return failure;
     if (Context.Record.IsUnfinished())
-        Notice(QStringLiteral("The game is not complete; run \"update\" if it does not work."));
+        Tell({NoticeKind::GameIncomplete});
     bool const wasRunning = Context.Module.IsGameRunning();
     // The game has an environment of its own.
     NetworkDoor::Outside const outside(Context.Door);
@@ -115,8 +115,7 @@ std::optional<Failure> GameStart::FindProgram()
     if (!Program.exists())
         return Failure{FailureKind::ExecutableMissing, Program.filePath(), {}};
     if (!Program.isFile())
-        return Failure{FailureKind::ExecutableUnusable, Program.filePath(),
-                       QStringLiteral("it is no file")};
+        return Failure{FailureKind::ExecutableUnusable, Program.filePath(), tr("it is no file")};
     return std::nullopt;
 }
 
@@ -128,7 +127,7 @@ std::optional<Failure> GameStart::FindWrapper()
     Wrapper = QStandardPaths::findExecutable(name);
     if (!Wrapper.isEmpty())
         return std::nullopt;
-    return Failure{FailureKind::WrapperUnusable, name, QStringLiteral("there is no such program")};
+    return Failure{FailureKind::WrapperUnusable, name, tr("there is no such program")};
 }
 
 /// Has the module do all of a start but the start: no file of its manifest is the game's program
@@ -157,15 +156,14 @@ std::optional<Failure> GameStart::Launch()
     if (QString const why = Output.Begin(); why.isEmpty())
         OutputName = Output.File();
     else
-        Notice(QStringLiteral("The output of the game is not kept: %1 cannot be written (%2).")
-                   .arg(Output.File(), why));
+        Tell({NoticeKind::OutputNotKept, Output.File(), why});
     QString const path = Program.filePath();
     QStringList arguments = Context.Info.GameArguments + Request.GameArguments;
     if (!Wrapper.isEmpty())
         arguments = Context.Options.Wrapper.mid(1) + QStringList(path) + arguments;
     QString const file = Wrapper.isEmpty() ? path : Wrapper;
     Watched.setRemainingTime(Context.Options.WatchMilliseconds);
-    int const error = Process.Start(file, arguments, Output.Descriptor());
+    int const error = Process->Start(file, arguments, Output.Descriptor());
     if (error == 0)
         return std::nullopt;
     if (Wrapper.isEmpty())
@@ -180,8 +178,7 @@ void GameStart::JudgeLogin(bool p_WasRunning) const
     if (Request.Argument.isEmpty() || Request.Password.isEmpty())
         return;
     if (p_WasRunning)
-        return Notice(QStringLiteral("The game was running already; the new one does not log "
-                                     "in by itself."));
+        return Tell({NoticeKind::GameRunningAlready});
     // Without one template the module copies none.
     for (bool const copied : {false, true})
         for (QString const& name : Context.Info.LoginFiles) {
@@ -189,30 +186,28 @@ void GameStart::JudgeLogin(bool p_WasRunning) const
             QString const origin = screen + Context.Info.LoginTemplateSuffix;
             if (QFileInfo::exists(copied ? screen : origin))
                 continue;
-            return Notice(QStringLiteral("The game does not log in by itself: %1 %2.")
-                              .arg(origin, copied ? QStringLiteral("cannot be copied")
-                                                  : QStringLiteral("is missing")));
+            return Tell({NoticeKind::LoginNotPrepared, origin,
+                         copied ? tr("cannot be copied") : tr("is missing")});
         }
     if (IsMarkup(Request.Argument) || IsMarkup(Request.Password))
-        Notice(QStringLiteral("The account name or the password holds characters that the "
-                              "login screen may misread; log in by hand if it does."));
+        Tell({NoticeKind::LoginMisreadable});
 }
 
 bool GameStart::IsSettled()
 {
-    return Process.Ending() || Watched.hasExpired();
+    return Process->Ending() || Watched.hasExpired();
 }
 
 std::optional<Failure> GameStart::Outcome()
 {
-    QString ending = Process.Ending().value_or(QString());
+    QString ending = Process->Ending().value_or(GameEnd()).ErrorText();
     if (ending.isEmpty())
         return std::nullopt;
     Prepare({}, {}); // no password lies about for nothing
     if (OutputName.isEmpty())
         return Failure{FailureKind::GameFailed, QStringLiteral("/dev/null"), ending};
     if (QString const lines = Output.LastLines(); !lines.isEmpty())
-        ending += QStringLiteral("; it said last: \"%1\"").arg(lines);
+        ending += tr("; it said last: \"%1\"").arg(lines);
     return Failure{FailureKind::GameFailed, OutputName, ending};
 }
 

@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/Inspection.hpp"
 
+#include "GameModules/FileDigest.hpp"
 #include "GameModules/LinkGuard.hpp"
 #include "GameModules/ManifestComparison.hpp"
 #include "GameModules/PendingList.hpp"
@@ -38,7 +39,9 @@ void Inspection::Run()
     Add(examined, FileFinding::Cause::Different);
     if (EveryFile) {
         Add(comparison.Examine(Manifest.StreamedFiles).Files, FileFinding::Cause::Different);
+        Leave();
     } else {
+        Leave();
         namespace PendingList = Launcher::PendingList;
         auto const read = [&](QString const& p_Name) {
             return PendingList::Read(Folder + p_Name, comparison.Continue).Paths;
@@ -70,18 +73,29 @@ QString Inspection::FileAt(quint32 p_Number) const
 
 void Inspection::Enter()
 {
+    --Asked; // before the file that comes
+    Leave();
     if (Number + 1U < Before.size())
         Done = Before[Number];
     ++Number;
 }
 
-/// Asked before each block of a file.
+/// Of a file that need not be read no block is asked for.
+void Inspection::Leave()
+{
+    if (!Stopped && Asked > 0 && Number > 0 && Number < Before.size()) {
+        ++ComparedFiles;
+        ComparedBytes += Before[Number] - Before[Number - 1];
+    }
+    Asked = 0;
+}
+
+/// Asked before each file, and before each block of one.
 bool Inspection::GoOn()
 {
-    constexpr quint64 c_BlockBytes = 0x2000;
-
+    ++Asked;
     if (Number < Before.size()) // never more than the file holds
-        Done = std::min(Done + c_BlockBytes, Before[Number]);
+        Done = std::min(Done + Launcher::FileDigest::c_BlockBytes, Before[Number]);
     return !Stopped;
 }
 
@@ -91,18 +105,7 @@ void Inspection::Add(Entries const& p_Entries, FileFinding::Cause p_WhenThere)
         if (Told.contains(entry.Path))
             continue;
         Told.insert(entry.Path);
-        FileFinding finding;
-        finding.Path = entry.Path;
-        finding.Location = entry.Location;
-        finding.IsDefaultServerOnly =
-            entry.Has(Launcher::ApplicationManifestFileEntry::DefaultServerOnly);
-        QFileInfo const file(Folder + entry.Path);
-        finding.Why = p_WhenThere;
-        if (!file.exists())
-            finding.Why = FileFinding::Cause::Missing;
-        else if (file.isDir())
-            finding.Why = FileFinding::Cause::Blocked;
-        Found.push_back(finding);
+        Found.emplace_back(Folder, entry, p_WhenThere);
     }
 }
 

@@ -36,6 +36,9 @@ public:
     /// Bytes that have been looked at, of those that lie there; files that need no look count too.
     quint64 BytesDone() const { return Done; }
     quint64 BytesTotal() const { return Total; }
+    /// Files that were read, to their end, and their bytes.
+    quint32 FilesCompared() const { return ComparedFiles; }
+    quint64 BytesCompared() const { return ComparedBytes; }
 
 private:
     using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
@@ -43,6 +46,7 @@ private:
     void Measure();
     void Enter();
     bool GoOn();
+    void Leave();
     void Add(Entries const& p_Entries, FileFinding::Cause p_WhenThere);
 
     Launcher::ApplicationManifest Manifest;
@@ -53,6 +57,9 @@ private:
     std::atomic<quint32> Number{0};
     std::atomic<quint64> Done{0};
     std::atomic<quint64> Total{0};
+    std::atomic<quint32> ComparedFiles{0};
+    std::atomic<quint64> ComparedBytes{0};
+    int Asked = 0; ///< how often the comparison has asked whether to go on, since it entered a file
     std::vector<quint64> Before; ///< bytes of the files before each, and of all; of `Run`
     std::atomic<bool> Stopped{false};
     std::atomic<bool> Finished{false};

@@ -5,7 +5,9 @@ namespace Varnholt::Host {
 void InspectionJob::OnBuildKnown()
 {
     if (CanUseBuild())
-        Settle([this] { Examined = std::make_unique<Examination>(Context, LooksAtEveryFile()); });
+        Settle([this] {
+            Examined = std::make_unique<Examination>(Context, Where(), LooksAtEveryFile());
+        });
 }
 
 void InspectionJob::Work()
@@ -14,11 +16,21 @@ void InspectionJob::Work()
         return;
     IsJudged = true;
     Result.Findings = Examined->Findings();
-    if (auto const failure = LinkFailure())
+    for (FileFinding& finding : Result.Findings)
+        Explain(finding);
+    if (auto const failure = LinkFailure(Where()))
         return Fail(*failure);
     if (Result.Findings.empty())
         return Finish();
     Judge();
+}
+
+void InspectionJob::Explain(FileFinding& p_Finding) const
+{
+    if (p_Finding.Why == FileFinding::Cause::Blocked)
+        p_Finding.Problem = {FailureKind::FolderBlocksFile, Folder() + p_Finding.Path, {}};
+    else
+        p_Finding.Problem = {Verdict(), p_Finding.Path, Result.BuildText()};
 }
 
 RunPhase InspectionJob::Phase() const

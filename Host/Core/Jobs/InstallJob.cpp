@@ -1,7 +1,9 @@
 #include "Host/Core/Jobs/InstallJob.hpp"
 
 #include "Host/Core/Folder/FolderCheck.hpp"
+#include "Host/Core/Folder/MissingFiles.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -11,18 +13,30 @@ std::optional<Failure> InstallJob::Prepare()
 {
     QString const folder = FolderCheck::Normalized(Request.Argument);
     InstallRecord const& record = Context.Record;
-    bool const isMoved = !QFileInfo::exists(record.Folder()) && FolderCheck::HoldsGame(folder);
-    if (record.IsInstalled() && record.Folder() != folder && !isMoved && !Request.Confirmed)
+    bool const isElsewhere =
+        record.IsInstalled() && record.Folder() != folder && !Request.Confirmed;
+    // Whether it was, the build's files tell.
+    MayBeMoved = isElsewhere && !QFileInfo::exists(record.Folder()) && QFileInfo(folder).isDir() &&
+                 !QDir(folder).isEmpty();
+    if (isElsewhere && !MayBeMoved)
         return Failure{FailureKind::InstalledElsewhere, record.Folder(), {}};
-    return FolderCheck::ForInstall(folder, record.Folder(), Request.Confirmed);
+    return FolderCheck::ForInstall(folder, MayBeMoved ? folder : record.Folder(),
+                                   Request.Confirmed);
 }
 
 void InstallJob::BeginFiles()
 {
     QString const folder = FolderCheck::Normalized(Request.Argument);
+    QString const former = Context.Record.Folder();
+    Launcher::StandartApplication& module = Context.Module;
+    if (MayBeMoved && !HoldsGame(module.Manifest, folder, module.GetAppLocale()))
+        return Fail({FailureKind::InstalledElsewhere, former, {}});
+    if (MayBeMoved)
+        NoticeOnce({NoticeKind::GameFoundAgain, folder, former});
     if (!QDir().mkpath(folder))
         return Fail(
-            {FailureKind::FolderUnwritable, folder, QStringLiteral("it cannot be created")});
+            {FailureKind::FolderUnwritable, folder,
+             QCoreApplication::translate("Varnholt::Host::InstallJob", "it cannot be created")});
     if (auto const failure = FolderCheck::ForWriting(folder))
         return Fail(*failure);
     if (auto const failure = LockFolder(folder))
@@ -31,7 +45,7 @@ void InstallJob::BeginFiles()
     DistrustLists();
     Context.Record.MarkUnfinished();
     Context.Gate.Open();
-    Context.Module.Install(folder, false);
+    module.Install(folder, false);
 }
 
 } // namespace Varnholt::Host

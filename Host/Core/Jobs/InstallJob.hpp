@@ -12,6 +12,9 @@ public:
 protected:
     std::optional<Failure> Prepare() override;
     void BeginFiles() override;
+
+private:
+    bool MayBeMoved = false; ///< out of its recorded folder into this one
 };
 
 } // namespace Varnholt::Host

@@ -12,7 +12,7 @@ namespace Varnholt::Host {
 Job::Job(RunContext const& p_Context, RunRequest p_Request, unsigned p_Traits)
     : Context(p_Context)
     , Request(std::move(p_Request))
-    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door)
+    , Reader(p_Context.View, p_Context.Module.Manifest, p_Context.Door, p_Context.Gate)
     , Traits(p_Traits)
 {
     Clock.start();
@@ -28,7 +28,7 @@ void Job::Begin()
     Context.Gate.SetPreview(Is(IsPreview));
     if (Is(NeedsServers) && Context.Options.Offline)
         return Fail({FailureKind::OptionInvalid, QStringLiteral("offline"),
-                     QStringLiteral("this command asks servers")});
+                     tr("this command asks servers")});
     auto failure = Prepare();
     if (!failure && Is(Records))
         failure = Context.Record.WriteRefusal();
@@ -46,8 +46,10 @@ void Job::AfterPump()
         OnGaveUp(ExplainFetch(*problem));
     if (!Over)
         Go();
-    if (!Over)
-        ShowProgress();
+    if (Over)
+        return;
+    Measure();
+    ShowProgress();
 }
 
 void Job::Go()
@@ -113,9 +115,11 @@ void Job::Fail(Failure const& p_Failure)
 void Job::End()
 {
     Over = true;
+    Measure();
     Release();
     Result.Transfers = Context.Ledger.Count() - Result.Transfers;
-    Result.Folder = Folder();
+    if (Result.Folder.isEmpty())
+        Result.Folder = Folder();
     Result.Locale = Context.Module.GetAppLocale();
     Context.Gate.Close();
     Context.Gate.Release();
@@ -128,26 +132,53 @@ void Job::End()
     Q_EMIT Ended(Result);
 }
 
+RunTotals Job::Count() const
+{
+    RunTotals totals;
+    totals.Files = Context.Ledger.Count() - Result.Transfers;
+    totals.Bytes = Context.Door->Snapshot().Received;
+    return totals;
+}
+
+void Job::Measure()
+{
+    constexpr quint64 c_Second = 1'000;
+
+    RunTotals totals = Count();
+    totals.Milliseconds = Clock.elapsed();
+    // Small files come while the module still asks for sizes.
+    if (MovesBytes() || totals.Bytes > Result.Totals.Bytes)
+        Moving += totals.Milliseconds - Measured;
+    Measured = totals.Milliseconds;
+    if (Moving > 0)
+        totals.Rate = totals.Bytes * c_Second / static_cast<quint64>(Moving);
+    Result.Totals = totals;
+}
+
 void Job::ShowProgress()
 {
     constexpr qint64 c_IntervalMilliseconds = 100;
 
     qint64 const now = Clock.elapsed();
-    if (Phase() == LastSnapshot.Phase && now - LastShown < c_IntervalMilliseconds)
+    RunPhase const phase = Phase();
+    if (phase == LastPhase && now - LastShown < c_IntervalMilliseconds)
         return;
+    LastPhase = phase;
     LastShown = now;
     Context.Module.UISettingChanged = false;
-    RunSnapshot const snapshot = Look();
+    RunSnapshot snapshot = Look();
+    if (snapshot.Wait && snapshot.Wait->IsRetry())
+        snapshot.Phase = RunPhase::WaitingToRetry;
     if (snapshot == LastSnapshot)
         return;
     LastSnapshot = snapshot;
     Q_EMIT Progressed(snapshot);
 }
 
-void Job::NoticeOnce(QString const& p_Text)
+void Job::NoticeOnce(Notice const& p_Notice)
 {
-    if (Told.insert(p_Text).second)
-        Q_EMIT Noticed(p_Text);
+    if (Told.insert(p_Notice.Text()).second)
+        Q_EMIT Noticed(p_Notice);
 }
 
 std::optional<Failure> Job::GameFailure() const
@@ -165,11 +196,14 @@ std::optional<Failure> Job::LockFolder(QString const& p_Folder)
 {
     Lock = std::make_unique<FolderLock>(p_Folder);
     auto failure = Lock->Take();
-    if (failure)
+    if (failure) {
         Lock.reset();
-    else if (!Lock->Notice().isEmpty())
-        NoticeOnce(Lock->Notice());
-    return failure;
+        return failure;
+    }
+    if (auto const warning = Lock->Warning())
+        NoticeOnce(*warning);
+    Q_EMIT FolderTaken(p_Folder);
+    return std::nullopt;
 }
 
 void Job::RemoveLockFile()
@@ -178,10 +212,10 @@ void Job::RemoveLockFile()
         Lock->Remove();
 }
 
-std::optional<Failure> Job::LinkFailure() const
+std::optional<Failure> Job::LinkFailure(QString const& p_Folder) const
 {
     Launcher::StandartApplication& module = Context.Module;
-    auto const link = LinkOnTheWay(module.Manifest, Folder(), module.GetAppLocale());
+    auto const link = LinkOnTheWay(module.Manifest, p_Folder, module.GetAppLocale());
     if (!link)
         return std::nullopt;
     return Failure{FailureKind::LinkLeadsOut, link->Path, link->Target};

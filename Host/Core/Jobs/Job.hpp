@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/Failures/Notice.hpp"
 #include "Host/Core/Folder/FolderLock.hpp"
 #include "Host/Core/Jobs/ProgressReader.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
@@ -65,13 +66,17 @@ public:
     /// Stops the transfer in flight, or else the next one, until `Continue`.
     virtual void Pause() {}
     virtual void Continue() {}
+    /// Leaves a repair to the ordinary comparison.
+    virtual void StopRepair() {}
     /// Ends the run; nothing that has arrived is lost.
     virtual void Interrupt();
 
 Q_SIGNALS:
     void Progressed(RunSnapshot p_Snapshot);
+    /// The run keeps this folder to itself until its end.
+    void FolderTaken(QString p_Folder);
     /// Something went wrong that the run goes on after.
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(RunResult p_Result);
 
 protected:
@@ -88,6 +93,10 @@ protected:
     /// The phase, and a snapshot of it.
     virtual RunPhase Phase() const { return RunPhase::Connecting; }
     virtual RunSnapshot Look() { return Reader.Read(Phase()); }
+    /// What has been fetched until now, or compared; files and bytes alone.
+    virtual RunTotals Count() const;
+    /// Whether the time that passes is one in which bytes move.
+    virtual bool MovesBytes() const { return IsDownloading(Phase()); }
     /// Called at the end.
     virtual void Release() {}
 
@@ -95,7 +104,7 @@ protected:
     void Settle(std::function<void()> p_Next);
     void Finish();
     void Fail(Failure const& p_Failure);
-    void NoticeOnce(QString const& p_Text);
+    void NoticeOnce(Notice const& p_Notice);
     bool IsOver() const { return Over; }
     bool IsWorking() const { return State == Step::Working; }
     QString Folder() const { return Context.Record.Folder(); }
@@ -107,7 +116,7 @@ protected:
     void RemoveLockFile();
     /// A game whose files are partly elsewhere, where the module leaves them alone, is not
     /// complete.
-    std::optional<Failure> LinkFailure() const;
+    std::optional<Failure> LinkFailure(QString const& p_Folder) const;
 
     // _StartUp
     void StartUp();
@@ -133,6 +142,7 @@ private:
     void Go();
     void End();
     void ShowProgress();
+    void Measure();
 
     // _StartUp
     void OpenDoor();
@@ -154,7 +164,10 @@ private:
     bool UsesKept = false;         ///< no server is asked
     std::optional<Failure> Missed; ///< why, when they were to be asked
     QElapsedTimer Clock;
+    qint64 Measured = 0; ///< when the totals were measured; of the clock
+    qint64 Moving = 0;   ///< milliseconds in which bytes moved
     qint64 LastShown = 0;
+    RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;
 };
 

@@ -5,6 +5,8 @@
 #include "Host/Core/Jobs/LocalesJob.hpp"
 #include "Host/Core/Jobs/MirrorsJob.hpp"
 #include "Host/Core/Jobs/PlayJob.hpp"
+#include "Host/Core/Jobs/PreviewInstallJob.hpp"
+#include "Host/Core/Jobs/PreviewUninstallJob.hpp"
 #include "Host/Core/Jobs/QuickCheckJob.hpp"
 #include "Host/Core/Jobs/RepairJob.hpp"
 #include "Host/Core/Jobs/UninstallJob.hpp"
@@ -40,9 +42,11 @@ constexpr Row c_Table[] = {
     {Type::Update, false, Job::NeedsServers | Job::CanPause | Job::Records, MakeOne<UpdateJob>},
     {Type::Repair, false, Job::NeedsServers | Job::CanPause | Job::Records, MakeOne<RepairJob>},
     {Type::Check, false, Job::IsPreview, MakeOne<CheckJob>},
+    {Type::PreviewInstall, false, Job::IsPreview, MakeOne<PreviewInstallJob>},
     {Type::Check, true, Job::IsPreview, MakeOne<QuickCheckJob>},
     {Type::Verify, false, Job::UsesCopies | Job::IsPreview, MakeOne<VerifyJob>},
     {Type::AskMirrors, false, Job::NeedsServers | Job::IsPreview, MakeOne<MirrorsJob>},
+    {Type::PreviewUninstall, false, Job::IsPreview, MakeOne<PreviewUninstallJob>},
     {Type::Uninstall, false, Job::Records, MakeOne<UninstallJob>},
     {Type::Play, false, Job::UsesCopies, MakeOne<PlayJob>},
     {Type::ListLocales, false, Job::IsPreview, MakeOne<ListLocalesJob>},

@@ -48,7 +48,8 @@ void Job::StartUp()
 void Job::OnConnected()
 {
     State = Step::Working;
-    Result.Build = Context.Module.Manifest.BuildStr;
+    Result.Build = Context.Module.RemoteBuild;
+    Result.BuildName = Context.Module.Manifest.BuildStr;
     Context.Watch.Reset();
     NoticeCopies();
     NoticeHostList();
@@ -92,20 +93,18 @@ Failure Job::StartUpFailure() const
 Failure Job::NothingKept() const
 {
     return {FailureKind::OfflineUnknown, Context.Info.Name,
-            QStringLiteral("%1 holds no build").arg(Context.Copies.Folder())};
+            tr("%1 holds no build").arg(Context.Copies.Folder())};
 }
 
 /// Called when the build is known: the host list has been answered by then.
 void Job::NoticeHostList()
 {
-    QString const noMirrors = QStringLiteral("%1; the files come from the default server.");
     auto const problem = Context.Door->ProblemOf(NetworkDoor::c_HostList);
     if (!problem || UsesKept)
         return;
-    if (problem->Kind == Gateway::FetchProblem::Type::Unusable)
-        NoticeOnce(noMirrors.arg(QStringLiteral("The list of mirrors is damaged")));
-    else
-        NoticeOnce(noMirrors.arg(ExplainFetch(*problem).Sentence()));
+    bool const isDamaged = problem->Kind == Gateway::FetchProblem::Type::Unusable;
+    NoticeOnce({NoticeKind::MirrorsUnknown, isDamaged ? tr("The list of mirrors is damaged")
+                                                      : ExplainFetch(*problem).Sentence()});
 }
 
 void Job::NoticeCopies()
@@ -115,9 +114,8 @@ void Job::NoticeCopies()
         Missed = ExplainFetch(*problem);
     }
     if (UsesKept)
-        NoticeOnce(QStringLiteral("%1; going on with what is known of build %2.")
-                       .arg(Missed ? Missed->Sentence() : QStringLiteral("No server is asked"),
-                            Result.Build));
+        NoticeOnce({NoticeKind::ServersDoneWithout,
+                    Missed ? Missed->Sentence() : tr("No server is asked"), Result.BuildText()});
 }
 
 bool Job::CanUseBuild()
@@ -129,9 +127,7 @@ bool Job::CanUseBuild()
     }
     QString const locale = Context.Module.GetAppLocale();
     if (!manifest.Locales.empty() && manifest.Locales.count(locale) == 0)
-        NoticeOnce(QStringLiteral("The build does not offer the language %1; its files are left "
-                                  "out until another one is chosen.")
-                       .arg(locale));
+        NoticeOnce({NoticeKind::LocaleLeftOut, locale});
     return true;
 }
 
@@ -141,16 +137,14 @@ void Job::NoticeRealmList()
     if (UsesKept)
         return; // told already
     if (auto const problem = Context.Door.ProblemOf(QStringLiteral("realmlist.info")))
-        NoticeOnce(QStringLiteral("%1; the game keeps the realm list that it has.")
-                       .arg(ExplainFetch(*problem).Sentence()));
+        NoticeOnce({NoticeKind::RealmListKept, ExplainFetch(*problem).Sentence()});
 }
 
 Failure Job::LatestFailure() const
 {
     if (auto const problem = Context.Door->LatestProblem())
         return ExplainFetch(*problem);
-    return {FailureKind::ServerSilent, Context.Door.ContentServer(),
-            QStringLiteral("no answer in time")};
+    return {FailureKind::ServerSilent, Context.Door.ContentServer(), tr("no answer in time")};
 }
 
 } // namespace Varnholt::Host

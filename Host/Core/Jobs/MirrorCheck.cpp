@@ -6,13 +6,25 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+/// With the port, when it is not the usual one.
+QString HostOf(std::string const& p_Server)
+{
+    return QUrl(QString::fromStdString(p_Server)).authority();
+}
+
+} // namespace
+
 MirrorCheck::MirrorCheck(NetworkDoor& p_Door, std::string p_Manifest, std::string p_File)
     : Door(p_Door)
     , Manifest(std::move(p_Manifest))
     , File(std::move(p_File))
 {
     for (std::string const& server : Door->Servers())
-        if (std::find(Servers.begin(), Servers.end(), server) == Servers.end())
+        if (std::none_of(Servers.begin(), Servers.end(), [&](std::string const& p_Known) {
+                return HostOf(p_Known) == HostOf(server);
+            }))
             Servers.push_back(server);
 }
 
@@ -31,7 +43,7 @@ void MirrorCheck::AskNext()
     question.Server = Servers[Found.size()];
     question.Path = Manifest;
     Found.push_back({});
-    Found.back().Host = QUrl(QString::fromStdString(question.Server)).authority();
+    Found.back().Host = HostOf(question.Server);
     Door.Ask(question, *this, [this](Gateway::Reply const& p_Reply) { OnManifest(p_Reply); });
 }
 
@@ -48,7 +60,7 @@ void MirrorCheck::OnManifest(Gateway::Reply const& p_Reply)
         Expected = p_Reply.Body;
     report.HasSameBuild = !Expected.empty() && p_Reply.Body == Expected;
     if (!report.HasSameBuild)
-        report.Cause = QStringLiteral("its manifest is not the default server's");
+        report.Cause = tr("its manifest is not the default server's");
     if (File.empty()) {
         report.GivesRanges = true; // nothing to resume
         return AskNext();
@@ -68,10 +80,9 @@ void MirrorCheck::OnPiece(Gateway::Reply const& p_Reply)
     MirrorReport& report = Found.back();
     report.GivesRanges = p_Reply.HttpStatus == c_PartialContent;
     if (!report.GivesRanges && report.Cause.isEmpty())
-        report.Cause =
-            p_Reply.HttpStatus == 0 && p_Reply.Problem
-                ? QString::fromStdString(p_Reply.Problem->Cause)
-                : QStringLiteral("it answers a range with status %1").arg(p_Reply.HttpStatus);
+        report.Cause = p_Reply.HttpStatus == 0 && p_Reply.Problem
+                           ? QString::fromStdString(p_Reply.Problem->Cause)
+                           : tr("it answers a range with status %1").arg(p_Reply.HttpStatus);
     AskNext();
 }
 

@@ -36,7 +36,7 @@ private:
     NetworkDoor& Door;
     std::string Manifest;
     std::string File;
-    std::vector<std::string> Servers; ///< base addresses, each once
+    std::vector<std::string> Servers; ///< base addresses, one a host
     std::string Expected;             ///< the default server's manifest
     std::vector<MirrorReport> Found;
 };

@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/MirrorsJob.hpp"
 
+#include <QCoreApplication>
 #include <algorithm>
 
 namespace Varnholt::Host {
@@ -38,7 +39,9 @@ void MirrorsJob::OnMirrorsAsked()
     if (wrong.isEmpty())
         return Finish();
     Fail({FailureKind::MirrorsWrong,
-          QStringLiteral("%1 of %2").arg(wrong.size()).arg(Result.Mirrors.size()),
+          QCoreApplication::translate("Varnholt::Host::MirrorsJob", "%1 of %2")
+              .arg(wrong.size())
+              .arg(Result.Mirrors.size()),
           wrong.join(QStringLiteral(", "))});
 }
 

@@ -20,7 +20,7 @@ void PlayJob::OnBuildKnown()
 void PlayJob::Play()
 {
     Starter = std::make_unique<GameStart>(Context, Request,
-                                          [this](QString const& p_Text) { NoticeOnce(p_Text); });
+                                          [this](Notice const& p_Notice) { NoticeOnce(p_Notice); });
     if (auto const failure = Starter->Begin())
         return Fail(*failure);
     Result.ProcessId = Starter->ProcessId();
@@ -33,6 +33,7 @@ void PlayJob::Work()
         return;
     if (auto const failure = Starter->Outcome())
         return Fail(*failure);
+    Context.Games.Take(Starter->TakeProcess());
     NoticeRealmList();
     Finish();
 }
@@ -44,8 +45,10 @@ RunPhase PlayJob::Phase() const
 
 void PlayJob::Interrupt()
 {
-    if (Starter)
-        NoticeOnce(QStringLiteral("The game was started and goes on running."));
+    if (Starter && Result.ProcessId != 0) {
+        NoticeOnce({NoticeKind::GameGoesOn});
+        Context.Games.Take(Starter->TakeProcess());
+    }
     Job::Interrupt();
 }
 

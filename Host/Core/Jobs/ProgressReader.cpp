@@ -19,6 +19,8 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
     wait.Cause = QString::fromStdString(p_Wait->Problem.Cause);
     wait.Silent = p_Wait->Silent.count() / c_Second;
     wait.NextAttempt = (p_Wait->NextAttempt.count() + c_Second - 1) / c_Second;
+    wait.Attempt = p_Wait->Attempt;
+    wait.Attempts = p_Wait->Attempts;
     return wait;
 }
 
@@ -26,10 +28,11 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
 
 ProgressReader::ProgressReader(ModuleView const& p_View,
                                Launcher::ApplicationManifest const& p_Manifest,
-                               NetworkDoor const& p_Door)
+                               NetworkDoor const& p_Door, RunGate const& p_Gate)
     : View(p_View)
     , Manifest(p_Manifest)
     , Door(p_Door)
+    , Gate(p_Gate)
 {
 }
 
@@ -59,12 +62,14 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase)
         LastPhase = p_Phase;
         CountedFiles = 0;
         CountedBytes = DoneBytes = TotalBytes = 0;
+        Comparison.emplace(View, Gate);
     }
     RunSnapshot snapshot;
     snapshot.Phase = p_Phase;
     quint64 const held = ReadDoor(snapshot);
     if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
-        ReadComparison(snapshot);
+        Comparison->Tell(snapshot,
+                         p_Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles);
     } else if (p_Phase == RunPhase::AskingSizes) {
         snapshot.FileNumber = View.SizesAnswered();
         snapshot.FileCount = static_cast<quint32>(View.Progress().Count);
@@ -90,17 +95,6 @@ quint64 ProgressReader::ReadDoor(RunSnapshot& p_Snapshot) const
     return door.Held;
 }
 
-void ProgressReader::ReadComparison(RunSnapshot& p_Snapshot) const
-{
-    auto const& files =
-        p_Snapshot.Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles;
-    std::size_t const number = std::min(View.ComparedFile(), files.size());
-    p_Snapshot.FileNumber = static_cast<quint32>(number);
-    p_Snapshot.FileCount = static_cast<quint32>(files.size());
-    if (number > 0)
-        p_Snapshot.File = files[number - 1].Path;
-}
-
 void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
 {
     ModuleView::Download const download = View.Progress();
@@ -115,9 +109,23 @@ void ProgressReader::ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held)
     DoneBytes = std::min(std::max(DoneBytes, done), TotalBytes);
     p_Snapshot.BytesDone = DoneBytes;
     p_Snapshot.BytesTotal = TotalBytes;
+    if (IsVerified(download))
+        p_Snapshot.Phase = RunPhase::Verifying;
     if (p_Snapshot.Rate > 0)
         p_Snapshot.Remaining = static_cast<qint64>(
             (RemainingBytes() - std::min(RemainingBytes(), p_Held)) / p_Snapshot.Rate);
+}
+
+bool ProgressReader::IsVerified(ModuleView::Download const& p_Download)
+{
+    constexpr qint64 c_NoticeableMilliseconds = 50; // two looks of a phase
+
+    quint64 const size = Door.SizeOf(p_Download.Location).value_or(0);
+    bool const isWhole = View.HasTransfer() && size > 0 && p_Download.BytesOnDisk >= size;
+    if (!isWhole || WholeFile != p_Download.File)
+        WholeSince.start();
+    WholeFile = isWhole ? p_Download.File : QString();
+    return isWhole && WholeSince.hasExpired(c_NoticeableMilliseconds);
 }
 
 quint64 ProgressReader::FinishedBytes(std::size_t p_Finished)

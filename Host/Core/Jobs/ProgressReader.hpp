@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Host/Core/Jobs/RunSnapshot.hpp"
+#include "Host/Core/Jobs/ComparisonReader.hpp"
 #include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
+
+#include <QElapsedTimer>
 
 #include <cstddef>
 
@@ -12,7 +14,7 @@ namespace Varnholt::Host {
 class ProgressReader {
 public:
     ProgressReader(ModuleView const& p_View, Launcher::ApplicationManifest const& p_Manifest,
-                   NetworkDoor const& p_Door);
+                   NetworkDoor const& p_Door, RunGate const& p_Gate);
 
     /// The phase of a run that is under way.
     RunPhase Phase() const;
@@ -24,19 +26,24 @@ public:
 private:
     /// Adds what the door tells: rate, servers, waits. \return what it holds for the module
     quint64 ReadDoor(RunSnapshot& p_Snapshot) const;
-    void ReadComparison(RunSnapshot& p_Snapshot) const;
     /// \param p_Held bytes that have come through the network and are not on the disk yet
     void ReadDownload(RunSnapshot& p_Snapshot, quint64 p_Held);
+    /// Whether all of the current file has been there for a moment: the module verifies it.
+    bool IsVerified(ModuleView::Download const& p_Download);
     quint64 FinishedBytes(std::size_t p_Finished);
 
     ModuleView const& View;
     Launcher::ApplicationManifest const& Manifest;
     NetworkDoor const& Door;
+    RunGate const& Gate;
+    std::optional<ComparisonReader> Comparison; ///< of the phase
     RunPhase LastPhase = RunPhase::Idle;
     std::size_t CountedFiles = 0; ///< of the list, whose sizes are in `CountedBytes`
     quint64 CountedBytes = 0;
     quint64 DoneBytes = 0;
     quint64 TotalBytes = 0;
+    QString WholeFile; ///< that is there, and has not got its name yet
+    QElapsedTimer WholeSince;
 };
 
 } // namespace Varnholt::Host

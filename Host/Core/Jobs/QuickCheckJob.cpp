@@ -3,6 +3,8 @@
 #include "Host/Core/Jobs/VersionText.hpp"
 #include "Host/Core/Network/FetchFailure.hpp"
 
+#include <QCoreApplication>
+
 namespace Varnholt::Host {
 
 void QuickCheckJob::Start()
@@ -32,7 +34,9 @@ void QuickCheckJob::OnVersion(Gateway::Reply const& p_Reply)
     Result.Build = *build;
     if (*build == Context.Record.CompletedBuild() && !Context.Record.IsUnfinished())
         return Finish();
-    Fail({FailureKind::UpdateAvailable, QStringLiteral("what differs (its size was not asked for)"),
+    Fail({FailureKind::UpdateAvailable,
+          QCoreApplication::translate("Varnholt::Host::QuickCheckJob",
+                                      "what differs (its size was not asked for)"),
           *build});
 }
 

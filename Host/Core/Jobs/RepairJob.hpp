@@ -12,6 +12,14 @@ public:
     {
         DistrustLists();
     }
+
+    void StopRepair() override
+    {
+        if (IsWorking())
+            return AbortRepair();
+        Result.IsRepairStopped = true; // nothing has been looked at
+        Interrupt();
+    }
 };
 
 } // namespace Varnholt::Host

@@ -1,10 +1,8 @@
 #include "Host/Core/Jobs/RoomCheck.hpp"
 
 #include "Host/Core/Failures/ByteText.hpp"
-#include "Host/Core/Folder/GameVolumes.hpp"
-#include "Launcher/Helper/Paths.hpp"
 
-#include <QFileInfo>
+#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -16,7 +14,7 @@ Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
 {
     return {
         FailureKind::DiskFull, p_Folder,
-        QStringLiteral("%1 are free, %2 more are needed")
+        QCoreApplication::translate("Varnholt::Host::RoomCheck", "%1 are free, %2 more are needed")
             .arg(ByteText(static_cast<quint64>(p_Free)), ByteText(static_cast<quint64>(p_Needed)))};
 }
 
@@ -27,25 +25,15 @@ RoomCheck::RoomCheck(std::function<qint64(QString const&)> p_FreeBytes)
 {
 }
 
-std::optional<Failure> RoomCheck::BeforeDownload(QString const& p_Folder, Entries const& p_Files,
-                                                 quint64 p_TotalBytes) const
+std::optional<Failure> RoomCheck::BeforeDownload(std::vector<VolumeSpace> const& p_Spaces)
 {
-    qint64 needed = static_cast<qint64>(p_TotalBytes);
-    for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
-        QString const path = p_Folder + entry.Path;
-        needed -= QFileInfo(path).isFile() ? QFileInfo(path).size() : 0;
-        needed -= QFileInfo(Launcher::Helper::Paths::PartFile(path)).size();
-    }
-    qint64 free = 0;
-    for (GameVolumes::Share const& share : GameVolumes::Of(p_Folder, p_Files)) {
-        qint64 const there = FreeBytes(share.Folder);
-        if (there < 0)
-            return std::nullopt;
-        free += there;
-    }
-    if (needed <= free)
+    auto const full =
+        std::find_if(p_Spaces.begin(), p_Spaces.end(), [](VolumeSpace const& p_Space) {
+            return p_Space.IsKnown() && p_Space.After() < 0;
+        });
+    if (full == p_Spaces.end())
         return std::nullopt;
-    return Full(p_Folder, free, needed);
+    return Full(full->Folder, full->Free, full->Needed);
 }
 
 std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
-#include "Launcher/Application/ApplicationManifest.hpp"
+#include "Host/Core/Folder/VolumeSpace.hpp"
 
 #include <QString>
 
@@ -15,15 +15,10 @@ namespace Varnholt::Host {
 /// and again without keeping it.
 class RoomCheck {
 public:
-    using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
-
     explicit RoomCheck(std::function<qint64(QString const&)> p_FreeBytes);
 
-    /// Before the first byte. Counts what lies there already, and the room of all volumes that the
-    /// files lie on, so that it never refuses what fits. \param p_TotalBytes of all files of the
-    /// list
-    std::optional<Failure> BeforeDownload(QString const& p_Folder, Entries const& p_Files,
-                                          quint64 p_TotalBytes) const;
+    /// Before the first byte: why the files do not fit on one of their volumes.
+    static std::optional<Failure> BeforeDownload(std::vector<VolumeSpace> const& p_Spaces);
     /// While bytes arrive. \param p_Folder on the volume that they arrive on
     /// \param p_RemainingBytes still to come
     std::optional<Failure> WhileDownloading(QString const& p_Folder,

@@ -1,5 +1,6 @@
 #include "Host/Core/Jobs/RunPhase.hpp"
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <iterator>
 
@@ -7,37 +8,45 @@ namespace Varnholt::Host {
 
 namespace {
 
-struct Row {
+struct PhaseRow {
     RunPhase Phase;
     char const* Name;
     char const* Text;
 };
 
-constexpr Row c_Table[] = {
-    {RunPhase::Idle, "idle", "idle"},
-    {RunPhase::Connecting, "connecting", "connecting"},
-    {RunPhase::AskingMirrors, "asking-mirrors", "asking the mirrors"},
-    {RunPhase::Comparing, "comparing", "comparing files"},
-    {RunPhase::Verifying, "verifying", "verifying files"},
-    {RunPhase::WaitingForHost, "waiting-for-host", "waiting for permission to download"},
-    {RunPhase::WaitingForGame, "waiting-for-game", "waiting for the game to quit"},
-    {RunPhase::AskingSizes, "asking-sizes", "asking for file sizes"},
-    {RunPhase::DownloadingBase, "downloading-base", "downloading base files"},
-    {RunPhase::ComparingStreamed, "comparing-streamed", "comparing streamed files"},
-    {RunPhase::DownloadingStreamed, "downloading-streamed", "downloading streamed files"},
-    {RunPhase::StartingGame, "starting-game", "starting the game"},
-    {RunPhase::Suspended, "suspended", "suspended"},
-    {RunPhase::Uninstalling, "uninstalling", "removing files"},
-    {RunPhase::Finished, "finished", "finished"},
-    {RunPhase::Failed, "failed", "failed"},
+struct PhaseTable {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::RunPhase)
+
+public:
+    static constexpr PhaseRow c_Rows[] = {
+        {RunPhase::Idle, "idle", QT_TR_NOOP("idle")},
+        {RunPhase::Connecting, "connecting", QT_TR_NOOP("connecting")},
+        {RunPhase::AskingMirrors, "asking-mirrors", QT_TR_NOOP("asking the mirrors")},
+        {RunPhase::Comparing, "comparing", QT_TR_NOOP("comparing files")},
+        {RunPhase::Verifying, "verifying", QT_TR_NOOP("verifying files")},
+        {RunPhase::WaitingForHost, "waiting-for-host",
+         QT_TR_NOOP("waiting for permission to download")},
+        {RunPhase::WaitingForGame, "waiting-for-game", QT_TR_NOOP("waiting for the game to quit")},
+        {RunPhase::WaitingToRetry, "waiting-to-retry", QT_TR_NOOP("waiting to try again")},
+        {RunPhase::AskingSizes, "asking-sizes", QT_TR_NOOP("asking for file sizes")},
+        {RunPhase::DownloadingBase, "downloading-base", QT_TR_NOOP("downloading base files")},
+        {RunPhase::ComparingStreamed, "comparing-streamed", QT_TR_NOOP("comparing streamed files")},
+        {RunPhase::DownloadingStreamed, "downloading-streamed",
+         QT_TR_NOOP("downloading streamed files")},
+        {RunPhase::StartingGame, "starting-game", QT_TR_NOOP("starting the game")},
+        {RunPhase::Suspended, "suspended", QT_TR_NOOP("suspended")},
+        {RunPhase::Uninstalling, "uninstalling", QT_TR_NOOP("removing files")},
+        {RunPhase::Finished, "finished", QT_TR_NOOP("finished")},
+        {RunPhase::Failed, "failed", QT_TR_NOOP("failed")},
+    };
 };
 
-Row const& RowOf(RunPhase p_Phase)
+PhaseRow const& RowOf(RunPhase p_Phase)
 {
     auto const* const row =
-        std::find_if(std::begin(c_Table), std::end(c_Table),
-                     [p_Phase](Row const& p_Row) { return p_Row.Phase == p_Phase; });
-    return row == std::end(c_Table) ? c_Table[0] : *row;
+        std::find_if(std::begin(PhaseTable::c_Rows), std::end(PhaseTable::c_Rows),
+                     [p_Phase](PhaseRow const& p_Row) { return p_Row.Phase == p_Phase; });
+    return row == std::end(PhaseTable::c_Rows) ? PhaseTable::c_Rows[0] : *row;
 }
 
 } // namespace
@@ -47,9 +56,17 @@ QString PhaseName(RunPhase p_Phase)
     return QString::fromLatin1(RowOf(p_Phase).Name);
 }
 
+RunPhase PhaseNamed(QString const& p_Name)
+{
+    auto const* const row =
+        std::find_if(std::begin(PhaseTable::c_Rows), std::end(PhaseTable::c_Rows),
+                     [&](PhaseRow const& p_Row) { return p_Name == QLatin1String(p_Row.Name); });
+    return row == std::end(PhaseTable::c_Rows) ? RunPhase::Idle : row->Phase;
+}
+
 QString PhaseText(RunPhase p_Phase)
 {
-    return QString::fromLatin1(RowOf(p_Phase).Text);
+    return PhaseTable::tr(RowOf(p_Phase).Text);
 }
 
 bool IsDownloading(RunPhase p_Phase)

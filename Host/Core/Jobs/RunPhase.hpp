@@ -13,6 +13,7 @@ enum class RunPhase {
     Verifying,
     WaitingForHost,
     WaitingForGame,
+    WaitingToRetry, ///< nothing arrives, and a server is to be asked again
     AskingSizes,
     DownloadingBase,
     ComparingStreamed,
@@ -26,6 +27,9 @@ enum class RunPhase {
 
 /// The phase as a word for programs, the same in every version: "downloading-base".
 QString PhaseName(RunPhase p_Phase);
+
+/// The phase of a name; `Idle` when there is none.
+RunPhase PhaseNamed(QString const& p_Name);
 
 /// The phase in words, "downloading base files".
 QString PhaseText(RunPhase p_Phase);

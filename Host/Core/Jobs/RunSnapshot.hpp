@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Core/Folder/VolumeSpace.hpp"
 #include "Host/Core/Jobs/RunPhase.hpp"
 
 #include <QMetaType>
@@ -27,11 +28,17 @@ struct ServerWait {
     QString Cause;
     qint64 Silent = 0;      ///< seconds since the last byte
     qint64 NextAttempt = 0; ///< seconds; 0: under way
+    int Attempt = 1;        ///< the number of that one
+    int Attempts = 0;       ///< that there will be at most; 0: no limit
+
+    /// Whether something has failed that is tried again; otherwise a server is only silent.
+    bool IsRetry() const { return Attempt > 1; }
 
     bool operator==(ServerWait const& p_Other) const
     {
         return Server == p_Other.Server && Cause == p_Other.Cause && Silent == p_Other.Silent &&
-               NextAttempt == p_Other.NextAttempt;
+               NextAttempt == p_Other.NextAttempt && Attempt == p_Other.Attempt &&
+               Attempts == p_Other.Attempts;
     }
 };
 
@@ -49,7 +56,9 @@ struct RunSnapshot {
     quint64 BytesReceived = 0; ///< from the network, since the run began
     bool IsHeld = false;       ///< by a pause: no file grows, and none begins
     std::vector<ServerShare> Servers;
-    std::optional<ServerWait> Wait; ///< nothing arrives, and a server is to be asked again
+    /// As it was before the first byte of the latest list of files; empty until that is known.
+    std::vector<VolumeSpace> Space;
+    std::optional<ServerWait> Wait; ///< nothing arrives
 
     bool operator==(RunSnapshot const& p_Other) const
     {
@@ -58,7 +67,7 @@ struct RunSnapshot {
                BytesDone == p_Other.BytesDone && BytesTotal == p_Other.BytesTotal &&
                Rate == p_Other.Rate && Remaining == p_Other.Remaining && Mirror == p_Other.Mirror &&
                BytesReceived == p_Other.BytesReceived && IsHeld == p_Other.IsHeld &&
-               Servers == p_Other.Servers && Wait == p_Other.Wait;
+               Servers == p_Other.Servers && Space == p_Other.Space && Wait == p_Other.Wait;
     }
 };
 

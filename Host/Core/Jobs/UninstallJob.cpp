@@ -2,7 +2,10 @@
 
 #include "Host/Core/Jobs/GameOutput.hpp"
 
+#include <QCoreApplication>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace Varnholt::Host {
 
@@ -82,7 +85,8 @@ void UninstallJob::Judge(QString const& p_Folder)
         return Finish();
     QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));
     if (remaining.size() > c_MostNamed)
-        named += QStringLiteral(" and %1 more").arg(remaining.size() - c_MostNamed);
+        named += QCoreApplication::translate("Varnholt::Host::UninstallJob", " and %1 more")
+                     .arg(remaining.size() - c_MostNamed);
     Fail({FailureKind::FilesNotRemoved, p_Folder, named});
 }
 
@@ -97,8 +101,10 @@ RunSnapshot UninstallJob::Look()
         return Job::Look();
     RunSnapshot snapshot;
     snapshot.Phase = Phase();
-    snapshot.FileNumber = Removal->FileNumber();
     snapshot.FileCount = Removal->FileCount();
+    snapshot.FileNumber = std::min(Removal->FileNumber(), snapshot.FileCount);
+    snapshot.BytesTotal = Removal->BytesTotal();
+    snapshot.BytesDone = std::min(Removal->BytesDone(), snapshot.BytesTotal);
     return snapshot;
 }
 

@@ -4,7 +4,7 @@ namespace Varnholt::Host {
 
 void VerifyJob::Judge()
 {
-    Fail({FailureKind::FilesWrong, FileCountText(Result.Findings.size()), Result.Build});
+    Fail({Verdict(), FileCountText(Result.Findings.size()), Result.BuildText()});
 }
 
 } // namespace Varnholt::Host

@@ -12,6 +12,7 @@ public:
 protected:
     RunPhase WorkPhase() const override { return RunPhase::Verifying; }
     bool LooksAtEveryFile() const override { return true; }
+    FailureKind Verdict() const override { return FailureKind::FilesWrong; }
     void Judge() override;
 };
 

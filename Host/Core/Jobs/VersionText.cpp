@@ -3,6 +3,8 @@
 #include "Host/Core/Network/FetchFailure.hpp"
 #include "Launcher/Application/RemoteText.hpp"
 
+#include <QCoreApplication>
+
 namespace Varnholt::Host::VersionText {
 
 std::optional<QString> BuildIn(std::string const& p_Content)
@@ -19,7 +21,8 @@ std::optional<Failure> FaultOf(std::optional<QString> const& p_Build, QString co
         return DamagedDocument(p_Url);
     if (!p_Build->isEmpty())
         return std::nullopt;
-    return Failure{FailureKind::ContentInvalid, p_Url, QStringLiteral("it names no build")};
+    return Failure{FailureKind::ContentInvalid, p_Url,
+                   QCoreApplication::translate("Varnholt::Host::VersionText", "it names no build")};
 }
 
 } // namespace Varnholt::Host::VersionText

@@ -81,7 +81,10 @@ void NotifyDownloadFinished() {}
 
 bool ShouldContinue()
 {
-    return Ask(false, [](HostEnvironment& p_Host) { return p_Host.Gate.IsOpen(); });
+    return Ask(false, [](HostEnvironment& p_Host) {
+        p_Host.Gate.CountQuestion();
+        return p_Host.Gate.IsOpen();
+    });
 }
 
 bool UseDevChannel()
@@ -97,6 +100,12 @@ bool Claim(HostEnvironment& p_Environment)
     if (g_Environment == nullptr)
         g_Environment = &p_Environment;
     return g_Environment == &p_Environment;
+}
+
+void SetLocale(HostEnvironment& p_Environment, Launcher::LauncherLocale const& p_Locale)
+{
+    QWriteLocker const lock(&g_EnvironmentLock);
+    p_Environment.Locale = p_Locale;
 }
 
 void Install(Launcher::Application& p_Application)

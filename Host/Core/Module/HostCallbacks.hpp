@@ -14,6 +14,9 @@ namespace Varnholt::Host::HostCallbacks {
 /// \return false when another environment is in place already
 bool Claim(HostEnvironment& p_Environment);
 
+/// Changes the launcher's language. Any thread.
+void SetLocale(HostEnvironment& p_Environment, Launcher::LauncherLocale const& p_Locale);
+
 /// Fills in every callback.
 void Install(Launcher::Application& p_Application);
 

@@ -3,6 +3,7 @@
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/Jobs/JobTable.hpp"
 #include "Host/Core/Module/HostCallbacks.hpp"
+#include "Host/Core/Session/RunFollower.hpp"
 
 #include <QDir>
 #include <QLocale>
@@ -33,6 +34,7 @@ ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
     , Settings(p_Settings)
     , Environment{p_Settings, Gate, Options.UseDevChannel, SystemLocale(), {}, {}}
     , Copies(p_Settings.File())
+    , Games(this)
     , TurnTimer(this)
 {
     constexpr int c_TurnMilliseconds = 15; // the module's queue cannot wake anybody
@@ -42,6 +44,8 @@ ModuleHost::ModuleHost(HostOptions p_Options, HostSettings& p_Settings)
         Door = std::make_unique<NetworkDoor>(Options, *this);
     TurnTimer.setInterval(c_TurnMilliseconds);
     connect(&TurnTimer, &QTimer::timeout, this, [this] { Turn(); });
+    connect(&Games, &GameWatch::Started, this, &ModuleHost::GameStarted);
+    connect(&Games, &GameWatch::Ended, this, &ModuleHost::GameEnded);
 }
 
 ModuleHost::~ModuleHost() = default;
@@ -75,10 +79,10 @@ std::optional<Failure> ModuleHost::LoadModule()
     QString const file = ModuleFile();
     if (!Door)
         return Failure{FailureKind::ModuleUnloadable, file,
-                       QStringLiteral("another session of this program uses a module")};
+                       tr("another session of this program uses a module")};
     if (!Door->IsOpen())
-        return Failure{FailureKind::Other, QStringLiteral("the start"),
-                       QStringLiteral("the system lets nobody listen on 127.0.0.1")};
+        return Failure{FailureKind::Other, tr("the start"),
+                       tr("the system lets nobody listen on 127.0.0.1")};
     return Loader.Load(file);
 }
 
@@ -96,8 +100,8 @@ void ModuleHost::Assemble()
     // The next file need not wait for the clock.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
     Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
-    Context = std::make_unique<RunContext>(
-        RunContext{module, *View, Info, Options, *Record, Gate, *Door, Copies, *Ledger, *Watch});
+    Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, Gate,
+                                                      *Door, Copies, *Ledger, *Watch, Games});
 
     Environment.OnError = [this](QString const& p_Message) {
         QMetaObject::invokeMethod(
@@ -110,7 +114,7 @@ void ModuleHost::Assemble()
 void ModuleHost::OnError(QString const& p_Message)
 {
     if (p_Message.startsWith(QLatin1String("File ")))
-        Q_EMIT Noticed(p_Message); // the door knows the others better
+        Q_EMIT Noticed({NoticeKind::ModuleMessage, p_Message}); // the door knows the others better
 }
 
 void ModuleHost::ReadStatus()
@@ -129,6 +133,8 @@ void ModuleHost::ReadStatus()
         status.PendingBase = PendingCount(status.Folder + Launcher::PendingList::c_Base);
         status.PendingStreamed = PendingCount(status.Folder + Launcher::PendingList::c_Streamed);
     }
+    if (status.FolderExists && !Current)
+        status.Download = RunFollower::Look(status.Folder);
     Q_EMIT StatusRead(status);
 }
 
@@ -145,6 +151,9 @@ void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
     connect(Current.get(), &Job::Progressed, this, &ModuleHost::Progressed);
     connect(Current.get(), &Job::Noticed, this, &ModuleHost::Noticed);
     connect(Current.get(), &Job::Ended, this, &ModuleHost::OnEnded);
+    if (Current->Is(Job::CanPause))
+        connect(Current.get(), &Job::FolderTaken, this,
+                [this, p_Id](QString const& p_Folder) { Q_EMIT FolderTaken(p_Id, p_Folder); });
     Current->Begin();
 }
 
@@ -191,6 +200,19 @@ void ModuleHost::Interrupt()
         Current->Interrupt();
 }
 
+void ModuleHost::SetLanguage(QString const& p_Code)
+{
+    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available())
+        if (locale.Code == p_Code)
+            HostCallbacks::SetLocale(Environment, locale);
+}
+
+void ModuleHost::StopRepair()
+{
+    if (Current)
+        Current->StopRepair();
+}
+
 void ModuleHost::Turn()
 {
     if (Closing)
@@ -201,6 +223,7 @@ void ModuleHost::Turn()
         Pump->Drain();
     if (Current)
         Current->AfterPump();
+    Games.Look();
 }
 
 void ModuleHost::Close()

@@ -39,6 +39,9 @@ public:
     void Continue();
     void SetRateLimit(quint64 p_BytesPerSecond);
     void Interrupt();
+    /// \param p_Code see `HostSession`
+    void SetLanguage(QString const& p_Code);
+    void StopRepair();
     /// What the module asks before it goes on; any thread.
     RunGate& AnyThreadGate() { return Gate; }
     /// Ends what is under way, deletes the module and emits `Closed`.
@@ -48,9 +51,13 @@ Q_SIGNALS:
     void Loaded(ModuleInfo p_Info);
     void LoadFailed(Failure p_Failure);
     void StatusRead(InstallStatus p_Status);
+    /// A run that can be paused keeps a folder to itself.
+    void FolderTaken(quint64 p_Id, QString p_Folder);
     void Progressed(RunSnapshot p_Snapshot);
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(quint64 p_Id, RunResult p_Result);
+    void GameStarted(qint64 p_ProcessId);
+    void GameEnded(GameEnd p_End);
     void Closed();
 
 private:
@@ -72,6 +79,7 @@ private:
     OfflineCopies Copies;
     std::unique_ptr<NetworkDoor> Door; ///< null when another session has one; outlives the module
     ModuleLoader Loader;
+    GameWatch Games;
     QTimer TurnTimer;
     bool Closing = false;
     QDeadlineTimer CloseDeadline;

@@ -15,8 +15,8 @@ std::optional<QString> LayoutCause(QJsonValue const& p_Layout)
     if (p_Layout == Launcher::c_ApplicationLayout)
         return std::nullopt;
     QString const its =
-        p_Layout.isDouble() ? QString::number(p_Layout.toDouble()) : QStringLiteral("not named");
-    return QStringLiteral("its layout is %1, the host's is %2")
+        p_Layout.isDouble() ? QString::number(p_Layout.toDouble()) : ModuleLoader::tr("not named");
+    return ModuleLoader::tr("its layout is %1, the host's is %2")
         .arg(its)
         .arg(Launcher::c_ApplicationLayout);
 }
@@ -30,10 +30,9 @@ std::optional<Failure> ModuleLoader::Load(QString const& p_File)
     QPluginLoader loader(p_File);
     QString const id = loader.metaData()[QLatin1String("IID")].toString();
     if (id.isEmpty())
-        return Failure{FailureKind::ModuleForeign, p_File, QStringLiteral("it is no plug-in")};
+        return Failure{FailureKind::ModuleForeign, p_File, tr("it is no plug-in")};
     if (id != QLatin1String(Varnholt_Application_iid))
-        return Failure{FailureKind::ModuleForeign, p_File,
-                       QStringLiteral("its interface is \"%1\"").arg(id)};
+        return Failure{FailureKind::ModuleForeign, p_File, tr("its interface is \"%1\"").arg(id)};
     QJsonObject const metaData = loader.metaData()[QLatin1String("MetaData")].toObject();
     if (auto const cause = LayoutCause(metaData[QLatin1String("layout")]))
         return Failure{FailureKind::ModuleForeign, p_File, *cause};
@@ -47,8 +46,7 @@ std::optional<Failure> ModuleLoader::Load(QString const& p_File)
                              : instance->qt_metacast("Varnholt::Launcher::StandartApplication");
     if (object == nullptr) {
         delete instance;
-        return Failure{FailureKind::ModuleForeign, p_File,
-                       QStringLiteral("its object is of another class")};
+        return Failure{FailureKind::ModuleForeign, p_File, tr("its object is of another class")};
     }
     File = p_File;
     MetaData = metaData;

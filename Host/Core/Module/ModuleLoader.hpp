@@ -4,6 +4,7 @@
 #include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
 
+#include <QCoreApplication>
 #include <QJsonObject>
 #include <QString>
 
@@ -16,6 +17,8 @@ namespace Varnholt::Host {
 /// The host has its own copy of the module's base classes: `Application` tells what it may touch of
 /// the object.
 class ModuleLoader {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::ModuleLoader)
+
 public:
     /// Creates the module's object, on the calling thread, which becomes its application thread.
     /// The interface identifier and the layout are read from the file before any of its code runs.

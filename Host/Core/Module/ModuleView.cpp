@@ -80,8 +80,10 @@ ModuleView::Download ModuleView::Progress() const
     Download download;
     download.Index = Done();
     download.Count = Module.FilesToDownload.size();
-    if (download.Index < download.Count)
+    if (download.Index < download.Count) {
         download.File = Module.FilesToDownload[download.Index].Path;
+        download.Location = Module.FilesToDownload[download.Index].Location;
+    }
     if (HasTransfer())
         download.BytesOnDisk = static_cast<quint64>(Module.CurrentDownload->BytesOnDisk);
     download.BytesTotal = Module.UISetting.Download.Total;
@@ -120,6 +122,12 @@ bool ModuleView::AwaitsReply() const
     }
     // A query that failed stays in the map for good.
     return !Unfinished(Module.ContentSizeRequests, Module.ContentSizeRequestsMutex).empty();
+}
+
+QString ModuleView::Folder() const
+{
+    QMutexLocker const lock(&Module.RunMutex);
+    return Module.InstallationPath;
 }
 
 void ModuleView::SetFolder(QString const& p_Folder)

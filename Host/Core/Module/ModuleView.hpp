@@ -22,6 +22,7 @@ public:
         std::size_t Index = 0; ///< of the current file; `Count` behind the last
         std::size_t Count = 0;
         QString File;            ///< the current one's path; empty behind the last
+        QString Location;        ///< of the current one
         quint64 BytesOnDisk = 0; ///< of the current one
         quint64 BytesTotal = 0;  ///< of the list
     };
@@ -68,6 +69,11 @@ public:
     bool HasTransfer() const { return Module.CurrentDownload != nullptr; }
     /// Whether the module waits for an answer of a server.
     bool AwaitsReply() const;
+    /// The installation's, as the module has it; ends in "/".
+    QString Folder() const;
+    QString Locale() const { return Module.GetAppLocale(); }
+    /// Whether a comparison trusts no earlier one.
+    bool IsFirstBuild() const { return Module.IsFirstManifestBuild; }
     quint32 Restarts() const { return Module.DownloadRetryCount; }
 
     /// The module has one budget of restarts for all files.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GameModules/StandartApplication.hpp"
+#include "Host/Core/Jobs/GameWatch.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
 #include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Module/RunGate.hpp"
@@ -25,6 +26,7 @@ struct RunContext {
     OfflineCopies const& Copies;
     TransferLedger& Ledger;
     RunWatch& Watch;
+    GameWatch& Games;
 };
 
 } // namespace Varnholt::Host

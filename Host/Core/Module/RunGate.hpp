@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <atomic>
 
 namespace Varnholt::Host {
@@ -24,9 +26,14 @@ public:
     /// it learns of the current build and touches nothing.
     void SetPreview(bool p_Preview) { Preview = p_Preview; }
     bool IsPreview() const { return Preview; }
+    void CountQuestion() { ++Asked; }
+    /// How often the module has asked whether it may go on: of a file that it reads, for each
+    /// `FileDigest::c_BlockBytes`.
+    quint64 Questions() const { return Asked; }
     bool IsOpenForDownload() const { return IsOpen() && !Held; }
 
 private:
+    std::atomic<quint64> Asked{0};
     std::atomic<bool> Opened{false};
     std::atomic<bool> Held{false};
     std::atomic<bool> Preview{false};

@@ -71,7 +71,8 @@ void TransferLedger::OnComplete(HTTP_DownloadFileRequest* p_Request)
     QMutexLocker const lock(&Mutex);
     FruitlessRestarts = 0;
     Ending.insert(p_Request);
-    ++Ended;
+    if (!p_Request->Aborted)
+        ++Ended;
 }
 
 void TransferLedger::OnHandled(HTTP_DownloadFileRequest* p_Request)

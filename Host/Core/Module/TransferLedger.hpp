@@ -26,7 +26,7 @@ public:
                    std::function<void(QString const&)> p_OnWrong);
 
     bool IsEmpty() const;
-    /// Transfers that have ended since the start.
+    /// Transfers that have ended since the start; those that were stopped do not count.
     quint32 Count() const;
     /// Whether the transfer in flight has been begun anew again and again without a byte more: the
     /// module would go on with that for ever.

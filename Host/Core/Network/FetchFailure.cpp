@@ -1,5 +1,6 @@
 #include "Host/Core/Network/FetchFailure.hpp"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 namespace Varnholt::Host {
@@ -38,7 +39,8 @@ Failure ExplainFetch(Gateway::FetchProblem const& p_Problem)
 Failure DamagedDocument(QString const& p_Url)
 {
     return {FailureKind::ContentInvalid, p_Url,
-            QStringLiteral("it is damaged, or a page of another kind")};
+            QCoreApplication::translate("Varnholt::Host::FetchFailure",
+                                        "it is damaged, or a page of another kind")};
 }
 
 QString UrlOf(Gateway::FetchProblem const& p_Problem)

@@ -1,11 +1,7 @@
 #include "Host/Core/Session/ControlSocket.hpp"
 
-#include "Host/Core/Settings/SettingsFile.hpp"
-
-#include <QCryptographicHash>
-#include <QDir>
+#include <QCoreApplication>
 #include <QLocalSocket>
-#include <QStandardPaths>
 
 #include <utility>
 
@@ -13,82 +9,38 @@ namespace Varnholt::Host {
 
 namespace {
 
-constexpr int c_WaitMilliseconds = 3'000;
-constexpr int c_LongestLine = 32;
-QByteArray const c_Limit = QByteArrayLiteral("limit ");
-
-QByteArray LineOf(ControlMessage const& p_Message)
-{
-    switch (p_Message.Kind) {
-    case ControlMessage::Type::Pause:
-        return "pause\n";
-    case ControlMessage::Type::Resume:
-        return "resume\n";
-    case ControlMessage::Type::LimitRate:
-        break;
-    }
-    return c_Limit + QByteArray::number(p_Message.BytesPerSecond) + '\n';
-}
-
-void Dismiss(QLocalSocket& p_Client, char const* p_Answer)
+void Dismiss(QLocalSocket& p_Client, QByteArray const& p_Answer)
 {
     p_Client.write(p_Answer);
+    p_Client.flush(); // this program may end at once
     p_Client.disconnectFromServer();
-}
-
-/// \return none when the line is no message
-std::optional<ControlMessage> MessageOf(QByteArray const& p_Line)
-{
-    ControlMessage message;
-    if (p_Line.startsWith(c_Limit)) {
-        message.Kind = ControlMessage::Type::LimitRate;
-        message.BytesPerSecond = p_Line.mid(c_Limit.size()).chopped(1).toULongLong();
-    } else if (p_Line.startsWith('r')) {
-        message.Kind = ControlMessage::Type::Resume;
-    }
-    // Only the one way to write it: numbers are read with signs and blanks too.
-    return LineOf(message) == p_Line ? std::optional(message) : std::nullopt;
 }
 
 } // namespace
 
-ControlSocket::ControlSocket(QString const& p_SettingsFile, QObject* p_Parent)
+ControlSocket::ControlSocket(QObject* p_Parent)
     : QObject(p_Parent)
-    , Path(Name(p_SettingsFile))
+    , Server(this)
 {
     Server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&Server, &QLocalServer::newConnection, this, [this] { OnConnection(); });
 }
 
-QString ControlSocket::Name(QString const& p_SettingsFile)
+bool ControlSocket::Listen(QString const& p_Folder, QString const& p_Game)
 {
-    constexpr int c_Digits = 16;
-
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (folder.isEmpty())
-        folder = QDir::tempPath();
-    QByteArray const digest =
-        QCryptographicHash::hash(SettingsFile::Canonical(p_SettingsFile).toUtf8(),
-                                 QCryptographicHash::Sha256)
-            .toHex();
-    return folder + QStringLiteral("/varnholt-host-") + QString::fromLatin1(digest.left(c_Digits));
-}
-
-bool ControlSocket::Listen()
-{
-    // A server with access options takes a name over from the one that listens there.
-    QLocalSocket probe;
-    probe.connectToServer(Path);
-    if (probe.waitForConnected(c_WaitMilliseconds))
-        return false;
-    QLocalServer::removeServer(Path); // what a program that was killed has left behind
-    return Server.listen(Path);
+    Latest = {};
+    Latest.Phase = RunPhase::Connecting;
+    Game = p_Game;
+    QString const path = ControlLine::SocketOf(p_Folder);
+    QLocalServer::removeServer(path); // what a program that was killed has left behind
+    return Server.listen(path);
 }
 
 void ControlSocket::OnConnection()
 {
     while (QLocalSocket* const client = Server.nextPendingConnection()) {
         client->setParent(this);
+        client->setReadBufferSize(ControlLine::c_LongestMessage);
         connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
         connect(client, &QLocalSocket::readyRead, this, [this, client] { Answer(*client); });
     }
@@ -97,39 +49,78 @@ void ControlSocket::OnConnection()
 void ControlSocket::Answer(QLocalSocket& p_Client)
 {
     if (!p_Client.canReadLine()) {
-        if (p_Client.bytesAvailable() > c_LongestLine)
+        if (p_Client.bytesAvailable() >= ControlLine::c_LongestMessage)
             p_Client.abort();
         return;
     }
-    auto const message = MessageOf(p_Client.readLine(c_LongestLine));
-    if (message && message->Kind == ControlMessage::Type::Pause)
+    p_Client.disconnect(this); // what comes behind the message is not read
+    auto const message = ControlLine::MessageIn(p_Client.readLine());
+    if (!message)
+        return Dismiss(p_Client, "unknown\n");
+    switch (message->Kind) {
+    case ControlMessage::Type::Look:
+        return Dismiss(p_Client, LatestLine());
+    case ControlMessage::Type::Follow:
+        p_Client.write(LatestLine());
+        Followers.emplace_back(&p_Client);
+        return;
+    case ControlMessage::Type::Pause:
         AwaitHold.emplace_back(&p_Client);
-    else
-        Dismiss(p_Client, message ? "ok\n" : "unknown\n");
-    if (message)
-        Q_EMIT Received(*message);
+        if (Latest.IsHeld)
+            AnswerPauses("ok\n");
+        break;
+    case ControlMessage::Type::Resume:
+    case ControlMessage::Type::LimitRate:
+        Dismiss(p_Client, "ok\n");
+        break;
+    }
+    Q_EMIT Received(*message);
 }
 
-void ControlSocket::TellPause(bool p_Holds)
+void ControlSocket::AnswerPauses(char const* p_Answer)
 {
     for (QPointer<QLocalSocket> const& client : std::exchange(AwaitHold, {}))
         if (client)
-            Dismiss(*client, p_Holds ? "ok\n" : "resumed\n");
+            Dismiss(*client, p_Answer);
 }
 
-std::optional<Failure> ControlSocket::Send(QString const& p_SettingsFile,
-                                           ControlMessage const& p_Message)
+QByteArray ControlSocket::LatestLine() const
 {
-    Failure const nobody{FailureKind::NothingRunning, p_SettingsFile, {}};
-    QLocalSocket socket;
-    socket.connectToServer(Name(p_SettingsFile));
-    if (!socket.waitForConnected(c_WaitMilliseconds))
-        return nobody;
-    socket.write(LineOf(p_Message));
-    int const patience = p_Message.Kind == ControlMessage::Type::Pause ? -1 : c_WaitMilliseconds;
-    while (!socket.canReadLine() && socket.waitForReadyRead(patience))
-        continue;
-    return socket.readLine() == "ok\n" ? std::nullopt : std::optional<Failure>(nobody);
+    QJsonObject object = ControlLine::ObjectOf(Latest);
+    object.insert(QStringLiteral("process"), QCoreApplication::applicationPid());
+    return ControlLine::Of(object);
+}
+
+void ControlSocket::Show(RunSnapshot const& p_Snapshot)
+{
+    constexpr qint64 c_MostBytes = qint64{64} * 1024; // that wait for one who follows
+
+    Latest = p_Snapshot;
+    if (Latest.IsHeld)
+        AnswerPauses("ok\n");
+    if (Followers.empty())
+        return;
+    QByteArray const line = LatestLine();
+    for (QPointer<QLocalSocket> const& client : Followers)
+        if (client && client->bytesToWrite() < c_MostBytes)
+            client->write(line);
+}
+
+void ControlSocket::TellResumed()
+{
+    Latest.IsHeld = false; // until the module says so again
+    AnswerPauses("resumed\n");
+}
+
+void ControlSocket::End(RunResult const& p_Result)
+{
+    Server.close();
+    AnswerPauses("ended\n");
+    QJsonObject end = ControlLine::EndOf(p_Result);
+    end.insert(QStringLiteral("game"), Game);
+    for (QPointer<QLocalSocket> const& client : std::exchange(Followers, {}))
+        if (client)
+            Dismiss(*client, ControlLine::Of(end));
 }
 
 } // namespace Varnholt::Host

@@ -1,58 +1,53 @@
 #pragma once
 
-#include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Session/ControlLine.hpp"
 
 #include <QLocalServer>
 #include <QObject>
 #include <QPointer>
-#include <QString>
 
-#include <optional>
 #include <vector>
 
 class QLocalSocket;
 
 namespace Varnholt::Host {
 
-/// What one program tells another.
-struct ControlMessage {
-    enum class Type { Pause, Resume, LimitRate };
-
-    Type Kind = Type::Pause;
-    quint64 BytesPerSecond = 0; ///< of `LimitRate`; 0: as fast as it comes
-};
-
-/// Lets one program speak to another that is at work with the same settings file. A message per
-/// connection, answered by "ok" when it has come true; only the same user's programs get through.
+/// Lets the user's other programs find, follow and steer the run in a game folder. A message per
+/// connection: one that steers is answered by "ok" when it has come true. Who follows and does not
+/// keep up misses something, and costs the run nothing. Other users' programs do not get through.
 class ControlSocket : public QObject {
     Q_OBJECT
 
 public:
-    /// \param p_SettingsFile absolute, or seen from the current folder
-    explicit ControlSocket(QString const& p_SettingsFile, QObject* p_Parent = nullptr);
+    explicit ControlSocket(QObject* p_Parent = nullptr);
 
-    /// \return false when another program listens already, or the system does not allow it
-    bool Listen();
-
-    /// Answers those who have asked for a pause. \param p_Holds false: it was taken back before
-    void TellPause(bool p_Holds);
-
-    /// Sends a message to the program that listens, and waits for the answer: of a pause as long as
-    /// the file in hand takes.
-    static std::optional<Failure> Send(QString const& p_SettingsFile,
-                                       ControlMessage const& p_Message);
+    /// Takes messages from now on, instead of anybody who did for this folder: for one who keeps it
+    /// by a `FolderLock`. \return false when the system does not allow it
+    bool Listen(QString const& p_Folder, QString const& p_Game);
+    /// Tells how the run stands, also those who have asked for a pause, once it holds.
+    void Show(RunSnapshot const& p_Snapshot);
+    /// Tells those who have asked for a pause that it was taken back.
+    void TellResumed();
+    /// Tells how the run has ended and takes no more messages.
+    void End(RunResult const& p_Result);
 
 Q_SIGNALS:
+    /// To pause, to resume, or to limit the rate.
     void Received(Varnholt::Host::ControlMessage p_Message);
 
 private:
-    static QString Name(QString const& p_SettingsFile);
+    using Clients = std::vector<QPointer<QLocalSocket>>;
+
     void OnConnection();
     void Answer(QLocalSocket& p_Client);
+    void AnswerPauses(char const* p_Answer);
+    QByteArray LatestLine() const;
 
-    QString Path;
-    std::vector<QPointer<QLocalSocket>> AwaitHold;
     QLocalServer Server;
+    RunSnapshot Latest;
+    QString Game;
+    Clients AwaitHold;
+    Clients Followers;
 };
 
 } // namespace Varnholt::Host

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "Host/Core/Failures/Failure.hpp"
+#include "Host/Core/Failures/Notice.hpp"
+#include "Host/Core/Jobs/GameEnd.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
+#include "Host/Core/Session/ControlSocket.hpp"
 #include "Host/Core/Session/InstallStatus.hpp"
 #include "Host/Core/Settings/HostOptions.hpp"
 
@@ -28,6 +31,9 @@ class ModuleThread;
 /// folder for one beside the launcher and moves it one level down, which must not happen to a user
 /// who stands in the game folder. Make relative paths absolute before. Both are as before when it
 /// has closed.
+///
+/// While a run that can be paused has its folder, the user's other programs find it there, see
+/// `RunFollower`: they may follow it, pause it, let it go on and limit its rate as the owner may.
 class HostSession : public QObject {
     Q_OBJECT
 
@@ -54,8 +60,16 @@ public:
     void Pause();
     /// Goes on with a paused run.
     void Continue();
+    /// Whether the run under way is paused, by whomever, though it may not hold yet.
+    bool IsPaused() const { return Paused; }
     /// \param p_BytesPerSecond that content may arrive with, from now on; 0: as fast as it comes
     void SetRateLimit(quint64 p_BytesPerSecond);
+    /// The launcher's own language, which the game has too as long as none was chosen for it.
+    /// \param p_Code one of `Launcher::LauncherLocale::Available`; another one changes nothing
+    void SetLanguage(QString const& p_Code);
+    /// Ends the repair under way, whose result says so. What is missing by the ordinary comparison
+    /// is still fetched, and the installation counts as unfinished: some files were not looked at.
+    void StopRepair();
     /// Ends what is under way with the failure `Interrupted`; what has arrived is kept. Its `Ended`
     /// comes soon, whatever the module is busy with.
     void Interrupt();
@@ -72,17 +86,26 @@ Q_SIGNALS:
     void OpenFailed(Failure p_Failure);
     void StatusRead(InstallStatus p_Status);
     void Progressed(RunSnapshot p_Snapshot);
-    void Noticed(QString p_Text);
+    void Noticed(Notice p_Notice);
     void Ended(quint64 p_Id, RunResult p_Result);
+    /// The game that a request has started runs, or has run already: `GameEnded` follows, unless
+    /// the session closes before.
+    void GameStarted(qint64 p_ProcessId);
+    void GameEnded(GameEnd p_End);
     void Closed();
 
 private:
+    void OnMessage(ControlMessage const& p_Message);
     void OnEnded(quint64 p_Id, RunResult const& p_Result);
-    void EndWithoutModule(std::set<quint64> const& p_Ids);
+    void EndWithoutModule(std::set<quint64> const& p_Ids, Failure const& p_Why);
 
     ModuleThread* Module; ///< deletes itself when it has ended
     std::set<quint64> UnderWay;
     quint64 LastId = 0;
+    bool Paused = false;
+    QString Game;
+    ControlSocket Control{this};
+    quint64 Controlled = 0; ///< the request that `Control` is open for
 };
 
 } // namespace Varnholt::Host

@@ -4,10 +4,25 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+constexpr char c_Folder[] = ".InstallFolder";
+
+} // namespace
+
 InstallRecord::InstallRecord(HostSettings& p_Settings, QString p_AppId)
     : Settings(p_Settings)
     , AppId(std::move(p_AppId))
 {
+}
+
+QStringList InstallRecord::Folders(HostSettings const& p_Settings)
+{
+    QStringList folders;
+    for (QString const& key : p_Settings.Keys())
+        if (key.endsWith(QLatin1String(c_Folder)))
+            folders += p_Settings.Value(key).toString();
+    return folders;
 }
 
 QString InstallRecord::HostKey(char const* p_Name) const
@@ -22,7 +37,7 @@ bool InstallRecord::IsInstalled() const
 
 QString InstallRecord::Folder() const
 {
-    QString const folder = Settings.Value(ModuleKey(".InstallFolder")).toString();
+    QString const folder = Settings.Value(ModuleKey(c_Folder)).toString();
     return folder.isEmpty() ? folder : Launcher::Helper::Paths::WithSlash(folder);
 }
 

@@ -12,6 +12,9 @@ class InstallRecord {
 public:
     InstallRecord(HostSettings& p_Settings, QString p_AppId);
 
+    /// The folders of every module's installation.
+    static QStringList Folders(HostSettings const& p_Settings);
+
     /// True when there is a folder too: without one an installation is none.
     bool IsInstalled() const;
     /// Ends in "/"; empty when none is recorded.

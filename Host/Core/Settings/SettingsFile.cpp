@@ -1,5 +1,6 @@
 #include "Host/Core/Settings/SettingsFile.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -60,7 +61,8 @@ Content Read(QString const& p_File)
         return Unreadable(p_File, qt_error_string(errno));
     if (!IsOrdinary(handle)) {
         ::close(handle);
-        return Unreadable(p_File, QStringLiteral("it is no ordinary file"));
+        return Unreadable(p_File, QCoreApplication::translate("Varnholt::Host::SettingsFile",
+                                                              "it is no ordinary file"));
     }
     QFile file;
     file.open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
@@ -68,7 +70,9 @@ Content Read(QString const& p_File)
     if (file.error() != QFileDevice::NoError)
         return Unreadable(p_File, file.errorString());
     if (int const line = FirstLineInDisorder(bytes))
-        return Unreadable(p_File, QStringLiteral("line %1 is no setting").arg(line));
+        return Unreadable(p_File, QCoreApplication::translate("Varnholt::Host::SettingsFile",
+                                                              "line %1 is no setting")
+                                      .arg(line));
     return {bytes, {}};
 }
 

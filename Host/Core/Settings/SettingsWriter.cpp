@@ -1,5 +1,6 @@
 #include "Host/Core/Settings/SettingsWriter.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -121,7 +122,9 @@ std::optional<Failure> SettingsWriter::WaitForOthers()
     if (Lock.Take(c_MostMilliseconds) != FileLock::Outcome::Held)
         return std::nullopt;
     return Failure{FailureKind::SettingsUnwritable, File,
-                   QStringLiteral("another program is writing it: %1").arg(Lock.Holder())};
+                   QCoreApplication::translate("Varnholt::Host::SettingsWriter",
+                                               "another program is writing it: %1")
+                       .arg(Lock.Holder())};
 }
 
 Failure SettingsWriter::Because(int p_Error) const
