@@ -46,6 +46,7 @@ void RsyncMirrorTest::ACopyIsTheTree()
     game.Options.RealmListAddress = "logon.example.net";
     game.Publish("build_1");
     game.Options.DevChannel = true;
+    game.Options.RealmListAddress.reset();
     game.Publish("build_2");
     Tree const published = game.Published();
     QVERIFY(WriteFile(game.OutputPath(".varnholt-publish.new/1"), "unfinished"));
