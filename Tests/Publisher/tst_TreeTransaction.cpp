@@ -52,10 +52,7 @@ private Q_SLOTS:
     void NewFilesHaveNamesOfTheirOwn();
 
 private:
-    QString Path(QString const& p_Path) const
-    {
-        return Root + '/' + p_Path;
-    }
+    QString Path(QString const& p_Path) const { return Root + '/' + p_Path; }
 
     std::unique_ptr<QTemporaryDir> Folder;
     QString Root;

@@ -12,8 +12,9 @@
 namespace Varnholt::TestSupport {
 
 /// An HTTP/1.1 server on a loopback port that serves bytes from memory, misbehaves as it is told
-/// and records every request; one that is asked for the same without end ends the program. It runs on a thread of its own, so that it answers while the test's
-/// thread blocks. Every member function is to be called on the test's thread.
+/// and records every request; one that is asked for the same without end ends the program. It runs
+/// on a thread of its own, so that it answers while the test's thread blocks. Every member function
+/// is to be called on the test's thread.
 ///
 /// \code
 /// ScriptedServer server;
