@@ -72,21 +72,10 @@ VARNHOLT_INLINE std::uint32_t WordAt(unsigned char const* p_Data, std::size_t p_
     return qFromLittleEndian<std::uint32_t>(p_Data + p_Word * sizeof(std::uint32_t));
 }
 
-} // namespace
-
-void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks)
-{
-    for (; p_Blocks > 0; --p_Blocks, p_Data += c_BlockBytes) {
-        std::uint32_t block[c_Words];
-        for (std::size_t word = 0; word < c_Words; ++word)
-            block[word] = WordAt(p_Data, word);
-        MixAll(p_State.data(), block, std::make_index_sequence<c_Sines.size()>());
-    }
-}
-
+/// In here: what is made for each machine would be seen outside of the module else.
 VARNHOLT_CLONES
-void AddAll(std::array<State*, c_Count> const& p_States,
-            std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
+void Add(std::array<State*, c_Count> const& p_States,
+         std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
 {
     Lanes state[4];
     for (std::size_t i = 0; i < 4; ++i)
@@ -102,6 +91,24 @@ void AddAll(std::array<State*, c_Count> const& p_States,
     for (std::size_t i = 0; i < 4; ++i)
         for (std::size_t lane = 0; lane < c_Count; ++lane)
             (*p_States[lane])[i] = state[i][lane];
+}
+
+} // namespace
+
+void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks)
+{
+    for (; p_Blocks > 0; --p_Blocks, p_Data += c_BlockBytes) {
+        std::uint32_t block[c_Words];
+        for (std::size_t word = 0; word < c_Words; ++word)
+            block[word] = WordAt(p_Data, word);
+        MixAll(p_State.data(), block, std::make_index_sequence<c_Sines.size()>());
+    }
+}
+
+void AddAll(std::array<State*, c_Count> const& p_States,
+            std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
+{
+    Add(p_States, p_Data, p_Blocks);
 }
 
 } // namespace Varnholt::Launcher::Md5Lanes

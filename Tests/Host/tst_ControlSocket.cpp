@@ -140,27 +140,12 @@ void ControlSocketTest::AMessageArrivesAsItWasSent()
 void ControlSocketTest::OtherLinesAreNoMessages_data()
 {
     QTest::addColumn<QByteArray>("line");
-    for (char const* const line : {"limit",
-                                   "limit ",
-                                   "limit -1",
-                                   "limit +1",
-                                   "limit  1",
-                                   "limit 1 ",
-                                   "limit 01",
-                                   "limit 1k",
-                                   "limit 0x1",
-                                   "limit 1 2",
-                                   "LIMIT 1",
-                                   " limit 1",
-                                   "limit1",
-                                   "limit 18446744073709551616",
-                                   "limit 00000000000000000000000000000001",
-                                   "resume 1",
-                                   "r",
-                                   "pause\r",
-                                   "PAUSE",
-                                   "pausefor",
-                                   ""})
+    QByteArray const lines =
+        "limit|limit |limit -1|limit +1|limit  1|limit 1 |limit 01|limit 1k|"
+        "limit 0x1|limit 1 2|LIMIT 1| limit 1|limit1|limit 18446744073709551616|"
+        "limit 00000000000000000000000000000001|resume 1|r|pause\r|PAUSE|"
+        "pausefor|";
+    for (QByteArray const& line : lines.split('|'))
         QTest::newRow(line) << QByteArray(line) + '\n';
     QTest::newRow("a zero byte") << QByteArray("limit 1\0\n", 9);
 }

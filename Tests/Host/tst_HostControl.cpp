@@ -71,8 +71,10 @@ void HostControlTest::cleanup()
 std::unique_ptr<HostProcess> HostControlTest::Begin() const
 {
     auto process = std::make_unique<HostProcess>(*Game, QStringList{"install", Game->Folder});
-    if (!process->WaitUntil(
-            [&] { return QFileInfo(Game->Path("Data/base.MPQ.part")).size() == c_Half; }))
+    if (!process->WaitUntil([&] {
+            return QFileInfo(Game->Path("Data/base.MPQ.part")).size() == c_Half &&
+                   QFileInfo::exists(Socket());
+        }))
         qFatal("the download does not begin");
     return process;
 }

@@ -43,9 +43,10 @@ void HostFolderLockTest::AFolderThatAnotherHostWorksInIsLeftAlone()
         Outcome const outcome = HostProcess(game, QStringList("-q") + command).Finish();
         QCOMPARE(outcome.Err,
                  QString("varnholt-host: another program works in the folder %1 (varnholt-host, "
-                         "process %2); wait for it to end, then try again.\n")
+                         "process %2 on %3); wait for it to end, then try again.\n")
                      .arg(game.Folder)
-                     .arg(first.ProcessId()));
+                     .arg(first.ProcessId())
+                     .arg(QSysInfo::machineHostName()));
         QCOMPARE(outcome.Status, 8);
     }
     QCOMPARE(game.Requested(), QStringList());

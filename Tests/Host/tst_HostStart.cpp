@@ -1,6 +1,6 @@
 #include "Tests/Host/JsonReport.hpp"
 #include "Tests/Host/PlayedGame.hpp"
-#include "Tests/Host/SessionGame.hpp"
+#include "Tests/Host/WatchingSession.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
 #include "Tests/Support/TestHost.hpp"
@@ -21,23 +21,6 @@ QString OutputFileOf(Outcome const& p_Outcome)
 {
     return p_Outcome.Out.section("its output goes to ", 1).trimmed();
 }
-
-/// A session that knows a game and watches it for long.
-class WatchingSession : public SessionGame {
-public:
-    static constexpr int c_Long = 1'000'000;
-
-    explicit WatchingSession(HostGame const& p_Game, int p_Milliseconds = c_Long)
-    {
-        Options.SettingsFile = p_Game.SettingsFile;
-        Options.ContentUrl = p_Game.Server.BaseUrl();
-        Options.WatchMilliseconds = p_Milliseconds;
-        if (!Open())
-            qFatal("the module cannot be loaded");
-    }
-};
-
-QByteArray const c_UntilLetGo = "#!/bin/sh\nwhile [ -e \"$0.run\" ]; do sleep 0.02; done\n";
 
 /// Runs the host below a shell's line, in which it is "$@". \return what the line has written
 Outcome BelowShell(HostGame const& p_Game, QString const& p_Line, QStringList const& p_Arguments)
@@ -67,11 +50,6 @@ private Q_SLOTS:
     void AProgramOnAVolumeWithoutProgramsIsTold();
     void AProgramThatEndsWithAnErrorIsTold_data();
     void AProgramThatEndsWithAnErrorIsTold();
-    void ARunningGameAndItsEndAreTold_data();
-    void ARunningGameAndItsEndAreTold();
-    void AnInterruptedStartLeavesAGameWhoseEndIsTold();
-    void PlayWaitsForTheEnd_data();
-    void PlayWaitsForTheEnd();
     void TheOutputGoesToAFileOfItsOwner();
     void TheOutputBeforeIsKeptOnce();
     void TheOutputDoesNotGoIntoTheGamesFolder();
@@ -80,8 +58,6 @@ private Q_SLOTS:
     void NothingOfTheHostIsHeldOpen();
     void NoSignalStaysIgnored();
     void TheResultNamesProcessAndOutput();
-    void AnInterruptedHostLeavesTheGameRunning();
-    void TheGameOutlivesItsSession();
     void WordsBehindTheMarkAreTheGames();
 };
 
@@ -164,79 +140,6 @@ void HostStartTest::AProgramThatEndsWithAnErrorIsTold()
                                      "), its output is in " + game.Base +
                                      "settings/host.pelmora_app.log");
     QVERIFY(!game.Has(game.Layout));
-}
-
-void HostStartTest::ARunningGameAndItsEndAreTold_data()
-{
-    QTest::addColumn<QByteArray>("ending");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<int>("signal");
-    QTest::newRow("well") << QByteArray("exit 0") << 0 << 0;
-    QTest::newRow("a status") << QByteArray("exit 3") << 3 << 0;
-    QTest::newRow("a signal") << QByteArray("kill -KILL $$") << -1 << 9;
-}
-
-void HostStartTest::ARunningGameAndItsEndAreTold()
-{
-    QFETCH(QByteArray, ending);
-    QFETCH(int, status);
-    QFETCH(int, signal);
-    PlayedGame const game(c_UntilLetGo + ending + '\n');
-    game.KeepRunning();
-    WatchingSession session(game, 1);
-    QSignalSpy const started(&session.Session(), &Host::HostSession::GameStarted);
-    QSignalSpy const ended(&session.Session(), &Host::HostSession::GameEnded);
-    QCOMPARE(session.Run(RequestType::Play), QString("done"));
-    QCOMPARE(started.size(), 1);
-    QCOMPARE(started[0][0].toLongLong(), session.Result().ProcessId);
-    session.Status(); // some turns later
-    QCOMPARE(ended.size(), 0);
-    game.LetGo();
-    QVERIFY(session.WaitUntil([&] { return !ended.isEmpty(); }));
-    auto const end = ended[0][0].value<Host::GameEnd>();
-    QCOMPARE(end.ProcessId, session.Result().ProcessId);
-    QCOMPARE(end.ExitStatus.value_or(-1), status);
-    QCOMPARE(end.Signal, signal);
-    QVERIFY(std::abs(end.Time.secsTo(QDateTime::currentDateTimeUtc())) < 60);
-    session.Status();
-    QCOMPARE(ended.size(), 1);
-}
-
-void HostStartTest::AnInterruptedStartLeavesAGameWhoseEndIsTold()
-{
-    PlayedGame const game(c_UntilLetGo);
-    game.KeepRunning();
-    WatchingSession session(game);
-    QSignalSpy const ended(&session.Session(), &Host::HostSession::GameEnded);
-    session.Start(RequestType::Play);
-    QVERIFY(session.WaitForPhase(Host::RunPhase::StartingGame));
-    session.Session().Interrupt();
-    QCOMPARE(session.End(), QString("interrupted"));
-    game.LetGo();
-    QVERIFY(session.WaitUntil([&] { return !ended.isEmpty(); }));
-    QCOMPARE(ended[0][0].value<Host::GameEnd>().ExitStatus.value_or(-1), 0);
-}
-
-void HostStartTest::PlayWaitsForTheEnd_data()
-{
-    QTest::addColumn<QByteArray>("ending");
-    QTest::addColumn<int>("status");
-    QTest::newRow("well") << QByteArray("exit 0") << 0;
-    QTest::newRow("an error") << QByteArray("exit 3") << 1;
-}
-
-void HostStartTest::PlayWaitsForTheEnd()
-{
-    QFETCH(QByteArray, ending);
-    PlayedGame const game(c_UntilLetGo + ending + '\n');
-    game.KeepRunning();
-    HostProcess host(game, {"play", "--wait"});
-    QVERIFY(host.WaitForErr("; waiting for its end."));
-    game.LetGo();
-    Outcome const outcome = host.Finish();
-    QTEST(outcome.Status, "status");
-    QCOMPARE(outcome.Err.contains("the game has ended with an error (exit status 3)"),
-             outcome.Status == 1);
 }
 
 void HostStartTest::TheOutputGoesToAFileOfItsOwner()
@@ -339,40 +242,6 @@ void HostStartTest::TheResultNamesProcessAndOutput()
         QCOMPARE(JsonSchema::Documented("host-json").Fault(line), QString());
     ::kill(process, SIGKILL);
     QVERIFY(QTest::qWaitFor([&] { return !game.IsRunning(); }, TestHost::c_Timeout));
-}
-
-void HostStartTest::AnInterruptedHostLeavesTheGameRunning()
-{
-    PlayedGame const game;
-    game.KeepRunning();
-    WatchingSession session(game);
-    session.Start(RequestType::Play);
-    QVERIFY(session.WaitForPhase(Host::RunPhase::StartingGame));
-    QVERIFY(session.Status().IsInstalled); // the module's thread is there for others
-    session.Session().Interrupt();
-    QCOMPARE(session.End(), QString("interrupted"));
-    QCOMPARE(session.Notices, QStringList("The game was started and goes on running."));
-    QVERIFY(game.WaitForStarts(1));
-    QVERIFY(game.IsRunning());
-}
-
-void HostStartTest::TheGameOutlivesItsSession()
-{
-    PlayedGame const game;
-    game.KeepRunning();
-    SessionGame session;
-    session.Options.SettingsFile = game.SettingsFile;
-    session.Options.ContentUrl = game.Server.BaseUrl();
-    QVERIFY(session.Open());
-    QCOMPARE(session.Run(RequestType::Play), QString("done"));
-    auto const process = static_cast<pid_t>(session.Result().ProcessId);
-    QVERIFY(game.WaitForStarts(1));
-    session.Close();
-    QVERIFY(game.IsRunning());
-    QCOMPARE(::kill(process, 0), 0);
-    game.LetGo();
-    // A zombie would still be there.
-    QVERIFY(QTest::qWaitFor([&] { return ::kill(process, 0) != 0; }, TestHost::c_Timeout));
 }
 
 void HostStartTest::WordsBehindTheMarkAreTheGames()

@@ -135,4 +135,11 @@ QString PublishedGame::ContentPath(QByteArray const& p_Content)
     return QStringLiteral("pelmora_app/files/%1/%2").arg(md5.left(2), md5);
 }
 
+QStringList PublishedGame::BuildArguments(QStringList const& p_More) const
+{
+    return QStringList({"build", "--source", Options.Source, "--output", Options.Output, "--build",
+                        "build_1", "--rules", Options.RulesFile}) +
+           (p_More.contains("--hosts") ? QStringList() : QStringList("--local")) + p_More;
+}
+
 } // namespace Varnholt::TestSupport

@@ -5,39 +5,7 @@
 
 #include <QtTest>
 
-#include <csignal>
-#include <cstring>
-
 namespace Varnholt::TestSupport {
-
-namespace {
-
-/// The arguments that publish a game; its content is on this machine unless they name hosts.
-QStringList Arguments(PublishedGame const& p_Game, QStringList const& p_More = {})
-{
-    return QStringList({"build", "--source", p_Game.Options.Source, "--output",
-                        p_Game.Options.Output, "--build", "build_1", "--rules",
-                        p_Game.Options.RulesFile}) +
-           (p_More.contains("--hosts") ? QStringList() : QStringList("--local")) + p_More;
-}
-
-/// A file that takes so long to read that a run cannot be over before it is interrupted; holes take
-/// no room on the disk.
-[[nodiscard]] bool PutEndlessFile(PublishedGame const& p_Game)
-{
-    p_Game.Put("endless", "");
-    return QFile::resize(p_Game.SourcePath("endless"), Q_INT64_C(200'000'000'000));
-}
-
-/// Waits until a run has the tree.
-bool IsAtWork(PublishedGame const& p_Game, ProgramRun const& p_Run)
-{
-    QByteArray const name = "process " + QByteArray::number(p_Run.Id()) + " on ";
-    return QTest::qWaitFor([&] { return p_Game.Read(".varnholt-publish.lock").contains(name); },
-                           60000);
-}
-
-} // namespace
 
 class BuildProgramTest : public QObject {
     Q_OBJECT
@@ -57,11 +25,6 @@ private Q_SLOTS:
     void ResultsThatCannotBeWrittenAreAnError_data();
     void ResultsThatCannotBeWrittenAreAnError();
     void TellsItsVersion();
-    void AnInterruptionPublishesNothing_data();
-    void AnInterruptionPublishesNothing();
-    void AKilledRunDoesNotStopTheNext();
-    void AFirstBuildThatWasEndedIsGoneOnWith_data();
-    void AFirstBuildThatWasEndedIsGoneOnWith();
 };
 
 void BuildProgramTest::PublishesAndTellsWhatItDid()
@@ -69,7 +32,7 @@ void BuildProgramTest::PublishesAndTellsWhatItDid()
     PublishedGame game;
     game.Put("Music/a", "abc");
     game.AddRules("{\"match\": \"Music/**\", \"streamed\": true}");
-    ProgramResult const result = RunProgram(Arguments(game));
+    ProgramResult const result = RunProgram(game.BuildArguments());
     QCOMPARE(result.Status, 0);
     QCOMPARE(result.Errors, QByteArray());
     QList<QByteArray> const lines = result.Output.split('\n');
@@ -86,10 +49,10 @@ void BuildProgramTest::PublishesAndTellsWhatItDid()
 void BuildProgramTest::EveryOptionReachesTheTree()
 {
     PublishedGame game;
-    ProgramResult const result = RunProgram(Arguments(
-        game, {"--name", "Build one", "--number", "17", "--locales",
-               QString::fromUtf8("frFR=Français,enUS=English"), "--hosts", "a,b:81", "--realmlist",
-               "logon.example", "--app-id", "other_app", "--platform", "win", "--dev"}));
+    ProgramResult const result = RunProgram(game.BuildArguments(
+        {"--name", "Build one", "--number", "17", "--locales",
+         QString::fromUtf8("frFR=Français,enUS=English"), "--hosts", "a,b:81", "--realmlist",
+         "logon.example", "--app-id", "other_app", "--platform", "win", "--dev"}));
     QCOMPARE(result.Errors, QByteArray());
     QCOMPARE(result.Status, 0);
     QCOMPARE(game.Read("cdns.info"), QByteArray("a b:81"));
@@ -105,7 +68,7 @@ void BuildProgramTest::EveryOptionReachesTheTree()
 void BuildProgramTest::TheNameIsTheBuildUnlessItIsGiven()
 {
     PublishedGame game;
-    QCOMPARE(RunProgram(Arguments(game)).Status, 0);
+    QCOMPARE(RunProgram(game.BuildArguments()).Status, 0);
     QByteArray const manifest = game.Read("pelmora_app/builds/build_1/info.json");
     QVERIFY(manifest.contains("\"build_number\":0,\"build_str\":\"build_1\""));
 }
@@ -115,7 +78,8 @@ void BuildProgramTest::NamesAreUtf8WhateverTheLocale()
     PublishedGame game;
     game.Put(QString::fromUtf8("Été/日本"), "x");
     game.Options.Output = game.Temporary.filePath(QString::fromUtf8("öffentlich"));
-    ProgramResult const result = RunProgram(Arguments(game), {{"LC_ALL", "C"}, {"LANG", "C"}});
+    ProgramResult const result =
+        RunProgram(game.BuildArguments(), {{"LC_ALL", "C"}, {"LANG", "C"}});
     QCOMPARE(result.Status, 0);
     QVERIFY(result.Output.contains("öffentlich"));
     QVERIFY(game.Read("pelmora_app/builds/build_1/info.json").contains("\"path\":\"Été/日本\""));
@@ -126,7 +90,7 @@ void BuildProgramTest::AWarningDoesNotFailIt()
 {
     PublishedGame game;
     game.SetRules("{\"rules\":[{\"match\": \"Game\", \"flags\": [\"game-executable\"]}]}");
-    ProgramResult const result = RunProgram(Arguments(game));
+    ProgramResult const result = RunProgram(game.BuildArguments());
     QCOMPARE(result.Status, 0);
     QCOMPARE(result.Errors,
              QByteArray("varnholt-publish: warning: Game: the game's executable has no flag "
@@ -182,7 +146,7 @@ void BuildProgramTest::AFailureIsOneSentenceThatNamesTheFile()
     prepare(game);
     bool const isForWindows = game.Options.Platform == Publisher::ContentPlatform::Windows;
     ProgramResult const result =
-        RunProgram(Arguments(game, {"--platform", isForWindows ? "win" : "mac"}));
+        RunProgram(game.BuildArguments({"--platform", isForWindows ? "win" : "mac"}));
     QCOMPARE(result.Status, 1);
     QCOMPARE(result.Output, QByteArray());
     QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
@@ -339,90 +303,6 @@ void BuildProgramTest::TellsItsVersion()
     ProgramResult const result = RunProgram({"--version"});
     QCOMPARE(result.Status, 0);
     QCOMPARE(result.Output, QByteArray(VARNHOLT_PROJECT_VERSION "\n"));
-}
-
-void BuildProgramTest::AnInterruptionPublishesNothing_data()
-{
-    QTest::addColumn<int>("signal");
-    QTest::newRow("SIGINT") << SIGINT;
-    QTest::newRow("SIGTERM") << SIGTERM;
-}
-
-void BuildProgramTest::AnInterruptionPublishesNothing()
-{
-    QFETCH(int, signal);
-    PublishedGame game;
-    QCOMPARE(RunProgram(Arguments(game)).Status, 0);
-    Tree const before = game.Published();
-    QVERIFY(PutEndlessFile(game));
-    ProgramRun run(Arguments(game).replaceInStrings("build_1", "build_2"));
-    QVERIFY(IsAtWork(game, run));
-    run.Signal(signal);
-    ProgramResult const result = run.Finish();
-    QCOMPARE(result.Status, 128 + signal);
-    QCOMPARE(result.Output, QByteArray());
-    QCOMPARE(result.Errors,
-             QByteArray("varnholt-publish: interrupted, nothing was published; the next "
-                        "run goes on from here\n"));
-    QCOMPARE(game.Published(), before);
-}
-
-void BuildProgramTest::AKilledRunDoesNotStopTheNext()
-{
-    PublishedGame game;
-    QVERIFY(PutEndlessFile(game));
-    ProgramRun run(Arguments(game));
-    QVERIFY(IsAtWork(game, run));
-    ProgramResult const second = RunProgram(Arguments(game));
-    QCOMPARE(second.Status, 1);
-    QVERIFY2(second.Errors.contains(": another run is publishing there"),
-             second.Errors.constData());
-    run.Signal(SIGKILL);
-    QCOMPARE(run.Finish().Status, -1);
-    QVERIFY(game.Read("pelmora_app/version.json").isNull());
-    QVERIFY(QFile::remove(game.SourcePath("endless")));
-    ProgramResult const next = RunProgram(Arguments(game));
-    QCOMPARE(next.Errors, QByteArray());
-    QCOMPARE(next.Status, 0);
-}
-
-void BuildProgramTest::AFirstBuildThatWasEndedIsGoneOnWith_data()
-{
-    QTest::addColumn<int>("signal");
-    for (int const signal : {SIGKILL, SIGINT, SIGTERM})
-        QTest::newRow(strsignal(signal)) << signal;
-}
-
-void BuildProgramTest::AFirstBuildThatWasEndedIsGoneOnWith()
-{
-    constexpr int c_Bytes = 300'000;
-
-    QFETCH(int, signal);
-    PublishedGame game;
-    for (char letter = 'a'; letter < 'f'; ++letter)
-        game.Put(QString(QLatin1Char(letter)), QByteArray(c_Bytes, letter));
-    QVERIFY(PutEndlessFile(game));
-    game.Age();
-    {
-        // One thread is kept by the endless file, the other gets through all the rest.
-        ProgramRun run(Arguments(game, {"--jobs", "2"}));
-        QVERIFY(QTest::qWaitFor(
-            [&] {
-                return game.Read(".varnholt-publish.pelmora_app.staged/journal")
-                    .endsWith(" Game\n");
-            },
-            60000));
-        run.Signal(signal);
-        run.Finish();
-    }
-    QCOMPARE(game.Published(), Tree());
-    QVERIFY(QFile::remove(game.SourcePath("endless")));
-    ProgramResult const next = RunProgram(Arguments(game));
-    QCOMPARE(next.Errors, QByteArray());
-    QVERIFY2(next.Output.contains("\nfrom index   1500008 bytes in 6 files\n"),
-             next.Output.constData());
-    QVERIFY(next.Output.contains("\nnew content  1500008 bytes in 6 files\n"));
-    QCOMPARE(RunProgram({"verify", "--output", game.Options.Output}).Status, 0);
 }
 
 } // namespace Varnholt::TestSupport

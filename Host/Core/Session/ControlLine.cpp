@@ -157,6 +157,7 @@ QJsonObject EndOf(RunResult const& p_Result)
                        {QStringLiteral("build"), p_Result.Build},
                        {QStringLiteral("folder"), p_Result.Folder},
                        {QStringLiteral("locale"), p_Result.Locale},
+                       {QStringLiteral("transfers"), static_cast<qint64>(p_Result.Transfers)},
                        {QStringLiteral("buildName"), p_Result.BuildName},
                        {QStringLiteral("files"), Figure(p_Result.Totals.Files)},
                        {QStringLiteral("bytes"), Figure(p_Result.Totals.Bytes)},
@@ -176,6 +177,7 @@ RunResult ResultIn(QJsonObject const& p_Object)
     result.Build = p_Object[QLatin1String("build")].toString();
     result.Folder = p_Object[QLatin1String("folder")].toString();
     result.Locale = p_Object[QLatin1String("locale")].toString();
+    result.Transfers = static_cast<quint32>(FigureIn(p_Object[QLatin1String("transfers")]));
     result.BuildName = p_Object[QLatin1String("buildName")].toString();
     result.Totals = {static_cast<quint32>(FigureIn(p_Object[QLatin1String("files")])),
                      FigureIn(p_Object[QLatin1String("bytes")]),
