@@ -318,9 +318,10 @@ void HostInspectionTest::AnAbsentFolderIsNotCreated()
 void HostInspectionTest::AnUnreachableServerIsTold()
 {
     QStringList const before = Everything();
-    Game->Server.Stop();
+    QStringList const options{"--settings", Game->SettingsFile, "--content-url",
+                              ScriptedServer::RefusingUrl("/")};
     for (char const* const command : {"check", "verify"}) {
-        Outcome const outcome = Run({"--json", command});
+        Outcome const outcome = HostProcess(*Game, options, {"--json", command}).Finish();
         QCOMPARE(JsonReport(outcome.Out).Last()["error"].toString(), QString("server-unreachable"));
         QCOMPARE(outcome.Status, 5);
     }
