@@ -124,8 +124,8 @@ void DigestEngine::Worker::Read(Lane& p_Lane)
     std::memmove(buffer, buffer + p_Lane.Begin, rest);
     p_Lane.Begin = 0;
     p_Lane.End = rest;
-    qint64 const read =
-        p_Lane.Content.read(reinterpret_cast<char*>(buffer + rest), c_ReadBytes - rest);
+    qint64 const read = p_Lane.Content.read(reinterpret_cast<char*>(buffer + rest),
+                                            static_cast<qint64>(c_ReadBytes - rest));
     if (read <= 0) {
         p_Lane.IsBroken = read < 0;
         return Pad(p_Lane);
@@ -187,9 +187,9 @@ void DigestEngine::Worker::Hash(std::size_t p_Busy)
     std::array<Md5Lanes::State*, Md5Lanes::c_Count> states;
     std::array<unsigned char const*, Md5Lanes::c_Count> data;
     for (std::size_t i = 0; i < Lanes.size(); ++i) {
-        Lane& lane = Lanes[i].Of ? Lanes[i] : *busy;
-        states[i] = Lanes[i].Of ? &lane.State : &nothing;
-        data[i] = lane.Buffer.get() + lane.Begin;
+        Lane* const lane = Lanes[i].Of ? &Lanes[i] : busy;
+        states[i] = Lanes[i].Of ? &lane->State : &nothing;
+        data[i] = lane->Buffer.get() + lane->Begin;
     }
     Md5Lanes::AddAll(states, data, blocks);
     for (Lane& lane : Lanes)
@@ -290,7 +290,7 @@ DigestEngine::Ticket DigestEngine::Next(std::size_t p_Busy)
                                 [](Ticket const& p_File, Ticket const& p_Other) {
                                     return p_File->Size < p_Other->Size;
                                 });
-    Ticket const file = *next;
+    Ticket file = *next;
     Waiting.erase(next);
     ++UnderWay;
     return file;

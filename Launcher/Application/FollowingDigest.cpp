@@ -73,7 +73,7 @@ bool FollowingDigest::AwaitBytes(qint64 p_Hashed, qint64& p_Size)
 
 void FollowingDigest::Run()
 {
-    constexpr qint64 c_BlockBytes = 256 * 1024;
+    constexpr qint64 c_BlockBytes = qint64{256} * 1024;
 
     QFile file(Path);
     struct stat status = {};

@@ -58,7 +58,7 @@ bool HashLine::IsOf(SourceFile const& p_File) const
 
 bool IsSettled(SourceFile const& p_File, std::chrono::nanoseconds p_Scanned)
 {
-    bool const isCoarse = p_File.Modified % 1s == 0s;
+    bool const isCoarse = p_File.Modified % std::chrono::seconds(1) == p_File.Modified.zero();
     if (isCoarse)
         return p_File.Modified < p_Scanned - c_CoarseStep;
     return p_File.Modified < p_Scanned - c_FineStep;
