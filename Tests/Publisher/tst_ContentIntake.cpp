@@ -23,6 +23,21 @@ QByteArray Large(char p_Letter)
     return QByteArray(c_Large, p_Letter);
 }
 
+/// Has a build of twenty large files stopped when the first group of them is copied. \return how it
+/// has failed
+QString StopBehindAGroup(PublishedGame& p_Game)
+{
+    for (char letter = 'a'; letter < 'u'; ++letter)
+        p_Game.Put(QString("Data/%1").arg(QLatin1Char(letter)), Large(letter));
+    p_Game.Age();
+    p_Game.Options.Jobs = 1;
+    p_Game.Observer.OnBytes = [&] {
+        if (p_Game.Observer.Bytes > c_Group * c_Large)
+            throw Publisher::Failure("stopped");
+    };
+    return p_Game.FailureSentence();
+}
+
 } // namespace
 
 /// How often content is read and written on its way into the tree, and what an end in between
@@ -98,15 +113,7 @@ void ContentIntakeTest::HolesTakeNoRoom()
 void ContentIntakeTest::AStoppedBuildGoesOn()
 {
     PublishedGame game;
-    for (char letter = 'a'; letter < 'u'; ++letter)
-        game.Put(QString("Data/%1").arg(QLatin1Char(letter)), Large(letter));
-    game.Age();
-    game.Options.Jobs = 1;
-    game.Observer.OnBytes = [&] {
-        if (game.Observer.Bytes > c_Group * c_Large)
-            throw Publisher::Failure("stopped");
-    };
-    QCOMPARE(game.FailureSentence(), QString("stopped"));
+    QCOMPARE(StopBehindAGroup(game), QString("stopped"));
     QCOMPARE(game.Published(), Tree());
     game.Observer.OnBytes = {};
     game.Observer.Bytes = 0;
@@ -141,15 +148,7 @@ void ContentIntakeTest::AStoppedBuildOfAnotherSourceIsNotBelieved()
 void ContentIntakeTest::WhatAPowerFailureMayHaveTakenIsReadAgain()
 {
     PublishedGame game;
-    for (char letter = 'a'; letter < 'u'; ++letter)
-        game.Put(QString("Data/%1").arg(QLatin1Char(letter)), Large(letter));
-    game.Age();
-    game.Options.Jobs = 1;
-    game.Observer.OnBytes = [&] {
-        if (game.Observer.Bytes > c_Group * c_Large)
-            throw Publisher::Failure("stopped");
-    };
-    QCOMPARE(game.FailureSentence(), QString("stopped"));
+    QCOMPARE(StopBehindAGroup(game), QString("stopped"));
     QString const staged = game.OutputPath(".varnholt-publish.pelmora_app.staged/");
     QString const content = staged + PublishedGame::ContentPath(Large('a')).right(32);
     QCOMPARE(ReadFile(content), Large('a'));
