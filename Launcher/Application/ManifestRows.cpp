@@ -114,13 +114,10 @@ private:
 
     bool TakeText(QString& p_Text)
     {
-        constexpr char c_ByteOrderMark = '\xef'; // begins it, which would be left out
-
         auto const text = TakeText();
-        if (!text || (!text->empty() && text->front() == c_ByteOrderMark))
-            return false;
-        p_Text = QString::fromUtf8(text->data(), static_cast<int>(text->size()));
-        return true;
+        if (text)
+            p_Text = QString::fromUtf8(text->data(), static_cast<int>(text->size()));
+        return text.has_value();
     }
 
     bool TakeNumber(qint32& p_Number)
