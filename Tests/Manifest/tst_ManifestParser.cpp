@@ -1,7 +1,9 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
+#include "Launcher/Application/RemoteText.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QJsonDocument>
 #include <QtTest>
 
 namespace Varnholt::Launcher {
@@ -279,6 +281,8 @@ void ManifestParserTest::PlainRowsReadAsOthers()
 {
     QFETCH(QByteArray, Rows);
     Parsed const plain = ParseFiles(Rows);
+    QByteArray const list = RemoteText::Utf8Of('[' + Rows + ']');
+    QCOMPARE(plain.Success, QJsonDocument::fromJson(list).isArray());
     for (char const* const key : {"\"path\"", "\"location\"", "\"md5\"", "\"flags\"", "\"locale\""})
         Rows.replace(key, QByteArray(key)
                               .replace('l', "\\u006c")
