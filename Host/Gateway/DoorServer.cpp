@@ -102,6 +102,11 @@ DoorServer::DoorServer(Exchange& p_Exchange)
             Answer(p_Request, p_Response);
             return httplib::Server::HandlerResponse::Handled;
         });
+    // Qt asks the system for each byte of a head, and a small file has little else.
+    Server.set_post_routing_handler([](httplib::Request const&, httplib::Response& p_Response) {
+        for (char const* const header : {"Accept-Ranges", "Content-Type", "Keep-Alive"})
+            p_Response.headers.erase(header);
+    });
 }
 
 DoorServer::~DoorServer()
@@ -180,7 +185,6 @@ void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
         return;
     }
     if (head.Size) {
-        p_Response.set_header("Accept-Ranges", "bytes");
         p_Response.set_header("Content-Length", std::to_string(*head.Size - offset));
     }
     if (range) {
