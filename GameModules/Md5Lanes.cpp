@@ -2,6 +2,7 @@
 
 #include <QtEndian>
 
+#include <type_traits>
 #include <utility>
 
 // Where the loader can choose, the widest registers of the machine are used.
@@ -50,10 +51,12 @@ VARNHOLT_INLINE void Mix(Word* p_State, Word const* p_Block)
     Word sum = a + p_Block[c_Word] + c_Sines[Step];
     if constexpr (c_Round == 0)
         sum += d ^ (b & (c ^ d));
+    else if constexpr (c_Round == 1 && std::is_integral_v<Word>)
+        sum = sum + (~d & c) + (d & b); // b is known last: two steps behind it instead of three
     else if constexpr (c_Round == 1)
-        sum += c ^ (d & (b ^ c));
+        sum += c ^ (d & (b ^ c)); // one operation on some vectors
     else if constexpr (c_Round == 2)
-        sum += b ^ c ^ d;
+        sum += b ^ (c ^ d);
     else
         sum += c ^ (b | ~d);
     a = b + ((sum << c_Shift) | (sum >> (32 - c_Shift)));

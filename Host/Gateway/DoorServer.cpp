@@ -184,18 +184,15 @@ void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
         p_Response.set_header("Content-Range", "bytes */" + size);
         return;
     }
-    if (head.Size) {
+    if (head.Size)
         p_Response.set_header("Content-Length", std::to_string(*head.Size - offset));
-    }
     if (range) {
         p_Response.status = c_PartialContent;
         p_Response.set_header("Content-Range", "bytes " + std::to_string(offset) + '-' +
                                                    std::to_string(*head.Size - 1) + '/' + size);
     }
-    if (head.Size == offset || p_Request.method == "HEAD") {
-        p_Response.set_header("Content-Type", c_ContentType);
+    if (head.Size == offset || p_Request.method == "HEAD")
         return;
-    }
     auto const give = [this, reader = Source.Open(p_Path, offset, head.Size)](
                           std::size_t, httplib::DataSink& p_Sink) {
         return HandOn(Source, *reader, p_Sink);
