@@ -87,7 +87,9 @@ void Update(QString const& p_ListPath, QString const& p_Struck, QString const& p
         return;
     if (!p_Added.isEmpty())
         after += p_Added.toUtf8() + '\n';
-    WriteBytes(p_ListPath, after);
+    // Most files are in no list.
+    if (before != '\n' + after)
+        WriteBytes(p_ListPath, after);
 }
 
 } // namespace Varnholt::Launcher::PendingList

@@ -111,10 +111,9 @@ private:
 /// A lane that nobody uses does the work of another into nothing.
 void HashBlocks(std::vector<Stream*> const& p_Full)
 {
-    constexpr std::size_t c_FewLanes = 2; // are done faster one by one
     constexpr std::size_t c_Blocks = c_BlockBytes / Md5Lanes::c_BlockBytes;
 
-    if (p_Full.size() <= c_FewLanes) {
+    if (p_Full.size() <= Md5Lanes::c_Few) {
         for (Stream* const stream : p_Full)
             Md5Lanes::AddOne(stream->State, stream->Data(), c_Blocks);
         return;

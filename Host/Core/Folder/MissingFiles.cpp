@@ -3,12 +3,7 @@
 #include "GameModules/FileLink.hpp"
 #include "Host/Core/Folder/FolderCheck.hpp"
 
-#include <QFileInfo>
-
 namespace Varnholt::Host {
-
-using Launcher::FileLink::At;
-using Launcher::FileLink::Kind;
 
 std::vector<Launcher::ApplicationManifestFileEntry>
 MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
@@ -18,10 +13,9 @@ MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_F
     std::vector<Launcher::ApplicationManifestFileEntry> missing;
     for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
         for (Launcher::ApplicationManifestFileEntry const& entry : *entries) {
-            QString const path = p_Folder + entry.Path;
             bool const wanted = entry.Locale.isEmpty() || entry.Locale == p_Locale;
-            bool const isThere = QFileInfo(path).isFile() && At(path) != Kind::Strange;
-            if (wanted && !isThere && !links.OnTheWay(entry.Path))
+            if (wanted && !Launcher::FileLink::IsFile(p_Folder + entry.Path) &&
+                !links.OnTheWay(entry.Path))
                 missing.push_back(entry);
         }
     return missing;
