@@ -29,9 +29,21 @@ if(VARNHOLT_BUILD_TOOLS)
   endforeach()
 endif()
 
+if(TARGET varnholt-window)
+  set(desktop Host/Window/Desktop/Files)
+  install(TARGETS varnholt-window
+      RUNTIME DESTINATION ${varnholt_programs_folder} COMPONENT window)
+  install(FILES ${desktop}/varnholt-window.desktop
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT window)
+  install(FILES ${desktop}/varnholt-window.svg
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT window)
+  install(FILES ${desktop}/net.varnholt.window.metainfo.xml
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT window)
+endif()
+
 # What other projects build with: "find_package(Varnholt)".
 set(libraries "")
-foreach(name IN ITEMS Common Launcher StandartApplication Files Programs Gateway HostCore)
+foreach(name IN ITEMS Common Launcher StandartApplication Files Programs Signing Gateway HostCore)
   if(TARGET Varnholt::${name})
     get_target_property(library Varnholt::${name} ALIASED_TARGET)
     set_target_properties(${library} PROPERTIES EXPORT_NAME ${name})
