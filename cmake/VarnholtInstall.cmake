@@ -5,7 +5,16 @@ set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Varnholt)
 set(headers_folder ${CMAKE_INSTALL_INCLUDEDIR}/varnholt)
 set(documents_folder ${CMAKE_INSTALL_DATADIR}/doc/varnholt)
 
-install(TARGETS Pelmora LIBRARY DESTINATION ${VARNHOLT_MODULE_FOLDER} COMPONENT host)
+if(APPLE)
+  set(frameworks RUNTIME_DEPENDENCY_SET varnholt_frameworks)
+  set_target_properties(Pelmora PROPERTIES INSTALL_RPATH @loader_path/../Frameworks)
+endif()
+install(TARGETS Pelmora ${frameworks}
+    LIBRARY DESTINATION ${VARNHOLT_MODULE_FOLDER} COMPONENT host)
+if(APPLE)
+  install(${frameworks} PRE_EXCLUDE_REGEXES "^/usr/lib/" "^/System/"
+      FRAMEWORK DESTINATION ${VARNHOLT_MODULE_FOLDER}/../Frameworks COMPONENT host)
+endif()
 
 install(FILES README.md LICENSE DESTINATION ${documents_folder} COMPONENT host)
 install(DIRECTORY docs DESTINATION ${documents_folder} COMPONENT host)
