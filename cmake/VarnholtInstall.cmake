@@ -3,7 +3,7 @@
 install(TARGETS Pelmora LIBRARY DESTINATION ${varnholt_module_folder})
 
 set(documents ${CMAKE_INSTALL_DATADIR}/doc/varnholt)
-install(FILES README.md LICENSE DESTINATION ${documents})
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${documents})
 install(DIRECTORY docs DESTINATION ${documents})
 install(PROGRAMS scripts/mirror scripts/mirror-bucket DESTINATION ${documents}/scripts)
 
