@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -26,6 +28,13 @@ constexpr State c_Begin = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
 
 /// Takes whole blocks of one stream.
 void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks);
+
+/// Ends a stream: appends a bit, zeros, and its length to what is left of it.
+/// \param p_Data holds p_Left bytes that were not taken, and has room for two blocks behind them
+/// \param p_Total bytes of the whole stream \return blocks that are to be taken now
+std::size_t Pad(unsigned char* p_Data, std::size_t p_Left, std::uint64_t p_Total);
+/// The digest of a stream that was ended, 32 upper-case hexadecimal digits.
+QString TextOf(State const& p_State);
 
 /// Takes the same number of blocks of `c_Count` streams, about as fast as of one. Several of them
 /// may be the same.
