@@ -21,8 +21,8 @@ struct SigningKeys {
     static void Change(PublishedGame const& p_Game)
     {
         Publisher::TreeTransaction tree(p_Game.Options.Output);
-        Publisher::TreeSigner(p_Game.Options.Output, p_Game.Options.AppId, p_Game.Options.Signing)
-            .CommitKeyChange(tree, Signing::SecretKey::Create());
+        Publisher::TreeSigner::CommitKeyChange(tree, p_Game.Options.Output, p_Game.Options.Signing,
+                                               Signing::SecretKey::Create());
     }
 
     Signing::Verification Verify(QString const& p_Path) const
