@@ -7,13 +7,11 @@
 #include "Host/Core/Settings/InstallRecord.hpp"
 #include "Launcher/Application/RemoteText.hpp"
 #include "Publisher/Publication/ServerLists.hpp"
-#include "Publisher/Signatures/SignatureRecord.hpp"
 #include "Publisher/Source/HashLine.hpp"
 #include "Publisher/Tree/BuildRecord.hpp"
 #include "Publisher/Tree/PublishedBuild.hpp"
 #include "Publisher/Tree/ServerTexts.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
-#include "Signing/Signature.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -35,21 +33,6 @@ QString const c_Folder = QStringLiteral("/home/ann/Games/Pandaria/");
 QJsonObject ObjectIn(QByteArray const& p_Text)
 {
     return QJsonDocument::fromJson(p_Text).object();
-}
-
-/// The examples of docs/formats.md by the second word behind the marks around them.
-std::map<QString, QByteArray> Examples()
-{
-    static QRegularExpression const c_Example("```\\w+ (\\w+)\\n(.*?)\\n```",
-                                              QRegularExpression::DotMatchesEverythingOption);
-
-    std::map<QString, QByteArray> examples;
-    QString const text = QString::fromUtf8(ReadFile(VARNHOLT_DOCUMENTS "/formats.md"));
-    for (auto found = c_Example.globalMatch(text); found.hasNext();) {
-        auto const example = found.next();
-        examples[example.captured(1)] = example.captured(2).toUtf8();
-    }
-    return examples;
 }
 
 /// A folder for one example.
@@ -198,49 +181,13 @@ bool ReadsBuilds(QByteArray const& p_Text)
            ObjectIn(record.Text()) == ObjectIn(p_Text);
 }
 
-bool ReadsKey(QByteArray const& p_Text)
-{
-    auto const key = Signing::PublicKey::FromText(p_Text);
-    return key && key->ToFileText() == p_Text + '\n';
-}
-
-bool ReadsSignature(QByteArray const& p_Text)
-{
-    auto const examples = Examples();
-    auto const key = Signing::PublicKey::FromText(examples.at("key"));
-    auto const check = Signing::Verify(examples.at("version"), p_Text + '\n', {*key});
-    return check.IsGood() && check.Comment.Game == c_AppId && check.Comment.Build == "18414";
-}
-
-bool ReadsSignatureRecord(QByteArray const& p_Text)
-{
-    Place const place;
-    QFile::rename(place.Put("record", p_Text),
-                  Publisher::TreeMark(place.Path()).PrivatePath("signatures"));
-    Publisher::SignatureRecord const record(place.Path());
-    return ObjectIn(record.Text()) == ObjectIn(p_Text) &&
-           record.SigningKey() == Signing::PublicKey::FromText(Examples().at("key"));
-}
-
+/// By the second word behind the marks around an example.
 std::map<QString, bool (*)(QByteArray const&)> const c_Readers{
-    {"version", ReadsVersion},
-    {"manifest", ReadsManifest},
-    {"hosts", ReadsHosts},
-    {"realmlist", ReadsRealmList},
-    {"pending", ReadsPendingList},
-    {"lock", ReadsLock},
-    {"config", ReadsConfiguration},
-    {"login", ReadsLoginScreen},
-    {"settings", ReadsSettings},
-    {"control", ReadsMessages},
-    {"progress", ReadsProgress},
-    {"end", ReadsEnd},
-    {"key", ReadsKey},
-    {"signature", ReadsSignature},
-    {"signatures", ReadsSignatureRecord},
-    {"metadata", ReadsMetadata},
-    {"index", ReadsIndexLine},
-    {"builds", ReadsBuilds},
+    {"version", ReadsVersion},      {"manifest", ReadsManifest},   {"hosts", ReadsHosts},
+    {"realmlist", ReadsRealmList},  {"pending", ReadsPendingList}, {"lock", ReadsLock},
+    {"config", ReadsConfiguration}, {"login", ReadsLoginScreen},   {"settings", ReadsSettings},
+    {"control", ReadsMessages},     {"progress", ReadsProgress},   {"end", ReadsEnd},
+    {"metadata", ReadsMetadata},    {"index", ReadsIndexLine},     {"builds", ReadsBuilds},
 };
 
 } // namespace
@@ -257,12 +204,18 @@ private Q_SLOTS:
 
 void DocumentsTest::AnExampleIsReadByWhatReadsTheRealOne_data()
 {
+    static QRegularExpression const c_Example("```\\w+ (\\w+)\\n(.*?)\\n```",
+                                              QRegularExpression::DotMatchesEverythingOption);
+
     QTest::addColumn<QByteArray>("example");
+    QString const text = QString::fromUtf8(ReadFile(VARNHOLT_DOCUMENTS "/formats.md"));
     QStringList formats;
-    for (auto const& [name, example] : Examples()) {
-        formats += name;
-        QTest::newRow(qPrintable(name)) << example;
+    for (auto examples = c_Example.globalMatch(text); examples.hasNext();) {
+        auto const example = examples.next();
+        formats += example.captured(1);
+        QTest::newRow(qPrintable(formats.last())) << example.captured(2).toUtf8();
     }
+    std::sort(formats.begin(), formats.end());
     QStringList known;
     for (auto const& reader : c_Readers)
         known += reader.first;
