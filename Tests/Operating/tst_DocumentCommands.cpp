@@ -72,7 +72,7 @@ std::vector<Elsewhere> const c_Elsewhere{
     {"VARNHOLT_PRESET=tsan scripts/test", "scripts/test", "scripts/setup --tsan"},
     {".ci/run", ".ci/run", "scripts/test"},
     {"scripts/setup", ".ci/run", "scripts/setup --lint"},
-    {"scripts/lint", ".ci/run", "scripts/lint build/debug"},
+    {"scripts/lint", ".ci/run", "scripts/lint"},
     {"scripts/fuzz", ".ci/run", "scripts/fuzz --seconds"},
     {"scripts/faults", "Tests/Faults/CMakeLists.txt", "varnholt-faults"},
     {"scripts/bench", "scripts/bench", "Benchmarks/$name"},
