@@ -31,7 +31,7 @@ target_compile_definitions(varnholt_common INTERFACE
 )
 
 # What nearly every source of the tools and tests includes, and most of their compile time. The
-# sources name what they use all the same: the linter reads them without it, and so does the module.
+# module's sources are compiled without it.
 set(varnholt_common_headers
     <QtCore>
     <functional>
