@@ -41,7 +41,7 @@ if(TARGET varnholt-window)
 and starts them.")
 endif()
 varnholt_add_package(development -dev libdevel
-    "varnholt (= ${PROJECT_VERSION}), libcpp-httplib-dev, libcurl4-openssl-dev, pkg-config, qtbase5-dev, qtkeychain-qt5-dev"
+    "varnholt (= ${PROJECT_VERSION}), libcpp-httplib-dev, libcurl4-openssl-dev, libsodium-dev, pkg-config, qtbase5-dev, qtkeychain-qt5-dev"
     "Libraries and headers for launchers and game modules"
     "What a launcher of one's own, or the module of another game, is built with
 by CMake.")
