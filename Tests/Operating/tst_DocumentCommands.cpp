@@ -68,6 +68,7 @@ struct Elsewhere {
 
 std::vector<Elsewhere> const c_Elsewhere{
     {"scripts/demo", "Tests/EndToEnd/CMakeLists.txt", "scripts/demo --small"},
+    {"scripts/package", ".github/workflows/linux.yml", "scripts/package --check"},
     {"scripts/test", ".ci/run", "scripts/test"},
     {"VARNHOLT_PRESET=tsan scripts/test", "scripts/test", "scripts/setup --tsan"},
     {".ci/run", ".ci/run", "scripts/test"},
