@@ -16,7 +16,7 @@ if(APPLE)
       FRAMEWORK DESTINATION ${VARNHOLT_MODULE_FOLDER}/../Frameworks COMPONENT host)
 endif()
 
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${documents_folder} COMPONENT host)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md LICENSE DESTINATION ${documents_folder} COMPONENT host)
 install(DIRECTORY docs DESTINATION ${documents_folder} COMPONENT host)
 install(PROGRAMS scripts/mirror scripts/mirror-bucket
     DESTINATION ${documents_folder}/scripts COMPONENT publisher)
