@@ -1,6 +1,7 @@
 #include "Launcher/Application/ApplicationLink.hpp"
 
 #include "Launcher/Application/Application.hpp"
+#include "Launcher/Application/ApplicationAsyncHttpDownloader.hpp"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -54,8 +55,29 @@ void ApplicationLink::Relay(void (Application::*p_Slot)(HTTP_DownloadFileRequest
         (Target->*p_Slot)(p_Request);
 }
 
+ApplicationAsyncHttpDownloader* ApplicationLink::NewDownloader()
+{
+    ++Downloads;
+    return Next ? Next.release() : new ApplicationAsyncHttpDownloader;
+}
+
+void ApplicationLink::PrepareNext()
+{
+    if (Next || Downloads == 0)
+        return;
+    Next = std::make_unique<ApplicationAsyncHttpDownloader>();
+    Next->Prepare();
+}
+
+void ApplicationLink::Retire()
+{
+    if (--Downloads == 0)
+        Next.reset();
+}
+
 void ApplicationLink::Sever()
 {
+    Next.reset();
     QMutexLocker const lock(&TargetMutex);
     Target = nullptr;
     for (auto const& row : Waiting)

@@ -5,10 +5,12 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 
 namespace Varnholt::Launcher {
 
 class Application;
+class ApplicationAsyncHttpDownloader;
 struct HTTP_DownloadFileRequest;
 
 /// What a download thread holds of its application: a way to post to the application's thread that
@@ -34,6 +36,14 @@ public:
     /// may outlive the object.
     void Sever();
 
+    // While files follow each other, the thread of the next one is made ready as the one before
+    // pauses. The application's thread only.
+
+    /// A downloader for a file that is begun now; its end is told of by `Retire`.
+    ApplicationAsyncHttpDownloader* NewDownloader();
+    void PrepareNext();
+    void Retire();
+
 private:
     struct Posted {
         std::function<void(Application&)> Closure;
@@ -46,6 +56,8 @@ private:
     Application* Target;
     std::map<quint64, Posted> Waiting; ///< in the order of their posting
     quint64 LastNumber = 0;
+    std::unique_ptr<ApplicationAsyncHttpDownloader> Next; ///< runs already, and waits for its file
+    int Downloads = 0;                                    ///< begun and not retired
 };
 
 } // namespace Varnholt::Launcher
