@@ -1,10 +1,9 @@
 #include "GameModules/DigestEngine.hpp"
 
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QtEndian>
 
 #include <algorithm>
 #include <array>
@@ -71,7 +70,6 @@ private:
 
     bool Open(Lane& p_Lane, Ticket p_File);
     void Read(Lane& p_Lane);
-    static void Pad(Lane& p_Lane);
     void Close(Lane& p_Lane);
     std::size_t Fill();
     void Hash(std::size_t p_Busy);
@@ -147,37 +145,18 @@ void DigestEngine::Worker::Read(Lane& p_Lane)
                                             static_cast<qint64>(c_ReadBytes - rest));
     if (read <= 0) {
         p_Lane.IsBroken = read < 0;
-        return Pad(p_Lane);
+        p_Lane.End = Md5Lanes::c_BlockBytes *
+                     Md5Lanes::Pad(buffer, rest, static_cast<quint64>(p_Lane.Total));
+        p_Lane.IsPadded = true;
+        return;
     }
     p_Lane.End += static_cast<std::size_t>(read);
     p_Lane.Total += read;
 }
 
-/// A bit, zeros, and the length in bits at the end of a block.
-void DigestEngine::Worker::Pad(Lane& p_Lane)
-{
-    constexpr std::size_t c_LengthBytes = sizeof(quint64);
-    constexpr unsigned char c_Bit = 0x80;
-
-    unsigned char* const buffer = p_Lane.Buffer.get();
-    std::size_t const blocks =
-        (p_Lane.End + c_LengthBytes) / Md5Lanes::c_BlockBytes + 1; // less than one is there
-    std::size_t const end = blocks * Md5Lanes::c_BlockBytes;
-    std::fill(buffer + p_Lane.End, buffer + end, static_cast<unsigned char>(0));
-    buffer[p_Lane.End] = c_Bit;
-    qToLittleEndian(static_cast<quint64>(p_Lane.Total) * 8, buffer + end - c_LengthBytes);
-    p_Lane.End = end;
-    p_Lane.IsPadded = true;
-}
-
 void DigestEngine::Worker::Close(Lane& p_Lane)
 {
-    std::array<unsigned char, sizeof(Md5Lanes::State)> bytes;
-    for (std::size_t i = 0; i < p_Lane.State.size(); ++i)
-        qToLittleEndian(p_Lane.State[i], bytes.data() + i * sizeof(p_Lane.State[i]));
-    QByteArray const digest(reinterpret_cast<char const*>(bytes.data()), bytes.size());
-    Engine.Finish(*p_Lane.Of,
-                  {true, !p_Lane.IsBroken, QString::fromLatin1(digest.toHex()).toUpper()});
+    Engine.Finish(*p_Lane.Of, {true, !p_Lane.IsBroken, Md5Lanes::TextOf(p_Lane.State)});
     p_Lane.Content.close();
     p_Lane.Of.reset();
 }

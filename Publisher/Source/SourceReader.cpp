@@ -1,11 +1,10 @@
 #include "Publisher/Source/SourceReader.hpp"
 
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/Source/NativePath.hpp"
 
 #include <QFile>
-#include <QtEndian>
 
 #include <array>
 #include <memory>
@@ -37,7 +36,7 @@ public:
     explicit Stream(Request const& p_Request)
         : Of(p_Request)
         , File(NativePath::ToText(p_Request.File->Location))
-        , Block(c_BlockBytes)
+        , Block(c_BlockBytes + Md5Lanes::c_PaddingBytes)
     {
         if (!File.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
             Fail();
@@ -68,34 +67,16 @@ public:
         Ended = true;
         if (static_cast<qint64>(Total) != Of.File->Size || !IsAsScanned(File, *Of.File))
             throw Failure(ChangedText(*Of.File));
-        Pad(filled);
+        auto* const rest = reinterpret_cast<unsigned char*>(Block.data());
+        Md5Lanes::AddOne(State, rest, Md5Lanes::Pad(rest, filled, Total));
         return false;
     }
 
-    QString Md5() const
-    {
-        QByteArray bytes(sizeof State, '\0');
-        for (std::size_t i = 0; i < State.size(); ++i)
-            qToLittleEndian(State[i], bytes.data() + i * sizeof State[i]);
-        return QString::fromLatin1(bytes.toHex()).toUpper();
-    }
+    QString Md5() const { return Md5Lanes::TextOf(State); }
 
     Md5Lanes::State State = Md5Lanes::c_Begin;
 
 private:
-    /// A bit, zeros, and the length in bits at the end of a block.
-    void Pad(std::size_t p_Filled)
-    {
-        constexpr char c_Bit = static_cast<char>(0x80);
-        std::size_t const blocks = (p_Filled + sizeof(quint64)) / Md5Lanes::c_BlockBytes + 1;
-        std::size_t const end = blocks * Md5Lanes::c_BlockBytes;
-        Block.resize(p_Filled);
-        Block.push_back(c_Bit);
-        Block.resize(end);
-        qToLittleEndian(static_cast<quint64>(Total) * 8, Block.data() + end - sizeof(quint64));
-        Md5Lanes::AddOne(State, Data(), blocks);
-    }
-
     [[noreturn]] void Fail() const
     {
         throw Failure(Of.File->Path + QStringLiteral(": cannot be read: ") + File.errorString());

@@ -1,7 +1,9 @@
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 
+#include <QByteArray>
 #include <QtEndian>
 
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -125,6 +127,26 @@ void AddAll(std::array<State*, c_Count> const& p_States,
             std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
 {
     Add(p_States, p_Data, p_Blocks);
+}
+
+/// A bit, zeros, and the length in bits at the end of a block.
+std::size_t Pad(unsigned char* p_Data, std::size_t p_Bytes, std::uint64_t p_Total)
+{
+    constexpr unsigned char c_Bit = 0x80;
+
+    std::size_t const blocks = (p_Bytes + sizeof(p_Total)) / c_BlockBytes + 1;
+    unsigned char* const end = p_Data + blocks * c_BlockBytes;
+    std::fill(p_Data + p_Bytes, end, static_cast<unsigned char>(0));
+    p_Data[p_Bytes] = c_Bit;
+    qToLittleEndian(p_Total * 8, end - sizeof(p_Total));
+    return blocks;
+}
+
+QString TextOf(State const& p_State)
+{
+    QByteArray bytes(sizeof(State), Qt::Uninitialized);
+    qToLittleEndian<std::uint32_t>(p_State.data(), p_State.size(), bytes.data());
+    return QString::fromLatin1(bytes.toHex()).toUpper();
 }
 
 } // namespace Varnholt::Launcher::Md5Lanes

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -31,5 +33,15 @@ void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks);
 /// may be the same.
 void AddAll(std::array<State*, c_Count> const& p_States,
             std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks);
+
+/// Puts the end of a stream behind its last bytes.
+/// \param p_Data these, with room for `c_PaddingBytes` behind them
+/// \param p_Total bytes of the whole stream
+/// \return how many blocks they are now
+std::size_t Pad(unsigned char* p_Data, std::size_t p_Bytes, std::uint64_t p_Total);
+constexpr std::size_t c_PaddingBytes = 2 * c_BlockBytes;
+
+/// The digest of a stream that has come to its end: 32 upper-case hexadecimal digits.
+QString TextOf(State const& p_State);
 
 } // namespace Varnholt::Launcher::Md5Lanes
