@@ -21,6 +21,13 @@ void RunOnMainThread(std::function<void()> const& p_Closure)
 
 } // namespace
 
+ApplicationLink::ApplicationLink(Application& p_Application)
+    : Target(&p_Application)
+{
+}
+
+ApplicationLink::~ApplicationLink() = default;
+
 void ApplicationLink::Post(std::function<void(Application&)> p_Closure,
                            std::function<void()> p_Otherwise)
 {

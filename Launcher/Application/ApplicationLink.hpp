@@ -17,10 +17,8 @@ struct HTTP_DownloadFileRequest;
 /// stays safe when the application is destroyed first.
 class ApplicationLink {
 public:
-    explicit ApplicationLink(Application& p_Application)
-        : Target(&p_Application)
-    {
-    }
+    explicit ApplicationLink(Application& p_Application);
+    ~ApplicationLink();
 
     /// Runs p_Closure on the application's thread, after everything posted to it before. When the
     /// application goes before that, p_Otherwise is run in its place on the program's main thread.
