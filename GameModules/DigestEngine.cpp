@@ -145,9 +145,9 @@ void DigestEngine::Worker::Read(Lane& p_Lane)
                                             static_cast<qint64>(c_ReadBytes - rest));
     if (read <= 0) {
         p_Lane.IsBroken = read < 0;
-        p_Lane.End = Md5Lanes::c_BlockBytes *
-                     Md5Lanes::Pad(buffer, rest, static_cast<quint64>(p_Lane.Total));
         p_Lane.IsPadded = true;
+        p_Lane.End = Md5Lanes::Pad(buffer, rest, static_cast<std::uint64_t>(p_Lane.Total)) *
+                     Md5Lanes::c_BlockBytes;
         return;
     }
     p_Lane.End += static_cast<std::size_t>(read);
@@ -233,6 +233,8 @@ DigestEngine::Ticket DigestEngine::Add(QString const& p_Path)
 
 FileDigest::Digest DigestEngine::Take(Ticket const& p_File, std::function<bool()> const& p_Continue)
 {
+    constexpr std::chrono::milliseconds c_Patience(20);
+
     --Untaken;
     qint64 asked = 0;
     for (bool isDone = false; !isDone;) {

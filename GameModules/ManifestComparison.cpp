@@ -55,7 +55,7 @@ struct ManifestComparison::Look {
 ManifestComparison::Look ManifestComparison::LookAt(ApplicationManifestFileEntry const& p_Entry,
                                                     DigestEngine& p_Digests) const
 {
-    if (!p_Entry.Locale.isEmpty() && p_Entry.Locale != Locale)
+    if (!p_Entry.IsFor(Locale))
         return {};
     if (SkipFirstBuildOnly && p_Entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
         return {};

@@ -51,7 +51,7 @@ void Flush([[maybe_unused]] int p_File, [[maybe_unused]] qint64 p_From,
 QString DigestOf(Md5Lanes::State p_State, unsigned char const* p_Rest, std::size_t p_Bytes,
                  qint64 p_Total)
 {
-    std::array<unsigned char, Md5Lanes::c_BlockBytes + Md5Lanes::c_PaddingBytes> end;
+    std::array<unsigned char, 3 * Md5Lanes::c_BlockBytes> end;
     std::copy_n(p_Rest, p_Bytes, end.data());
     Md5Lanes::AddOne(p_State, end.data(),
                      Md5Lanes::Pad(end.data(), p_Bytes, static_cast<quint64>(p_Total)));
@@ -110,7 +110,7 @@ void FollowingDigest::Run()
     bool isReadable = file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) &&
                       ::fstat(file.handle(), &status) == 0;
     Md5Lanes::State state = Md5Lanes::c_Begin;
-    std::vector<unsigned char> bytes(c_ReadBytes + Md5Lanes::c_PaddingBytes);
+    std::vector<unsigned char> bytes(c_ReadBytes + Md5Lanes::c_BlockBytes);
     std::size_t rest = 0; // at the begin of them, less than a block
     qint64 hashed = 0;
     qint64 size = 0;

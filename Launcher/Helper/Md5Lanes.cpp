@@ -82,7 +82,7 @@ VARNHOLT_INLINE std::uint32_t WordAt(unsigned char const* p_Data, std::size_t p_
 /// One word of each stream.
 using Lanes = std::uint32_t __attribute__((vector_size(c_Count * sizeof(std::uint32_t))));
 
-/// In here: what is made for each machine would be seen outside of the module else.
+/// Not `AddAll` itself: the versions of a function with external linkage would be exported.
 VARNHOLT_CLONES
 void Add(std::array<State*, c_Count> const& p_States,
          std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
@@ -123,30 +123,30 @@ void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks)
     }
 }
 
-void AddAll(std::array<State*, c_Count> const& p_States,
-            std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
-{
-    Add(p_States, p_Data, p_Blocks);
-}
-
-/// A bit, zeros, and the length in bits at the end of a block.
-std::size_t Pad(unsigned char* p_Data, std::size_t p_Bytes, std::uint64_t p_Total)
+std::size_t Pad(unsigned char* p_Data, std::size_t p_Left, std::uint64_t p_Total)
 {
     constexpr unsigned char c_Bit = 0x80;
 
-    std::size_t const blocks = (p_Bytes + sizeof(p_Total)) / c_BlockBytes + 1;
+    std::size_t const blocks = (p_Left + sizeof p_Total) / c_BlockBytes + 1;
     unsigned char* const end = p_Data + blocks * c_BlockBytes;
-    std::fill(p_Data + p_Bytes, end, static_cast<unsigned char>(0));
-    p_Data[p_Bytes] = c_Bit;
-    qToLittleEndian(p_Total * 8, end - sizeof(p_Total));
+    std::fill(p_Data + p_Left, end, static_cast<unsigned char>(0));
+    p_Data[p_Left] = c_Bit;
+    qToLittleEndian(p_Total * 8, end - sizeof p_Total);
     return blocks;
 }
 
 QString TextOf(State const& p_State)
 {
-    QByteArray bytes(sizeof(State), Qt::Uninitialized);
-    qToLittleEndian<std::uint32_t>(p_State.data(), p_State.size(), bytes.data());
-    return QString::fromLatin1(bytes.toHex()).toUpper();
+    std::array<char, sizeof(State)> bytes;
+    for (std::size_t i = 0; i < p_State.size(); ++i)
+        qToLittleEndian(p_State[i], bytes.data() + i * sizeof(p_State[i]));
+    return QString::fromLatin1(QByteArray(bytes.data(), bytes.size()).toHex()).toUpper();
+}
+
+void AddAll(std::array<State*, c_Count> const& p_States,
+            std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
+{
+    Add(p_States, p_Data, p_Blocks);
 }
 
 } // namespace Varnholt::Launcher::Md5Lanes

@@ -29,19 +29,16 @@ constexpr State c_Begin = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
 /// Takes whole blocks of one stream.
 void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks);
 
+/// Ends a stream: appends a bit, zeros, and its length to what is left of it.
+/// \param p_Data holds p_Left bytes that were not taken, and has room for two blocks behind them
+/// \param p_Total bytes of the whole stream \return blocks that are to be taken now
+std::size_t Pad(unsigned char* p_Data, std::size_t p_Left, std::uint64_t p_Total);
+/// The digest of a stream that was ended, 32 upper-case hexadecimal digits.
+QString TextOf(State const& p_State);
+
 /// Takes the same number of blocks of `c_Count` streams, about as fast as of one. Several of them
 /// may be the same.
 void AddAll(std::array<State*, c_Count> const& p_States,
             std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks);
-
-/// Puts the end of a stream behind its last bytes.
-/// \param p_Data these, with room for `c_PaddingBytes` behind them
-/// \param p_Total bytes of the whole stream
-/// \return how many blocks they are now
-std::size_t Pad(unsigned char* p_Data, std::size_t p_Bytes, std::uint64_t p_Total);
-constexpr std::size_t c_PaddingBytes = 2 * c_BlockBytes;
-
-/// The digest of a stream that has come to its end: 32 upper-case hexadecimal digits.
-QString TextOf(State const& p_State);
 
 } // namespace Varnholt::Launcher::Md5Lanes

@@ -36,17 +36,14 @@ public:
     explicit Stream(Request const& p_Request)
         : Of(p_Request)
         , File(NativePath::ToText(p_Request.File->Location))
-        , Block(c_BlockBytes + Md5Lanes::c_PaddingBytes)
+        , Block(c_BlockBytes + 2 * Md5Lanes::c_BlockBytes)
     {
         if (!File.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
             Fail();
     }
 
     bool IsAtEnd() const { return Ended; }
-    unsigned char const* Data() const
-    {
-        return reinterpret_cast<unsigned char const*>(Block.data());
-    }
+    unsigned char const* Data() const { return Block.data(); }
 
     /// \return false at the end of the file, when its digest is known
     bool FillBlock()
@@ -54,21 +51,20 @@ public:
         std::size_t filled = 0;
         qint64 bytes = 0;
         while (filled < c_BlockBytes &&
-               (bytes = File.read(Block.data() + filled,
-                                  static_cast<qint64>(c_BlockBytes - filled))) > 0)
+               (bytes = File.read(Chars() + filled, static_cast<qint64>(c_BlockBytes - filled))) >
+                   0)
             filled += static_cast<std::size_t>(bytes);
         if (bytes < 0)
             Fail();
         Total += filled;
         if (filled > 0)
-            Of.Sink(Block.data(), static_cast<qint64>(filled));
+            Of.Sink(Chars(), static_cast<qint64>(filled));
         if (filled == c_BlockBytes)
             return true;
         Ended = true;
         if (static_cast<qint64>(Total) != Of.File->Size || !IsAsScanned(File, *Of.File))
             throw Failure(ChangedText(*Of.File));
-        auto* const rest = reinterpret_cast<unsigned char*>(Block.data());
-        Md5Lanes::AddOne(State, rest, Md5Lanes::Pad(rest, filled, Total));
+        Md5Lanes::AddOne(State, Data(), Md5Lanes::Pad(Block.data(), filled, Total));
         return false;
     }
 
@@ -77,6 +73,8 @@ public:
     Md5Lanes::State State = Md5Lanes::c_Begin;
 
 private:
+    char* Chars() { return reinterpret_cast<char*>(Block.data()); }
+
     [[noreturn]] void Fail() const
     {
         throw Failure(Of.File->Path + QStringLiteral(": cannot be read: ") + File.errorString());
@@ -84,7 +82,7 @@ private:
 
     Request const& Of;
     QFile File;
-    std::vector<char> Block;
+    std::vector<unsigned char> Block;
     std::size_t Total = 0;
     bool Ended = false;
 };
