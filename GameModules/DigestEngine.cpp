@@ -1,6 +1,6 @@
 #include "GameModules/DigestEngine.hpp"
 
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 
 #include <QFile>
 #include <QFileInfo>
