@@ -261,7 +261,7 @@ void HostTrustTest::AKeyThatIsNoneIsRefused()
     QVERIFY(!game.Open());
     QCOMPARE(game.OpenFailure->Identifier(), QString("option-invalid"));
     game.Options.TrustKey.clear();
-    game.Options.ModuleFile = QStringLiteral(VARNHOLT_BADLY_KEYED_MODULE);
+    game.Options.ModuleFile = QStringLiteral(VARNHOLT_NO_KEY_MODULE);
     QVERIFY(!game.Open());
     QCOMPARE(game.OpenFailure->Identifier(), QString("module-unloadable"));
 }
@@ -270,7 +270,7 @@ void HostTrustTest::AModuleCanNameAKeyThatTheUsersOneReplaces()
 {
     SignedGame game;
     game.Options.ModuleFile = QStringLiteral(VARNHOLT_KEYED_MODULE);
-    game.Content.AppId = game.Publisher.Comment.Game = "lantern_app";
+    game.Content.AppId = game.Publisher.Comment.Game = "keyed_app";
     game.PublishSigned();
     QVERIFY(game.Open());
     QCOMPARE(game.Info->TrustKey, game.Publisher.Key());
