@@ -64,7 +64,7 @@ install(TARGETS ${libraries} EXPORT VarnholtTargets
     INCLUDES DESTINATION ${headers_folder})
 install(EXPORT VarnholtTargets NAMESPACE Varnholt::
     DESTINATION ${package_folder} COMPONENT development)
-install(DIRECTORY Launcher GameModules Files Host Signing
+install(DIRECTORY Launcher GameModules Files Signing Host
     DESTINATION ${headers_folder} COMPONENT development
     FILES_MATCHING PATTERN *.hpp
     PATTERN GameModules/Pelmora EXCLUDE PATTERN Host/Cli EXCLUDE PATTERN Host/Window EXCLUDE)
