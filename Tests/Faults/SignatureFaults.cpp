@@ -327,7 +327,7 @@ FaultReport Redirects()
 std::vector<FaultRow> SignatureFaults()
 {
     return {{"changed manifest", ChangedManifest},
-            {"changed content with a changed manifest", ChangedContent},
+            {"changed content and manifest", ChangedContent},
             {"old manifest with its good signature", OldManifest},
             {"signature of the development channel", DevChannel},
             {"signature of another game", AnotherGame},
@@ -337,7 +337,7 @@ std::vector<FaultRow> SignatureFaults()
             {"swapped host list", SwappedHostList},
             {"swapped realm list", SwappedRealmList},
             {"answers that change", ChangingAnswers},
-            {"redirects with signatures", Redirects}};
+            {"signed documents redirected", Redirects}};
 }
 
 } // namespace Varnholt::TestSupport
