@@ -50,9 +50,10 @@ struct Scene {
 
 struct Attack {
     QString Where;
-    std::function<void(Scene&)> Strike; ///< when the game, if it is to be installed, is
-    QString End;                        ///< how each run under it ends
-    bool OnInstall = true;              ///< also on one who has seen nothing before
+    std::function<void(Scene&)> Strike;     ///< when the game, if it is to be installed, is
+    QString End;                            ///< how each run under it ends
+    bool OnInstall = true;                  ///< also on one who has seen nothing before
+    RequestType Kind = RequestType::Update; ///< the run that every attack is tried on
 };
 
 /// Sentences about what has reached the folder.
@@ -121,12 +122,12 @@ void Try(Attack const& p_Attack, RequestType p_Kind, FaultTally& p_Tally)
     p_Tally.Add(p_Attack.Where, injected, p_Attack.End, faults);
 }
 
-/// The first attack is tried on every kind of run, its variants on an update.
+/// The first attack is tried on an install and a start too, its variants are not.
 FaultReport Run(std::vector<Attack> const& p_Attacks)
 {
     FaultTally tally;
     for (Attack const& attack : p_Attacks)
-        Try(attack, RequestType::Update, tally);
+        Try(attack, attack.Kind, tally);
     if (p_Attacks.front().OnInstall)
         Try(p_Attacks.front(), RequestType::Install, tally);
     Try(p_Attacks.front(), RequestType::Play, tally);
@@ -278,6 +279,7 @@ FaultReport SwappedRealmList()
                  "game-wrong"}});
 }
 
+/// A repair has the module ask for the realm list twice.
 FaultReport ChangingAnswers()
 {
     return Run(
@@ -296,7 +298,7 @@ FaultReport ChangingAnswers()
               server.Script(c_Hosts).Then(Answer()).Always(
                   Answer().Body(p_Scene.Other.Host().toLatin1()));
           },
-          "done"}});
+          "done", true, RequestType::Repair}});
 }
 
 FaultReport Redirects()
