@@ -105,10 +105,13 @@ void MainWindow::Choose(QString const& p_ModuleFile)
             Shown->Tell(*why);
         return;
     }
+    bool const isFirst = Shown == nullptr;
     Shown = Known[p_ModuleFile];
     Pages->setCurrentWidget(Shown);
     Column->Select(p_ModuleFile);
     Refresh();
+    if (isFirst)
+        Shown->FocusPrimary();
 }
 
 void MainWindow::Refresh()

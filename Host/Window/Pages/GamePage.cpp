@@ -185,6 +185,11 @@ void GamePage::ToggleHistory()
     History->setVisible(!History->isVisible());
 }
 
+void GamePage::FocusPrimary()
+{
+    Primary->setFocus();
+}
+
 QString GamePage::Diagnosis(ModuleInfo const& p_Module) const
 {
     return DiagnosisText(p_Module, State, History->Lines());

@@ -37,6 +37,8 @@ public:
     void Tell(QString const& p_Sentence);
     void Add(HistoryEntry const& p_Entry);
     void ToggleHistory();
+    /// Gives the large button the focus.
+    void FocusPrimary();
     /// Everything that is known of the game, as text.
     QString Diagnosis(ModuleInfo const& p_Module) const;
 

@@ -38,7 +38,7 @@ ProgressBox::ProgressBox(PagePalette const& p_Palette, QWidget* p_Parent)
     auto* const figures = new QVBoxLayout(FigureBox);
     figures->setContentsMargins(0, 0, 0, 0);
     figures->setSpacing(2);
-    for (QLabel* const line : {Amount, Pace, static_cast<QLabel*>(File)})
+    for (QLabel* const line : {Amount, static_cast<QLabel*>(File), Pace})
         figures->addWidget(line);
     Clock.start();
     Translate();

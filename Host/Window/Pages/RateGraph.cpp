@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace Varnholt::Host {
 
 RateGraph::RateGraph(PagePalette const& p_Palette, QWidget* p_Parent)
@@ -31,6 +33,7 @@ void RateGraph::paintEvent(QPaintEvent*)
 {
     constexpr int c_FillAlpha = 70;
     constexpr int c_LineAlpha = 50;
+    constexpr qint64 c_LeastSpan = 20'000; // of a job that has just begun
 
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -44,10 +47,12 @@ void RateGraph::paintEvent(QPaintEvent*)
         return;
 
     qint64 const now = Rates.All().back().Time;
+    qint64 const span =
+        std::clamp(now - Rates.All().front().Time, c_LeastSpan, RateHistory::c_Milliseconds);
     QPainterPath line;
     for (RateHistory::Sample const& sample : Rates.All()) {
-        QPointF const point(area.right() -
-                                area.width() * (now - sample.Time) / RateHistory::c_Milliseconds,
+        QPointF const point(area.right() - area.width() * static_cast<double>(now - sample.Time) /
+                                               static_cast<double>(span),
                             area.bottom() - area.height() * static_cast<double>(sample.Rate) /
                                                 static_cast<double>(highest));
         if (line.isEmpty())

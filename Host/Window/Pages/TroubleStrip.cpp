@@ -64,6 +64,7 @@ void TroubleStrip::ShowWait(ServerWait const& p_Wait)
     FillFiles({});
     MakeButtons({});
     Tell(RunText::Capitalized(p_Wait.Cause), ProgressTexts::WaitText(p_Wait));
+    Close->hide();
 }
 
 void TroubleStrip::ShowText(QString const& p_Text)
@@ -76,6 +77,7 @@ void TroubleStrip::ShowText(QString const& p_Text)
 void TroubleStrip::Tell(QString const& p_Title, QString const& p_Text)
 {
     bool const isNew = !isVisible() || Title->text() != p_Title;
+    Close->show();
     Close->setAccessibleName(tr("Dismiss"));
     Close->setToolTip(tr("Dismiss"));
     Files->setAccessibleName(tr("Files"));
@@ -92,7 +94,6 @@ void TroubleStrip::Tell(QString const& p_Title, QString const& p_Text)
 /// Renewed only when others are offered: one that has the focus keeps it.
 void TroubleStrip::MakeButtons(std::vector<PageCommand> const& p_Commands)
 {
-    Close->setVisible(true);
     std::vector<PageCommand> offered;
     for (PageCommand const command : p_Commands)
         if (command != PageCommand::ShowFiles || !ShownFiles.isEmpty())
@@ -122,11 +123,18 @@ void TroubleStrip::MakeButtons(std::vector<PageCommand> const& p_Commands)
 
 void TroubleStrip::FillFiles(std::vector<FileFinding> const& p_GivenUp)
 {
+    constexpr int c_MostFiles = 200;
+
     QStringList files;
-    for (FileFinding const& finding : p_GivenUp)
+    for (FileFinding const& finding : p_GivenUp) {
+        if (files.size() == c_MostFiles) {
+            files += tr("and %n more", nullptr, static_cast<int>(p_GivenUp.size()) - c_MostFiles);
+            break;
+        }
         files += finding.Problem.Subject.isEmpty()
                      ? finding.Path
                      : finding.Path + QStringLiteral(": ") + finding.Problem.Sentence();
+    }
     if (files == ShownFiles)
         return;
     ShownFiles = files;
