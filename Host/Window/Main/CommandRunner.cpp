@@ -58,10 +58,15 @@ void CommandRunner::Run(PageCommand p_Command)
         return Windows.OpenSettings();
     case PageCommand::Uninstall:
         return Windows.OpenUninstall();
-    case PageCommand::ShowFiles:
     case PageCommand::ShowHistory:
+        Q_EMIT HistoryRequested();
+        return;
     case PageCommand::CopyDiagnosis:
+        Q_EMIT DiagnosisRequested();
+        return;
     case PageCommand::ChooseLanguage:
+        return Controller.Start(Type::ListLocales);
+    case PageCommand::ShowFiles:
         return; // the page does that itself
     }
 }

@@ -24,6 +24,8 @@ public:
 Q_SIGNALS:
     /// A file or folder that the desktop shall show.
     void ShowRequested(QString p_Path);
+    void HistoryRequested();
+    void DiagnosisRequested();
 
 private:
     void TryAgain();

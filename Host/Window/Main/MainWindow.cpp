@@ -4,9 +4,12 @@
 #include "Host/Window/Main/CommandRunner.hpp"
 #include "Host/Window/Pages/GameColumn.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
+#include "Host/Window/Pages/PageMenu.hpp"
 
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QTimer>
 #include <QUrl>
@@ -41,6 +44,11 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
         if (Shown != nullptr)
             Shown->Add(p_Entry);
     });
+    connect(&Games, &GameController::RunEnded, this,
+            [this](RunRequest const&, RunResult const& p_Result) {
+                if (Shown != nullptr && !p_Result.Locales.empty())
+                    Shown->Menu().ShowLanguages(p_Result.Locales, p_Result.Locale);
+            });
     connect(&Games, &GameController::Closed, this, &MainWindow::Finished);
     connect(&Folder, &ModuleFolder::Appeared, &Survey, &ModuleSurvey::Look);
     connect(&Survey, &ModuleSurvey::Found, this, &MainWindow::Add);
@@ -55,6 +63,9 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
             Choose(Known.begin()->first);
         Translate();
     });
+    connect(Commands, &CommandRunner::HistoryRequested, this, [this] { Shown->ToggleHistory(); });
+    connect(Commands, &CommandRunner::DiagnosisRequested, this,
+            [this] { QGuiApplication::clipboard()->setText(Shown->Diagnosis(Games.Info())); });
     connect(Commands, &CommandRunner::ShowRequested, this, [](QString const& p_Path) {
         if (!p_Path.isEmpty())
             QDesktopServices::openUrl(QUrl::fromLocalFile(p_Path));
@@ -78,19 +89,29 @@ void MainWindow::Add(ModuleCard const& p_Card)
     Pages->addWidget(page);
     Column->Add(p_Card);
     connect(page, &GamePage::Requested, Commands, &CommandRunner::Run);
+    connect(page, &GamePage::ProblemRead, &Games, &GameController::ForgetProblem);
+    connect(page, &GamePage::LanguageChosen, this, [this](QString const& p_Tag) {
+        RunRequest request;
+        request.Kind = RunRequest::Type::ChooseLocale;
+        request.Argument = p_Tag;
+        Games.Start(request);
+    });
 }
 
 void MainWindow::Choose(QString const& p_ModuleFile)
 {
     if (auto const why = Games.Choose(p_ModuleFile)) {
         if (Shown != nullptr)
-            Shown->Add({*why, Notice::Level::Warning});
+            Shown->Tell(*why);
         return;
     }
+    bool const isFirst = Shown == nullptr;
     Shown = Known[p_ModuleFile];
     Pages->setCurrentWidget(Shown);
     Column->Select(p_ModuleFile);
     Refresh();
+    if (isFirst)
+        Shown->FocusPrimary();
 }
 
 void MainWindow::Refresh()

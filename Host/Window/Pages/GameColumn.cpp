@@ -16,8 +16,7 @@ constexpr char c_Sheet[] =
     " border-radius: 0; padding: 6px 9px 6px 6px; }"
     "QToolButton:hover { background: rgba(255, 255, 255, 24); }"
     "QToolButton:focus { background: rgba(255, 255, 255, 40); }"
-    "QToolButton:checked { border-left-color: %1; }"
-    "QScrollArea, #games { background: transparent; border: none; }";
+    "QToolButton:checked { border-left-color: %1; }";
 
 /// For a module without an icon: its initial.
 QPixmap Initial(QString const& p_Name, bool p_IsSelected)
@@ -66,7 +65,7 @@ GameColumn::GameColumn(QWidget* p_Parent)
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setFocusPolicy(Qt::NoFocus);
     area->setFrameShape(QFrame::NoFrame);
-    area->viewport()->setAutoFillBackground(false);
+    area->setStyleSheet(QStringLiteral("QScrollArea, #games { background: transparent; }"));
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(area);

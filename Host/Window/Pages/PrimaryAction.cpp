@@ -89,4 +89,9 @@ PrimaryAction PrimaryAction::Of(GameState const& p_State)
     return Pressed(PageCommand::Play);
 }
 
+bool CanPause(RunRequest::Type p_Kind)
+{
+    return p_Kind == Type::Install || p_Kind == Type::Update || p_Kind == Type::Repair;
+}
+
 } // namespace Varnholt::Host

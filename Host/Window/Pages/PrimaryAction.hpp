@@ -18,4 +18,7 @@ struct PrimaryAction {
     static PrimaryAction Of(GameState const& p_State);
 };
 
+/// Whether a job of that kind can be paused.
+bool CanPause(RunRequest::Type p_Kind);
+
 } // namespace Varnholt::Host

@@ -6,16 +6,16 @@ namespace {
 
 constexpr char c_Sheet[] = R"(
 #panel, #strip { background: {panel}; border-radius: 12px; }
-#panel QLabel, #strip QLabel { color: {text}; background: transparent; }
+#panel QLabel, #strip QLabel { color: {text}; background: transparent; font-size: 14px; }
 #panel QLabel[quiet="true"], #strip QLabel[quiet="true"] { color: {quiet}; }
-#name { font-size: 20px; font-weight: 600; }
-#headline { font-size: 15px; }
+#panel #name { font-size: 20px; font-weight: 600; }
+#panel #headline, #panel #percent { font-size: 15px; font-weight: 600; }
 #strip { border-left: 4px solid {warning}; }
-#stripTitle { font-size: 15px; font-weight: 600; }
+#strip #stripTitle { font-size: 15px; font-weight: 600; }
 QProgressBar { background: {veil}; border: none; border-radius: 3px; }
 QProgressBar::chunk { background: {accent}; border-radius: 3px; }
 QPushButton { color: {text}; background: {veil}; border: 2px solid transparent;
-    border-radius: 8px; padding: 6px 16px; }
+    border-radius: 8px; padding: 6px 16px; font-size: 14px; }
 QPushButton:hover { background: {veil2}; }
 QPushButton:focus, QToolButton:focus { border-color: {text}; }
 QPushButton:disabled { color: {quiet}; }
