@@ -1,6 +1,12 @@
 #include "Tests/Support/TestMain.hpp"
 
+#ifdef VARNHOLT_TEST_WIDGETS
+#include <QApplication>
+using Application = QApplication;
+#else
 #include <QCoreApplication>
+using Application = QCoreApplication;
+#endif
 
 #include <cstdio>
 #include <map>
@@ -37,7 +43,7 @@ int main(int p_Count, char** p_Arguments)
     if (auto const test = Tests().find(name); test != Tests().end()) {
         p_Arguments[1] = p_Arguments[0];
         int count = p_Count - 1;
-        QCoreApplication const application(count, p_Arguments + 1);
+        Application const application(count, p_Arguments + 1);
         return test->second(count, p_Arguments + 1);
     }
     bool const isList = name == "--list";
