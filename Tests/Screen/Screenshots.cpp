@@ -80,15 +80,87 @@ void Screenshots::Begin()
 {
     QVERIFY(Game->Open());
     Game->On().Resize(Game->On().Window(Name), Size);
-    Take("1-new");
-    TakeOpened("2-menu", {"F10"});
+    Take("10-new");
+    TakeOpened("11-menu", {"F10"});
+    QVERIFY(Game->Press(Name, {"F10"}));
+    Game->On().Press({"Up", "Up", "Return"}); // the settings: without a game nothing follows them
+    Take("12-settings");
+    Game->On().Press({"Escape"});
 }
 
-void Screenshots::Install() {}
-void Screenshots::Trouble() {}
-void Screenshots::Complete() {}
-void Screenshots::Play() {}
-void Screenshots::Uninstall() {}
+void Screenshots::Install()
+{
+    // A folder with other files, and then the one that is proposed.
+    Game->Put("mine.txt", "mine");
+    QVERIFY(Game->Press(Name, {"Return"}));
+    Take("20-install-warning");
+    Game->On().Press({"Escape"});
+    QVERIFY(QFile::remove(Game->Path("mine.txt")));
+    QVERIFY(Game->Press(Name, {"Return"}));
+    Take("21-install");
+    Game->Server.Script("GET " + Game->Content.ServerPath("Data/base.MPQ"))
+        .Always(Answer::Drip(600, 20));
+    Game->On().Press({"Return"});
+    QVERIFY(Game->WaitForTitle("[1-9][0-9].% – " + Name));
+    Take("22-downloading");
+    QVERIFY(Game->Press(Name, {"F9"}));
+    QVERIFY(Game->WaitUntil([&] { return Game->On().Window("%") == 0; }));
+    Take("23-paused");
+    TakeOpened("24-menu-busy", {"F10"});
+}
+
+void Screenshots::Trouble()
+{
+    // The server falls silent and fails, and one file is never there.
+    QString const file = "GET " + Game->Content.ServerPath("Data/base.MPQ");
+    Game->Server.Script(file).Always(Answer::Status(503));
+    QVERIFY(Game->Press(Name, {"F9"}));
+    QVERIFY(Game->WaitUntil([&] { return Game->Requests("Data/base.MPQ") > 3; }));
+    Take("30-retrying");
+    Game->Server.Script(file).Always(Answer::Status(404));
+    QVERIFY(Game->WaitUntil([&] { return !Game->On().Window("%") && Game->Has("readme.txt"); }));
+    Take("31-given-up");
+    QVERIFY(Game->Press(Name, {"F10"}));
+    Game->On().Press({"Up", "Up", "Up", "Up", "Up", "Return"});
+    Take("32-history");
+    QVERIFY(Game->Press(Name, {"F10"}));
+    Game->On().Press({"Up", "Up", "Up", "Up", "Up", "Return"});
+    Game->Server.Script(file).Always(Answer::Normal());
+}
+
+void Screenshots::Complete()
+{
+    QVERIFY(Game->Press(Name, {"Return"}));
+    QVERIFY(Game->WaitForTitle(Name));
+    QCOMPARE(Game->Wrong("enUS"), QStringList());
+    Take("40-complete");
+    TakeOpened("41-menu", {"F10"});
+}
+
+void Screenshots::Play()
+{
+    Game->KeepRunning();
+    QVERIFY(Game->Press(Name, {"Return"}));
+    Take("50-login");
+    Game->On().Type("me");
+    Game->On().Press({"Tab"});
+    Game->On().Type("secret");
+    Game->On().Press({"Return"});
+    QVERIFY(Game->WaitUntil([&] { return Game->Starts() == 1; }));
+    Take("51-playing");
+    Game->LetGo();
+    QVERIFY(Game->WaitForTitle(Name));
+}
+
+void Screenshots::Uninstall()
+{
+    Game->Put("Screenshots/1.jpg", "mine");
+    Game->Put("Screenshots/2.jpg", "mine");
+    QVERIFY(Game->Press(Name, {"F10"}));
+    Game->On().Press({"Up", "Return"});
+    Take("60-uninstall");
+    Game->On().Press({"Escape"});
+}
 
 } // namespace Varnholt::TestSupport
 
