@@ -23,6 +23,18 @@
 
 namespace Varnholt::Host {
 
+namespace {
+
+/// Whether it is worth to be told: a server may take a moment.
+bool IsLong(ServerWait const& p_Wait)
+{
+    constexpr qint64 c_Seconds = 3;
+
+    return p_Wait.IsRetry() || p_Wait.Silent >= c_Seconds;
+}
+
+} // namespace
+
 GamePage::GamePage(ModuleCard const& p_Card, QWidget* p_Parent)
     : QWidget(p_Parent)
     , Game(p_Card)
@@ -163,7 +175,7 @@ void GamePage::ShowTrouble()
         Trouble->ShowText(Told);
     else if (State.Problem)
         Trouble->ShowFailure(*State.Problem, State.GivenUp);
-    else if (State.Job && State.Snapshot.Wait)
+    else if (State.Job && State.Snapshot.Wait && IsLong(*State.Snapshot.Wait))
         Trouble->ShowWait(*State.Snapshot.Wait);
     else
         Trouble->hide();
