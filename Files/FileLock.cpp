@@ -106,7 +106,7 @@ FileLock::Outcome FileLock::Try()
             return Outcome::Held;
         if (error != 0)
             return Fail(error);
-        // It was taken away while it was waited for: what is locked now is nothing to anybody.
+        // It was removed between opening and locking: the lock on it would keep nobody out.
     }
 }
 

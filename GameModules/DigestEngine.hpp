@@ -15,7 +15,8 @@ namespace Varnholt::Launcher {
 
 /// The digests of many files, made by threads of its own ahead of the one who asks for them. Each
 /// thread hashes up to sixteen files side by side, see `Md5Lanes`, with half a MiB of memory for
-/// each of them. For one user's thread.
+/// each of them, and has the system fetch a large one in parts of `c_AheadBytes`. For one user's
+/// thread.
 class DigestEngine {
 public:
     struct File;
@@ -23,9 +24,10 @@ public:
 
     /// At most, and one for each processor: 32 MiB of memory, and what a disk serves well.
     static constexpr std::size_t c_MostThreads = 4;
+    static constexpr qint64 c_AheadBytes = qint64{4} * 1024 * 1024;
 
     DigestEngine() = default;
-    /// Stops what is under way, as soon as what is being read has come.
+    /// Stops what is under way, as soon as the half MiB that each thread reads has come.
     ~DigestEngine();
     DigestEngine(DigestEngine const&) = delete;
     DigestEngine& operator=(DigestEngine const&) = delete;

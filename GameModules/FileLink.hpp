@@ -14,6 +14,9 @@ enum class Kind {
 /// Looks at the link itself. Any thread.
 Kind At(QString const& p_Path);
 
+/// Whether a file stands there, or a link of the player's that leads to one.
+bool IsFile(QString const& p_Path);
+
 /// Whether the link belongs to the user who runs this program, or to root, which is taken for their
 /// consent. False when there is no link. Any thread.
 bool IsPlayers(QString const& p_Path);

@@ -48,17 +48,17 @@ LinkGuard::Way const& LinkGuard::WayTo(QString const& p_Path)
     return *Ways.insert(folder, way);
 }
 
-/// At the last step of a path alone.
+/// Looks at the last step of a path; those before it have been looked at.
 void LinkGuard::Look(QString const& p_Path, QString const& p_Step, Way& p_Way) const
 {
     if (Root.isEmpty() || p_Step.isEmpty() || p_Step == QLatin1String("."))
-        return; // where no folder is, there is no link
+        return;
     QFileInfo const entry(Folder + p_Path);
     bool const isLink = entry.isSymbolicLink();
-    // Above a folder that a link leads to is another one than the path says.
+    // Behind a link ".." leads to the parent of the link's target, which may be outside.
     if (!isLink && p_Step != QLatin1String(".."))
         return;
-    // Of a circle the canonical path would be the link itself.
+    // canonicalFilePath() gives a link that is part of a circle back as it is.
     QString const canonical = entry.exists() ? entry.canonicalFilePath() : QString();
     bool const staysInside = canonical.isEmpty() ? !isLink : WithSlash(canonical).startsWith(Root);
     if (staysInside)

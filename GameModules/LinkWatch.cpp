@@ -53,7 +53,7 @@ bool LinkWatch::MakeRoom(QString const& p_Folder, QString const& p_Path)
     }
     if (!link)
         return true;
-    // Any other link is one on the way: what it leads to is no place for a file of ours.
+    // A link of a folder above the file stays: it may be the player's.
     if (link->Path != p_Folder + p_Path || !QFile::remove(link->Path))
         return !LeadsOut(p_Folder, p_Path);
     qCWarning(LogComparison) << Name << "replaces the symbolic link" << link->Path

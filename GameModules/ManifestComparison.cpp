@@ -55,7 +55,7 @@ struct ManifestComparison::Look {
 ManifestComparison::Look ManifestComparison::LookAt(ApplicationManifestFileEntry const& p_Entry,
                                                     DigestEngine& p_Digests) const
 {
-    if (!p_Entry.Locale.isEmpty() && p_Entry.Locale != Locale)
+    if (!p_Entry.IsFor(Locale))
         return {};
     if (SkipFirstBuildOnly && p_Entry.Has(ApplicationManifestFileEntry::FirstBuildOnly))
         return {};
@@ -101,6 +101,8 @@ ManifestComparison::Findings ManifestComparison::Examine(Entries const& p_Manife
 Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList const& p_Paths,
                                      Entries const& p_Found) const
 {
+    if (p_Paths.isEmpty())
+        return {};
     auto const index = IndexByPath(p_Manifest);
     QSet<QString> listed;
     for (ApplicationManifestFileEntry const& entry : p_Found)
@@ -126,6 +128,8 @@ Entries ManifestComparison::LeftOver(Entries const& p_Manifest, QStringList cons
 
 Entries ManifestComparison::Named(Entries const& p_Manifest, QStringList const& p_Paths) const
 {
+    if (p_Paths.isEmpty())
+        return {};
     auto const index = IndexByPath(p_Manifest);
     Entries named;
     for (QString const& path : p_Paths) {

@@ -2,6 +2,8 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+#include <type_traits>
 #include <utility>
 
 // Where the loader can choose, the widest registers of the machine are used.
@@ -10,16 +12,17 @@
 #else
 #define VARNHOLT_CLONES
 #endif
+#ifdef VARNHOLT_VECTORS
 #define VARNHOLT_INLINE inline __attribute__((always_inline))
+#else
+#define VARNHOLT_INLINE inline
+#endif
 
 namespace Varnholt::Launcher::Md5Lanes {
 
 namespace {
 
 constexpr std::size_t c_Words = c_BlockBytes / sizeof(std::uint32_t);
-
-/// One word of each stream.
-using Lanes = std::uint32_t __attribute__((vector_size(c_Count * sizeof(std::uint32_t))));
 
 constexpr std::array<std::uint32_t, 64> c_Sines = {
     0xd76aa478, 0xe8c7b756, 0x242070db, 0xc1bdceee, 0xf57c0faf, 0x4787c62a, 0xa8304613, 0xfd469501,
@@ -49,10 +52,12 @@ VARNHOLT_INLINE void Mix(Word* p_State, Word const* p_Block)
     Word sum = a + p_Block[c_Word] + c_Sines[Step];
     if constexpr (c_Round == 0)
         sum += d ^ (b & (c ^ d));
+    else if constexpr (c_Round == 1 && std::is_integral_v<Word>)
+        sum = sum + (~d & c) + (d & b); // b is known last: two steps behind it instead of three
     else if constexpr (c_Round == 1)
-        sum += c ^ (d & (b ^ c));
+        sum += c ^ (d & (b ^ c)); // one operation on some vectors
     else if constexpr (c_Round == 2)
-        sum += b ^ c ^ d;
+        sum += b ^ (c ^ d);
     else
         sum += c ^ (b | ~d);
     a = b + ((sum << c_Shift) | (sum >> (32 - c_Shift)));
@@ -72,7 +77,11 @@ VARNHOLT_INLINE std::uint32_t WordAt(unsigned char const* p_Data, std::size_t p_
     return qFromLittleEndian<std::uint32_t>(p_Data + p_Word * sizeof(std::uint32_t));
 }
 
-/// In here: what is made for each machine would be seen outside of the module else.
+#ifdef VARNHOLT_VECTORS
+/// One word of each stream.
+using Lanes = std::uint32_t __attribute__((vector_size(c_Count * sizeof(std::uint32_t))));
+
+/// Not `AddAll` itself: the versions of a function with external linkage would be exported.
 VARNHOLT_CLONES
 void Add(std::array<State*, c_Count> const& p_States,
          std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
@@ -92,6 +101,14 @@ void Add(std::array<State*, c_Count> const& p_States,
         for (std::size_t lane = 0; lane < c_Count; ++lane)
             (*p_States[lane])[i] = state[i][lane];
 }
+#else
+void Add(std::array<State*, c_Count> const& p_States,
+         std::array<unsigned char const*, c_Count> const& p_Data, std::size_t p_Blocks)
+{
+    for (std::size_t lane = 0; lane < c_Count; ++lane)
+        AddOne(*p_States[lane], p_Data[lane], p_Blocks);
+}
+#endif
 
 } // namespace
 
@@ -103,6 +120,26 @@ void AddOne(State& p_State, unsigned char const* p_Data, std::size_t p_Blocks)
             block[word] = WordAt(p_Data, word);
         MixAll(p_State.data(), block, std::make_index_sequence<c_Sines.size()>());
     }
+}
+
+std::size_t Pad(unsigned char* p_Data, std::size_t p_Left, std::uint64_t p_Total)
+{
+    constexpr unsigned char c_Bit = 0x80;
+
+    std::size_t const blocks = (p_Left + sizeof p_Total) / c_BlockBytes + 1;
+    unsigned char* const end = p_Data + blocks * c_BlockBytes;
+    std::fill(p_Data + p_Left, end, static_cast<unsigned char>(0));
+    p_Data[p_Left] = c_Bit;
+    qToLittleEndian(p_Total * 8, end - sizeof p_Total);
+    return blocks;
+}
+
+QString TextOf(State const& p_State)
+{
+    std::array<char, sizeof(State)> bytes;
+    for (std::size_t i = 0; i < p_State.size(); ++i)
+        qToLittleEndian(p_State[i], bytes.data() + i * sizeof(p_State[i]));
+    return QString::fromLatin1(QByteArray(bytes.data(), bytes.size()).toHex()).toUpper();
 }
 
 void AddAll(std::array<State*, c_Count> const& p_States,

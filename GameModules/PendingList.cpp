@@ -13,7 +13,7 @@ namespace {
 
 using Continue = std::function<bool()>;
 
-/// The bytes of a list behind a line feed, nothing when it cannot be read.
+/// The bytes of a list with a line feed put before them, nothing when it cannot be read.
 QByteArray BytesOf(QString const& p_ListPath)
 {
     QFile file(p_ListPath);
@@ -22,8 +22,7 @@ QByteArray BytesOf(QString const& p_ListPath)
     return '\n' + file.readAll();
 }
 
-/// Hands on each line with the line feed before it.
-/// \param p_Bytes begin with a line feed, which is no line's end
+/// Hands on each line with the line feed before it. \param p_Bytes as `BytesOf` has them
 /// \return false when p_Continue has ended it before the last line
 template <typename Take>
 bool EachLine(QByteArray const& p_Bytes, Continue const& p_Continue, Take p_Take)
@@ -55,7 +54,7 @@ Content Read(QString const& p_ListPath, Continue const& p_Continue)
     QByteArray const bytes = BytesOf(p_ListPath);
     content.Opened = !bytes.isEmpty();
     // Not by a text stream, which takes a carriage return or a byte order mark away from a name.
-    // Nor is the latter in front here.
+    // fromUtf8() takes the mark from the front only, where the line feed is.
     bool const read = EachLine(bytes, p_Continue, [&](std::string_view p_Line) {
         content.Paths +=
             QString::fromUtf8(p_Line.data(), static_cast<int>(p_Line.size())).remove(0, 1);
@@ -87,7 +86,9 @@ void Update(QString const& p_ListPath, QString const& p_Struck, QString const& p
         return;
     if (!p_Added.isEmpty())
         after += p_Added.toUtf8() + '\n';
-    WriteBytes(p_ListPath, after);
+    // Most files are in no list.
+    if (before != '\n' + after)
+        WriteBytes(p_ListPath, after);
 }
 
 } // namespace Varnholt::Launcher::PendingList

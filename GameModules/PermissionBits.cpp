@@ -33,6 +33,12 @@ void MakeExecutable(QString const& p_Path, Change p_Change)
 
 } // namespace
 
+bool IsAskedFor(ApplicationManifestFileEntry const& p_Entry)
+{
+    return p_Entry.Has(ApplicationManifestFileEntry::ReadOnly) ||
+           p_Entry.Has(ApplicationManifestFileEntry::Executable);
+}
+
 void ApplyToNewFile(QString const& p_Path, ApplicationManifestFileEntry const& p_Entry)
 {
     if (p_Entry.Has(ApplicationManifestFileEntry::ReadOnly))

@@ -14,6 +14,9 @@ constexpr QFileDevice::Permissions c_All{c_Write | QFileDevice::ReadOwner | QFil
                                          QFileDevice::ExeOwner | QFileDevice::ExeUser |
                                          QFileDevice::ExeGroup | QFileDevice::ExeOther};
 
+/// Whether an entry asks for any.
+bool IsAskedFor(ApplicationManifestFileEntry const& p_Entry);
+
 /// Gives a file that has just been moved into place the permissions that its entry asks for:
 /// 0444 for a read-only file, 0777 for an executable one; an entry with both ends as 0777.
 void ApplyToNewFile(QString const& p_Path, ApplicationManifestFileEntry const& p_Entry);

@@ -31,12 +31,12 @@ class ManifestComparison;
 ///             comparison of the base files  │                worker
 ///          ┌── none to fetch ───────────────┤
 ///          │      CheckStartDownload: waits for host and game
-///          │      StartDownload: asks every file's size      application thread
-///          │      ProcessContentDownload: file after file
+///          │      RequestBaseSizes: every file's size        application thread
+///          │      BeginBaseFiles: file after file
 ///          └──────────────────────────────► │
-///             ProcessStreamedContentDownload: comparison     worker
-///             StartStreamedContentDownload: sizes, file after file
-///             AfterProcessStreamedContentDownload            application thread
+///             CompareStreamed: comparison, sizes             worker
+///             BeginStreamedFiles: file after file            application thread
+///             EndRun
 /// \endverbatim
 ///
 /// A run brings one list of files down, base or streamed; there is one run at a time. Each step
@@ -76,7 +76,7 @@ public:
     /// once. Application thread.
     void OnManifestReceived();
 
-    // _Phases ______________________________________________________________________________
+    // _Phases: the steps of the current run, under the names that hosts know _______________
 
     void OnManifestReceived_CheckStartDownload();
     void OnManifestReceived_StartDownload();
@@ -241,6 +241,7 @@ protected:
 
     // _Completion __________________________________________________________________________
 
+    /// Strikes the current file from its pending list and appends p_Added, unless that is empty.
     void UpdatePendingList(QString const& p_Added);
     /// Verifies a ".part" file and moves it into place. \return null, or why it must be fetched
     /// again, in the words of the log
@@ -257,6 +258,7 @@ protected:
     // _Suspend _____________________________________________________________________________
 
     bool IsFilePending() const;
+    void GoOnAfterResume(RunId p_Run, ResumeGate::Ticket p_Ticket);
     bool PassOverCurrentFile();
     void PollResume(ResumeGate::Ticket p_Ticket);
 

@@ -21,7 +21,7 @@ void StandartApplication::OnManifestReceived()
     if (installed) {
         if (IsFirstManifestBuild)
             NoteFirstBuild(Folder());
-        // One that an uninstallation has let go could wait for a silent server for ever.
+        // A transfer that Uninstall() has set aside could wait for a silent server for ever.
         Transfers.StopAside();
         ShowComparison(Manifest.Files.size());
     } else {

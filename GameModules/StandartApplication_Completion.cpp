@@ -75,10 +75,7 @@ void StandartApplication::App_OnHTTPDownloadProgressComplete(HTTP_DownloadFileRe
     ShowFileDone(unsampled);
     CurrentDownload = nullptr;
     CompletingRun.reset();
-    if (aborted)
-        FollowAbortedTransfer();
-    else
-        GoOnWithNextFile(run);
+    return aborted ? FollowAbortedTransfer() : GoOnWithNextFile(run);
 }
 
 void StandartApplication::UpdatePendingList(QString const& p_Added)

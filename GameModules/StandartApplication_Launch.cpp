@@ -37,9 +37,11 @@ void StandartApplication::FixPermissions()
         return;
     for (std::size_t i = 0; i < Manifest.Files.size() && ShouldContinue(); ++i) {
         ApplicationManifestFileEntry const& entry = Manifest.Files[i];
+        if (!PermissionBits::IsAskedFor(entry))
+            continue;
         QString const path = folder + entry.Path;
         // Not through a link: what it leads to has the player's own mode.
-        if (entry.Flags != 0 && QFile::exists(path) && !Links.IsBarred(folder, entry.Path) &&
+        if (QFile::exists(path) && !Links.IsBarred(folder, entry.Path) &&
             FileLink::At(path) == FileLink::Kind::None)
             PermissionBits::FixExistingFile(path, entry);
     }

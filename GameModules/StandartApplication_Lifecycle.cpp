@@ -70,7 +70,7 @@ void StandartApplication::Uninstall(bool p_Flag)
         QMutexLocker const lock(&RunMutex);
         FilesToDownload.clear();
     }
-    Transfers.SetAside(); // it is not stopped, but what it still signals is nobody's
+    Transfers.SetAside(); // goes on, but its signals are ignored
     OnManifestReceived();
 }
 

@@ -190,7 +190,8 @@ void StandartApplication::FetchStreamedFiles(RunId p_Run)
 void StandartApplication::BeginFiles(RunId p_Run, QString const& p_DetailText)
 {
     auto& progress = UISetting.Download;
-    // A resume was not kept waiting by the sizes, and may have been followed by a suspension.
+    // A resume does not wait for the sizes: files may have begun, and been suspended, before they
+    // came.
     if (!FilesBegun || progress.Mode != ApplicationUISetting::ModeSuspended)
         progress.Mode = ApplicationUISetting::ModeDownloading;
     progress.DetailText = p_DetailText;
@@ -238,7 +239,7 @@ void StandartApplication::QueueStart(RunId p_Run, ResumeGate::Ticket p_Ticket)
 void StandartApplication::StartCurrentFile(RunId p_Run)
 {
     QString const folder = Folder();
-    // A file that is being completed is followed by the next one anyway.
+    // The end of a file that is being completed starts the next one itself.
     if (!IsCurrentRun(p_Run) || folder.isEmpty() || !IsFilePending() || CompletingRun == p_Run)
         return;
     if (!Transfers.MayStart())
@@ -262,7 +263,7 @@ void StandartApplication::StartCurrentFile(RunId p_Run)
         part = Helper::Paths::PartFile(folder + path);
     }
     Links.LookAgain(); // the run may have begun hours ago
-    // A partial file is the module's own. What a link leads to is not, wherever that is.
+    // A partial file is never written through a link: what that leads to is not the module's.
     if (Links.IsBarred(folder, path) || (QFileInfo(part).isSymbolicLink() && !QFile::remove(part)))
         return GoOnWithNextFile(p_Run);
     CurrentDownload = DownloadFile(address, part, true);

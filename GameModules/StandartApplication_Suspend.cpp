@@ -66,15 +66,19 @@ void StandartApplication::ResumeDownload()
     }
     if (IsDownloadBlocked() || running)
         return PollResume(ticket);
-    if (!Resumes.Holds(ticket))
-        return;
+    if (Resumes.Holds(ticket))
+        GoOnAfterResume(run, ticket);
+}
 
+void StandartApplication::GoOnAfterResume(RunId p_Run, ResumeGate::Ticket p_Ticket)
+{
     NotifyDownloadStarting();
     QString server;
     {
-        RunScope const scope(*this, run);
-        if (!scope || !Resumes.Holds(ticket) || !IsFilePending())
+        RunScope const scope(*this, p_Run);
+        if (!scope || !Resumes.Holds(p_Ticket) || !IsFilePending())
             return;
+        auto& progress = UISetting.Download;
         progress.Mode = ApplicationUISetting::ModeDownloading;
         progress.Percent = PercentOf(progress.Current, progress.Total);
         UISettingChanged = true;
@@ -82,7 +86,7 @@ void StandartApplication::ResumeDownload()
         server = ContentBaseUrl;
     }
     qCWarning(LogDownload) << "Selected CDN " << Name << " " << server;
-    QueueStart(run, ticket);
+    QueueStart(p_Run, p_Ticket);
 }
 
 bool StandartApplication::PassOverCurrentFile()

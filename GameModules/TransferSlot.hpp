@@ -17,8 +17,7 @@ public:
     /// \param p_Current where the transfer in flight is kept, null when there is none
     explicit TransferSlot(Transfer& p_Current);
 
-    /// Takes the transfer in flight out of the run, without stopping it: what it still signals is
-    /// nobody's.
+    /// Takes the transfer in flight out of the run, without stopping it: its signals are ignored.
     void SetAside();
     /// Stops the transfer in flight for good and takes it out of the run.
     void Replace();

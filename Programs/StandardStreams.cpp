@@ -16,12 +16,12 @@ std::atomic<int> g_Error{0}; ///< the first one of standard output
 
 void Prepare()
 {
-    // Each the wrong way round: to read from it or write to it fails as it did before.
+    // Opened for the other direction, so that using it fails as it did while it was closed.
     constexpr int c_Modes[] = {O_WRONLY, O_RDONLY, O_RDONLY};
 
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
         if (::fcntl(stream, F_GETFD) < 0)
-            ::open("/dev/null", c_Modes[stream]); // takes the lowest number that is free: this
+            ::open("/dev/null", c_Modes[stream]); // gets the lowest free number, which is `stream`
     std::signal(SIGPIPE, SIG_IGN);
 }
 

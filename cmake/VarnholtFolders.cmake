@@ -4,19 +4,23 @@
 if(VARNHOLT_IS_TOP)
   include(GNUInstallDirs)
   set(varnholt_programs_folder ${CMAKE_INSTALL_BINDIR})
-  set(varnholt_module_folder ${CMAKE_INSTALL_LIBDIR}/varnholt)
+  set(libraries ${CMAKE_INSTALL_LIBDIR})
 else()
   set(varnholt_programs_folder bin)
-  set(varnholt_module_folder lib/varnholt)
+  set(libraries lib)
 endif()
+# For projects that bring modules of their own too.
+set(VARNHOLT_MODULE_FOLDER ${libraries}/varnholt/modules CACHE INTERNAL "Below the prefix")
 
 # Relative, so that an installation can be moved as a whole.
 get_filename_component(programs ${varnholt_programs_folder} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
-get_filename_component(module ${varnholt_module_folder} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
+get_filename_component(module ${VARNHOLT_MODULE_FOLDER} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH varnholt_module_folder_of_programs ${programs} ${module})
 
 # What varnholt-pages makes about each program.
 set(varnholt_programs varnholt-host varnholt-publish)
+set(varnholt_varnholt-host_component host)
+set(varnholt_varnholt-publish_component publisher)
 set(varnholt_pages_folder ${PROJECT_BINARY_DIR}/share)
 foreach(program IN LISTS varnholt_programs)
   set(varnholt_${program}_pages
@@ -25,7 +29,6 @@ foreach(program IN LISTS varnholt_programs)
       zsh/site-functions/_${program}
       fish/vendor_completions.d/${program}.fish
   )
-  list(APPEND varnholt_page_files ${varnholt_${program}_pages})
 endforeach()
 
 # Where Qt was found is where the installed programs find it too.

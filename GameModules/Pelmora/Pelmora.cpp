@@ -3,7 +3,7 @@
 namespace Varnholt::Launcher {
 
 Pelmora::Pelmora()
-    : StandartApplication(QStringLiteral("Mists of Pandaria"), QStringLiteral("pelmora_app"))
+    : StandartApplication(QStringLiteral("Mists of Pandaria"), QStringLiteral(VARNHOLT_MODULE_IDENTIFIER))
 {
 }
 
@@ -18,15 +18,15 @@ QString Pelmora::GetRessource(ApplicationRessource::Type p_Type)
 {
     switch (p_Type) {
     case ApplicationRessource::BackgroundImage:
-        return QStringLiteral(":/app_pelmora_app/background.jpg");
+        return QStringLiteral(":/app_" VARNHOLT_MODULE_IDENTIFIER "/background.jpg");
     case ApplicationRessource::BackgroundColor:
         return QStringLiteral("#09111C");
     case ApplicationRessource::BackgroundPlacement:
         return QStringLiteral("top right");
     case ApplicationRessource::Icon:
-        return QStringLiteral(":/app_pelmora_app/icon_mop.png");
+        return QStringLiteral(":/app_" VARNHOLT_MODULE_IDENTIFIER "/icon_mop.png");
     case ApplicationRessource::IconSelected:
-        return QStringLiteral(":/app_pelmora_app/icon_mop_active.png");
+        return QStringLiteral(":/app_" VARNHOLT_MODULE_IDENTIFIER "/icon_mop_active.png");
     case ApplicationRessource::ThemeColor:
         return QStringLiteral("3,9,14");
     case ApplicationRessource::PageStyle:

@@ -153,8 +153,12 @@ void CommandParser::AddRunCommands()
     auto const run = [](RunRequest::Type p_Kind) {
         return [p_Kind](Choice& p_Choice) { p_Choice.Request.Kind = p_Kind; };
     };
-    Add("info", "Show what the module says about itself", "info",
-        [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Info; });
+    CLI::App* const info = Add("info", "Show what the module says about itself", "info --all",
+                               [this](Choice& p_Choice) {
+                                   p_Choice.Chosen = Choice::Command::Info;
+                                   p_Choice.All = All;
+                               });
+    AddFlag(*info, "--all", All, "Show the other modules in its folder too");
     Add("status", "Show what is installed, without asking a server", "status",
         [](Choice& p_Choice) { p_Choice.Chosen = Choice::Command::Status; });
     Add("install", "Install the game into a folder, or go on with an installation",

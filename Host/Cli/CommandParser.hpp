@@ -67,7 +67,7 @@ private:
     std::string ConfigKey, ConfigValue, Topic;
     CLI::App const* Explained = nullptr; ///< whose help was asked for by a command
     CLI::Option* ConfigValueOption = nullptr;
-    bool Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;
+    bool All = false, Yes = false, Json = false, Quiet = false, Verbose = false, Quick = false;
     bool DeletesFiles = false, Waits = false, Remembers = false, Forgets = false,
          ConfigList = false;
 };

@@ -2,8 +2,11 @@
 
 #include "Host/Cli/Login.hpp"
 #include "Host/Cli/Prompt.hpp"
+#include "Host/Core/Module/ModuleLoader.hpp"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QLibrary>
 #include <QTimer>
 
 namespace Varnholt::Host {
@@ -58,7 +61,7 @@ void Program::OnOpened(ModuleInfo const& p_Info)
     RunRequest const& request = Chosen.Request;
     if (Chosen.Chosen == Choice::Command::Info) {
         Output.ShowInfo(p_Info);
-        return Quit(EXIT_SUCCESS);
+        return Quit(Chosen.All ? ShowModulesBeside(p_Info.File) : EXIT_SUCCESS);
     }
     bool const asks =
         (request.Kind == RunRequest::Type::Play && !request.Argument.isEmpty()) ||
@@ -66,6 +69,25 @@ void Program::OnOpened(ModuleInfo const& p_Info)
     if (Chosen.Chosen == Choice::Command::Run && !asks)
         return StartRun();
     Session->ReadStatus();
+}
+
+int Program::ShowModulesBeside(QString const& p_File)
+{
+    int status = EXIT_SUCCESS;
+    QDir const folder = QFileInfo(p_File).dir();
+    for (QFileInfo const& file : folder.entryInfoList(QDir::Files, QDir::Name)) {
+        if (!QLibrary::isLibrary(file.fileName()) || file == QFileInfo(p_File))
+            continue;
+        ModuleLoader loader;
+        if (auto const failure = loader.Load(file.absoluteFilePath())) {
+            Output.ShowFailure(*failure);
+            status = failure->ExitStatus();
+            continue;
+        }
+        Output.ShowInfo(loader.Info());
+        loader.Release();
+    }
+    return status;
 }
 
 void Program::OnStatus(InstallStatus const& p_Status)

@@ -25,6 +25,8 @@ public:
 private:
     void CloseSession();
     void OnOpened(ModuleInfo const& p_Info);
+    /// \return the exit status: that of the last one that cannot be loaded
+    int ShowModulesBeside(QString const& p_File);
     void OnStatus(InstallStatus const& p_Status);
     void TellSpace(std::vector<VolumeSpace> const& p_Space);
     /// Called with what an uninstallation would delete. \return whether that shall be

@@ -3,6 +3,7 @@
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/SignalWatch.hpp"
 #include "Programs/Printable.hpp"
+#include "Programs/SilentTerminal.hpp"
 #include "Programs/StandardStreams.hpp"
 
 #include <QByteArray>
@@ -10,38 +11,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <sys/select.h>
-#include <termios.h>
 #include <unistd.h>
 
 namespace Varnholt::Host::Prompt {
 
 namespace {
-
-/// No echo of what is typed on a terminal for as long as it lives.
-class Silence {
-public:
-    Silence()
-    {
-        if (::tcgetattr(STDIN_FILENO, &Former) != 0)
-            return;
-        termios silent = Former;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        Changed = ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) == 0;
-    }
-    ~Silence()
-    {
-        if (!Changed)
-            return;
-        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &Former);
-        std::fputc('\n', stderr); // the one that was typed was not shown
-    }
-    Silence(Silence const&) = delete;
-    Silence& operator=(Silence const&) = delete;
-
-private:
-    termios Former{};
-    bool Changed = false;
-};
 
 void Ask(QString const& p_Question)
 {
@@ -109,7 +83,7 @@ std::optional<QString> Password(QString const& p_Question)
 {
     if (!IsInteractive())
         return ReadLine();
-    Silence const silence;
+    Programs::SilentTerminal const silence;
     Ask(p_Question);
     return ReadLine();
 }

@@ -102,6 +102,11 @@ DoorServer::DoorServer(Exchange& p_Exchange)
             Answer(p_Request, p_Response);
             return httplib::Server::HandlerResponse::Handled;
         });
+    // Qt asks the system for each byte of a head, and a small file has little else.
+    Server.set_post_routing_handler([](httplib::Request const&, httplib::Response& p_Response) {
+        for (char const* const header : {"Accept-Ranges", "Content-Type", "Keep-Alive"})
+            p_Response.headers.erase(header);
+    });
 }
 
 DoorServer::~DoorServer()
@@ -179,19 +184,15 @@ void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
         p_Response.set_header("Content-Range", "bytes */" + size);
         return;
     }
-    if (head.Size) {
-        p_Response.set_header("Accept-Ranges", "bytes");
+    if (head.Size)
         p_Response.set_header("Content-Length", std::to_string(*head.Size - offset));
-    }
     if (range) {
         p_Response.status = c_PartialContent;
         p_Response.set_header("Content-Range", "bytes " + std::to_string(offset) + '-' +
                                                    std::to_string(*head.Size - 1) + '/' + size);
     }
-    if (head.Size == offset || p_Request.method == "HEAD") {
-        p_Response.set_header("Content-Type", c_ContentType);
+    if (head.Size == offset || p_Request.method == "HEAD")
         return;
-    }
     auto const give = [this, reader = Source.Open(p_Path, offset, head.Size)](
                           std::size_t, httplib::DataSink& p_Sink) {
         return HandOn(Source, *reader, p_Sink);

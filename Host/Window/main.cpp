@@ -1,4 +1,5 @@
 #include "Host/Cli/ConfigCommand.hpp"
+#include "Host/Cli/SignalWatch.hpp"
 #include "Host/Core/Session/HostSession.hpp"
 #include "Host/Core/Session/MessageLog.hpp"
 #include "Host/Window/Desktop/Desktop.hpp"
@@ -50,6 +51,8 @@ int Run(Choice const& p_Choice, QString const& p_Modules)
     QObject::connect(&instance, &SingleInstance::ShowRequested, &desktop, &Desktop::ShowWindow);
     QObject::connect(&window, &MainWindow::Finished, qApp, &QApplication::quit,
                      Qt::QueuedConnection);
+    SignalWatch const ends; // what has arrived is kept, whoever ends the program
+    QObject::connect(&ends, &SignalWatch::EndRequested, &window, &MainWindow::Quit);
     QApplication::setQuitOnLastWindowClosed(false);
     desktop.Begin();
     return QApplication::exec();

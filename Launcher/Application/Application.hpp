@@ -32,34 +32,8 @@ class ApplicationLink;
 
 /// The interface of every application module that a launcher loads.
 ///
-/// What a host does, in this order:
-///  1. refuses a plug-in whose metadata tell another layout than `c_ApplicationLayout`, loads it
-///     and casts its instance to `Application`, on the thread that is to be the module's
-///     application thread; that thread runs an event loop;
-///  2. sets every pointer of the host callback table: the module calls them without a check;
-///  3. drains `SyncQueue` on the application thread and `AsyncQueue` on one worker thread, each
-///     from the front, one closure at a time, taking it out of the queue before running it and
-///     never holding the queue's mutex while it runs;
-///  4. calls `Init()`, then the other virtual operations on user action, all on the application
-///     thread;
-///  5. redraws from `UISetting` when `UISettingChanged` is set, and clears that flag;
-///  6. before it ends: `SuspendDownload()`, lets both queues run empty, calls `Uninit()` and
-///     deletes the object.
-///
-/// What a host touches of the object, whose code is the module's own; all of it on the application
-/// thread unless something else is said:
-///  7. the virtual operations, the destructor and, by name, the signals;
-///  8. both queues, under their mutexes; on any thread. A host that ends a run may empty one;
-///  9. the data members of `Application`, containers under the mutex beside them. It writes the
-///     callback table, `UISettingChanged` and `OnDownloadRetired`, calls `PassOverFile`, aborts the
-///     replies of `ContentRequests` and `ContentSizeRequests` without their mutex, and connects to
-///     `NetworkManager` and clears its connections;
-/// 10. when `qt_metacast("Varnholt::Launcher::StandartApplication")` gives one: its public data,
-///     under `RunMutex`. What is a number or a pointer it may read without, and `RemoteBuild` and
-///     `Manifest`, which change on this thread only. It writes `InstallationPath` and
-///     `DownloadRetryCount`, and, while it calls `Start`, the flags of the entries in `Manifest`.
-/// Other functions it does not call: a host is linked with a copy of their code, maybe of another
-/// version. `EnqueueSync()` and `EnqueueAsync()` only push on their queue, `GetName()` only reads.
+/// What a host does with one, in which order, and what of it a host may touch, is numbered in
+/// docs/host-guide.md.
 ///
 /// The module never blocks on the network: a step starts a request whose callback queues the next
 /// step. Closures that use the network go through `EnqueueSync`, long file work through

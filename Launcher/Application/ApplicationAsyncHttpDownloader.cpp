@@ -109,38 +109,43 @@ std::function<void()> ApplicationAsyncHttpDownloader::CleanUpClosure()
     };
 }
 
+/// \return false when the file cannot be opened
+bool ApplicationAsyncHttpDownloader::BeginAttempt(QNetworkRequest& p_Request)
+{
+    QFile file(FilePath);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        qCWarning(LogDownload)
+            << "ApplicationAsyncHttpDownloader::StartDownload Error can't open file" << FilePath
+            << "for writting";
+        return false;
+    }
+    qint64 const size = file.size();
+    Current = {};
+    Request->BytesOnDisk = 0;
+    if (size == 0) {
+        Follower.reset();
+        Request->Continuable = true;
+        HoldsErrorPage = false;
+    }
+    if (Resume && size > 0) {
+        Request->BytesOnDisk = size;
+        qCWarning(LogDownload)
+            << "ApplicationAsyncHttpDownloader::StartDownload Resuming download at byte" << size
+            << "for file" << FilePath;
+        p_Request.setRawHeader("Range", "bytes=" + QByteArray::number(size) + "-");
+        Request->CurrentBytes = size;
+        Request->RateSampleBytes = size;
+        Current.ResumePoint = size;
+    }
+    return true;
+}
+
 bool ApplicationAsyncHttpDownloader::StartDownload()
 {
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::StartDownload";
     QNetworkRequest request(QUrl(Url, QUrl::TolerantMode));
-    {
-        QFile file(FilePath);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
-            qCWarning(LogDownload)
-                << "ApplicationAsyncHttpDownloader::StartDownload Error can't open file" << FilePath
-                << "for writting";
-            return false;
-        }
-        qint64 const size = file.size();
-        Current = {};
-        Request->BytesOnDisk = 0;
-        if (size == 0) {
-            Follower.reset();
-            Request->Continuable = true;
-            HoldsErrorPage = false;
-        }
-        if (Resume && size > 0) {
-            Request->BytesOnDisk = size;
-            qCWarning(LogDownload)
-                << "ApplicationAsyncHttpDownloader::StartDownload Resuming download at byte" << size
-                << "for file" << FilePath;
-            request.setRawHeader("Range", "bytes=" + QByteArray::number(size) + "-");
-            Request->CurrentBytes = size;
-            Request->RateSampleBytes = size;
-            Current.ResumePoint = size;
-        }
-    }
-
+    if (!BeginAttempt(request))
+        return false;
     QNetworkReply* const reply = NetworkManager->get(request);
     reply->setReadBufferSize(c_ReadBufferBytes);
     connect(reply, SIGNAL(readyRead()), this, SLOT(HTTP_OnReadyRead()), Qt::DirectConnection);

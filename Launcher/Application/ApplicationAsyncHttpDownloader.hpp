@@ -97,6 +97,7 @@ private:
         qint64 ReceivedBytes = 0;  ///< of any answer
     };
 
+    bool BeginAttempt(QNetworkRequest& p_Request);
     bool StartDownload();
     void Append(QNetworkReply& p_Reply);
     void FollowFile();

@@ -1,10 +1,15 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
 
+#include "Launcher/Application/ManifestRows.hpp"
 #include "Launcher/Application/RemoteText.hpp"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QSysInfo>
+
+#include <algorithm>
+#include <iterator>
 
 namespace Varnholt::Launcher {
 
@@ -42,28 +47,28 @@ ApplicationManifestFileEntry ReadEntry(QJsonObject const& p_Object)
     entry.Location = p_Object[QLatin1String("location")].toString();
     entry.Path = p_Object[QLatin1String("path")].toString();
     entry.Md5 = p_Object[QLatin1String("md5")].toString();
-    if (p_Object.contains(QLatin1String("flags")))
-        entry.Flags = p_Object[QLatin1String("flags")].toInt();
+    entry.Flags = p_Object[QLatin1String("flags")].toInt();
+    entry.Locale = p_Object[QLatin1String("locale")].toString();
     return entry;
 }
 
-std::vector<ApplicationManifestFileEntry>
-ReadEntries(QJsonArray const& p_Rows, std::map<QString, ApplicationManifestLocale> const& p_Locales)
+ManifestRows::Entries ReadEntries(QJsonArray const& p_List, ManifestRows& p_Rows,
+                                  std::map<QString, ApplicationManifestLocale> const& p_Locales)
 {
-    std::vector<ApplicationManifestFileEntry> entries;
-    entries.reserve(static_cast<std::size_t>(p_Rows.size()));
-    for (QJsonValue const& row : p_Rows) {
-        QJsonObject const object = row.toObject();
-        ApplicationManifestFileEntry entry = ReadEntry(object);
-        QString const locale = object[QLatin1String("locale")].toString();
-        if (!locale.isEmpty()) {
-            auto const declared = p_Locales.find(locale);
-            if (declared == p_Locales.end())
-                continue;
-            entry.Locale = declared->second.Tag;
-        }
-        entries.push_back(std::move(entry));
+    ManifestRows::Entries entries;
+    for (QJsonValue const& row : p_List) {
+        auto* const plain = p_Rows.At(row);
+        if (plain == nullptr)
+            entries.push_back(ReadEntry(row.toObject()));
+        else if (entries.empty())
+            entries = std::move(*plain);
+        else
+            std::move(plain->begin(), plain->end(), std::back_inserter(entries));
     }
+    auto const isUndeclared = [&](ApplicationManifestFileEntry const& p_Entry) {
+        return !p_Entry.Locale.isEmpty() && p_Locales.count(p_Entry.Locale) == 0;
+    };
+    entries.erase(std::remove_if(entries.begin(), entries.end(), isUndeclared), entries.end());
     return entries;
 }
 
@@ -75,19 +80,21 @@ ApplicationManifest ParseApplicationManifest(QByteArray const& p_Data, bool& p_S
     p_Success = false;
     ApplicationManifest manifest;
 
-    auto const object = RemoteText::ObjectOf(p_Data);
-    if (!object)
+    ManifestRows rows(RemoteText::Utf8Of(p_Data));
+    QJsonDocument const document = QJsonDocument::fromJson(rows.Rest());
+    if (!document.isObject())
         return manifest;
 
-    QJsonObject const& root = *object;
+    QJsonObject const root = document.object();
     manifest.BuildId = root[QLatin1String("build_id")].toString();
     manifest.BuildStr = root[QLatin1String("build_str")].toString();
     manifest.BuildNumber = root[QLatin1String("build_number")].toInt();
     manifest.Locales = ReadLocales(root[QLatin1String("available_locales")].toArray());
     QJsonObject const content = root[QLatin1String("content")].toObject();
-    manifest.Files = ReadEntries(content[PlatformKey(p_PreferSierra)].toArray(), manifest.Locales);
+    manifest.Files =
+        ReadEntries(content[PlatformKey(p_PreferSierra)].toArray(), rows, manifest.Locales);
     manifest.StreamedFiles =
-        ReadEntries(root[QLatin1String("streamed_content")].toArray(), manifest.Locales);
+        ReadEntries(root[QLatin1String("streamed_content")].toArray(), rows, manifest.Locales);
     p_Success = true;
     return manifest;
 }

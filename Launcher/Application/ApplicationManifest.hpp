@@ -34,6 +34,8 @@ struct ApplicationManifestFileEntry {
     QString Locale = QStringLiteral("");   ///< empty, or the tag of the one language it belongs to
 
     bool Has(Flag p_Flag) const { return (Flags & p_Flag) != 0; }
+    /// Whether an installation in that language has the file.
+    bool IsFor(QString const& p_Locale) const { return Locale.isEmpty() || Locale == p_Locale; }
 };
 
 /// A parsed build manifest.

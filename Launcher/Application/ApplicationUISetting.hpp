@@ -30,7 +30,7 @@ struct ApplicationUISetting {
 
     qint32 State = StateStartingUp;
 
-    struct {
+    struct DownloadState {
         qint32 Mode = ModeWaitingForHost;
         bool ModeFlag = false;   ///< a mode is running
         quint32 Percent = 0;     ///< 0 to 100

@@ -2,6 +2,7 @@
 
 #include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/KeyFiles.hpp"
 #include "Publisher/Publication/TreeAdoption.hpp"
 
 #include <CLI/CLI.hpp>
@@ -18,6 +19,7 @@ AdoptCommand::AdoptCommand(CLI::App& p_Program)
                     "prune work there as they did in the tree that was copied.\n");
     Command->add_option("--output", Output, "Folder of the copy")->required();
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
+    Command->add_option("--trust-key", TrustKey, "Public key of a signed copy, or a file of it");
     Command->add_flag("--json", Json, "One JSON object per line");
 }
 
@@ -31,7 +33,10 @@ int AdoptCommand::Run() const
     QString const output = QString::fromStdString(Output);
     {
         BuildProgress progress(Json);
-        AdoptTree(output, QString::fromStdString(AppId), progress);
+        std::optional<Signing::PublicKey> key;
+        if (!TrustKey.empty())
+            key = KeyFiles::Public(QString::fromStdString(TrustKey));
+        AdoptTree(output, QString::fromStdString(AppId), key, progress);
     }
     if (Json)
         ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("adopt")},

@@ -24,6 +24,7 @@ private:
     CLI::App* Command;
     std::string Output;
     std::string AppId = "pelmora_app";
+    std::string TrustKey;
     bool Json = false;
 };
 

@@ -80,7 +80,8 @@ void BuildCommand::AddOptions()
     Command->add_flag("--no-index", NoIndex, "Read every file and leave the index as it is");
     Command->add_option("--jobs", Jobs, "Files to read at once (default: the number of cores)")
         ->check(CLI::Range(1, c_MostJobs));
-    Command->add_flag("--dry-run", DryRun, "Only tell what would be written");
+    Signing.AddTo(*Command);
+    Command->add_flag("--dry-run", DryRun, "Only tell what would be written, but for signatures");
     Command->add_flag("--if-changed", IfChanged,
                       "Publish nothing when the build on offer already equals the source");
     Command->add_flag("--json", Json, "One JSON object per line");
@@ -133,6 +134,8 @@ PublishOptions BuildCommand::Options() const
     options.Jobs = Jobs;
     options.DryRun = DryRun;
     options.IfChanged = IfChanged;
+    if (!DryRun)
+        options.Signing = Signing.Options();
     return options;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Cli/SigningArguments.hpp"
 #include "Publisher/Publication/PublishOptions.hpp"
 
 #include <string>
@@ -45,6 +46,7 @@ private:
     bool Rehash = false;
     bool DryRun = false;
     bool IfChanged = false;
+    SigningArguments Signing;
     bool Json = false;
 };
 

@@ -13,7 +13,10 @@ namespace {
 
 /// What the options name that are alike in all commands.
 constexpr std::pair<char const*, char const*> c_Paths[] = {
-    {"--source", "DIR"}, {"--output", "DIR"}, {"--root", "DIR"}, {"--rules", "FILE"}};
+    {"--source", "DIR"},   {"--output", "DIR"},    {"--root", "DIR"},
+    {"--rules", "FILE"},   {"--sign-key", "FILE"}, {"--password-file", "FILE"},
+    {"--old", "FILE"},     {"--new", "FILE"},      {"--new-password-file", "FILE"},
+    {"--trust-key", "KEY"}};
 
 /// Whether the command that was called was asked for objects.
 bool IsJson(CLI::App const& p_Program)
@@ -101,7 +104,7 @@ int CommandLine::RunCommand(int p_Count, char const* const* p_Arguments)
         if (Program.get_subcommands().empty())
             throw CLI::RequiredError("A command");
         return RunChosen(Build, Serve, Diff, Verify, Rules, List, Rollback, Prune, Hosts, RealmList,
-                         Adopt);
+                         Keys, Sign, Adopt);
     } catch (CLI::Success const& help) {
         std::ostringstream text;
         int const status = Program.exit(help, text);

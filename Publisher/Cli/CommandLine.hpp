@@ -3,12 +3,14 @@
 #include "Publisher/Cli/AdoptCommand.hpp"
 #include "Publisher/Cli/BuildCommand.hpp"
 #include "Publisher/Cli/DiffCommand.hpp"
+#include "Publisher/Cli/KeysCommand.hpp"
 #include "Publisher/Cli/ListCommand.hpp"
 #include "Publisher/Cli/PruneCommand.hpp"
 #include "Publisher/Cli/RollbackCommand.hpp"
 #include "Publisher/Cli/RulesCommand.hpp"
 #include "Publisher/Cli/ServeCommand.hpp"
 #include "Publisher/Cli/ServerListCommand.hpp"
+#include "Publisher/Cli/SignCommand.hpp"
 #include "Publisher/Cli/VerifyCommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -44,6 +46,8 @@ private:
     PruneCommand Prune{Program};
     ServerListCommand Hosts{Program, ServerListCommand::List::Hosts};
     ServerListCommand RealmList{Program, ServerListCommand::List::RealmList};
+    KeysCommand Keys{Program};
+    SignCommand Sign{Program};
     AdoptCommand Adopt{Program};
 };
 

@@ -21,6 +21,7 @@ RollbackCommand::RollbackCommand(CLI::App& p_Program)
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
     Command->add_flag("--dev", Dev, "On the development channel");
     Command->add_flag("--quick", Quick, "Look only whether the build's files are there");
+    Signing.AddTo(*Command);
     Command->add_flag("--json", Json, "One JSON object per line");
 }
 
@@ -31,8 +32,12 @@ bool RollbackCommand::IsChosen() const
 
 int RollbackCommand::Run() const
 {
-    RollbackOptions const options{QString::fromStdString(Output), QString::fromStdString(AppId),
-                                  QString::fromStdString(Build), Dev, Quick};
+    RollbackOptions const options{QString::fromStdString(Output),
+                                  QString::fromStdString(AppId),
+                                  QString::fromStdString(Build),
+                                  Dev,
+                                  Quick,
+                                  Signing.Options()};
     QString before;
     {
         BuildProgress progress(Json);

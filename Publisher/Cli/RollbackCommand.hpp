@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Publisher/Cli/SigningArguments.hpp"
+
 #include <string>
 
 namespace CLI {
@@ -27,6 +29,7 @@ private:
     std::string AppId = "pelmora_app";
     bool Dev = false;
     bool Quick = false;
+    SigningArguments Signing;
     bool Json = false;
 };
 

@@ -34,6 +34,7 @@ ServerListCommand::ServerListCommand(CLI::App& p_Program, List p_List)
         Command->add_option("address", Value, "Address of the login server")->required();
         Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
     }
+    Signing.AddTo(*Command);
     Command->add_flag("--json", Json, "One JSON object per line");
 }
 
@@ -51,7 +52,9 @@ int ServerListCommand::Run() const
     if (Chosen == List::RealmList)
         PublishedTree(output, QString::fromStdString(AppId));
     QString const path = Path();
-    QByteArray const before = ServerLists::Replace(output, path, text);
+    QByteArray const before = ServerLists::Replace(
+        output, Chosen == List::Hosts ? QString() : QString::fromStdString(AppId), {path, text},
+        Signing.Options());
     if (Json) {
         ConsoleText::PrintJson(
             {{QStringLiteral("type"), QString::fromStdString(Command->get_name())},

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Publisher/Cli/SigningArguments.hpp"
+
 #include <QByteArray>
 #include <QString>
 
@@ -35,6 +37,7 @@ private:
     std::string Output;
     std::string Value;
     std::string AppId = "pelmora_app";
+    SigningArguments Signing;
     bool Json = false;
 };
 

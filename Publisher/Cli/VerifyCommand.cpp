@@ -2,7 +2,9 @@
 
 #include "Publisher/Cli/BuildProgress.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Cli/KeyFiles.hpp"
 #include "Publisher/Failure.hpp"
+#include "Publisher/Signatures/SignatureRecord.hpp"
 #include "Publisher/Verification/ServerVerification.hpp"
 #include "Publisher/Verification/TreeRepair.hpp"
 #include "Publisher/Verification/TreeVerification.hpp"
@@ -26,6 +28,7 @@ VerifyCommand::VerifyCommand(CLI::App& p_Program)
         "each file, is read whole and its end once more as a range.\n"
         "With --repair content that is missing or damaged is written anew from the same\n"
         "file of a source folder; what is told is what was found after that.\n"
+        "With a key the signatures are looked at too, and whether they have expired.\n"
         "Each defect is one sentence on standard error; the exit status is then 1.\n");
     auto* const output = Command->add_option("--output", Output, "Folder of a published tree");
     auto* const url = Command->add_option("--url", Url, "Address of the default content server");
@@ -43,6 +46,9 @@ VerifyCommand::VerifyCommand(CLI::App& p_Program)
     Command->add_flag("--all", ReadsAll, "Read every file whole on each server")
         ->needs(url)
         ->excludes(sample);
+    Command->add_option("--trust-key", TrustKey,
+                        "Public key, or a file of it, that all must be signed with (default: the "
+                        "one that signs the tree of --output)");
     Command->add_flag("--json", Json, "One JSON object per line");
     Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
 }
@@ -69,7 +75,10 @@ void VerifyCommand::PrintText(VerificationSummary const& p_Summary)
     QString const servers = p_Summary.Servers.isEmpty()
                                 ? QString()
                                 : QStringLiteral(" on %1 servers").arg(p_Summary.Servers.size());
-    ConsoleText::PrintLine(QStringLiteral("Builds %1: %2 files looked at%3, %4 of them read, %5 "
+    QString const signatures = p_Summary.Signatures > 0
+                                   ? QStringLiteral("%1 signatures, ").arg(p_Summary.Signatures)
+                                   : QString();
+    ConsoleText::PrintLine(QStringLiteral("Builds %1: %2 files looked at%3, %4 of them read, %5%6 "
                                           "defects")
                                .arg(p_Summary.Builds.isEmpty()
                                         ? QStringLiteral("none")
@@ -77,6 +86,7 @@ void VerifyCommand::PrintText(VerificationSummary const& p_Summary)
                                .arg(p_Summary.Files)
                                .arg(servers)
                                .arg(p_Summary.FilesRead)
+                               .arg(signatures)
                                .arg(p_Summary.Defects.size()));
 }
 
@@ -92,23 +102,32 @@ void VerifyCommand::PrintJson(VerificationSummary const& p_Summary)
          {QStringLiteral("servers"), QJsonArray::fromStringList(p_Summary.Servers)},
          {QStringLiteral("files"), p_Summary.Files},
          {QStringLiteral("filesRead"), p_Summary.FilesRead},
+         {QStringLiteral("signatures"), p_Summary.Signatures},
          {QStringLiteral("defects"), p_Summary.Defects.size()}});
 }
 
 VerificationSummary VerifyCommand::Verify() const
 {
     QString const appId = QString::fromStdString(AppId);
-    if (!Url.empty())
-        return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll}).Run();
+    QList<Signing::PublicKey> keys;
+    if (!TrustKey.empty())
+        keys += KeyFiles::Public(QString::fromStdString(TrustKey));
+    if (!Url.empty()) {
+        return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll, keys})
+            .Run();
+    }
     if (Output.empty())
         throw Failure(QStringLiteral("verify: give --output or --url"), Failure::c_Usage);
+    QString const output = QString::fromStdString(Output);
+    SignatureRecord const record(output);
+    if (keys.isEmpty() && record.IsSigned())
+        keys += *record.SigningKey();
+    DocumentCheck const check(keys, appId);
     BuildProgress progress(Json);
-    if (Repairs) {
-        return RepairTree(QString::fromStdString(Output), appId, QString::fromStdString(Source),
-                          progress);
-    }
-    PublishedTree const tree(QString::fromStdString(Output), appId);
-    return TreeVerification(tree, &progress).Run();
+    if (Repairs)
+        return RepairTree(output, appId, QString::fromStdString(Source), progress, check);
+    PublishedTree const tree(output, appId);
+    return TreeVerification(tree, &progress, check).Run();
 }
 
 } // namespace Varnholt::Publisher

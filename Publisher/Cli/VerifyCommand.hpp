@@ -36,6 +36,7 @@ private:
     bool Repairs = false;
     bool Json = false;
     std::string Source;
+    std::string TrustKey;
 };
 
 } // namespace Varnholt::Publisher

@@ -1,6 +1,7 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Signatures/DocumentCheck.hpp"
 #include "Publisher/Tree/ContentStaging.hpp"
 #include "Publisher/Tree/StorageSync.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
@@ -133,6 +134,7 @@ void BuildPruning::RemoveBuild(QString const& p_Build) const
 {
     QString const manifest = Catalog.ManifestPath(p_Build);
     Remove(manifest);
+    QFile::remove(DocumentCheck::SignatureOf(manifest));
     // Stays when somebody has put something beside the manifest.
     QDir().rmdir(QFileInfo(manifest).path());
 }

@@ -1,6 +1,7 @@
 #include "Publisher/Publication/BuildRollback.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Signatures/TreeSigner.hpp"
 #include "Publisher/Tree/BuildCatalog.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
@@ -48,13 +49,14 @@ QString Before(BuildCatalog const& p_Catalog, bool p_DevChannel)
 QString RollBack(RollbackOptions const& p_Options, PublicationObserver* p_Observer)
 {
     TreeMark(p_Options.Output).CheckIsTree();
+    SignatureRecord(p_Options.Output).CheckMayChange(p_Options.Signing);
     TreeTransaction tree(p_Options.Output);
     BuildCatalog const catalog(p_Options.Output, p_Options.AppId);
     CheckBuild(catalog, p_Options, p_Observer);
     QString before = Before(catalog, p_Options.DevChannel);
-    tree.AddText(BuildCatalog::VersionText(p_Options.Build),
-                 catalog.VersionPath(p_Options.DevChannel));
-    tree.Commit();
+    TreeSigner(p_Options.Output, p_Options.AppId, p_Options.Signing)
+        .Commit(tree, {{catalog.VersionPath(p_Options.DevChannel),
+                        BuildCatalog::VersionText(p_Options.Build)}});
     return before;
 }
 

@@ -2,6 +2,8 @@
 
 #include "Publisher/Publication/PublicationObserver.hpp"
 
+#include "Publisher/Signatures/SigningOptions.hpp"
+
 #include <QString>
 
 namespace Varnholt::Publisher {
@@ -13,6 +15,7 @@ struct RollbackOptions {
     QString Build;
     bool DevChannel = false;
     bool Quick = false; ///< look only whether its content files are there, do not read them
+    SigningOptions Signing = {};
 };
 
 /// Makes a channel offer a build that is published already.

@@ -3,6 +3,7 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/OptionChecks.hpp"
 #include "Publisher/Publication/ServerLists.hpp"
+#include "Publisher/Signatures/TreeSigner.hpp"
 #include "Publisher/Source/HashLine.hpp"
 #include "Publisher/Source/NativePath.hpp"
 #include "Publisher/Source/ParallelFor.hpp"
@@ -123,6 +124,8 @@ void Publication::CheckFolders() const
                       QStringLiteral(": the source folder must not be inside published content"));
     }
     Mark.CheckMayPublish();
+    if (!Options.DryRun)
+        SignatureRecord(Options.Output).CheckMayChange(Options.Signing);
     ServerLists::CheckBuild(Options);
 }
 
@@ -136,7 +139,9 @@ void Publication::Publish(RuleSet const& p_Rules, std::vector<BuildFile>& p_File
         CheckStore(p_Files);
     PublicationPlan const plan(Options, p_Rules, p_Files, Store);
     Count(p_Files, plan);
-    if (Options.IfChanged)
+    // What is not signed as it should be is published anew, signatures and all.
+    if (Options.IfChanged &&
+        (!p_Tree || TreeSigner(Options.Output, Options.AppId, Options.Signing).IsComplete()))
         Summary.UnchangedBuild = plan.UnchangedBuild(p_Rules, p_Files);
     if (!p_Tree) {
         if (Summary.UnchangedBuild.isNull())
@@ -239,12 +244,7 @@ void Publication::Write(PublicationPlan const& p_Plan, TreeTransaction& p_Tree)
         p_Tree.Add(Staging.PathOf(file.Md5), Store.PathOf(file.Md5));
     if (!p_Plan.Manifest.empty())
         p_Tree.AddText(p_Plan.Record.Content, p_Plan.Record.Target);
-    for (PublicationPlan::Text const& text : p_Plan.Manifest)
-        p_Tree.AddText(text.Content, text.Target);
-    for (PublicationPlan::Text const& text : p_Plan.ServerFiles)
-        p_Tree.AddText(text.Content, text.Target);
-    p_Tree.AddText(p_Plan.Version.Content, p_Plan.Version.Target);
-    p_Tree.Commit();
+    TreeSigner(Options.Output, Options.AppId, Options.Signing).Commit(p_Tree, p_Plan.Texts());
 }
 
 /// Content that was not copied as it was read: its digest was known, or it looked like another's.

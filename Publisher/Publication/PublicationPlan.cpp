@@ -70,15 +70,17 @@ std::vector<TreeFile> PublicationPlan::TreeFiles() const
         files.push_back({Options.AppId + QLatin1Char('/') + ContentStore::LocationOf(file.Md5),
                          file.Source.Size});
     }
-    auto const add = [&](Text const& p_Text) {
-        files.push_back({p_Text.Target.mid(Options.Output.size() + 1), p_Text.Content.size()});
-    };
-    for (Text const& text : Manifest)
-        add(text);
-    for (Text const& text : ServerFiles)
-        add(text);
-    add(Version);
+    for (Text const& text : Texts())
+        files.push_back({text.Target.mid(Options.Output.size() + 1), text.Content.size()});
     return files;
+}
+
+std::vector<TreeText> PublicationPlan::Texts() const
+{
+    std::vector<Text> texts = Manifest;
+    texts.insert(texts.end(), ServerFiles.begin(), ServerFiles.end());
+    texts.push_back(Version);
+    return texts;
 }
 
 void PublicationPlan::AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store)

@@ -6,6 +6,7 @@
 #include "Publisher/Tree/BuildCatalog.hpp"
 #include "Publisher/Tree/BuildFile.hpp"
 #include "Publisher/Tree/ContentStore.hpp"
+#include "Publisher/Tree/TreeText.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -18,11 +19,7 @@ namespace Varnholt::Publisher {
 /// nothing.
 class PublicationPlan {
 public:
-    /// A small file with the given content.
-    struct Text {
-        QString Target;
-        QByteArray Content;
-    };
+    using Text = TreeText;
 
     /// \param p_Files all of them hashed
     /// \throws Failure when the tree holds something in their place
@@ -43,6 +40,8 @@ public:
     qint64 ContentBytes() const;
     /// Everything, for people.
     std::vector<TreeFile> TreeFiles() const;
+    /// The small files for clients, the version file last.
+    std::vector<Text> Texts() const;
 
 private:
     void AddContent(std::vector<BuildFile> const& p_Files, ContentStore const& p_Store);

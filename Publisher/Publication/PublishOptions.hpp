@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Signatures/SigningOptions.hpp"
 #include "Publisher/Tree/BuildIdentity.hpp"
 #include "Publisher/Tree/ContentPlatform.hpp"
 
@@ -29,6 +30,7 @@ struct PublishOptions {
     bool ReadStore = false;  ///< write content of the tree anew whose bytes are damaged
     int Jobs = 0;            ///< files that are read at once; 0: as many as there are cores
     bool DryRun = false;     ///< change nothing, only answer what would be written
+    SigningOptions Signing;  ///< of no meaning in a dry run
     bool IfChanged = false; ///< publish nothing when the channel's build is what would be published
 };
 

@@ -1,6 +1,7 @@
 #include "Publisher/Publication/ServerLists.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Signatures/TreeSigner.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 
 #include <QFile>
@@ -49,15 +50,15 @@ void CheckBuild(PublishOptions const& p_Options)
     }
 }
 
-QByteArray Replace(QString const& p_Output, QString const& p_Path, QByteArray const& p_Text)
+QByteArray Replace(QString const& p_Output, QString const& p_AppId, TreeText const& p_List,
+                   SigningOptions const& p_Signing)
 {
     TreeTransaction tree(p_Output);
-    QFile file(p_Path);
+    QFile file(p_List.Target);
     QByteArray before;
     if (file.open(QIODevice::ReadOnly))
         before = file.readAll();
-    tree.AddText(p_Text, p_Path);
-    tree.Commit();
+    TreeSigner(p_Output, p_AppId, p_Signing).Commit(tree, {p_List});
     return before;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Publisher/Publication/PublishOptions.hpp"
+#include "Publisher/Tree/TreeText.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -21,8 +22,10 @@ QByteArray RealmListText(QString const& p_Address);
 void CheckBuild(PublishOptions const& p_Options);
 
 /// Replaces a list of a published tree.
+/// \param p_AppId empty for the list of all applications
 /// \return what it held before, null when there was none
 /// \throws Failure; nothing has changed then
-QByteArray Replace(QString const& p_Output, QString const& p_Path, QByteArray const& p_Text);
+QByteArray Replace(QString const& p_Output, QString const& p_AppId, TreeText const& p_List,
+                   SigningOptions const& p_Signing = {});
 
 } // namespace Varnholt::Publisher::ServerLists

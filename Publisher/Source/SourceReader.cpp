@@ -5,7 +5,6 @@
 #include "Publisher/Source/NativePath.hpp"
 
 #include <QFile>
-#include <QtEndian>
 
 #include <array>
 #include <memory>
@@ -37,17 +36,14 @@ public:
     explicit Stream(Request const& p_Request)
         : Of(p_Request)
         , File(NativePath::ToText(p_Request.File->Location))
-        , Block(c_BlockBytes)
+        , Block(c_BlockBytes + 2 * Md5Lanes::c_BlockBytes)
     {
         if (!File.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
             Fail();
     }
 
     bool IsAtEnd() const { return Ended; }
-    unsigned char const* Data() const
-    {
-        return reinterpret_cast<unsigned char const*>(Block.data());
-    }
+    unsigned char const* Data() const { return Block.data(); }
 
     /// \return false at the end of the file, when its digest is known
     bool FillBlock()
@@ -55,46 +51,29 @@ public:
         std::size_t filled = 0;
         qint64 bytes = 0;
         while (filled < c_BlockBytes &&
-               (bytes = File.read(Block.data() + filled,
-                                  static_cast<qint64>(c_BlockBytes - filled))) > 0)
+               (bytes = File.read(Chars() + filled, static_cast<qint64>(c_BlockBytes - filled))) >
+                   0)
             filled += static_cast<std::size_t>(bytes);
         if (bytes < 0)
             Fail();
         Total += filled;
         if (filled > 0)
-            Of.Sink(Block.data(), static_cast<qint64>(filled));
+            Of.Sink(Chars(), static_cast<qint64>(filled));
         if (filled == c_BlockBytes)
             return true;
         Ended = true;
         if (static_cast<qint64>(Total) != Of.File->Size || !IsAsScanned(File, *Of.File))
             throw Failure(ChangedText(*Of.File));
-        Pad(filled);
+        Md5Lanes::AddOne(State, Data(), Md5Lanes::Pad(Block.data(), filled, Total));
         return false;
     }
 
-    QString Md5() const
-    {
-        QByteArray bytes(sizeof State, '\0');
-        for (std::size_t i = 0; i < State.size(); ++i)
-            qToLittleEndian(State[i], bytes.data() + i * sizeof State[i]);
-        return QString::fromLatin1(bytes.toHex()).toUpper();
-    }
+    QString Md5() const { return Md5Lanes::TextOf(State); }
 
     Md5Lanes::State State = Md5Lanes::c_Begin;
 
 private:
-    /// A bit, zeros, and the length in bits at the end of a block.
-    void Pad(std::size_t p_Filled)
-    {
-        constexpr char c_Bit = static_cast<char>(0x80);
-        std::size_t const blocks = (p_Filled + sizeof(quint64)) / Md5Lanes::c_BlockBytes + 1;
-        std::size_t const end = blocks * Md5Lanes::c_BlockBytes;
-        Block.resize(p_Filled);
-        Block.push_back(c_Bit);
-        Block.resize(end);
-        qToLittleEndian(static_cast<quint64>(Total) * 8, Block.data() + end - sizeof(quint64));
-        Md5Lanes::AddOne(State, Data(), blocks);
-    }
+    char* Chars() { return reinterpret_cast<char*>(Block.data()); }
 
     [[noreturn]] void Fail() const
     {
@@ -103,7 +82,7 @@ private:
 
     Request const& Of;
     QFile File;
-    std::vector<char> Block;
+    std::vector<unsigned char> Block;
     std::size_t Total = 0;
     bool Ended = false;
 };
@@ -111,10 +90,9 @@ private:
 /// A lane that nobody uses does the work of another into nothing.
 void HashBlocks(std::vector<Stream*> const& p_Full)
 {
-    constexpr std::size_t c_FewLanes = 2; // are done faster one by one
     constexpr std::size_t c_Blocks = c_BlockBytes / Md5Lanes::c_BlockBytes;
 
-    if (p_Full.size() <= c_FewLanes) {
+    if (p_Full.size() <= Md5Lanes::c_Few) {
         for (Stream* const stream : p_Full)
             Md5Lanes::AddOne(stream->State, stream->Data(), c_Blocks);
         return;

@@ -65,8 +65,9 @@ PublishedBuild PublishedBuild::Parse(QByteArray const& p_Manifest, QString const
     }
     QJsonObject const content = root[QLatin1String("content")].toObject();
     QLatin1String const mac("base_mac");
-    AddFiles(build, content.contains(mac) ? content[mac] : content[QLatin1String("base_win")],
-             false, p_Source);
+    bool const isMac = content.contains(mac);
+    build.Platform = isMac ? QStringLiteral("mac") : QStringLiteral("win");
+    AddFiles(build, content[isMac ? mac : QLatin1String("base_win")], false, p_Source);
     AddFiles(build, root[QLatin1String("streamed_content")], true, p_Source);
     return build;
 }

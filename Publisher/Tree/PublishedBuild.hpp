@@ -29,6 +29,7 @@ struct PublishedBuild {
     QString Id;
     QString Name; ///< shown to people
     qint32 Number = 0;
+    QString Platform;                   ///< "mac" or "win"
     std::map<QString, QString> Locales; ///< display names by tag
     std::vector<PublishedFile> Files;   ///< base files first
 

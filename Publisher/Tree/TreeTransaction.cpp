@@ -82,7 +82,9 @@ QString TreeTransaction::NewFile()
 
 void TreeTransaction::Add(QString const& p_NewFile, QString const& p_Target)
 {
-    Moves.push_back({p_NewFile, p_Target, false, std::nullopt, false, false});
+    Moves.emplace_back();
+    Moves.back().NewFile = p_NewFile;
+    Moves.back().Target = p_Target;
 }
 
 void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Target)
@@ -97,7 +99,23 @@ void TreeTransaction::AddText(QByteArray const& p_Content, QString const& p_Targ
         SpareTaken = true;
         file = Spare;
     }
-    Moves.push_back({file, p_Target, true, std::nullopt, false, false});
+    Add(file, p_Target);
+    Moves.back().IsText = true;
+}
+
+void TreeTransaction::AddTextWithNext(QByteArray const& p_Content, QString const& p_Target)
+{
+    AddText(p_Content, p_Target);
+    Moves.back().IsWithNext = true;
+}
+
+/// The index of the first of those that are moved last, together.
+std::size_t TreeTransaction::LastMoves() const
+{
+    std::size_t first = Moves.empty() ? 0 : Moves.size() - 1;
+    while (first > 0 && Moves[first - 1].IsWithNext)
+        --first;
+    return first;
 }
 
 void TreeTransaction::KeepSpare() const
@@ -114,10 +132,11 @@ void TreeTransaction::KeepSpare() const
 void TreeTransaction::Commit()
 {
     StorageSync(Root);
-    for (Move& move : Moves) {
-        if (&move == &Moves.back())
+    std::size_t const last = LastMoves();
+    for (std::size_t i = 0; i < Moves.size(); ++i) {
+        if (i == last)
             StorageSync(Root);
-        Perform(move);
+        Perform(Moves[i]);
     }
     Committed = true;
     QDir(Staging).removeRecursively();

@@ -38,8 +38,12 @@ public:
     /// The same for a small file with the given content; the one that it replaces comes back.
     void AddText(QByteArray const& p_Content, QString const& p_Target);
 
-    /// Everything is on disk before the last added file is moved. The tree stays locked.
-    /// \throws Failure, after which the destructor takes everything back
+    /// The same for one that takes its place right before the file that is added next: nothing that
+    /// takes time happens in between.
+    void AddTextWithNext(QByteArray const& p_Content, QString const& p_Target);
+
+    /// Everything is on disk before the last added file is moved, and those that go with it. The
+    /// tree stays locked. \throws Failure, after which the destructor takes everything back
     void Commit();
 
 private:
@@ -47,12 +51,14 @@ private:
         QString NewFile;
         QString Target;
         bool IsText = false;
+        bool IsWithNext = false;
         std::optional<QByteArray> Replaced; ///< text that the target had
         bool Existed = false;
         bool Done = false;
     };
 
     void Open();
+    std::size_t LastMoves() const;
     void MakeFolder(QString const& p_Folder);
     void KeepSpare() const;
     void Perform(Move& p_Move);

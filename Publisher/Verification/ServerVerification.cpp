@@ -30,6 +30,7 @@ QString UrlOfHost(QString const& p_Host)
 
 ServerVerification::ServerVerification(Options p_Options)
     : Asked(std::move(p_Options))
+    , Check(Asked.Keys, Asked.AppId)
 {
     Asked.BaseUrl = Launcher::Helper::Paths::WithSlash(Asked.BaseUrl);
 }
@@ -40,6 +41,8 @@ VerificationSummary ServerVerification::Run()
     Summary.Servers += Asked.BaseUrl;
     ReadBuilds(server);
     QStringList const hosts = ReadHosts(server);
+    if (Check.IsOn())
+        CheckRealmList(server);
     Sizes.assign(Files.size(), -1);
     if (!Files.empty())
         CheckFiles(Asked.BaseUrl, true);
@@ -70,6 +73,7 @@ void ServerVerification::ReadBuilds(RemoteServer& p_Server)
             problems += url + QStringLiteral(": ") + problem;
             continue;
         }
+        CheckSignature(p_Server, PathOf(name), version);
         QString const build = ServerTexts::BuildOf(version, url, Summary.Defects);
         if (!build.isEmpty() && !Summary.Builds.contains(build))
             ReadBuild(p_Server, build);
@@ -90,6 +94,7 @@ void ServerVerification::ReadBuild(RemoteServer& p_Server, QString const& p_Buil
         Summary.Defects += url + QStringLiteral(": ") + problem;
         return;
     }
+    CheckSignature(p_Server, path, manifest);
     try {
         for (PublishedFile const& file : PublishedBuild::Parse(manifest, url).Files) {
             QString const content = file.Location + file.Md5;
@@ -108,10 +113,34 @@ QStringList ServerVerification::ReadHosts(RemoteServer& p_Server)
     QString const name = QStringLiteral("cdns.info");
     QByteArray list;
     QString const problem = p_Server.Fetch(name, list).Problem(200);
-    if (problem.isEmpty())
+    if (problem.isEmpty()) {
+        CheckSignature(p_Server, name, list);
         return ServerTexts::HostsOf(list, Asked.BaseUrl + name, Summary.Defects);
+    }
     Summary.Defects += Asked.BaseUrl + name + QStringLiteral(": ") + problem;
     return {};
+}
+
+void ServerVerification::CheckSignature(RemoteServer& p_Server, QString const& p_Path,
+                                        QByteArray const& p_Content)
+{
+    if (!Check.IsOn())
+        return;
+    QByteArray signature;
+    p_Server.Fetch(DocumentCheck::SignatureOf(p_Path), signature);
+    QString const problem = Check.ProblemOf(p_Path, p_Content, signature, Summary.Sequence);
+    if (!problem.isNull())
+        Summary.Defects += Asked.BaseUrl + p_Path + QStringLiteral(": ") + problem;
+    ++Summary.Signatures;
+}
+
+void ServerVerification::CheckRealmList(RemoteServer& p_Server)
+{
+    QString const path = PathOf(QStringLiteral("realmlist.info"));
+    QByteArray list;
+    // Not every tree has one.
+    if (p_Server.Fetch(path, list).Status == 200)
+        CheckSignature(p_Server, path, list);
 }
 
 bool ServerVerification::ComparesManifests(QString const& p_Server)

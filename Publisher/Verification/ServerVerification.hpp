@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Publisher/Signatures/DocumentCheck.hpp"
 #include "Publisher/Tree/PublishedBuild.hpp"
 #include "Publisher/Verification/VerificationSummary.hpp"
 
@@ -22,6 +23,7 @@ public:
         QString AppId;
         int Sample = 0; ///< so many files are read whole on each server; of the rest, headers
         bool ReadsAll = false;
+        QList<Signing::PublicKey> Keys = {}; ///< none: signatures are not looked at
     };
 
     explicit ServerVerification(Options p_Options);
@@ -34,6 +36,8 @@ private:
     void ReadBuilds(RemoteServer& p_Server);
     void ReadBuild(RemoteServer& p_Server, QString const& p_Build);
     QStringList ReadHosts(RemoteServer& p_Server);
+    void CheckSignature(RemoteServer& p_Server, QString const& p_Path, QByteArray const& p_Content);
+    void CheckRealmList(RemoteServer& p_Server);
     bool ComparesManifests(QString const& p_Server);
     void CheckFiles(QString const& p_Server, bool p_IsDefault);
     void CheckFile(RemoteServer& p_Server, QString const& p_Url, std::size_t p_Index,
@@ -41,6 +45,7 @@ private:
     bool IsInSample(std::size_t p_Index) const;
 
     Options Asked;
+    DocumentCheck Check;
     VerificationSummary Summary;
     std::map<QString, QByteArray> Manifests; ///< by build, as the default server gives them
     std::vector<PublishedFile> Files;        ///< each content once

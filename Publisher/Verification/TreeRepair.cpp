@@ -30,12 +30,13 @@ QSet<QString> Candidates(PublishedTree const& p_Tree, VerificationSummary const&
 } // namespace
 
 VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
-                               QString const& p_Source, PublicationObserver& p_Observer)
+                               QString const& p_Source, PublicationObserver& p_Observer,
+                               DocumentCheck const& p_Check)
 {
     TreeMark(p_Output).CheckIsTree();
     TreeTransaction transaction(p_Output);
     PublishedTree const tree(p_Output, p_AppId);
-    VerificationSummary found = TreeVerification(tree, &p_Observer).Run();
+    VerificationSummary found = TreeVerification(tree, &p_Observer, p_Check).Run();
     if (found.Damaged.isEmpty())
         return found;
     QSet<QString> const candidates = Candidates(tree, found, p_Source);
@@ -56,7 +57,7 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
     }
     transaction.Commit();
     staging.Remove();
-    return TreeVerification(tree, &p_Observer).Run();
+    return TreeVerification(tree, &p_Observer, p_Check).Run();
 }
 
 } // namespace Varnholt::Publisher

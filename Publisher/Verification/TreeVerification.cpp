@@ -8,11 +8,15 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace Varnholt::Publisher {
 
-TreeVerification::TreeVerification(PublishedTree const& p_Tree, PublicationObserver* p_Observer)
+TreeVerification::TreeVerification(PublishedTree const& p_Tree, PublicationObserver* p_Observer,
+                                   DocumentCheck p_Check)
     : Tree(p_Tree)
     , Observer(p_Observer)
+    , Check(std::move(p_Check))
 {
 }
 
@@ -22,9 +26,11 @@ VerificationSummary TreeVerification::Run()
     QByteArray const list = Read(hosts);
     if (!list.isNull())
         ServerTexts::HostsOf(list, hosts, Summary.Defects);
-    for (QString const& build : ServedBuilds())
+    QStringList const builds = ServedBuilds();
+    for (QString const& build : builds)
         AddFiles(build);
-
+    if (Check.IsOn())
+        CheckSignatures(builds);
     CheckFiles();
     return Summary;
 }
@@ -34,6 +40,28 @@ VerificationSummary TreeVerification::CheckBuild(QString const& p_Build)
     AddFiles(p_Build);
     CheckFiles();
     return Summary;
+}
+
+void TreeVerification::CheckSignatures(QStringList const& p_Builds)
+{
+    QStringList paths{Tree.Folder() + QStringLiteral("/cdns.info"),
+                      Tree.PathOf(QStringLiteral("realmlist.info"))};
+    for (QString const& name : ServerTexts::VersionFiles())
+        paths += Tree.PathOf(name);
+    for (QString const& build : p_Builds)
+        paths += Tree.PathOf(QStringLiteral("builds/%1/info.json").arg(build));
+    for (QString const& path : qAsConst(paths)) {
+        if (!QFileInfo::exists(path))
+            continue; // what is needed was missed before
+        QFile signature(DocumentCheck::SignatureOf(path));
+        QByteArray const text = signature.open(QIODevice::ReadOnly)
+                                    ? signature.read(Signing::c_MaximumSignatureBytes + 1)
+                                    : QByteArray();
+        QString const problem = Check.ProblemOf(path, Read(path), text, Summary.Sequence);
+        if (!problem.isNull())
+            Summary.Defects += path + QStringLiteral(": ") + problem;
+        ++Summary.Signatures;
+    }
 }
 
 void TreeVerification::CheckFiles()

@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+Q_DECLARE_METATYPE(Varnholt::TestSupport::LockingProcesses::End)
+
 namespace Varnholt::TestSupport {
 
 /// Whatever becomes of those that take a lock, one has it at a time, and the others get it too.
@@ -35,6 +37,5 @@ void FileLockKillsTest::OneHasItAtATime()
 
 } // namespace Varnholt::TestSupport
 
-Q_DECLARE_METATYPE(Varnholt::TestSupport::LockingProcesses::End)
 VARNHOLT_TEST(Varnholt::TestSupport::FileLockKillsTest)
 #include "tst_FileLockKills.moc"

@@ -99,6 +99,16 @@ void ExaminePaths(ApplicationManifest p_Manifest)
                    "what is fetched stays inside before it is placed, too");
 }
 
+/// The same with escapes in the keys of the rows, which have them read another way.
+QByteArray WithEscapes(QByteArray p_Document)
+{
+    return p_Document.replace("\"path\"", R"("p\u0061th")")
+        .replace("\"md5\"", R"("m\u00645")")
+        .replace("\"flags\"", R"("fl\u0061gs")")
+        .replace("\"location\"", R"("loc\u0061tion")")
+        .replace("\"locale\"", R"("loc\u0061le")");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* p_Data, std::size_t p_Size)
@@ -119,8 +129,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* p_Data, std::size_t p_
     ExaminePaths(manifest);
 
     bool again = false;
-    ApplicationManifest const second = Launcher::ParseApplicationManifest(input, again, false);
-    Demand(again, "reading a manifest again succeeds again");
+    ApplicationManifest const second =
+        Launcher::ParseApplicationManifest(WithEscapes(input), again, false);
+    Demand(again, "it can be read in another spelling");
     DemandSame(manifest.Files, second.Files);
     DemandSame(manifest.StreamedFiles, second.StreamedFiles);
     return prepared;

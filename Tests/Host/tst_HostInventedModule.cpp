@@ -36,7 +36,7 @@ void HostInventedModuleTest::EachJobServesAnotherGame()
                                    RequestType::Repair, RequestType::ListLocales})
         QCOMPARE(game.Run(kind), QString("done"));
     QCOMPARE(game.Run(RequestType::ChooseLocale, "frFR"), QString("done"));
-    QCOMPARE(game.Setting("lantern_app.Locale").toString(), QString("frFR"));
+    QCOMPARE(game.Setting("lantern_app.InstallLocale").toString(), QString("frFR"));
     QCOMPARE(game.Run(RequestType::Update), QString("done"));
 
     Host::RunRequest request;
@@ -53,7 +53,7 @@ void HostInventedModuleTest::EachJobServesAnotherGame()
     request.Kind = RequestType::Uninstall;
     request.DeletesFiles = true;
     QCOMPARE(game.Run(request), QString("done"));
-    QCOMPARE(game.FilesOnDisk(), QStringList());
+    QCOMPARE(game.FilesOnDisk(), QStringList("settings/lantern.conf"));
     for (QString const& key : game.SettingKeys())
         QVERIFY2(key == "lantern_app.ManifestBuilt", qPrintable(key));
 }

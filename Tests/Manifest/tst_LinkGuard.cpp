@@ -146,6 +146,10 @@ void LinkGuardTest::KnowsWhoseALinkInAFilesPlaceIs()
         QCOMPARE(At(Folder() + path), Kind::Players);
     for (char const* const path : {"out", "dangling", "circle"}) // lead to no file
         QCOMPARE(At(Folder() + path), Kind::Strange);
+    for (char const* const path : {"file", "out/file", "file-in", "file-out"})
+        QVERIFY2(Launcher::FileLink::IsFile(Folder() + path), path);
+    for (char const* const path : {"none", "deep", "in", "dangling", "circle"})
+        QVERIFY2(!Launcher::FileLink::IsFile(Folder() + path), path);
     if (!GiveLinkToAnother(Folder() + "file-in"))
         QSKIP("only root can give a link to another user");
     QCOMPARE(At(Folder() + "file-in"), Kind::Strange);

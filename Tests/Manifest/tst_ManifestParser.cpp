@@ -1,7 +1,9 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
+#include "Launcher/Application/RemoteText.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QJsonDocument>
 #include <QtTest>
 
 namespace Varnholt::Launcher {
@@ -59,6 +61,8 @@ private Q_SLOTS:
     void AnEntryThatIsNoObjectIsAnEmptyEntry();
     void EntriesOfUndeclaredLanguagesAreDroppedSilently();
     void EntriesKeepTheirOrderAndTheirDuplicates();
+    void PlainRowsReadAsOthers_data();
+    void PlainRowsReadAsOthers();
     void ReadsTheListOfItsPlatformOnly();
     void TheSierraListIsReadOnlyOnDemand();
     void StreamedContentIsATopLevelList();
@@ -240,6 +244,60 @@ void ManifestParserTest::EntriesKeepTheirOrderAndTheirDuplicates()
         paths += entry.Path;
     QCOMPARE(paths, QStringList({"z", "a", "z", "a"}));
     QCOMPARE(parsed.Manifest.Files[3].Md5, QString("2"));
+}
+
+void ManifestParserTest::PlainRowsReadAsOthers_data()
+{
+    QTest::addColumn<QByteArray>("Rows");
+    for (char const* const rows :
+         {R"({"path": "a", "location": "b", "md5": "C", "flags": 7, "locale": "enUS"})",
+          R"({"path":"a"},{"path":"b"}, {"path":"c","locale":"deDE"} , 5, {"path":"d"})",
+          R"({"path": "a\\b\u00e9"}, {"path": "\"[{}]"})",
+          R"({"path": "é"}, {"path": "\"[{}]"})",
+          R"({"path": "a", "path": "b", "flags": 1, "flags": 2})",
+          R"({"path": "a", "more": "b"})",
+          R"({}, {"flags": "1"}, {"path": 1}, {"path": null}, {"md5": {"path": "a"}})",
+          R"({"path": [{"path": "a"}]}, [{"path": "b"}])",
+          "{\"path\": \"a\tb\"}",
+          "{\"path\": \"\xef\xbb\xbf"
+          "a\"}",
+          "{\"path\":\r\n\t\"\xff\"}",
+          R"({"flags": 2147483647}, {"flags": 2147483648}, {"flags": -1}, {"flags": 1e2})",
+          R"({"flags": 0, "path": "a"}, {"flags": -0}, {"flags": 1.0}, {"flags": 1.5})",
+          R"({"flags": 01, "path": "a"})",
+          R"({"flags": -01, "path": "a"})",
+          R"({"flags": -})",
+          R"({"path": "a"},)",
+          R"({"path": "a",})",
+          R"({"path" "a"})",
+          R"({"path": "a"} {})",
+          R"({"path": "a"}, {"path)",
+          R"({"path": "[{\"path\": \"b\"}]"})"})
+        QTest::newRow(rows) << QByteArray(rows);
+}
+
+/// With an escape in its keys no row is plain.
+void ManifestParserTest::PlainRowsReadAsOthers()
+{
+    QFETCH(QByteArray, Rows);
+    Parsed const plain = ParseFiles(Rows);
+    QByteArray const list = RemoteText::Utf8Of('[' + Rows + ']');
+    QCOMPARE(plain.Success, QJsonDocument::fromJson(list).isArray());
+    for (char const* const key : {"\"path\"", "\"location\"", "\"md5\"", "\"flags\"", "\"locale\""})
+        Rows.replace(key, QByteArray(key)
+                              .replace('l', "\\u006c")
+                              .replace("p", "\\u0070")
+                              .replace('m', "\\u006d"));
+    Parsed const other = ParseFiles(Rows);
+    QCOMPARE(plain.Success, other.Success);
+    auto const texts = [](ApplicationManifest const& p_Manifest) {
+        QStringList all;
+        for (ApplicationManifestFileEntry const& entry : p_Manifest.Files)
+            all +=
+                {entry.Path, entry.Location, entry.Md5, entry.Locale, QString::number(entry.Flags)};
+        return all;
+    };
+    QCOMPARE(texts(plain.Manifest), texts(other.Manifest));
 }
 
 void ManifestParserTest::ReadsTheListOfItsPlatformOnly()

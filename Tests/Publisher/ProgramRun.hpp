@@ -30,6 +30,8 @@ public:
 
     qint64 Id() const { return Process->processId(); }
     void Signal(int p_Signal) const;
+    /// What it reads on standard input.
+    void Write(QByteArray const& p_Bytes) const { Process->write(p_Bytes); }
     bool Runs() const { return Process->state() == QProcess::Running; }
     /// Waits until it has written a whole line and answers it without the line end.
     QByteArray ReadLine();

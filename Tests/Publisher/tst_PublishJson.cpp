@@ -80,11 +80,14 @@ void PublishJsonTest::EachCommandWritesTheTypesOfTheSchema()
     Run({"prune", "--output", output, "--build", "build_1"});
     Run({"hosts", "--output", output, "a.example"});
     Run({"realmlist", "--output", output, "logon.example"});
+    Run({"keys", "new", game.SourcePath("key"), "--no-password"});
+    Run({"sign", "--output", output, "--sign-key", game.SourcePath("key")});
     Run(QStringList("rules") + rules);
     Run(QStringList({"rules", "--explain", "own"}) + rules);
     QVERIFY(WriteFile(game.OutputPath(BuildSeries::OwnPath(2)), "damaged"));
     Run({"verify", "--output", output}, 1);
     QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
+    QFile::remove(game.OutputPath("pelmora_app/version.json.minisig"));
     Run({"adopt", "--output", output}, 1);
     QVERIFY(WriteFile(game.OutputPath(BuildSeries::OwnPath(2)), BuildSeries::Own(2)));
     Run({"adopt", "--output", output});

@@ -1,8 +1,8 @@
 #include "Host/Core/Folder/FileDiagnosis.hpp"
 
-#include "Host/Core/Failures/ByteText.hpp"
 #include "Host/Core/Folder/FolderCheck.hpp"
 #include "Host/Core/Folder/GameVolumes.hpp"
+#include "Host/Core/Jobs/RoomCheck.hpp"
 #include "Host/Core/Network/FetchFailure.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
@@ -128,8 +128,6 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
 /// The failures by the paths of the files.
 std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) const
 {
-    constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
-
     auto const sizeOf = [this](QString const& p_Location) { return Door.SizeOf(p_Location); };
     std::map<QString, Failure> failures;
     for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
@@ -138,15 +136,10 @@ std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) 
         // Behind the volume of the game folder, which is always there.
         VolumeSpace const space =
             GameVolumes::SpaceFor(Folder, share.Files, sizeOf, FreeBytes).back();
-        if (!space.IsKnown() || (space.After() >= 0 && space.Free >= c_NearlyNothing))
+        if (!space.IsKnown() || (space.After() >= 0 && space.Free >= RoomCheck::c_NearlyNothing))
             continue;
-        Failure const failure{
-            FailureKind::DiskFull, share.Folder,
-            tr("%1 are free, %2 more are needed")
-                .arg(ByteText(static_cast<quint64>(space.Free)),
-                     ByteText(static_cast<quint64>(std::max<qint64>(0, space.Needed))))};
         for (Launcher::ApplicationManifestFileEntry const& entry : share.Files)
-            failures.emplace(entry.Path, failure);
+            failures.emplace(entry.Path, RoomCheck::Full(share.Folder, space.Free, space.Needed));
     }
     return failures;
 }

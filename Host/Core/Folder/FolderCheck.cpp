@@ -15,18 +15,6 @@ namespace Varnholt::Host::FolderCheck {
 
 namespace {
 
-/// The folder itself, or the nearest one above it that exists.
-QString NearestExisting(QString p_Path)
-{
-    while (!QFileInfo::exists(p_Path) && !QDir(p_Path).isRoot()) {
-        QString const above = QFileInfo(p_Path).path();
-        if (above == p_Path)
-            break;
-        p_Path = above;
-    }
-    return p_Path;
-}
-
 bool IsSame(QString const& p_Path, QString const& p_Other)
 {
     QString const path = QFileInfo(p_Path).canonicalFilePath();
@@ -53,6 +41,13 @@ QString Normalized(QString const& p_Folder)
     while (folder == QLatin1String("/..") || folder.startsWith(QLatin1String("/../")))
         folder.remove(0, 3); // above the root is the root
     return Launcher::Helper::Paths::WithSlash(folder);
+}
+
+QString NearestExisting(QString p_Folder)
+{
+    while (!QFileInfo::exists(p_Folder) && !QDir(p_Folder).isRoot())
+        p_Folder = QFileInfo(QDir::cleanPath(p_Folder)).path();
+    return p_Folder;
 }
 
 bool HoldsGame(QString const& p_Folder)

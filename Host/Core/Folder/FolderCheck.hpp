@@ -13,6 +13,9 @@ namespace Varnholt::Host::FolderCheck {
 /// The folder as the module wants it: absolute, without "..", ending in "/".
 QString Normalized(QString const& p_Folder);
 
+/// The folder itself, or the nearest above it that exists. \param p_Folder absolute
+QString NearestExisting(QString p_Folder);
+
 /// Whether a run of the module has left its pending lists there, finished or not.
 bool HoldsGame(QString const& p_Folder);
 

@@ -56,7 +56,8 @@ void GameRemoval::Run()
     Finished = !Stopped;
 }
 
-/// In the login screen's own place a link is only that.
+/// A link in the place of such a file is removed itself: only the folders above it must not lead
+/// out.
 void GameRemoval::VisitLoginFiles(Visitor const& p_Visit) const
 {
     Launcher::LinkGuard links(Folder);

@@ -1,8 +1,8 @@
 #include "Host/Core/Folder/GameVolumes.hpp"
 
+#include "Host/Core/Folder/FolderCheck.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -19,26 +19,18 @@ dev_t VolumeOf(QString const& p_Folder)
     return ::stat(QFile::encodeName(p_Folder).constData(), &status) == 0 ? status.st_dev : 0;
 }
 
-/// The folder itself, or the nearest above it that exists.
-QString Existing(QString p_Folder)
-{
-    while (!QFileInfo::exists(p_Folder) && !QDir(p_Folder).isRoot())
-        p_Folder = QFileInfo(QDir::cleanPath(p_Folder)).path();
-    return p_Folder;
-}
-
 } // namespace
 
 std::vector<Share> Of(QString const& p_Folder, Entries const& p_Files)
 {
-    std::vector<Share> shares{{Existing(p_Folder), {}}};
+    std::vector<Share> shares{{FolderCheck::NearestExisting(p_Folder), {}}};
     std::vector<dev_t> volumes{VolumeOf(shares.front().Folder)};
     QHash<QString, std::size_t> shareOfFolder;
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Files) {
         QString const folder = QFileInfo(p_Folder + entry.Path).path();
         auto known = shareOfFolder.constFind(folder);
         if (known == shareOfFolder.constEnd()) {
-            QString const existing = Existing(folder);
+            QString const existing = FolderCheck::NearestExisting(folder);
             dev_t const volume = VolumeOf(existing);
             std::size_t share = 0;
             while (share < volumes.size() && volumes[share] != volume)

@@ -3,12 +3,22 @@
 #include "GameModules/FileLink.hpp"
 #include "Host/Core/Folder/FolderCheck.hpp"
 
-#include <QFileInfo>
-
 namespace Varnholt::Host {
 
-using Launcher::FileLink::At;
-using Launcher::FileLink::Kind;
+namespace {
+
+/// Visits the files, base and streamed, that an installation in the language has.
+template <typename Visit>
+void EachWanted(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Locale,
+                Visit p_Visit)
+{
+    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
+        for (Launcher::ApplicationManifestFileEntry const& entry : *entries)
+            if (entry.IsFor(p_Locale))
+                p_Visit(entry);
+}
+
+} // namespace
 
 std::vector<Launcher::ApplicationManifestFileEntry>
 MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
@@ -16,14 +26,10 @@ MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_F
 {
     Launcher::LinkGuard links(p_Folder);
     std::vector<Launcher::ApplicationManifestFileEntry> missing;
-    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
-        for (Launcher::ApplicationManifestFileEntry const& entry : *entries) {
-            QString const path = p_Folder + entry.Path;
-            bool const wanted = entry.Locale.isEmpty() || entry.Locale == p_Locale;
-            bool const isThere = QFileInfo(path).isFile() && At(path) != Kind::Strange;
-            if (wanted && !isThere && !links.OnTheWay(entry.Path))
-                missing.push_back(entry);
-        }
+    EachWanted(p_Manifest, p_Locale, [&](auto const& p_Entry) {
+        if (!Launcher::FileLink::IsFile(p_Folder + p_Entry.Path) && !links.OnTheWay(p_Entry.Path))
+            missing.push_back(p_Entry);
+    });
     return missing;
 }
 
@@ -31,9 +37,7 @@ bool HoldsGame(Launcher::ApplicationManifest const& p_Manifest, QString const& p
                QString const& p_Locale)
 {
     std::size_t wanted = 0;
-    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
-        for (Launcher::ApplicationManifestFileEntry const& entry : *entries)
-            wanted += entry.Locale.isEmpty() || entry.Locale == p_Locale ? 1 : 0;
+    EachWanted(p_Manifest, p_Locale, [&](auto const&) { ++wanted; });
     return FolderCheck::HoldsGame(p_Folder) ||
            (wanted > 0 && 2 * MissingFiles(p_Manifest, p_Folder, p_Locale).size() <= wanted);
 }
@@ -43,12 +47,12 @@ LinkOnTheWay(Launcher::ApplicationManifest const& p_Manifest, QString const& p_F
              QString const& p_Locale)
 {
     Launcher::LinkGuard links(p_Folder);
-    for (auto const* const entries : {&p_Manifest.Files, &p_Manifest.StreamedFiles})
-        for (Launcher::ApplicationManifestFileEntry const& entry : *entries)
-            if (entry.Locale.isEmpty() || entry.Locale == p_Locale)
-                if (auto link = links.OnTheWay(entry.Path))
-                    return link;
-    return std::nullopt;
+    std::optional<Launcher::LinkGuard::Link> link;
+    EachWanted(p_Manifest, p_Locale, [&](auto const& p_Entry) {
+        if (!link)
+            link = links.OnTheWay(p_Entry.Path);
+    });
+    return link;
 }
 
 } // namespace Varnholt::Host

@@ -28,7 +28,7 @@ void CheckJob::Work()
     Conclude();
 }
 
-/// The sizes that are known do.
+/// Goes on with the sizes that are known.
 void CheckJob::OnGaveUp(Failure const& p_Failure)
 {
     if (!Survey)

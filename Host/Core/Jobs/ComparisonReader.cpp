@@ -48,10 +48,9 @@ void ComparisonReader::Measure(ModuleView::Entries const& p_Files, bool p_AreStr
 /// 0 of a file that the module does not read.
 quint64 ComparisonReader::SizeOf(ModuleView::Entry const& p_Entry, bool p_IsStreamed) const
 {
-    bool const isOther = !p_Entry.Locale.isEmpty() && p_Entry.Locale != Locale;
     bool const isTrusted =
         !LooksAtAll && !p_IsStreamed && p_Entry.Has(ModuleView::Entry::FirstBuildOnly);
-    if (isOther || isTrusted || p_Entry.Has(ModuleView::Entry::KeepIfPresent))
+    if (!p_Entry.IsFor(Locale) || isTrusted || p_Entry.Has(ModuleView::Entry::KeepIfPresent))
         return 0;
     return static_cast<quint64>(QFileInfo(Folder + p_Entry.Path).size());
 }

@@ -45,7 +45,7 @@ void CompletionJob::BeforePump()
 {
     if (IsOver() || !IsWorking() || Examined)
         return;
-    // Before the first file is asked for: the door is ahead of the module.
+    // Before the module asks for the first file: the door fetches ahead.
     Plan.Look(Folder());
     if (auto const failure = Faults.LookAtRoom(Folder()))
         return Fail(*failure);
@@ -142,7 +142,7 @@ void CompletionJob::PassOver(Launcher::ApplicationManifestFileEntry const& p_Ent
 {
     Failure const failure = Explain({p_Entry});
     PassedOver.insert(p_Entry.Path);
-    // The next one would fare no better, or there is no end of them.
+    // A full disk, a folder or a server would stop the next file as well.
     bool const isAlone = failure.Kind != FailureKind::DiskFull &&
                          failure.Kind != FailureKind::FolderUnwritable && !failure.IsNetwork();
     if (!isAlone || PassedOver.size() > c_MostPassedOver)

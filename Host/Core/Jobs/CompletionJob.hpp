@@ -16,7 +16,7 @@ namespace Varnholt::Host {
 /// have in common. The module compares and downloads in passes; when it falls silent, this finds
 /// out where it stopped, and what is to be done about it.
 ///
-///   BeginComparison ─► the module works ─► OnQuiet ─┬─ a file could not be begun ─► PassOver
+///        BeginFiles ─► the module works ─► OnQuiet ─┬─ a file could not be begun ─► PassOver
 ///        ▲                                          └─ Verify ─┬─ all is there ─► Complete
 ///        └──────────── once more may help ─────────────────────┴─ Fail
 class CompletionJob : public Job {

@@ -17,8 +17,7 @@ class Inspection {
 public:
     /// \param p_Folder ends in "/"
     /// \param p_EveryFile false: as an ordinary update, which trusts what earlier runs have
-    /// verified
-    ///        and listed
+    /// verified and listed
     Inspection(Launcher::ApplicationManifest p_Manifest, QString p_Folder, QString p_Locale,
                bool p_EveryFile);
 

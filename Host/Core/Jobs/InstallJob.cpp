@@ -15,7 +15,7 @@ std::optional<Failure> InstallJob::Prepare()
     InstallRecord const& record = Context.Record;
     bool const isElsewhere =
         record.IsInstalled() && record.Folder() != folder && !Request.Confirmed;
-    // Whether it was, the build's files tell.
+    // Whether it was moved here, `BeginFiles` sees by the build's files.
     MayBeMoved = isElsewhere && !QFileInfo::exists(record.Folder()) && QFileInfo(folder).isDir() &&
                  !QDir(folder).isEmpty();
     if (isElsewhere && !MayBeMoved)

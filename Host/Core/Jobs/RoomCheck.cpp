@@ -8,21 +8,20 @@
 
 namespace Varnholt::Host {
 
-namespace {
-
-Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
-{
-    return {
-        FailureKind::DiskFull, p_Folder,
-        QCoreApplication::translate("Varnholt::Host::RoomCheck", "%1 are free, %2 more are needed")
-            .arg(ByteText(static_cast<quint64>(p_Free)), ByteText(static_cast<quint64>(p_Needed)))};
-}
-
-} // namespace
-
 RoomCheck::RoomCheck(std::function<qint64(QString const&)> p_FreeBytes)
     : FreeBytes(std::move(p_FreeBytes))
 {
+}
+
+Failure RoomCheck::Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
+{
+    auto const text = [](qint64 p_Bytes) {
+        return ByteText(static_cast<quint64>(std::max<qint64>(0, p_Bytes)));
+    };
+    return {
+        FailureKind::DiskFull, p_Folder,
+        QCoreApplication::translate("Varnholt::Host::RoomCheck", "%1 are free, %2 more are needed")
+            .arg(text(p_Free), text(p_Needed))};
 }
 
 std::optional<Failure> RoomCheck::BeforeDownload(std::vector<VolumeSpace> const& p_Spaces)
@@ -39,8 +38,6 @@ std::optional<Failure> RoomCheck::BeforeDownload(std::vector<VolumeSpace> const&
 std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,
                                                    quint64 p_RemainingBytes) const
 {
-    constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
-
     qint64 const free = FreeBytes(p_Folder);
     qint64 const remaining = static_cast<qint64>(p_RemainingBytes);
     if (free < 0 || free >= std::min(c_NearlyNothing, remaining))

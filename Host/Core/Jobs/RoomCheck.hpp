@@ -15,6 +15,12 @@ namespace Varnholt::Host {
 /// and again without keeping it.
 class RoomCheck {
 public:
+    /// Bytes: with less free even small files fail.
+    static constexpr qint64 c_NearlyNothing = qint64{64} * 1024;
+
+    /// \param p_Needed bytes; fewer than none count as none
+    static Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed);
+
     explicit RoomCheck(std::function<qint64(QString const&)> p_FreeBytes);
 
     /// Before the first byte: why the files do not fit on one of their volumes.

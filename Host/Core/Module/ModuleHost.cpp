@@ -97,7 +97,7 @@ void ModuleHost::Assemble()
     Worker = std::make_unique<AsyncWorker>(module);
     Ledger = std::make_unique<TransferLedger>(
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
-    // The next file need not wait for the clock.
+    // The next file need not wait for the turn timer.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
     Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
     Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, Gate,

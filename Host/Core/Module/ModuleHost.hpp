@@ -96,8 +96,8 @@ private:
 
     std::unique_ptr<Job> Current; ///< null between two runs
     quint64 CurrentId = 0;
-    bool PumpHeld =
-        false; ///< what a run that failed has queued must not begin behind the user's back
+    /// What a run that failed has queued must not begin behind the user's back.
+    bool PumpHeld = false;
 };
 
 } // namespace Varnholt::Host

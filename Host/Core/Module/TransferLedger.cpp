@@ -1,5 +1,7 @@
 #include "Host/Core/Module/TransferLedger.hpp"
 
+#include "Launcher/Helper/Paths.hpp"
+
 #include <QFile>
 #include <QMutexLocker>
 
@@ -7,10 +9,10 @@ namespace Varnholt::Host {
 
 namespace {
 
-/// Once the module has handled it, what is as announced has got its final name.
+/// Whether the module, which has handled the completion, has not given the file its final name.
 bool IsWrong(HTTP_DownloadFileRequest const& p_Request)
 {
-    QString const part = QStringLiteral(".part");
+    QString const part = Launcher::Helper::Paths::PartFile({});
     return !p_Request.Aborted && p_Request.FilePath.endsWith(part) &&
            !QFile::exists(p_Request.FilePath.chopped(part.size()));
 }
@@ -51,7 +53,8 @@ quint32 TransferLedger::Count() const
 
 bool TransferLedger::ComesNoFurther() const
 {
-    // One that goes on well needs two of them: one at its end, one from its start.
+    // A transfer that goes on well may need two: behind its end, and, when that is refused, from
+    // its start.
     constexpr int c_TooMany = 3;
 
     QMutexLocker const lock(&Mutex);

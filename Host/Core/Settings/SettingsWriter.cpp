@@ -65,11 +65,11 @@ int CauseIn(QString const& p_Folder)
 
 void WriteAll(QString const& p_File, Values const& p_Values)
 {
-    if (p_Values.isEmpty()) { // of nothing the class makes no file
+    if (p_Values.isEmpty()) { // QSettings would make no file
         QFile(p_File).open(QIODevice::WriteOnly);
         return;
     }
-    // Without a codec: with one the class takes a character of two halves for two.
+    // Without a codec: with one QSettings breaks characters beyond U+FFFF in two.
     QSettings writer(p_File, QSettings::IniFormat);
     for (auto row = p_Values.constBegin(); row != p_Values.constEnd(); ++row)
         writer.setValue(row.key(), row.value());

@@ -249,6 +249,9 @@ void GameController::Conclude(RunRequest const& p_Request, RunResult const& p_Re
 
 void GameController::OnStatus(InstallStatus const& p_Status)
 {
+    // What the session knows of the settings is from before the other program's work.
+    if (Known.Status && Known.Status->Download && !p_Status.Download)
+        return Reopen();
     Known.Session = GameState::Stage::Open;
     Known.Status = p_Status;
     if (p_Status.Download)

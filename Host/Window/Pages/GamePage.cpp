@@ -25,10 +25,19 @@ namespace Varnholt::Host {
 
 namespace {
 
+<<<<<<< HEAD
 QString WithShortcut(QString const& p_Text, QToolButton const& p_Button)
 {
     return QStringLiteral("%1 (%2)").arg(p_Text,
                                          p_Button.shortcut().toString(QKeySequence::NativeText));
+=======
+/// Whether it is worth to be told: a server may take a moment.
+bool IsLong(ServerWait const& p_Wait)
+{
+    constexpr qint64 c_Seconds = 3;
+
+    return p_Wait.IsRetry() || p_Wait.Silent >= c_Seconds;
+>>>>>>> window
 }
 
 } // namespace
@@ -175,7 +184,7 @@ void GamePage::ShowTrouble()
         Trouble->ShowText(Told);
     else if (State.Problem)
         Trouble->ShowFailure(*State.Problem, State.GivenUp);
-    else if (State.Job && State.Snapshot.Wait)
+    else if (State.Job && State.Snapshot.Wait && IsLong(*State.Snapshot.Wait))
         Trouble->ShowWait(*State.Snapshot.Wait);
     else
         Trouble->hide();

@@ -11,11 +11,12 @@ namespace Varnholt::Host {
 ProgressBox::ProgressBox(PagePalette const& p_Palette, QWidget* p_Parent)
     : QWidget(p_Parent)
     , Phase(new QLabel)
+    , Remaining(QuietText())
     , Percent(new QLabel)
     , Bar(new QProgressBar)
     , FigureBox(new QWidget)
-    , Amount(QuietLine())
-    , Pace(QuietLine())
+    , Amount(QuietText())
+    , Count(QuietText())
     , File(new ElidedLabel)
     , Rates(new RateGraph(p_Palette))
 {
@@ -29,22 +30,33 @@ ProgressBox::ProgressBox(PagePalette const& p_Palette, QWidget* p_Parent)
     Bar->setTextVisible(false);
     auto* const row = new QHBoxLayout;
     row->addWidget(Phase, 1);
+    row->addWidget(Remaining);
+    row->addSpacing(12);
     row->addWidget(Percent);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
     layout->addLayout(row);
     layout->addWidget(Bar);
-    auto* const figures = new QVBoxLayout(FigureBox);
-    figures->setContentsMargins(0, 0, 0, 0);
-    figures->setSpacing(2);
-    for (QLabel* const line : {Amount, static_cast<QLabel*>(File), Pace})
-        figures->addWidget(line);
+    MakeFigures();
     Clock.start();
     Translate();
 }
 
-QLabel* ProgressBox::QuietLine()
+void ProgressBox::MakeFigures()
+{
+    auto* const line = new QHBoxLayout;
+    line->setSpacing(10);
+    line->addWidget(Count);
+    line->addWidget(File, 1);
+    auto* const figures = new QVBoxLayout(FigureBox);
+    figures->setContentsMargins(0, 0, 0, 0);
+    figures->setSpacing(2);
+    figures->addWidget(Amount);
+    figures->addLayout(line);
+}
+
+QLabel* ProgressBox::QuietText()
 {
     auto* const label = new QLabel;
     label->setProperty("quiet", true);
@@ -84,12 +96,13 @@ void ProgressBox::Show(RunSnapshot const& p_Snapshot, bool p_IsPaused)
 
     ProgressTexts const texts = ProgressTexts::Of(p_Snapshot, Left.Seconds(), p_IsPaused);
     Phase->setText(texts.Phase);
+    Remaining->setText(texts.Left);
     Percent->setText(texts.Percent);
     bool const isMeasured = texts.Permille >= 0;
     Bar->setRange(0, isMeasured || p_IsPaused ? c_Whole : 0); // 0: a bar that only moves
     Bar->setValue(isMeasured ? texts.Permille : 0);
     Amount->setText(texts.Amount);
-    Pace->setText(texts.Pace);
+    Count->setText(texts.Count);
     File->setText(texts.File);
 }
 

@@ -27,20 +27,22 @@ public:
     void Reset();
     void Translate();
 
-    /// Amount, pace and file; for the panel's row, which owns it.
+    /// Amount, count and file; for the panel's row, which owns it.
     QWidget* Figures() const { return FigureBox; }
     RateGraph* Graph() const { return Rates; }
 
 private:
     /// A text of figures, in a quiet colour.
-    QLabel* QuietLine();
+    QLabel* QuietText();
+    void MakeFigures();
 
     QLabel* const Phase;
+    QLabel* const Remaining;
     QLabel* const Percent;
     QProgressBar* const Bar;
     QWidget* const FigureBox;
     QLabel* const Amount;
-    QLabel* const Pace;
+    QLabel* const Count;
     ElidedLabel* const File;
     RateGraph* const Rates;
     QElapsedTimer Clock;

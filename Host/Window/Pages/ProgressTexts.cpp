@@ -39,18 +39,12 @@ bool Reads(RunPhase p_Phase)
            p_Phase == RunPhase::ComparingStreamed;
 }
 
-QString PaceOf(RunSnapshot const& p_Snapshot, std::optional<qint64> p_Left)
+QString RateOf(RunSnapshot const& p_Snapshot)
 {
-    if (!Reads(p_Snapshot.Phase) && !IsDownloading(p_Snapshot.Phase))
+    if (p_Snapshot.Rate == 0)
         return {};
-    QString rate;
-    if (p_Snapshot.Rate > 0)
-        rate = (Reads(p_Snapshot.Phase) ? Texts::tr("checks %1/s") : Texts::tr("%1/s"))
-                   .arg(ProgressTexts::Size(p_Snapshot.Rate));
-    if (p_Snapshot.BytesTotal == 0)
-        return rate;
-    return Joined({rate, p_Left ? Texts::tr("%1 left").arg(ProgressTexts::Duration(*p_Left))
-                                : Texts::tr("time left not known yet")});
+    return (Reads(p_Snapshot.Phase) ? Texts::tr("checks %1/s") : Texts::tr("%1/s"))
+        .arg(ProgressTexts::Size(p_Snapshot.Rate));
 }
 
 } // namespace
@@ -70,16 +64,20 @@ ProgressTexts ProgressTexts::Of(RunSnapshot const& p_Snapshot, std::optional<qin
     texts.Permille = PermilleOf(p_Snapshot);
     if (texts.Permille >= 0)
         texts.Percent = Texts::tr("%1 %").arg(locale.toString(texts.Permille / c_PerPercent));
+    bool const moves = Reads(p_Snapshot.Phase) || IsDownloading(p_Snapshot.Phase);
     QString bytes;
-    QString files;
-    if (p_Snapshot.BytesTotal > 0)
+    if (p_Snapshot.BytesTotal > 0) {
         bytes = Texts::tr("%1 of %2").arg(Size(p_Snapshot.BytesDone), Size(p_Snapshot.BytesTotal));
+        if (moves && !p_IsPaused)
+            texts.Left = p_Left ? Texts::tr("%1 left").arg(Duration(*p_Left))
+                                : Texts::tr("time left not known yet");
+    }
+    texts.Amount =
+        RunText::Capitalized(Joined({bytes, p_IsPaused ? QString() : RateOf(p_Snapshot)}));
     if (p_Snapshot.FileCount > 0)
-        files =
-            Texts::tr("file %1 of %2")
+        texts.Count =
+            Texts::tr("File %1 of %2")
                 .arg(locale.toString(p_Snapshot.FileNumber), locale.toString(p_Snapshot.FileCount));
-    texts.Amount = RunText::Capitalized(Joined({bytes, files}));
-    texts.Pace = p_IsPaused ? QString() : RunText::Capitalized(PaceOf(p_Snapshot, p_Left));
     texts.File = p_Snapshot.File;
     return texts;
 }

@@ -12,8 +12,9 @@ namespace Varnholt::Host {
 struct ProgressTexts {
     QString Phase;     ///< begins with a capital
     QString Percent;   ///< empty when there is no measure
-    QString Amount;    ///< "1.2 GiB of 3.4 GiB · file 3 of 12"
-    QString Pace;      ///< "12.3 MiB/s · 4 minutes left"
+    QString Left;      ///< "4 minutes left", or that it is not known; empty when nothing moves
+    QString Amount;    ///< "1.2 GiB of 3.4 GiB · 12.3 MiB/s"
+    QString Count;     ///< "File 3 of 12"
     QString File;      ///< of which the middle may be left out
     int Permille = -1; ///< negative when there is no measure
 

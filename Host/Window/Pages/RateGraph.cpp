@@ -55,7 +55,7 @@ void RateGraph::paintEvent(QPaintEvent*)
                                                static_cast<double>(span),
                             area.bottom() - area.height() * static_cast<double>(sample.Rate) /
                                                 static_cast<double>(highest));
-        if (line.isEmpty())
+        if (line.elementCount() == 0)
             line.moveTo(point);
         else
             line.lineTo(point);

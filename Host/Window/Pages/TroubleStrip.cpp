@@ -27,6 +27,7 @@ TroubleStrip::TroubleStrip(PagePalette const& p_Palette, QWidget* p_Parent)
 
     setObjectName(QStringLiteral("strip"));
     Title->setObjectName(QStringLiteral("stripTitle"));
+    Text->setObjectName(QStringLiteral("stripText"));
     for (QLabel* const label : {Title, Text}) {
         label->setTextFormat(Qt::PlainText); // it may name a file
         label->setWordWrap(true);
@@ -63,7 +64,8 @@ void TroubleStrip::ShowWait(ServerWait const& p_Wait)
 {
     FillFiles({});
     MakeButtons({});
-    Tell(RunText::Capitalized(p_Wait.Cause), ProgressTexts::WaitText(p_Wait));
+    Tell(p_Wait.IsRetry() ? RunText::Capitalized(p_Wait.Cause) : tr("The server is silent"),
+         ProgressTexts::WaitText(p_Wait));
     Close->hide();
 }
 

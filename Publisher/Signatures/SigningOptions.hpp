@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Signing/SecretKey.hpp"
+
+#include <optional>
+
+namespace Varnholt::Publisher {
+
+/// How a change of a tree is signed.
+struct SigningOptions {
+    std::optional<Signing::SecretKey> Key; ///< none: not at all
+    std::optional<int> Days;               ///< after so many clients want newer ones; none: never
+    bool Unsigned = false;                 ///< the tree was signed, and this change is not
+};
+
+} // namespace Varnholt::Publisher
