@@ -25,19 +25,18 @@ namespace Varnholt::Host {
 
 namespace {
 
-<<<<<<< HEAD
 QString WithShortcut(QString const& p_Text, QToolButton const& p_Button)
 {
     return QStringLiteral("%1 (%2)").arg(p_Text,
                                          p_Button.shortcut().toString(QKeySequence::NativeText));
-=======
+}
+
 /// Whether it is worth to be told: a server may take a moment.
 bool IsLong(ServerWait const& p_Wait)
 {
     constexpr qint64 c_Seconds = 3;
 
     return p_Wait.IsRetry() || p_Wait.Silent >= c_Seconds;
->>>>>>> window
 }
 
 } // namespace

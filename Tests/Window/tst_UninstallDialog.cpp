@@ -1,5 +1,5 @@
 #include "Host/Window/Dialogs/UninstallDialog.hpp"
-#include "Tests/Dialogs/DialogGame.hpp"
+#include "Tests/Window/DialogGame.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QAbstractButton>

@@ -1,4 +1,4 @@
-#include "Tests/Dialogs/DialogGame.hpp"
+#include "Tests/Window/DialogGame.hpp"
 
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestHost.hpp"

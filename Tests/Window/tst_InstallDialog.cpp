@@ -1,5 +1,5 @@
 #include "Host/Window/Dialogs/InstallDialog.hpp"
-#include "Tests/Dialogs/DialogGame.hpp"
+#include "Tests/Window/DialogGame.hpp"
 #include "Tests/Host/FolderListing.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
