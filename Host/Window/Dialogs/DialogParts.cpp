@@ -6,6 +6,8 @@
 #include <QFormLayout>
 #include <QLabel>
 
+#include <algorithm>
+
 namespace Varnholt::Host::DialogParts {
 
 void Widen(QDialog& p_Dialog)
@@ -13,6 +15,15 @@ void Widen(QDialog& p_Dialog)
     constexpr int c_Characters = 72;
 
     p_Dialog.setMinimumWidth(p_Dialog.fontMetrics().averageCharWidth() * c_Characters);
+}
+
+void Fit(QDialog& p_Dialog)
+{
+    QLayout& layout = *p_Dialog.layout();
+    layout.invalidate();
+    int const width = std::max(p_Dialog.width(), layout.totalMinimumSize().width());
+    p_Dialog.resize(width, layout.hasHeightForWidth() ? layout.totalHeightForWidth(width)
+                                                      : layout.totalSizeHint().height());
 }
 
 QLabel* AddText(QDialog& p_Dialog)

@@ -14,6 +14,8 @@ namespace Varnholt::Host::DialogParts {
 
 /// Makes it wide enough for sentences.
 void Widen(QDialog& p_Dialog);
+/// Makes it as high as what it shows by now.
+void Fit(QDialog& p_Dialog);
 /// Text of several lines, which can be selected.
 QLabel* AddText(QDialog& p_Dialog);
 /// Adds a row with what can be filled in. \return its label, without a text yet

@@ -219,8 +219,8 @@ void InstallDialog::ShowAdvice()
         lines += point.Text;
     Warnings->setText(lines.join(QLatin1Char('\n')));
     Warnings->setVisible(!lines.isEmpty());
-    Inside->setText(tr("&Use the folder %1")
-                        .arg(QDir::toNativeSeparators(FolderAdvice::Inside(Folder->text(), Name))));
+    Inside->setText(tr("&Use the folder \"%1\" inside")
+                        .arg(QFileInfo(FolderAdvice::Inside({}, Name)).fileName()));
     Inside->setVisible(Advice.IsShared());
     Again->setVisible(Preview && Preview->Problem);
     Agree->setVisible(Advice.IsPossible() && !Advice.Points().empty());
@@ -243,6 +243,7 @@ void InstallDialog::Enable()
     Languages->setEnabled(Languages->count() > 1);
     Install->setEnabled(isKnown && Advice.IsPossible() &&
                         (Advice.Points().empty() || Agree->isChecked()));
+    DialogParts::Fit(*this);
 }
 
 } // namespace Varnholt::Host

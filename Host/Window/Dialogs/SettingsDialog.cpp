@@ -165,6 +165,7 @@ void SettingsDialog::Check()
                             "user and password."));
     ServerFault->setVisible(!isUsable);
     Save->setEnabled(isUsable);
+    DialogParts::Fit(*this);
 }
 
 WindowSettings SettingsDialog::Chosen() const

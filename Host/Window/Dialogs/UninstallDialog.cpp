@@ -168,6 +168,7 @@ void UninstallDialog::Enable()
     Keep->setEnabled(Preview && !Begun);
     Uninstall->setEnabled(!Begun && (isKnown || (Preview && Keep->isChecked())));
     Cancel->setText(Removing ? tr("C&lose") : tr("&Cancel"));
+    DialogParts::Fit(*this);
 }
 
 } // namespace Varnholt::Host
