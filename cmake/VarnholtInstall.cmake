@@ -46,6 +46,8 @@ if(TARGET varnholt-window)
       DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT window)
   install(FILES ${desktop}/varnholt-window.svg
       DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT window)
+  install(FILES ${desktop}/varnholt-window.png
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/128x128/apps COMPONENT window)
   install(FILES ${desktop}/net.varnholt.window.metainfo.xml
       DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT window)
 endif()

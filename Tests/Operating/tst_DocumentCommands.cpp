@@ -68,11 +68,12 @@ struct Elsewhere {
 
 std::vector<Elsewhere> const c_Elsewhere{
     {"scripts/demo", "Tests/EndToEnd/CMakeLists.txt", "scripts/demo --small"},
+    {"scripts/package", ".github/workflows/linux.yml", "scripts/package --check"},
     {"scripts/test", ".ci/run", "scripts/test"},
     {"VARNHOLT_PRESET=tsan scripts/test", "scripts/test", "scripts/setup --tsan"},
     {".ci/run", ".ci/run", "scripts/test"},
     {"scripts/setup", ".ci/run", "scripts/setup --lint"},
-    {"scripts/lint", ".ci/run", "scripts/lint build/debug"},
+    {"scripts/lint", ".ci/run", "scripts/lint"},
     {"scripts/fuzz", ".ci/run", "scripts/fuzz --seconds"},
     {"scripts/faults", "Tests/Faults/CMakeLists.txt", "varnholt-faults"},
     {"scripts/bench", "scripts/bench", "Benchmarks/$name"},
