@@ -16,7 +16,24 @@ std::map<std::string, TestRun>& Tests()
     return s_Tests;
 }
 
+std::unique_ptr<QCoreApplication> MakePlain(int& p_Count, char** p_Arguments)
+{
+    return std::make_unique<QCoreApplication>(p_Count, p_Arguments);
+}
+
+ApplicationMaker& Maker()
+{
+    static ApplicationMaker s_Maker = MakePlain;
+    return s_Maker;
+}
+
 } // namespace
+
+bool UseApplication(ApplicationMaker p_Maker)
+{
+    Maker() = p_Maker;
+    return true;
+}
 
 bool RegisterTest(QMetaObject const& p_Class, TestRun p_Run)
 {
@@ -37,7 +54,7 @@ int main(int p_Count, char** p_Arguments)
     if (auto const test = Tests().find(name); test != Tests().end()) {
         p_Arguments[1] = p_Arguments[0];
         int count = p_Count - 1;
-        QCoreApplication const application(count, p_Arguments + 1);
+        auto const application = Maker()(count, p_Arguments + 1);
         return test->second(count, p_Arguments + 1);
     }
     bool const isList = name == "--list";

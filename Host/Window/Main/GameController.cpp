@@ -1,0 +1,351 @@
+#include "Host/Window/Main/GameController.hpp"
+
+#include "Host/Window/Main/RunText.hpp"
+
+#include <utility>
+
+namespace Varnholt::Host {
+
+namespace {
+
+using Type = RunRequest::Type;
+
+RunRequest WithoutPassword(RunRequest p_Request)
+{
+    p_Request.Password.clear();
+    return p_Request;
+}
+
+/// Whether a dialog shows how it ends.
+bool IsPreview(Type p_Kind)
+{
+    return p_Kind == Type::PreviewInstall || p_Kind == Type::PreviewUninstall;
+}
+
+/// Whether it leaves another installation than it has found.
+bool Changes(Type p_Kind)
+{
+    return p_Kind == Type::Install || p_Kind == Type::Update || p_Kind == Type::Repair ||
+           p_Kind == Type::Uninstall;
+}
+
+} // namespace
+
+GameController::GameController(HostOptions p_Options, QObject* p_Parent)
+    : QObject(p_Parent)
+    , Chosen(std::move(p_Options))
+{
+    constexpr int c_ElsewhereMilliseconds = 2'000;
+
+    ElsewhereTimer.setInterval(c_ElsewhereMilliseconds);
+    connect(&ElsewhereTimer, &QTimer::timeout, this, &GameController::ReadStatus);
+}
+
+GameController::~GameController() = default;
+
+void GameController::SetOptions(HostOptions const& p_Options)
+{
+    bool const isOther = p_Options.BytesPerSecond != Chosen.BytesPerSecond;
+    QString const file = Chosen.ModuleFile;
+    Chosen = p_Options;
+    Chosen.ModuleFile = file;
+    if (Session && isOther)
+        Session->SetRateLimit(Chosen.BytesPerSecond);
+}
+
+std::optional<QString> GameController::Choose(QString const& p_ModuleFile)
+{
+    if (p_ModuleFile == Chosen.ModuleFile && Known.Session != GameState::Stage::Failed && Session)
+        return std::nullopt;
+    if (IsBusy())
+        return tr("%1 is being worked on. Stop that, or wait for its end, before you choose "
+                  "another game.")
+            .arg(Module.Name);
+    Chosen.ModuleFile = p_ModuleFile;
+    Reopen();
+    return std::nullopt;
+}
+
+void GameController::Reopen()
+{
+    ElsewhereTimer.stop();
+    Known = {};
+    Module = {};
+    Games.clear();
+    Next.reset();
+    Q_EMIT Changed();
+    if (Session)
+        LetGo();
+    else
+        OpenChosen();
+}
+
+void GameController::OpenChosen()
+{
+    HasLooked = false;
+    RunningId = 0;
+    Session = std::make_unique<HostSession>(Chosen);
+    Listen();
+    Session->Open();
+}
+
+void GameController::Listen()
+{
+    HostSession* const session = Session.get();
+    connect(session, &HostSession::Opened, this, [this](ModuleInfo const& p_Info) {
+        Module = p_Info;
+        Q_EMIT Opened();
+        ReadStatus();
+    });
+    connect(session, &HostSession::OpenFailed, this, [this](Failure const& p_Failure) {
+        Known.Session = GameState::Stage::Failed;
+        Known.Problem = p_Failure;
+        Tell(RunText::Sentence(p_Failure), Notice::Level::Warning);
+        Q_EMIT Changed();
+    });
+    connect(session, &HostSession::StatusRead, this, &GameController::OnStatus);
+    connect(session, &HostSession::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
+        if (!IsBusy())
+            return;
+        Known.Snapshot = p_Snapshot;
+        Known.IsPaused = Session->IsPaused();
+        Q_EMIT Changed();
+    });
+    connect(session, &HostSession::Noticed, this, [this](Notice const& p_Notice) {
+        Q_EMIT Told({p_Notice.Text(), p_Notice.Severity(), p_Notice.Time});
+        Q_EMIT Noticed(p_Notice);
+    });
+    connect(session, &HostSession::Ended, this, &GameController::OnEnded);
+    connect(session, &HostSession::GameStarted, this, [this](qint64 p_ProcessId) {
+        Games.insert(p_ProcessId);
+        Known.IsGameRunning = true;
+        Tell(tr("The game runs."));
+        Q_EMIT Changed();
+    });
+    connect(session, &HostSession::GameEnded, this, &GameController::OnGameEnded);
+    connect(session, &HostSession::Closed, this, &GameController::OnClosed, Qt::QueuedConnection);
+}
+
+void GameController::LetGo()
+{
+    // It tells nothing more than that it has closed.
+    Session->disconnect(this);
+    connect(Session.get(), &HostSession::Closed, this, &GameController::OnClosed,
+            Qt::QueuedConnection);
+    Session->Close();
+}
+
+void GameController::OnClosed()
+{
+    if (!Session)
+        return; // told twice
+    Session.reset();
+    if (IsClosing)
+        Q_EMIT Closed();
+    else
+        OpenChosen();
+}
+
+void GameController::Close()
+{
+    if (std::exchange(IsClosing, true))
+        return;
+    ElsewhereTimer.stop();
+    if (Session)
+        LetGo();
+    else
+        QMetaObject::invokeMethod(this, &GameController::Closed, Qt::QueuedConnection);
+}
+
+void GameController::Start(Type p_Kind)
+{
+    RunRequest request;
+    request.Kind = p_Kind;
+    Start(request);
+}
+
+void GameController::Start(RunRequest const& p_Request)
+{
+    if (RunningId != 0 && IsQuiet) { // the user comes first
+        Next = p_Request;
+        Session->Interrupt();
+        return;
+    }
+    Begin(p_Request, false);
+}
+
+void GameController::Begin(RunRequest const& p_Request, bool p_IsQuiet)
+{
+    if (!Session)
+        return;
+    if (!IsBusy()) {
+        IsQuiet = p_IsQuiet;
+        Running = WithoutPassword(p_Request);
+        RunningId = Session->Start(p_Request);
+    } else { // which the session refuses, and what is under way goes on
+        Session->Start(p_Request);
+        return;
+    }
+    if (p_IsQuiet)
+        return;
+    Known.Job = Running;
+    Known.Snapshot = {};
+    Known.IsPaused = false;
+    if (!IsPreview(Running.Kind)) {
+        Known.Problem.reset();
+        Known.GivenUp.clear();
+        Tell(RunText::Begun(Running));
+    }
+    Q_EMIT Changed();
+}
+
+void GameController::OnEnded(quint64 p_Id, RunResult const& p_Result)
+{
+    if (p_Id != RunningId)
+        return;
+    RunningId = 0;
+    if (IsQuiet) {
+        Known.IsUpdateKnown =
+            p_Result.Problem && p_Result.Problem->Kind == FailureKind::UpdateAvailable;
+        if (p_Result.Problem && p_Result.Problem->Kind != FailureKind::Interrupted)
+            Tell(RunText::Sentence(*p_Result.Problem));
+    } else {
+        Known.Job.reset();
+        Known.IsPaused = false;
+        if (!IsPreview(Running.Kind))
+            Conclude(Running, p_Result);
+    }
+    RunRequest const ended = Running;
+    bool const wasQuiet = IsQuiet;
+    if (std::optional<RunRequest> const next = std::exchange(Next, std::nullopt))
+        Begin(*next, false);
+    else
+        ReadStatus();
+    Q_EMIT Changed();
+    if (!wasQuiet)
+        Q_EMIT RunEnded(ended, p_Result);
+}
+
+void GameController::Conclude(RunRequest const& p_Request, RunResult const& p_Result)
+{
+    Known.Problem = p_Result.Problem;
+    Known.Failed = p_Request;
+    Known.GivenUp = p_Result.Findings;
+    if (!p_Result.OutputFile.isEmpty())
+        OutputFile = p_Result.OutputFile;
+    if (!p_Result.Problem) {
+        Known.IsUpdateKnown = Known.IsUpdateKnown && !Changes(p_Request.Kind);
+        return Tell(RunText::Done(p_Request, p_Result));
+    }
+    FailureKind const kind = p_Result.Problem->Kind;
+    if (kind == FailureKind::UpdateAvailable)
+        Known.IsUpdateKnown = true;
+    bool const isWanted = kind == FailureKind::Interrupted || kind == FailureKind::UpdateAvailable;
+    if (kind == FailureKind::Interrupted)
+        Known.Problem.reset();
+    Tell(RunText::Sentence(*p_Result.Problem),
+         isWanted ? Notice::Level::Information : Notice::Level::Warning);
+}
+
+void GameController::OnStatus(InstallStatus const& p_Status)
+{
+    // What the session knows of the settings is from before the other program's work.
+    if (Known.Status && Known.Status->Download && !p_Status.Download)
+        return Reopen();
+    Known.Session = GameState::Stage::Open;
+    Known.Status = p_Status;
+    if (p_Status.Download)
+        ElsewhereTimer.start();
+    else
+        ElsewhereTimer.stop();
+    Q_EMIT Changed();
+    LookForUpdate(p_Status);
+}
+
+/// Asks once, quietly, whether there is a newer build of a game that is complete.
+void GameController::LookForUpdate(InstallStatus const& p_Status)
+{
+    bool const isComplete = p_Status.IsInstalled && p_Status.FolderExists &&
+                            !p_Status.IsUnfinished && !p_Status.Build.isEmpty();
+    if (!isComplete || p_Status.Download || RunningId != 0 || std::exchange(HasLooked, true))
+        return;
+    RunRequest request;
+    request.Kind = Type::Check;
+    request.Quick = true;
+    Begin(request, true);
+}
+
+void GameController::OnGameEnded(GameEnd const& p_End)
+{
+    Games.erase(p_End.ProcessId);
+    Known.IsGameRunning = !Games.empty();
+    if (QString const error = p_End.ErrorText(); error.isEmpty()) {
+        Tell(tr("The game has ended."));
+    } else {
+        Failure const failure{FailureKind::GameFailed, OutputFile, error};
+        if (!IsBusy()) {
+            Known.Problem = failure;
+            Known.Failed = {};
+            Known.Failed.Kind = Type::Play;
+        }
+        Tell(RunText::Sentence(failure), Notice::Level::Warning);
+    }
+    Q_EMIT Changed();
+    Q_EMIT GameEnded(p_End);
+}
+
+void GameController::Pause()
+{
+    if (!Session || !IsBusy())
+        return;
+    Session->Pause();
+    Known.IsPaused = true;
+    Q_EMIT Changed();
+}
+
+void GameController::Continue()
+{
+    if (!Session)
+        return;
+    Session->Continue();
+    Known.IsPaused = false;
+    Q_EMIT Changed();
+}
+
+void GameController::StopRepair()
+{
+    if (Session)
+        Session->StopRepair();
+}
+
+void GameController::Interrupt()
+{
+    if (Session)
+        Session->Interrupt();
+}
+
+void GameController::SetLanguage(QString const& p_Code)
+{
+    if (Session)
+        Session->SetLanguage(p_Code);
+}
+
+void GameController::ReadStatus()
+{
+    if (Session)
+        Session->ReadStatus();
+}
+
+void GameController::ForgetProblem()
+{
+    Known.Problem.reset();
+    Known.GivenUp.clear();
+    Q_EMIT Changed();
+}
+
+void GameController::Tell(QString const& p_Text, Notice::Level p_Severity)
+{
+    Q_EMIT Told({p_Text, p_Severity});
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Host/Window/Main/GameState.hpp"
+
+/// States of a game, made by hand.
+namespace Varnholt::TestSupport::PageStates {
+
+/// Complete and at rest.
+Host::GameState Complete();
+Host::GameState NotInstalled();
+/// In the middle of a job, with figures of many digits and a long name.
+Host::GameState Working(Host::RunRequest::Type p_Kind, Host::RunPhase p_Phase);
+/// After a job that has ended like that.
+Host::GameState Failed(Host::Failure const& p_Failure);
+/// A failure of that kind with a subject and a detail.
+Host::Failure FailureOf(Host::FailureKind p_Kind);
+
+} // namespace Varnholt::TestSupport::PageStates

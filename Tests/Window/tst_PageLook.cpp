@@ -1,0 +1,249 @@
+#include "Host/Window/Pages/GamePage.hpp"
+#include "Host/Window/Style/ElidedLabel.hpp"
+#include "Tests/Support/LoadedPlugin.hpp"
+#include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/PageStates.hpp"
+#include "Tests/Window/WindowGame.hpp"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QListWidget>
+
+namespace Varnholt::TestSupport {
+
+using Host::FailureKind;
+using Host::GameState;
+using Host::PagePalette;
+using Host::RunPhase;
+using Type = Host::RunRequest::Type;
+
+/// What a page looks like in each state, on the real picture and on the worst ones.
+class PageLookTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void TextsCanBeReadOnAnyPicture_data();
+    void TextsCanBeReadOnAnyPicture();
+    void EachThemeGivesColorsThatCanBeRead_data();
+    void EachThemeGivesColorsThatCanBeRead();
+    void NothingIsClipped_data();
+    void NothingIsClipped();
+    void EachControlHasANameAndTheKeyboardReachesIt();
+
+private:
+    static std::vector<std::pair<char const*, GameState>> States();
+
+    Host::ModuleCard Card;
+};
+
+namespace {
+
+/// The least contrast of a text to what is behind it.
+double ContrastOn(QImage const& p_Ground, QRect const& p_Area, QColor const& p_Text)
+{
+    double least = 21;
+    for (int y = p_Area.top(); y <= p_Area.bottom(); ++y)
+        for (int x = p_Area.left(); x <= p_Area.right(); ++x)
+            least = std::min(least, PagePalette::Contrast(p_Text, p_Ground.pixelColor(x, y)));
+    return least;
+}
+
+QImage Checkers()
+{
+    QImage image(64, 64, QImage::Format_RGB32);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x)
+            image.setPixelColor(x, y, (x / 4 + y / 4) % 2 == 0 ? Qt::white : Qt::black);
+    return image;
+}
+
+QRect AreaIn(QWidget const& p_Page, QWidget const& p_Part)
+{
+    return {p_Part.mapTo(&p_Page, QPoint()), p_Part.size()};
+}
+
+QString NameOf(QWidget const& p_Part)
+{
+    return QString::fromLatin1(p_Part.metaObject()->className()) + ' ' + p_Part.objectName();
+}
+
+} // namespace
+
+void PageLookTest::initTestCase()
+{
+    Card = CardOf(LoadedPlugin::Path());
+    QVERIFY(!Card.Background.isNull() && !Card.Icon.isNull() && !Card.SelectedIcon.isNull());
+    QCOMPARE(Card.Palette.Ground, QColor("#09111C"));
+}
+
+std::vector<std::pair<char const*, GameState>> PageLookTest::States()
+{
+    GameState waiting = PageStates::Working(Type::Update, RunPhase::WaitingToRetry);
+    Host::ServerWait wait;
+    wait.Server = "content.a-long-name.example.org:8080";
+    wait.Cause = "connection refused";
+    wait.Attempt = 3;
+    wait.NextAttempt = 120;
+    waiting.Snapshot.Wait = wait;
+    return {
+        {"not installed", PageStates::NotInstalled()},
+        {"complete", PageStates::Complete()},
+        {"downloading", PageStates::Working(Type::Install, RunPhase::DownloadingBase)},
+        {"waiting", waiting},
+        {"files given up", PageStates::Failed(PageStates::FailureOf(FailureKind::FilesGivenUp))},
+        {"link", PageStates::Failed(PageStates::FailureOf(FailureKind::LinkLeadsOut))}};
+}
+
+void PageLookTest::TextsCanBeReadOnAnyPicture_data()
+{
+    QTest::addColumn<QImage>("Picture");
+    QImage white(64, 64, QImage::Format_RGB32);
+    white.fill(Qt::white);
+    QImage black = white;
+    black.fill(Qt::black);
+    AddRow("the module's", Card.Background);
+    AddRow("white", white);
+    AddRow("black", black);
+    AddRow("checkers", Checkers());
+}
+
+void PageLookTest::TextsCanBeReadOnAnyPicture()
+{
+    QFETCH(QImage, Picture);
+    Host::ModuleCard card = Card;
+    card.Background = Picture;
+    for (auto const& state : States()) {
+        Host::GamePage page(card);
+        page.resize(944, 640);
+        page.Show(state.second);
+        page.show();
+        struct Text {
+            QWidget* Part;
+            QColor Color;
+        };
+        std::vector<Text> texts;
+        for (auto* const label : page.findChildren<QLabel*>())
+            if (label->isVisible() && !label->text().isEmpty())
+                texts.push_back({label, label->palette().color(label->foregroundRole())});
+        for (auto* const button : page.findChildren<QAbstractButton*>())
+            if (button->isVisible() && !button->text().isEmpty())
+                texts.push_back({button, button->palette().color(QPalette::ButtonText)});
+        QVERIFY(texts.size() >= 3);
+        for (Text const& text : texts) { // leaves its ground and its place
+            text.Part->setFixedSize(text.Part->size());
+            if (auto* const label = qobject_cast<QLabel*>(text.Part))
+                label->clear();
+            else
+                static_cast<QAbstractButton*>(text.Part)->setText({});
+        }
+        QImage const ground = page.grab().toImage();
+        for (Text const& text : texts) {
+            QRect const inner = AreaIn(page, *text.Part).adjusted(4, 4, -4, -4);
+            double const contrast = ContrastOn(ground, inner, text.Color);
+            QVERIFY2(contrast >= PagePalette::c_LeastContrast,
+                     qPrintable(QString("%1, %2: %3 in %4")
+                                    .arg(state.first, NameOf(*text.Part))
+                                    .arg(contrast)
+                                    .arg(text.Color.name())));
+        }
+    }
+}
+
+void PageLookTest::EachThemeGivesColorsThatCanBeRead_data()
+{
+    QTest::addColumn<QString>("Theme");
+    for (char const* const theme : {"3,9,14", "128,128,128", "200,40,40", "255,255,255", "0,0,0",
+                                    "90,140,60", "", "300,1,1", "1,2", "red"})
+        QTest::newRow(theme) << QString(theme);
+}
+
+void PageLookTest::EachThemeGivesColorsThatCanBeRead()
+{
+    QFETCH(QString, Theme);
+    PagePalette const palette = PagePalette::Of(Theme, "no color", {});
+    for (QColor const& behind : {QColor(Qt::white), QColor(Qt::black), QColor(128, 128, 128)}) {
+        QColor const panel = PagePalette::Over(palette.Panel, behind);
+        for (QColor const& text : {palette.Text, palette.Quiet, palette.Warning})
+            QVERIFY2(PagePalette::Contrast(text, panel) >= PagePalette::c_LeastContrast,
+                     qPrintable(text.name() + " on " + panel.name()));
+    }
+    QVERIFY(PagePalette::Contrast(palette.AccentText, palette.Accent) >=
+            PagePalette::c_LeastContrast);
+}
+
+void PageLookTest::NothingIsClipped_data()
+{
+    QTest::addColumn<QSize>("Size"); // of the page: the column of games is 80 wide
+    AddRow("1024 x 640", QSize(944, 640));
+    AddRow("1920 x 1080 at 200 %", QSize(880, 540));
+}
+
+void PageLookTest::NothingIsClipped()
+{
+    QFETCH(QSize, Size);
+    for (auto const& state : States()) {
+        Host::GamePage page(Card);
+        page.resize(Size);
+        page.Show(state.second);
+        page.ToggleHistory();
+        page.show();
+        QTest::qWait(0);
+        QCOMPARE(page.size(), Size); // it has not grown
+        for (auto* const part : page.findChildren<QWidget*>()) {
+            if (!part->isVisible() || part->isWindow() || part->visibleRegion().isEmpty() ||
+                part->inherits("QProgressBar")) // which wants room for a text that it has not
+                continue;
+            bool const isWhole = part->visibleRegion().boundingRect() == part->rect();
+            bool const isIn = page.rect().contains(AreaIn(page, *part));
+            QSize const least = part->minimumSizeHint();
+            auto const* const label = qobject_cast<QLabel*>(part);
+            bool const fits =
+                label != nullptr && label->wordWrap()
+                    ? label->height() >= label->heightForWidth(label->width())
+                    : part->width() >= least.width() && part->height() >= least.height();
+            QVERIFY2(isIn && isWhole && fits, qPrintable(QString("%1: %2 %3x%4, least %5x%6")
+                                                             .arg(state.first, NameOf(*part))
+                                                             .arg(part->width())
+                                                             .arg(part->height())
+                                                             .arg(least.width())
+                                                             .arg(least.height())));
+        }
+    }
+}
+
+void PageLookTest::EachControlHasANameAndTheKeyboardReachesIt()
+{
+    for (auto const& state : States()) {
+        Host::GamePage page(Card);
+        page.Show(state.second);
+        page.ToggleHistory();
+        page.show();
+        page.activateWindow();
+        page.FocusPrimary();
+        QSet<QWidget*> reached;
+        QWidget* part = &page;
+        while (!reached.contains(part = part->nextInFocusChain()))
+            reached.insert(part);
+        for (auto* const control : page.findChildren<QWidget*>()) {
+            bool const isControl = control->inherits("QAbstractButton") ||
+                                   control->inherits("QListWidget") ||
+                                   control->inherits("QProgressBar");
+            if (!isControl || !control->isVisible())
+                continue;
+            QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(control);
+            QVERIFY2(told != nullptr && !told->text(QAccessible::Name).isEmpty(),
+                     qPrintable(NameOf(*control)));
+            if (control->inherits("QProgressBar") || !control->isEnabled())
+                continue;
+            QVERIFY2((control->focusPolicy() & Qt::TabFocus) != 0 && reached.contains(control),
+                     qPrintable(NameOf(*control)));
+        }
+    }
+}
+
+} // namespace Varnholt::TestSupport
+
+VARNHOLT_TEST(Varnholt::TestSupport::PageLookTest)
+#include "tst_PageLook.moc"
