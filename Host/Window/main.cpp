@@ -1,10 +1,14 @@
+#include "Host/Cli/ConfigCommand.hpp"
+#include "Host/Cli/SignalWatch.hpp"
 #include "Host/Core/Session/HostSession.hpp"
+#include "Host/Core/Session/MessageLog.hpp"
+#include "Host/Window/Desktop/Desktop.hpp"
+#include "Host/Window/Desktop/SingleInstance.hpp"
 #include "Host/Window/Main/MainWindow.hpp"
+#include "Host/Window/Main/WindowParser.hpp"
 #include "Programs/StandardStreams.hpp"
 
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QFileInfo>
 #include <QTextCodec>
 
 #include <cstdlib>
@@ -12,55 +16,80 @@
 namespace {
 
 using namespace Varnholt::Host;
+using namespace Varnholt::Programs;
 
-QString Absolute(QString const& p_Path)
+/// What the settings keep, unless it was given.
+Choice Completed(Choice p_Choice, WindowSettings& p_Window)
 {
-    return p_Path.isEmpty() ? p_Path : QFileInfo(p_Path).absoluteFilePath();
+    HostSettings const settings(p_Choice.Options.SettingsFile);
+    ConfigCommand::Complete(p_Choice, settings);
+    if (!settings.ReadFailure())
+        p_Window = WindowSettings::Of(SettingsFile::Parse(settings.File()));
+    return p_Choice;
 }
 
-int Run(QApplication& p_Application)
+int Run(Choice const& p_Choice, QString const& p_Modules)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Installs, updates and starts games."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    QCommandLineOption const modules(QStringLiteral("modules"),
-                                     QStringLiteral("Folder of the modules."),
-                                     QStringLiteral("FOLDER"));
-    QCommandLineOption const settings(QStringLiteral("settings"), QStringLiteral("Settings file."),
-                                      QStringLiteral("FILE"));
-    QCommandLineOption const server(QStringLiteral("content-url"),
-                                    QStringLiteral("Content server."), QStringLiteral("URL"));
-    parser.addOptions({modules, settings, server});
-    parser.process(p_Application);
-
-    HostOptions options;
-    options.SettingsFile = Absolute(parser.value(settings));
-    options.ContentUrl = parser.value(server);
-    QString const folder = parser.isSet(modules)
-                               ? Absolute(parser.value(modules))
-                               : QFileInfo(HostOptions::DefaultModuleFile()).absolutePath();
-    MainWindow window(options, folder, {});
-    QObject::connect(&window, &MainWindow::Finished, &p_Application, &QApplication::quit,
+    SingleInstance instance(p_Choice.Options.SettingsFile);
+    if (instance.Begin() == SingleInstance::Outcome::Second)
+        return EXIT_SUCCESS;
+    QString const server = HostOptions().ContentServer(); // a session leads it elsewhere
+    WindowSettings settings;
+    Choice const choice = Completed(p_Choice, settings);
+    MessageLog const log(choice.LogFile, choice.Options.Names);
+    QObject::connect(
+        &log, &MessageLog::Logged, &log,
+        [](LogEntry const& p_Entry) {
+            if (p_Entry.Type == QtCriticalMsg || p_Entry.Type == QtFatalMsg)
+                StandardStreams::Write(stderr, p_Entry.Line() + QLatin1Char('\n'));
+        },
+        Qt::DirectConnection);
+    Language language;
+    language.Use(settings.Language);
+    MainWindow window(choice.Options, p_Modules, choice.LogFile);
+    Desktop desktop(window, language, settings, server);
+    QObject::connect(&instance, &SingleInstance::ShowRequested, &desktop, &Desktop::ShowWindow);
+    QObject::connect(&window, &MainWindow::Finished, qApp, &QApplication::quit,
                      Qt::QueuedConnection);
+    SignalWatch const ends; // what has arrived is kept, whoever ends the program
+    QObject::connect(&ends, &SignalWatch::EndRequested, &window, &MainWindow::Quit);
     QApplication::setQuitOnLastWindowClosed(false);
-    window.show();
-    window.Begin();
+    desktop.Begin();
     return QApplication::exec();
+}
+
+/// \param p_Count, p_Arguments without those of Qt
+int Start(int p_Count, char** p_Arguments)
+{
+    constexpr int c_UsageStatus = 2;
+
+    WindowParser parser;
+    try {
+        Choice const choice = parser.Parse(p_Count, p_Arguments);
+        return Run(choice, parser.ModuleFolder());
+    } catch (CLI::Success const& help) {
+        StandardStreams::Write(stdout, QString::fromStdString(parser.Answer(help)));
+        return EXIT_SUCCESS;
+    } catch (CLI::ParseError const& error) {
+        std::fprintf(stderr, "varnholt-window: %s; \"varnholt-window --help\" lists the options\n",
+                     error.what());
+        return c_UsageStatus;
+    }
 }
 
 } // namespace
 
 int main(int p_Count, char** p_Arguments)
 {
-    Varnholt::Programs::StandardStreams::Prepare();
+    StandardStreams::Prepare();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(p_Count, p_Arguments);
     QApplication::setApplicationName(QStringLiteral("varnholt-window"));
-    QApplication::setApplicationVersion(QStringLiteral(VARNHOLT_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("varnholt-window"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/varnholt-window.png")));
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    int const status = Run(application);
+    int const status = Start(p_Count, p_Arguments);
     if (HostSession::HasLeftModule())
         std::_Exit(status);
     return status;

@@ -9,9 +9,9 @@
 
 namespace Varnholt::TestSupport {
 
-HostGame::HostGame()
+HostGame::HostGame(QString const& p_Folder)
     : Base(QDir(Temporary.path()).canonicalPath() + QLatin1Char('/'))
-    , Folder(Base + QString::fromUtf8("Jeux été/Game/"))
+    , Folder(Base + p_Folder)
     , SettingsFile(Base + QStringLiteral("settings/host.ini"))
 {
 }

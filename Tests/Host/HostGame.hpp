@@ -14,7 +14,8 @@ namespace Varnholt::TestSupport {
 /// What a host works with: a content server, a folder to install into, a settings file.
 class HostGame {
 public:
-    HostGame();
+    /// \param p_Folder of the game, below a folder of its own
+    explicit HostGame(QString const& p_Folder = QString::fromUtf8("Jeux été/Game/"));
 
     /// Adds the files of a plain build: base files in two folders and both languages, two streamed
     /// ones. \return itself

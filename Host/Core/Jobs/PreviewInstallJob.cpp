@@ -23,6 +23,7 @@ void PreviewInstallJob::OnBuildKnown()
     Result.Warnings = FolderCheck::Objections(Where(), isMoved ? Where() : record.Folder());
     if (isElsewhere && !isMoved)
         Result.Warnings.push_back({FailureKind::InstalledElsewhere, record.Folder(), {}});
+    Result.Locales = Context.Module.GetAvailableLocales();
     MeasureSpace();
     CheckJob::OnBuildKnown();
 }

@@ -1,10 +1,9 @@
 #include "Host/Window/Dialogs/Dialogs.hpp"
 
+#include "Host/Window/Dialogs/InstallDialog.hpp"
+#include "Host/Window/Dialogs/LoginDialog.hpp"
+#include "Host/Window/Dialogs/UninstallDialog.hpp"
 #include "Host/Window/Main/GameController.hpp"
-
-#include <QDir>
-#include <QFileDialog>
-#include <QMessageBox>
 
 namespace Varnholt::Host {
 
@@ -15,34 +14,55 @@ Dialogs::Dialogs(GameController& p_Controller, QWidget& p_Window)
 {
 }
 
+void Dialogs::Open(QDialog& p_Dialog)
+{
+    p_Dialog.setAttribute(Qt::WA_DeleteOnClose);
+    p_Dialog.open();
+}
+
 void Dialogs::OpenInstall(QString const& p_Folder)
 {
-    QString const folder = QFileDialog::getExistingDirectory(
-        &Window, tr("Where shall the game be?"), p_Folder.isEmpty() ? QDir::homePath() : p_Folder);
-    if (folder.isEmpty())
-        return;
-    RunRequest request;
-    request.Kind = RunRequest::Type::Install;
-    request.Argument = folder;
-    Controller.Start(request);
+    auto* const dialog = new InstallDialog(Controller, p_Folder, &Window);
+    connect(dialog, &QDialog::accepted, this,
+            [this, dialog] { Controller.Start(dialog->Request()); });
+    Open(*dialog);
 }
 
 void Dialogs::OpenUninstall()
 {
-    if (QMessageBox::question(&Window, tr("Uninstall"), tr("Shall the game's files be deleted?")) !=
-        QMessageBox::Yes)
-        return;
-    RunRequest request;
-    request.Kind = RunRequest::Type::Uninstall;
-    request.DeletesFiles = request.Confirmed = true;
-    Controller.Start(request);
+    Open(*new UninstallDialog(Controller, &Window));
 }
-
-void Dialogs::OpenSettings() {}
 
 void Dialogs::OpenLogin()
 {
-    Controller.Start(RunRequest::Type::Play);
+    ReadLogin(false);
+}
+
+void Dialogs::OpenAccount()
+{
+    ReadLogin(true);
+}
+
+/// The store stays until the window goes: it may still be remembering when the game runs.
+void Dialogs::ReadLogin(bool p_Asks)
+{
+    auto* const store =
+        new LoginStore(Controller.Info().AppId, Server, Controller.Options().SettingsFile, this);
+    connect(store, &LoginStore::Noticed, &Controller, &GameController::Noticed);
+    connect(store, &LoginStore::WasRead, this, [=](LoginStore::Login const& p_Login) {
+        if (!p_Login.Asks && !p_Asks) {
+            RunRequest request;
+            request.Kind = RunRequest::Type::Play;
+            request.Argument = p_Login.Account;
+            request.Password = p_Login.Password;
+            return Controller.Start(request);
+        }
+        auto* const dialog = new LoginDialog(*store, Controller.Info().Name, p_Login, &Window);
+        connect(dialog, &QDialog::accepted, this,
+                [this, dialog] { Controller.Start(dialog->Request()); });
+        Open(*dialog);
+    });
+    store->Read();
 }
 
 } // namespace Varnholt::Host

@@ -1,5 +1,6 @@
 #include "Host/Window/Main/MainWindow.hpp"
 
+#include "Host/Window/Desktop/WindowTitle.hpp"
 #include "Host/Window/Dialogs/Dialogs.hpp"
 #include "Host/Window/Main/CommandRunner.hpp"
 #include "Host/Window/Pages/GameColumn.hpp"
@@ -123,7 +124,8 @@ void MainWindow::Refresh()
 
 void MainWindow::Translate()
 {
-    setWindowTitle(Shown == nullptr ? tr("Games") : Shown->Card().Name);
+    setWindowTitle(Shown == nullptr ? tr("Games")
+                                    : WindowTitle(Shown->Card().Name, Games.State()));
     if (!HasLooked)
         Empty->setText(tr("Looking for games…"));
     else

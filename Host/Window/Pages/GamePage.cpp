@@ -25,6 +25,12 @@ namespace Varnholt::Host {
 
 namespace {
 
+QString WithShortcut(QString const& p_Text, QToolButton const& p_Button)
+{
+    return QStringLiteral("%1 (%2)").arg(p_Text,
+                                         p_Button.shortcut().toString(QKeySequence::NativeText));
+}
+
 /// Whether it is worth to be told: a server may take a moment.
 bool IsLong(ServerWait const& p_Wait)
 {
@@ -124,6 +130,8 @@ void GamePage::MakeButtons()
         button->setFixedSize(c_PrimaryHeight * 4 / 5, c_PrimaryHeight);
         button->setFocusPolicy(Qt::StrongFocus);
     }
+    Pause->setShortcut(Qt::Key_F9); // they show no letters, and each language has others
+    More->setShortcut(Qt::Key_F10);
     connect(Primary, &QPushButton::clicked, this, [this] {
         if (auto const command = PrimaryAction::Of(State).Command)
             Q_EMIT Requested(*command);
@@ -166,7 +174,7 @@ void GamePage::ShowButtons()
     QString const text = CommandText(State.IsPaused ? PageCommand::Resume : PageCommand::Pause)
                              .remove(QLatin1Char('&'));
     Pause->setAccessibleName(text);
-    Pause->setToolTip(text);
+    Pause->setToolTip(WithShortcut(text, *Pause));
 }
 
 void GamePage::ShowTrouble()
@@ -210,7 +218,7 @@ QString GamePage::Diagnosis(ModuleInfo const& p_Module) const
 void GamePage::Translate()
 {
     More->setAccessibleName(tr("More"));
-    More->setToolTip(tr("More"));
+    More->setToolTip(WithShortcut(tr("More"), *More));
     History->setAccessibleName(tr("History"));
     Progress->Translate();
     Entries->Translate();

@@ -16,7 +16,7 @@ constexpr char c_Sheet[] = R"(
 QProgressBar { background: {veil}; border: none; border-radius: 3px; }
 QProgressBar::chunk { background: {accent}; border-radius: 3px; }
 QPushButton { color: {text}; background: {veil}; border: 2px solid transparent;
-    border-radius: 8px; padding: 6px 16px; font-size: 14px; }
+    border-radius: 8px; padding: 6px 16px; font-size: 14px; outline: none; }
 QPushButton:hover { background: {veil2}; }
 QPushButton:focus, QToolButton:focus { border-color: {text}; }
 QPushButton:disabled { color: {quiet}; }

@@ -1,0 +1,125 @@
+#include "Host/Window/Dialogs/LoginDialog.hpp"
+
+#include "Host/Window/Dialogs/DialogParts.hpp"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace Varnholt::Host {
+
+LoginDialog::LoginDialog(LoginStore& p_Store, QString const& p_Game,
+                         LoginStore::Login const& p_Login, QWidget* p_Parent)
+    : QDialog(p_Parent)
+    , Store(p_Store)
+    , Game(p_Game)
+    , Known(p_Login)
+{
+    setObjectName(QStringLiteral("LoginDialog"));
+    Build();
+    Account->setText(Known.Account);
+    Remember->setChecked(!Known.Asks);
+    SetTexts();
+    for (QLineEdit* const field : {Account, Password})
+        connect(field, &QLineEdit::textChanged, this, &LoginDialog::Enable);
+    connect(Without, &QPushButton::clicked, this, [this] {
+        WithoutLogin = true;
+        accept();
+    });
+    if (!Known.Account.isEmpty())
+        Password->setFocus();
+}
+
+void LoginDialog::Build()
+{
+    auto* const layout = new QVBoxLayout(this);
+    Explanation = DialogParts::AddText(*this);
+    auto* const form = new QFormLayout;
+    Account = new QLineEdit(this);
+    AccountLabel = DialogParts::AddField(*form, *Account);
+    Password = new QLineEdit(this);
+    Password->setEchoMode(QLineEdit::Password);
+    PasswordLabel = DialogParts::AddField(*form, *Password);
+    Remember = new QCheckBox(this);
+    form->addRow(Remember);
+    layout->addLayout(form);
+    layout->addStretch();
+    auto* const buttons = new QDialogButtonBox(this);
+    Play = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
+    Without = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
+    Cancel = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
+    Without->setAutoDefault(false);
+    Play->setDefault(true);
+    connect(buttons, &QDialogButtonBox::accepted, this, &LoginDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    layout->addWidget(buttons);
+    DialogParts::Widen(*this);
+}
+
+void LoginDialog::SetTexts()
+{
+    setWindowTitle(tr("Play %1").arg(Game));
+    Explanation->setText(tr("With account and password the game logs in by itself."));
+    AccountLabel->setText(tr("&Account:"));
+    Account->setAccessibleName(tr("Account"));
+    PasswordLabel->setText(tr("Pass&word:"));
+    Password->setAccessibleName(tr("Password"));
+    Remember->setText(tr("&Remember, and do not ask again"));
+    Remember->setToolTip(tr("The password is kept in the desktop's secret store, and nowhere "
+                            "else."));
+    Play->setText(tr("&Play"));
+    Without->setText(tr("Play &without logging in"));
+    Cancel->setText(tr("&Cancel"));
+    Enable();
+}
+
+void LoginDialog::changeEvent(QEvent* p_Event)
+{
+    if (p_Event->type() == QEvent::LanguageChange)
+        SetTexts();
+    QDialog::changeEvent(p_Event);
+}
+
+bool LoginDialog::HasRemembered() const
+{
+    return !Known.Password.isEmpty() && Account->text() == Known.Account;
+}
+
+void LoginDialog::Enable()
+{
+    Password->setPlaceholderText(HasRemembered() ? tr("remembered") : QString());
+    Play->setEnabled(!Account->text().isEmpty() &&
+                     (!Password->text().isEmpty() || HasRemembered()));
+}
+
+RunRequest LoginDialog::Request() const
+{
+    RunRequest request;
+    request.Kind = RunRequest::Type::Play;
+    if (WithoutLogin)
+        return request;
+    request.Argument = Account->text();
+    request.Password = Password->text().isEmpty() ? Known.Password : Password->text();
+    return request;
+}
+
+void LoginDialog::accept()
+{
+    Keep();
+    QDialog::accept();
+}
+
+void LoginDialog::Keep() const
+{
+    RunRequest const request = Request();
+    if (Remember->isChecked())
+        Store.Remember({request.Argument, Password->text(), false});
+    else if (!Known.Asks || !Known.Password.isEmpty())
+        Store.Forget(Known.Account);
+}
+
+} // namespace Varnholt::Host

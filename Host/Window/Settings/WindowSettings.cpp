@@ -1,0 +1,106 @@
+#include "Host/Window/Settings/WindowSettings.hpp"
+
+#include "Host/Cli/KeptOption.hpp"
+#include "Host/Cli/OptionText.hpp"
+
+#include <algorithm>
+
+namespace Varnholt::Host {
+
+namespace {
+
+using Values = SettingsFile::Values;
+
+QString const c_Language = QStringLiteral("window/language");
+QString const c_StartMinimised = QStringLiteral("window/start-minimised");
+QString const c_StayInTray = QStringLiteral("window/stay-in-tray");
+QString const c_Notify = QStringLiteral("window/notify");
+QString const c_Geometry = QStringLiteral("window/geometry");
+QString const c_ContentUrl = QStringLiteral("options/content-url");
+QString const c_DevChannel = QStringLiteral("options/dev-channel");
+QString const c_LimitRate = QStringLiteral("options/limit-rate");
+QString const c_Connections = QStringLiteral("options/connections");
+QString const c_TrustKey = QStringLiteral("options/trust-key");
+
+bool IsYes(Values const& p_Values, QString const& p_Key, bool p_Default)
+{
+    return OptionText::YesOrNo(p_Values.value(p_Key).toString()).value_or(p_Default);
+}
+
+} // namespace
+
+WindowSettings WindowSettings::Of(Values const& p_Values)
+{
+    WindowSettings const usual;
+    WindowSettings settings;
+    settings.Language = p_Values.value(c_Language).toString();
+    settings.StartsMinimised = IsYes(p_Values, c_StartMinimised, usual.StartsMinimised);
+    settings.StaysInTray = IsYes(p_Values, c_StayInTray, usual.StaysInTray);
+    settings.Notifies = IsYes(p_Values, c_Notify, usual.Notifies);
+    settings.UsesDevChannel = IsYes(p_Values, c_DevChannel, usual.UsesDevChannel);
+    QString const server = p_Values.value(c_ContentUrl).toString();
+    if (OptionText::WhyNotServer(server).isEmpty())
+        settings.ContentUrl = server;
+    settings.BytesPerSecond = OptionText::Rate(p_Values.value(c_LimitRate).toString()).value_or(0);
+    QString const connections = p_Values.value(c_Connections).toString();
+    if (OptionText::WhyNotConnections(connections).isEmpty())
+        settings.Connections = connections.toInt();
+    settings.TrustKey = p_Values.value(c_TrustKey).toString();
+    settings.Geometry = QByteArray::fromBase64(p_Values.value(c_Geometry).toString().toLatin1());
+    return settings;
+}
+
+Values WindowSettings::ChangesFrom(WindowSettings const& p_Before) const
+{
+    Values changes;
+    auto const note = [&changes](QString const& p_Key, auto const& p_Now, auto const& p_Then) {
+        if (p_Now != p_Then)
+            changes[p_Key] = QVariant::fromValue(p_Now).toString();
+    };
+    auto const noteOrRemove = [&](QString const& p_Key, QString const& p_Now,
+                                  QString const& p_Then) {
+        note(p_Key, p_Now, p_Then);
+        if (p_Now != p_Then && p_Now.isEmpty())
+            changes[p_Key] = QVariant();
+    };
+    noteOrRemove(c_Language, Language, p_Before.Language);
+    note(c_StartMinimised, StartsMinimised, p_Before.StartsMinimised);
+    note(c_StayInTray, StaysInTray, p_Before.StaysInTray);
+    note(c_Notify, Notifies, p_Before.Notifies);
+    noteOrRemove(c_ContentUrl, ContentUrl, p_Before.ContentUrl);
+    note(c_DevChannel, UsesDevChannel, p_Before.UsesDevChannel);
+    note(c_LimitRate, BytesPerSecond, p_Before.BytesPerSecond);
+    note(c_Connections, Connections, p_Before.Connections);
+    noteOrRemove(c_TrustKey, TrustKey, p_Before.TrustKey);
+    noteOrRemove(c_Geometry, QString::fromLatin1(Geometry.toBase64()),
+                 QString::fromLatin1(p_Before.Geometry.toBase64()));
+    return changes;
+}
+
+void WindowSettings::ApplyTo(HostOptions& p_Options, WindowSettings const& p_Before) const
+{
+    auto const give = [](auto& p_Place, auto const& p_Now, auto const& p_Then) {
+        if (p_Now != p_Then)
+            p_Place = p_Now;
+    };
+    give(p_Options.ContentUrl, ContentUrl, p_Before.ContentUrl);
+    give(p_Options.UseDevChannel, UsesDevChannel, p_Before.UsesDevChannel);
+    give(p_Options.BytesPerSecond, BytesPerSecond, p_Before.BytesPerSecond);
+    give(p_Options.Connections, Connections, p_Before.Connections);
+}
+
+bool WindowSettings::NeedsNewSession(WindowSettings const& p_Before) const
+{
+    return ContentUrl != p_Before.ContentUrl || UsesDevChannel != p_Before.UsesDevChannel ||
+           Connections != p_Before.Connections || TrustKey != p_Before.TrustKey;
+}
+
+bool WindowSettings::KnowsTrustKey()
+{
+    std::vector<KeptOption> const options = KeptOption::All();
+    return std::any_of(options.begin(), options.end(), [](KeptOption const& p_Option) {
+        return QLatin1String(p_Option.Name) == QLatin1String("trust-key");
+    });
+}
+
+} // namespace Varnholt::Host

@@ -1,0 +1,89 @@
+#include "Tests/Screen/ScreenGame.hpp"
+
+#include "Tests/Host/HostProcess.hpp"
+#include "Tests/Support/TestHost.hpp"
+
+#include <QFileInfo>
+#include <QtTest>
+
+namespace Varnholt::TestSupport {
+
+namespace {
+
+constexpr char c_GameScript[] = R"(#!/bin/sh
+echo started >>"$0.starts"
+while [ -e "$0.run" ]; do sleep 0.02; done
+)";
+
+} // namespace
+
+ScreenGame::ScreenGame(QSize const& p_Size, QString const& p_Language)
+    : HostGame(QStringLiteral("home/Games/%1/").arg(c_Name))
+    , Shown(p_Size.width(), p_Size.height())
+{
+    constexpr qint32 c_Executable = 0x02 | 0x04 | 0x08; // of either platform
+
+    AddFiles();
+    Content.Add({c_Program, c_GameScript, c_Executable});
+    for (char const* const screen : {"xml", "lua"})
+        Content.Add({QStringLiteral("Interface/GlueXMl/AccountLogin.%1.origin").arg(screen),
+                     "<{varnholt_autolog_login}|{varnholt_autolog_password}>"});
+    Publish();
+    SetSetting("window/language", p_Language);
+}
+
+ScreenGame::~ScreenGame()
+{
+    LetGo();
+    Close();
+}
+
+bool ScreenGame::Open(QStringList const& p_Options)
+{
+    QProcessEnvironment environment = HostProcess::Environment(*this);
+    environment.insert("DISPLAY", Shown.Display());
+    environment.insert("QT_QPA_PLATFORM", "xcb");
+    environment.insert("XDG_RUNTIME_DIR", Base);
+    for (char const* const name : {"DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY"})
+        environment.remove(QString::fromLatin1(name));
+    Program.setProcessEnvironment(environment);
+    Program.setWorkingDirectory(Base);
+    Program.setProcessChannelMode(QProcess::ForwardedChannels);
+    Program.start(VARNHOLT_WINDOW_PROGRAM,
+                  QStringList{"--settings", SettingsFile, "--content-url", Server.BaseUrl()} +
+                      p_Options);
+    return Program.waitForStarted() && Shown.Focus(c_Name);
+}
+
+int ScreenGame::Close()
+{
+    if (Program.state() == QProcess::NotRunning)
+        return Program.exitCode();
+    Program.terminate();
+    return Program.waitForFinished() ? Program.exitCode() : -1;
+}
+
+bool ScreenGame::Press(QString const& p_Title, QStringList const& p_Keys)
+{
+    if (!Shown.Focus(p_Title))
+        return false;
+    Shown.Press(p_Keys);
+    return true;
+}
+
+bool ScreenGame::WaitForTitle(QString const& p_Title)
+{
+    return WaitUntil([&] { return Shown.Window('^' + p_Title + '$') != 0; });
+}
+
+bool ScreenGame::WaitUntil(std::function<bool()> const& p_Condition)
+{
+    return QTest::qWaitFor(p_Condition, TestHost::c_Timeout);
+}
+
+void ScreenGame::LetGo() const
+{
+    QFile::remove(Path(QString(c_Program) + ".run"));
+}
+
+} // namespace Varnholt::TestSupport
