@@ -6,6 +6,12 @@
 #include <QLibraryInfo>
 #include <QLocale>
 
+/// Of a library they are there only when somebody asks for them.
+static void LoadTranslations()
+{
+    Q_INIT_RESOURCE(translations);
+}
+
 namespace Varnholt::Host {
 
 namespace {
@@ -46,6 +52,7 @@ void Language::Use(QString const& p_Code)
     for (auto const& translator : Translators)
         QCoreApplication::removeTranslator(translator.get());
     Translators.clear();
+    LoadTranslations();
     QLocale::setDefault(QLocale(LocaleName(code))); // what follows tells the widgets
     Install(QStringLiteral("qtbase_") + code.left(2),
             QLibraryInfo::location(QLibraryInfo::TranslationsPath));

@@ -1,0 +1,1633 @@
+<?xml version='1.0' encoding='utf-8'?>
+<TS version="2.1" language="fr_FR" sourcelanguage="en_US">
+<context>
+    <name>Varnholt::Host::ByteText</name>
+    <message>
+        <source>C</source>
+        <extracomment>The language whose way to write numbers and units is used, such as "fr" or "it"</extracomment>
+        <translation>fr</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::Failure</name>
+    <message>
+        <source>try again</source>
+        <translation>réessayez</translation>
+    </message>
+    <message>
+        <source>{s} is not installed</source>
+        <translation>{s} n'est pas installé</translation>
+    </message>
+    <message>
+        <source>install it first</source>
+        <translation>installez-le d'abord</translation>
+    </message>
+    <message>
+        <source>the build does not offer the language "{s}"</source>
+        <translation>la version ne propose pas la langue « {s} »</translation>
+    </message>
+    <message>
+        <source>choose one of: {d}</source>
+        <translation>choisissez parmi : {d}</translation>
+    </message>
+    <message>
+        <source>there is no module file {s}</source>
+        <translation>le fichier de module {s} n'existe pas</translation>
+    </message>
+    <message>
+        <source>check its name, or install the module again</source>
+        <translation>vérifiez son nom ou réinstallez le module</translation>
+    </message>
+    <message>
+        <source>the file {s} is not a launcher module ({d})</source>
+        <translation>le fichier {s} n'est pas un module du lanceur ({d})</translation>
+    </message>
+    <message>
+        <source>choose another module file</source>
+        <translation>choisissez un autre fichier de module</translation>
+    </message>
+    <message>
+        <source>the module {s} cannot be loaded ({d})</source>
+        <translation>le module {s} ne peut pas être chargé ({d})</translation>
+    </message>
+    <message>
+        <source>install what it lacks, or the module again</source>
+        <translation>installez ce qui lui manque, ou réinstallez le module</translation>
+    </message>
+    <message>
+        <source>the module {s} is not loaded</source>
+        <translation>le module {s} n'est pas chargé</translation>
+    </message>
+    <message>
+        <source>open the session first</source>
+        <translation>ouvrez d'abord la session</translation>
+    </message>
+    <message>
+        <source>{s} is busy with another request</source>
+        <translation>{s} est occupé par une autre demande</translation>
+    </message>
+    <message>
+        <source>wait for its end, or interrupt it</source>
+        <translation>attendez la fin de celle-ci ou interrompez-la</translation>
+    </message>
+    <message>
+        <source>{s} cannot be fetched ({d})</source>
+        <translation>{s} ne peut pas être téléchargé ({d})</translation>
+    </message>
+    <message>
+        <source>check the network connection and the server's address, then try again</source>
+        <translation>vérifiez la connexion réseau et l'adresse du serveur, puis réessayez</translation>
+    </message>
+    <message>
+        <source>the server does not give {s} ({d})</source>
+        <translation>le serveur ne donne pas {s} ({d})</translation>
+    </message>
+    <message>
+        <source>check the server's address, or try again when the server is in order</source>
+        <translation>vérifiez l'adresse du serveur, ou réessayez quand il sera de nouveau en ordre</translation>
+    </message>
+    <message>
+        <source>nothing more arrives from {s} ({d})</source>
+        <translation>plus rien n'arrive de {s} ({d})</translation>
+    </message>
+    <message>
+        <source>check the network connection, then try again</source>
+        <translation>vérifiez la connexion réseau, puis réessayez</translation>
+    </message>
+    <message>
+        <source>the server {s} cannot be trusted ({d})</source>
+        <translation>le serveur {s} n'est pas digne de confiance ({d})</translation>
+    </message>
+    <message>
+        <source>name the authority that its operator goes by with --ca-file, or tell the operator</source>
+        <translation>indiquez avec --ca-file l'autorité dont se réclame son exploitant, ou prévenez celui-ci</translation>
+    </message>
+    <message>
+        <source>check --proxy and the variables of the environment that name a proxy, then try again</source>
+        <translation>vérifiez --proxy et les variables d'environnement qui désignent un proxy, puis réessayez</translation>
+    </message>
+    <message>
+        <source>nothing is kept about {s} to go on with offline ({d})</source>
+        <translation>rien n'est conservé de {s} pour continuer hors ligne ({d})</translation>
+    </message>
+    <message>
+        <source>run "update" once while its server answers</source>
+        <translation>lancez « update » une fois pendant que son serveur répond</translation>
+    </message>
+    <message>
+        <source>what the server gives as {s} is not usable ({d})</source>
+        <translation>ce que le serveur donne pour {s} est inutilisable ({d})</translation>
+    </message>
+    <message>
+        <source>the build {s} holds no files for this platform</source>
+        <translation>la version {s} ne contient aucun fichier pour cette plateforme</translation>
+    </message>
+    <message>
+        <source>ask who publishes it</source>
+        <translation>demandez à celui qui la publie</translation>
+    </message>
+    <message>
+        <source>check the network connection and run "update"; everything else is in place and kept</source>
+        <translation>vérifiez la connexion réseau et lancez « update » ; tout le reste est en place et conservé</translation>
+    </message>
+    <message>
+        <source>run "update" again; everything else is in place and kept</source>
+        <translation>relancez « update » ; tout le reste est en place et conservé</translation>
+    </message>
+    <message>
+        <source>the volume of {s} is too full ({d})</source>
+        <translation>le volume de {s} est trop plein ({d})</translation>
+    </message>
+    <message>
+        <source>free some space, then try again; what has arrived is kept</source>
+        <translation>libérez de la place, puis réessayez ; ce qui est arrivé est conservé</translation>
+    </message>
+    <message>
+        <source>the game is already installed in {s}</source>
+        <translation>le jeu est déjà installé dans {s}</translation>
+    </message>
+    <message>
+        <source>update it there, or confirm (--yes) that it shall be installed anew</source>
+        <translation>mettez-le à jour là-bas, ou confirmez (--yes) qu'il doit être installé de nouveau</translation>
+    </message>
+    <message>
+        <source>the installation folder {s} does not exist</source>
+        <translation>le dossier d'installation {s} n'existe pas</translation>
+    </message>
+    <message>
+        <source>connect its drive, or run "install" with the folder that it was moved to</source>
+        <translation>connectez son disque, ou lancez « install » avec le dossier où il a été déplacé</translation>
+    </message>
+    <message>
+        <source>{s} is a file, not a folder</source>
+        <translation>{s} est un fichier, pas un dossier</translation>
+    </message>
+    <message>
+        <source>choose another folder</source>
+        <translation>choisissez un autre dossier</translation>
+    </message>
+    <message>
+        <source>{s} is no folder for a game ({d})</source>
+        <translation>{s} n'est pas un dossier pour un jeu ({d})</translation>
+    </message>
+    <message>
+        <source>choose a folder of its own</source>
+        <translation>choisissez un dossier qui lui soit propre</translation>
+    </message>
+    <message>
+        <source>the folder {s} holds other files</source>
+        <translation>le dossier {s} contient d'autres fichiers</translation>
+    </message>
+    <message>
+        <source>choose an empty folder, or confirm (--yes) that the game shall go there</source>
+        <translation>choisissez un dossier vide, ou confirmez (--yes) que le jeu doit y aller</translation>
+    </message>
+    <message>
+        <source>the folder {s} cannot be written ({d})</source>
+        <translation>le dossier {s} n'est pas accessible en écriture ({d})</translation>
+    </message>
+    <message>
+        <source>change its permissions or choose another folder</source>
+        <translation>changez ses permissions ou choisissez un autre dossier</translation>
+    </message>
+    <message>
+        <source>a folder stands where the file {s} belongs</source>
+        <translation>un dossier se trouve à la place du fichier {s}</translation>
+    </message>
+    <message>
+        <source>move that folder away, then try again</source>
+        <translation>déplacez ce dossier, puis réessayez</translation>
+    </message>
+    <message>
+        <source>the file {s} cannot be written ({d})</source>
+        <translation>le fichier {s} ne peut pas être écrit ({d})</translation>
+    </message>
+    <message>
+        <source>remove what stands in its way or change the permissions, then try again</source>
+        <translation>enlevez ce qui gêne ou changez les permissions, puis réessayez</translation>
+    </message>
+    <message>
+        <source>the symbolic link {s} is not followed, to {d}</source>
+        <translation>le lien symbolique {s} n'est pas suivi, vers {d}</translation>
+    </message>
+    <message>
+        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run "repair"; everything else is in place</source>
+        <translation>connectez le disque vers lequel il mène, ou mettez à sa place un lien à vous, un dossier ou un fichier ; puis lancez « repair » ; tout le reste est en place</translation>
+    </message>
+    <message>
+        <source>the settings file {s} cannot be read ({d})</source>
+        <translation>le fichier de réglages {s} ne peut pas être lu ({d})</translation>
+    </message>
+    <message>
+        <source>correct it or its permissions, or choose another file</source>
+        <translation>corrigez-le ou ses permissions, ou choisissez un autre fichier</translation>
+    </message>
+    <message>
+        <source>the settings file {s} cannot be written ({d})</source>
+        <translation>le fichier de réglages {s} ne peut pas être écrit ({d})</translation>
+    </message>
+    <message>
+        <source>change its permissions or choose another file</source>
+        <translation>changez ses permissions ou choisissez un autre fichier</translation>
+    </message>
+    <message>
+        <source>another program works in the folder {s} ({d})</source>
+        <translation>un autre programme travaille dans le dossier {s} ({d})</translation>
+    </message>
+    <message>
+        <source>wait for it to end, then try again</source>
+        <translation>attendez qu'il ait fini, puis réessayez</translation>
+    </message>
+    <message>
+        <source>the game in {s} is running</source>
+        <translation>le jeu dans {s} est en cours</translation>
+    </message>
+    <message>
+        <source>quit it, then try again</source>
+        <translation>quittez-le, puis réessayez</translation>
+    </message>
+    <message>
+        <source>the build {s} names no program to start</source>
+        <translation>la version {s} n'indique aucun programme à lancer</translation>
+    </message>
+    <message>
+        <source>the game cannot be started: {s} is missing</source>
+        <translation>le jeu ne peut pas être lancé : {s} manque</translation>
+    </message>
+    <message>
+        <source>run "repair"</source>
+        <translation>lancez « repair »</translation>
+    </message>
+    <message>
+        <source>the game cannot be started: {s} is no program that you may run ({d})</source>
+        <translation>le jeu ne peut pas être lancé : {s} n'est pas un programme que vous pouvez exécuter ({d})</translation>
+    </message>
+    <message>
+        <source>change its permissions, run "repair", or name what runs it with --wrapper</source>
+        <translation>changez ses permissions, lancez « repair », ou indiquez avec --wrapper ce qui l'exécute</translation>
+    </message>
+    <message>
+        <source>the wrapper {s} cannot be started ({d})</source>
+        <translation>le programme enveloppe {s} ne peut pas être lancé ({d})</translation>
+    </message>
+    <message>
+        <source>install it, or name another one with --wrapper</source>
+        <translation>installez-le, ou indiquez-en un autre avec --wrapper</translation>
+    </message>
+    <message>
+        <source>the game has ended with an error ({d}), its output is in {s}</source>
+        <translation>le jeu s'est terminé par une erreur ({d}), sa sortie est dans {s}</translation>
+    </message>
+    <message>
+        <source>look there for the cause, or run "verify"</source>
+        <translation>cherchez-y la cause, ou lancez « verify »</translation>
+    </message>
+    <message>
+        <source>the game is uninstalled, but files remain in {s}: {d}</source>
+        <translation>le jeu est désinstallé, mais des fichiers restent dans {s} : {d}</translation>
+    </message>
+    <message>
+        <source>remove them by hand</source>
+        <translation>supprimez-les à la main</translation>
+    </message>
+    <message>
+        <source>an update to build {d} fetches {s}</source>
+        <translation>une mise à jour vers la version {d} télécharge {s}</translation>
+    </message>
+    <message>
+        <source>run "update"</source>
+        <translation>lancez « update »</translation>
+    </message>
+    <message>
+        <source>the game differs from build {d} in {s}</source>
+        <translation>le jeu diffère de la version {d} : {s}</translation>
+    </message>
+    <message>
+        <source>{s} servers are not in order ({d})</source>
+        <translation>{s} serveurs ne sont pas en ordre ({d})</translation>
+    </message>
+    <message>
+        <source>tell who runs them</source>
+        <translation>prévenez ceux qui les exploitent</translation>
+    </message>
+    <message>
+        <source>no download is under way with the settings {s}</source>
+        <translation>aucun téléchargement n'est en cours avec les réglages {s}</translation>
+    </message>
+    <message>
+        <source>start one first</source>
+        <translation>commencez-en un d'abord</translation>
+    </message>
+    <message>
+        <source>the program that downloads into {s} has ended without a word</source>
+        <translation>le programme qui télécharge dans {s} s'est terminé sans un mot</translation>
+    </message>
+    <message>
+        <source>"update" goes on with the download</source>
+        <translation>« update » poursuit le téléchargement</translation>
+    </message>
+    <message>
+        <source>there is no setting "{s}"</source>
+        <translation>il n'y a pas de réglage « {s} »</translation>
+    </message>
+    <message>
+        <source>the setting "{s}" is not usable: {d}</source>
+        <translation>le réglage « {s} » est inutilisable : {d}</translation>
+    </message>
+    <message>
+        <source>"varnholt-host --help" tells what it can be</source>
+        <translation>« varnholt-host --help » dit ce qu'il peut être</translation>
+    </message>
+    <message>
+        <source>the files in {s} are deleted only when that is confirmed</source>
+        <translation>les fichiers dans {s} ne sont supprimés qu'après confirmation</translation>
+    </message>
+    <message>
+        <source>add --yes</source>
+        <translation>ajoutez --yes</translation>
+    </message>
+    <message>
+        <source>interrupted</source>
+        <translation>interrompu</translation>
+    </message>
+    <message>
+        <source>give the same command again to go on; what has arrived is kept</source>
+        <translation>redonnez la même commande pour continuer ; ce qui est arrivé est conservé</translation>
+    </message>
+    <message>
+        <source>cause unknown</source>
+        <translation>cause inconnue</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::FetchFailure</name>
+    <message>
+        <source>it is damaged, or a page of another kind</source>
+        <translation>il est abîmé, ou c'est une page d'un autre genre</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::FileAmount</name>
+    <message>
+        <source>1 file</source>
+        <translation>1 fichier</translation>
+    </message>
+    <message>
+        <source>%1 files</source>
+        <translation>%1 fichiers</translation>
+    </message>
+    <message>
+        <source>%1 (at least %2)</source>
+        <translation>%1 (au moins %2)</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::FileDiagnosis</name>
+    <message>
+        <source>the file %1 could not be fetched</source>
+        <translation>le fichier %1 n'a pas pu être téléchargé</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>et %1 autres</translation>
+    </message>
+    <message>
+        <source>%1 files could not be fetched: %2</source>
+        <translation>%1 fichiers n'ont pas pu être téléchargés : %2</translation>
+    </message>
+    <message>
+        <source>%1 for %2</source>
+        <translation>%1 pour %2</translation>
+    </message>
+    <message>
+        <source>what the server gave is not what the build announces</source>
+        <translation>ce que le serveur a donné n'est pas ce que la version annonce</translation>
+    </message>
+    <message>
+        <source>the old file cannot be replaced</source>
+        <translation>l'ancien fichier ne peut pas être remplacé</translation>
+    </message>
+    <message>
+        <source>a folder stands at %1</source>
+        <translation>un dossier se trouve à %1</translation>
+    </message>
+    <message>
+        <source>%1 cannot be opened</source>
+        <translation>%1 ne peut pas être ouvert</translation>
+    </message>
+    <message>
+        <source>%1 is no folder</source>
+        <translation>%1 n'est pas un dossier</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::FolderAdvice</name>
+    <message>
+        <source>This is a file. Choose a folder.</source>
+        <translation>C'est un fichier. Choisissez un dossier.</translation>
+    </message>
+    <message>
+        <source>A game needs a folder of its own: %1.</source>
+        <translation>Un jeu a besoin d'un dossier à lui : %1.</translation>
+    </message>
+    <message>
+        <source>You cannot write here: %1.</source>
+        <translation>Vous ne pouvez pas écrire ici : %1.</translation>
+    </message>
+    <message>
+        <source>The folder is not empty. The game would lie among the files that are there.</source>
+        <translation>Le dossier n'est pas vide. Le jeu se trouverait parmi les fichiers qui y sont.</translation>
+    </message>
+    <message>
+        <source>The game is already installed in %1. Its files stay there, but only those here will be kept up to date.</source>
+        <translation>Le jeu est déjà installé dans %1. Ses fichiers y restent, mais seuls ceux d'ici seront tenus à jour.</translation>
+    </message>
+    <message>
+        <source>There is too little room: %1.</source>
+        <translation>Il n'y a pas assez de place : %1.</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::FolderCheck</name>
+    <message>
+        <source>it is the root</source>
+        <translation>c'est la racine</translation>
+    </message>
+    <message>
+        <source>it is your home folder</source>
+        <translation>c'est votre dossier personnel</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::GameController</name>
+    <message>
+        <source>%1 is being worked on. Stop that, or wait for its end, before you choose another game.</source>
+        <translation>%1 est en cours de traitement. Arrêtez cela ou attendez la fin avant de choisir un autre jeu.</translation>
+    </message>
+    <message>
+        <source>The game runs.</source>
+        <translation>Le jeu est en cours.</translation>
+    </message>
+    <message>
+        <source>The game has ended.</source>
+        <translation>Le jeu est terminé.</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::GamePage</name>
+    <message>
+        <source>More</source>
+        <translation>Plus</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>Historique</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::GameProcess</name>
+    <message>
+        <source>signal %1, %2</source>
+        <translation>signal %1, %2</translation>
+    </message>
+    <message>
+        <source>exit status %1</source>
+        <translation>code de sortie %1</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::GameStart</name>
+    <message>
+        <source>this system runs no program of its format</source>
+        <translation>ce système n'exécute pas de programmes de ce format</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is missing</source>
+        <translation>son interpréteur %1 manque</translation>
+    </message>
+    <message>
+        <source>what this system needs to run it is missing</source>
+        <translation>il manque à ce système de quoi l'exécuter</translation>
+    </message>
+    <message>
+        <source>its volume is mounted for no programs</source>
+        <translation>son volume est monté sans droit d'exécuter des programmes</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is no program that you may run</source>
+        <translation>son interpréteur %1 n'est pas un programme que vous pouvez exécuter</translation>
+    </message>
+    <message>
+        <source>its permissions do not let you</source>
+        <translation>ses permissions ne vous le permettent pas</translation>
+    </message>
+    <message>
+        <source>it is no file</source>
+        <translation>ce n'est pas un fichier</translation>
+    </message>
+    <message>
+        <source>there is no such program</source>
+        <translation>ce programme n'existe pas</translation>
+    </message>
+    <message>
+        <source>cannot be copied</source>
+        <translation>ne peut pas être copié</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>manque</translation>
+    </message>
+    <message>
+        <source>; it said last: "%1"</source>
+        <translation> ; il a dit en dernier : « %1 »</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::IdleText</name>
+    <message>
+        <source>Another program is at work here</source>
+        <translation>Un autre programme est à l'œuvre ici</translation>
+    </message>
+    <message>
+        <source>The game's module cannot be used</source>
+        <translation>Le module du jeu est inutilisable</translation>
+    </message>
+    <message>
+        <source>The game runs; downloads wait until it has ended</source>
+        <translation>Le jeu est en cours ; les téléchargements attendent sa fin</translation>
+    </message>
+    <message>
+        <source>Opening…</source>
+        <translation>Ouverture…</translation>
+    </message>
+    <message>
+        <source>Not installed</source>
+        <translation>Pas installé</translation>
+    </message>
+    <message>
+        <source>The folder %1 is not there</source>
+        <translation>Le dossier %1 n'est pas là</translation>
+    </message>
+    <message>
+        <source>Not complete yet</source>
+        <translation>Pas encore complet</translation>
+    </message>
+    <message numerus="yes">
+        <source>Not complete yet: %n file(s) to come</source>
+        <translation>
+            <numerusform>Pas encore complet : %n fichier à venir</numerusform>
+            <numerusform>Pas encore complet : %n fichiers à venir</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>An update is there</source>
+        <translation>Une mise à jour est disponible</translation>
+    </message>
+    <message>
+        <source>Installed</source>
+        <translation>Installé</translation>
+    </message>
+    <message>
+        <source>Complete · build %1</source>
+        <translation>Complet · version %1</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::InstallDialog</name>
+    <message>
+        <source>Install %1</source>
+        <translation>Installer %1</translation>
+    </message>
+    <message>
+        <source>&amp;Folder:</source>
+        <translation>&amp;Dossier :</translation>
+    </message>
+    <message>
+        <source>Folder of the game</source>
+        <translation>Dossier du jeu</translation>
+    </message>
+    <message>
+        <source>C&amp;hoose…</source>
+        <translation>C&amp;hoisir…</translation>
+    </message>
+    <message>
+        <source>&amp;Language:</source>
+        <translation>&amp;Langue :</translation>
+    </message>
+    <message>
+        <source>Language of the game</source>
+        <translation>Langue du jeu</translation>
+    </message>
+    <message>
+        <source>To download:</source>
+        <translation>À télécharger :</translation>
+    </message>
+    <message>
+        <source>Free now:</source>
+        <translation>Libre maintenant :</translation>
+    </message>
+    <message>
+        <source>Free afterwards:</source>
+        <translation>Libre ensuite :</translation>
+    </message>
+    <message>
+        <source>Install here &amp;all the same</source>
+        <translation>Installer ici &amp;malgré tout</translation>
+    </message>
+    <message>
+        <source>&amp;Try again</source>
+        <translation>&amp;Réessayer</translation>
+    </message>
+    <message>
+        <source>&amp;Install</source>
+        <translation>&amp;Installer</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>Folder for %1</source>
+        <translation>Dossier pour %1</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>inconnu</translation>
+    </message>
+    <message>
+        <source>&amp;Use the folder "%1" inside</source>
+        <translation>&amp;Utiliser le dossier « %1 » à l'intérieur</translation>
+    </message>
+    <message>
+        <source>being found out…</source>
+        <translation>recherche en cours…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::InstallJob</name>
+    <message>
+        <source>it cannot be created</source>
+        <translation>il ne peut pas être créé</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::Job</name>
+    <message>
+        <source>this command asks servers</source>
+        <translation>cette commande interroge des serveurs</translation>
+    </message>
+    <message>
+        <source>%1 holds no build</source>
+        <translation>%1 ne contient aucune version</translation>
+    </message>
+    <message>
+        <source>The list of mirrors is damaged</source>
+        <translation>La liste des miroirs est abîmée</translation>
+    </message>
+    <message>
+        <source>No server is asked</source>
+        <translation>Aucun serveur n'est interrogé</translation>
+    </message>
+    <message>
+        <source>no answer in time</source>
+        <translation>pas de réponse à temps</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::LoginDialog</name>
+    <message>
+        <source>Play %1</source>
+        <translation>Jouer à %1</translation>
+    </message>
+    <message>
+        <source>With account and password the game logs in by itself.</source>
+        <translation>Avec un compte et un mot de passe, le jeu se connecte de lui-même.</translation>
+    </message>
+    <message>
+        <source>&amp;Account:</source>
+        <translation>&amp;Compte :</translation>
+    </message>
+    <message>
+        <source>Account</source>
+        <translation>Compte</translation>
+    </message>
+    <message>
+        <source>Pass&amp;word:</source>
+        <translation>&amp;Mot de passe :</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Mot de passe</translation>
+    </message>
+    <message>
+        <source>&amp;Remember, and do not ask again</source>
+        <translation>Se &amp;souvenir, et ne plus demander</translation>
+    </message>
+    <message>
+        <source>The password is kept in the desktop's secret store, and nowhere else.</source>
+        <translation>Le mot de passe est conservé dans le trousseau du bureau, et nulle part ailleurs.</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Jouer</translation>
+    </message>
+    <message>
+        <source>Play &amp;without logging in</source>
+        <translation>Jouer sans se c&amp;onnecter</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>remembered</source>
+        <translation>mémorisé</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::MainWindow</name>
+    <message>
+        <source>Games</source>
+        <translation>Jeux</translation>
+    </message>
+    <message>
+        <source>Looking for games…</source>
+        <translation>Recherche des jeux…</translation>
+    </message>
+    <message>
+        <source>There is no game yet.</source>
+        <translation>Il n'y a pas encore de jeu.</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::MirrorCheck</name>
+    <message>
+        <source>its manifest is not the default server's</source>
+        <translation>son manifeste n'est pas celui du serveur principal</translation>
+    </message>
+    <message>
+        <source>it answers a range with status %1</source>
+        <translation>il répond à une plage par le statut %1</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::MirrorsJob</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 sur %2</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::ModuleHost</name>
+    <message>
+        <source>another session of this program uses a module</source>
+        <translation>une autre session de ce programme utilise un module</translation>
+    </message>
+    <message>
+        <source>the start</source>
+        <translation>le démarrage</translation>
+    </message>
+    <message>
+        <source>the system lets nobody listen on 127.0.0.1</source>
+        <translation>le système ne laisse personne écouter sur 127.0.0.1</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::ModuleLoader</name>
+    <message>
+        <source>not named</source>
+        <translation>pas nommée</translation>
+    </message>
+    <message>
+        <source>its layout is %1, the host's is %2</source>
+        <translation>sa disposition est %1, celle de l'hôte %2</translation>
+    </message>
+    <message>
+        <source>it is no plug-in</source>
+        <translation>ce n'est pas un greffon</translation>
+    </message>
+    <message>
+        <source>its interface is "%1"</source>
+        <translation>son interface est « %1 »</translation>
+    </message>
+    <message>
+        <source>its object is of another class</source>
+        <translation>son objet est d'une autre classe</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::Notice</name>
+    <message>
+        <source>{s}; the files come from the default server</source>
+        <translation>{s} ; les fichiers viennent du serveur principal</translation>
+    </message>
+    <message>
+        <source>{s}; going on with what is known of build {d}</source>
+        <translation>{s} ; on continue avec ce qui est connu de la version {d}</translation>
+    </message>
+    <message>
+        <source>The build does not offer the language {s}; its files are left out until another one is chosen</source>
+        <translation>La version ne propose pas la langue {s} ; ses fichiers sont laissés de côté jusqu'à ce qu'une autre soit choisie</translation>
+    </message>
+    <message>
+        <source>{s}; the game keeps the realm list that it has</source>
+        <translation>{s} ; le jeu garde la liste de royaumes qu'il a</translation>
+    </message>
+    <message>
+        <source>What starts the game without a server cannot be kept in {s}</source>
+        <translation>Ce qui lance le jeu sans serveur ne peut pas être conservé dans {s}</translation>
+    </message>
+    <message>
+        <source>The folder {s} cannot be locked ({d})</source>
+        <translation>Le dossier {s} ne peut pas être verrouillé ({d})</translation>
+    </message>
+    <message>
+        <source>let no other program work in it at the same time</source>
+        <translation>ne laissez aucun autre programme y travailler en même temps</translation>
+    </message>
+    <message>
+        <source>The game was found again in {s}; it was in {d} before</source>
+        <translation>Le jeu a été retrouvé dans {s} ; il était auparavant dans {d}</translation>
+    </message>
+    <message>
+        <source>The game is not complete</source>
+        <translation>Le jeu n'est pas complet</translation>
+    </message>
+    <message>
+        <source>run "update" if it does not work</source>
+        <translation>lancez « update » s'il ne fonctionne pas</translation>
+    </message>
+    <message>
+        <source>The output of the game is not kept: {s} cannot be written ({d})</source>
+        <translation>La sortie du jeu n'est pas conservée : {s} ne peut pas être écrit ({d})</translation>
+    </message>
+    <message>
+        <source>The game was running already; the new one does not log in by itself</source>
+        <translation>Le jeu était déjà en cours ; le nouveau ne se connecte pas de lui-même</translation>
+    </message>
+    <message>
+        <source>The game does not log in by itself: {s} {d}</source>
+        <translation>Le jeu ne se connecte pas de lui-même : {s} {d}</translation>
+    </message>
+    <message>
+        <source>The account name or the password holds characters that the login screen may misread</source>
+        <translation>Le nom du compte ou le mot de passe contient des caractères que l'écran de connexion peut mal lire</translation>
+    </message>
+    <message>
+        <source>log in by hand if it does</source>
+        <translation>connectez-vous à la main si c'est le cas</translation>
+    </message>
+    <message>
+        <source>The game was started and goes on running</source>
+        <translation>Le jeu a été lancé et continue de tourner</translation>
+    </message>
+    <message>
+        <source>{s} runs as process {d}; waiting for its end</source>
+        <translation>{s} tourne comme processus {d} ; on attend sa fin</translation>
+    </message>
+    <message>
+        <source>No password was given; the game does not log in by itself</source>
+        <translation>Aucun mot de passe n'a été donné ; le jeu ne se connecte pas de lui-même</translation>
+    </message>
+    <message>
+        <source>The remembered password cannot be read: {s}</source>
+        <translation>Le mot de passe mémorisé ne peut pas être lu : {s}</translation>
+    </message>
+    <message>
+        <source>The password is not remembered: {s}</source>
+        <translation>Le mot de passe n'est pas mémorisé : {s}</translation>
+    </message>
+    <message>
+        <source>The password is not forgotten: {s}</source>
+        <translation>Le mot de passe n'est pas oublié : {s}</translation>
+    </message>
+    <message>
+        <source>Nothing was deleted</source>
+        <translation>Rien n'a été supprimé</translation>
+    </message>
+    <message>
+        <source>The download is no longer limited</source>
+        <translation>Le téléchargement n'est plus limité</translation>
+    </message>
+    <message>
+        <source>The download is now limited to {s}/s</source>
+        <translation>Le téléchargement est maintenant limité à {s}/s</translation>
+    </message>
+    <message>
+        <source>Stopping</source>
+        <translation>Arrêt en cours</translation>
+    </message>
+    <message>
+        <source>press Ctrl-C again to stop at once</source>
+        <translation>appuyez encore sur Ctrl-C pour arrêter aussitôt</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PageCommand</name>
+    <message>
+        <source>&amp;Install</source>
+        <translation>&amp;Installer</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>&amp;Continuer</translation>
+    </message>
+    <message>
+        <source>&amp;Update</source>
+        <translation>&amp;Mettre à jour</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>&amp;Jouer</translation>
+    </message>
+    <message>
+        <source>&amp;Try again</source>
+        <translation>&amp;Réessayer</translation>
+    </message>
+    <message>
+        <source>P&amp;ause</source>
+        <translation>P&amp;ause</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>A&amp;rrêter</translation>
+    </message>
+    <message>
+        <source>&amp;Check files</source>
+        <translation>&amp;Vérifier les fichiers</translation>
+    </message>
+    <message>
+        <source>&amp;Repair</source>
+        <translation>Ré&amp;parer</translation>
+    </message>
+    <message>
+        <source>Stop r&amp;epair</source>
+        <translation>Arrêter la r&amp;éparation</translation>
+    </message>
+    <message>
+        <source>Choose another &amp;folder…</source>
+        <translation>Choisir un autre &amp;dossier…</translation>
+    </message>
+    <message>
+        <source>&amp;Open folder</source>
+        <translation>&amp;Ouvrir le dossier</translation>
+    </message>
+    <message>
+        <source>Show &amp;files</source>
+        <translation>Montrer les &amp;fichiers</translation>
+    </message>
+    <message>
+        <source>Show &amp;output</source>
+        <translation>Montrer la &amp;sortie</translation>
+    </message>
+    <message>
+        <source>Show &amp;log</source>
+        <translation>Montrer le &amp;journal</translation>
+    </message>
+    <message>
+        <source>&amp;History</source>
+        <translation>&amp;Historique</translation>
+    </message>
+    <message>
+        <source>Copy &amp;diagnosis</source>
+        <translation>Copier le &amp;diagnostic</translation>
+    </message>
+    <message>
+        <source>La&amp;nguage</source>
+        <translation>La&amp;ngue</translation>
+    </message>
+    <message>
+        <source>&amp;Settings…</source>
+        <translation>Ré&amp;glages…</translation>
+    </message>
+    <message>
+        <source>&amp;Uninstall…</source>
+        <translation>Dés&amp;installer…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PageMenu</name>
+    <message>
+        <source>The server is being asked…</source>
+        <translation>Le serveur est interrogé…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PrimaryAction</name>
+    <message>
+        <source>Installing</source>
+        <translation>Installation</translation>
+    </message>
+    <message>
+        <source>Updating</source>
+        <translation>Mise à jour</translation>
+    </message>
+    <message>
+        <source>Repairing</source>
+        <translation>Réparation</translation>
+    </message>
+    <message>
+        <source>Checking</source>
+        <translation>Vérification</translation>
+    </message>
+    <message>
+        <source>Uninstalling</source>
+        <translation>Désinstallation</translation>
+    </message>
+    <message>
+        <source>Starting</source>
+        <translation>Lancement</translation>
+    </message>
+    <message>
+        <source>One moment</source>
+        <translation>Un instant</translation>
+    </message>
+    <message>
+        <source>Playing</source>
+        <translation>En jeu</translation>
+    </message>
+    <message>
+        <source>In use</source>
+        <translation>Occupé</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::ProgressBox</name>
+    <message>
+        <source>Progress</source>
+        <translation>Progression</translation>
+    </message>
+    <message>
+        <source>Rate of the last two minutes</source>
+        <translation>Débit des deux dernières minutes</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::ProgressTexts</name>
+    <message>
+        <source>checks %1/s</source>
+        <translation>vérifie %1/s</translation>
+    </message>
+    <message>
+        <source>%1/s</source>
+        <translation>%1/s</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>En pause</translation>
+    </message>
+    <message>
+        <source>Pausing…</source>
+        <translation>Mise en pause…</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 sur %2</translation>
+    </message>
+    <message>
+        <source>%1 left</source>
+        <translation>encore %1</translation>
+    </message>
+    <message>
+        <source>time left not known yet</source>
+        <translation>temps restant inconnu</translation>
+    </message>
+    <message>
+        <source>File %1 of %2</source>
+        <translation>Fichier %1 sur %2</translation>
+    </message>
+    <message>
+        <source>Nothing has come from %1 for %2.</source>
+        <translation>Rien n'est arrivé de %1 depuis %2.</translation>
+    </message>
+    <message>
+        <source>Attempt %1 of %2</source>
+        <translation>Tentative %1 sur %2</translation>
+    </message>
+    <message>
+        <source>Attempt %1</source>
+        <translation>Tentative %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 %2 in %n second(s).</source>
+        <translation>
+            <numerusform>%1 %2 dans %n seconde.</numerusform>
+            <numerusform>%1 %2 dans %n secondes.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 %2 is under way.</source>
+        <translation>%1 %2 en cours.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n second(s)</source>
+        <translation>
+            <numerusform>%n seconde</numerusform>
+            <numerusform>%n secondes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n minute(s)</source>
+        <translation>
+            <numerusform>%n minute</numerusform>
+            <numerusform>%n minutes</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::QuickCheckJob</name>
+    <message>
+        <source>what differs (its size was not asked for)</source>
+        <translation>ce qui diffère (sa taille n'a pas été demandée)</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::Remedy</name>
+    <message>
+        <source>name the authority that its operator goes by in the settings, or tell the operator</source>
+        <translation>indiquez dans les réglages l'autorité dont se réclame son exploitant, ou prévenez celui-ci</translation>
+    </message>
+    <message>
+        <source>check which proxy the settings or the system name, then try again</source>
+        <translation>vérifiez quel proxy les réglages ou le système indiquent, puis réessayez</translation>
+    </message>
+    <message>
+        <source>go online once, and try again while its server answers</source>
+        <translation>connectez-vous une fois, et réessayez pendant que son serveur répond</translation>
+    </message>
+    <message>
+        <source>check the network connection and try again; everything else is in place and kept</source>
+        <translation>vérifiez la connexion réseau et réessayez ; tout le reste est en place et conservé</translation>
+    </message>
+    <message>
+        <source>try again; everything else is in place and kept</source>
+        <translation>réessayez ; tout le reste est en place et conservé</translation>
+    </message>
+    <message>
+        <source>update it there, or agree that it shall be installed anew</source>
+        <translation>mettez-le à jour là-bas, ou acceptez qu'il soit installé de nouveau</translation>
+    </message>
+    <message>
+        <source>connect its drive, or choose the folder that it was moved to</source>
+        <translation>connectez son disque, ou choisissez le dossier où il a été déplacé</translation>
+    </message>
+    <message>
+        <source>choose an empty folder, or agree that the game shall go there</source>
+        <translation>choisissez un dossier vide, ou acceptez que le jeu y aille</translation>
+    </message>
+    <message>
+        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then repair the game; everything else is in place</source>
+        <translation>connectez le disque vers lequel il mène, ou mettez à sa place un lien à vous, un dossier ou un fichier ; puis réparez le jeu ; tout le reste est en place</translation>
+    </message>
+    <message>
+        <source>repair the game</source>
+        <translation>réparez le jeu</translation>
+    </message>
+    <message>
+        <source>change its permissions, repair the game, or name what runs it in the settings</source>
+        <translation>changez ses permissions, réparez le jeu, ou indiquez dans les réglages ce qui l'exécute</translation>
+    </message>
+    <message>
+        <source>install it, or name another one in the settings</source>
+        <translation>installez-le, ou indiquez-en un autre dans les réglages</translation>
+    </message>
+    <message>
+        <source>look there for the cause, or check the game's files</source>
+        <translation>cherchez-y la cause, ou vérifiez les fichiers du jeu</translation>
+    </message>
+    <message>
+        <source>update the game</source>
+        <translation>mettez le jeu à jour</translation>
+    </message>
+    <message>
+        <source>an update goes on with it</source>
+        <translation>une mise à jour le poursuit</translation>
+    </message>
+    <message>
+        <source>correct it in the settings</source>
+        <translation>corrigez-le dans les réglages</translation>
+    </message>
+    <message>
+        <source>agree that they shall go</source>
+        <translation>acceptez qu'ils soient supprimés</translation>
+    </message>
+    <message>
+        <source>continue when you like; what has arrived is kept</source>
+        <translation>continuez quand vous voulez ; ce qui est arrivé est conservé</translation>
+    </message>
+    <message>
+        <source>Try a&amp;gain</source>
+        <translation>Réessa&amp;yer</translation>
+    </message>
+    <message>
+        <source>&amp;Get the update</source>
+        <translation>Télécharger la mise à &amp;jour</translation>
+    </message>
+    <message>
+        <source>I&amp;nstall…</source>
+        <translation>I&amp;nstaller…</translation>
+    </message>
+    <message>
+        <source>G&amp;o on</source>
+        <translation>P&amp;oursuivre</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::RoomCheck</name>
+    <message>
+        <source>%1 are free, %2 more are needed</source>
+        <translation>%1 sont libres, il en faut %2 de plus</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::RunPhase</name>
+    <message>
+        <source>idle</source>
+        <translation>inactif</translation>
+    </message>
+    <message>
+        <source>connecting</source>
+        <translation>connexion</translation>
+    </message>
+    <message>
+        <source>asking the mirrors</source>
+        <translation>interrogation des miroirs</translation>
+    </message>
+    <message>
+        <source>comparing files</source>
+        <translation>comparaison des fichiers</translation>
+    </message>
+    <message>
+        <source>verifying files</source>
+        <translation>vérification des fichiers</translation>
+    </message>
+    <message>
+        <source>waiting for permission to download</source>
+        <translation>attente de la permission de télécharger</translation>
+    </message>
+    <message>
+        <source>waiting for the game to quit</source>
+        <translation>attente de la fin du jeu</translation>
+    </message>
+    <message>
+        <source>waiting to try again</source>
+        <translation>attente avant une nouvelle tentative</translation>
+    </message>
+    <message>
+        <source>asking for file sizes</source>
+        <translation>demande de la taille des fichiers</translation>
+    </message>
+    <message>
+        <source>downloading base files</source>
+        <translation>téléchargement des fichiers de base</translation>
+    </message>
+    <message>
+        <source>comparing streamed files</source>
+        <translation>comparaison des fichiers à la volée</translation>
+    </message>
+    <message>
+        <source>downloading streamed files</source>
+        <translation>téléchargement des fichiers à la volée</translation>
+    </message>
+    <message>
+        <source>starting the game</source>
+        <translation>lancement du jeu</translation>
+    </message>
+    <message>
+        <source>suspended</source>
+        <translation>suspendu</translation>
+    </message>
+    <message>
+        <source>removing files</source>
+        <translation>suppression des fichiers</translation>
+    </message>
+    <message>
+        <source>finished</source>
+        <translation>terminé</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>échoué</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::RunText</name>
+    <message>
+        <source>The installation into %1 begins.</source>
+        <translation>L'installation dans %1 commence.</translation>
+    </message>
+    <message>
+        <source>The update begins.</source>
+        <translation>La mise à jour commence.</translation>
+    </message>
+    <message>
+        <source>The repair begins.</source>
+        <translation>La réparation commence.</translation>
+    </message>
+    <message>
+        <source>The check begins.</source>
+        <translation>La vérification commence.</translation>
+    </message>
+    <message>
+        <source>The game is being uninstalled.</source>
+        <translation>Le jeu est en cours de désinstallation.</translation>
+    </message>
+    <message>
+        <source>The game is being started.</source>
+        <translation>Le jeu est en cours de lancement.</translation>
+    </message>
+    <message>
+        <source>The game's language is being changed.</source>
+        <translation>La langue du jeu est en cours de changement.</translation>
+    </message>
+    <message>
+        <source>The servers are being asked.</source>
+        <translation>Les serveurs sont interrogés.</translation>
+    </message>
+    <message>
+        <source>The game is complete: %1.</source>
+        <translation>Le jeu est complet : %1.</translation>
+    </message>
+    <message>
+        <source>The game is up to date: %1.</source>
+        <translation>Le jeu est à jour : %1.</translation>
+    </message>
+    <message>
+        <source>Every file of the game is right.</source>
+        <translation>Tous les fichiers du jeu sont justes.</translation>
+    </message>
+    <message>
+        <source>The game is uninstalled.</source>
+        <translation>Le jeu est désinstallé.</translation>
+    </message>
+    <message>
+        <source>The game was started.</source>
+        <translation>Le jeu a été lancé.</translation>
+    </message>
+    <message>
+        <source>The game's language is changed; an update fetches its files.</source>
+        <translation>La langue du jeu est changée ; une mise à jour télécharge ses fichiers.</translation>
+    </message>
+    <message>
+        <source>The servers have answered.</source>
+        <translation>Les serveurs ont répondu.</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::SettingsDialog</name>
+    <message>
+        <source>Settings</source>
+        <translation>Réglages</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programme</translation>
+    </message>
+    <message>
+        <source>&amp;Language:</source>
+        <translation>&amp;Langue :</translation>
+    </message>
+    <message>
+        <source>As the system</source>
+        <translation>Comme le système</translation>
+    </message>
+    <message>
+        <source>Start &amp;minimised</source>
+        <translation>Démarrer &amp;réduit</translation>
+    </message>
+    <message>
+        <source>Go on in the &amp;tray when the window is closed</source>
+        <translation>Continuer dans la &amp;zone de notification quand la fenêtre est fermée</translation>
+    </message>
+    <message>
+        <source>This desktop has no tray.</source>
+        <translation>Ce bureau n'a pas de zone de notification.</translation>
+    </message>
+    <message>
+        <source>&amp;Notify me when a download has ended</source>
+        <translation>Me &amp;prévenir quand un téléchargement est terminé</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>Téléchargements</translation>
+    </message>
+    <message>
+        <source>Content &amp;server:</source>
+        <translation>&amp;Serveur de contenu :</translation>
+    </message>
+    <message>
+        <source>C&amp;hannel:</source>
+        <translation>&amp;Canal :</translation>
+    </message>
+    <message>
+        <source>Release</source>
+        <translation>Publication</translation>
+    </message>
+    <message>
+        <source>Development</source>
+        <translation>Développement</translation>
+    </message>
+    <message>
+        <source>Trusted &amp;key:</source>
+        <translation>Clé de co&amp;nfiance :</translation>
+    </message>
+    <message>
+        <source>none: signatures are not asked for</source>
+        <translation>aucune : les signatures ne sont pas exigées</translation>
+    </message>
+    <message>
+        <source>Limit the &amp;rate to:</source>
+        <translation>Limiter le &amp;débit à :</translation>
+    </message>
+    <message>
+        <source> MiB/s</source>
+        <translation> Mio/s</translation>
+    </message>
+    <message>
+        <source>no limit</source>
+        <translation>sans limite</translation>
+    </message>
+    <message>
+        <source>C&amp;onnections:</source>
+        <translation>C&amp;onnexions :</translation>
+    </message>
+    <message>
+        <source>Sa&amp;ve</source>
+        <translation>&amp;Enregistrer</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+    <message>
+        <source>A server is named like http://HOST/ or https://HOST:PORT/, without user and password.</source>
+        <translation>Un serveur se nomme http://HOST/ ou https://HOST:PORT/, sans utilisateur ni mot de passe.</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::SettingsFile</name>
+    <message>
+        <source>it is no ordinary file</source>
+        <translation>ce n'est pas un fichier ordinaire</translation>
+    </message>
+    <message>
+        <source>line %1 is no setting</source>
+        <translation>la ligne %1 n'est pas un réglage</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::SettingsWriter</name>
+    <message>
+        <source>another program is writing it: %1</source>
+        <translation>un autre programme l'écrit : %1</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::TrayIcon</name>
+    <message>
+        <source>&amp;Show the window</source>
+        <translation>&amp;Montrer la fenêtre</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>&amp;Continuer</translation>
+    </message>
+    <message>
+        <source>&amp;Pause</source>
+        <translation>&amp;Pause</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::TroubleStrip</name>
+    <message>
+        <source>The server is silent</source>
+        <translation>Le serveur se tait</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Fichiers</translation>
+    </message>
+    <message numerus="yes">
+        <source>and %n more</source>
+        <translation>
+            <numerusform>et %n autre</numerusform>
+            <numerusform>et %n autres</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::UninstallDialog</name>
+    <message>
+        <source>Uninstall %1</source>
+        <translation>Désinstaller %1</translation>
+    </message>
+    <message>
+        <source>&amp;Keep all files, and only forget the installation</source>
+        <translation>&amp;Garder tous les fichiers, et seulement oublier l'installation</translation>
+    </message>
+    <message>
+        <source>Files that stay</source>
+        <translation>Fichiers qui restent</translation>
+    </message>
+    <message>
+        <source>Progress of the removal</source>
+        <translation>Progression de la suppression</translation>
+    </message>
+    <message>
+        <source>&amp;Try again</source>
+        <translation>&amp;Réessayer</translation>
+    </message>
+    <message>
+        <source>&amp;Uninstall</source>
+        <translation>&amp;Désinstaller</translation>
+    </message>
+    <message>
+        <source>&amp;Delete the game: %1</source>
+        <translation>&amp;Supprimer le jeu : %1</translation>
+    </message>
+    <message>
+        <source>&amp;Delete the game's files</source>
+        <translation>&amp;Supprimer les fichiers du jeu</translation>
+    </message>
+    <message>
+        <source>What happens to the files of the game?</source>
+        <translation>Que deviennent les fichiers du jeu ?</translation>
+    </message>
+    <message>
+        <source>What belongs to the game is being found out…</source>
+        <translation>Recherche de ce qui appartient au jeu…</translation>
+    </message>
+    <message numerus="yes">
+        <source>These files are not of the game and &amp;stay (%n):</source>
+        <translation>
+            <numerusform>Ce fichier n'est pas du jeu et r&amp;este (%n) :</numerusform>
+            <numerusform>Ces fichiers ne sont pas du jeu et r&amp;estent (%n) :</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::UninstallJob</name>
+    <message>
+        <source> and %1 more</source>
+        <translation> et %1 autres</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::VersionText</name>
+    <message>
+        <source>it names no build</source>
+        <translation>elle n'indique aucune version</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::WindowTitle</name>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>En pause</translation>
+    </message>
+    <message>
+        <source>Problem</source>
+        <translation>Problème</translation>
+    </message>
+    <message>
+        <source>Playing</source>
+        <translation>En jeu</translation>
+    </message>
+    <message>
+        <source>%1 – %2</source>
+        <translation>%1 – %2</translation>
+    </message>
+</context>
+</TS>
