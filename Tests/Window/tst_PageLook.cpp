@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
+#include <QTranslator>
 
 namespace Varnholt::TestSupport {
 
@@ -39,6 +40,17 @@ private:
 };
 
 namespace {
+
+/// A language that needs a third more room than English.
+class LongTexts : public QTranslator {
+public:
+    QString translate(char const*, char const* p_Text, char const*, int) const override
+    {
+        QString const text = QString::fromUtf8(p_Text);
+        return text + ' ' + QString(text.size() / 3, 'e');
+    }
+    bool isEmpty() const override { return false; }
+};
 
 /// The least contrast of a text to what is behind it.
 double ContrastOn(QImage const& p_Ground, QRect const& p_Area, QColor const& p_Text)
@@ -176,13 +188,20 @@ void PageLookTest::EachThemeGivesColorsThatCanBeRead()
 void PageLookTest::NothingIsClipped_data()
 {
     QTest::addColumn<QSize>("Size"); // of the page: the column of games is 80 wide
-    AddRow("1024 x 640", QSize(944, 640));
-    AddRow("1920 x 1080 at 200 %", QSize(880, 540));
+    QTest::addColumn<bool>("IsLong");
+    AddRow("1024 x 640", QSize(944, 640), false);
+    AddRow("1024 x 640, longer language", QSize(944, 640), true);
+    AddRow("1920 x 1080 at 200 %", QSize(880, 540), false);
+    AddRow("1920 x 1080 at 200 %, longer language", QSize(880, 540), true);
 }
 
 void PageLookTest::NothingIsClipped()
 {
     QFETCH(QSize, Size);
+    QFETCH(bool, IsLong);
+    LongTexts language;
+    if (IsLong)
+        QCoreApplication::installTranslator(&language);
     for (auto const& state : States()) {
         Host::GamePage page(Card);
         page.resize(Size);

@@ -994,7 +994,7 @@
     </message>
     <message>
         <source>Copy &amp;diagnosis</source>
-        <translation>Copiar el &amp;diagnóstico</translation>
+        <translation>Copiar el dia&amp;gnóstico</translation>
     </message>
     <message>
         <source>La&amp;nguage</source>

@@ -974,7 +974,7 @@
     </message>
     <message>
         <source>&amp;Open folder</source>
-        <translation>&amp;Apri la cartella</translation>
+        <translation>Apri la car&amp;tella</translation>
     </message>
     <message>
         <source>Show &amp;files</source>
@@ -1409,7 +1409,7 @@
     </message>
     <message>
         <source>Go on in the &amp;tray when the window is closed</source>
-        <translation>Continua nell'area di &amp;notifica quando si chiude la finestra</translation>
+        <translation>Continua nell'area di notifica &amp;quando si chiude la finestra</translation>
     </message>
     <message>
         <source>This desktop has no tray.</source>
@@ -1417,7 +1417,7 @@
     </message>
     <message>
         <source>&amp;Notify me when a download has ended</source>
-        <translation>Av&amp;visami quando uno scaricamento è finito</translation>
+        <translation>Avvisami quando uno scaricamento è &amp;finito</translation>
     </message>
     <message>
         <source>Downloads</source>
