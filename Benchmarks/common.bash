@@ -1,7 +1,11 @@
 # What the benchmarks share; each sources it. "$work" is a folder of the benchmark's own; it goes
-# with every process that was started here when the benchmark ends.
+# with every process that was started here when the benchmark ends. Each is called by scripts/bench
+# with the rows that it is to measure, and adds them to "$VARNHOLT_BENCH_TABLE".
 
 project=$PWD
+runs=${VARNHOLT_BENCH_RUNS:-3}
+md5sum=$(command -v md5sum || command -v md5)
+export md5sum
 work=$(mktemp -d "${VARNHOLT_BENCH_FOLDER:-${TMPDIR:-/tmp}}/varnholt-bench.XXXXXX")
 app="World of Warcraft.app/Contents/MacOS" # where the game's executable lies
 PATH=$PATH:/usr/sbin
@@ -71,6 +75,64 @@ CONF
         cat "$work/error.log" >&2
         exit 1
     }
+}
+
+calculate() { awk "BEGIN { printf \"%.3f\", $1 }"; }
+median() { printf '%s\n' "$@" | sort -n | awk '{ all[NR] = $1 } END { print all[int((NR + 1) / 2)] }'; }
+
+# turns OURS THEIRS: both measure something, and are called in turns. Leaves the medians of their
+# seconds in "ours" and "theirs", what the first is of the second in "ratio", and its most memory in
+# "most".
+turns() {
+    local i our_seconds=() their_seconds=()
+    most=0
+    for ((i = 0; i < runs; i++)); do
+        "$2"
+        their_seconds+=("$seconds")
+        "$1"
+        our_seconds+=("$seconds")
+        [ "$memory" -le "$most" ] || most=$memory
+    done
+    ours=$(median "${our_seconds[@]}") theirs=$(median "${their_seconds[@]}")
+    ratio=$(calculate "$ours / $theirs")
+}
+
+# goal FIGURE "<="|">=" GOAL [UNIT]: the words of the table.
+goal() {
+    local sign=≤ verdict=
+    [ "$2" = "<=" ] || sign=≥
+    [ "$(calculate "($1 $2 $3)")" = 1.000 ] || verdict=" MISSED"
+    echo "$sign $3${4:+ $4}$verdict"
+}
+# goal_of_memory KIB GOAL: none but when it is missed.
+goal_of_memory() { [ "$1" -le "$2" ] || echo "; ≤ $(($2 / 1024)) MiB MISSED"; }
+# row WORK OURS TOOL RATIO GOAL KIB: a line of the table.
+row() {
+    local ratio=$4 memory=$6
+    [ -z "$ratio" ] || ratio=$(printf '%.2f' "$ratio")
+    [ -z "$memory" ] || memory="$(((memory + 512) / 1024)) MiB"
+    printf '| %s | %s | %s | %s | %s | %s |\n' "$1" "$2" "$3" "$ratio" "$5" "$memory" |
+        tee -a "$VARNHOLT_BENCH_TABLE" >&2
+}
+# row_of_seconds WORK TOOL GOAL: what "turns" has left.
+row_of_seconds() {
+    row "$1" "$(printf '%.2f s' "$ours")" "$2 $(printf '%.2f s' "$theirs")" "$ratio" "$3" "$most"
+}
+
+# publish_game RULES PORT...: "$work/source" as build 1, with mirrors on these ports. \"\": no rules
+publish_game() {
+    local hosts rules=()
+    hosts=$(printf ',127.0.0.1:%s' "${@:2}")
+    [ -z "$1" ] || rules=(--rules "$1")
+    rm -rf "$work/www"
+    measure varnholt-publish build --source "$work/source" --output "$work/www" --build 1 \
+        --hosts "${hosts#,}" ${rules[@]+"${rules[@]}"}
+    chmod -R a+rX "$work/www"
+}
+# host PORT ARGUMENT...: the host, with the content server there.
+host() {
+    measure varnholt-host --settings "$work/host.ini" --content-url "http://127.0.0.1:$1/" --yes \
+        "${@:2}"
 }
 
 # digests FOLDER: a line for each file in it: MD5, two spaces, path.

@@ -33,7 +33,7 @@ public:
     /// Who has it, as far as the file tells: "varnholt-host, process 1234 on
     /// machine".
     QString Holder() const { return Name; }
-    /// Why it could be neither taken nor found held, of <cerrno>; `EEXIST` for what is no file.
+    /// Why it could be neither taken nor found held, of `errno`; `EEXIST` for what is no file.
     int Error() const { return Cause; }
 
 private:

@@ -1,6 +1,6 @@
 #include "GameModules/DigestEngine.hpp"
 
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 
 #include <QFile>
 #include <QFileInfo>
@@ -233,8 +233,6 @@ DigestEngine::Ticket DigestEngine::Add(QString const& p_Path)
 
 FileDigest::Digest DigestEngine::Take(Ticket const& p_File, std::function<bool()> const& p_Continue)
 {
-    constexpr std::chrono::milliseconds c_Patience(20);
-
     --Untaken;
     qint64 asked = 0;
     for (bool isDone = false; !isDone;) {

@@ -12,6 +12,9 @@
 #include <QFileInfo>
 #include <QMutexLocker>
 
+#include <memory>
+#include <utility>
+
 namespace Varnholt::Launcher {
 
 void StandartApplication::App_OnHTTPDownloadProgressUpdate(HTTP_DownloadFileRequest* p_Request)
@@ -121,14 +124,22 @@ char const* StandartApplication::PlaceFile(ApplicationManifestFileEntry const& p
 
 void StandartApplication::RemoveOldFile(QString const& p_Path)
 {
+    constexpr qint64 c_Large = qint64{64} * 1024 * 1024;
+
     QFile file(p_Path);
     bool const isLink = FileLink::At(p_Path) != FileLink::Kind::None;
     if (!isLink && !file.exists())
         return;
     if (!isLink)
         file.setPermissions(file.permissions() | PermissionBits::c_Write);
+    // To take gigabytes back takes the system its time, which is that of the last who holds them.
+    auto held = std::make_shared<QFile>(p_Path);
+    if (!isLink && file.size() >= c_Large)
+        held->open(QIODevice::ReadOnly);
     if (!file.remove())
         ReportFileError(file);
+    if (held->isOpen())
+        EnqueueAsync([held = std::move(held)] {});
 }
 
 void StandartApplication::RetryOrGiveUp(char const* p_Reason,

@@ -16,7 +16,7 @@ if(APPLE)
       FRAMEWORK DESTINATION ${VARNHOLT_MODULE_FOLDER}/../Frameworks COMPONENT host)
 endif()
 
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${documents_folder} COMPONENT host)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md LICENSE DESTINATION ${documents_folder} COMPONENT host)
 install(DIRECTORY docs DESTINATION ${documents_folder} COMPONENT host)
 install(PROGRAMS scripts/mirror scripts/mirror-bucket
     DESTINATION ${documents_folder}/scripts COMPONENT publisher)
@@ -44,6 +44,8 @@ if(TARGET varnholt-window)
       DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT window)
   install(FILES ${desktop}/varnholt-window.svg
       DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT window)
+  install(FILES ${desktop}/varnholt-window.png
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/128x128/apps COMPONENT window)
   install(FILES ${desktop}/net.varnholt.window.metainfo.xml
       DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT window)
 endif()

@@ -27,21 +27,24 @@ macro(varnholt_add_package component suffix section depends summary text)
   set(CPACK_COMPONENT_${upper}_DESCRIPTION "${summary}\n${text}")
 endmacro()
 
-varnholt_add_package(host "" games "" "Game module and command-line host"
-    "A launcher's module, which installs, updates and starts a game, and a program that does for it
-what a launcher does.")
+varnholt_add_package(host "" utils "" "Game module and command-line host"
+    "A launcher's module, which installs, updates and starts a game, and a
+program that does for it what a launcher does.")
 if(VARNHOLT_BUILD_TOOLS)
-  varnholt_add_package(publisher -publisher net "" "Publisher of games for content servers"
-      "Turns the folder of a game into files that any web server with byte ranges can serve.")
+  varnholt_add_package(publisher -publisher utils "" "Publisher of games for content servers"
+      "Turns the folder of a game into files that any web server with byte
+ranges can serve.")
 endif()
 if(TARGET varnholt-window)
-  varnholt_add_package(window -window games "varnholt (= ${PROJECT_VERSION})" "Window of the games"
-      "Shows the games of the modules that are installed, and installs, updates and starts them.")
+  varnholt_add_package(window -window utils "varnholt (= ${PROJECT_VERSION})" "Window of the games"
+      "Shows the games of the modules that are installed, and installs, updates
+and starts them.")
 endif()
 varnholt_add_package(development -dev libdevel
-    "varnholt (= ${PROJECT_VERSION}), libcpp-httplib-dev, libcurl4-openssl-dev, pkg-config, qtbase5-dev, qtkeychain-qt5-dev"
+    "varnholt (= ${PROJECT_VERSION}), libcpp-httplib-dev, libcurl4-openssl-dev, libsodium-dev, pkg-config, qtbase5-dev, qtkeychain-qt5-dev"
     "Libraries and headers for launchers and game modules"
-    "What a launcher of one's own, or the module of another game, is built with by CMake.")
+    "What a launcher of one's own, or the module of another game, is built with
+by CMake.")
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/VarnholtDebian.cmake)
 include(CPack)

@@ -55,6 +55,8 @@ QString ToKeep(QString const& p_Key, QString const& p_Value)
     auto const option = OptionOf(p_Key);
     if (option && option->IsFile())
         return QDir::cleanPath(QDir::current().absoluteFilePath(p_Value));
+    if (p_Key == QLatin1String("trust-key")) // the key, whatever becomes of its file
+        return OptionText::TrustKey(p_Value);
     if (option && option->IsFlag())
         return QVariant(OptionText::YesOrNo(p_Value).value_or(false)).toString();
     return p_Value;

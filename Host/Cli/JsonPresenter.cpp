@@ -114,11 +114,15 @@ void JsonPresenter::Write(char const* p_Type, QJsonObject p_Object)
 
 void JsonPresenter::ShowInfo(ModuleInfo const& p_Info)
 {
+    bool const isSigned = !p_Info.TrustKey.isEmpty();
     Write("info", {{QStringLiteral("module"), p_Info.File},
                    {QStringLiteral("game"), p_Info.Name},
                    {QStringLiteral("identifier"), p_Info.AppId},
                    {QStringLiteral("plugin"), p_Info.MetaDataName},
                    {QStringLiteral("version"), p_Info.Version},
+                   {QStringLiteral("documents"),
+                    isSigned ? QStringLiteral("signed") : QStringLiteral("unsigned")},
+                   {QStringLiteral("trustKey"), p_Info.TrustKey},
                    {QStringLiteral("presentation"), ObjectOf(p_Info.Presentation)},
                    {QStringLiteral("images"), ObjectOf(p_Info.Images)}});
 }

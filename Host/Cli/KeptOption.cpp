@@ -94,6 +94,13 @@ constexpr KeptOption c_Table[] = {
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.Options.UseDevChannel = IsTrue(p_Text);
      }},
+    {"trust-key", "KEY", nullptr, "", false,
+     "Public key of who must have signed the game's documents, or a file that holds it (default: "
+     "the one that the module names, if any)",
+     OptionText::WhyNotTrustKey,
+     [](Choice& p_Choice, QString const& p_Text) {
+         p_Choice.Options.TrustKey = OptionText::TrustKey(p_Text);
+     }},
     {"wrapper", "COMMAND", nullptr, "", false,
      "Program that the game is started with, and its arguments, quoted as for a shell: \"wine\"",
      OptionText::WhyNotCommand,

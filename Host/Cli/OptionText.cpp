@@ -1,6 +1,7 @@
 #include "Host/Cli/OptionText.hpp"
 
 #include "Host/Core/Settings/HostOptions.hpp"
+#include "Signing/PublicKey.hpp"
 
 #include <QFile>
 #include <QFileInfo>
@@ -114,6 +115,17 @@ std::optional<QStringList> Words(QString const& p_Text)
     return end == p_Text.size() ? std::make_optional(words) : std::nullopt;
 }
 
+QString TrustKey(QString const& p_Text)
+{
+    constexpr qint64 c_MostBytes = 4096;
+
+    auto key = Signing::PublicKey::FromText(p_Text.toUtf8());
+    QFile file(p_Text);
+    if (!key && QFileInfo(p_Text).isFile() && file.open(QIODevice::ReadOnly))
+        key = Signing::PublicKey::FromText(file.read(c_MostBytes));
+    return key ? QString::fromLatin1(key->ToText()) : QString();
+}
+
 QString WhyNotYesOrNo(QString const& p_Text)
 {
     return YesOrNo(p_Text) ? QString()
@@ -195,6 +207,14 @@ QString WhyNotCommand(QString const& p_Text)
     QString const& program = words->first();
     return program.contains(QLatin1Char('/')) && !program.startsWith(QLatin1Char('/'))
                ? Quoted(program) + QStringLiteral(" is neither a name nor an absolute path")
+               : QString();
+}
+
+QString WhyNotTrustKey(QString const& p_Text)
+{
+    return TrustKey(p_Text).isEmpty()
+               ? Quoted(p_Text) +
+                     QStringLiteral(" is neither a public key nor a file that holds one")
                : QString();
 }
 

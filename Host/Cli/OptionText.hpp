@@ -20,6 +20,9 @@ std::optional<int> Milliseconds(QString const& p_Text);
 /// The words of a command, split and unquoted as a shell does it, which replaces nothing in them;
 /// nothing when a quote does not end.
 std::optional<QStringList> Words(QString const& p_Text);
+/// The line of a public key, given by itself or by the name of a file that holds it; empty when it
+/// is neither.
+QString TrustKey(QString const& p_Text);
 
 QString WhyNotYesOrNo(QString const& p_Text);
 QString WhyNotRate(QString const& p_Text);
@@ -34,6 +37,7 @@ QString WhyNotUser(QString const& p_Text);
 QString WhyNotCommand(QString const& p_Text);
 /// Of the name of a file that is read.
 QString WhyNotReadable(QString const& p_File);
+QString WhyNotTrustKey(QString const& p_Text);
 /// Of the name of a file with certificates.
 QString WhyNotCertificates(QString const& p_File);
 

@@ -99,7 +99,10 @@ QStringList Info(ModuleInfo const& p_Info)
               {QStringLiteral("Game"), p_Info.Name},
               {QStringLiteral("Identifier"), p_Info.AppId},
               {QStringLiteral("Plug-in"), p_Info.MetaDataName},
-              {QStringLiteral("Version"), p_Info.Version}};
+              {QStringLiteral("Version"), p_Info.Version},
+              {QStringLiteral("Documents"),
+               p_Info.TrustKey.isEmpty() ? QStringLiteral("unsigned")
+                                         : QStringLiteral("signed by the key ") + p_Info.TrustKey}};
     rows += p_Info.Presentation;
     for (auto const& image : p_Info.Images)
         rows.append({image.first, ImageText(image.second)});

@@ -6,6 +6,7 @@ namespace Varnholt::Gateway {
 
 using Clock = std::chrono::steady_clock;
 using TimePoint = Clock::time_point;
+using WallClock = std::chrono::system_clock; ///< for what others have dated
 using Milliseconds = std::chrono::milliseconds;
 
 inline double SecondsBetween(TimePoint p_Begin, TimePoint p_End)

@@ -1,5 +1,6 @@
 #include "Host/Gateway/Document.hpp"
 
+#include "Host/Gateway/DocumentJudge.hpp"
 #include "Host/Gateway/HttpStatus.hpp"
 
 namespace Varnholt::Gateway {
@@ -14,9 +15,21 @@ bool EndsWith(std::string const& p_Text, std::string const& p_End)
 
 } // namespace
 
+std::string Document::PartUrl() const
+{
+    return HasBody ? Url + DocumentJudge::c_SignatureSuffix : Url;
+}
+
+void Document::Fetch(bool p_Signature)
+{
+    HasBody = p_Signature;
+    Attempts = 0;
+    NotBefore = {};
+}
+
 bool Document::IsOptional() const
 {
-    return IsHostList() || EndsWith(Path, "/realmlist.info");
+    return IsHostList() || EndsWith(Path, "/realmlist.info") || EndsWith(Path, "/trust-key");
 }
 
 bool Document::EndsSoon(FetchProblem const& p_Problem)
@@ -29,8 +42,10 @@ std::size_t Document::MostBytes() const
 {
     constexpr std::size_t c_MiB = 1024UL * 1024;
 
+    if (HasBody)
+        return DocumentJudge::c_MostSignatureBytes;
     bool const isShort =
-        IsHostList() || EndsWith(Path, "/version.json") || EndsWith(Path, "/version_dev.json");
+        IsOptional() || EndsWith(Path, "/version.json") || EndsWith(Path, "/version_dev.json");
     return isShort ? c_MiB : 48 * c_MiB;
 }
 

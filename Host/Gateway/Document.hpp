@@ -11,7 +11,8 @@
 
 namespace Varnholt::Gateway {
 
-/// A small file of the content server's that is fetched as a whole. Guarded by its user.
+/// A small file of the content server's that is fetched as a whole, and with a judge its signature
+/// behind it. Guarded by its user.
 struct Document {
     std::string Path;
     std::string Url;
@@ -22,11 +23,19 @@ struct Document {
     int RetryAfter = 0; ///< seconds, of the latest answer
     TimePoint NotBefore;
     std::shared_ptr<std::string> Body = std::make_shared<std::string>(); ///< whole once it is done
+    bool HasBody = false; ///< what is fetched is the signature
+    std::shared_ptr<std::string> Signature = std::make_shared<std::string>();
+    int Doubts = 0; ///< how often it has come and did not verify
     std::optional<FetchProblem> Problem;
 
-    /// The list of mirrors and the realm list: a run goes on without them.
+    /// What is being fetched of it, and where that is.
+    std::shared_ptr<std::string>& Part() { return HasBody ? Signature : Body; }
+    std::string PartUrl() const;
+    void Fetch(bool p_Signature);
+
+    /// The list of mirrors, the realm list, a new key: a run goes on without them.
     bool IsOptional() const;
-    /// Of the body: 200,000 files need 32 MiB of a manifest.
+    /// Of the part: 200,000 files need 32 MiB of a manifest.
     std::size_t MostBytes() const;
     bool IsHostList() const { return Path == "cdns.info"; }
     /// Whether an attempt has cost so little time that only few may follow it, `c_MostAttempts`.

@@ -75,10 +75,12 @@ TimePoint Exchange::Turn()
     return next;
 }
 
-void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies)
+void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
+                        std::shared_ptr<DocumentJudge> p_Trust)
 {
     Lock const lock(Guard);
     Forget();
+    Trust = std::move(p_Trust);
     IsRunning = true;
     // Of no use without the one that tells the build.
     bool const areUsable = std::any_of(p_Copies.begin(), p_Copies.end(), [](auto const& p_Row) {
@@ -110,6 +112,7 @@ void Exchange::Forget()
     UnderWay.clear();
     IsRunning = false;
     Copies.clear();
+    Trust.reset();
     FetchedDocuments.clear();
     CopiesProblem.reset();
     DocumentsByPath.clear();

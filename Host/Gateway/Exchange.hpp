@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Gateway/Document.hpp"
+#include "Host/Gateway/DocumentJudge.hpp"
 #include "Host/Gateway/FileContent.hpp"
 #include "Host/Gateway/FileTransfer.hpp"
 #include "Host/Gateway/Gateway.hpp"
@@ -59,8 +60,10 @@ public:
     void Close();
 
     // As the gateway has them.
-    void BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies);
+    void BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
+                  std::shared_ptr<DocumentJudge> p_Trust);
     void EndRun();
+    void Want(std::string const& p_Path);
     Gateway::Documents Fetched() const;
     void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst);
     void AskSizes(std::vector<PlannedFile> const& p_Files);
@@ -103,6 +106,7 @@ private:
     File Known(std::string const& p_Path) const;
 
     // _Documents
+    std::shared_ptr<Document> NewDocument(std::string const& p_Path) const;
     void StartDocuments(TimePoint p_Now);
     void StartDocument(std::shared_ptr<Document> const& p_Document);
     void OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem);
@@ -112,6 +116,14 @@ private:
     DocumentAnswer CopyOf(std::string const& p_Path);
     DocumentAnswer AnswerOf(Document const& p_Document) const;
     void StartQuestions();
+
+    // _Trust
+    std::optional<FetchProblem> Verdict(Document const& p_Document,
+                                        std::optional<FetchProblem> const& p_Problem);
+    void Doubt(Document& p_Document, FetchProblem const& p_Problem);
+    bool AwaitsKey(FetchProblem const& p_Problem);
+    void OnKeyEnd();
+    std::string const* GoodCopy(std::string const& p_Path);
 
     // _Sizes
     void StartQueries(TimePoint p_Now);
@@ -149,6 +161,7 @@ private:
 
     // _Waits
     void CheckWaits(TimePoint p_Now);
+    void GiveUp(FetchProblem const& p_Problem);
     bool IsWaitedFor() const;
     FetchProblem Silence() const;
     GatewaySnapshot::Wait WaitAt(TimePoint p_Now, Milliseconds p_Silent) const;
@@ -170,6 +183,7 @@ private:
     bool IsRunning = false;
     Gateway::Source From = Gateway::Source::Server;
     Gateway::Documents Copies;
+    std::shared_ptr<DocumentJudge> Trust; ///< null: every document is believed
     std::map<std::string, std::shared_ptr<std::string const>> FetchedDocuments;
     std::optional<FetchProblem> CopiesProblem;
     TimePoint CopiesFrom; ///< when the servers have been given enough time

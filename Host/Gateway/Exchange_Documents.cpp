@@ -10,11 +10,8 @@ namespace Varnholt::Gateway {
 
 using namespace HttpStatus;
 
-namespace {
-
-} // namespace
-
-/// Waits for the document that a client asks for, which is fetched anew each time.
+/// Waits for the document that a client asks for, which is fetched anew each time unless it has
+/// been verified.
 Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
 {
     Lock lock(Guard);
@@ -26,12 +23,9 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
     if (From == Gateway::Source::ServerOrCopies && CopiesFrom == TimePoint{})
         CopiesFrom = Clock::now() + Options.CopyDelay;
     std::shared_ptr<Document>& known = DocumentsByPath[p_Path];
-    if (!known || known->IsDone) {
-        known = std::make_shared<Document>();
-        known->Path = p_Path;
-        known->Url = Board.Default().Address + p_Path;
-        known->Run = run;
-    }
+    bool const isVerified = Trust && known && known->IsDone && !known->Problem;
+    if (!known || (known->IsDone && !isVerified))
+        known = NewDocument(p_Path);
     std::shared_ptr<Document> const document = known;
     Loop.Wake();
     auto const isOver = [&] { return document->IsDone || CopiesProblem || IsOver(run); };
@@ -42,12 +36,23 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
                               FetchProblem::Type::Silent, document->Url, "no answer in time", 0}));
     if (run != Run || Closing)
         return {c_Unavailable, {}};
+    if (document->Problem && document->Problem->IsDistrust()) {
+        GiveUp(*document->Problem);
+        return {c_Unavailable, {}};
+    }
     bool const isMissed = From == Gateway::Source::ServerOrCopies && document->Problem;
     if (isMissed && document->IsHostList() && Copies.count(p_Path) != 0)
-        UseMirrors(Copies[p_Path]);
-    else if (isMissed && !document->IsOptional() && !CopiesProblem)
+        return CopyOf(p_Path);
+    if (isMissed && !document->IsOptional() && !CopiesProblem)
         TurnToCopies(*document->Problem);
     return CopiesProblem ? CopyOf(p_Path) : AnswerOf(*document);
+}
+
+void Exchange::Want(std::string const& p_Path)
+{
+    Lock const lock(Guard);
+    DocumentsByPath[p_Path] = NewDocument(p_Path);
+    Loop.Wake();
 }
 
 Exchange::DocumentAnswer Exchange::AnswerOf(Document const& p_Document) const
@@ -63,14 +68,14 @@ Exchange::DocumentAnswer Exchange::AnswerOf(Document const& p_Document) const
 
 Exchange::DocumentAnswer Exchange::CopyOf(std::string const& p_Path)
 {
-    auto const copy = Copies.find(p_Path);
+    std::string const* const copy = GoodCopy(p_Path);
     if (p_Path == "cdns.info") {
-        UseMirrors(copy == Copies.end() ? std::string() : copy->second);
+        UseMirrors(copy == nullptr ? std::string() : *copy);
         return {c_Success, std::make_shared<std::string const>(OwnName)};
     }
-    if (copy == Copies.end())
+    if (copy == nullptr)
         return {c_Unavailable, {}};
-    return {c_Success, std::make_shared<std::string const>(copy->second)};
+    return {c_Success, std::make_shared<std::string const>(*copy)};
 }
 
 /// From here on the run is told what an earlier one has learned.
@@ -78,6 +83,15 @@ void Exchange::TurnToCopies(FetchProblem const& p_Problem)
 {
     CopiesProblem = p_Problem;
     Changed.notify_all();
+}
+
+std::shared_ptr<Document> Exchange::NewDocument(std::string const& p_Path) const
+{
+    auto document = std::make_shared<Document>();
+    document->Path = p_Path;
+    document->Url = Options.ContentServer + p_Path;
+    document->Run = Run;
+    return document;
 }
 
 void Exchange::StartDocuments(TimePoint p_Now)
@@ -93,18 +107,18 @@ void Exchange::StartDocuments(TimePoint p_Now)
 
 void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
 {
-    p_Document->Body = std::make_shared<std::string>();
+    p_Document->Part() = std::make_shared<std::string>();
     p_Document->RetryAfter = 0;
     ++p_Document->Attempts;
     TransferRequest request;
-    request.Url = p_Document->Url;
+    request.Url = p_Document->PartUrl();
     request.OfContentServer = true;
     TransferEvents events;
     events.OnHead = [this, p_Document](AnswerHead const& p_Head) {
         Lock const lock(Guard);
         p_Document->RetryAfter = p_Head.RetryAfter;
         if (p_Head.Status != c_Success)
-            p_Document->Problem = StatusProblem(p_Head.Status, p_Document->Url);
+            p_Document->Problem = StatusProblem(p_Head.Status, p_Document->PartUrl());
         else
             p_Document->Problem.reset();
         return p_Head.Status == c_Success && p_Document->Run == Run;
@@ -119,12 +133,12 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
         Limit.Take(p_Count);
         LastByte = now;
         if (p_Document->Run != Run ||
-            p_Document->Body->size() + p_Count > p_Document->MostBytes()) {
-            p_Document->Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document->Url,
+            p_Document->Part()->size() + p_Count > p_Document->MostBytes()) {
+            p_Document->Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document->PartUrl(),
                                                "it is larger than such a file can be", 0};
             return Take::Stop;
         }
-        p_Document->Body->append(p_Data, p_Count);
+        p_Document->Part()->append(p_Data, p_Count);
         return Take::More;
     };
     events.OnEnd = [this, p_Document](std::optional<FetchProblem> const& p_Problem) {
@@ -143,11 +157,17 @@ void Exchange::OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p
     p_Document.Transfer = 0;
     if (p_Document.Run != Run)
         return;
-    auto const problem = p_Problem ? p_Problem : p_Document.Problem;
+    auto problem = p_Problem ? p_Problem : p_Document.Problem;
+    if (Trust && !problem && !p_Document.HasBody)
+        return p_Document.Fetch(true);
+    if (Trust)
+        problem = Verdict(p_Document, problem);
     if (!problem)
         return Finish(p_Document, std::nullopt);
     Fail(*problem);
     p_Document.Problem = problem;
+    if (problem->IsDistrust())
+        return Doubt(p_Document, *problem);
     TimePoint const now = Clock::now();
     bool const isAskedToWait =
         p_Document.RetryAfter > 0 || problem->HttpStatus == c_TooManyRequests;
@@ -172,12 +192,17 @@ void Exchange::Finish(Document& p_Document, std::optional<FetchProblem> const& p
         LastByte = Clock::now();
         Latest.reset();
         FetchedDocuments[p_Document.Path] = p_Document.Body;
+        if (Trust)
+            FetchedDocuments[p_Document.Path + DocumentJudge::c_SignatureSuffix] =
+                p_Document.Signature;
     }
     if (p_Document.IsHostList() && !p_Problem && !UseMirrors(*p_Document.Body)) {
         p_Document.Problem =
             FetchProblem{FetchProblem::Type::Unusable, p_Document.Url, "it is no list of hosts", 0};
         FetchedDocuments.erase(p_Document.Path);
     }
+    if (Trust && p_Document.Path == Trust->KeyPath())
+        OnKeyEnd();
     Changed.notify_all();
 }
 

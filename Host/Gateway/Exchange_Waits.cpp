@@ -72,7 +72,12 @@ void Exchange::CheckWaits(TimePoint p_Now)
         return;
     if (p_Now - LastSign() < Options.RetryFor)
         return;
-    GaveUp = Latest.value_or(Silence());
+    GiveUp(Latest.value_or(Silence()));
+}
+
+void Exchange::GiveUp(FetchProblem const& p_Problem)
+{
+    GaveUp = p_Problem;
     ToCancel.insert(ToCancel.end(), UnderWay.begin(), UnderWay.end());
     Loop.Wake();
     Changed.notify_all();

@@ -14,12 +14,23 @@ struct FetchProblem {
         Dropped,          ///< the answer ended before its end
         Refused,          ///< the server answered with a status that is none of success
         Unusable,         ///< the answer is not what was asked for
+        // Of a document that is not handed on, see `DocumentJudge`.
+        Unsigned,       ///< there is no signature of it
+        Forged,         ///< it is not what was signed
+        ForeignKey,     ///< somebody else has signed it
+        Misplaced,      ///< it is signed as another document, of another game or channel
+        RolledBack,     ///< it is older than one that was seen before
+        Expired,        ///< it was to be replaced by now
+        OfAnotherBuild, ///< a manifest: the version file names another one
     };
 
     Type Kind = Type::Unreachable;
     std::string Url;    ///< without user and password
     std::string Cause;  ///< in words: "HTTP status 404", "connection refused"
     int HttpStatus = 0; ///< of the answer; 0 when there was none
+
+    /// Whether something has come that its publisher does not vouch for.
+    bool IsDistrust() const { return Kind >= Type::Unsigned; }
 };
 
 } // namespace Varnholt::Gateway

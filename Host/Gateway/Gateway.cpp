@@ -36,14 +36,19 @@ std::string Gateway::BaseUrl() const
     return Details->IsListening ? Details->Door.Address() : std::string();
 }
 
-void Gateway::BeginRun(Source p_Source, Documents p_Copies)
+void Gateway::BeginRun(Source p_Source, Documents p_Copies, std::shared_ptr<DocumentJudge> p_Trust)
 {
-    Details->Inner.BeginRun(p_Source, std::move(p_Copies));
+    Details->Inner.BeginRun(p_Source, std::move(p_Copies), std::move(p_Trust));
 }
 
 void Gateway::EndRun()
 {
     Details->Inner.EndRun();
+}
+
+void Gateway::Want(std::string const& p_Path)
+{
+    Details->Inner.Want(p_Path);
 }
 
 Gateway::Documents Gateway::Fetched() const

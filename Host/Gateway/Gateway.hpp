@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Gateway/DocumentJudge.hpp"
 #include "Host/Gateway/FetchProblem.hpp"
 #include "Host/Gateway/GatewayOptions.hpp"
 #include "Host/Gateway/GatewaySnapshot.hpp"
@@ -72,10 +73,17 @@ public:
 
     /// Forgets what the run before has learned of failures, sizes and plans, and what it held; the
     /// speeds of servers are kept. \param p_Copies the documents of an earlier run
-    void BeginRun(Source p_Source, Documents p_Copies = {});
+    /// \param p_Trust judges every document before anybody gets a byte of it, of copies too; what
+    /// it has let through once stays the same for the run, and what it has not ends the run: the
+    /// door has given up then. Null: every document is believed
+    void BeginRun(Source p_Source, Documents p_Copies = {},
+                  std::shared_ptr<DocumentJudge> p_Trust = nullptr);
     /// Ends what is under way; whoever still asks gets nothing.
     void EndRun();
-    /// The documents that servers gave in this run: version file, manifest, host list.
+    /// Fetches a document though no client has asked for it, for `Fetched`.
+    void Want(std::string const& p_Path);
+    /// The documents that servers gave in this run: version file, manifest, host list, and with a
+    /// judge their signatures.
     Documents Fetched() const;
 
     /// The files in the order in which they will be asked for. Their sizes are asked for at once,

@@ -34,7 +34,7 @@ struct GatewaySnapshot {
     std::string Server;                 ///< that gave the latest bytes
     std::vector<ServerFigures> Servers; ///< that gave bytes or failed, the default one first
     std::optional<Wait> Waits;
-    std::optional<FetchProblem> GaveUp; ///< nothing has come for as long as is allowed
+    std::optional<FetchProblem> GaveUp; ///< nothing has come for as long as is allowed, or distrust
     std::optional<FetchProblem> Copies; ///< copies are handed out, and why
     std::uint32_t SizesKnown = 0;       ///< of the files of the plan, or refused
 };

@@ -81,13 +81,14 @@ void Application::EnqueueAsync(std::function<void()> p_Closure)
 
 HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Path, bool p_Resume)
 {
-    auto* const downloader = new ApplicationAsyncHttpDownloader;
+    ApplicationAsyncHttpDownloader* const downloader = Link->NewDownloader();
     downloader->ErrorReporter = ErrorReporter;
     // By way of the application thread: behind everything that the download has posted there, so
     // that the record outlives every handler that is given its pointer.
     downloader->FinishDispatcher = [link = Link, downloader](std::function<void()> p_CleanUp) {
         link->Post(
             [downloader, p_CleanUp](Application& p_Application) {
+                p_Application.Link->Retire();
                 if (p_Application.OnDownloadRetired)
                     p_Application.OnDownloadRetired(downloader->Request);
                 p_Application.EnqueueAsync(p_CleanUp);
@@ -110,6 +111,8 @@ HTTP_DownloadFileRequest* Application::DownloadFile(QString p_Url, QString p_Pat
           &Application::AppInt_OnHTTPDownloadProgressComplete);
     relay(&Downloader::AsyncOnHTTPDownloadRestarted, &Application::AppInt_OnHTTPDownloadRestarted);
     RateClock::Restart(Timer);
+    QMetaObject::invokeMethod(
+        this, [this] { Link->PrepareNext(); }, Qt::QueuedConnection);
     return downloader->Start(std::move(p_Url), std::move(p_Path), p_Resume);
 }
 

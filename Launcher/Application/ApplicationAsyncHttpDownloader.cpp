@@ -33,6 +33,8 @@ ApplicationAsyncHttpDownloader::ApplicationAsyncHttpDownloader()
 
 ApplicationAsyncHttpDownloader::~ApplicationAsyncHttpDownloader()
 {
+    Given.release();
+    wait();
     delete Request;
 }
 
@@ -59,15 +61,22 @@ HTTP_DownloadFileRequest* ApplicationAsyncHttpDownloader::Start(QString p_Url, Q
     Resume = p_Resume;
 
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::Start starting thread";
-    start(QThread::InheritPriority);
+    if (!isRunning())
+        Prepare();
+    Given.release();
     qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::Start end";
     return request;
 }
 
 void ApplicationAsyncHttpDownloader::run()
 {
-    qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::run";
     NetworkManager = new QNetworkAccessManager(this);
+    Given.acquire();
+    if (Request == nullptr) {
+        delete NetworkManager;
+        return;
+    }
+    qCWarning(LogDownload) << "ApplicationAsyncHttpDownloader::run";
     if (StartDownload()) {
         QEventLoop loop;
         connect(this, SIGNAL(CloseThread()), &loop, SLOT(quit()));

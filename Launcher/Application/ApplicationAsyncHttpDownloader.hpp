@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QNetworkReply>
+#include <QSemaphore>
 #include <QString>
 #include <QThread>
 #include <QTimer>
@@ -45,8 +46,11 @@ class ApplicationAsyncHttpDownloader : public QThread {
 
 public:
     ApplicationAsyncHttpDownloader();
-    /// Deletes the record. The thread must have ended.
+    /// Deletes the record. The thread must have ended, or have been given no download.
     ~ApplicationAsyncHttpDownloader() override;
+
+    /// Starts the thread ahead of `Start`, which then has less to wait for.
+    void Prepare() { start(QThread::InheritPriority); }
 
     /// Starts the download. To be called once, after `ErrorReporter` and `FinishDispatcher` are set
     /// and the signals are connected.
@@ -118,6 +122,7 @@ private:
     bool AnswerIsSuccess() const;
     bool AttemptIsWhole() const; ///< everything that the answer promised has been written
 
+    QSemaphore Given; ///< a download, or none in the end
     Attempt Current;
     bool HoldsErrorPage = false; ///< the destination starts with an error page
     int FruitlessRestarts = 0;   ///< in a row, without a byte of a successful answer

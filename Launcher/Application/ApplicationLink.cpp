@@ -1,6 +1,7 @@
 #include "Launcher/Application/ApplicationLink.hpp"
 
 #include "Launcher/Application/Application.hpp"
+#include "Launcher/Application/ApplicationAsyncHttpDownloader.hpp"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -19,6 +20,13 @@ void RunOnMainThread(std::function<void()> const& p_Closure)
 }
 
 } // namespace
+
+ApplicationLink::ApplicationLink(Application& p_Application)
+    : Target(&p_Application)
+{
+}
+
+ApplicationLink::~ApplicationLink() = default;
 
 void ApplicationLink::Post(std::function<void(Application&)> p_Closure,
                            std::function<void()> p_Otherwise)
@@ -54,8 +62,29 @@ void ApplicationLink::Relay(void (Application::*p_Slot)(HTTP_DownloadFileRequest
         (Target->*p_Slot)(p_Request);
 }
 
+ApplicationAsyncHttpDownloader* ApplicationLink::NewDownloader()
+{
+    ++Downloads;
+    return Next ? Next.release() : new ApplicationAsyncHttpDownloader;
+}
+
+void ApplicationLink::PrepareNext()
+{
+    if (Next || Downloads == 0)
+        return;
+    Next = std::make_unique<ApplicationAsyncHttpDownloader>();
+    Next->Prepare();
+}
+
+void ApplicationLink::Retire()
+{
+    if (--Downloads == 0)
+        Next.reset();
+}
+
 void ApplicationLink::Sever()
 {
+    Next.reset();
     QMutexLocker const lock(&TargetMutex);
     Target = nullptr;
     for (auto const& row : Waiting)

@@ -5,20 +5,20 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 
 namespace Varnholt::Launcher {
 
 class Application;
+class ApplicationAsyncHttpDownloader;
 struct HTTP_DownloadFileRequest;
 
 /// What a download thread holds of its application: a way to post to the application's thread that
 /// stays safe when the application is destroyed first.
 class ApplicationLink {
 public:
-    explicit ApplicationLink(Application& p_Application)
-        : Target(&p_Application)
-    {
-    }
+    explicit ApplicationLink(Application& p_Application);
+    ~ApplicationLink();
 
     /// Runs p_Closure on the application's thread, after everything posted to it before. When the
     /// application goes before that, p_Otherwise is run in its place on the program's main thread.
@@ -34,6 +34,14 @@ public:
     /// may outlive the object.
     void Sever();
 
+    // While files follow each other, the thread of the next one is made ready as the one before
+    // pauses. The application's thread only.
+
+    /// A downloader for a file that is begun now; its end is told of by `Retire`.
+    ApplicationAsyncHttpDownloader* NewDownloader();
+    void PrepareNext();
+    void Retire();
+
 private:
     struct Posted {
         std::function<void(Application&)> Closure;
@@ -46,6 +54,8 @@ private:
     Application* Target;
     std::map<quint64, Posted> Waiting; ///< in the order of their posting
     quint64 LastNumber = 0;
+    std::unique_ptr<ApplicationAsyncHttpDownloader> Next; ///< runs already, and waits for its file
+    int Downloads = 0;                                    ///< begun and not retired
 };
 
 } // namespace Varnholt::Launcher

@@ -1,12 +1,16 @@
 #include "Launcher/Application/FollowingDigest.hpp"
 
-#include <QCryptographicHash>
+#include "Launcher/Helper/Md5Lanes.hpp"
+
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <utility>
 #include <vector>
@@ -26,6 +30,32 @@ struct stat StatusOf(QString const& p_Path)
 qint64 ChangeOf(QString const& p_Path)
 {
     return QFileInfo(p_Path).lastModified().toMSecsSinceEpoch();
+}
+
+/// Has the system write to the disk what stands in the file, part by part, and does not wait: at
+/// the end of an installation all of it is flushed.
+void Flush([[maybe_unused]] int p_File, [[maybe_unused]] qint64 p_From,
+           [[maybe_unused]] qint64 p_To)
+{
+#ifdef SYNC_FILE_RANGE_WRITE
+    constexpr qint64 c_PartBytes = qint64{8} * 1024 * 1024;
+
+    qint64 const begin = p_From / c_PartBytes * c_PartBytes;
+    qint64 const end = p_To / c_PartBytes * c_PartBytes;
+    if (begin < end)
+        ::sync_file_range(p_File, begin, end - begin, SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
+/// Of what was hashed and the bytes behind it.
+QString DigestOf(Md5Lanes::State p_State, unsigned char const* p_Rest, std::size_t p_Bytes,
+                 qint64 p_Total)
+{
+    std::array<unsigned char, 3 * Md5Lanes::c_BlockBytes> end;
+    std::copy_n(p_Rest, p_Bytes, end.data());
+    Md5Lanes::AddOne(p_State, end.data(),
+                     Md5Lanes::Pad(end.data(), p_Bytes, static_cast<quint64>(p_Total)));
+    return Md5Lanes::TextOf(p_State);
 }
 
 } // namespace
@@ -73,22 +103,30 @@ bool FollowingDigest::AwaitBytes(qint64 p_Hashed, qint64& p_Size)
 
 void FollowingDigest::Run()
 {
-    constexpr qint64 c_BlockBytes = qint64{256} * 1024;
+    constexpr qint64 c_ReadBytes = qint64{256} * 1024;
 
     QFile file(Path);
     struct stat status = {};
     bool isReadable = file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) &&
                       ::fstat(file.handle(), &status) == 0;
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    std::vector<char> block(c_BlockBytes);
+    Md5Lanes::State state = Md5Lanes::c_Begin;
+    std::vector<unsigned char> bytes(c_ReadBytes + Md5Lanes::c_BlockBytes);
+    std::size_t rest = 0; // at the begin of them, less than a block
     qint64 hashed = 0;
     qint64 size = 0;
     while (AwaitBytes(hashed, size)) {
-        qint64 const read =
-            isReadable ? file.read(block.data(), std::min(c_BlockBytes, size - hashed)) : -1;
+        qint64 const read = isReadable ? file.read(reinterpret_cast<char*>(bytes.data() + rest),
+                                                   std::min(c_ReadBytes, size - hashed))
+                                       : -1;
         isReadable = read > 0; // what was told to stand there does not
-        if (isReadable)
-            hash.addData(block.data(), static_cast<int>(read));
+        if (isReadable) {
+            rest += static_cast<std::size_t>(read);
+            std::size_t const blocks = rest / Md5Lanes::c_BlockBytes;
+            Md5Lanes::AddOne(state, bytes.data(), blocks);
+            rest %= Md5Lanes::c_BlockBytes;
+            std::memmove(bytes.data(), bytes.data() + blocks * Md5Lanes::c_BlockBytes, rest);
+            Flush(file.handle(), hashed, hashed + read);
+        }
         hashed = isReadable ? hashed + read : size;
         std::lock_guard const lock(Guard);
         Failed = Failed || !isReadable;
@@ -96,7 +134,7 @@ void FollowingDigest::Run()
         Read.Device = static_cast<quint64>(status.st_dev);
         Read.Node = status.st_ino;
         if (hashed == Size) {
-            Read.Md5 = QString::fromLatin1(hash.result().toHex()).toUpper();
+            Read.Md5 = DigestOf(state, bytes.data(), rest, hashed);
             Progressed.notify_one();
         }
     }

@@ -4,7 +4,6 @@
 #include "Publisher/Cli/KeyFiles.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/Signatures/TreeSigner.hpp"
-#include "Publisher/Tree/PublishedTree.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Signing/KeyFailure.hpp"
@@ -44,7 +43,6 @@ KeysCommand::KeysCommand(CLI::App& p_Program)
     Command->add_option("--new", New, "change: the secret key that signs from now on");
     Command->add_option("--new-password-file", NewPasswordFile,
                         "change: --password-file of the new key");
-    Command->add_option("--app-id", AppId, "change: application identifier")->capture_default_str();
     Command->add_flag("--json", Json, "One JSON object per line");
 }
 
@@ -119,15 +117,13 @@ void KeysCommand::Show() const
 void KeysCommand::Change() const
 {
     QString const output = QString::fromStdString(Output);
-    QString const appId = QString::fromStdString(AppId);
     TreeMark(output).CheckIsTree();
-    PublishedTree(output, appId); // refuses an application that was never published there
     SigningOptions options;
     options.Key = KeyFiles::Load(QString::fromStdString(Old), QString::fromStdString(PasswordFile));
     SecretKey const next =
         KeyFiles::Load(QString::fromStdString(New), QString::fromStdString(NewPasswordFile));
     TreeTransaction tree(output);
-    TreeSigner(output, appId, options).CommitKeyChange(tree, next);
+    TreeSigner::CommitKeyChange(tree, output, options, next);
     Print(next.Public());
 }
 

@@ -41,7 +41,6 @@ private:
     std::string Old;
     std::string New;
     std::string NewPasswordFile;
-    std::string AppId = "pelmora_app";
     bool WithoutPassword = false;
     bool Json = false;
 };

@@ -5,6 +5,7 @@
 #include "Publisher/Tree/PublishedBuild.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -117,7 +118,18 @@ void TreeSigner::CommitAll(TreeTransaction& p_Tree)
     p_Tree.Commit();
 }
 
-void TreeSigner::CommitKeyChange(TreeTransaction& p_Tree, Signing::SecretKey const& p_New)
+void TreeSigner::CommitKeyChange(TreeTransaction& p_Tree, QString const& p_Output,
+                                 SigningOptions const& p_Old, Signing::SecretKey const& p_New)
+{
+    QDir const root(p_Output);
+    for (QString const& name : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (root.exists(name + QStringLiteral("/builds")))
+            TreeSigner(p_Output, name, p_Old).AddKeyChange(p_Tree, p_New);
+    }
+    p_Tree.Commit();
+}
+
+void TreeSigner::AddKeyChange(TreeTransaction& p_Tree, Signing::SecretKey const& p_New)
 {
     std::vector<TreeText> const current = Current();
     std::vector<TreeText> const manifests = Manifests(Catalog.Builds());
@@ -136,7 +148,6 @@ void TreeSigner::CommitKeyChange(TreeTransaction& p_Tree, Signing::SecretKey con
         AddSignature(p_Tree, text);
     for (TreeText const& text : current)
         AddSignature(p_Tree, text);
-    p_Tree.Commit();
 }
 
 void TreeSigner::Begin(TreeTransaction& p_Tree)

@@ -44,9 +44,11 @@ public:
     /// Signs all that the tree holds of the application, as it is. \throws Failure
     void CommitAll(TreeTransaction& p_Tree);
 
-    /// Signs all that the tree holds with another key, whose text this one signs for clients.
-    /// \throws Failure also when anything was changed since this one signed it
-    void CommitKeyChange(TreeTransaction& p_Tree, Signing::SecretKey const& p_New);
+    /// Signs all that a tree holds, of all its applications, with another key, whose text the old
+    /// one signs for clients. \throws Failure also when anything was changed since the old one
+    /// signed it
+    static void CommitKeyChange(TreeTransaction& p_Tree, QString const& p_Output,
+                                SigningOptions const& p_Old, Signing::SecretKey const& p_New);
 
     quint64 Sequence() const { return Record.Sequence(); }
     /// How many signatures it has added.
@@ -54,6 +56,7 @@ public:
 
 private:
     void CommitUnsigned(TreeTransaction& p_Tree, std::vector<TreeText> const& p_Change) const;
+    void AddKeyChange(TreeTransaction& p_Tree, Signing::SecretKey const& p_New);
     void Begin(TreeTransaction& p_Tree);
     std::vector<TreeText> Current() const;
     std::vector<TreeText> Manifests(QStringList const& p_Builds) const;

@@ -1,6 +1,6 @@
 #include "Publisher/Source/SourceReader.hpp"
 
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/Source/NativePath.hpp"
 

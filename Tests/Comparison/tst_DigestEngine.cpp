@@ -1,5 +1,5 @@
 #include "GameModules/DigestEngine.hpp"
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/TestMain.hpp"
 

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void AGoodFileIsMovedIntoPlace();
     void AnOldFileIsReplaced();
     void AnOldReadOnlyFileIsReplaced();
+    void AnOldLargeFileIsGivenBackByTheWorker();
     void AMissingPartIsRestarted();
     void APartThatCannotBeOpenedIsRestarted();
     void AWrongDigestIsRestarted();
@@ -76,6 +77,33 @@ void VerificationTest::AnOldReadOnlyFileIsReplaced()
     run.Complete("new");
     QCOMPARE(run.Read("a"), QByteArray("new"));
     QCOMPARE(run.Host.Errors(), QStringList());
+}
+
+void VerificationTest::AnOldLargeFileIsGivenBackByTheWorker()
+{
+    // A hole: it takes no room.
+    constexpr qint64 c_Large = qint64{1} << 30;
+
+    HandMadeRun run;
+    run.Add({"a", "new"}).Add({"b", "b"});
+    run.List();
+    run.Put("a", "old");
+    QVERIFY(QFile::resize(run.Path("a"), c_Large));
+    auto const isHeld = [&] {
+        QDir const handles("/proc/self/fd");
+        QStringList targets;
+        for (QFileInfo const& handle : handles.entryInfoList(QDir::Files | QDir::System))
+            targets += handle.symLinkTarget();
+        return targets.contains(run.Path("a") + " (deleted)");
+    };
+    run.Complete("new");
+    QCOMPARE(run.Read("a"), QByteArray("new"));
+    QCOMPARE(run.App.AsyncQueue.size(), std::size_t{1});
+    if (!QFile::exists("/proc/self/fd"))
+        QSKIP("nothing here tells what is held");
+    QVERIFY(isHeld());
+    run.App.AsyncQueue.pop();
+    QVERIFY(!isHeld());
 }
 
 void VerificationTest::AMissingPartIsRestarted()

@@ -9,6 +9,7 @@
 #include "Tests/Faults/RedirectFaults.hpp"
 #include "Tests/Faults/RemovalFaults.hpp"
 #include "Tests/Faults/ServerFaults.hpp"
+#include "Tests/Faults/SignatureFaults.hpp"
 #include "Tests/Faults/TrustFaults.hpp"
 
 using namespace Varnholt::TestSupport;
@@ -18,9 +19,9 @@ namespace {
 std::vector<FaultRow> AllRows()
 {
     std::vector<FaultRow> rows;
-    for (auto const& group :
-         {ServerFaults(), LineFaults(), RedirectFaults(), TrustFaults(), DiskFaults(),
-          FolderFaults(), RemovalFaults(), KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
+    for (auto const& group : {ServerFaults(), LineFaults(), RedirectFaults(), TrustFaults(),
+                              SignatureFaults(), DiskFaults(), FolderFaults(), RemovalFaults(),
+                              KillFaults(), CallFaults(), LockFaults(), ClockFaults()})
         rows.insert(rows.end(), group.begin(), group.end());
     return rows;
 }

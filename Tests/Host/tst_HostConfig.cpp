@@ -124,6 +124,7 @@ void HostConfigTest::EveryOptionIsListedWithItsOrigin()
                                "https-mirrors=true  (command line)",
                                "offline=true  (environment)",
                                "dev-channel=false  (default)",
+                               "trust-key=  (default)",
                                "wrapper=  (default)",
                                "log-file=  (default)",
                                "color=never  (settings file)"};

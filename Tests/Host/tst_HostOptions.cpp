@@ -1,6 +1,7 @@
 #include "Host/Cli/CommandParser.hpp"
 #include "Host/Cli/ConfigCommand.hpp"
 #include "Host/Cli/Reports.hpp"
+#include "Signing/PublicKey.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -43,6 +44,15 @@ Getter Flag(bool HostOptions::*p_Member)
     return [p_Member](Choice const& p_Choice) {
         return QVariant(p_Choice.Options.*p_Member).toString();
     };
+}
+
+QString KeyText(char p_Byte)
+{
+    constexpr int c_IdBytes = 8;
+    constexpr int c_KeyBytes = 32;
+
+    return Signing::PublicKey(QByteArray(c_IdBytes, p_Byte), QByteArray(c_KeyBytes, p_Byte))
+        .ToText();
 }
 
 } // namespace
@@ -119,6 +129,7 @@ std::vector<Row> HostOptionsTest::Rows() const
         {"https-mirrors", "true", "false", Flag(&O::HttpsMirrors)},
         {"offline", "true", "false", Flag(&O::Offline)},
         {"dev-channel", "true", "false", Flag(&O::UseDevChannel)},
+        {"trust-key", KeyText('a'), KeyText('b'), Text(&O::TrustKey)},
         {"wrapper", "wine -x", "'/opt/w 2'",
          [](Choice const& p_Choice) {
              QStringList const words = p_Choice.Options.Wrapper;

@@ -1,4 +1,5 @@
 #include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Publisher/SigningKeys.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ScopedVariable.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -42,6 +43,7 @@ private Q_SLOTS:
     void cleanup();
 
     void ACopyIsTheTree();
+    void AChangeOfKeyIsTakenOver();
     void EachFileComesInItsOrderAndWithItsTimeToBeKept();
     void AVersionOfTheSameSizeIsTakenOver();
     void WhatIsCutOffLeavesTheVersion_data();
@@ -75,6 +77,7 @@ void BucketMirrorTest::init()
     Game = std::make_unique<PublishedGame>();
     Game->Put("Data/a", "a");
     Game->Options.RealmListAddress = "logon.example.net";
+    Game->Options.Signing = SigningKeys().Options();
     Game->Publish("build_1");
 
     QString const served = Game->Temporary.filePath("served");
@@ -115,12 +118,21 @@ void BucketMirrorTest::ACopyIsTheTree()
     QCOMPARE(Copy(), published);
 }
 
+void BucketMirrorTest::AChangeOfKeyIsTakenOver()
+{
+    QCOMPARE(Mirror().Status, 0);
+    SigningKeys::Change(*Game);
+    QCOMPARE(Mirror().Status, 0);
+    QCOMPARE(Copy(), Game->Published());
+    QVERIFY(Copy().count("pelmora_app/trust-key.minisig") == 1);
+}
+
 void BucketMirrorTest::EachFileComesInItsOrderAndWithItsTimeToBeKept()
 {
     Copying const copying = Mirror({"--dump", "headers", "--transfers", "1"});
     QVERIFY2(copying.Status == 0, qPrintable(copying.Log));
     QStringList uploads = copying.Uploads();
-    QCOMPARE(uploads.size(), 6);
+    QCOMPARE(uploads.size(), 10);
     QStringList content{uploads.takeFirst(), uploads.takeFirst()};
     content.sort();
     QString const forEver = " public, max-age=31536000, immutable";
@@ -131,10 +143,18 @@ void BucketMirrorTest::EachFileComesInItsOrderAndWithItsTimeToBeKept()
     QCOMPARE(content, expected);
     QCOMPARE(uploads.takeFirst(),
              QString("/games/pelmora_app/builds/build_1/info.json public, max-age=86400"));
-    QCOMPARE(uploads.takeLast(), QString("/games/pelmora_app/version.json public, max-age=60"));
-    uploads.sort();
+    QStringList version{uploads.takeLast(), uploads.takeLast()};
+    for (QStringList* const step : {&uploads, &version})
+        step->sort();
+    QCOMPARE(version, QStringList({"/games/pelmora_app/version.json public, max-age=60",
+                                   "/games/pelmora_app/version.json.minisig public, max-age=60"}));
     QCOMPARE(uploads, QStringList({"/games/cdns.info public, max-age=300",
-                                   "/games/pelmora_app/realmlist.info public, max-age=300"}));
+                                   "/games/cdns.info.minisig public, max-age=300",
+                                   "/games/pelmora_app/builds/build_1/info.json.minisig "
+                                   "public, max-age=300",
+                                   "/games/pelmora_app/realmlist.info public, max-age=300",
+                                   "/games/pelmora_app/realmlist.info.minisig public, "
+                                   "max-age=300"}));
 }
 
 void BucketMirrorTest::AVersionOfTheSameSizeIsTakenOver()
@@ -146,7 +166,7 @@ void BucketMirrorTest::AVersionOfTheSameSizeIsTakenOver()
     // What lies there is not sent again.
     Copying const again = Mirror({"--dump", "headers"});
     QCOMPARE(again.Uploads().filter("/files/"), QStringList());
-    QCOMPARE(again.Uploads().filter("/builds/"), QStringList());
+    QCOMPARE(again.Uploads().filter("/info.json "), QStringList());
 }
 
 void BucketMirrorTest::WhatIsCutOffLeavesTheVersion_data()

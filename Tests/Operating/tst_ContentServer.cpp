@@ -1,6 +1,7 @@
 #include "Publisher/Verification/ServerVerification.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Publisher/ServingThread.hpp"
+#include "Tests/Publisher/SigningKeys.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -82,10 +83,12 @@ void ContentServerTest::initTestCase()
         Game.Put(QString("Data/%1").arg(i),
                  SampleContent::Bytes(1000, static_cast<quint32>(i + 1)));
     Game.Options.RealmListAddress = "logon.example.net";
+    Game.Options.Signing = SigningKeys().Options();
     Game.Options.DevChannel = true;
     Game.Publish();
     Game.Options.DevChannel = false;
     Game.Publish();
+    SigningKeys::Change(Game);
     Server = StartServer(Game.Options.Output);
 }
 
@@ -101,7 +104,7 @@ void ContentServerTest::GivesEveryFileAsPublished()
         QCOMPARE(reply.Header("Content-Length").toInt(), bytes.size());
         ++files;
     }
-    QCOMPARE(files, 108);
+    QCOMPARE(files, 115);
 }
 
 void ContentServerTest::GivesRanges_data()
@@ -157,10 +160,16 @@ void ContentServerTest::TellsHowLongAnAnswerHolds_data()
     AddRow("content", PublishedGame::ContentPath(c_Data),
            QByteArray("public, max-age=31536000, immutable"));
     AddRow("manifest", "pelmora_app/builds/build_1/info.json", QByteArray("public, max-age=86400"));
+    AddRow("its signature", "pelmora_app/builds/build_1/info.json.minisig",
+           QByteArray("public, max-age=300"));
     AddRow("version", "pelmora_app/version.json", QByteArray("public, max-age=60"));
     AddRow("development", "pelmora_app/version_dev.json", QByteArray("public, max-age=60"));
     AddRow("hosts", "cdns.info", QByteArray("public, max-age=300"));
     AddRow("realm list", "pelmora_app/realmlist.info", QByteArray("public, max-age=300"));
+    for (char const* const name : {"version.json.minisig", "trust-key", "trust-key.minisig"})
+        AddRow(name, "pelmora_app/" + QString(name), QByteArray("public, max-age=60"));
+    for (char const* const path : {"cdns.info.minisig", "pelmora_app/realmlist.info.minisig"})
+        AddRow(path, QString(path), QByteArray("public, max-age=300"));
 }
 
 void ContentServerTest::TellsHowLongAnAnswerHolds()
@@ -174,19 +183,19 @@ void ContentServerTest::TellsHowLongAnAnswerHolds()
 void ContentServerTest::GivesNothingElse_data()
 {
     QTest::addColumn<QString>("path");
-    for (char const* const path :
-         {"", "pelmora_app", "pelmora_app/",
-          "pelmora_app/files/00/00000000000000000000000000000000",
-          "pelmora_app/builds/none/info.json", "pelmora_app/builds/", "other/version.json",
-          ".varnholt-publish.new/x", "notes.txt", "pelmora_app/version.json.old"})
+    for (char const* const path : {"", "pelmora_app", "pelmora_app/",
+                                   "pelmora_app/files/00/00000000000000000000000000000000",
+                                   "pelmora_app/builds/none/info.json", "pelmora_app/builds/",
+                                   "other/version.json", ".varnholt-publish.new/x", "notes.txt",
+                                   "pelmora_app/version.json.old", "notes.txt.minisig"})
         AddRow(qPrintable(QString("/%1").arg(path)), QString(path));
 }
 
 void ContentServerTest::GivesNothingElse()
 {
     QFETCH(QString, path);
-    for (char const* const present :
-         {".varnholt-publish.new/x", "notes.txt", "pelmora_app/version.json.old"})
+    for (char const* const present : {".varnholt-publish.new/x", "notes.txt",
+                                      "pelmora_app/version.json.old", "notes.txt.minisig"})
         QVERIFY(WriteFile(Game.OutputPath(present), "secret"));
     HttpReply const reply = Ask(Server->Port(), GetOf(path));
     QCOMPARE(reply.Status, 404);

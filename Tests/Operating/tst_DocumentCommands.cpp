@@ -68,11 +68,12 @@ struct Elsewhere {
 
 std::vector<Elsewhere> const c_Elsewhere{
     {"scripts/demo", "Tests/EndToEnd/CMakeLists.txt", "scripts/demo --small"},
+    {"scripts/package", ".github/workflows/linux.yml", "scripts/package --check"},
     {"scripts/test", ".ci/run", "scripts/test"},
     {"VARNHOLT_PRESET=tsan scripts/test", "scripts/test", "scripts/setup --tsan"},
     {".ci/run", ".ci/run", "scripts/test"},
     {"scripts/setup", ".ci/run", "scripts/setup --lint"},
-    {"scripts/lint", ".ci/run", "scripts/lint build/debug"},
+    {"scripts/lint", ".ci/run", "scripts/lint"},
     {"scripts/fuzz", ".ci/run", "scripts/fuzz --seconds"},
     {"scripts/faults", "Tests/Faults/CMakeLists.txt", "varnholt-faults"},
     {"scripts/bench", "scripts/bench", "Benchmarks/$name"},
@@ -193,6 +194,9 @@ QString DocumentCommandsTest::Real(QString p_Command) const
           {"/var/log/nginx/access.log", Place("access.log")},
           {"=publisher", "=$(id -u)"},
           {"--group=$(id -u)", "--group=$(id -g)"},
+          // A password costs seconds each time.
+          {"keys new game.key", "keys new game.key --no-password"},
+          {"keys new next.key", "keys new next.key --no-password"},
           {"build/debug/", VARNHOLT_BUILD_FOLDER "/"}})
         p_Command.replace(example, real);
     return WithoutBuilding(p_Command);
@@ -232,6 +236,10 @@ void DocumentCommandsTest::ACommandDoesWhatItSays_data()
                                    "prune",
                                    "hosts",
                                    "realmlist",
+                                   "keys new",
+                                   "sign ",
+                                   "keys change",
+                                   "minisign",
                                    "rsync",
                                    "scripts/mirror ",
                                    "mirror-bucket",

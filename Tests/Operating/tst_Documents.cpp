@@ -7,11 +7,13 @@
 #include "Host/Core/Settings/InstallRecord.hpp"
 #include "Launcher/Application/RemoteText.hpp"
 #include "Publisher/Publication/ServerLists.hpp"
+#include "Publisher/Signatures/SignatureRecord.hpp"
 #include "Publisher/Source/HashLine.hpp"
 #include "Publisher/Tree/BuildRecord.hpp"
 #include "Publisher/Tree/PublishedBuild.hpp"
 #include "Publisher/Tree/ServerTexts.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
+#include "Signing/Signature.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -181,13 +183,42 @@ bool ReadsBuilds(QByteArray const& p_Text)
            ObjectIn(record.Text()) == ObjectIn(p_Text);
 }
 
+QByteArray const c_Key = "RWQbFD7n3nR4VxrIEJJox9DEE56FViy5aXux9d9/bG4Y7A8NJfRdFt71";
+
+bool ReadsSignature(QByteArray const& p_Text)
+{
+    auto const found = Signing::Verify("{\"build\":\"18414\"}", p_Text + '\n',
+                                       {*Signing::PublicKey::FromText(c_Key)});
+    return found.IsGood() && found.Comment.Build == "18414" && found.Comment.Expires;
+}
+
+bool ReadsTrustKey(QByteArray const& p_Text)
+{
+    auto const key = Signing::PublicKey::FromText(p_Text + '\n');
+    return key && key->ToText() == c_Key;
+}
+
+bool ReadsSignatureRecord(QByteArray const& p_Text)
+{
+    Place const place;
+    QFile::rename(place.Put("signatures", p_Text),
+                  Publisher::TreeMark(place.Path()).PrivatePath("signatures"));
+    Publisher::SignatureRecord const record(place.Path());
+    return record.SigningKey()->ToText() == c_Key && record.Sequence() == 7 &&
+           ObjectIn(record.Text()) == ObjectIn(p_Text);
+}
+
 /// By the second word behind the marks around an example.
 std::map<QString, bool (*)(QByteArray const&)> const c_Readers{
-    {"version", ReadsVersion},      {"manifest", ReadsManifest},   {"hosts", ReadsHosts},
-    {"realmlist", ReadsRealmList},  {"pending", ReadsPendingList}, {"lock", ReadsLock},
-    {"config", ReadsConfiguration}, {"login", ReadsLoginScreen},   {"settings", ReadsSettings},
-    {"control", ReadsMessages},     {"progress", ReadsProgress},   {"end", ReadsEnd},
-    {"metadata", ReadsMetadata},    {"index", ReadsIndexLine},     {"builds", ReadsBuilds},
+    {"version", ReadsVersion},      {"manifest", ReadsManifest},
+    {"hosts", ReadsHosts},          {"realmlist", ReadsRealmList},
+    {"pending", ReadsPendingList},  {"lock", ReadsLock},
+    {"config", ReadsConfiguration}, {"login", ReadsLoginScreen},
+    {"settings", ReadsSettings},    {"control", ReadsMessages},
+    {"progress", ReadsProgress},    {"end", ReadsEnd},
+    {"metadata", ReadsMetadata},    {"index", ReadsIndexLine},
+    {"builds", ReadsBuilds},        {"signature", ReadsSignature},
+    {"trustkey", ReadsTrustKey},    {"signatures", ReadsSignatureRecord},
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Publisher/SigningKeys.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -14,6 +15,7 @@ class RsyncMirrorTest : public QObject {
 private Q_SLOTS:
     void ACopyIsTheTree();
     void ANewBuildIsTakenOver();
+    void AChangeOfKeyIsTakenOver();
     void AVersionOfTheSameSizeAndTimeIsTakenOver();
     void WhatIsCutOffLeavesTheVersion_data();
     void WhatIsCutOffLeavesTheVersion();
@@ -65,6 +67,19 @@ void RsyncMirrorTest::ANewBuildIsTakenOver()
     game.Publish("build_2");
     QCOMPARE(Mirror(game), 0);
     QCOMPARE(TreeOf(CopyOf(game)), game.Published());
+}
+
+void RsyncMirrorTest::AChangeOfKeyIsTakenOver()
+{
+    PublishedGame game;
+    game.Options.RealmListAddress = "logon.example.net";
+    game.Options.Signing = SigningKeys().Options();
+    game.Publish();
+    QCOMPARE(Mirror(game), 0);
+    SigningKeys::Change(game);
+    QCOMPARE(Mirror(game), 0);
+    QCOMPARE(TreeOf(CopyOf(game)), game.Published());
+    QVERIFY(QFile::exists(CopyOf(game) + "/pelmora_app/trust-key.minisig"));
 }
 
 void RsyncMirrorTest::AVersionOfTheSameSizeAndTimeIsTakenOver()

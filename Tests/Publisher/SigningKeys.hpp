@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Publisher/Signatures/DocumentCheck.hpp"
+#include "Publisher/Signatures/TreeSigner.hpp"
+#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Signing/SecretKey.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -14,6 +15,14 @@ struct SigningKeys {
     Publisher::SigningOptions Options(std::optional<int> p_Days = {}) const
     {
         return {Secret, p_Days, false};
+    }
+
+    /// Gives a signed tree another key.
+    static void Change(PublishedGame const& p_Game)
+    {
+        Publisher::TreeTransaction tree(p_Game.Options.Output);
+        Publisher::TreeSigner::CommitKeyChange(tree, p_Game.Options.Output, p_Game.Options.Signing,
+                                               Signing::SecretKey::Create());
     }
 
     Signing::Verification Verify(QString const& p_Path) const

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void AnOldTreeIsSignedAsAWholeFirst();
     void WhatIsUnchangedButNotSignedIsPublishedAgain();
     void AChangeOfKeyIsVouchedForByTheOldOne();
+    void AChangeOfKeyIsOneOfAllApplications();
     void AChangedTreeGetsNoOtherKey();
     void PruningTakesSignaturesAlong();
     void ACopyIsAdoptedWithItsNumber();
@@ -252,8 +253,7 @@ void TreeSignerTest::AChangeOfKeyIsVouchedForByTheOldOne()
 {
     SigningKeys const next;
     TreeTransaction tree(Game->Options.Output);
-    TreeSigner(Game->Options.Output, "pelmora_app", Keys.Options())
-        .CommitKeyChange(tree, next.Secret);
+    TreeSigner::CommitKeyChange(tree, Game->Options.Output, Keys.Options(), next.Secret);
     QCOMPARE(CommentAt(c_Key).Document, Role::Key);
     QCOMPARE(CommentAt(c_Key).Platform, QString("mac"));
     QCOMPARE(Game->Read(c_Key), next.Secret.Public().ToText() + '\n');
@@ -262,14 +262,33 @@ void TreeSignerTest::AChangeOfKeyIsVouchedForByTheOldOne()
     QCOMPARE(next.Verify(At(c_Version)).Comment.Sequence, quint64(2));
 }
 
+void TreeSignerTest::AChangeOfKeyIsOneOfAllApplications()
+{
+    Game->Options.AppId = "other_app";
+    Game->Options.RealmListAddress.reset();
+    Game->Publish("build_2");
+    SigningKeys const next;
+    TreeTransaction tree(Game->Options.Output);
+    TreeSigner::CommitKeyChange(tree, Game->Options.Output, Keys.Options(), next.Secret);
+    auto const key = [&](QString const& p_App) {
+        return Keys.Verify(At(p_App + "/trust-key")).Comment.Game;
+    };
+    for (QString const app : {"pelmora_app", "other_app"}) {
+        QCOMPARE(key(app), app);
+        QCOMPARE(next.Verify(At(app + "/version.json")).Comment.Sequence, quint64(3));
+    }
+    QCOMPARE(next.Verify(At(c_Hosts)).Comment.Sequence, quint64(3));
+}
+
 void TreeSignerTest::AChangedTreeGetsNoOtherKey()
 {
     QVERIFY(WriteFile(At(c_Manifest), "{}"));
     Tree const before = TreeOf(Game->Options.Output);
     TreeTransaction tree(Game->Options.Output);
-    TreeSigner signer(Game->Options.Output, "pelmora_app", Keys.Options());
-    CaughtFailure const failure =
-        FailureOf([&] { signer.CommitKeyChange(tree, Signing::SecretKey::Create()); });
+    CaughtFailure const failure = FailureOf([&] {
+        TreeSigner::CommitKeyChange(tree, Game->Options.Output, Keys.Options(),
+                                    Signing::SecretKey::Create());
+    });
     QVERIFY(failure.Sentence.startsWith(At(c_Manifest) + ": is not what was signed"));
     QCOMPARE(ForClients(TreeOf(Game->Options.Output)), ForClients(before));
 }

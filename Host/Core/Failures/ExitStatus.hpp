@@ -19,6 +19,7 @@ inline constexpr ExitStatus c_ExitStatuses[] = {
     {7, "permission or path"},
     {8, "game running or folder in use"},
     {9, "module cannot be loaded"},
+    {10, "not what its publisher has signed"},
     {130, "interrupted; the same command goes on"},
 };
 

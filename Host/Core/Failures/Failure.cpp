@@ -11,6 +11,7 @@ namespace Varnholt::Host {
 namespace {
 
 constexpr int c_NetworkStatus = 5;
+constexpr int c_DistrustStatus = 10;
 
 struct FailureRow {
     FailureKind Kind;
@@ -67,6 +68,34 @@ public:
         {FailureKind::ContentInvalid, c_NetworkStatus, "content-invalid",
          QT_TR_NOOP("what the server gives as {s} is not usable ({d})"),
          QT_TR_NOOP("check the server's address, or try again when the server is in order")},
+        {FailureKind::SignatureMissing, c_DistrustStatus, "signature-missing",
+         QT_TR_NOOP("{s} is not signed ({d})"),
+         QT_TR_NOOP("try another network, or ask who publishes the game; without a signature "
+                    "nobody vouches for it")},
+        {FailureKind::SignatureWrong, c_DistrustStatus, "signature-wrong",
+         QT_TR_NOOP("{s} is not what its publisher has signed ({d})"),
+         QT_TR_NOOP(
+             "try another network, or tell who publishes the game: somebody has changed it")},
+        {FailureKind::KeyWrong, c_DistrustStatus, "key-wrong",
+         QT_TR_NOOP("{s} is signed by somebody else ({d})"),
+         QT_TR_NOOP(
+             "compare the key of --trust-key with the one that the publisher has made known")},
+        {FailureKind::GameWrong, c_DistrustStatus, "game-wrong",
+         QT_TR_NOOP("{s} is signed as something else ({d})"),
+         QT_TR_NOOP("check the server's address, or tell who publishes the game")},
+        {FailureKind::RolledBack, c_DistrustStatus, "rolled-back",
+         QT_TR_NOOP("{s} is older than what was seen before ({d})"),
+         QT_TR_NOOP("try another network, or ask the publisher to sign anew what is in force")},
+        {FailureKind::SignatureExpired, c_DistrustStatus, "signature-expired",
+         QT_TR_NOOP("{s} is not valid any more ({d})"),
+         QT_TR_NOOP("check this computer's clock, try another network, or ask the publisher to "
+                    "sign anew")},
+        {FailureKind::ManifestDiffers, c_DistrustStatus, "manifest-differs",
+         QT_TR_NOOP("{s} is not the manifest of the current build ({d})"),
+         QT_TR_NOOP("try again, or tell who publishes the game")},
+        {FailureKind::GameUnverified, c_DistrustStatus, "game-unverified",
+         QT_TR_NOOP("the game in {s} is not known to be what its publisher has signed"),
+         QT_TR_NOOP("run \"verify\", or \"repair\" when that finds a difference")},
         {FailureKind::BuildEmpty, 1, "build-empty",
          QT_TR_NOOP("the build {s} holds no files for this platform"),
          QT_TR_NOOP("ask who publishes it")},
@@ -195,6 +224,11 @@ QString Failure::Remedy() const
 bool Failure::IsNetwork() const
 {
     return ExitStatus() == c_NetworkStatus;
+}
+
+bool Failure::IsDistrust() const
+{
+    return ExitStatus() == c_DistrustStatus;
 }
 
 QVector<FailureKind> Failure::Kinds()

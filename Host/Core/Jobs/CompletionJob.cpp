@@ -211,6 +211,8 @@ void CompletionJob::Complete()
         return Fail(*unkept);
     if (!Context.Copies.Keep(Context.Door->Fetched(), Context.Door.PathOf(VersionFile())))
         NoticeOnce({NoticeKind::CopiesNotKept, Context.Copies.Folder()});
+    else if (Verifier() != nullptr)
+        Context.Trust.RememberCopies(*Verifier());
     Finish();
 }
 

@@ -34,6 +34,7 @@ protected:
     RunPhase Phase() const override;
     RunSnapshot Look() override;
     void Release() override { Result.Space = Faults.Space(); }
+    bool ProvesGame() const override { return !Result.IsRepairStopped; }
 
     /// Called when the build is known and can be had.
     virtual void BeginFiles() = 0;

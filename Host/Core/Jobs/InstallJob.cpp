@@ -43,6 +43,7 @@ void InstallJob::BeginFiles()
         return Fail(*failure);
     Context.Gate.SetPreview(false);
     DistrustLists();
+    Context.Trust.ForgetGame(); // what else lies there is nobody's until the end
     Context.Record.MarkUnfinished();
     Context.Gate.Open();
     module.Install(folder, false);

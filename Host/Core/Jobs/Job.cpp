@@ -34,6 +34,9 @@ void Job::Begin()
         failure = Context.Record.WriteRefusal();
     if (failure)
         return Fail(*failure);
+    // What a run without a key brings, a later one with a key must not take for verified.
+    if (!Context.Trust.IsOn() && (Is(Records) || !Is(IsPreview)))
+        Context.Trust.ForgetGame();
     OpenDoor();
     Start();
 }
@@ -43,7 +46,7 @@ void Job::AfterPump()
     if (!Over && Context.Gate.IsInterrupted())
         Interrupt();
     if (auto const problem = Context.Door->Snapshot().GaveUp; problem && !Over)
-        OnGaveUp(ExplainFetch(*problem));
+        problem->IsDistrust() ? Distrust(ExplainFetch(*problem)) : OnGaveUp(ExplainFetch(*problem));
     if (!Over)
         Go();
     if (Over)
@@ -98,9 +101,17 @@ void Job::Finish()
     // A module that was told to stop falls silent as one that is done.
     if (Context.Gate.IsInterrupted())
         return Interrupt();
+    if (ProvesGame())
+        Context.Trust.MarkGame();
     if (auto const unkept = Is(Records) ? Context.Record.Save() : std::nullopt)
         return Fail(*unkept);
     End();
+}
+
+void Job::Distrust(Failure const& p_Failure)
+{
+    Context.Trust.ForgetGame();
+    Fail(p_Failure);
 }
 
 void Job::Fail(Failure const& p_Failure)
@@ -125,6 +136,8 @@ void Job::End()
     Context.Gate.Release();
     Context.Gate.SetPreview(false);
     Context.Door->EndRun();
+    if (Trusted)
+        Context.Trust.Remember(*Trusted);
     Lock.reset();
     RunSnapshot last;
     last.Phase = Result.Problem ? RunPhase::Failed : RunPhase::Finished;

@@ -104,6 +104,10 @@ protected:
     void Settle(std::function<void()> p_Next);
     void Finish();
     void Fail(Failure const& p_Failure);
+    /// Ends the run: what has come is not what the publisher has signed. Nothing else does for it.
+    void Distrust(Failure const& p_Failure);
+    /// Whether its success tells that every file of the game is what the build wants.
+    virtual bool ProvesGame() const { return false; }
     void NoticeOnce(Notice const& p_Notice);
     bool IsOver() const { return Over; }
     bool IsWorking() const { return State == Step::Working; }
@@ -127,6 +131,8 @@ protected:
     Failure NothingKept() const;
     QString VersionFile() const;
     QString ManifestFile(QString const& p_Build) const;
+    /// Of the run's documents; null when every one is believed.
+    TrustJudge* Verifier() const { return Trusted.get(); }
     /// The latest thing that went wrong on the network.
     Failure LatestFailure() const;
     void NoticeRealmList();
@@ -146,6 +152,7 @@ private:
 
     // _StartUp
     void OpenDoor();
+    void OpenDoor(Gateway::Gateway::Source p_Source);
     void OnConnected();
     void OnStartUpFailed(Failure const& p_Failure);
     Failure StartUpFailure() const;
@@ -159,6 +166,7 @@ private:
     std::function<void()> AfterSettling;
     std::unique_ptr<FolderLock> Lock;
     std::set<QString> Told;
+    std::shared_ptr<TrustJudge> Trusted;
     OfflineCopies::Documents Kept; ///< that the run may go on from
     bool MayUseKept = false;       ///< once the servers have failed
     bool UsesKept = false;         ///< no server is asked

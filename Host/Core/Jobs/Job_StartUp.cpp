@@ -28,7 +28,15 @@ void Job::OpenDoor()
     Source const source = UsesKept     ? Source::Copies
                           : MayUseKept ? Source::ServerOrCopies
                                        : Source::Server;
-    Context.Door->BeginRun(source, Kept);
+    OpenDoor(source);
+}
+
+void Job::OpenDoor(Gateway::Gateway::Source p_Source)
+{
+    if (Trusted)
+        Context.Trust.Remember(*Trusted);
+    Trusted = Context.Trust.NewJudge();
+    Context.Door->BeginRun(p_Source, Kept, Trusted);
 }
 
 void Job::StartUp()
@@ -68,7 +76,7 @@ void Job::OnStartUpFailed(Failure const& p_Failure)
     Context.Door->EndRun();
     Context.View.AbandonReplies();
     Context.View.DiscardQueue();
-    Context.Door->BeginRun(Gateway::Gateway::Source::Copies, Kept);
+    OpenDoor(Gateway::Gateway::Source::Copies);
     StartUp();
 }
 

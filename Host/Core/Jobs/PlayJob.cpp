@@ -6,6 +6,8 @@ std::optional<Failure> PlayJob::Prepare()
 {
     if (auto failure = GameFailure())
         return failure;
+    if (Context.Trust.IsOn() && !Context.Trust.IsGameVerified())
+        return Failure{FailureKind::GameUnverified, Folder(), {}};
     return LockFolder(Folder());
 }
 

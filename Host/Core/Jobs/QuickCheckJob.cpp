@@ -12,23 +12,54 @@ void QuickCheckJob::Start()
     Gateway::Question question;
     question.Server = Context.Door->Servers().front();
     question.Path = Context.Door.PathOf(VersionFile());
+    if (!IsFromCopies() && Verifier() != nullptr)
+        return Context.Door->Want(question.Path);
     if (!IsFromCopies())
-        return Context.Door.Ask(question, *Asking,
-                                [this](Gateway::Reply const& p_Reply) { OnVersion(p_Reply); });
+        return Context.Door.Ask(question, *Asking, [this](Gateway::Reply const& p_Reply) {
+            if (p_Reply.Problem)
+                return Fail(ExplainFetch(*p_Reply.Problem));
+            OnVersion(p_Reply.Body);
+        });
     auto const& kept = KeptDocuments();
     auto const version = kept.find(question.Path);
     if (version == kept.end())
         return Fail(NothingKept());
-    Gateway::Reply reply;
-    reply.Body = version->second;
-    OnVersion(reply);
+    if (auto const problem = ProblemOf(*version))
+        return Distrust(ExplainFetch(*problem));
+    OnVersion(version->second);
 }
 
-void QuickCheckJob::OnVersion(Gateway::Reply const& p_Reply)
+/// Of what is kept, which no door hands out here.
+std::optional<Gateway::FetchProblem>
+QuickCheckJob::ProblemOf(OfflineCopies::Documents::value_type const& p_Version) const
 {
-    if (p_Reply.Problem)
-        return Fail(ExplainFetch(*p_Reply.Problem));
-    auto const build = VersionText::BuildIn(p_Reply.Body);
+    if (Verifier() == nullptr)
+        return std::nullopt;
+    auto const& kept = KeptDocuments();
+    auto const found = kept.find(p_Version.first + Gateway::DocumentJudge::c_SignatureSuffix);
+    std::string const signature = found == kept.end() ? std::string() : found->second;
+    return Verifier()->Judge({p_Version.first, Context.Door.UrlOf(VersionFile()).toStdString(),
+                              p_Version.second, signature, true});
+}
+
+/// Waits for the door, which asks again when a document does not verify and ends the run in the
+/// end.
+void QuickCheckJob::Work()
+{
+    if (Verifier() == nullptr || IsFromCopies())
+        return;
+    auto const documents = Context.Door->Fetched();
+    auto const version = documents.find(Context.Door.PathOf(VersionFile()));
+    if (version != documents.end())
+        return OnVersion(version->second);
+    auto const problem = Context.Door.ProblemOf(VersionFile());
+    if (problem && !problem->IsDistrust())
+        Fail(ExplainFetch(*problem));
+}
+
+void QuickCheckJob::OnVersion(std::string const& p_Version)
+{
+    auto const build = VersionText::BuildIn(p_Version);
     if (auto const fault = VersionText::FaultOf(build, Context.Door.UrlOf(VersionFile())))
         return Fail(*fault);
     Result.Build = *build;

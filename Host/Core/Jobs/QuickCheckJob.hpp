@@ -13,10 +13,13 @@ protected:
     std::optional<Failure> Prepare() override { return GameFailure(); }
     void Start() override;
     void OnBuildKnown() override {}
+    void Work() override;
     void Release() override { Asking.reset(); }
 
 private:
-    void OnVersion(Gateway::Reply const& p_Reply);
+    std::optional<Gateway::FetchProblem>
+    ProblemOf(OfflineCopies::Documents::value_type const& p_Version) const;
+    void OnVersion(std::string const& p_Version);
 
     std::unique_ptr<QObject> Asking = std::make_unique<QObject>(); ///< its end is the question's
 };

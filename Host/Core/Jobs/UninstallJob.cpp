@@ -66,6 +66,7 @@ void UninstallJob::Forget()
     QString const folder = Folder();
     Context.Module.Uninstall(Request.DeletesFiles);
     Context.Record.Forget();
+    Context.Trust.ForgetGame();
     Context.Copies.Forget();
     GameOutput(Context.Record.File(), Context.Module.AppId, folder).Forget();
     // What could not be deleted is reported by messages that are still on their way.

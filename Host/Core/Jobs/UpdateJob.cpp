@@ -10,7 +10,8 @@ std::optional<Failure> UpdateJob::Prepare()
         return failure;
     if (auto failure = FolderCheck::ForWriting(Folder()))
         return failure;
-    if (Context.Record.IsUnfinished())
+    bool const isUnverified = Context.Trust.IsOn() && !Context.Trust.IsGameVerified();
+    if (Context.Record.IsUnfinished() || isUnverified)
         DistrustLists();
     if (TrustsLists())
         LetChainGoOn();

@@ -14,6 +14,7 @@ protected:
     bool LooksAtEveryFile() const override { return true; }
     FailureKind Verdict() const override { return FailureKind::FilesWrong; }
     void Judge() override;
+    bool ProvesGame() const override { return true; }
 };
 
 } // namespace Varnholt::Host

@@ -83,6 +83,9 @@ std::optional<Failure> ModuleHost::LoadModule()
     if (!Door->IsOpen())
         return Failure{FailureKind::Other, tr("the start"),
                        tr("the system lets nobody listen on 127.0.0.1")};
+    if (QString const why = TrustRecord::WhyNoKey(Options.TrustKey);
+        !Options.TrustKey.isEmpty() && !why.isEmpty())
+        return Failure{FailureKind::OptionInvalid, QStringLiteral("trust-key"), why};
     return Loader.Load(file);
 }
 
@@ -93,6 +96,10 @@ void ModuleHost::Assemble()
     View = std::make_unique<ModuleView>(module);
     Door->Serve(module.AppId);
     Record = std::make_unique<InstallRecord>(Settings, module.AppId);
+    Trust = std::make_unique<TrustRecord>(
+        Settings, module.AppId, Options.TrustKey.isEmpty() ? Info.TrustKey : Options.TrustKey,
+        Options.UseDevChannel);
+    Info.TrustKey = Trust->KeyText();
     Pump = std::make_unique<QueuePump>(module);
     Worker = std::make_unique<AsyncWorker>(module);
     Ledger = std::make_unique<TransferLedger>(
@@ -100,8 +107,8 @@ void ModuleHost::Assemble()
     // The next file need not wait for the turn timer.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
     Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
-    Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, Gate,
-                                                      *Door, Copies, *Ledger, *Watch, Games});
+    Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, *Trust,
+                                                      Gate, *Door, Copies, *Ledger, *Watch, Games});
 
     Environment.OnError = [this](QString const& p_Message) {
         QMetaObject::invokeMethod(

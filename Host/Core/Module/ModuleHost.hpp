@@ -13,6 +13,7 @@
 #include "Host/Core/Session/InstallStatus.hpp"
 #include "Host/Core/Settings/HostOptions.hpp"
 #include "Host/Core/Settings/InstallRecord.hpp"
+#include "Host/Core/Trust/TrustRecord.hpp"
 
 #include <QDeadlineTimer>
 #include <QObject>
@@ -88,6 +89,7 @@ private:
     std::unique_ptr<ModuleView> View;
     ModuleInfo Info;
     std::unique_ptr<InstallRecord> Record;
+    std::unique_ptr<TrustRecord> Trust;
     std::unique_ptr<QueuePump> Pump;
     std::unique_ptr<AsyncWorker> Worker;
     std::unique_ptr<TransferLedger> Ledger;

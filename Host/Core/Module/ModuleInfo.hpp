@@ -15,6 +15,7 @@ struct ModuleInfo {
     QString AppId;
     QString MetaDataName;
     QString Version;
+    QString TrustKey; ///< the key's line of who must have signed the documents; empty: nobody
     QStringList GameArguments;   ///< of the game's program, before those of the player
     QStringList LoginFiles;      ///< in the game folder; they log a player in while they exist
     QString LoginTemplateSuffix; ///< of the files that they are made of

@@ -1,5 +1,7 @@
 #include "Host/Core/Module/ModuleLoader.hpp"
 
+#include "Host/Core/Trust/TrustRecord.hpp"
+
 #include <QFileInfo>
 #include <QPluginLoader>
 
@@ -8,6 +10,8 @@ namespace Varnholt::Host {
 using Launcher::ApplicationRessource;
 
 namespace {
+
+constexpr QLatin1String c_TrustKey("trust-key");
 
 /// Why a module of that layout cannot be used; null when it can.
 std::optional<QString> LayoutCause(QJsonValue const& p_Layout)
@@ -36,6 +40,10 @@ std::optional<Failure> ModuleLoader::Load(QString const& p_File)
     QJsonObject const metaData = loader.metaData()[QLatin1String("MetaData")].toObject();
     if (auto const cause = LayoutCause(metaData[QLatin1String("layout")]))
         return Failure{FailureKind::ModuleForeign, p_File, *cause};
+    // One that cannot be read must not be taken for none.
+    QString const whyNoKey = TrustRecord::WhyNoKey(metaData[c_TrustKey].toString());
+    if (metaData.contains(c_TrustKey) && !whyNoKey.isEmpty())
+        return Failure{FailureKind::ModuleUnloadable, p_File, whyNoKey};
 
     QObject* const instance = loader.instance();
     if (instance == nullptr)
@@ -71,6 +79,7 @@ ModuleInfo ModuleLoader::Info() const
     info.AppId = Object->AppId;
     info.MetaDataName = MetaData[QLatin1String("name")].toString();
     info.Version = MetaData[QLatin1String("version")].toString();
+    info.TrustKey = MetaData[c_TrustKey].toString();
     info.GameArguments = MetaData[QLatin1String("game-arguments")].toVariant().toStringList();
     QJsonObject const login = MetaData[QLatin1String("login")].toObject();
     info.LoginFiles = login[QLatin1String("files")].toVariant().toStringList();

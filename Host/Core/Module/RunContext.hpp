@@ -11,6 +11,7 @@
 #include "Host/Core/Network/OfflineCopies.hpp"
 #include "Host/Core/Settings/HostOptions.hpp"
 #include "Host/Core/Settings/InstallRecord.hpp"
+#include "Host/Core/Trust/TrustRecord.hpp"
 
 namespace Varnholt::Host {
 
@@ -21,6 +22,7 @@ struct RunContext {
     ModuleInfo const& Info;
     HostOptions const& Options;
     InstallRecord& Record;
+    TrustRecord& Trust;
     RunGate& Gate;
     NetworkDoor& Door;
     OfflineCopies const& Copies;

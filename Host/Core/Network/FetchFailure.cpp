@@ -25,6 +25,20 @@ FailureKind KindOf(Gateway::FetchProblem::Type p_Type)
         return FailureKind::ServerRefusal;
     case Type::Unusable:
         break;
+    case Type::Unsigned:
+        return FailureKind::SignatureMissing;
+    case Type::Forged:
+        return FailureKind::SignatureWrong;
+    case Type::ForeignKey:
+        return FailureKind::KeyWrong;
+    case Type::Misplaced:
+        return FailureKind::GameWrong;
+    case Type::RolledBack:
+        return FailureKind::RolledBack;
+    case Type::Expired:
+        return FailureKind::SignatureExpired;
+    case Type::OfAnotherBuild:
+        return FailureKind::ManifestDiffers;
     }
     return FailureKind::ContentInvalid;
 }

@@ -16,6 +16,9 @@ struct HostOptions {
     QString SettingsFile; ///< absolute; empty: `DefaultSettingsFile()`
     QString ContentUrl;   ///< content server instead of the module's own; empty: none
     bool UseDevChannel = false;
+    /// Of who must have signed the game's documents, as `Signing::PublicKey` reads it; empty: the
+    /// one that the module names, if any.
+    QString TrustKey;
     QString ContentUser; ///< of the content server, never told to a mirror; empty: none
     QString ContentPassword;
     QString NetrcFile; ///< absolute; empty: the user's own

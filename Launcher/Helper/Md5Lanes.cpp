@@ -1,5 +1,6 @@
-#include "GameModules/Md5Lanes.hpp"
+#include "Launcher/Helper/Md5Lanes.hpp"
 
+#include <QByteArray>
 #include <QtEndian>
 
 #include <algorithm>
