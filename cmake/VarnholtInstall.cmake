@@ -40,8 +40,6 @@ endif()
 
 if(TARGET varnholt-window)
   set(desktop Host/Window/Desktop/Files)
-  install(TARGETS varnholt-window
-      RUNTIME DESTINATION ${varnholt_programs_folder} COMPONENT window)
   install(FILES ${desktop}/varnholt-window.desktop
       DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT window)
   install(FILES ${desktop}/varnholt-window.svg
