@@ -1,4 +1,5 @@
 #include "Host/Cli/CommandParser.hpp"
+#include "Host/Window/Main/WindowParser.hpp"
 #include "Pages/Pieces.hpp"
 #include "Publisher/Cli/CommandLine.hpp"
 
@@ -16,12 +17,15 @@ namespace {
 Pieces PiecesFor(QString const& p_Program)
 {
     Host::CommandParser const host;
+    Host::WindowParser const window;
     Publisher::CommandLine const publisher;
     if (p_Program == QLatin1String("varnholt-publish"))
         return PiecesOf(publisher.Model());
-    if (p_Program != QLatin1String("varnholt-host"))
+    if (p_Program != QLatin1String("varnholt-host") &&
+        p_Program != QLatin1String("varnholt-window"))
         return {};
-    Pieces pieces = PiecesOf(host.Model());
+    Pieces pieces =
+        PiecesOf(p_Program.endsWith(QLatin1String("host")) ? host.Model() : window.Model());
     pieces.insert(HostPieces());
     return pieces;
 }

@@ -18,9 +18,10 @@ get_filename_component(module ${VARNHOLT_MODULE_FOLDER} ABSOLUTE BASE_DIR ${CMAK
 file(RELATIVE_PATH varnholt_module_folder_of_programs ${programs} ${module})
 
 # What varnholt-pages makes about each program.
-set(varnholt_programs varnholt-host varnholt-publish)
+set(varnholt_programs varnholt-host varnholt-publish varnholt-window)
 set(varnholt_varnholt-host_component host)
 set(varnholt_varnholt-publish_component publisher)
+set(varnholt_varnholt-window_component window)
 set(varnholt_pages_folder ${PROJECT_BINARY_DIR}/share)
 foreach(program IN LISTS varnholt_programs)
   set(varnholt_${program}_pages

@@ -38,8 +38,6 @@ if(VARNHOLT_BUILD_TOOLS)
   endforeach()
 
   set(desktop Host/Window/Desktop/Files)
-  install(TARGETS varnholt-window
-      RUNTIME DESTINATION ${varnholt_programs_folder} COMPONENT window)
   install(FILES ${desktop}/varnholt-window.desktop
       DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT window)
   install(FILES ${desktop}/varnholt-window.svg

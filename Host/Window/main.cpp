@@ -82,6 +82,10 @@ int Start(int p_Count, char** p_Arguments)
 int main(int p_Count, char** p_Arguments)
 {
     StandardStreams::Prepare();
+    for (int i = 1; i < p_Count; ++i) // which need no screen
+        for (std::string const word : {"-h", "--help", "--version"})
+            if (word == p_Arguments[i])
+                return Start(p_Count, p_Arguments);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(p_Count, p_Arguments);

@@ -11,7 +11,14 @@ class ProgramHelp {
 public:
     static QStringList Programs()
     {
-        return {QStringLiteral("varnholt-host"), QStringLiteral("varnholt-publish")};
+        return {QStringLiteral("varnholt-host"), QStringLiteral("varnholt-publish"),
+                QStringLiteral("varnholt-window")};
+    }
+
+    /// Whether its options stand behind commands.
+    static bool HasCommands(QString const& p_Program)
+    {
+        return p_Program != QLatin1String("varnholt-window");
     }
 
     /// \param p_Command empty: of the program

@@ -93,7 +93,9 @@ void ManPageTest::ItHasTheSectionsOfAManualPage()
         {c_Host, "NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS ENVIRONMENT FILES SIGNALS EXIT STATUS "
                  "FAILURES EXAMPLES SEE ALSO"},
         {"varnholt-publish",
-         "NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS EXIT STATUS EXAMPLES SEE ALSO"}};
+         "NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS EXIT STATUS EXAMPLES SEE ALSO"},
+        {"varnholt-window",
+         "NAME SYNOPSIS DESCRIPTION OPTIONS ENVIRONMENT KEYS FILES SIGNALS SEE ALSO"}};
     for (QString const& program : ProgramHelp::Programs()) {
         QStringList sections;
         for (QByteArray const& line : ReadFile(File(program)).split('\n'))
@@ -109,7 +111,7 @@ void ManPageTest::EveryCommandOfTheHelpIsInIt()
 {
     for (QString const& program : ProgramHelp::Programs()) {
         QStringList const commands = ProgramHelp(program).Commands;
-        QVERIFY(commands.size() > 7);
+        QCOMPARE(commands.size() > 7, ProgramHelp::HasCommands(program));
         QString const all = Section(program, "COMMANDS");
         for (QString const& command : commands) {
             ProgramHelp const help(program, command);

@@ -64,7 +64,7 @@ void Screen::Type(QString const& p_Text) const
 
 void Screen::Click(QPoint const& p_Place) const
 {
-    Do({"mousemove", "--sync", QString::number(p_Place.x()), QString::number(p_Place.y()), "click",
+    Do({"mousemove", QString::number(p_Place.x()), QString::number(p_Place.y()), "click",
         "1"});
 }
 

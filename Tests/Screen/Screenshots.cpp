@@ -126,7 +126,7 @@ void Screenshots::Trouble()
 {
     // The server fails for a while, and one file is not there.
     QVERIFY(Game->Press(Name, {"F9"}));
-    QVERIFY(Game->WaitUntil([&] { return Game->Requests("Data/streamed 1.MPQ") > 2; }));
+    QVERIFY(Game->WaitUntil([&] { return Game->Requests("Data/streamed 1.MPQ") > 6; }));
     Take("30-retrying");
     Game->Server.Script("GET " + Game->Content.ServerPath("Data/streamed 1.MPQ"))
         .Always(Answer::Normal());

@@ -47,6 +47,7 @@ void ArtworkTest::TheGroundIsWhereThePictureEnds()
     QCOMPARE(page.pixelColor(10, 490), QColor("#09111C"));
     QCOMPARE(page.pixelColor(990, 5), QColor(Qt::red));
     QCOMPARE(artwork.For({100, 50}, 2).size(), QSize(200, 100));
+    QCOMPARE(artwork.For({200, 100}, 1).devicePixelRatio(), 1.0);
 }
 
 } // namespace Varnholt::TestSupport

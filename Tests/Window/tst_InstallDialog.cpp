@@ -1,8 +1,8 @@
 #include "Host/Window/Dialogs/InstallDialog.hpp"
-#include "Tests/Window/DialogGame.hpp"
 #include "Tests/Host/FolderListing.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/DialogGame.hpp"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,5 +1,7 @@
+#include "Host/Window/Desktop/Language.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
 #include "Host/Window/Style/ElidedLabel.hpp"
+#include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestMain.hpp"
 #include "Tests/Window/PageStates.hpp"
@@ -23,6 +25,7 @@ class PageLookTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase();
+    void cleanup() { QLocale::setDefault(QLocale::c()); }
 
     void TextsCanBeReadOnAnyPicture_data();
     void TextsCanBeReadOnAnyPicture();
@@ -176,13 +179,20 @@ void PageLookTest::EachThemeGivesColorsThatCanBeRead()
 void PageLookTest::NothingIsClipped_data()
 {
     QTest::addColumn<QSize>("Size"); // of the page: the column of games is 80 wide
-    AddRow("1024 x 640", QSize(944, 640));
-    AddRow("1920 x 1080 at 200 %", QSize(880, 540));
+    QTest::addColumn<QString>("Code");
+    for (auto const& language : Launcher::LauncherLocale::Available()) {
+        QString const& code = language.Code;
+        AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code);
+        AddRow(qPrintable(code + " at 1920 x 1080, 200 %"), QSize(880, 540), code);
+    }
 }
 
 void PageLookTest::NothingIsClipped()
 {
     QFETCH(QSize, Size);
+    QFETCH(QString, Code);
+    Host::Language language;
+    language.Use(Code);
     for (auto const& state : States()) {
         Host::GamePage page(Card);
         page.resize(Size);

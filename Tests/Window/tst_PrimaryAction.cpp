@@ -1,3 +1,4 @@
+#include "Host/Window/Pages/PageMenu.hpp"
 #include "Host/Window/Pages/PrimaryAction.hpp"
 #include "Tests/Support/TestMain.hpp"
 #include "Tests/Window/PageStates.hpp"
@@ -18,6 +19,8 @@ class PrimaryActionTest : public QObject {
 private Q_SLOTS:
     void FollowsFromTheState_data();
     void FollowsFromTheState();
+    void TheMenuOffersWhatTheStateAllows_data();
+    void TheMenuOffersWhatTheStateAllows();
 };
 
 namespace {
@@ -121,6 +124,44 @@ void PrimaryActionTest::FollowsFromTheState()
     QTEST(QString(action.Text).remove('&'), "Text");
     QTEST(action.Command ? static_cast<int>(*action.Command) : c_None, "Command");
     QCOMPARE(action.Text.contains('&'), action.Command.has_value());
+}
+
+void PrimaryActionTest::TheMenuOffersWhatTheStateAllows_data()
+{
+    QTest::addColumn<GameState>("State");
+    QTest::addColumn<QString>(
+        "Allowed"); // of stop, stop repair, check, language, folder, uninstall
+
+    AddRow("opening", GameState(), QString("------"));
+    AddRow("not installed", PageStates::NotInstalled(), QString("------"));
+    AddRow("complete", PageStates::Complete(), QString("--clfu"));
+    AddRow("folder gone", Complete([](auto& p_State) { p_State.Status->FolderExists = false; }),
+           QString("---l-u"));
+    AddRow("running", Complete([](auto& p_State) { p_State.IsGameRunning = true; }),
+           QString("--clf-"));
+    AddRow("another program",
+           Complete([](auto& p_State) { p_State.Status->Download = Host::RunningHost(); }),
+           QString("----f-"));
+    AddRow("updating", PageStates::Working(Type::Update, RunPhase::Comparing), QString("s---f-"));
+    AddRow("repairing", PageStates::Working(Type::Repair, RunPhase::Comparing), QString("sr--f-"));
+}
+
+void PrimaryActionTest::TheMenuOffersWhatTheStateAllows()
+{
+    QFETCH(GameState, State);
+    std::pair<PageCommand, char> const commands[] = {
+        {PageCommand::Stop, 's'},       {PageCommand::StopRepair, 'r'},
+        {PageCommand::Check, 'c'},      {PageCommand::ChooseLanguage, 'l'},
+        {PageCommand::OpenFolder, 'f'}, {PageCommand::Uninstall, 'u'}};
+    Host::PageMenu menu;
+    menu.Show(State);
+    QString allowed;
+    for (auto const& command : commands)
+        allowed += menu.ActionOf(command.first)->isEnabled() ? command.second : '-';
+    QTEST(allowed, "Allowed");
+    QCOMPARE(menu.ActionOf(PageCommand::Repair)->isEnabled(), allowed.contains('c'));
+    QCOMPARE(menu.ActionOf(PageCommand::Stop)->isVisible(), allowed.contains('s'));
+    QVERIFY(menu.ActionOf(PageCommand::Settings)->isEnabled());
 }
 
 } // namespace Varnholt::TestSupport

@@ -1,6 +1,6 @@
 #include "Host/Window/Dialogs/UninstallDialog.hpp"
-#include "Tests/Window/DialogGame.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/DialogGame.hpp"
 
 #include <QAbstractButton>
 #include <QListWidget>

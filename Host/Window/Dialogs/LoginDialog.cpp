@@ -72,7 +72,7 @@ void LoginDialog::SetTexts()
     Remember->setToolTip(tr("The password is kept in the desktop's secret store, and nowhere "
                             "else."));
     Play->setText(tr("&Play"));
-    Without->setText(tr("Play &without logging in"));
+    Without->setText(tr("Play with&out logging in"));
     Cancel->setText(tr("&Cancel"));
     Enable();
 }

@@ -47,6 +47,7 @@ void SettingsDialog::Build()
     BuildDownloads(*new QFormLayout(Downloads));
     layout->addWidget(Program);
     layout->addWidget(Downloads);
+    ServerFault = DialogParts::AddText(*this);
     layout->addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Save = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
@@ -75,9 +76,6 @@ void SettingsDialog::BuildDownloads(QFormLayout& p_Form)
 
     Server = new QLineEdit(Downloads);
     ServerLabel = DialogParts::AddField(p_Form, *Server);
-    ServerFault = new QLabel(Downloads);
-    ServerFault->setWordWrap(true);
-    p_Form.addRow(ServerFault);
     Channel = new QComboBox(Downloads);
     ChannelLabel = DialogParts::AddField(p_Form, *Channel);
     if (WindowSettings::KnowsTrustKey()) {

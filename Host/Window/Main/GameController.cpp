@@ -22,6 +22,19 @@ bool IsPreview(Type p_Kind)
     return p_Kind == Type::PreviewInstall || p_Kind == Type::PreviewUninstall;
 }
 
+/// A paused run measures nothing: it stands where it stood.
+RunSnapshot Measured(RunSnapshot p_Now, RunSnapshot const& p_Before)
+{
+    if (p_Now.Phase != RunPhase::Suspended || p_Now.BytesTotal > 0)
+        return p_Now;
+    p_Now.FileNumber = p_Before.FileNumber;
+    p_Now.FileCount = p_Before.FileCount;
+    p_Now.File = p_Before.File;
+    p_Now.BytesDone = p_Before.BytesDone;
+    p_Now.BytesTotal = p_Before.BytesTotal;
+    return p_Now;
+}
+
 /// Whether it leaves another installation than it has found.
 bool Changes(Type p_Kind)
 {
@@ -107,7 +120,7 @@ void GameController::Listen()
     connect(session, &HostSession::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
         if (!IsBusy())
             return;
-        Known.Snapshot = p_Snapshot;
+        Known.Snapshot = Measured(p_Snapshot, Known.Snapshot);
         Known.IsPaused = Session->IsPaused();
         Q_EMIT Changed();
     });

@@ -74,7 +74,8 @@ QString Sentence(Failure const& p_Failure)
 
 QString Capitalized(QString p_Text)
 {
-    if (!p_Text.isEmpty())
+    bool const isAddress = p_Text.section(QLatin1Char(' '), 0, 0).contains(QLatin1Char('/'));
+    if (!p_Text.isEmpty() && !isAddress)
         p_Text[0] = p_Text.at(0).toUpper();
     return p_Text;
 }

@@ -14,7 +14,7 @@ QString Begun(RunRequest const& p_Request);
 QString Done(RunRequest const& p_Request, RunResult const& p_Result);
 /// What a failure says, with a capital and a full stop.
 QString Sentence(Failure const& p_Failure);
-/// A text that begins a sentence.
+/// A text that begins a sentence; an address or a path stays as it is.
 QString Capitalized(QString p_Text);
 
 } // namespace Varnholt::Host::RunText

@@ -77,7 +77,7 @@ QRect Artwork::Place(QSize const& p_Picture, QSize const& p_Page, QString const&
 QPixmap const& Artwork::For(QSize const& p_Size, qreal p_Ratio)
 {
     QSize const size = p_Size * p_Ratio;
-    if (Drawn.size() == size)
+    if (Drawn.size() == size && qFuzzyCompare(Drawn.devicePixelRatio(), p_Ratio))
         return Drawn;
     Drawn = QPixmap(size);
     Drawn.fill(Ground);

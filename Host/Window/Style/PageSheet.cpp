@@ -10,7 +10,8 @@ constexpr char c_Sheet[] = R"(
 #panel QLabel[quiet="true"], #strip QLabel[quiet="true"] { color: {quiet}; }
 #panel #name { font-size: 20px; font-weight: 600; }
 #panel #headline, #panel #percent { font-size: 15px; font-weight: 600; }
-#strip { border-left: 4px solid {warning}; }
+#strip { border-left: 4px solid {warning}; border-top-left-radius: 3px;
+    border-bottom-left-radius: 3px; }
 #strip #stripTitle { font-size: 15px; font-weight: 600; }
 QProgressBar { background: {veil}; border: none; border-radius: 3px; }
 QProgressBar::chunk { background: {accent}; border-radius: 3px; }

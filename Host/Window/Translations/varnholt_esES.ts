@@ -1,10 +1,11 @@
-<?xml version='1.0' encoding='utf-8'?>
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
 <TS version="2.1" language="es_ES" sourcelanguage="en_US">
 <context>
     <name>Varnholt::Host::ByteText</name>
     <message>
         <source>C</source>
-        <extracomment>The language whose way to write numbers and units is used, such as "fr" or "it"</extracomment>
+        <extracomment>The language whose way to write numbers and units is used, such as &quot;fr&quot; or &quot;it&quot;</extracomment>
         <translation>es</translation>
     </message>
 </context>
@@ -23,7 +24,7 @@
         <translation>instálelo primero</translation>
     </message>
     <message>
-        <source>the build does not offer the language "{s}"</source>
+        <source>the build does not offer the language &quot;{s}&quot;</source>
         <translation>la versión no ofrece el idioma «{s}»</translation>
     </message>
     <message>
@@ -75,7 +76,7 @@
         <translation>{s} no se puede descargar ({d})</translation>
     </message>
     <message>
-        <source>check the network connection and the server's address, then try again</source>
+        <source>check the network connection and the server&apos;s address, then try again</source>
         <translation>compruebe la conexión de red y la dirección del servidor e inténtelo de nuevo</translation>
     </message>
     <message>
@@ -83,7 +84,7 @@
         <translation>el servidor no entrega {s} ({d})</translation>
     </message>
     <message>
-        <source>check the server's address, or try again when the server is in order</source>
+        <source>check the server&apos;s address, or try again when the server is in order</source>
         <translation>compruebe la dirección del servidor o inténtelo de nuevo cuando el servidor funcione</translation>
     </message>
     <message>
@@ -111,7 +112,7 @@
         <translation>no se conserva nada de {s} para continuar sin conexión ({d})</translation>
     </message>
     <message>
-        <source>run "update" once while its server answers</source>
+        <source>run &quot;update&quot; once while its server answers</source>
         <translation>ejecute «update» una vez mientras su servidor responda</translation>
     </message>
     <message>
@@ -127,11 +128,11 @@
         <translation>pregunte a quien la publica</translation>
     </message>
     <message>
-        <source>check the network connection and run "update"; everything else is in place and kept</source>
+        <source>check the network connection and run &quot;update&quot;; everything else is in place and kept</source>
         <translation>compruebe la conexión de red y ejecute «update»; todo lo demás está en su sitio y se conserva</translation>
     </message>
     <message>
-        <source>run "update" again; everything else is in place and kept</source>
+        <source>run &quot;update&quot; again; everything else is in place and kept</source>
         <translation>ejecute «update» de nuevo; todo lo demás está en su sitio y se conserva</translation>
     </message>
     <message>
@@ -155,7 +156,7 @@
         <translation>la carpeta de instalación {s} no existe</translation>
     </message>
     <message>
-        <source>connect its drive, or run "install" with the folder that it was moved to</source>
+        <source>connect its drive, or run &quot;install&quot; with the folder that it was moved to</source>
         <translation>conecte su disco, o ejecute «install» con la carpeta a la que se movió</translation>
     </message>
     <message>
@@ -211,7 +212,7 @@
         <translation>no se sigue el enlace simbólico {s}, a {d}</translation>
     </message>
     <message>
-        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run "repair"; everything else is in place</source>
+        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run &quot;repair&quot;; everything else is in place</source>
         <translation>conecte el disco al que lleva, o ponga en su lugar un enlace propio, una carpeta o un archivo; después ejecute «repair»; todo lo demás está en su sitio</translation>
     </message>
     <message>
@@ -255,7 +256,7 @@
         <translation>no se puede iniciar el juego: falta {s}</translation>
     </message>
     <message>
-        <source>run "repair"</source>
+        <source>run &quot;repair&quot;</source>
         <translation>ejecute «repair»</translation>
     </message>
     <message>
@@ -263,7 +264,7 @@
         <translation>no se puede iniciar el juego: {s} no es un programa que usted pueda ejecutar ({d})</translation>
     </message>
     <message>
-        <source>change its permissions, run "repair", or name what runs it with --wrapper</source>
+        <source>change its permissions, run &quot;repair&quot;, or name what runs it with --wrapper</source>
         <translation>cambie sus permisos, ejecute «repair», o indique con --wrapper lo que lo ejecuta</translation>
     </message>
     <message>
@@ -279,7 +280,7 @@
         <translation>el juego ha terminado con un error ({d}), su salida está en {s}</translation>
     </message>
     <message>
-        <source>look there for the cause, or run "verify"</source>
+        <source>look there for the cause, or run &quot;verify&quot;</source>
         <translation>busque ahí la causa, o ejecute «verify»</translation>
     </message>
     <message>
@@ -295,7 +296,7 @@
         <translation>una actualización a la versión {d} descarga {s}</translation>
     </message>
     <message>
-        <source>run "update"</source>
+        <source>run &quot;update&quot;</source>
         <translation>ejecute «update»</translation>
     </message>
     <message>
@@ -323,19 +324,19 @@
         <translation>el programa que descarga en {s} ha terminado sin decir nada</translation>
     </message>
     <message>
-        <source>"update" goes on with the download</source>
+        <source>&quot;update&quot; goes on with the download</source>
         <translation>«update» continúa la descarga</translation>
     </message>
     <message>
-        <source>there is no setting "{s}"</source>
+        <source>there is no setting &quot;{s}&quot;</source>
         <translation>no hay ningún ajuste «{s}»</translation>
     </message>
     <message>
-        <source>the setting "{s}" is not usable: {d}</source>
+        <source>the setting &quot;{s}&quot; is not usable: {d}</source>
         <translation>el ajuste «{s}» no es utilizable: {d}</translation>
     </message>
     <message>
-        <source>"varnholt-host --help" tells what it can be</source>
+        <source>&quot;varnholt-host --help&quot; tells what it can be</source>
         <translation>«varnholt-host --help» dice lo que puede ser</translation>
     </message>
     <message>
@@ -542,7 +543,7 @@
         <translation>falta</translation>
     </message>
     <message>
-        <source>; it said last: "%1"</source>
+        <source>; it said last: &quot;%1&quot;</source>
         <translation>; lo último que dijo: «%1»</translation>
     </message>
 </context>
@@ -553,7 +554,7 @@
         <translation>Otro programa trabaja aquí</translation>
     </message>
     <message>
-        <source>The game's module cannot be used</source>
+        <source>The game&apos;s module cannot be used</source>
         <translation>El módulo del juego no se puede usar</translation>
     </message>
     <message>
@@ -659,7 +660,7 @@
         <translation>desconocido</translation>
     </message>
     <message>
-        <source>&amp;Use the folder "%1" inside</source>
+        <source>&amp;Use the folder &quot;%1&quot; inside</source>
         <translation>&amp;Usar la carpeta «%1» que va dentro</translation>
     </message>
     <message>
@@ -728,16 +729,12 @@
         <translation>&amp;Recordar, y no volver a preguntar</translation>
     </message>
     <message>
-        <source>The password is kept in the desktop's secret store, and nowhere else.</source>
+        <source>The password is kept in the desktop&apos;s secret store, and nowhere else.</source>
         <translation>La contraseña se guarda en el almacén de secretos del escritorio, y en ningún otro sitio.</translation>
     </message>
     <message>
         <source>&amp;Play</source>
         <translation>&amp;Jugar</translation>
-    </message>
-    <message>
-        <source>Play &amp;without logging in</source>
-        <translation>Jugar &amp;sin iniciar sesión</translation>
     </message>
     <message>
         <source>&amp;Cancel</source>
@@ -746,6 +743,10 @@
     <message>
         <source>remembered</source>
         <translation>recordada</translation>
+    </message>
+    <message>
+        <source>Play with&amp;out logging in</source>
+        <translation>Jugar &amp;sin iniciar sesión</translation>
     </message>
 </context>
 <context>
@@ -766,7 +767,7 @@
 <context>
     <name>Varnholt::Host::MirrorCheck</name>
     <message>
-        <source>its manifest is not the default server's</source>
+        <source>its manifest is not the default server&apos;s</source>
         <translation>su manifiesto no es el del servidor principal</translation>
     </message>
     <message>
@@ -803,7 +804,7 @@
         <translation>no nombrada</translation>
     </message>
     <message>
-        <source>its layout is %1, the host's is %2</source>
+        <source>its layout is %1, the host&apos;s is %2</source>
         <translation>su disposición es %1, la del anfitrión es %2</translation>
     </message>
     <message>
@@ -811,7 +812,7 @@
         <translation>no es un complemento</translation>
     </message>
     <message>
-        <source>its interface is "%1"</source>
+        <source>its interface is &quot;%1&quot;</source>
         <translation>su interfaz es «%1»</translation>
     </message>
     <message>
@@ -858,7 +859,7 @@
         <translation>El juego no está completo</translation>
     </message>
     <message>
-        <source>run "update" if it does not work</source>
+        <source>run &quot;update&quot; if it does not work</source>
         <translation>ejecute «update» si no funciona</translation>
     </message>
     <message>
@@ -994,7 +995,7 @@
     </message>
     <message>
         <source>Copy &amp;diagnosis</source>
-        <translation>Copiar el &amp;diagnóstico</translation>
+        <translation>Copiar el dia&amp;gnóstico</translation>
     </message>
     <message>
         <source>La&amp;nguage</source>
@@ -1204,8 +1205,16 @@
         <translation>instálelo, o indique otro en los ajustes</translation>
     </message>
     <message>
-        <source>look there for the cause, or check the game's files</source>
+        <source>look there for the cause, or check the game&apos;s files</source>
         <translation>busque ahí la causa, o compruebe los archivos del juego</translation>
+    </message>
+    <message>
+        <source>compare the key in the settings with the one that the publisher has made known</source>
+        <translation>compare la clave de los ajustes con la que el editor ha dado a conocer</translation>
+    </message>
+    <message>
+        <source>check the game's files, and repair it when a difference is found</source>
+        <translation>compruebe los archivos del juego, y repárelo si se encuentra una diferencia</translation>
     </message>
     <message>
         <source>update the game</source>
@@ -1349,7 +1358,7 @@
         <translation>El juego se está iniciando.</translation>
     </message>
     <message>
-        <source>The game's language is being changed.</source>
+        <source>The game&apos;s language is being changed.</source>
         <translation>Se está cambiando el idioma del juego.</translation>
     </message>
     <message>
@@ -1377,7 +1386,7 @@
         <translation>El juego se ha iniciado.</translation>
     </message>
     <message>
-        <source>The game's language is changed; an update fetches its files.</source>
+        <source>The game&apos;s language is changed; an update fetches its files.</source>
         <translation>El idioma del juego ha cambiado; una actualización descarga sus archivos.</translation>
     </message>
     <message>
@@ -1566,7 +1575,7 @@
         <translation>&amp;Borrar el juego: %1</translation>
     </message>
     <message>
-        <source>&amp;Delete the game's files</source>
+        <source>&amp;Delete the game&apos;s files</source>
         <translation>&amp;Borrar los archivos del juego</translation>
     </message>
     <message>

@@ -1,10 +1,11 @@
-<?xml version='1.0' encoding='utf-8'?>
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
 <TS version="2.1" language="fr_FR" sourcelanguage="en_US">
 <context>
     <name>Varnholt::Host::ByteText</name>
     <message>
         <source>C</source>
-        <extracomment>The language whose way to write numbers and units is used, such as "fr" or "it"</extracomment>
+        <extracomment>The language whose way to write numbers and units is used, such as &quot;fr&quot; or &quot;it&quot;</extracomment>
         <translation>fr</translation>
     </message>
 </context>
@@ -16,14 +17,14 @@
     </message>
     <message>
         <source>{s} is not installed</source>
-        <translation>{s} n'est pas installé</translation>
+        <translation>{s} n&apos;est pas installé</translation>
     </message>
     <message>
         <source>install it first</source>
-        <translation>installez-le d'abord</translation>
+        <translation>installez-le d&apos;abord</translation>
     </message>
     <message>
-        <source>the build does not offer the language "{s}"</source>
+        <source>the build does not offer the language &quot;{s}&quot;</source>
         <translation>la version ne propose pas la langue « {s} »</translation>
     </message>
     <message>
@@ -32,7 +33,7 @@
     </message>
     <message>
         <source>there is no module file {s}</source>
-        <translation>le fichier de module {s} n'existe pas</translation>
+        <translation>le fichier de module {s} n&apos;existe pas</translation>
     </message>
     <message>
         <source>check its name, or install the module again</source>
@@ -40,7 +41,7 @@
     </message>
     <message>
         <source>the file {s} is not a launcher module ({d})</source>
-        <translation>le fichier {s} n'est pas un module du lanceur ({d})</translation>
+        <translation>le fichier {s} n&apos;est pas un module du lanceur ({d})</translation>
     </message>
     <message>
         <source>choose another module file</source>
@@ -56,11 +57,11 @@
     </message>
     <message>
         <source>the module {s} is not loaded</source>
-        <translation>le module {s} n'est pas chargé</translation>
+        <translation>le module {s} n&apos;est pas chargé</translation>
     </message>
     <message>
         <source>open the session first</source>
-        <translation>ouvrez d'abord la session</translation>
+        <translation>ouvrez d&apos;abord la session</translation>
     </message>
     <message>
         <source>{s} is busy with another request</source>
@@ -75,20 +76,20 @@
         <translation>{s} ne peut pas être téléchargé ({d})</translation>
     </message>
     <message>
-        <source>check the network connection and the server's address, then try again</source>
-        <translation>vérifiez la connexion réseau et l'adresse du serveur, puis réessayez</translation>
+        <source>check the network connection and the server&apos;s address, then try again</source>
+        <translation>vérifiez la connexion réseau et l&apos;adresse du serveur, puis réessayez</translation>
     </message>
     <message>
         <source>the server does not give {s} ({d})</source>
         <translation>le serveur ne donne pas {s} ({d})</translation>
     </message>
     <message>
-        <source>check the server's address, or try again when the server is in order</source>
-        <translation>vérifiez l'adresse du serveur, ou réessayez quand il sera de nouveau en ordre</translation>
+        <source>check the server&apos;s address, or try again when the server is in order</source>
+        <translation>vérifiez l&apos;adresse du serveur, ou réessayez quand il sera de nouveau en ordre</translation>
     </message>
     <message>
         <source>nothing more arrives from {s} ({d})</source>
-        <translation>plus rien n'arrive de {s} ({d})</translation>
+        <translation>plus rien n&apos;arrive de {s} ({d})</translation>
     </message>
     <message>
         <source>check the network connection, then try again</source>
@@ -96,22 +97,22 @@
     </message>
     <message>
         <source>the server {s} cannot be trusted ({d})</source>
-        <translation>le serveur {s} n'est pas digne de confiance ({d})</translation>
+        <translation>le serveur {s} n&apos;est pas digne de confiance ({d})</translation>
     </message>
     <message>
         <source>name the authority that its operator goes by with --ca-file, or tell the operator</source>
-        <translation>indiquez avec --ca-file l'autorité dont se réclame son exploitant, ou prévenez celui-ci</translation>
+        <translation>indiquez avec --ca-file l&apos;autorité dont se réclame son exploitant, ou prévenez celui-ci</translation>
     </message>
     <message>
         <source>check --proxy and the variables of the environment that name a proxy, then try again</source>
-        <translation>vérifiez --proxy et les variables d'environnement qui désignent un proxy, puis réessayez</translation>
+        <translation>vérifiez --proxy et les variables d&apos;environnement qui désignent un proxy, puis réessayez</translation>
     </message>
     <message>
         <source>nothing is kept about {s} to go on with offline ({d})</source>
-        <translation>rien n'est conservé de {s} pour continuer hors ligne ({d})</translation>
+        <translation>rien n&apos;est conservé de {s} pour continuer hors ligne ({d})</translation>
     </message>
     <message>
-        <source>run "update" once while its server answers</source>
+        <source>run &quot;update&quot; once while its server answers</source>
         <translation>lancez « update » une fois pendant que son serveur répond</translation>
     </message>
     <message>
@@ -127,11 +128,11 @@
         <translation>demandez à celui qui la publie</translation>
     </message>
     <message>
-        <source>check the network connection and run "update"; everything else is in place and kept</source>
+        <source>check the network connection and run &quot;update&quot;; everything else is in place and kept</source>
         <translation>vérifiez la connexion réseau et lancez « update » ; tout le reste est en place et conservé</translation>
     </message>
     <message>
-        <source>run "update" again; everything else is in place and kept</source>
+        <source>run &quot;update&quot; again; everything else is in place and kept</source>
         <translation>relancez « update » ; tout le reste est en place et conservé</translation>
     </message>
     <message>
@@ -148,14 +149,14 @@
     </message>
     <message>
         <source>update it there, or confirm (--yes) that it shall be installed anew</source>
-        <translation>mettez-le à jour là-bas, ou confirmez (--yes) qu'il doit être installé de nouveau</translation>
+        <translation>mettez-le à jour là-bas, ou confirmez (--yes) qu&apos;il doit être installé de nouveau</translation>
     </message>
     <message>
         <source>the installation folder {s} does not exist</source>
-        <translation>le dossier d'installation {s} n'existe pas</translation>
+        <translation>le dossier d&apos;installation {s} n&apos;existe pas</translation>
     </message>
     <message>
-        <source>connect its drive, or run "install" with the folder that it was moved to</source>
+        <source>connect its drive, or run &quot;install&quot; with the folder that it was moved to</source>
         <translation>connectez son disque, ou lancez « install » avec le dossier où il a été déplacé</translation>
     </message>
     <message>
@@ -168,7 +169,7 @@
     </message>
     <message>
         <source>{s} is no folder for a game ({d})</source>
-        <translation>{s} n'est pas un dossier pour un jeu ({d})</translation>
+        <translation>{s} n&apos;est pas un dossier pour un jeu ({d})</translation>
     </message>
     <message>
         <source>choose a folder of its own</source>
@@ -176,7 +177,7 @@
     </message>
     <message>
         <source>the folder {s} holds other files</source>
-        <translation>le dossier {s} contient d'autres fichiers</translation>
+        <translation>le dossier {s} contient d&apos;autres fichiers</translation>
     </message>
     <message>
         <source>choose an empty folder, or confirm (--yes) that the game shall go there</source>
@@ -184,7 +185,7 @@
     </message>
     <message>
         <source>the folder {s} cannot be written ({d})</source>
-        <translation>le dossier {s} n'est pas accessible en écriture ({d})</translation>
+        <translation>le dossier {s} n&apos;est pas accessible en écriture ({d})</translation>
     </message>
     <message>
         <source>change its permissions or choose another folder</source>
@@ -208,10 +209,10 @@
     </message>
     <message>
         <source>the symbolic link {s} is not followed, to {d}</source>
-        <translation>le lien symbolique {s} n'est pas suivi, vers {d}</translation>
+        <translation>le lien symbolique {s} n&apos;est pas suivi, vers {d}</translation>
     </message>
     <message>
-        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run "repair"; everything else is in place</source>
+        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run &quot;repair&quot;; everything else is in place</source>
         <translation>connectez le disque vers lequel il mène, ou mettez à sa place un lien à vous, un dossier ou un fichier ; puis lancez « repair » ; tout le reste est en place</translation>
     </message>
     <message>
@@ -236,7 +237,7 @@
     </message>
     <message>
         <source>wait for it to end, then try again</source>
-        <translation>attendez qu'il ait fini, puis réessayez</translation>
+        <translation>attendez qu&apos;il ait fini, puis réessayez</translation>
     </message>
     <message>
         <source>the game in {s} is running</source>
@@ -248,23 +249,23 @@
     </message>
     <message>
         <source>the build {s} names no program to start</source>
-        <translation>la version {s} n'indique aucun programme à lancer</translation>
+        <translation>la version {s} n&apos;indique aucun programme à lancer</translation>
     </message>
     <message>
         <source>the game cannot be started: {s} is missing</source>
         <translation>le jeu ne peut pas être lancé : {s} manque</translation>
     </message>
     <message>
-        <source>run "repair"</source>
+        <source>run &quot;repair&quot;</source>
         <translation>lancez « repair »</translation>
     </message>
     <message>
         <source>the game cannot be started: {s} is no program that you may run ({d})</source>
-        <translation>le jeu ne peut pas être lancé : {s} n'est pas un programme que vous pouvez exécuter ({d})</translation>
+        <translation>le jeu ne peut pas être lancé : {s} n&apos;est pas un programme que vous pouvez exécuter ({d})</translation>
     </message>
     <message>
-        <source>change its permissions, run "repair", or name what runs it with --wrapper</source>
-        <translation>changez ses permissions, lancez « repair », ou indiquez avec --wrapper ce qui l'exécute</translation>
+        <source>change its permissions, run &quot;repair&quot;, or name what runs it with --wrapper</source>
+        <translation>changez ses permissions, lancez « repair », ou indiquez avec --wrapper ce qui l&apos;exécute</translation>
     </message>
     <message>
         <source>the wrapper {s} cannot be started ({d})</source>
@@ -276,10 +277,10 @@
     </message>
     <message>
         <source>the game has ended with an error ({d}), its output is in {s}</source>
-        <translation>le jeu s'est terminé par une erreur ({d}), sa sortie est dans {s}</translation>
+        <translation>le jeu s&apos;est terminé par une erreur ({d}), sa sortie est dans {s}</translation>
     </message>
     <message>
-        <source>look there for the cause, or run "verify"</source>
+        <source>look there for the cause, or run &quot;verify&quot;</source>
         <translation>cherchez-y la cause, ou lancez « verify »</translation>
     </message>
     <message>
@@ -295,7 +296,7 @@
         <translation>une mise à jour vers la version {d} télécharge {s}</translation>
     </message>
     <message>
-        <source>run "update"</source>
+        <source>run &quot;update&quot;</source>
         <translation>lancez « update »</translation>
     </message>
     <message>
@@ -312,35 +313,35 @@
     </message>
     <message>
         <source>no download is under way with the settings {s}</source>
-        <translation>aucun téléchargement n'est en cours avec les réglages {s}</translation>
+        <translation>aucun téléchargement n&apos;est en cours avec les réglages {s}</translation>
     </message>
     <message>
         <source>start one first</source>
-        <translation>commencez-en un d'abord</translation>
+        <translation>commencez-en un d&apos;abord</translation>
     </message>
     <message>
         <source>the program that downloads into {s} has ended without a word</source>
-        <translation>le programme qui télécharge dans {s} s'est terminé sans un mot</translation>
+        <translation>le programme qui télécharge dans {s} s&apos;est terminé sans un mot</translation>
     </message>
     <message>
-        <source>"update" goes on with the download</source>
+        <source>&quot;update&quot; goes on with the download</source>
         <translation>« update » poursuit le téléchargement</translation>
     </message>
     <message>
-        <source>there is no setting "{s}"</source>
-        <translation>il n'y a pas de réglage « {s} »</translation>
+        <source>there is no setting &quot;{s}&quot;</source>
+        <translation>il n&apos;y a pas de réglage « {s} »</translation>
     </message>
     <message>
-        <source>the setting "{s}" is not usable: {d}</source>
+        <source>the setting &quot;{s}&quot; is not usable: {d}</source>
         <translation>le réglage « {s} » est inutilisable : {d}</translation>
     </message>
     <message>
-        <source>"varnholt-host --help" tells what it can be</source>
-        <translation>« varnholt-host --help » dit ce qu'il peut être</translation>
+        <source>&quot;varnholt-host --help&quot; tells what it can be</source>
+        <translation>« varnholt-host --help » dit ce qu&apos;il peut être</translation>
     </message>
     <message>
         <source>the files in {s} are deleted only when that is confirmed</source>
-        <translation>les fichiers dans {s} ne sont supprimés qu'après confirmation</translation>
+        <translation>les fichiers dans {s} ne sont supprimés qu&apos;après confirmation</translation>
     </message>
     <message>
         <source>add --yes</source>
@@ -363,7 +364,7 @@
     <name>Varnholt::Host::FetchFailure</name>
     <message>
         <source>it is damaged, or a page of another kind</source>
-        <translation>il est abîmé, ou c'est une page d'un autre genre</translation>
+        <translation>il est abîmé, ou c&apos;est une page d&apos;un autre genre</translation>
     </message>
 </context>
 <context>
@@ -389,7 +390,7 @@
     <name>Varnholt::Host::FileDiagnosis</name>
     <message>
         <source>the file %1 could not be fetched</source>
-        <translation>le fichier %1 n'a pas pu être téléchargé</translation>
+        <translation>le fichier %1 n&apos;a pas pu être téléchargé</translation>
     </message>
     <message>
         <source>and %1 more</source>
@@ -397,7 +398,7 @@
     </message>
     <message>
         <source>%1 files could not be fetched: %2</source>
-        <translation>%1 fichiers n'ont pas pu être téléchargés : %2</translation>
+        <translation>%1 fichiers n&apos;ont pas pu être téléchargés : %2</translation>
     </message>
     <message>
         <source>%1 for %2</source>
@@ -405,11 +406,11 @@
     </message>
     <message>
         <source>what the server gave is not what the build announces</source>
-        <translation>ce que le serveur a donné n'est pas ce que la version annonce</translation>
+        <translation>ce que le serveur a donné n&apos;est pas ce que la version annonce</translation>
     </message>
     <message>
         <source>the old file cannot be replaced</source>
-        <translation>l'ancien fichier ne peut pas être remplacé</translation>
+        <translation>l&apos;ancien fichier ne peut pas être remplacé</translation>
     </message>
     <message>
         <source>a folder stands at %1</source>
@@ -421,18 +422,18 @@
     </message>
     <message>
         <source>%1 is no folder</source>
-        <translation>%1 n'est pas un dossier</translation>
+        <translation>%1 n&apos;est pas un dossier</translation>
     </message>
 </context>
 <context>
     <name>Varnholt::Host::FolderAdvice</name>
     <message>
         <source>This is a file. Choose a folder.</source>
-        <translation>C'est un fichier. Choisissez un dossier.</translation>
+        <translation>C&apos;est un fichier. Choisissez un dossier.</translation>
     </message>
     <message>
         <source>A game needs a folder of its own: %1.</source>
-        <translation>Un jeu a besoin d'un dossier à lui : %1.</translation>
+        <translation>Un jeu a besoin d&apos;un dossier à lui : %1.</translation>
     </message>
     <message>
         <source>You cannot write here: %1.</source>
@@ -440,26 +441,26 @@
     </message>
     <message>
         <source>The folder is not empty. The game would lie among the files that are there.</source>
-        <translation>Le dossier n'est pas vide. Le jeu se trouverait parmi les fichiers qui y sont.</translation>
+        <translation>Le dossier n&apos;est pas vide. Le jeu se trouverait parmi les fichiers qui y sont.</translation>
     </message>
     <message>
         <source>The game is already installed in %1. Its files stay there, but only those here will be kept up to date.</source>
-        <translation>Le jeu est déjà installé dans %1. Ses fichiers y restent, mais seuls ceux d'ici seront tenus à jour.</translation>
+        <translation>Le jeu est déjà installé dans %1. Ses fichiers y restent, mais seuls ceux d&apos;ici seront tenus à jour.</translation>
     </message>
     <message>
         <source>There is too little room: %1.</source>
-        <translation>Il n'y a pas assez de place : %1.</translation>
+        <translation>Il n&apos;y a pas assez de place : %1.</translation>
     </message>
 </context>
 <context>
     <name>Varnholt::Host::FolderCheck</name>
     <message>
         <source>it is the root</source>
-        <translation>c'est la racine</translation>
+        <translation>c&apos;est la racine</translation>
     </message>
     <message>
         <source>it is your home folder</source>
-        <translation>c'est votre dossier personnel</translation>
+        <translation>c&apos;est votre dossier personnel</translation>
     </message>
 </context>
 <context>
@@ -503,7 +504,7 @@
     <name>Varnholt::Host::GameStart</name>
     <message>
         <source>this system runs no program of its format</source>
-        <translation>ce système n'exécute pas de programmes de ce format</translation>
+        <translation>ce système n&apos;exécute pas de programmes de ce format</translation>
     </message>
     <message>
         <source>its interpreter %1 is missing</source>
@@ -511,15 +512,15 @@
     </message>
     <message>
         <source>what this system needs to run it is missing</source>
-        <translation>il manque à ce système de quoi l'exécuter</translation>
+        <translation>il manque à ce système de quoi l&apos;exécuter</translation>
     </message>
     <message>
         <source>its volume is mounted for no programs</source>
-        <translation>son volume est monté sans droit d'exécuter des programmes</translation>
+        <translation>son volume est monté sans droit d&apos;exécuter des programmes</translation>
     </message>
     <message>
         <source>its interpreter %1 is no program that you may run</source>
-        <translation>son interpréteur %1 n'est pas un programme que vous pouvez exécuter</translation>
+        <translation>son interpréteur %1 n&apos;est pas un programme que vous pouvez exécuter</translation>
     </message>
     <message>
         <source>its permissions do not let you</source>
@@ -527,11 +528,11 @@
     </message>
     <message>
         <source>it is no file</source>
-        <translation>ce n'est pas un fichier</translation>
+        <translation>ce n&apos;est pas un fichier</translation>
     </message>
     <message>
         <source>there is no such program</source>
-        <translation>ce programme n'existe pas</translation>
+        <translation>ce programme n&apos;existe pas</translation>
     </message>
     <message>
         <source>cannot be copied</source>
@@ -542,7 +543,7 @@
         <translation>manque</translation>
     </message>
     <message>
-        <source>; it said last: "%1"</source>
+        <source>; it said last: &quot;%1&quot;</source>
         <translation> ; il a dit en dernier : « %1 »</translation>
     </message>
 </context>
@@ -550,10 +551,10 @@
     <name>Varnholt::Host::IdleText</name>
     <message>
         <source>Another program is at work here</source>
-        <translation>Un autre programme est à l'œuvre ici</translation>
+        <translation>Un autre programme est à l&apos;œuvre ici</translation>
     </message>
     <message>
-        <source>The game's module cannot be used</source>
+        <source>The game&apos;s module cannot be used</source>
         <translation>Le module du jeu est inutilisable</translation>
     </message>
     <message>
@@ -570,7 +571,7 @@
     </message>
     <message>
         <source>The folder %1 is not there</source>
-        <translation>Le dossier %1 n'est pas là</translation>
+        <translation>Le dossier %1 n&apos;est pas là</translation>
     </message>
     <message>
         <source>Not complete yet</source>
@@ -659,8 +660,8 @@
         <translation>inconnu</translation>
     </message>
     <message>
-        <source>&amp;Use the folder "%1" inside</source>
-        <translation>&amp;Utiliser le dossier « %1 » à l'intérieur</translation>
+        <source>&amp;Use the folder &quot;%1&quot; inside</source>
+        <translation>&amp;Utiliser le dossier « %1 » à l&apos;intérieur</translation>
     </message>
     <message>
         <source>being found out…</source>
@@ -690,7 +691,7 @@
     </message>
     <message>
         <source>No server is asked</source>
-        <translation>Aucun serveur n'est interrogé</translation>
+        <translation>Aucun serveur n&apos;est interrogé</translation>
     </message>
     <message>
         <source>no answer in time</source>
@@ -728,16 +729,12 @@
         <translation>Se &amp;souvenir, et ne plus demander</translation>
     </message>
     <message>
-        <source>The password is kept in the desktop's secret store, and nowhere else.</source>
+        <source>The password is kept in the desktop&apos;s secret store, and nowhere else.</source>
         <translation>Le mot de passe est conservé dans le trousseau du bureau, et nulle part ailleurs.</translation>
     </message>
     <message>
         <source>&amp;Play</source>
         <translation>&amp;Jouer</translation>
-    </message>
-    <message>
-        <source>Play &amp;without logging in</source>
-        <translation>Jouer sans se c&amp;onnecter</translation>
     </message>
     <message>
         <source>&amp;Cancel</source>
@@ -746,6 +743,10 @@
     <message>
         <source>remembered</source>
         <translation>mémorisé</translation>
+    </message>
+    <message>
+        <source>Play with&amp;out logging in</source>
+        <translation>Jouer sans se c&amp;onnecter</translation>
     </message>
 </context>
 <context>
@@ -760,14 +761,14 @@
     </message>
     <message>
         <source>There is no game yet.</source>
-        <translation>Il n'y a pas encore de jeu.</translation>
+        <translation>Il n&apos;y a pas encore de jeu.</translation>
     </message>
 </context>
 <context>
     <name>Varnholt::Host::MirrorCheck</name>
     <message>
-        <source>its manifest is not the default server's</source>
-        <translation>son manifeste n'est pas celui du serveur principal</translation>
+        <source>its manifest is not the default server&apos;s</source>
+        <translation>son manifeste n&apos;est pas celui du serveur principal</translation>
     </message>
     <message>
         <source>it answers a range with status %1</source>
@@ -803,20 +804,20 @@
         <translation>pas nommée</translation>
     </message>
     <message>
-        <source>its layout is %1, the host's is %2</source>
-        <translation>sa disposition est %1, celle de l'hôte %2</translation>
+        <source>its layout is %1, the host&apos;s is %2</source>
+        <translation>sa disposition est %1, celle de l&apos;hôte %2</translation>
     </message>
     <message>
         <source>it is no plug-in</source>
-        <translation>ce n'est pas un greffon</translation>
+        <translation>ce n&apos;est pas un greffon</translation>
     </message>
     <message>
-        <source>its interface is "%1"</source>
+        <source>its interface is &quot;%1&quot;</source>
         <translation>son interface est « %1 »</translation>
     </message>
     <message>
         <source>its object is of another class</source>
-        <translation>son objet est d'une autre classe</translation>
+        <translation>son objet est d&apos;une autre classe</translation>
     </message>
 </context>
 <context>
@@ -831,11 +832,11 @@
     </message>
     <message>
         <source>The build does not offer the language {s}; its files are left out until another one is chosen</source>
-        <translation>La version ne propose pas la langue {s} ; ses fichiers sont laissés de côté jusqu'à ce qu'une autre soit choisie</translation>
+        <translation>La version ne propose pas la langue {s} ; ses fichiers sont laissés de côté jusqu&apos;à ce qu&apos;une autre soit choisie</translation>
     </message>
     <message>
         <source>{s}; the game keeps the realm list that it has</source>
-        <translation>{s} ; le jeu garde la liste de royaumes qu'il a</translation>
+        <translation>{s} ; le jeu garde la liste de royaumes qu&apos;il a</translation>
     </message>
     <message>
         <source>What starts the game without a server cannot be kept in {s}</source>
@@ -855,15 +856,15 @@
     </message>
     <message>
         <source>The game is not complete</source>
-        <translation>Le jeu n'est pas complet</translation>
+        <translation>Le jeu n&apos;est pas complet</translation>
     </message>
     <message>
-        <source>run "update" if it does not work</source>
-        <translation>lancez « update » s'il ne fonctionne pas</translation>
+        <source>run &quot;update&quot; if it does not work</source>
+        <translation>lancez « update » s&apos;il ne fonctionne pas</translation>
     </message>
     <message>
         <source>The output of the game is not kept: {s} cannot be written ({d})</source>
-        <translation>La sortie du jeu n'est pas conservée : {s} ne peut pas être écrit ({d})</translation>
+        <translation>La sortie du jeu n&apos;est pas conservée : {s} ne peut pas être écrit ({d})</translation>
     </message>
     <message>
         <source>The game was running already; the new one does not log in by itself</source>
@@ -875,11 +876,11 @@
     </message>
     <message>
         <source>The account name or the password holds characters that the login screen may misread</source>
-        <translation>Le nom du compte ou le mot de passe contient des caractères que l'écran de connexion peut mal lire</translation>
+        <translation>Le nom du compte ou le mot de passe contient des caractères que l&apos;écran de connexion peut mal lire</translation>
     </message>
     <message>
         <source>log in by hand if it does</source>
-        <translation>connectez-vous à la main si c'est le cas</translation>
+        <translation>connectez-vous à la main si c&apos;est le cas</translation>
     </message>
     <message>
         <source>The game was started and goes on running</source>
@@ -891,7 +892,7 @@
     </message>
     <message>
         <source>No password was given; the game does not log in by itself</source>
-        <translation>Aucun mot de passe n'a été donné ; le jeu ne se connecte pas de lui-même</translation>
+        <translation>Aucun mot de passe n&apos;a été donné ; le jeu ne se connecte pas de lui-même</translation>
     </message>
     <message>
         <source>The remembered password cannot be read: {s}</source>
@@ -899,19 +900,19 @@
     </message>
     <message>
         <source>The password is not remembered: {s}</source>
-        <translation>Le mot de passe n'est pas mémorisé : {s}</translation>
+        <translation>Le mot de passe n&apos;est pas mémorisé : {s}</translation>
     </message>
     <message>
         <source>The password is not forgotten: {s}</source>
-        <translation>Le mot de passe n'est pas oublié : {s}</translation>
+        <translation>Le mot de passe n&apos;est pas oublié : {s}</translation>
     </message>
     <message>
         <source>Nothing was deleted</source>
-        <translation>Rien n'a été supprimé</translation>
+        <translation>Rien n&apos;a été supprimé</translation>
     </message>
     <message>
         <source>The download is no longer limited</source>
-        <translation>Le téléchargement n'est plus limité</translation>
+        <translation>Le téléchargement n&apos;est plus limité</translation>
     </message>
     <message>
         <source>The download is now limited to {s}/s</source>
@@ -1106,7 +1107,7 @@
     </message>
     <message>
         <source>Nothing has come from %1 for %2.</source>
-        <translation>Rien n'est arrivé de %1 depuis %2.</translation>
+        <translation>Rien n&apos;est arrivé de %1 depuis %2.</translation>
     </message>
     <message>
         <source>Attempt %1 of %2</source>
@@ -1150,14 +1151,14 @@
     <name>Varnholt::Host::QuickCheckJob</name>
     <message>
         <source>what differs (its size was not asked for)</source>
-        <translation>ce qui diffère (sa taille n'a pas été demandée)</translation>
+        <translation>ce qui diffère (sa taille n&apos;a pas été demandée)</translation>
     </message>
 </context>
 <context>
     <name>Varnholt::Host::Remedy</name>
     <message>
         <source>name the authority that its operator goes by in the settings, or tell the operator</source>
-        <translation>indiquez dans les réglages l'autorité dont se réclame son exploitant, ou prévenez celui-ci</translation>
+        <translation>indiquez dans les réglages l&apos;autorité dont se réclame son exploitant, ou prévenez celui-ci</translation>
     </message>
     <message>
         <source>check which proxy the settings or the system name, then try again</source>
@@ -1177,7 +1178,7 @@
     </message>
     <message>
         <source>update it there, or agree that it shall be installed anew</source>
-        <translation>mettez-le à jour là-bas, ou acceptez qu'il soit installé de nouveau</translation>
+        <translation>mettez-le à jour là-bas, ou acceptez qu&apos;il soit installé de nouveau</translation>
     </message>
     <message>
         <source>connect its drive, or choose the folder that it was moved to</source>
@@ -1197,15 +1198,23 @@
     </message>
     <message>
         <source>change its permissions, repair the game, or name what runs it in the settings</source>
-        <translation>changez ses permissions, réparez le jeu, ou indiquez dans les réglages ce qui l'exécute</translation>
+        <translation>changez ses permissions, réparez le jeu, ou indiquez dans les réglages ce qui l&apos;exécute</translation>
     </message>
     <message>
         <source>install it, or name another one in the settings</source>
         <translation>installez-le, ou indiquez-en un autre dans les réglages</translation>
     </message>
     <message>
-        <source>look there for the cause, or check the game's files</source>
+        <source>look there for the cause, or check the game&apos;s files</source>
         <translation>cherchez-y la cause, ou vérifiez les fichiers du jeu</translation>
+    </message>
+    <message>
+        <source>compare the key in the settings with the one that the publisher has made known</source>
+        <translation>comparez la clé des réglages avec celle que l'éditeur a fait connaître</translation>
+    </message>
+    <message>
+        <source>check the game's files, and repair it when a difference is found</source>
+        <translation>vérifiez les fichiers du jeu, et réparez-le si une différence est trouvée</translation>
     </message>
     <message>
         <source>update the game</source>
@@ -1221,7 +1230,7 @@
     </message>
     <message>
         <source>agree that they shall go</source>
-        <translation>acceptez qu'ils soient supprimés</translation>
+        <translation>acceptez qu&apos;ils soient supprimés</translation>
     </message>
     <message>
         <source>continue when you like; what has arrived is kept</source>
@@ -1326,7 +1335,7 @@
     <name>Varnholt::Host::RunText</name>
     <message>
         <source>The installation into %1 begins.</source>
-        <translation>L'installation dans %1 commence.</translation>
+        <translation>L&apos;installation dans %1 commence.</translation>
     </message>
     <message>
         <source>The update begins.</source>
@@ -1349,7 +1358,7 @@
         <translation>Le jeu est en cours de lancement.</translation>
     </message>
     <message>
-        <source>The game's language is being changed.</source>
+        <source>The game&apos;s language is being changed.</source>
         <translation>La langue du jeu est en cours de changement.</translation>
     </message>
     <message>
@@ -1377,7 +1386,7 @@
         <translation>Le jeu a été lancé.</translation>
     </message>
     <message>
-        <source>The game's language is changed; an update fetches its files.</source>
+        <source>The game&apos;s language is changed; an update fetches its files.</source>
         <translation>La langue du jeu est changée ; une mise à jour télécharge ses fichiers.</translation>
     </message>
     <message>
@@ -1413,7 +1422,7 @@
     </message>
     <message>
         <source>This desktop has no tray.</source>
-        <translation>Ce bureau n'a pas de zone de notification.</translation>
+        <translation>Ce bureau n&apos;a pas de zone de notification.</translation>
     </message>
     <message>
         <source>&amp;Notify me when a download has ended</source>
@@ -1480,18 +1489,18 @@
     <name>Varnholt::Host::SettingsFile</name>
     <message>
         <source>it is no ordinary file</source>
-        <translation>ce n'est pas un fichier ordinaire</translation>
+        <translation>ce n&apos;est pas un fichier ordinaire</translation>
     </message>
     <message>
         <source>line %1 is no setting</source>
-        <translation>la ligne %1 n'est pas un réglage</translation>
+        <translation>la ligne %1 n&apos;est pas un réglage</translation>
     </message>
 </context>
 <context>
     <name>Varnholt::Host::SettingsWriter</name>
     <message>
         <source>another program is writing it: %1</source>
-        <translation>un autre programme l'écrit : %1</translation>
+        <translation>un autre programme l&apos;écrit : %1</translation>
     </message>
 </context>
 <context>
@@ -1543,7 +1552,7 @@
     </message>
     <message>
         <source>&amp;Keep all files, and only forget the installation</source>
-        <translation>&amp;Garder tous les fichiers, et seulement oublier l'installation</translation>
+        <translation>&amp;Garder tous les fichiers, et seulement oublier l&apos;installation</translation>
     </message>
     <message>
         <source>Files that stay</source>
@@ -1566,7 +1575,7 @@
         <translation>&amp;Supprimer le jeu : %1</translation>
     </message>
     <message>
-        <source>&amp;Delete the game's files</source>
+        <source>&amp;Delete the game&apos;s files</source>
         <translation>&amp;Supprimer les fichiers du jeu</translation>
     </message>
     <message>
@@ -1580,7 +1589,7 @@
     <message numerus="yes">
         <source>These files are not of the game and &amp;stay (%n):</source>
         <translation>
-            <numerusform>Ce fichier n'est pas du jeu et r&amp;este (%n) :</numerusform>
+            <numerusform>Ce fichier n&apos;est pas du jeu et r&amp;este (%n) :</numerusform>
             <numerusform>Ces fichiers ne sont pas du jeu et r&amp;estent (%n) :</numerusform>
         </translation>
     </message>
@@ -1604,7 +1613,7 @@
     <name>Varnholt::Host::VersionText</name>
     <message>
         <source>it names no build</source>
-        <translation>elle n'indique aucune version</translation>
+        <translation>elle n&apos;indique aucune version</translation>
     </message>
 </context>
 <context>

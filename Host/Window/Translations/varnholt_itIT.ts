@@ -1,10 +1,11 @@
-<?xml version='1.0' encoding='utf-8'?>
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
 <TS version="2.1" language="it_IT" sourcelanguage="en_US">
 <context>
     <name>Varnholt::Host::ByteText</name>
     <message>
         <source>C</source>
-        <extracomment>The language whose way to write numbers and units is used, such as "fr" or "it"</extracomment>
+        <extracomment>The language whose way to write numbers and units is used, such as &quot;fr&quot; or &quot;it&quot;</extracomment>
         <translation>it</translation>
     </message>
 </context>
@@ -23,7 +24,7 @@
         <translation>lo installi prima</translation>
     </message>
     <message>
-        <source>the build does not offer the language "{s}"</source>
+        <source>the build does not offer the language &quot;{s}&quot;</source>
         <translation>la versione non offre la lingua «{s}»</translation>
     </message>
     <message>
@@ -64,7 +65,7 @@
     </message>
     <message>
         <source>{s} is busy with another request</source>
-        <translation>{s} è occupato con un'altra richiesta</translation>
+        <translation>{s} è occupato con un&apos;altra richiesta</translation>
     </message>
     <message>
         <source>wait for its end, or interrupt it</source>
@@ -75,16 +76,16 @@
         <translation>{s} non può essere scaricato ({d})</translation>
     </message>
     <message>
-        <source>check the network connection and the server's address, then try again</source>
-        <translation>controlli la connessione di rete e l'indirizzo del server, poi riprovi</translation>
+        <source>check the network connection and the server&apos;s address, then try again</source>
+        <translation>controlli la connessione di rete e l&apos;indirizzo del server, poi riprovi</translation>
     </message>
     <message>
         <source>the server does not give {s} ({d})</source>
         <translation>il server non fornisce {s} ({d})</translation>
     </message>
     <message>
-        <source>check the server's address, or try again when the server is in order</source>
-        <translation>controlli l'indirizzo del server, o riprovi quando il server sarà a posto</translation>
+        <source>check the server&apos;s address, or try again when the server is in order</source>
+        <translation>controlli l&apos;indirizzo del server, o riprovi quando il server sarà a posto</translation>
     </message>
     <message>
         <source>nothing more arrives from {s} ({d})</source>
@@ -100,18 +101,18 @@
     </message>
     <message>
         <source>name the authority that its operator goes by with --ca-file, or tell the operator</source>
-        <translation>indichi con --ca-file l'autorità usata dal suo gestore, o avvisi il gestore</translation>
+        <translation>indichi con --ca-file l&apos;autorità usata dal suo gestore, o avvisi il gestore</translation>
     </message>
     <message>
         <source>check --proxy and the variables of the environment that name a proxy, then try again</source>
-        <translation>controlli --proxy e le variabili d'ambiente che indicano un proxy, poi riprovi</translation>
+        <translation>controlli --proxy e le variabili d&apos;ambiente che indicano un proxy, poi riprovi</translation>
     </message>
     <message>
         <source>nothing is kept about {s} to go on with offline ({d})</source>
         <translation>nulla è conservato di {s} per proseguire senza rete ({d})</translation>
     </message>
     <message>
-        <source>run "update" once while its server answers</source>
+        <source>run &quot;update&quot; once while its server answers</source>
         <translation>esegua «update» una volta mentre il suo server risponde</translation>
     </message>
     <message>
@@ -127,11 +128,11 @@
         <translation>chieda a chi la pubblica</translation>
     </message>
     <message>
-        <source>check the network connection and run "update"; everything else is in place and kept</source>
+        <source>check the network connection and run &quot;update&quot;; everything else is in place and kept</source>
         <translation>controlli la connessione di rete ed esegua «update»; tutto il resto è a posto e conservato</translation>
     </message>
     <message>
-        <source>run "update" again; everything else is in place and kept</source>
+        <source>run &quot;update&quot; again; everything else is in place and kept</source>
         <translation>esegua di nuovo «update»; tutto il resto è a posto e conservato</translation>
     </message>
     <message>
@@ -155,7 +156,7 @@
         <translation>la cartella di installazione {s} non esiste</translation>
     </message>
     <message>
-        <source>connect its drive, or run "install" with the folder that it was moved to</source>
+        <source>connect its drive, or run &quot;install&quot; with the folder that it was moved to</source>
         <translation>colleghi il suo disco, o esegua «install» con la cartella in cui è stata spostata</translation>
     </message>
     <message>
@@ -164,7 +165,7 @@
     </message>
     <message>
         <source>choose another folder</source>
-        <translation>scelga un'altra cartella</translation>
+        <translation>scelga un&apos;altra cartella</translation>
     </message>
     <message>
         <source>{s} is no folder for a game ({d})</source>
@@ -188,7 +189,7 @@
     </message>
     <message>
         <source>change its permissions or choose another folder</source>
-        <translation>ne cambi i permessi o scelga un'altra cartella</translation>
+        <translation>ne cambi i permessi o scelga un&apos;altra cartella</translation>
     </message>
     <message>
         <source>a folder stands where the file {s} belongs</source>
@@ -211,7 +212,7 @@
         <translation>il collegamento simbolico {s} non viene seguito, verso {d}</translation>
     </message>
     <message>
-        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run "repair"; everything else is in place</source>
+        <source>connect the disk that it leads to, or put a link of your own, a folder or a file in its place; then run &quot;repair&quot;; everything else is in place</source>
         <translation>colleghi il disco a cui porta, o metta al suo posto un collegamento Suo, una cartella o un file; poi esegua «repair»; tutto il resto è a posto</translation>
     </message>
     <message>
@@ -255,7 +256,7 @@
         <translation>il gioco non può essere avviato: manca {s}</translation>
     </message>
     <message>
-        <source>run "repair"</source>
+        <source>run &quot;repair&quot;</source>
         <translation>esegua «repair»</translation>
     </message>
     <message>
@@ -263,7 +264,7 @@
         <translation>il gioco non può essere avviato: {s} non è un programma che Lei può eseguire ({d})</translation>
     </message>
     <message>
-        <source>change its permissions, run "repair", or name what runs it with --wrapper</source>
+        <source>change its permissions, run &quot;repair&quot;, or name what runs it with --wrapper</source>
         <translation>ne cambi i permessi, esegua «repair», o indichi con --wrapper ciò che lo esegue</translation>
     </message>
     <message>
@@ -279,7 +280,7 @@
         <translation>il gioco è terminato con un errore ({d}), il suo output è in {s}</translation>
     </message>
     <message>
-        <source>look there for the cause, or run "verify"</source>
+        <source>look there for the cause, or run &quot;verify&quot;</source>
         <translation>ne cerchi lì la causa, o esegua «verify»</translation>
     </message>
     <message>
@@ -295,7 +296,7 @@
         <translation>un aggiornamento alla versione {d} scarica {s}</translation>
     </message>
     <message>
-        <source>run "update"</source>
+        <source>run &quot;update&quot;</source>
         <translation>esegua «update»</translation>
     </message>
     <message>
@@ -323,19 +324,19 @@
         <translation>il programma che scarica in {s} è terminato senza dire nulla</translation>
     </message>
     <message>
-        <source>"update" goes on with the download</source>
+        <source>&quot;update&quot; goes on with the download</source>
         <translation>«update» prosegue lo scaricamento</translation>
     </message>
     <message>
-        <source>there is no setting "{s}"</source>
-        <translation>non c'è alcuna impostazione «{s}»</translation>
+        <source>there is no setting &quot;{s}&quot;</source>
+        <translation>non c&apos;è alcuna impostazione «{s}»</translation>
     </message>
     <message>
-        <source>the setting "{s}" is not usable: {d}</source>
-        <translation>l'impostazione «{s}» non è utilizzabile: {d}</translation>
+        <source>the setting &quot;{s}&quot; is not usable: {d}</source>
+        <translation>l&apos;impostazione «{s}» non è utilizzabile: {d}</translation>
     </message>
     <message>
-        <source>"varnholt-host --help" tells what it can be</source>
+        <source>&quot;varnholt-host --help&quot; tells what it can be</source>
         <translation>«varnholt-host --help» dice che cosa può essere</translation>
     </message>
     <message>
@@ -448,7 +449,7 @@
     </message>
     <message>
         <source>There is too little room: %1.</source>
-        <translation>Non c'è spazio sufficiente: %1.</translation>
+        <translation>Non c&apos;è spazio sufficiente: %1.</translation>
     </message>
 </context>
 <context>
@@ -542,7 +543,7 @@
         <translation>manca</translation>
     </message>
     <message>
-        <source>; it said last: "%1"</source>
+        <source>; it said last: &quot;%1&quot;</source>
         <translation>; da ultimo ha detto: «%1»</translation>
     </message>
 </context>
@@ -553,7 +554,7 @@
         <translation>Un altro programma è al lavoro qui</translation>
     </message>
     <message>
-        <source>The game's module cannot be used</source>
+        <source>The game&apos;s module cannot be used</source>
         <translation>Il modulo del gioco non è utilizzabile</translation>
     </message>
     <message>
@@ -570,7 +571,7 @@
     </message>
     <message>
         <source>The folder %1 is not there</source>
-        <translation>La cartella %1 non c'è</translation>
+        <translation>La cartella %1 non c&apos;è</translation>
     </message>
     <message>
         <source>Not complete yet</source>
@@ -585,7 +586,7 @@
     </message>
     <message>
         <source>An update is there</source>
-        <translation>C'è un aggiornamento</translation>
+        <translation>C&apos;è un aggiornamento</translation>
     </message>
     <message>
         <source>Installed</source>
@@ -659,8 +660,8 @@
         <translation>sconosciuto</translation>
     </message>
     <message>
-        <source>&amp;Use the folder "%1" inside</source>
-        <translation>&amp;Usa la cartella «%1» all'interno</translation>
+        <source>&amp;Use the folder &quot;%1&quot; inside</source>
+        <translation>&amp;Usa la cartella «%1» all&apos;interno</translation>
     </message>
     <message>
         <source>being found out…</source>
@@ -686,7 +687,7 @@
     </message>
     <message>
         <source>The list of mirrors is damaged</source>
-        <translation>L'elenco dei mirror è danneggiato</translation>
+        <translation>L&apos;elenco dei mirror è danneggiato</translation>
     </message>
     <message>
         <source>No server is asked</source>
@@ -728,16 +729,12 @@
         <translation>&amp;Ricorda, e non chiedere più</translation>
     </message>
     <message>
-        <source>The password is kept in the desktop's secret store, and nowhere else.</source>
+        <source>The password is kept in the desktop&apos;s secret store, and nowhere else.</source>
         <translation>La password è conservata nel portachiavi del desktop, e in nessun altro luogo.</translation>
     </message>
     <message>
         <source>&amp;Play</source>
         <translation>&amp;Gioca</translation>
-    </message>
-    <message>
-        <source>Play &amp;without logging in</source>
-        <translation>Gioca &amp;senza accedere</translation>
     </message>
     <message>
         <source>&amp;Cancel</source>
@@ -746,6 +743,10 @@
     <message>
         <source>remembered</source>
         <translation>memorizzata</translation>
+    </message>
+    <message>
+        <source>Play with&amp;out logging in</source>
+        <translation>Gioca &amp;senza accedere</translation>
     </message>
 </context>
 <context>
@@ -760,13 +761,13 @@
     </message>
     <message>
         <source>There is no game yet.</source>
-        <translation>Non c'è ancora alcun gioco.</translation>
+        <translation>Non c&apos;è ancora alcun gioco.</translation>
     </message>
 </context>
 <context>
     <name>Varnholt::Host::MirrorCheck</name>
     <message>
-        <source>its manifest is not the default server's</source>
+        <source>its manifest is not the default server&apos;s</source>
         <translation>il suo manifesto non è quello del server principale</translation>
     </message>
     <message>
@@ -785,11 +786,11 @@
     <name>Varnholt::Host::ModuleHost</name>
     <message>
         <source>another session of this program uses a module</source>
-        <translation>un'altra sessione di questo programma usa un modulo</translation>
+        <translation>un&apos;altra sessione di questo programma usa un modulo</translation>
     </message>
     <message>
         <source>the start</source>
-        <translation>l'avvio</translation>
+        <translation>l&apos;avvio</translation>
     </message>
     <message>
         <source>the system lets nobody listen on 127.0.0.1</source>
@@ -803,20 +804,20 @@
         <translation>non indicata</translation>
     </message>
     <message>
-        <source>its layout is %1, the host's is %2</source>
-        <translation>la sua disposizione è %1, quella dell'host è %2</translation>
+        <source>its layout is %1, the host&apos;s is %2</source>
+        <translation>la sua disposizione è %1, quella dell&apos;host è %2</translation>
     </message>
     <message>
         <source>it is no plug-in</source>
         <translation>non è un plugin</translation>
     </message>
     <message>
-        <source>its interface is "%1"</source>
+        <source>its interface is &quot;%1&quot;</source>
         <translation>la sua interfaccia è «%1»</translation>
     </message>
     <message>
         <source>its object is of another class</source>
-        <translation>il suo oggetto è di un'altra classe</translation>
+        <translation>il suo oggetto è di un&apos;altra classe</translation>
     </message>
 </context>
 <context>
@@ -831,11 +832,11 @@
     </message>
     <message>
         <source>The build does not offer the language {s}; its files are left out until another one is chosen</source>
-        <translation>La versione non offre la lingua {s}; i suoi file sono tralasciati finché non se ne sceglie un'altra</translation>
+        <translation>La versione non offre la lingua {s}; i suoi file sono tralasciati finché non se ne sceglie un&apos;altra</translation>
     </message>
     <message>
         <source>{s}; the game keeps the realm list that it has</source>
-        <translation>{s}; il gioco mantiene l'elenco dei reami che ha</translation>
+        <translation>{s}; il gioco mantiene l&apos;elenco dei reami che ha</translation>
     </message>
     <message>
         <source>What starts the game without a server cannot be kept in {s}</source>
@@ -858,12 +859,12 @@
         <translation>Il gioco non è completo</translation>
     </message>
     <message>
-        <source>run "update" if it does not work</source>
+        <source>run &quot;update&quot; if it does not work</source>
         <translation>esegua «update» se non funziona</translation>
     </message>
     <message>
         <source>The output of the game is not kept: {s} cannot be written ({d})</source>
-        <translation>L'output del gioco non è conservato: {s} non può essere scritto ({d})</translation>
+        <translation>L&apos;output del gioco non è conservato: {s} non può essere scritto ({d})</translation>
     </message>
     <message>
         <source>The game was running already; the new one does not log in by itself</source>
@@ -875,7 +876,7 @@
     </message>
     <message>
         <source>The account name or the password holds characters that the login screen may misread</source>
-        <translation>Il nome dell'account o la password contiene caratteri che la schermata di accesso può leggere male</translation>
+        <translation>Il nome dell&apos;account o la password contiene caratteri che la schermata di accesso può leggere male</translation>
     </message>
     <message>
         <source>log in by hand if it does</source>
@@ -970,11 +971,11 @@
     </message>
     <message>
         <source>Choose another &amp;folder…</source>
-        <translation>Scegli un'altra &amp;cartella…</translation>
+        <translation>Scegli un&apos;altra &amp;cartella…</translation>
     </message>
     <message>
         <source>&amp;Open folder</source>
-        <translation>&amp;Apri la cartella</translation>
+        <translation>Apri la car&amp;tella</translation>
     </message>
     <message>
         <source>Show &amp;files</source>
@@ -982,7 +983,7 @@
     </message>
     <message>
         <source>Show &amp;output</source>
-        <translation>Mostra l'&amp;output</translation>
+        <translation>Mostra l&apos;&amp;output</translation>
     </message>
     <message>
         <source>Show &amp;log</source>
@@ -1157,7 +1158,7 @@
     <name>Varnholt::Host::Remedy</name>
     <message>
         <source>name the authority that its operator goes by in the settings, or tell the operator</source>
-        <translation>indichi nelle impostazioni l'autorità usata dal suo gestore, o avvisi il gestore</translation>
+        <translation>indichi nelle impostazioni l&apos;autorità usata dal suo gestore, o avvisi il gestore</translation>
     </message>
     <message>
         <source>check which proxy the settings or the system name, then try again</source>
@@ -1204,8 +1205,16 @@
         <translation>lo installi, o ne indichi un altro nelle impostazioni</translation>
     </message>
     <message>
-        <source>look there for the cause, or check the game's files</source>
+        <source>look there for the cause, or check the game&apos;s files</source>
         <translation>ne cerchi lì la causa, o verifichi i file del gioco</translation>
+    </message>
+    <message>
+        <source>compare the key in the settings with the one that the publisher has made known</source>
+        <translation>confronta la chiave delle impostazioni con quella resa nota dall'editore</translation>
+    </message>
+    <message>
+        <source>check the game's files, and repair it when a difference is found</source>
+        <translation>controlla i file del gioco, e riparalo se si trova una differenza</translation>
     </message>
     <message>
         <source>update the game</source>
@@ -1233,7 +1242,7 @@
     </message>
     <message>
         <source>&amp;Get the update</source>
-        <translation>Sc&amp;arica l'aggiornamento</translation>
+        <translation>Sc&amp;arica l&apos;aggiornamento</translation>
     </message>
     <message>
         <source>I&amp;nstall…</source>
@@ -1326,11 +1335,11 @@
     <name>Varnholt::Host::RunText</name>
     <message>
         <source>The installation into %1 begins.</source>
-        <translation>Inizia l'installazione in %1.</translation>
+        <translation>Inizia l&apos;installazione in %1.</translation>
     </message>
     <message>
         <source>The update begins.</source>
-        <translation>Inizia l'aggiornamento.</translation>
+        <translation>Inizia l&apos;aggiornamento.</translation>
     </message>
     <message>
         <source>The repair begins.</source>
@@ -1349,7 +1358,7 @@
         <translation>Il gioco viene avviato.</translation>
     </message>
     <message>
-        <source>The game's language is being changed.</source>
+        <source>The game&apos;s language is being changed.</source>
         <translation>La lingua del gioco viene cambiata.</translation>
     </message>
     <message>
@@ -1377,7 +1386,7 @@
         <translation>Il gioco è stato avviato.</translation>
     </message>
     <message>
-        <source>The game's language is changed; an update fetches its files.</source>
+        <source>The game&apos;s language is changed; an update fetches its files.</source>
         <translation>La lingua del gioco è cambiata; un aggiornamento ne scarica i file.</translation>
     </message>
     <message>
@@ -1409,15 +1418,15 @@
     </message>
     <message>
         <source>Go on in the &amp;tray when the window is closed</source>
-        <translation>Continua nell'area di &amp;notifica quando si chiude la finestra</translation>
+        <translation>Continua nell&apos;area di notifica &amp;quando si chiude la finestra</translation>
     </message>
     <message>
         <source>This desktop has no tray.</source>
-        <translation>Questo desktop non ha un'area di notifica.</translation>
+        <translation>Questo desktop non ha un&apos;area di notifica.</translation>
     </message>
     <message>
         <source>&amp;Notify me when a download has ended</source>
-        <translation>Av&amp;visami quando uno scaricamento è finito</translation>
+        <translation>Avvisami quando uno scaricamento è &amp;finito</translation>
     </message>
     <message>
         <source>Downloads</source>
@@ -1484,7 +1493,7 @@
     </message>
     <message>
         <source>line %1 is no setting</source>
-        <translation>la riga %1 non è un'impostazione</translation>
+        <translation>la riga %1 non è un&apos;impostazione</translation>
     </message>
 </context>
 <context>
@@ -1543,7 +1552,7 @@
     </message>
     <message>
         <source>&amp;Keep all files, and only forget the installation</source>
-        <translation>&amp;Conserva tutti i file, e dimentica solo l'installazione</translation>
+        <translation>&amp;Conserva tutti i file, e dimentica solo l&apos;installazione</translation>
     </message>
     <message>
         <source>Files that stay</source>
@@ -1566,7 +1575,7 @@
         <translation>&amp;Elimina il gioco: %1</translation>
     </message>
     <message>
-        <source>&amp;Delete the game's files</source>
+        <source>&amp;Delete the game&apos;s files</source>
         <translation>&amp;Elimina i file del gioco</translation>
     </message>
     <message>
