@@ -44,8 +44,8 @@ std::size_t Document::MostBytes() const
 
     if (HasBody)
         return DocumentJudge::c_MostSignatureBytes;
-    bool const isShort =
-        IsOptional() || EndsWith(Path, "/version.json") || EndsWith(Path, "/version_dev.json");
+    bool const isShort = IsHostList() || EndsWith(Path, "/trust-key") ||
+                         EndsWith(Path, "/version.json") || EndsWith(Path, "/version_dev.json");
     return isShort ? c_MiB : 48 * c_MiB;
 }
 

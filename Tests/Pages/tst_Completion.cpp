@@ -87,7 +87,7 @@ void CompletionTest::TheWordAtHandIsCompleted()
               {"config ",
                "ca-file color connect-timeout connections content-password content-url "
                "content-user dev-channel https-mirrors limit-rate log-file module netrc-file "
-               "offline proxy retry-for wrapper"},
+               "offline proxy retry-for trust-key wrapper"},
               {"config offline ", "false true"},
               {"config limit-rate ", ""},
               {"config content-password ", ""},

@@ -90,8 +90,8 @@ void ManPageTest::FormattersFindNothingWrong()
 void ManPageTest::ItHasTheSectionsOfAManualPage()
 {
     QMap<QString, QString> const expected{
-        {c_Host, "NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS ENVIRONMENT FILES SIGNALS EXIT STATUS "
-                 "FAILURES EXAMPLES SEE ALSO"},
+        {c_Host, "NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS ENVIRONMENT FILES SIGNATURES SIGNALS "
+                 "EXIT STATUS FAILURES EXAMPLES SEE ALSO"},
         {"varnholt-publish",
          "NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS EXIT STATUS EXAMPLES SEE ALSO"},
         {"varnholt-window",
