@@ -127,6 +127,8 @@ void SettingsDialogTest::AnAddressThatIsNoneCannotBeSaved()
     QVERIFY(!save->isEnabled());
     dialog.findChild<QLineEdit*>()->clear();
     QVERIFY(save->isEnabled());
+    dialog.findChildren<QLineEdit*>()[1]->setText("no key");
+    QVERIFY(!save->isEnabled());
 }
 
 void SettingsDialogTest::WithoutATrayNothingCanStayThere()

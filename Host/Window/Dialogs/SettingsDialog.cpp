@@ -1,5 +1,6 @@
 #include "Host/Window/Dialogs/SettingsDialog.hpp"
 
+#include "Host/Cli/OptionText.hpp"
 #include "Host/Window/Dialogs/DialogParts.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 
@@ -35,7 +36,8 @@ SettingsDialog::SettingsDialog(WindowSettings const& p_Settings, QString const& 
     Server->setPlaceholderText(p_DefaultServer);
     Fill(p_HasTray);
     SetTexts();
-    connect(Server, &QLineEdit::textChanged, this, &SettingsDialog::Check);
+    for (QLineEdit* const field : {Server, TrustKey})
+        connect(field, &QLineEdit::textChanged, this, &SettingsDialog::Check);
 }
 
 void SettingsDialog::Build()
@@ -47,7 +49,7 @@ void SettingsDialog::Build()
     BuildDownloads(*new QFormLayout(Downloads));
     layout->addWidget(Program);
     layout->addWidget(Downloads);
-    ServerFault = DialogParts::AddText(*this);
+    Fault = DialogParts::AddText(*this);
     layout->addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Save = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
@@ -78,10 +80,8 @@ void SettingsDialog::BuildDownloads(QFormLayout& p_Form)
     ServerLabel = DialogParts::AddField(p_Form, *Server);
     Channel = new QComboBox(Downloads);
     ChannelLabel = DialogParts::AddField(p_Form, *Channel);
-    if (WindowSettings::KnowsTrustKey()) {
-        TrustKey = new QLineEdit(Downloads);
-        TrustKeyLabel = DialogParts::AddField(p_Form, *TrustKey);
-    }
+    TrustKey = new QLineEdit(Downloads);
+    TrustKeyLabel = DialogParts::AddField(p_Form, *TrustKey);
     Rate = new QDoubleSpinBox(Downloads);
     Rate->setRange(0, c_MostMiB);
     Rate->setDecimals(2);
@@ -104,8 +104,7 @@ void SettingsDialog::Fill(bool p_HasTray)
     Server->setText(Before.ContentUrl);
     Channel->addItems({QString(), QString()});
     Channel->setCurrentIndex(Before.UsesDevChannel ? 1 : 0);
-    if (TrustKey != nullptr)
-        TrustKey->setText(Before.TrustKey);
+    TrustKey->setText(Before.TrustKey);
     Rate->setValue(static_cast<double>(Before.BytesPerSecond) / c_MiB);
     ShownRate = Rate->value();
     Connections->setValue(Before.Connections);
@@ -126,10 +125,8 @@ void SettingsDialog::SetTexts()
     ChannelLabel->setText(tr("C&hannel:"));
     Channel->setItemText(0, tr("Release"));
     Channel->setItemText(1, tr("Development"));
-    if (TrustKey != nullptr) {
-        TrustKeyLabel->setText(tr("Trusted &key:"));
-        TrustKey->setPlaceholderText(tr("none: signatures are not asked for"));
-    }
+    TrustKeyLabel->setText(tr("Trusted &key:"));
+    TrustKey->setPlaceholderText(tr("none: signatures are not asked for"));
     RateLabel->setText(tr("Limit the &rate to:"));
     Rate->setSuffix(tr(" MiB/s"));
     Rate->setSpecialValueText(tr("no limit"));
@@ -143,8 +140,7 @@ void SettingsDialog::SetTexts()
                                                              {TrustKeyLabel, TrustKey},
                                                              {RateLabel, Rate},
                                                              {ConnectionsLabel, Connections}})
-        if (label != nullptr)
-            field->setAccessibleName(label->text().remove(QLatin1Char('&')).chopped(1));
+        field->setAccessibleName(label->text().remove(QLatin1Char('&')).chopped(1));
     Check();
 }
 
@@ -158,11 +154,16 @@ void SettingsDialog::changeEvent(QEvent* p_Event)
 void SettingsDialog::Check()
 {
     QString const server = Server->text().trimmed();
-    bool const isUsable = server.isEmpty() || HostOptions::IsContentUrl(server);
-    ServerFault->setText(tr("A server is named like http://HOST/ or https://HOST:PORT/, without "
-                            "user and password."));
-    ServerFault->setVisible(!isUsable);
-    Save->setEnabled(isUsable);
+    QString const key = TrustKey->text().trimmed();
+    QStringList faults;
+    if (!server.isEmpty() && !HostOptions::IsContentUrl(server))
+        faults += tr("A server is named like http://HOST/ or https://HOST:PORT/, without user and "
+                     "password.");
+    if (!key.isEmpty() && OptionText::TrustKey(key).isEmpty())
+        faults += tr("The trusted key is neither a public key nor a file that holds one.");
+    Fault->setText(faults.join(QLatin1Char('\n')));
+    Fault->setVisible(!faults.isEmpty());
+    Save->setEnabled(faults.isEmpty());
     DialogParts::Fit(*this);
 }
 
@@ -176,8 +177,7 @@ WindowSettings SettingsDialog::Chosen() const
     chosen.Notifies = Notifies->isChecked();
     chosen.ContentUrl = Server->text().trimmed();
     chosen.UsesDevChannel = Channel->currentIndex() == 1;
-    if (TrustKey != nullptr)
-        chosen.TrustKey = TrustKey->text().trimmed();
+    chosen.TrustKey = OptionText::TrustKey(TrustKey->text().trimmed());
     if (Rate->value() != ShownRate)
         chosen.BytesPerSecond = static_cast<quint64>(std::llround(Rate->value() * c_MiB));
     chosen.Connections = Connections->value();

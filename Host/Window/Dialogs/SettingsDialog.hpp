@@ -52,11 +52,11 @@ private:
     QGroupBox* Downloads;
     QLabel* ServerLabel;
     QLineEdit* Server;
-    QLabel* ServerFault;
+    QLabel* Fault;
     QLabel* ChannelLabel;
     QComboBox* Channel;
-    QLabel* TrustKeyLabel = nullptr; ///< none where content is not signed
-    QLineEdit* TrustKey = nullptr;
+    QLabel* TrustKeyLabel;
+    QLineEdit* TrustKey;
     QLabel* RateLabel;
     QDoubleSpinBox* Rate;
     QLabel* ConnectionsLabel;

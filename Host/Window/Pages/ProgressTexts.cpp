@@ -75,7 +75,7 @@ ProgressTexts ProgressTexts::Of(RunSnapshot const& p_Snapshot, std::optional<qin
     }
     texts.Amount =
         RunText::Capitalized(Joined({bytes, p_IsPaused ? QString() : RateOf(p_Snapshot)}));
-    if (p_Snapshot.FileCount > 0)
+    if (p_Snapshot.FileNumber > 0)
         texts.Count =
             FigureTexts::tr("File %1 of %2")
                 .arg(locale.toString(p_Snapshot.FileNumber), locale.toString(p_Snapshot.FileCount));

@@ -1,9 +1,6 @@
 #include "Host/Window/Settings/WindowSettings.hpp"
 
-#include "Host/Cli/KeptOption.hpp"
 #include "Host/Cli/OptionText.hpp"
-
-#include <algorithm>
 
 namespace Varnholt::Host {
 
@@ -45,7 +42,7 @@ WindowSettings WindowSettings::Of(Values const& p_Values)
     QString const connections = p_Values.value(c_Connections).toString();
     if (OptionText::WhyNotConnections(connections).isEmpty())
         settings.Connections = connections.toInt();
-    settings.TrustKey = p_Values.value(c_TrustKey).toString();
+    settings.TrustKey = OptionText::TrustKey(p_Values.value(c_TrustKey).toString());
     settings.Geometry = QByteArray::fromBase64(p_Values.value(c_Geometry).toString().toLatin1());
     return settings;
 }
@@ -87,20 +84,13 @@ void WindowSettings::ApplyTo(HostOptions& p_Options, WindowSettings const& p_Bef
     give(p_Options.UseDevChannel, UsesDevChannel, p_Before.UsesDevChannel);
     give(p_Options.BytesPerSecond, BytesPerSecond, p_Before.BytesPerSecond);
     give(p_Options.Connections, Connections, p_Before.Connections);
+    give(p_Options.TrustKey, TrustKey, p_Before.TrustKey);
 }
 
 bool WindowSettings::NeedsNewSession(WindowSettings const& p_Before) const
 {
     return ContentUrl != p_Before.ContentUrl || UsesDevChannel != p_Before.UsesDevChannel ||
            Connections != p_Before.Connections || TrustKey != p_Before.TrustKey;
-}
-
-bool WindowSettings::KnowsTrustKey()
-{
-    std::vector<KeptOption> const options = KeptOption::All();
-    return std::any_of(options.begin(), options.end(), [](KeptOption const& p_Option) {
-        return QLatin1String(p_Option.Name) == QLatin1String("trust-key");
-    });
 }
 
 } // namespace Varnholt::Host

@@ -19,7 +19,8 @@ struct WindowSettings {
     bool UsesDevChannel = false;
     quint64 BytesPerSecond = 0; ///< 0: no limit
     int Connections = HostOptions().Connections;
-    QString TrustKey;    ///< empty: none
+    QString
+        TrustKey; ///< of a publisher, in the text form of keys; empty: no signature is asked for
     QByteArray Geometry; ///< of the window, see `QWidget::saveGeometry`
 
     /// What is unusable counts as not given.
@@ -30,8 +31,6 @@ struct WindowSettings {
     void ApplyTo(HostOptions& p_Options, WindowSettings const& p_Before) const;
     /// Whether a session has to begin anew for these.
     bool NeedsNewSession(WindowSettings const& p_Before) const;
-    /// Whether signed content can be asked for at all.
-    static bool KnowsTrustKey();
 };
 
 } // namespace Varnholt::Host

@@ -359,6 +359,70 @@
         <source>cause unknown</source>
         <translation>causa desconocida</translation>
     </message>
+    <message>
+        <source>{s} is not signed ({d})</source>
+        <translation>{s} no está firmado ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or ask who publishes the game; without a signature nobody vouches for it</source>
+        <translation>pruebe otra red, o pregunte a quien publica el juego; sin firma nadie responde de él</translation>
+    </message>
+    <message>
+        <source>{s} is not what its publisher has signed ({d})</source>
+        <translation>{s} no es lo que firmó su editor ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or tell who publishes the game: somebody has changed it</source>
+        <translation>pruebe otra red, o avise a quien publica el juego: alguien lo ha cambiado</translation>
+    </message>
+    <message>
+        <source>{s} is signed by somebody else ({d})</source>
+        <translation>{s} está firmado por otra persona ({d})</translation>
+    </message>
+    <message>
+        <source>compare the key of --trust-key with the one that the publisher has made known</source>
+        <translation>compare la clave de --trust-key con la que ha dado a conocer el editor</translation>
+    </message>
+    <message>
+        <source>{s} is signed as something else ({d})</source>
+        <translation>{s} está firmado como otra cosa ({d})</translation>
+    </message>
+    <message>
+        <source>check the server&apos;s address, or tell who publishes the game</source>
+        <translation>compruebe la dirección del servidor, o avise a quien publica el juego</translation>
+    </message>
+    <message>
+        <source>{s} is older than what was seen before ({d})</source>
+        <translation>{s} es más antiguo que lo visto antes ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or ask the publisher to sign anew what is in force</source>
+        <translation>pruebe otra red, o pida al editor que firme de nuevo lo que está en vigor</translation>
+    </message>
+    <message>
+        <source>{s} is not valid any more ({d})</source>
+        <translation>{s} ya no es válido ({d})</translation>
+    </message>
+    <message>
+        <source>check this computer&apos;s clock, try another network, or ask the publisher to sign anew</source>
+        <translation>compruebe el reloj de este equipo, pruebe otra red, o pida al editor que firme de nuevo</translation>
+    </message>
+    <message>
+        <source>{s} is not the manifest of the current build ({d})</source>
+        <translation>{s} no es el manifiesto de la versión actual ({d})</translation>
+    </message>
+    <message>
+        <source>try again, or tell who publishes the game</source>
+        <translation>inténtelo de nuevo, o avise a quien publica el juego</translation>
+    </message>
+    <message>
+        <source>the game in {s} is not known to be what its publisher has signed</source>
+        <translation>no se sabe si el juego de {s} es lo que firmó su editor</translation>
+    </message>
+    <message>
+        <source>run &quot;verify&quot;, or &quot;repair&quot; when that finds a difference</source>
+        <translation>ejecute «verify», o «repair» si encuentra una diferencia</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::FetchFailure</name>
@@ -1484,6 +1548,10 @@
         <source>A server is named like http://HOST/ or https://HOST:PORT/, without user and password.</source>
         <translation>Un servidor se nombra http://HOST/ o https://HOST:PORT/, sin usuario ni contraseña.</translation>
     </message>
+    <message>
+        <source>The trusted key is neither a public key nor a file that holds one.</source>
+        <translation>La clave de confianza no es ni una clave pública ni un archivo que contenga una.</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::SettingsFile</name>
@@ -1542,6 +1610,61 @@
             <numerusform>y %n más</numerusform>
             <numerusform>y %n más</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::TrustJudge</name>
+    <message>
+        <source>there is no signature</source>
+        <translation>no hay firma</translation>
+    </message>
+    <message>
+        <source>what lies beside it is no signature</source>
+        <translation>lo que está a su lado no es una firma</translation>
+    </message>
+    <message>
+        <source>by the key %1 instead of %2</source>
+        <translation>por la clave %1 en vez de %2</translation>
+    </message>
+    <message>
+        <source>the signature is of other bytes</source>
+        <translation>la firma es de otros bytes</translation>
+    </message>
+    <message>
+        <source>it is of build %1, the version file names %2</source>
+        <translation>es de la versión %1, el archivo de versión indica %2</translation>
+    </message>
+    <message>
+        <source>as &quot;%1&quot;</source>
+        <translation>como «%1»</translation>
+    </message>
+    <message>
+        <source>for the game %1</source>
+        <translation>para el juego %1</translation>
+    </message>
+    <message>
+        <source>for the platform %1</source>
+        <translation>para la plataforma %1</translation>
+    </message>
+    <message>
+        <source>for the channel %1</source>
+        <translation>para el canal %1</translation>
+    </message>
+    <message>
+        <source>since %1</source>
+        <translation>desde %1</translation>
+    </message>
+    <message>
+        <source>number %1 after number %2</source>
+        <translation>número %1 después del número %2</translation>
+    </message>
+    <message>
+        <source>it is no new key</source>
+        <translation>no es una clave nueva</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no public key</source>
+        <translation>«%1» no es una clave pública</translation>
     </message>
 </context>
 <context>

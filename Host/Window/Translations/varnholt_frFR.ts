@@ -359,6 +359,70 @@
         <source>cause unknown</source>
         <translation>cause inconnue</translation>
     </message>
+    <message>
+        <source>{s} is not signed ({d})</source>
+        <translation>{s} n&apos;est pas signé ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or ask who publishes the game; without a signature nobody vouches for it</source>
+        <translation>essayez un autre réseau, ou demandez à celui qui publie le jeu ; sans signature, personne n&apos;en répond</translation>
+    </message>
+    <message>
+        <source>{s} is not what its publisher has signed ({d})</source>
+        <translation>{s} n&apos;est pas ce que son éditeur a signé ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or tell who publishes the game: somebody has changed it</source>
+        <translation>essayez un autre réseau, ou prévenez celui qui publie le jeu : quelqu&apos;un l&apos;a modifié</translation>
+    </message>
+    <message>
+        <source>{s} is signed by somebody else ({d})</source>
+        <translation>{s} est signé par quelqu&apos;un d&apos;autre ({d})</translation>
+    </message>
+    <message>
+        <source>compare the key of --trust-key with the one that the publisher has made known</source>
+        <translation>comparez la clé de --trust-key avec celle que l&apos;éditeur a fait connaître</translation>
+    </message>
+    <message>
+        <source>{s} is signed as something else ({d})</source>
+        <translation>{s} est signé comme étant autre chose ({d})</translation>
+    </message>
+    <message>
+        <source>check the server&apos;s address, or tell who publishes the game</source>
+        <translation>vérifiez l&apos;adresse du serveur, ou prévenez celui qui publie le jeu</translation>
+    </message>
+    <message>
+        <source>{s} is older than what was seen before ({d})</source>
+        <translation>{s} est plus ancien que ce qui a été vu auparavant ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or ask the publisher to sign anew what is in force</source>
+        <translation>essayez un autre réseau, ou demandez à l&apos;éditeur de signer de nouveau ce qui est en vigueur</translation>
+    </message>
+    <message>
+        <source>{s} is not valid any more ({d})</source>
+        <translation>{s} n&apos;est plus valable ({d})</translation>
+    </message>
+    <message>
+        <source>check this computer&apos;s clock, try another network, or ask the publisher to sign anew</source>
+        <translation>vérifiez l&apos;horloge de cet ordinateur, essayez un autre réseau, ou demandez à l&apos;éditeur de signer de nouveau</translation>
+    </message>
+    <message>
+        <source>{s} is not the manifest of the current build ({d})</source>
+        <translation>{s} n&apos;est pas le manifeste de la version actuelle ({d})</translation>
+    </message>
+    <message>
+        <source>try again, or tell who publishes the game</source>
+        <translation>réessayez, ou prévenez celui qui publie le jeu</translation>
+    </message>
+    <message>
+        <source>the game in {s} is not known to be what its publisher has signed</source>
+        <translation>on ne sait pas si le jeu dans {s} est ce que son éditeur a signé</translation>
+    </message>
+    <message>
+        <source>run &quot;verify&quot;, or &quot;repair&quot; when that finds a difference</source>
+        <translation>lancez « verify », ou « repair » s&apos;il trouve une différence</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::FetchFailure</name>
@@ -1484,6 +1548,10 @@
         <source>A server is named like http://HOST/ or https://HOST:PORT/, without user and password.</source>
         <translation>Un serveur se nomme http://HOST/ ou https://HOST:PORT/, sans utilisateur ni mot de passe.</translation>
     </message>
+    <message>
+        <source>The trusted key is neither a public key nor a file that holds one.</source>
+        <translation>La clé de confiance n&apos;est ni une clé publique ni un fichier qui en contient une.</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::SettingsFile</name>
@@ -1542,6 +1610,61 @@
             <numerusform>et %n autre</numerusform>
             <numerusform>et %n autres</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::TrustJudge</name>
+    <message>
+        <source>there is no signature</source>
+        <translation>il n&apos;y a pas de signature</translation>
+    </message>
+    <message>
+        <source>what lies beside it is no signature</source>
+        <translation>ce qui se trouve à côté n&apos;est pas une signature</translation>
+    </message>
+    <message>
+        <source>by the key %1 instead of %2</source>
+        <translation>par la clé %1 au lieu de %2</translation>
+    </message>
+    <message>
+        <source>the signature is of other bytes</source>
+        <translation>la signature est celle d&apos;autres octets</translation>
+    </message>
+    <message>
+        <source>it is of build %1, the version file names %2</source>
+        <translation>il est de la version %1, le fichier de version indique %2</translation>
+    </message>
+    <message>
+        <source>as &quot;%1&quot;</source>
+        <translation>comme « %1 »</translation>
+    </message>
+    <message>
+        <source>for the game %1</source>
+        <translation>pour le jeu %1</translation>
+    </message>
+    <message>
+        <source>for the platform %1</source>
+        <translation>pour la plateforme %1</translation>
+    </message>
+    <message>
+        <source>for the channel %1</source>
+        <translation>pour le canal %1</translation>
+    </message>
+    <message>
+        <source>since %1</source>
+        <translation>depuis %1</translation>
+    </message>
+    <message>
+        <source>number %1 after number %2</source>
+        <translation>numéro %1 après le numéro %2</translation>
+    </message>
+    <message>
+        <source>it is no new key</source>
+        <translation>ce n&apos;est pas une nouvelle clé</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no public key</source>
+        <translation>« %1 » n&apos;est pas une clé publique</translation>
     </message>
 </context>
 <context>

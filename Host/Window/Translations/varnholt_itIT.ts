@@ -359,6 +359,70 @@
         <source>cause unknown</source>
         <translation>causa sconosciuta</translation>
     </message>
+    <message>
+        <source>{s} is not signed ({d})</source>
+        <translation>{s} non è firmato ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or ask who publishes the game; without a signature nobody vouches for it</source>
+        <translation>provi un&apos;altra rete, o chieda a chi pubblica il gioco; senza firma nessuno ne risponde</translation>
+    </message>
+    <message>
+        <source>{s} is not what its publisher has signed ({d})</source>
+        <translation>{s} non è ciò che il suo editore ha firmato ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or tell who publishes the game: somebody has changed it</source>
+        <translation>provi un&apos;altra rete, o avvisi chi pubblica il gioco: qualcuno l&apos;ha modificato</translation>
+    </message>
+    <message>
+        <source>{s} is signed by somebody else ({d})</source>
+        <translation>{s} è firmato da qualcun altro ({d})</translation>
+    </message>
+    <message>
+        <source>compare the key of --trust-key with the one that the publisher has made known</source>
+        <translation>confronti la chiave di --trust-key con quella che l&apos;editore ha reso nota</translation>
+    </message>
+    <message>
+        <source>{s} is signed as something else ({d})</source>
+        <translation>{s} è firmato come qualcos&apos;altro ({d})</translation>
+    </message>
+    <message>
+        <source>check the server&apos;s address, or tell who publishes the game</source>
+        <translation>controlli l&apos;indirizzo del server, o avvisi chi pubblica il gioco</translation>
+    </message>
+    <message>
+        <source>{s} is older than what was seen before ({d})</source>
+        <translation>{s} è più vecchio di ciò che si è visto prima ({d})</translation>
+    </message>
+    <message>
+        <source>try another network, or ask the publisher to sign anew what is in force</source>
+        <translation>provi un&apos;altra rete, o chieda all&apos;editore di firmare di nuovo ciò che è in vigore</translation>
+    </message>
+    <message>
+        <source>{s} is not valid any more ({d})</source>
+        <translation>{s} non è più valido ({d})</translation>
+    </message>
+    <message>
+        <source>check this computer&apos;s clock, try another network, or ask the publisher to sign anew</source>
+        <translation>controlli l&apos;orologio di questo computer, provi un&apos;altra rete, o chieda all&apos;editore di firmare di nuovo</translation>
+    </message>
+    <message>
+        <source>{s} is not the manifest of the current build ({d})</source>
+        <translation>{s} non è il manifesto della versione attuale ({d})</translation>
+    </message>
+    <message>
+        <source>try again, or tell who publishes the game</source>
+        <translation>riprovi, o avvisi chi pubblica il gioco</translation>
+    </message>
+    <message>
+        <source>the game in {s} is not known to be what its publisher has signed</source>
+        <translation>non si sa se il gioco in {s} è ciò che il suo editore ha firmato</translation>
+    </message>
+    <message>
+        <source>run &quot;verify&quot;, or &quot;repair&quot; when that finds a difference</source>
+        <translation>esegua «verify», o «repair» se trova una differenza</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::FetchFailure</name>
@@ -1484,6 +1548,10 @@
         <source>A server is named like http://HOST/ or https://HOST:PORT/, without user and password.</source>
         <translation>Un server si indica come http://HOST/ o https://HOST:PORT/, senza utente né password.</translation>
     </message>
+    <message>
+        <source>The trusted key is neither a public key nor a file that holds one.</source>
+        <translation>La chiave attendibile non è né una chiave pubblica né un file che ne contenga una.</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::SettingsFile</name>
@@ -1542,6 +1610,61 @@
             <numerusform>e %n altro</numerusform>
             <numerusform>e altri %n</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::TrustJudge</name>
+    <message>
+        <source>there is no signature</source>
+        <translation>non c&apos;è alcuna firma</translation>
+    </message>
+    <message>
+        <source>what lies beside it is no signature</source>
+        <translation>ciò che gli sta accanto non è una firma</translation>
+    </message>
+    <message>
+        <source>by the key %1 instead of %2</source>
+        <translation>dalla chiave %1 invece che da %2</translation>
+    </message>
+    <message>
+        <source>the signature is of other bytes</source>
+        <translation>la firma è di altri byte</translation>
+    </message>
+    <message>
+        <source>it is of build %1, the version file names %2</source>
+        <translation>è della versione %1, il file di versione indica %2</translation>
+    </message>
+    <message>
+        <source>as &quot;%1&quot;</source>
+        <translation>come «%1»</translation>
+    </message>
+    <message>
+        <source>for the game %1</source>
+        <translation>per il gioco %1</translation>
+    </message>
+    <message>
+        <source>for the platform %1</source>
+        <translation>per la piattaforma %1</translation>
+    </message>
+    <message>
+        <source>for the channel %1</source>
+        <translation>per il canale %1</translation>
+    </message>
+    <message>
+        <source>since %1</source>
+        <translation>da %1</translation>
+    </message>
+    <message>
+        <source>number %1 after number %2</source>
+        <translation>numero %1 dopo il numero %2</translation>
+    </message>
+    <message>
+        <source>it is no new key</source>
+        <translation>non è una chiave nuova</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no public key</source>
+        <translation>«%1» non è una chiave pubblica</translation>
     </message>
 </context>
 <context>
