@@ -57,7 +57,7 @@ QAbstractButton* DialogGame::Button(QString const& p_Text) const
         QString const text = button->text().remove(QLatin1Char('&'));
         if (button->isVisible() && text == p_Text)
             return button;
-        if (button->isVisible() && text.startsWith(p_Text + QLatin1Char(' ')))
+        if (button->isVisible() && text.startsWith(p_Text) && !text.at(p_Text.size()).isLetter())
             found = button;
     }
     return found;

@@ -1522,7 +1522,7 @@
     </message>
     <message>
         <source>Limit the &amp;rate to:</source>
-        <translation>&amp;Limitar la velocidad a:</translation>
+        <translation>Limi&amp;tar la velocidad a:</translation>
     </message>
     <message>
         <source> MiB/s</source>
