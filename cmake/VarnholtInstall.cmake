@@ -36,9 +36,7 @@ if(VARNHOLT_BUILD_TOOLS)
           DESTINATION ${destination} COMPONENT ${component})
     endforeach()
   endforeach()
-endif()
 
-if(TARGET varnholt-window)
   set(desktop Host/Window/Desktop/Files)
   install(FILES ${desktop}/varnholt-window.desktop
       DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT window)

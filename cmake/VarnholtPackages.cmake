@@ -34,8 +34,6 @@ if(VARNHOLT_BUILD_TOOLS)
   varnholt_add_package(publisher -publisher utils "" "Publisher of games for content servers"
       "Turns the folder of a game into files that any web server with byte
 ranges can serve.")
-endif()
-if(TARGET varnholt-window)
   varnholt_add_package(window -window utils "varnholt (= ${PROJECT_VERSION})" "Window of the games"
       "Shows the games of the modules that are installed, and installs, updates
 and starts them.")

@@ -3,11 +3,6 @@
 #include "Host/Cli/ConfigCommand.hpp"
 #include "Host/Cli/OptionText.hpp"
 
-#include <QDir>
-#include <QVariant>
-
-#include <algorithm>
-
 namespace Varnholt::Host {
 
 namespace {
@@ -57,23 +52,6 @@ CLI::Validator CheckOf(KeptOption const& p_Option)
                                       : p_Option.Fault(Text(p_Text)).toStdString();
             },
             choices.isEmpty() ? std::string() : '{' + choices.toStdString() + '}'};
-}
-
-/// Whether an option stands on the command line, where it is before the environment.
-QString OriginOf(std::string const& p_Option, int p_Count, char const* const* p_Arguments)
-{
-    bool const isArgument =
-        std::any_of(p_Arguments, p_Arguments + p_Count, [&](std::string const& p_Argument) {
-            return p_Argument.substr(0, p_Argument.find('=')) == p_Option;
-        });
-    return isArgument ? QStringLiteral("command line") : QStringLiteral("environment");
-}
-
-/// The session changes the current folder.
-QString Absolute(std::string const& p_Path)
-{
-    return p_Path.empty() ? QString()
-                          : QDir::cleanPath(QDir::current().absoluteFilePath(Text(p_Path)));
 }
 
 } // namespace
@@ -165,18 +143,30 @@ void CommandParser::AddRunCommands()
         "install ~/Games/Game",
         [this](Choice& p_Choice) {
             p_Choice.Request.Kind = RunRequest::Type::Install;
-            p_Choice.Request.Argument = Absolute(Folder);
+            p_Choice.Request.Argument = OptionText::Absolute(Text(Folder));
         })
         ->add_option("folder", Folder, "Folder of the game; created when it does not exist")
         ->required()
         ->check(NotEmpty())
         ->type_name("DIR");
+    AddCheckCommand();
+    Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
+    Add("repair", "Compare every file with the build, and fetch what differs", "repair",
+        run(RunRequest::Type::Repair));
+    Add("verify", "Compare every file with the build; changes nothing", "verify",
+        run(RunRequest::Type::Verify));
+    Add("mirrors", "Ask each mirror whether it is in order", "mirrors",
+        run(RunRequest::Type::AskMirrors));
+}
+
+void CommandParser::AddCheckCommand()
+{
     CLI::App* const check =
         Add("check", "Show what an update would fetch, and why; changes nothing", "check --quick",
             [this](Choice& p_Choice) {
                 p_Choice.Request.Kind =
                     Folder.empty() ? RunRequest::Type::Check : RunRequest::Type::PreviewInstall;
-                p_Choice.Request.Argument = Absolute(Folder);
+                p_Choice.Request.Argument = OptionText::Absolute(Text(Folder));
                 p_Choice.Request.Quick = Quick;
             });
     CLI::Option* const quick =
@@ -190,13 +180,6 @@ void CommandParser::AddRunCommands()
         ->excludes(quick)
         ->envname("VARNHOLT_INTO")
         ->type_name("DIR");
-    Add("update", "Fetch what is missing, damaged or new", "update", run(RunRequest::Type::Update));
-    Add("repair", "Compare every file with the build, and fetch what differs", "repair",
-        run(RunRequest::Type::Repair));
-    Add("verify", "Compare every file with the build; changes nothing", "verify",
-        run(RunRequest::Type::Verify));
-    Add("mirrors", "Ask each mirror whether it is in order", "mirrors",
-        run(RunRequest::Type::AskMirrors));
 }
 
 void CommandParser::AddLocaleCommands()
@@ -286,46 +269,6 @@ void CommandParser::AddControlCommands()
     Add("help", "Explain the program, or a command", "help install", [](Choice&) {})
         ->add_option("command", Topic, "The command to explain")
         ->type_name("COMMAND");
-}
-
-int CommandParser::TakeGameArguments(int p_Count, char const* const* p_Arguments)
-{
-    auto const* const end = p_Arguments + p_Count;
-    auto const is = [](std::string const& p_Word) {
-        return [p_Word](char const* p_Argument) { return p_Word == p_Argument; };
-    };
-    auto const* const mark = std::find_if(p_Arguments, end, is("--"));
-    if (std::none_of(p_Arguments, mark, is("play")))
-        return p_Count;
-    for (auto const* word = mark; word != end; ++word)
-        if (word != mark)
-            GameArguments += Text(*word);
-    return static_cast<int>(mark - p_Arguments);
-}
-
-Choice CommandParser::Parse(int p_Count, char const* const* p_Arguments)
-{
-    Program.parse(TakeGameArguments(p_Count, p_Arguments), p_Arguments);
-    if (Program.get_subcommands().empty())
-        throw CLI::RequiredError("A command");
-    Explain();
-    Choice choice;
-    choice.Chosen = Choice::Command::Run;
-    for (Command const& command : Commands)
-        if (command.App->parsed())
-            command.Choose(choice);
-    for (Value const& value : Kept)
-        if (value.Option->count() > 0)
-            choice.Given[value.Name] = {
-                value.Text.empty() ? QVariant(value.Flag).toString() // "true" or "false"
-                                   : Text(value.Text),
-                OriginOf("--" + value.Name.toStdString(), p_Count, p_Arguments)};
-    choice.Options.SettingsFile = Absolute(Settings);
-    choice.Request.Confirmed = Yes;
-    choice.Json = Json;
-    choice.Quiet = Quiet;
-    choice.Verbose = Verbose;
-    return choice;
 }
 
 } // namespace Varnholt::Host

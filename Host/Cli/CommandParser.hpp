@@ -48,6 +48,7 @@ private:
     void AddKeptOption(KeptOption const& p_Option);
     void RefusePassword();
     void AddRunCommands();
+    void AddCheckCommand();
     void AddLocaleCommands();
     void AddGameCommands();
     void AddControlCommands();

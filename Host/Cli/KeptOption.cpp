@@ -2,19 +2,11 @@
 
 #include "Host/Cli/OptionText.hpp"
 
-#include <QDir>
-
 #include <iterator>
 
 namespace Varnholt::Host {
 
 namespace {
-
-/// The session changes the current folder.
-QString Absolute(QString const& p_Name)
-{
-    return QDir::cleanPath(QDir::current().absoluteFilePath(p_Name));
-}
 
 bool IsTrue(QString const& p_Text)
 {
@@ -32,7 +24,7 @@ constexpr KeptOption c_Table[] = {
     {"module", "FILE", nullptr, "", false, "Module to load (default: the one beside this program)",
      nullptr,
      [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.ModuleFile = Absolute(p_Text);
+         p_Choice.Options.ModuleFile = OptionText::Absolute(p_Text);
      }},
     {"content-url", "URL", nullptr, "", true,
      "Content server instead of the module's own, http://HOST[:PORT]/ or https",
@@ -46,7 +38,7 @@ constexpr KeptOption c_Table[] = {
     {"netrc-file", "FILE", nullptr, "~/.netrc", true,
      "Users and passwords at servers that it names (default: ~/.netrc)", OptionText::WhyNotReadable,
      [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.NetrcFile = Absolute(p_Text);
+         p_Choice.Options.NetrcFile = OptionText::Absolute(p_Text);
      }},
     {"limit-rate", "RATE", nullptr, "0", true,
      "Bytes per second that content may arrive with, such as 500k, 2M or 1.5MiB (default: 0, no "
@@ -76,7 +68,9 @@ constexpr KeptOption c_Table[] = {
     {"ca-file", "FILE", nullptr, "", true,
      "Certificates of the authorities to trust, in PEM form (default: the system's)",
      OptionText::WhyNotCertificates,
-     [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.CaFile = Absolute(p_Text); }},
+     [](Choice& p_Choice, QString const& p_Text) {
+         p_Choice.Options.CaFile = OptionText::Absolute(p_Text);
+     }},
     {"proxy", "URL", nullptr, "", true,
      "Proxy to all servers, [SCHEME://]HOST[:PORT] (default: what the environment names)",
      OptionText::WhyNotProxy,
@@ -108,7 +102,9 @@ constexpr KeptOption c_Table[] = {
          p_Choice.Options.Wrapper = OptionText::Words(p_Text).value_or(QStringList());
      }},
     {"log-file", "FILE", nullptr, "", false, "Append the module's log to a file", nullptr,
-     [](Choice& p_Choice, QString const& p_Text) { p_Choice.LogFile = Absolute(p_Text); }},
+     [](Choice& p_Choice, QString const& p_Text) {
+         p_Choice.LogFile = OptionText::Absolute(p_Text);
+     }},
     {"color", "WHEN", "auto,always,never", "auto", false,
      "Colours: auto, always or never (default: auto)", nullptr,
      [](Choice& p_Choice, QString const& p_Text) { p_Choice.Colors = ColorsNamed(p_Text); }},

@@ -3,6 +3,7 @@
 #include "Host/Core/Settings/HostOptions.hpp"
 #include "Signing/PublicKey.hpp"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -242,6 +243,11 @@ QString WhyNotCertificates(QString const& p_File)
     if (header.match(QString::fromLatin1(file.readAll())).hasMatch())
         return {};
     return QStringLiteral("the file %1 holds no certificate in PEM form").arg(p_File);
+}
+
+QString Absolute(QString const& p_Name)
+{
+    return p_Name.isEmpty() ? QString() : QDir::cleanPath(QDir::current().absoluteFilePath(p_Name));
 }
 
 QString Hidden(QString p_Text)

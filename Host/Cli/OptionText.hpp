@@ -41,6 +41,10 @@ QString WhyNotTrustKey(QString const& p_Text);
 /// Of the name of a file with certificates.
 QString WhyNotCertificates(QString const& p_File);
 
+/// The absolute name of a file, since the session changes the current folder; empty of an empty
+/// one.
+QString Absolute(QString const& p_Name);
+
 /// A text to be told, with "***" for what may be user and password before an "@" in it.
 QString Hidden(QString p_Text);
 

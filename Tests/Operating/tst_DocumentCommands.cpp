@@ -76,11 +76,10 @@ std::vector<Elsewhere> const c_Elsewhere{
     {"scripts/lint", ".ci/run", "scripts/lint"},
     {"scripts/fuzz", ".ci/run", "scripts/fuzz --seconds"},
     {"scripts/faults", "Tests/Faults/CMakeLists.txt", "varnholt-faults"},
-    {"scripts/bench", "scripts/bench", "Benchmarks/$name"},
     {"cmake --install", "Tests/Packaging/tst_InstallationTree.cpp", "\"--install\""},
 };
 
-/// Presets are looked up, not built.
+/// Presets are looked up, not built; rows of benchmarks, which take minutes, likewise.
 QString WithoutBuilding(QString p_Command)
 {
     static QRegularExpression const c_Tests("ctest --preset (\\w+)(.*)$");
@@ -88,6 +87,9 @@ QString WithoutBuilding(QString p_Command)
 
     p_Command.replace(c_Tests, "ctest --list-presets | grep '\"\\1\"' && ctest --test-dir "
                                "'" VARNHOLT_BUILD_FOLDER "' -N\\2 | grep 'Total Tests: [1-9]'");
+    p_Command.replace(QRegularExpression("^scripts/bench (.*)"),
+                      "for row in \\1; do grep -E \"^ +([a-z0-9-]+ \\| )*$row( \\| "
+                      "[a-z0-9-]+)*\\) echo\" scripts/bench || exit; done");
     return p_Command.replace(c_Build, "\\1 --list-presets | grep '\"\\2\"'");
 }
 

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void AMovedInstallationWorks();
     void ThePublisherRuns();
     void PagesAndCompletionsStandWhereTheyAreLookedFor();
+    void ADesktopFindsTheWindow();
     void TheDocumentsAreThere();
     void NothingElseIsInstalled();
     void AProjectThatEmbedsTheModuleInstallsNothingOfIt();
@@ -91,6 +92,21 @@ void InstallationTreeTest::PagesAndCompletionsStandWhereTheyAreLookedFor()
     QString const module =
         QDir(Path(VARNHOLT_PROGRAMS_FOLDER, "")).relativeFilePath(Path(VARNHOLT_MODULE_FOLDER, ""));
     QVERIFY2(page.contains(module), qPrintable(module));
+}
+
+void InstallationTreeTest::ADesktopFindsTheWindow()
+{
+    auto const installed = [this](char const* p_File) {
+        return ReadFile(Path(VARNHOLT_DATA_FOLDER, p_File));
+    };
+    QByteArray const entry = installed("applications/varnholt-window.desktop");
+    QVERIFY(entry.contains("\nExec=varnholt-window\n"));
+    QVERIFY(entry.contains("\nIcon=varnholt-window\n"));
+    QVERIFY(installed("icons/hicolor/scalable/apps/varnholt-window.svg").contains("<svg"));
+    QVERIFY(installed("icons/hicolor/128x128/apps/varnholt-window.png").startsWith("\x89PNG"));
+    QVERIFY(installed("metainfo/net.varnholt.window.metainfo.xml")
+                .contains("<launchable type=\"desktop-id\">varnholt-window.desktop<"));
+    QVERIFY(QFileInfo(Path(VARNHOLT_PROGRAMS_FOLDER, "varnholt-window")).isExecutable());
 }
 
 void InstallationTreeTest::TheDocumentsAreThere()

@@ -1,6 +1,7 @@
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/MoveWatch.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
+#include "Tests/Publisher/SigningKeys.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
@@ -12,6 +13,7 @@ class PublicationCommitTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void TheVersionFileChangesLastAndInOneStep_data();
     void TheVersionFileChangesLastAndInOneStep();
     void AReaderOfTheOldVersionFileKeepsIt();
     void WhatCannotBeReplacedTakesEverythingBack_data();
@@ -22,9 +24,19 @@ private Q_SLOTS:
     void APublishedBuildNeverChanges();
 };
 
+void PublicationCommitTest::TheVersionFileChangesLastAndInOneStep_data()
+{
+    QTest::addColumn<bool>("isSigned");
+    QTest::newRow("unsigned") << false;
+    QTest::newRow("each right behind its signature") << true;
+}
+
 void PublicationCommitTest::TheVersionFileChangesLastAndInOneStep()
 {
+    QFETCH(bool, isSigned);
     PublishedGame game;
+    if (isSigned)
+        game.Options.Signing = SigningKeys().Options();
     game.Options.Hosts = QStringList("old");
     game.Publish();
     game.Put("Data/new", "new content");
@@ -37,10 +49,14 @@ void PublicationCommitTest::TheVersionFileChangesLastAndInOneStep()
     MoveWatch watch(game.Options.Output,
                     {"", "pelmora_app/", "pelmora_app/builds/build_2/", content.left(21)});
     game.Publish("build_2");
-    QCOMPARE(watch.Changes(),
-             QStringList({"moved " + content, "moved pelmora_app/builds/build_2/info.json",
-                          "moved cdns.info", "moved pelmora_app/realmlist.info",
-                          "moved pelmora_app/version.json"}));
+    QStringList expected{"moved " + content};
+    for (QString const path : {"pelmora_app/builds/build_2/info.json", "cdns.info",
+                               "pelmora_app/realmlist.info", "pelmora_app/version.json"}) {
+        if (isSigned)
+            expected += "moved " + path + ".minisig";
+        expected += "moved " + path;
+    }
+    QCOMPARE(watch.Changes(), expected);
 }
 
 void PublicationCommitTest::AReaderOfTheOldVersionFileKeepsIt()

@@ -146,12 +146,13 @@ void TreeSignerTest::EveryChangeHasTheNextNumber()
 
 void TreeSignerTest::AnEndIsThatOfWhatIsCurrentOnly()
 {
-    QCOMPARE(ChangeRealmList(Keys.Options(3)), QString());
+    Game->Options.Signing = Keys.Options(3);
+    Game->Publish("build_2");
     for (QString const& path : {c_Version, c_RealmList, c_Hosts}) {
         auto const comment = CommentAt(path);
         QVERIFY(comment.Expires && *comment.Expires == comment.Time.addDays(3));
     }
-    QVERIFY(!CommentAt(c_Manifest).Expires);
+    QVERIFY(!CommentAt("pelmora_app/builds/build_2/info.json").Expires);
 }
 
 void TreeSignerTest::AnUnsignedChangeOfASignedTreeIsRefused_data()
@@ -204,7 +205,8 @@ void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned_data()
     QTest::addColumn<QString>("Path");
     QTest::addColumn<QByteArray>("Content");
     QTest::newRow("version") << c_Version << QByteArray("{\"build\": \"build_1\" }");
-    QTest::newRow("manifest") << c_Manifest << QByteArray("{}");
+    QTest::newRow("manifest") << c_Manifest
+                              << QByteArray(R"({"content":{"base_mac":[]},"streamed_content":[]})");
     QTest::newRow("hosts") << c_Hosts << QByteArray("evil");
     QTest::newRow("another signature") << c_Hosts + ".minisig" << QByteArray("none");
 }
@@ -216,7 +218,9 @@ void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned()
     QVERIFY(WriteFile(At(Path), Content));
     Tree const before = TreeOf(Game->Options.Output);
     QString const document = QString(Path).remove(".minisig");
-    QVERIFY(ChangeRealmList(Keys.Options()).startsWith(At(document) + ": "));
+    QString const failure = ChangeRealmList(Keys.Options());
+    QVERIFY2(failure.startsWith(At(document) + ": ") && failure.contains("varnholt-publish sign"),
+             qPrintable(failure));
     QCOMPARE(TreeOf(Game->Options.Output), before);
 }
 

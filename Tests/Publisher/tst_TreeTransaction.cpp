@@ -17,10 +17,13 @@
 #include <unistd.h>
 
 static bool g_FlushFails = false;
+static std::function<void()> g_OnFlush;
 
 /// Takes the place of the system's.
 extern "C" int syncfs(int p_File)
 {
+    if (g_OnFlush)
+        g_OnFlush();
     if (!g_FlushFails)
         return static_cast<int>(::syscall(SYS_syncfs, p_File));
     errno = EIO;
@@ -44,6 +47,7 @@ private Q_SLOTS:
     void AFailedCommitBringsBackWhatWasReplaced();
     void AFailedCommitRemovesTheFoldersItMade();
     void ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack();
+    void NothingTakesTimeBetweenWhatGoesTogether();
     void ASecondTransactionIsRefusedAndHarmsNothing();
     void TheLockOfADeadProgramKeepsNobodyOut_data();
     void TheLockOfADeadProgramKeepsNobodyOut();
@@ -144,6 +148,23 @@ void TreeTransactionTest::ADiskThatDoesNotTakeWhatWasWrittenTakesEverythingBack(
         g_FlushFails = false;
     }
     QCOMPARE(TreeOf(Root), (Tree{{"old", "old"}}));
+#endif
+}
+
+void TreeTransactionTest::NothingTakesTimeBetweenWhatGoesTogether()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("this system's flush reports nothing");
+#else
+    QList<int> files; // in place whenever the disk is waited for
+    g_OnFlush = [&] { files += static_cast<int>(ForClients(TreeOf(Root)).size()); };
+    TreeTransaction tree(Root);
+    tree.AddText("list", Path("list"));
+    tree.AddTextWithNext("signature", Path("text.minisig"));
+    tree.AddText("text", Path("text"));
+    tree.Commit();
+    g_OnFlush = {};
+    QCOMPARE(files, QList<int>({0, 1, 3}));
 #endif
 }
 

@@ -1,5 +1,7 @@
+#include "Host/Window/Desktop/Language.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
 #include "Host/Window/Style/ElidedLabel.hpp"
+#include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestMain.hpp"
 #include "Tests/Window/PageStates.hpp"
@@ -8,7 +10,6 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
-#include <QTranslator>
 
 namespace Varnholt::TestSupport {
 
@@ -24,6 +25,7 @@ class PageLookTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase();
+    void cleanup() { QLocale::setDefault(QLocale::c()); }
 
     void TextsCanBeReadOnAnyPicture_data();
     void TextsCanBeReadOnAnyPicture();
@@ -40,17 +42,6 @@ private:
 };
 
 namespace {
-
-/// A language that needs a third more room than English.
-class LongTexts : public QTranslator {
-public:
-    QString translate(char const*, char const* p_Text, char const*, int) const override
-    {
-        QString const text = QString::fromUtf8(p_Text);
-        return text + ' ' + QString(text.size() / 3, 'e');
-    }
-    bool isEmpty() const override { return false; }
-};
 
 /// The least contrast of a text to what is behind it.
 double ContrastOn(QImage const& p_Ground, QRect const& p_Area, QColor const& p_Text)
@@ -188,20 +179,20 @@ void PageLookTest::EachThemeGivesColorsThatCanBeRead()
 void PageLookTest::NothingIsClipped_data()
 {
     QTest::addColumn<QSize>("Size"); // of the page: the column of games is 80 wide
-    QTest::addColumn<bool>("IsLong");
-    AddRow("1024 x 640", QSize(944, 640), false);
-    AddRow("1024 x 640, longer language", QSize(944, 640), true);
-    AddRow("1920 x 1080 at 200 %", QSize(880, 540), false);
-    AddRow("1920 x 1080 at 200 %, longer language", QSize(880, 540), true);
+    QTest::addColumn<QString>("Code");
+    for (auto const& language : Launcher::LauncherLocale::Available()) {
+        QString const& code = language.Code;
+        AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code);
+        AddRow(qPrintable(code + " at 1920 x 1080, 200 %"), QSize(880, 540), code);
+    }
 }
 
 void PageLookTest::NothingIsClipped()
 {
     QFETCH(QSize, Size);
-    QFETCH(bool, IsLong);
-    LongTexts language;
-    if (IsLong)
-        QCoreApplication::installTranslator(&language);
+    QFETCH(QString, Code);
+    Host::Language language;
+    language.Use(Code);
     for (auto const& state : States()) {
         Host::GamePage page(Card);
         page.resize(Size);

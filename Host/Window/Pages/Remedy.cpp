@@ -83,6 +83,13 @@ std::vector<RemedyRow> const& RemedyTable::Rows()
         {FailureKind::GameFailed,
          {Command::ShowOutput, Command::Check},
          QT_TR_NOOP("look there for the cause, or check the game's files")},
+        {FailureKind::KeyWrong,
+         {Command::Settings, Command::TryAgain},
+         QT_TR_NOOP("compare the key in the settings with the one that the publisher has made "
+                    "known")},
+        {FailureKind::GameUnverified,
+         {Command::Check, Command::Repair},
+         QT_TR_NOOP("check the game's files, and repair it when a difference is found")},
         {FailureKind::FilesNotRemoved, {Command::OpenFolder}},
         {FailureKind::UpdateAvailable, {Command::Update}, QT_TR_NOOP("update the game")},
         {FailureKind::FilesWrong,

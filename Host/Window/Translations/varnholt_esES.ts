@@ -1273,6 +1273,14 @@
         <translation>busque ahí la causa, o compruebe los archivos del juego</translation>
     </message>
     <message>
+        <source>compare the key in the settings with the one that the publisher has made known</source>
+        <translation>compare la clave de los ajustes con la que el editor ha dado a conocer</translation>
+    </message>
+    <message>
+        <source>check the game&apos;s files, and repair it when a difference is found</source>
+        <translation>compruebe los archivos del juego, y repárelo si se encuentra una diferencia</translation>
+    </message>
+    <message>
         <source>update the game</source>
         <translation>actualice el juego</translation>
     </message>

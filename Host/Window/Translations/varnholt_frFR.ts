@@ -1273,6 +1273,14 @@
         <translation>cherchez-y la cause, ou vérifiez les fichiers du jeu</translation>
     </message>
     <message>
+        <source>compare the key in the settings with the one that the publisher has made known</source>
+        <translation>comparez la clé des réglages avec celle que l&apos;éditeur a fait connaître</translation>
+    </message>
+    <message>
+        <source>check the game&apos;s files, and repair it when a difference is found</source>
+        <translation>vérifiez les fichiers du jeu, et réparez-le si une différence est trouvée</translation>
+    </message>
+    <message>
         <source>update the game</source>
         <translation>mettez le jeu à jour</translation>
     </message>
