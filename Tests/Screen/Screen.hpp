@@ -26,6 +26,8 @@ public:
 
     /// The visible window whose title matches a regular expression; 0: there is none.
     qulonglong Window(QString const& p_Title) const;
+    /// How many windows are visible, menus among them.
+    int Windows() const;
     /// Waits for it and gives it the keyboard. \return false when it never came
     [[nodiscard]] bool Focus(QString const& p_Title) const;
     /// \param p_Keys such as "alt+i"

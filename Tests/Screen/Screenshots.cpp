@@ -14,6 +14,7 @@ class Screenshots : public QObject {
 private Q_SLOTS:
     void All_data();
     void All();
+    void ForDocuments();
 
 private:
     void Begin();
@@ -61,6 +62,28 @@ void Screenshots::All()
     Game.reset();
 }
 
+/// Of a game that is large enough to look at.
+void Screenshots::ForDocuments()
+{
+    constexpr int c_Bytes = 60'000'000;
+
+    Prefix = qEnvironmentVariable("VARNHOLT_SCREENSHOTS", ".") + "/documents-";
+    Size = {1024, 640};
+    Game = std::make_unique<ScreenGame>(Size);
+    Game->Content.Add({"Data/common.MPQ", SampleContent::Bytes(c_Bytes)});
+    Game->Publish();
+    Game->Server.Script("GET " + Game->Content.ServerPath("Data/common.MPQ"))
+        .Always(Answer::Drip(20'000, 15));
+    QVERIFY(Game->Open());
+    Take("window-new");
+    PressPrimary();
+    Take("window-install");
+    Game->On().Press({"Return"});
+    QVERIFY(Game->WaitForTitle("6[0-9] % – " + Name));
+    Take("window");
+    Game.reset();
+}
+
 void Screenshots::Take(QString const& p_State)
 {
     QVERIFY2(Game->WaitUntil([this] { return Game->On().Picture() != Last; }), qPrintable(p_State));
@@ -93,6 +116,7 @@ void Screenshots::Begin()
     TakeOpened("11-menu", {"F10"});
     QVERIFY(Game->Press(Name, {"F10"}));
     Game->On().Press({"Up", "Return"}); // the settings: what follows them is for a game
+    QVERIFY(Game->WaitUntil([&] { return Game->On().Windows() == 2; }));
     Take("12-settings");
     Game->On().Press({"Escape"});
 }

@@ -1043,7 +1043,7 @@
     </message>
     <message>
         <source>Show &amp;files</source>
-        <translation>Mostrar los &amp;archivos</translation>
+        <translation>Mostrar los arc&amp;hivos</translation>
     </message>
     <message>
         <source>Show &amp;output</source>
