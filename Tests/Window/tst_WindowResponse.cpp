@@ -23,8 +23,12 @@ private Q_SLOTS:
     void OneThatIsKeptInTheTrayGoesOn();
 
 private:
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+    static constexpr qint64 c_Most = 250; ///< milliseconds; everything takes several times as long
+#else
     static constexpr qint64 c_Most = 50; ///< milliseconds
-    static constexpr int c_Busy = 400;   ///< milliseconds in which the module does nothing else
+#endif
+    static constexpr int c_Busy = 400; ///< milliseconds in which the module does nothing else
 };
 
 #define VERIFY_ANSWERED(p_Watch)                                                                   \
@@ -40,11 +44,10 @@ void WindowResponseTest::DuringAnInstallationFromASilentServer()
     game.Install();
     QVERIFY(
         game.WaitUntil([&] { return game.State().Snapshot.Phase == RunPhase::DownloadingBase; }));
-    QVERIFY(game.WaitUntil(
-        [&] { return game.State().Snapshot.Wait && game.State().Snapshot.Wait->Silent >= 1; }));
+    int const before = watch.Ticks();
+    QVERIFY(game.WaitUntil([&] { return watch.Ticks() > before + 100; }));
     game.Server.OpenGate(gate);
     QVERIFY(game.WaitForPrimary("Play"));
-    QVERIFY(watch.Ticks() > 100);
     VERIFY_ANSWERED(watch);
 }
 

@@ -66,10 +66,12 @@ Q_SIGNALS:
     void Closed();
 
 private:
+    // _Session
     void OpenChosen();
     void Listen();
     void LetGo();
     void OnClosed();
+
     void OnStatus(InstallStatus const& p_Status);
     void OnEnded(quint64 p_Id, RunResult const& p_Result);
     void OnGameEnded(GameEnd const& p_End);

@@ -31,6 +31,8 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
 {
     Empty->setAlignment(Qt::AlignCenter);
     Empty->setWordWrap(true);
+    Empty->setStyleSheet(
+        QStringLiteral("background: #14171c; color: #d7dce2; font-size: 15px; padding: 48px;"));
     Pages->addWidget(Empty);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -124,8 +126,7 @@ void MainWindow::Refresh()
 
 void MainWindow::Translate()
 {
-    setWindowTitle(Shown == nullptr ? tr("Games")
-                                    : WindowTitle(Shown->Card().Name, Games.State()));
+    setWindowTitle(Shown == nullptr ? tr("Games") : WindowTitle(Shown->Card().Name, Games.State()));
     if (!HasLooked)
         Empty->setText(tr("Looking for games…"));
     else

@@ -8,7 +8,7 @@ namespace {
 
 using Type = RunRequest::Type;
 
-struct Texts {
+struct RunTexts {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::RunText)
 };
 
@@ -18,27 +18,27 @@ QString Begun(RunRequest const& p_Request)
 {
     switch (p_Request.Kind) {
     case Type::Install:
-        return Texts::tr("The installation into %1 begins.").arg(p_Request.Argument);
+        return RunTexts::tr("The installation into %1 begins.").arg(p_Request.Argument);
     case Type::Update:
-        return Texts::tr("The update begins.");
+        return RunTexts::tr("The update begins.");
     case Type::Repair:
-        return Texts::tr("The repair begins.");
+        return RunTexts::tr("The repair begins.");
     case Type::Check:
     case Type::Verify:
-        return Texts::tr("The check begins.");
+        return RunTexts::tr("The check begins.");
     case Type::Uninstall:
-        return Texts::tr("The game is being uninstalled.");
+        return RunTexts::tr("The game is being uninstalled.");
     case Type::Play:
-        return Texts::tr("The game is being started.");
+        return RunTexts::tr("The game is being started.");
     case Type::ChooseLocale:
-        return Texts::tr("The game's language is being changed.");
+        return RunTexts::tr("The game's language is being changed.");
     case Type::AskMirrors:
     case Type::PreviewInstall:
     case Type::PreviewUninstall:
     case Type::ListLocales:
         break;
     }
-    return Texts::tr("The servers are being asked.");
+    return RunTexts::tr("The servers are being asked.");
 }
 
 QString Done(RunRequest const& p_Request, RunResult const& p_Result)
@@ -47,24 +47,24 @@ QString Done(RunRequest const& p_Request, RunResult const& p_Result)
     case Type::Install:
     case Type::Update:
     case Type::Repair:
-        return Texts::tr("The game is complete: %1.").arg(p_Result.BuildText());
+        return RunTexts::tr("The game is complete: %1.").arg(p_Result.BuildText());
     case Type::Check:
-        return Texts::tr("The game is up to date: %1.").arg(p_Result.BuildText());
+        return RunTexts::tr("The game is up to date: %1.").arg(p_Result.BuildText());
     case Type::Verify:
-        return Texts::tr("Every file of the game is right.");
+        return RunTexts::tr("Every file of the game is right.");
     case Type::Uninstall:
-        return Texts::tr("The game is uninstalled.");
+        return RunTexts::tr("The game is uninstalled.");
     case Type::Play:
-        return Texts::tr("The game was started.");
+        return RunTexts::tr("The game was started.");
     case Type::ChooseLocale:
-        return Texts::tr("The game's language is changed; an update fetches its files.");
+        return RunTexts::tr("The game's language is changed; an update fetches its files.");
     case Type::AskMirrors:
     case Type::PreviewInstall:
     case Type::PreviewUninstall:
     case Type::ListLocales:
         break;
     }
-    return Texts::tr("The servers have answered.");
+    return RunTexts::tr("The servers have answered.");
 }
 
 QString Sentence(Failure const& p_Failure)

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int c_IconSide = 56;
 
-constexpr char c_Sheet[] =
+constexpr char c_ButtonSheet[] =
     "QToolButton { background: transparent; border: none; border-left: 3px solid transparent;"
     " border-radius: 0; padding: 6px 9px 6px 6px; }"
     "QToolButton:hover { background: rgba(255, 255, 255, 24); }"
@@ -38,7 +38,7 @@ QPixmap Initial(QString const& p_Name, bool p_IsSelected)
     return pixmap;
 }
 
-QPixmap Picture(QImage const& p_Icon, QString const& p_Name, bool p_IsSelected)
+QPixmap PictureOf(QImage const& p_Icon, QString const& p_Name, bool p_IsSelected)
 {
     return p_Icon.isNull() ? Initial(p_Name, p_IsSelected) : QPixmap::fromImage(p_Icon);
 }
@@ -74,9 +74,9 @@ GameColumn::GameColumn(QWidget* p_Parent)
 void GameColumn::Add(ModuleCard const& p_Card)
 {
     auto* const button = new QToolButton;
-    QIcon icon(Picture(p_Card.Icon, p_Card.Name, false));
-    icon.addPixmap(Picture(p_Card.SelectedIcon.isNull() ? p_Card.Icon : p_Card.SelectedIcon,
-                           p_Card.Name, true),
+    QIcon icon(PictureOf(p_Card.Icon, p_Card.Name, false));
+    icon.addPixmap(PictureOf(p_Card.SelectedIcon.isNull() ? p_Card.Icon : p_Card.SelectedIcon,
+                             p_Card.Name, true),
                    QIcon::Normal, QIcon::On);
     button->setIcon(icon);
     button->setIconSize({c_IconSide, c_IconSide});
@@ -84,7 +84,7 @@ void GameColumn::Add(ModuleCard const& p_Card)
     button->setToolTip(p_Card.Name);
     button->setAccessibleName(p_Card.Name);
     button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    button->setStyleSheet(QString::fromLatin1(c_Sheet).arg(p_Card.Palette.Accent.name()));
+    button->setStyleSheet(QString::fromLatin1(c_ButtonSheet).arg(p_Card.Palette.Accent.name()));
     Buttons.addButton(button);
     Column->insertWidget(Column->count() - 1, button);
     QString const file = p_Card.File;

@@ -6,7 +6,7 @@ namespace Varnholt::Host {
 
 namespace {
 
-struct Texts {
+struct CommandTexts {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::PageCommand)
 };
 
@@ -16,46 +16,46 @@ QString CommandText(PageCommand p_Command)
 {
     switch (p_Command) {
     case PageCommand::Install:
-        return Texts::tr("&Install");
+        return CommandTexts::tr("&Install");
     case PageCommand::Continue:
     case PageCommand::Resume:
-        return Texts::tr("&Continue");
+        return CommandTexts::tr("&Continue");
     case PageCommand::Update:
-        return Texts::tr("&Update");
+        return CommandTexts::tr("&Update");
     case PageCommand::Play:
-        return Texts::tr("&Play");
+        return CommandTexts::tr("&Play");
     case PageCommand::TryAgain:
-        return Texts::tr("&Try again");
+        return CommandTexts::tr("&Try again");
     case PageCommand::Pause:
-        return Texts::tr("P&ause");
+        return CommandTexts::tr("P&ause");
     case PageCommand::Stop:
-        return Texts::tr("S&top");
+        return CommandTexts::tr("S&top");
     case PageCommand::Check:
-        return Texts::tr("&Check files");
+        return CommandTexts::tr("&Check files");
     case PageCommand::Repair:
-        return Texts::tr("&Repair");
+        return CommandTexts::tr("&Repair");
     case PageCommand::StopRepair:
-        return Texts::tr("Stop r&epair");
+        return CommandTexts::tr("Stop r&epair");
     case PageCommand::ChooseFolder:
-        return Texts::tr("Choose another &folder…");
+        return CommandTexts::tr("Choose another &folder…");
     case PageCommand::OpenFolder:
-        return Texts::tr("&Open folder");
+        return CommandTexts::tr("&Open folder");
     case PageCommand::ShowFiles:
-        return Texts::tr("Show &files");
+        return CommandTexts::tr("Show &files");
     case PageCommand::ShowOutput:
-        return Texts::tr("Show &output");
+        return CommandTexts::tr("Show &output");
     case PageCommand::ShowLog:
-        return Texts::tr("Show &log");
+        return CommandTexts::tr("Show &log");
     case PageCommand::ShowHistory:
-        return Texts::tr("&History");
+        return CommandTexts::tr("&History");
     case PageCommand::CopyDiagnosis:
-        return Texts::tr("Copy &diagnosis");
+        return CommandTexts::tr("Copy &diagnosis");
     case PageCommand::ChooseLanguage:
-        return Texts::tr("La&nguage");
+        return CommandTexts::tr("La&nguage");
     case PageCommand::Settings:
-        return Texts::tr("&Settings…");
+        return CommandTexts::tr("&Settings…");
     case PageCommand::Uninstall:
-        return Texts::tr("&Uninstall…");
+        return CommandTexts::tr("&Uninstall…");
     }
     return {};
 }

@@ -8,7 +8,7 @@ namespace {
 
 using Type = RunRequest::Type;
 
-struct Texts {
+struct ActionTexts {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::PrimaryAction)
 };
 
@@ -26,18 +26,18 @@ QString JobText(Type p_Kind)
 {
     switch (p_Kind) {
     case Type::Install:
-        return Texts::tr("Installing");
+        return ActionTexts::tr("Installing");
     case Type::Update:
-        return Texts::tr("Updating");
+        return ActionTexts::tr("Updating");
     case Type::Repair:
-        return Texts::tr("Repairing");
+        return ActionTexts::tr("Repairing");
     case Type::Check:
     case Type::Verify:
-        return Texts::tr("Checking");
+        return ActionTexts::tr("Checking");
     case Type::Uninstall:
-        return Texts::tr("Uninstalling");
+        return ActionTexts::tr("Uninstalling");
     case Type::Play:
-        return Texts::tr("Starting");
+        return ActionTexts::tr("Starting");
     case Type::AskMirrors:
     case Type::PreviewInstall:
     case Type::PreviewUninstall:
@@ -45,7 +45,7 @@ QString JobText(Type p_Kind)
     case Type::ChooseLocale:
         break;
     }
-    return Texts::tr("One moment");
+    return ActionTexts::tr("One moment");
 }
 
 /// Whether a problem is one that the same request may not have the next time.
@@ -72,12 +72,12 @@ PrimaryAction PrimaryAction::Of(GameState const& p_State)
         return p_State.IsPaused ? Pressed(PageCommand::Resume)
                                 : Telling(JobText(p_State.Job->Kind));
     if (p_State.IsGameRunning)
-        return Telling(Texts::tr("Playing"));
+        return Telling(ActionTexts::tr("Playing"));
     if (p_State.Session == GameState::Stage::Opening || !p_State.Status)
-        return Telling(Texts::tr("One moment"));
+        return Telling(ActionTexts::tr("One moment"));
     InstallStatus const& status = *p_State.Status;
     if (status.Download)
-        return Telling(Texts::tr("In use"));
+        return Telling(ActionTexts::tr("In use"));
     if (IsRepeated(p_State) || (status.IsInstalled && !status.FolderExists))
         return Pressed(PageCommand::TryAgain);
     if (!status.IsInstalled)

@@ -5,6 +5,7 @@
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
+#include <QVariant>
 
 namespace Varnholt::Host {
 

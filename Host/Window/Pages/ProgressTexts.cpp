@@ -12,7 +12,7 @@ namespace Varnholt::Host {
 
 namespace {
 
-struct Texts {
+struct FigureTexts {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::ProgressTexts)
 };
 
@@ -43,7 +43,7 @@ QString RateOf(RunSnapshot const& p_Snapshot)
 {
     if (p_Snapshot.Rate == 0)
         return {};
-    return (Reads(p_Snapshot.Phase) ? Texts::tr("checks %1/s") : Texts::tr("%1/s"))
+    return (Reads(p_Snapshot.Phase) ? FigureTexts::tr("checks %1/s") : FigureTexts::tr("%1/s"))
         .arg(ProgressTexts::Size(p_Snapshot.Rate));
 }
 
@@ -59,24 +59,25 @@ ProgressTexts ProgressTexts::Of(RunSnapshot const& p_Snapshot, std::optional<qin
     texts.Phase = RunText::Capitalized(PhaseText(p_Snapshot.Phase));
     if (p_IsPaused)
         texts.Phase = p_Snapshot.IsHeld || p_Snapshot.Phase == RunPhase::Suspended
-                          ? Texts::tr("Paused")
-                          : Texts::tr("Pausing…");
+                          ? FigureTexts::tr("Paused")
+                          : FigureTexts::tr("Pausing…");
     texts.Permille = PermilleOf(p_Snapshot);
     if (texts.Permille >= 0)
-        texts.Percent = Texts::tr("%1 %").arg(locale.toString(texts.Permille / c_PerPercent));
+        texts.Percent = FigureTexts::tr("%1 %").arg(locale.toString(texts.Permille / c_PerPercent));
     bool const moves = Reads(p_Snapshot.Phase) || IsDownloading(p_Snapshot.Phase);
     QString bytes;
     if (p_Snapshot.BytesTotal > 0) {
-        bytes = Texts::tr("%1 of %2").arg(Size(p_Snapshot.BytesDone), Size(p_Snapshot.BytesTotal));
+        bytes = FigureTexts::tr("%1 of %2")
+                    .arg(Size(p_Snapshot.BytesDone), Size(p_Snapshot.BytesTotal));
         if (moves && !p_IsPaused)
-            texts.Left = p_Left ? Texts::tr("%1 left").arg(Duration(*p_Left))
-                                : Texts::tr("time left not known yet");
+            texts.Left = p_Left ? FigureTexts::tr("%1 left").arg(Duration(*p_Left))
+                                : FigureTexts::tr("time left not known yet");
     }
     texts.Amount =
         RunText::Capitalized(Joined({bytes, p_IsPaused ? QString() : RateOf(p_Snapshot)}));
     if (p_Snapshot.FileNumber > 0)
         texts.Count =
-            Texts::tr("File %1 of %2")
+            FigureTexts::tr("File %1 of %2")
                 .arg(locale.toString(p_Snapshot.FileNumber), locale.toString(p_Snapshot.FileCount));
     texts.File = p_Snapshot.File;
     return texts;
@@ -84,18 +85,18 @@ ProgressTexts ProgressTexts::Of(RunSnapshot const& p_Snapshot, std::optional<qin
 
 QString ProgressTexts::WaitText(ServerWait const& p_Wait)
 {
-    QString const silent =
-        Texts::tr("Nothing has come from %1 for %2.").arg(p_Wait.Server, Duration(p_Wait.Silent));
+    QString const silent = FigureTexts::tr("Nothing has come from %1 for %2.")
+                               .arg(p_Wait.Server, Duration(p_Wait.Silent));
     if (!p_Wait.IsRetry())
         return silent;
-    QString const number = p_Wait.Attempts > 0 ? Texts::tr("Attempt %1 of %2")
+    QString const number = p_Wait.Attempts > 0 ? FigureTexts::tr("Attempt %1 of %2")
                                                      .arg(QLocale().toString(p_Wait.Attempt),
                                                           QLocale().toString(p_Wait.Attempts))
-                                               : Texts::tr("Attempt %1").arg(p_Wait.Attempt);
-    return p_Wait.NextAttempt > 0
-               ? Texts::tr("%1 %2 in %n second(s).", nullptr, static_cast<int>(p_Wait.NextAttempt))
-                     .arg(silent, number)
-               : Texts::tr("%1 %2 is under way.").arg(silent, number);
+                                               : FigureTexts::tr("Attempt %1").arg(p_Wait.Attempt);
+    return p_Wait.NextAttempt > 0 ? FigureTexts::tr("%1 %2 in %n second(s).", nullptr,
+                                                    static_cast<int>(p_Wait.NextAttempt))
+                                        .arg(silent, number)
+                                  : FigureTexts::tr("%1 %2 is under way.").arg(silent, number);
 }
 
 QString ProgressTexts::Size(quint64 p_Bytes)
@@ -114,11 +115,11 @@ QString ProgressTexts::Duration(qint64 p_Seconds)
 
     auto const rounded = [&](qint64 p_Unit) { return (p_Seconds + p_Unit - 1) / p_Unit; };
     if (rounded(c_Step) * c_Step < c_Minute)
-        return Texts::tr("%n second(s)", nullptr, static_cast<int>(rounded(c_Step) * c_Step));
+        return FigureTexts::tr("%n second(s)", nullptr, static_cast<int>(rounded(c_Step) * c_Step));
     if (p_Seconds <= c_Hour - c_Minute)
-        return Texts::tr("%n minute(s)", nullptr, static_cast<int>(rounded(c_Minute)));
+        return FigureTexts::tr("%n minute(s)", nullptr, static_cast<int>(rounded(c_Minute)));
     qint64 const minutes = rounded(c_Step * c_Minute) * c_Step;
-    return Texts::tr("%1 h %2 min")
+    return FigureTexts::tr("%1 h %2 min")
         .arg(QLocale().toString(minutes / c_Minute), QLocale().toString(minutes % c_Minute));
 }
 

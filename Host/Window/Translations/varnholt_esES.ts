@@ -1043,7 +1043,7 @@
     </message>
     <message>
         <source>Show &amp;files</source>
-        <translation>Mostrar los &amp;archivos</translation>
+        <translation>Mostrar los arc&amp;hivos</translation>
     </message>
     <message>
         <source>Show &amp;output</source>
@@ -1277,7 +1277,7 @@
         <translation>compare la clave de los ajustes con la que el editor ha dado a conocer</translation>
     </message>
     <message>
-        <source>check the game's files, and repair it when a difference is found</source>
+        <source>check the game&apos;s files, and repair it when a difference is found</source>
         <translation>compruebe los archivos del juego, y repárelo si se encuentra una diferencia</translation>
     </message>
     <message>

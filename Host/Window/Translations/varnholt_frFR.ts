@@ -1274,10 +1274,10 @@
     </message>
     <message>
         <source>compare the key in the settings with the one that the publisher has made known</source>
-        <translation>comparez la clé des réglages avec celle que l'éditeur a fait connaître</translation>
+        <translation>comparez la clé des réglages avec celle que l&apos;éditeur a fait connaître</translation>
     </message>
     <message>
-        <source>check the game's files, and repair it when a difference is found</source>
+        <source>check the game&apos;s files, and repair it when a difference is found</source>
         <translation>vérifiez les fichiers du jeu, et réparez-le si une différence est trouvée</translation>
     </message>
     <message>

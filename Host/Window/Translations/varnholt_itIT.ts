@@ -1274,10 +1274,10 @@
     </message>
     <message>
         <source>compare the key in the settings with the one that the publisher has made known</source>
-        <translation>confronta la chiave delle impostazioni con quella resa nota dall'editore</translation>
+        <translation>confronta la chiave delle impostazioni con quella resa nota dall&apos;editore</translation>
     </message>
     <message>
-        <source>check the game's files, and repair it when a difference is found</source>
+        <source>check the game&apos;s files, and repair it when a difference is found</source>
         <translation>controlla i file del gioco, e riparalo se si trova una differenza</translation>
     </message>
     <message>
