@@ -86,7 +86,7 @@ QString DocumentCheck::ProblemOf(QString const& p_Path, QByteArray const& p_Cont
                                  QByteArray const& p_Signature, quint64& p_Sequence) const
 {
     Verification const found = Signing::Verify(p_Content, p_Signature, Keys);
-    QString const forgery = ForgeryIn(found, CommentOf(p_Path, p_Content, AppId));
+    QString forgery = ForgeryIn(found, CommentOf(p_Path, p_Content, AppId));
     auto const& end = found.Comment.Expires;
     p_Sequence = std::max(p_Sequence, found.Comment.Sequence);
     if (!forgery.isNull() || !end || *end > QDateTime::currentDateTimeUtc())
