@@ -11,7 +11,7 @@ using Launcher::ApplicationRessource;
 
 namespace {
 
-constexpr QLatin1String c_TrustKey("trust-key");
+QLatin1String const c_TrustKey("trust-key");
 
 /// Why a module of that layout cannot be used; null when it can.
 std::optional<QString> LayoutCause(QJsonValue const& p_Layout)

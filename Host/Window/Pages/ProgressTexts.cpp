@@ -85,8 +85,8 @@ ProgressTexts ProgressTexts::Of(RunSnapshot const& p_Snapshot, std::optional<qin
 
 QString ProgressTexts::WaitText(ServerWait const& p_Wait)
 {
-    QString const silent = FigureTexts::tr("Nothing has come from %1 for %2.")
-                               .arg(p_Wait.Server, Duration(p_Wait.Silent));
+    QString silent = FigureTexts::tr("Nothing has come from %1 for %2.")
+                         .arg(p_Wait.Server, Duration(p_Wait.Silent));
     if (!p_Wait.IsRetry())
         return silent;
     QString const number = p_Wait.Attempts > 0 ? FigureTexts::tr("Attempt %1 of %2")
