@@ -3,7 +3,8 @@
 namespace Varnholt::Launcher {
 
 Pelmora::Pelmora()
-    : StandartApplication(QStringLiteral("Mists of Pandaria"), QStringLiteral(VARNHOLT_MODULE_IDENTIFIER))
+    : StandartApplication(QStringLiteral("Mists of Pandaria"),
+                          QStringLiteral(VARNHOLT_MODULE_IDENTIFIER))
 {
 }
 

@@ -35,7 +35,8 @@ int SignCommand::Run() const
     QString const output = QString::fromStdString(Output);
     QString const appId = QString::fromStdString(AppId);
     TreeMark(output).CheckIsTree();
-    PublishedTree const published(output, appId); // refuses an application that was never published there
+    PublishedTree const published(output,
+                                  appId); // refuses an application that was never published there
     SigningOptions const options = Signing.Options();
     TreeTransaction tree(output);
     TreeSigner signer(output, appId, options);

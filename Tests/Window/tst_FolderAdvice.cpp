@@ -1,6 +1,8 @@
 #include "Host/Window/Dialogs/FolderAdvice.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+Q_DECLARE_METATYPE(Varnholt::Host::FailureKind)
+
 namespace Varnholt::TestSupport {
 
 using Host::FailureKind;
@@ -68,6 +70,5 @@ void FolderAdviceTest::NothingSpeaksAgainstAGoodFolder()
 
 } // namespace Varnholt::TestSupport
 
-Q_DECLARE_METATYPE(Varnholt::Host::FailureKind)
 VARNHOLT_TEST(Varnholt::TestSupport::FolderAdviceTest)
 #include "tst_FolderAdvice.moc"

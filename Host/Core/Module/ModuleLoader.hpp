@@ -14,8 +14,8 @@ namespace Varnholt::Host {
 
 /// Loads a module and holds its object.
 ///
-/// The host has its own copy of the module's base classes: docs/host-guide.md tells what it may touch
-/// of the object.
+/// The host has its own copy of the module's base classes: docs/host-guide.md tells what it may
+/// touch of the object.
 class ModuleLoader {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::ModuleLoader)
 
