@@ -57,4 +57,13 @@ function(varnholt_add_game_module)
       CXX_VISIBILITY_PRESET hidden
       LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/plugins)
   target_link_libraries(${MODULE_NAME} PRIVATE Varnholt::StandartApplication)
+  # What compilers make of templates and of versions for several processors is visible else.
+  if(APPLE)
+    target_link_options(${MODULE_NAME} PRIVATE
+        LINKER:-exported_symbol,_qt_plugin_instance,-exported_symbol,_qt_plugin_query_metadata)
+  else()
+    set(exports ${CMAKE_CURRENT_BINARY_DIR}/${MODULE_NAME}.exports)
+    file(WRITE ${exports} "{ global: qt_plugin_instance; qt_plugin_query_metadata; local: *; };\n")
+    target_link_options(${MODULE_NAME} PRIVATE LINKER:--version-script=${exports})
+  endif()
 endfunction()
