@@ -43,6 +43,7 @@ function(varnholt_add_game_module)
       CONTENT "<RCC><qresource prefix=\"/app_${MODULE_IDENTIFIER}\">\n${files}</qresource></RCC>\n")
   # Of that format because later ones hold the time of each file, which differs between two copies.
   qt5_add_resources(resources ${list} OPTIONS --format-version 1)
+  set_source_files_properties(${resources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 
   # Launchers on macOS take a dynamic library, which a MODULE is not there.
   if(APPLE)
