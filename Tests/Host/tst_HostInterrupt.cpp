@@ -101,7 +101,7 @@ void HostInterruptTest::AnInterruptionWhileWaitingToTryAgainEnds()
 {
     SessionGame game;
     game.AddFiles().Publish();
-    game.Options.RetryPauseMilliseconds = 3'600'000;
+    game.Options.RetryPauseMilliseconds = 2000;
     QString const path = game.Content.ServerPath(c_Base);
     game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
     QVERIFY(game.Open());
