@@ -58,7 +58,7 @@ void Cover(QByteArray& p_Secret, QByteArray const& p_Password, QByteArray const&
             Bytes(stream), static_cast<unsigned long long>(stream.size()), p_Password.constData(),
             static_cast<unsigned long long>(p_Password.size()), Bytes(p_Salt), p_Limits.Operations,
             static_cast<size_t>(p_Limits.Memory)) != 0) {
-        constexpr quint64 c_MiB = 1024 * 1024;
+        constexpr quint64 c_MiB = quint64{1024} * 1024;
         throw KeyFailure(QStringLiteral("its password needs %1 MiB of memory, which are not to be "
                                         "had")
                              .arg(p_Limits.Memory / c_MiB));
