@@ -23,8 +23,6 @@ namespace {
 QString const c_Boot = QStringLiteral("boot");
 QString const c_Journal = QStringLiteral("journal");
 QString const c_Begun = QStringLiteral("begun.");
-/// The disk gets to work on so much at a time while the rest is still being read.
-constexpr qint64 c_FlushBytes = 8LL * 1024 * 1024;
 
 bool IsOfThisBoot(QString const& p_File)
 {
@@ -137,12 +135,6 @@ void StagedFile::Write(char const* p_Data, qint64 p_Bytes)
         Size += qMax<ssize_t>(0, written);
     }
     Size = end;
-#ifdef Q_OS_LINUX
-    if (Size - Flushed >= c_FlushBytes) {
-        ::sync_file_range(File, Flushed, Size - Flushed, SYNC_FILE_RANGE_WRITE);
-        Flushed = Size;
-    }
-#endif
 }
 
 void StagedFile::KeepAs(QString const& p_Path)

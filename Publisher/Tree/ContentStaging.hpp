@@ -61,7 +61,6 @@ private:
     int File;
     qint64 Size = 0;
     bool EndsInHole = false;
-    qint64 Flushed = 0; ///< bytes that are on their way to the disk
 };
 
 } // namespace Varnholt::Publisher
