@@ -4,6 +4,8 @@
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/ClippedParts.hpp"
+#include "Tests/Window/LargerFont.hpp"
 #include "Tests/Window/PageStates.hpp"
 #include "Tests/Window/WindowGame.hpp"
 
@@ -180,10 +182,13 @@ void PageLookTest::NothingIsClipped_data()
 {
     QTest::addColumn<QSize>("Size"); // of the page: the column of games is 80 wide
     QTest::addColumn<QString>("Code");
+    QTest::addColumn<int>("FontPercent"); // that the user has chosen
     for (auto const& language : Launcher::LauncherLocale::Available()) {
         QString const& code = language.Code;
-        AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code);
-        AddRow(qPrintable(code + " at 1920 x 1080, 200 %"), QSize(880, 540), code);
+        AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code, 100);
+        AddRow(qPrintable(code + " at 1600 x 900"), QSize(1520, 900), code, 100);
+        AddRow(qPrintable(code + " at 1024 x 640, 200 %"), QSize(432, 320), code, 100);
+        AddRow(qPrintable(code + " in large letters"), QSize(944, 640), code, 200);
     }
 }
 
@@ -191,6 +196,8 @@ void PageLookTest::NothingIsClipped()
 {
     QFETCH(QSize, Size);
     QFETCH(QString, Code);
+    QFETCH(int, FontPercent);
+    LargerFont const font(FontPercent);
     Host::Language language;
     language.Use(Code);
     for (auto const& state : States()) {
@@ -201,25 +208,8 @@ void PageLookTest::NothingIsClipped()
         page.show();
         QTest::qWait(0);
         QCOMPARE(page.size(), Size); // it has not grown
-        for (auto* const part : page.findChildren<QWidget*>()) {
-            if (!part->isVisible() || part->isWindow() || part->visibleRegion().isEmpty() ||
-                part->inherits("QProgressBar")) // which wants room for a text that it has not
-                continue;
-            bool const isWhole = part->visibleRegion().boundingRect() == part->rect();
-            bool const isIn = page.rect().contains(AreaIn(page, *part));
-            QSize const least = part->minimumSizeHint();
-            auto const* const label = qobject_cast<QLabel*>(part);
-            bool const fits =
-                label != nullptr && label->wordWrap()
-                    ? label->height() >= label->heightForWidth(label->width())
-                    : part->width() >= least.width() && part->height() >= least.height();
-            QVERIFY2(isIn && isWhole && fits, qPrintable(QString("%1: %2 %3x%4, least %5x%6")
-                                                             .arg(state.first, NameOf(*part))
-                                                             .arg(part->width())
-                                                             .arg(part->height())
-                                                             .arg(least.width())
-                                                             .arg(least.height())));
-        }
+        QStringList const clipped = ClippedParts(page);
+        QVERIFY2(clipped.isEmpty(), qPrintable(state.first + (": " + clipped.join('\n'))));
     }
 }
 

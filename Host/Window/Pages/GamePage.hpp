@@ -9,8 +9,8 @@
 
 #include <QWidget>
 
-class QHBoxLayout;
-class QLabel;
+class QBoxLayout;
+class QFrame;
 class QPushButton;
 class QToolButton;
 
@@ -20,6 +20,7 @@ class ElidedLabel;
 class HistoryView;
 class PageMenu;
 class ProgressBox;
+class ScrollColumn;
 class TroubleStrip;
 
 /// The page of one game: its picture, and what happens to it on a panel. It shows states and asks
@@ -50,22 +51,29 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* p_Event) override;
+    void resizeEvent(QResizeEvent* p_Event) override;
     void changeEvent(QEvent* p_Event) override;
 
 private:
+    QWidget* MakeNews();
     QWidget* MakePanel();
-    QHBoxLayout* MakeRow();
+    QBoxLayout* MakeRow();
     void MakeButtons();
     void ShowButtons();
     void ShowTrouble();
     void Translate();
+    void Fold();
+    bool IsNarrow() const;
 
     ModuleCard const Game;
     Artwork Picture;
     GameState State;
     QString Told;
-    TroubleStrip* Trouble;
-    HistoryView* History;
+    ScrollColumn* const News;
+    HistoryView* const History;
+    TroubleStrip* const Trouble;
+    QFrame* Panel;
+    QBoxLayout* Row;
     ProgressBox* Progress;
     ElidedLabel* Idle;
     QPushButton* Primary;
