@@ -1,6 +1,7 @@
 #include "Host/Window/Desktop/Language.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
 #include "Host/Window/Style/ElidedLabel.hpp"
+#include "Host/Window/Style/WindowPalette.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -168,6 +169,16 @@ void PageLookTest::EachThemeGivesColorsThatCanBeRead()
 {
     QFETCH(QString, Theme);
     PagePalette const palette = PagePalette::Of(Theme, "no color", {});
+    QPalette const window = Host::WindowPalette(palette);
+    for (auto const& [text, ground] : {std::pair(QPalette::WindowText, QPalette::Window),
+                                       std::pair(QPalette::Text, QPalette::Base),
+                                       std::pair(QPalette::PlaceholderText, QPalette::Base),
+                                       std::pair(QPalette::ButtonText, QPalette::Button),
+                                       std::pair(QPalette::ToolTipText, QPalette::ToolTipBase),
+                                       std::pair(QPalette::HighlightedText, QPalette::Highlight)})
+        QVERIFY2(PagePalette::Contrast(window.color(text), window.color(ground)) >=
+                     PagePalette::c_LeastContrast,
+                 qPrintable(window.color(text).name() + " on " + window.color(ground).name()));
     for (QColor const& behind : {QColor(Qt::white), QColor(Qt::black), QColor(128, 128, 128)}) {
         QColor const panel = PagePalette::Over(palette.Panel, behind);
         for (QColor const& text : {palette.Text, palette.Quiet, palette.Warning})

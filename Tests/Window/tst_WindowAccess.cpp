@@ -7,15 +7,19 @@
 #include "Host/Window/Pages/PageMenu.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/ClippedParts.hpp"
 #include "Tests/Window/DialogGame.hpp"
+#include "Tests/Window/LargerFont.hpp"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QLabel>
 #include <QLocale>
+#include <QScreen>
 
 #include <set>
+#include <utility>
 
 namespace Varnholt::TestSupport {
 
@@ -41,8 +45,11 @@ private:
 void WindowAccessTest::EveryControlIsWithinReach_data()
 {
     QTest::addColumn<QString>("code");
-    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available())
-        AddRow(qPrintable(locale.Code), locale.Code);
+    QTest::addColumn<int>("fontPercent");
+    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available()) {
+        AddRow(qPrintable(locale.Code), locale.Code, 100);
+        AddRow(qPrintable(locale.Code + " in large letters"), locale.Code, 125);
+    }
 }
 
 std::vector<QWidget*> WindowAccessTest::Reached(QWidget& p_Window)
@@ -86,11 +93,15 @@ QStringList WindowAccessTest::FaultsOf(QWidget& p_Window)
                 faults += QStringLiteral("%1 has no letter").arg(button->text());
         }
     int height = -1;
+    QWidget const* ground = nullptr;
     for (QWidget* const widget : Reached(p_Window)) {
         QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(widget);
         QString const kind = QString::fromLatin1(widget->metaObject()->className());
         if (access == nullptr || access->text(QAccessible::Name).trimmed().isEmpty())
             faults += QStringLiteral("%1 has no name").arg(kind);
+        QWidget const* const before = std::exchange(ground, ScrolledContent(*widget));
+        if (before != ground)
+            height = -1; // what is scrolled may reach below what follows it
         int const top = widget->mapTo(&p_Window, QPoint(0, widget->height())).y();
         if (top < height - widget->height())
             faults += QStringLiteral("%1 is reached after what stands below").arg(kind);
@@ -102,6 +113,8 @@ QStringList WindowAccessTest::FaultsOf(QWidget& p_Window)
 void WindowAccessTest::EveryControlIsWithinReach()
 {
     QFETCH(QString, code);
+    QFETCH(int, fontPercent);
+    LargerFont const font(fontPercent);
     DialogGame game;
     game.AddFiles().Publish().PutInstalled();
     game.Put("mine.txt", "mine");
@@ -117,6 +130,10 @@ void WindowAccessTest::EveryControlIsWithinReach()
         QVERIFY(game.WaitUntil([&] { return Reached(*p_Dialog).size() > 3; }));
         QStringList const faults = FaultsOf(*p_Dialog);
         QVERIFY2(faults.isEmpty(), qPrintable(p_Dialog->objectName() + ": " + faults.join('\n')));
+        QTest::qWait(0); // until the latest request has been laid out
+        QVERIFY(QRect(QPoint(), p_Dialog->screen()->availableSize()).contains(p_Dialog->rect()));
+        QStringList const clipped = ClippedParts(*p_Dialog);
+        QVERIFY2(clipped.isEmpty(), qPrintable(p_Dialog->objectName() + ": " + clipped.join('\n')));
     };
     check(new Host::InstallDialog(game.Controller(), game.Base));
     check(new Host::UninstallDialog(game.Controller()));
