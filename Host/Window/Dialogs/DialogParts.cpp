@@ -17,7 +17,7 @@ namespace {
 
 constexpr char c_Sheet[] = R"(
 QPushButton { border: 1px solid palette(mid); border-radius: 6px; padding: 6px 16px;
-    min-width: 56px; color: palette(button-text); background: palette(button); }
+    color: palette(button-text); background: palette(button); }
 QPushButton:hover, QPushButton:focus { border-color: palette(highlight); }
 QPushButton:default:enabled { color: palette(highlighted-text); background: palette(highlight); }
 QPushButton:disabled { color: palette(mid); background: transparent; }

@@ -101,7 +101,9 @@ QBoxLayout* GamePage::MakeRow()
     auto* const name = new ElidedLabel;
     name->setObjectName(QStringLiteral("name"));
     name->setText(Game.Name);
-    Idle = new ElidedLabel;
+    Idle = new QLabel;
+    Idle->setTextFormat(Qt::PlainText); // it may name a folder
+    Idle->setWordWrap(true);
     Idle->setObjectName(QStringLiteral("idle"));
     Idle->setProperty("quiet", true);
     auto* const texts = new QVBoxLayout;
@@ -216,6 +218,7 @@ void GamePage::ToggleHistory()
 {
     History->setVisible(!History->isVisible());
     News->verticalScrollBar()->setValue(0); // it is the first
+    History->scrollToBottom();
 }
 
 void GamePage::FocusPrimary()

@@ -11,12 +11,12 @@
 
 class QBoxLayout;
 class QFrame;
+class QLabel;
 class QPushButton;
 class QToolButton;
 
 namespace Varnholt::Host {
 
-class ElidedLabel;
 class HistoryView;
 class PageMenu;
 class ProgressBox;
@@ -75,7 +75,7 @@ private:
     QFrame* Panel;
     QBoxLayout* Row;
     ProgressBox* Progress;
-    ElidedLabel* Idle;
+    QLabel* Idle;
     QPushButton* Primary;
     QToolButton* Pause;
     QToolButton* More;

@@ -11,7 +11,6 @@ WrappedList::WrappedList(QWidget* p_Parent)
     setTextElideMode(Qt::ElideNone);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setResizeMode(QListView::Adjust);
-    setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred); // not all that there is room for
 }
 
@@ -19,8 +18,15 @@ QSize WrappedList::sizeHint() const
 {
     constexpr int c_MostLines = 10;
 
-    QSize const hint = QListWidget::sizeHint();
-    return {hint.width(), std::min(hint.height(), c_MostLines * fontMetrics().lineSpacing())};
+    int const wanted = std::min(contentsSize().height(), c_MostLines * fontMetrics().lineSpacing());
+    return {QListWidget::sizeHint().width(), wanted + height() - viewport()->height()};
+}
+
+/// Called when the lines have got their places.
+void WrappedList::updateGeometries()
+{
+    QListWidget::updateGeometries();
+    updateGeometry();
 }
 
 } // namespace Varnholt::Host

@@ -12,6 +12,9 @@ public:
     explicit WrappedList(QWidget* p_Parent = nullptr);
 
     QSize sizeHint() const override;
+
+protected:
+    void updateGeometries() override;
 };
 
 } // namespace Varnholt::Host
