@@ -1,7 +1,5 @@
 #include "Tests/Window/ClippedParts.hpp"
 
-#include "Host/Window/Style/ScrollColumn.hpp"
-
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QComboBox>
@@ -35,20 +33,22 @@ bool IsLargeEnough(QWidget const& p_Part)
 
 bool IsInSight(QWidget const& p_Part, QWidget const& p_Window)
 {
-    QWidget const* const content = ScrolledContent(p_Part);
-    QWidget const& ground = content == nullptr ? p_Window : *content;
-    bool const isWhole = content == nullptr ? p_Part.visibleRegion().boundingRect() == p_Part.rect()
-                                            : content->width() <= content->parentWidget()->width();
+    Host::ScrollColumn const* const column = ColumnAround(p_Part);
+    QWidget const& ground = column == nullptr ? p_Window : *column->widget();
+    bool const isWhole = column == nullptr
+                             ? p_Part.visibleRegion().boundingRect() == p_Part.rect()
+                             : ground.width() <= column->viewport()->width() ||
+                                   column->horizontalScrollBarPolicy() == Qt::ScrollBarAsNeeded;
     return isWhole && ground.rect().contains(QRect(p_Part.mapTo(&ground, QPoint()), p_Part.size()));
 }
 
 } // namespace
 
-QWidget const* ScrolledContent(QWidget const& p_Part)
+Host::ScrollColumn const* ColumnAround(QWidget const& p_Part)
 {
     for (QWidget const* part = p_Part.parentWidget(); part != nullptr; part = part->parentWidget())
         if (auto const* const column = qobject_cast<Host::ScrollColumn const*>(part))
-            return column->widget();
+            return column;
     return nullptr;
 }
 

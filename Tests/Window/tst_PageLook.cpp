@@ -13,6 +13,7 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
+#include <QPushButton>
 
 namespace Varnholt::TestSupport {
 
@@ -219,6 +220,11 @@ void PageLookTest::NothingIsClipped()
         page.show();
         QTest::qWait(0);
         QCOMPARE(page.size(), Size); // it has not grown
+        // The letters are as large as the user wants them, and the large button is in sight.
+        auto const& primary = *page.findChild<QPushButton*>("primary");
+        QCOMPARE(primary.font().pixelSize(),
+                 QFontInfo(QApplication::font()).pixelSize() * 167 / 100);
+        QCOMPARE(primary.visibleRegion().boundingRect(), primary.rect());
         QStringList const clipped = ClippedParts(page);
         QVERIFY2(clipped.isEmpty(), qPrintable(state.first + (": " + clipped.join('\n'))));
     }
