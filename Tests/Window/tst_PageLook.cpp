@@ -199,6 +199,7 @@ void PageLookTest::NothingIsClipped_data()
         QString const& code = language.Code;
         AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code, 100);
         AddRow(qPrintable(code + " at 1600 x 900"), QSize(1520, 900), code, 100);
+        AddRow(qPrintable(code + " at 1024 x 640, 125 %"), QSize(739, 512), code, 100);
         AddRow(qPrintable(code + " at 1024 x 640, 200 %"), QSize(432, 320), code, 100);
         AddRow(qPrintable(code + " in large letters"), QSize(944, 640), code, 200);
     }

@@ -27,6 +27,8 @@ namespace Varnholt::Host {
 
 namespace {
 
+constexpr int c_LeastForGraph = 124; ///< characters
+
 QString WithShortcut(QString const& p_Text, QToolButton const& p_Button)
 {
     return QStringLiteral("%1 (%2)").arg(p_Text,
@@ -108,9 +110,11 @@ QBoxLayout* GamePage::MakeRow()
     Idle->setProperty("quiet", true);
     auto* const texts = new QVBoxLayout;
     texts->setSpacing(2);
+    texts->addStretch();
     texts->addWidget(name);
     texts->addWidget(Idle);
     texts->addWidget(Progress->Figures());
+    texts->addStretch();
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(10);
     buttons->addWidget(Primary);
@@ -170,7 +174,7 @@ void GamePage::Show(GameState const& p_State)
         Idle->setText(IdleText(State));
     Progress->setVisible(isJob);
     Progress->Figures()->setVisible(isJob);
-    Progress->Graph()->setVisible(isJob && !IsNarrow());
+    Progress->Graph()->setVisible(isJob && Characters() >= c_LeastForGraph);
     Idle->setVisible(!isJob);
     ShowButtons();
     ShowTrouble();
@@ -241,18 +245,19 @@ void GamePage::Translate()
     Show(State);
 }
 
-bool GamePage::IsNarrow() const
+/// So many have room beside each other.
+int GamePage::Characters() const
 {
-    return Row->direction() == QBoxLayout::TopToBottom;
+    return width() / fontMetrics().averageCharWidth();
 }
 
 /// Where there is little room, the buttons stand below the texts and the margins are slim.
 void GamePage::Fold()
 {
-    constexpr int c_LeastCharacters = 108;
+    constexpr int c_LeastForRow = 100;
     constexpr int c_LeastLines = 28;
 
-    bool const isNarrow = width() < c_LeastCharacters * fontMetrics().averageCharWidth();
+    bool const isNarrow = Characters() < c_LeastForRow;
     bool const isSmall = isNarrow || height() < c_LeastLines * fontMetrics().lineSpacing();
     int const margin = isSmall ? 8 : 24;
     layout()->setContentsMargins(margin, margin, margin, margin);
@@ -263,7 +268,7 @@ void GamePage::Fold()
     Row->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
     Row->setSpacing(isSmall ? 8 : 14);
     Progress->Fold(isNarrow);
-    Progress->Graph()->setVisible(State.Job && !isNarrow);
+    Progress->Graph()->setVisible(State.Job && Characters() >= c_LeastForGraph);
     Trouble->Fold(isNarrow);
 }
 

@@ -63,7 +63,7 @@ private:
     void ShowTrouble();
     void Translate();
     void Fold();
-    bool IsNarrow() const;
+    int Characters() const;
 
     ModuleCard const Game;
     Artwork Picture;

@@ -54,6 +54,7 @@ TroubleStrip::TroubleStrip(PagePalette const& p_Palette, QWidget* p_Parent)
 
 void TroubleStrip::Fold(bool p_IsNarrow)
 {
+    Body->setStretch(0, p_IsNarrow ? 0 : 1);
     for (QBoxLayout* const layout : {Body, Buttons})
         layout->setDirection(p_IsNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
