@@ -15,12 +15,27 @@ namespace Varnholt::Host::DialogParts {
 
 namespace {
 
+/// An arrow is a sector: style sheets draw no triangles, and a picture would have one colour.
 constexpr char c_Sheet[] = R"(
 QPushButton { border: 1px solid palette(mid); border-radius: 6px; padding: 6px 16px;
     color: palette(button-text); background: palette(button); }
 QPushButton:hover, QPushButton:focus { border-color: palette(highlight); }
 QPushButton:default:enabled { color: palette(highlighted-text); background: palette(highlight); }
 QPushButton:disabled { color: palette(mid); background: transparent; }
+QLineEdit, QComboBox, QAbstractSpinBox { border: 1px solid palette(mid); border-radius: 6px;
+    padding: 5px 8px; background: palette(base); }
+QLineEdit:focus, QComboBox:focus, QAbstractSpinBox:focus { border-color: palette(highlight); }
+QAbstractSpinBox QLineEdit { border: none; padding: 0; }
+QComboBox::drop-down, QAbstractSpinBox::up-button, QAbstractSpinBox::down-button {
+    border: none; width: 22px; }
+QComboBox::down-arrow, QAbstractSpinBox::down-arrow, QAbstractSpinBox::up-arrow {
+    width: 8px; height: 4px; }
+QComboBox::down-arrow:enabled, QAbstractSpinBox::down-arrow:enabled {
+    background: qconicalgradient(cx: 0.5, cy: 1, angle: 0, stop: 0.174 transparent,
+        stop: 0.178 palette(text), stop: 0.322 palette(text), stop: 0.326 transparent); }
+QAbstractSpinBox::up-arrow:enabled {
+    background: qconicalgradient(cx: 0.5, cy: 0, angle: 0, stop: 0.674 transparent,
+        stop: 0.678 palette(text), stop: 0.822 palette(text), stop: 0.826 transparent); }
 QProgressBar { background: palette(base); border: none; border-radius: 3px; }
 QProgressBar::chunk { background: palette(highlight); border-radius: 3px; }
 QScrollBar:vertical { background: transparent; width: 10px; }
