@@ -12,16 +12,11 @@
 
 #include <QAbstractButton>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 
 namespace Varnholt::TestSupport {
 
-using Host::FailureKind;
-using Host::GameState;
 using Host::PagePalette;
-using Host::RunPhase;
-using Type = Host::RunRequest::Type;
 
 /// What a page looks like in each state, on the real picture and on the worst ones.
 class PageLookTest : public QObject {
@@ -37,11 +32,8 @@ private Q_SLOTS:
     void EachThemeGivesColorsThatCanBeRead();
     void NothingIsClipped_data();
     void NothingIsClipped();
-    void EachControlHasANameAndTheKeyboardReachesIt();
 
 private:
-    static std::vector<std::pair<char const*, GameState>> States();
-
     Host::ModuleCard Card;
 };
 
@@ -85,24 +77,6 @@ void PageLookTest::initTestCase()
     QCOMPARE(Card.Palette.Ground, QColor("#09111C"));
 }
 
-std::vector<std::pair<char const*, GameState>> PageLookTest::States()
-{
-    GameState waiting = PageStates::Working(Type::Update, RunPhase::WaitingToRetry);
-    Host::ServerWait wait;
-    wait.Server = "content.a-long-name.example.org:8080";
-    wait.Cause = "connection refused";
-    wait.Attempt = 3;
-    wait.NextAttempt = 120;
-    waiting.Snapshot.Wait = wait;
-    return {
-        {"not installed", PageStates::NotInstalled()},
-        {"complete", PageStates::Complete()},
-        {"downloading", PageStates::Working(Type::Install, RunPhase::DownloadingBase)},
-        {"waiting", waiting},
-        {"files given up", PageStates::Failed(PageStates::FailureOf(FailureKind::FilesGivenUp))},
-        {"link", PageStates::Failed(PageStates::FailureOf(FailureKind::LinkLeadsOut))}};
-}
-
 void PageLookTest::TextsCanBeReadOnAnyPicture_data()
 {
     QTest::addColumn<QImage>("Picture");
@@ -121,7 +95,7 @@ void PageLookTest::TextsCanBeReadOnAnyPicture()
     QFETCH(QImage, Picture);
     Host::ModuleCard card = Card;
     card.Background = Picture;
-    for (auto const& state : States()) {
+    for (auto const& state : PageStates::All()) {
         Host::GamePage page(card);
         page.resize(944, 640);
         page.Show(state.second);
@@ -213,7 +187,7 @@ void PageLookTest::NothingIsClipped()
     LargerFont const font(FontPercent);
     Host::Language language;
     language.Use(Code);
-    for (auto const& state : States()) {
+    for (auto const& state : PageStates::All()) {
         Host::GamePage page(Card);
         page.resize(Size);
         page.Show(state.second);
@@ -228,36 +202,6 @@ void PageLookTest::NothingIsClipped()
         QCOMPARE(primary.visibleRegion().boundingRect(), primary.rect());
         QStringList const clipped = ClippedParts(page);
         QVERIFY2(clipped.isEmpty(), qPrintable(state.first + (": " + clipped.join('\n'))));
-    }
-}
-
-void PageLookTest::EachControlHasANameAndTheKeyboardReachesIt()
-{
-    for (auto const& state : States()) {
-        Host::GamePage page(Card);
-        page.Show(state.second);
-        page.ToggleHistory();
-        page.show();
-        page.activateWindow();
-        page.FocusPrimary();
-        QSet<QWidget*> reached;
-        QWidget* part = &page;
-        while (!reached.contains(part = part->nextInFocusChain()))
-            reached.insert(part);
-        for (auto* const control : page.findChildren<QWidget*>()) {
-            bool const isControl = control->inherits("QAbstractButton") ||
-                                   control->inherits("QListWidget") ||
-                                   control->inherits("QProgressBar");
-            if (!isControl || !control->isVisible())
-                continue;
-            QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(control);
-            QVERIFY2(told != nullptr && !told->text(QAccessible::Name).isEmpty(),
-                     qPrintable(NameOf(*control)));
-            if (control->inherits("QProgressBar") || !control->isEnabled())
-                continue;
-            QVERIFY2((control->focusPolicy() & Qt::TabFocus) != 0 && reached.contains(control),
-                     qPrintable(NameOf(*control)));
-        }
     }
 }
 

@@ -32,6 +32,8 @@ TroubleStrip::TroubleStrip(PagePalette const& p_Palette, QWidget* p_Parent)
         label->setWordWrap(true);
     }
     Close->setIcon(GlyphIcon(Glyph::Close, p_Palette.Text));
+    Close->setShortcut(Qt::Key_Escape);
+    Close->setFocusPolicy(Qt::StrongFocus);
     connect(Close, &QToolButton::clicked, this, &TroubleStrip::Dismissed);
     Files->hide();
     auto* const texts = new QVBoxLayout;
