@@ -49,7 +49,7 @@ QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: trans
 
 QVBoxLayout& Begin(QDialog& p_Dialog)
 {
-    constexpr int c_Characters = 72; // for sentences
+    constexpr int c_Characters = 80; // for sentences and paths
     constexpr int c_Margin = 20;
     constexpr double c_Larger = 1.4;
 

@@ -124,6 +124,7 @@ QBoxLayout* GamePage::MakeRow()
     Row->addLayout(texts, 1);
     Row->addWidget(Progress->Graph());
     Row->addLayout(buttons);
+    Row->setAlignment(buttons, Qt::AlignVCenter); // the small ones are as high as the large one
     return Row;
 }
 
@@ -145,7 +146,7 @@ void GamePage::MakeButtons()
     for (QToolButton* const button : {Pause, More}) {
         button->setIconSize(c_GlyphSize);
         button->setFixedWidth(c_PrimaryHeight * 4 / 5);
-        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding); // as the large one
+        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
         button->setFocusPolicy(Qt::StrongFocus);
     }
     Pause->setShortcut(Qt::Key_F9); // they show no letters, and each language has others
