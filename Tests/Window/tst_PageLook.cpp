@@ -13,6 +13,7 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QPushButton>
+#include <QToolButton>
 
 namespace Varnholt::TestSupport {
 
@@ -200,6 +201,8 @@ void PageLookTest::NothingIsClipped()
         QCOMPARE(primary.font().pixelSize(),
                  QFontInfo(QApplication::font()).pixelSize() * 167 / 100);
         QCOMPARE(primary.visibleRegion().boundingRect(), primary.rect());
+        for (auto const* const small : primary.parentWidget()->findChildren<QToolButton*>())
+            QVERIFY(!small->isVisible() || small->height() == primary.height());
         QStringList const clipped = ClippedParts(page);
         QVERIFY2(clipped.isEmpty(), qPrintable(state.first + (": " + clipped.join('\n'))));
     }
