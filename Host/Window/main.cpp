@@ -88,6 +88,7 @@ int main(int p_Count, char** p_Arguments)
                 return Start(p_Count, p_Arguments);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication::setStyle(QStringLiteral("Fusion")); // others take no colours of a game
     QApplication application(p_Count, p_Arguments);
     QApplication::setApplicationName(QStringLiteral("varnholt-window"));
     QApplication::setDesktopFileName(QStringLiteral("varnholt-window"));

@@ -38,12 +38,15 @@ ScreenGame::~ScreenGame()
     Close();
 }
 
-bool ScreenGame::Open(QStringList const& p_Options)
+bool ScreenGame::Open(QStringList const& p_Options, QString const& p_Title)
 {
     QProcessEnvironment environment = HostProcess::Environment(*this);
     environment.insert("DISPLAY", Shown.Display());
     environment.insert("QT_QPA_PLATFORM", "xcb");
-    environment.insert("XDG_RUNTIME_DIR", Base);
+    for (char const* const name : {"XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
+        environment.insert(QString::fromLatin1(name), Base);
+    if (!Home.isEmpty())
+        environment.insert("HOME", Home);
     for (char const* const name : {"DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY"})
         environment.remove(QString::fromLatin1(name));
     Program.setProcessEnvironment(environment);
@@ -52,7 +55,7 @@ bool ScreenGame::Open(QStringList const& p_Options)
     Program.start(VARNHOLT_WINDOW_PROGRAM,
                   QStringList{"--settings", SettingsFile, "--content-url", Server.BaseUrl()} +
                       p_Options);
-    return Program.waitForStarted() && Shown.Focus(c_Name);
+    return Program.waitForStarted() && Shown.Focus(p_Title);
 }
 
 int ScreenGame::Close()

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace Varnholt::Host {
 
@@ -36,8 +37,8 @@ LoginDialog::LoginDialog(LoginStore& p_Store, QString const& p_Game,
 
 void LoginDialog::Build()
 {
-    auto* const layout = new QVBoxLayout(this);
-    Explanation = DialogParts::AddText(*this);
+    QVBoxLayout& body = DialogParts::Begin(*this);
+    Explanation = DialogParts::AddText(body);
     auto* const form = new QFormLayout;
     Account = new QLineEdit(this);
     AccountLabel = DialogParts::AddField(*form, *Account);
@@ -46,8 +47,8 @@ void LoginDialog::Build()
     PasswordLabel = DialogParts::AddField(*form, *Password);
     Remember = new QCheckBox(this);
     form->addRow(Remember);
-    layout->addLayout(form);
-    layout->addStretch();
+    body.addLayout(form);
+    body.addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Play = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     Without = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
@@ -56,8 +57,7 @@ void LoginDialog::Build()
     Play->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &LoginDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
-    DialogParts::Widen(*this);
+    layout()->addWidget(buttons);
 }
 
 void LoginDialog::SetTexts()
@@ -75,6 +75,7 @@ void LoginDialog::SetTexts()
     Without->setText(tr("Play with&out logging in"));
     Cancel->setText(tr("&Cancel"));
     Enable();
+    DialogParts::Fit(*this);
 }
 
 void LoginDialog::changeEvent(QEvent* p_Event)

@@ -4,7 +4,6 @@
 #include "Host/Window/Main/ModuleFolder.hpp"
 #include "Host/Window/Main/ModuleSurvey.hpp"
 
-#include <QLabel>
 #include <QStackedWidget>
 #include <QWidget>
 
@@ -14,6 +13,7 @@ namespace Varnholt::Host {
 
 class CommandRunner;
 class Dialogs;
+class EmptyPage;
 class GameColumn;
 class GamePage;
 
@@ -58,7 +58,7 @@ private:
     ModuleSurvey Survey;
     GameColumn* const Column;
     QStackedWidget* const Pages;
-    QLabel* const Empty; ///< shown when there is no game
+    EmptyPage* const Empty; ///< shown when there is no game
     Dialogs* const Opened;
     CommandRunner* const Commands;
     std::map<QString, GamePage*> Known;
