@@ -28,7 +28,6 @@ class RetryFromServerTest : public QObject {
 private Q_SLOTS:
     void ARetriedFileIsFetchedAgainBehindAllOthers();
     void AFileThatIsNeverRightIsGivenUpAndTheOthersArrive();
-    void TheBudgetIsSharedAcrossBaseAndStreamedFiles();
     void AMissingFileCostsItsRestartsAndIsReported();
     void ABadTransferIsStartedFromItsBeginning();
     void AServerWithoutRangesIsAskedForTheWholeFileAgain();
@@ -71,20 +70,6 @@ void RetryFromServerTest::AFileThatIsNeverRightIsGivenUpAndTheOthersArrive()
     QCOMPARE(game.Read("b"), QByteArray("b"));
     QCOMPARE(game.Read("s"), QByteArray("s"));
     QCOMPARE(game.Host.FinishedCount.load(), 1);
-}
-
-void RetryFromServerTest::TheBudgetIsSharedAcrossBaseAndStreamedFiles()
-{
-    Game game;
-    game.Add({"a", "a"}).Add({"s", "s", 0, {}, true});
-    AfterSize(game, "a").Then(Wrong(), 3);
-    AfterSize(game, "s").Then(Wrong(), 3);
-    game.Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read("a"), QByteArray("a"));
-    QVERIFY(!game.Has("s"));
-    QCOMPARE(game.Log.CountContaining("(MD5) Download restarted for "), 5);
-    QCOMPARE(game.Log.CountContaining("(ToManyRetry) Download aborded for "), 1);
 }
 
 void RetryFromServerTest::AMissingFileCostsItsRestartsAndIsReported()

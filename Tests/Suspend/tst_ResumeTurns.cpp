@@ -31,7 +31,6 @@ private Q_SLOTS:
     void SuspendedAgainInTheSameTurnStaysSuspended();
     void SuspendedAgainBeforeTheCompletionStaysSuspended();
     void TwiceStartsOneTransfer();
-    void TwiceRightAfterASuspensionStartsOneTransfer();
     void AmidTheEndOfAFileFetchesTheNextOnce();
     void AmidTheEndOfAFileStaysSuspendedAfterwards();
     void ASuspensionBeforeTheQueuedStartHasNothingToStop();
@@ -115,19 +114,6 @@ void ResumeTurnsTest::TwiceStartsOneTransfer()
     QCOMPARE(game.App.CurrentDownload, transfer);
     QVERIFY(!transfer->Aborted);
     game.OpenGate("a.bin");
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Requests("a.bin"), 3);
-    QCOMPARE(game.Requests("b.bin"), 2);
-    QCOMPARE(game.FirstWrongFile(), QString());
-}
-
-void ResumeTurnsTest::TwiceRightAfterASuspensionStartsOneTransfer()
-{
-    PausableGame game;
-    QVERIFY(Stall(game));
-    game.App.SuspendDownload();
-    game.App.ResumeDownload();
-    game.App.ResumeDownload();
     QVERIFY(game.Finish());
     QCOMPARE(game.Requests("a.bin"), 3);
     QCOMPARE(game.Requests("b.bin"), 2);

@@ -46,7 +46,6 @@ private Q_SLOTS:
     void WhileTheServerIsSilentAmidTheBody();
     void InThePauseBeforeARestart();
     void OfATransferThatCouldNotOpenItsFile();
-    void BehindTheEndOfTheRunIsTheIdleReset();
 };
 
 void SuspendMomentsTest::BeforeTheListIsBuiltLeavesTheRunAlone()
@@ -242,19 +241,6 @@ void SuspendMomentsTest::OfATransferThatCouldNotOpenItsFile()
     QVERIFY(game.Host.RunNextSync());
     QVERIFY(game.Finish());
     QCOMPARE(game.FirstWrongFile(), QString());
-}
-
-void SuspendMomentsTest::BehindTheEndOfTheRunIsTheIdleReset()
-{
-    PausableGame game;
-    game.Add({"a.bin", c_A}).Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
-    game.App.UISetting.Download.ModeFlag = true;
-    game.App.SuspendDownload();
-    QCOMPARE(game.App.UISetting.State, 2);
-    QVERIFY(!game.App.UISetting.Download.ModeFlag);
-    QCOMPARE(game.Host.FinishedCount.load(), 0);
 }
 
 } // namespace Varnholt::TestSupport
