@@ -31,7 +31,7 @@ void ComparisonUnsafePathsTest::UnsafeEntriesOfARemoteManifestTouchNothingOutsid
     QVERIFY(game.Host.RunUntil([&] { return game.Host.FinishedCount == 1 || game.Has("a"); }));
     QVERIFY(game.Finish());
     QCOMPARE(game.Read("a"), QByteArray("inside"));
-    QCOMPARE(ContentOf(outside), QByteArray("the user's own"));
+    QCOMPARE(ReadFile(outside), QByteArray("the user's own"));
     QCOMPARE(game.Mode("../outside"), 0600);
     QCOMPARE(game.Requests("../outside"), 0);
     QCOMPARE(game.Log.CountContaining("Manifest entry dropped"), 3);

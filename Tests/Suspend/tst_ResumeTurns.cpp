@@ -51,7 +51,7 @@ void ResumeTurnsTest::RightAfterASuspensionGoesOn()
     QCOMPARE(game.Requests("a.bin"), 3);
     QCOMPARE(game.Server.Requests(game.Content.ServerPath("a.bin")).back().Header("Range"),
              QByteArray("bytes=1000-"));
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::RightAfterASuspensionGoesOnWhenTheStartComesBeforeTheCompletion()
@@ -65,7 +65,7 @@ void ResumeTurnsTest::RightAfterASuspensionGoesOnWhenTheStartComesBeforeTheCompl
     QVERIFY(game.App.CurrentDownload->Aborted);
     QVERIFY(game.Finish());
     QCOMPARE(game.Requests("a.bin"), 3);
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::SuspendedAgainInTheSameTurnStaysSuspended()
@@ -82,7 +82,7 @@ void ResumeTurnsTest::SuspendedAgainInTheSameTurnStaysSuspended()
 
     game.App.ResumeDownload();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::SuspendedAgainBeforeTheCompletionStaysSuspended()
@@ -117,7 +117,7 @@ void ResumeTurnsTest::TwiceStartsOneTransfer()
     QVERIFY(game.Finish());
     QCOMPARE(game.Requests("a.bin"), 3);
     QCOMPARE(game.Requests("b.bin"), 2);
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::AmidTheEndOfAFileFetchesTheNextOnce()
@@ -130,7 +130,7 @@ void ResumeTurnsTest::AmidTheEndOfAFileFetchesTheNextOnce()
     QVERIFY(game.Finish());
     QCOMPARE(game.Requests("a.bin"), 2);
     QCOMPARE(game.Requests("b.bin"), 2);
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::AmidTheEndOfAFileStaysSuspendedAfterwards()
@@ -155,7 +155,7 @@ void ResumeTurnsTest::AmidTheEndOfAFileStaysSuspendedAfterwards()
     game.App.ResumeDownload();
     game.OpenGate("b.bin");
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::ASuspensionBeforeTheQueuedStartHasNothingToStop()
@@ -169,7 +169,7 @@ void ResumeTurnsTest::ASuspensionBeforeTheQueuedStartHasNothingToStop()
     // Pins: with nothing in flight a suspension changes nothing, not even the start on its way.
     QCOMPARE(game.App.UISetting.Download.Mode, 3);
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::ARepairReplacesAQueuedStart()
@@ -181,7 +181,7 @@ void ResumeTurnsTest::ARepairReplacesAQueuedStart()
     game.App.ResumeDownload();
     game.App.Repair();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requests("a.bin"), 4); // size, stopped, size, rest
     QCOMPARE(game.Requests("b.bin"), 3);
 }
@@ -197,7 +197,7 @@ void ResumeTurnsTest::FromTheNotificationOfTheSuspensionGoesOn()
     game.App.SuspendDownload();
     QVERIFY(game.Finish());
     QCOMPARE(game.Requests("a.bin"), 3);
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeTurnsTest::ASuspensionFromTheNotificationOfTheResumeHolds()
@@ -228,7 +228,7 @@ void ResumeTurnsTest::ManyTurnsEndInOneGoodInstallation()
         game.App.ResumeDownload();
     }
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.FilesOnDisk().filter(".part"), QStringList());
     QCOMPARE(game.Log.CountContaining("Download restarted for"), 0);
 }

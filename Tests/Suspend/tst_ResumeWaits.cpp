@@ -197,7 +197,7 @@ void ResumeWaitsTest::StartsWhenTheGameThatReallyRunsHasQuit()
     QCOMPARE(game.Host.StartingCount.load(), 2);
     game.OpenGate("a.bin");
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeWaitsTest::ASuspensionWithNothingInFlightDoesNotEndIt()
@@ -213,7 +213,7 @@ void ResumeWaitsTest::ASuspensionWithNothingInFlightDoesNotEndIt()
     QCOMPARE(game.Host.FinishedCount.load(), 1);
     game.App.GameRuns = false;
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeWaitsTest::ASuspensionOfATransferEndsIt()
@@ -236,7 +236,7 @@ void ResumeWaitsTest::ASuspensionOfATransferEndsIt()
 
     game.App.ResumeDownload();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeWaitsTest::ARepairEndsIt()
@@ -251,7 +251,7 @@ void ResumeWaitsTest::ARepairEndsIt()
     QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions >= questions + 3; }));
     game.App.GameRuns = false;
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Host.StartingCount.load(), 2);
     QCOMPARE(game.Requests("a.bin"), 4); // twice its size, twice a half
 }
