@@ -237,6 +237,7 @@ void GatewayDocumentsTest::ASilentServerIsAskedAgain()
 {
     QFETCH(QByteArray, path);
     QFETCH(Answer, answer);
+    Bench->Options.StallTime = StallFor(answer);
     Bench->Open();
     Bench->Server->Script('/' + path).Then(answer);
     DoorReader reader({Bench->DocumentUrl(path)});
@@ -256,6 +257,7 @@ void GatewayDocumentsTest::ASilentServerIsGivenUpInTheEnd()
 {
     QFETCH(QByteArray, path);
     Bench->Options.RetryFor = 2500ms;
+    Bench->Options.StallTime = 1s;
     Bench->Open();
     Bench->Server->Script('/' + path).Always(Answer::SilentBeforeHeaders());
     QElapsedTimer timer;
@@ -276,6 +278,7 @@ void GatewayDocumentsTest::ListsCostASilentServerOneWait_data()
 void GatewayDocumentsTest::ListsCostASilentServerOneWait()
 {
     QFETCH(QByteArray, path);
+    Bench->Options.StallTime = 1s;
     Bench->Open();
     int const before = Bench->Server->Count('/' + path);
     Bench->Server->Script('/' + path).Always(Answer::SilentBeforeHeaders());
@@ -290,7 +293,6 @@ void GatewayDocumentsTest::ListsCostASilentServerOneWait()
 void GatewayDocumentsTest::AWaitTellsWhichAttemptItIs()
 {
     QString const path = '/' + c_Version;
-    Bench->Options.StallTime = 30s;
     Bench->Open();
     Bench->Server->Script(path).Then(Answer::Status(503)).Then(Answer().Held());
     DoorReader reader({Bench->DocumentUrl(c_Version)});
