@@ -31,7 +31,6 @@ private Q_SLOTS:
     void ABadValueIsRefused_data();
     void ABadValueIsRefused();
     void TheRestOfTheSettingsStays();
-    void SettingsThatCannotBeWrittenAreNamed();
 
     void KeptOptionsAreUsed();
     void AValueKeptThatIsNoneCanBeTakenAway();
@@ -284,14 +283,6 @@ void HostConfigTest::TheRestOfTheSettingsStays()
     QCOMPARE(Game->SettingKeys(), expected);
     QCOMPARE(Run({"-q", "uninstall"}).Status, 0);
     QCOMPARE(Config({}), QString("color=never\n"));
-}
-
-void HostConfigTest::SettingsThatCannotBeWrittenAreNamed()
-{
-    Game->SettingsFile = "/proc/no such folder/host.ini";
-    Outcome const outcome = Run({"-q", "config", "color", "never"});
-    QVERIFY2(outcome.Err.contains("the settings file " + Game->SettingsFile), "no name");
-    QCOMPARE(outcome.Status, 7);
 }
 
 void HostConfigTest::KeptOptionsAreUsed()
