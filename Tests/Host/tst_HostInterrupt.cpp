@@ -105,11 +105,14 @@ void HostInterruptTest::AnInterruptionWhileWaitingToTryAgainEnds()
     game.Server.Script(path).Always(Answer::ClosedBeforeHeaders());
     QVERIFY(game.Open());
     game.Start(RequestType::Install, game.Folder);
-    QVERIFY(game.WaitForPhase(RunPhase::WaitingToRetry));
+    QVERIFY(game.WaitUntil([&] { // and not just at it
+        return !game.Snapshots.empty() && game.Snapshots.back().Wait &&
+               game.Snapshots.back().Wait->NextAttempt > 0;
+    }));
     Host::RunSnapshot const shown = game.Snapshots.back();
     QCOMPARE(shown.Wait->Cause, QString("connection closed before the end"));
     QVERIFY(shown.Wait->Attempt > 1 && shown.Wait->Attempts == 0);
-    QVERIFY(shown.Wait->NextAttempt > 0);
+    QCOMPARE(shown.Phase, RunPhase::WaitingToRetry);
     QCOMPARE(shown.FileCount, 4u); // as in the phase before
     game.Session().Interrupt();
     QCOMPARE(game.End(), QString("interrupted"));
