@@ -56,10 +56,4 @@ bool LaunchBench::RunUntilStarted(int p_Times)
     return Host.RunUntil([&] { return Game.Starts().size() >= p_Times; });
 }
 
-void LaunchBench::MakeFolder(QString const& p_Name) const
-{
-    if (!QDir().mkpath(Path(p_Name)))
-        qFatal("cannot make %s", qPrintable(Path(p_Name)));
-}
-
 } // namespace Varnholt::TestSupport

@@ -58,7 +58,6 @@ public:
     void PutLiveFiles();
     [[nodiscard]] bool RunUntilStarted(int p_Times = 1);
 
-    void MakeFolder(QString const& p_Name) const;
     /// How often the log says that the executable was started.
     int LoggedStarts() const { return Log.Count("Start  \"" + Game.Path + "\""); }
     bool HasLiveFiles() const { return Has(c_Layout) || Has(c_Script); }

@@ -1,6 +1,6 @@
-#include "Tests/Install/RemovalWatch.hpp"
 #include "Tests/Runs/Game.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FolderEvents.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -70,13 +70,13 @@ void UninstallFilesTest::TheFilesOfTheBuildAreRemoved()
 
 void UninstallFilesTest::FilesAreRemovedInTheOrderOfTheBuild()
 {
-    if (!RemovalWatch::c_Works)
+    if (!FolderEvents::c_Works)
         QSKIP("the order of removals is not seen on this system");
     Game& game = *Played;
     game.Add({"s2", "s", 0, {}, true}).Add({"b", "b"}).Add({"a", "a"});
     game.Add({"s1", "s", 0, {}, true}).Add({"c", "c"});
     PutEverything();
-    RemovalWatch removals(game.Folder);
+    FolderEvents removals(game.Folder);
     game.App.Uninstall(true);
     QCOMPARE(removals.Removed(), QStringList({"b", "a", "c", "s2", "s1"}));
 }
