@@ -120,20 +120,11 @@ void HostVariablesTest::ABadVariableIsAUsageError_data()
 {
     QTest::addColumn<QByteArray>("variable");
     QTest::addColumn<QByteArray>("value");
-    AddRow("server", QByteArray("VARNHOLT_CONTENT_URL"), QByteArray("content.example"));
     AddRow("colour", QByteArray("VARNHOLT_COLOR"), QByteArray("pink"));
-    AddRow("channel", QByteArray("VARNHOLT_DEV_CHANNEL"), QByteArray("maybe"));
     AddRow("json", QByteArray("VARNHOLT_JSON"), QByteArray("maybe"));
     AddRow("rate", QByteArray("VARNHOLT_LIMIT_RATE"), QByteArray("fast"));
-    AddRow("connections", QByteArray("VARNHOLT_CONNECTIONS"), QByteArray("0"));
-    AddRow("time", QByteArray("VARNHOLT_RETRY_FOR"), QByteArray("soon"));
-    AddRow("timeout", QByteArray("VARNHOLT_CONNECT_TIMEOUT"), QByteArray("0"));
     AddRow("file", QByteArray("VARNHOLT_CA_FILE"), QByteArray("/no such file"));
-    AddRow("netrc", QByteArray("VARNHOLT_NETRC_FILE"), QByteArray("/no such file"));
-    AddRow("proxy", QByteArray("VARNHOLT_PROXY"), QByteArray("ftp://p"));
     AddRow("user", QByteArray("VARNHOLT_CONTENT_USER"), QByteArray("a:b"));
-    AddRow("https", QByteArray("VARNHOLT_HTTPS_MIRRORS"), QByteArray("maybe"));
-    AddRow("offline", QByteArray("VARNHOLT_OFFLINE"), QByteArray("maybe"));
 }
 
 void HostVariablesTest::ABadVariableIsAUsageError()
