@@ -20,7 +20,6 @@ private Q_SLOTS:
     void OneThatCannotBeMadeLeavesTheOther_data();
     void OneThatCannotBeMadeLeavesTheOther();
     void AFolderWithoutWritePermissionKeepsWhatIsThere();
-    void AFolderWithoutWritePermissionGetsNothing();
     void WithoutAnInterfaceNothingIsMade();
 
 private:
@@ -116,14 +115,6 @@ void LoginScreenFailuresTest::AFolderWithoutWritePermissionKeepsWhatIsThere()
     QVERIFY(SetMode(Bench->Path("Interface/GlueXMl"), 0755));
     QCOMPARE(Bench->Read(LaunchBench::c_Layout), QByteArray("layout of before"));
     QCOMPARE(Bench->Read(LaunchBench::c_Script), QByteArray("script of before"));
-}
-
-void LoginScreenFailuresTest::AFolderWithoutWritePermissionGetsNothing()
-{
-    QVERIFY(SetMode(Bench->Path("Interface/GlueXMl"), 0555));
-    StartTheGame();
-    QVERIFY(SetMode(Bench->Path("Interface/GlueXMl"), 0755));
-    QVERIFY(!Bench->HasLiveFiles());
 }
 
 void LoginScreenFailuresTest::WithoutAnInterfaceNothingIsMade()
