@@ -175,6 +175,10 @@ void Exchange::AskSizes(std::vector<PlannedFile> const& p_Files)
 
 void Exchange::SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly)
 {
+    // A client that wanted nothing but a size has to be given the time to hang up: bytes that it is
+    // handed are lost, and nobody wants those before a file's offset.
+    constexpr std::chrono::seconds c_Leaving{2};
+
     if (!IsRunning)
         return;
     for (File const& file : std::exchange(Planned, FilesOf(p_Files)))
@@ -190,6 +194,10 @@ void Exchange::SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirs
     SizesKnown.reset();
     SizesFirst = p_SizesFirst;
     SizesOnly = p_SizesOnly;
+    if (!SizesFirst)
+        for (Reader* const reader : Readers)
+            if (reader->NotBefore == TimePoint::max())
+                reader->NotBefore = Clock::now() + c_Leaving;
     Changed.notify_all();
     Loop.Wake();
 }

@@ -41,6 +41,7 @@ public:
         std::optional<std::uint64_t> Size; ///< as its client was told
         std::uint64_t Run = 0;
         bool Starves = false; ///< waits for bytes and has nothing to give to its client
+        TimePoint NotBefore;  ///< that it gets any; the end of time: while sizes come first
     };
     enum class Given { Bytes, Nothing, End, Failure };
     struct DocumentAnswer {
@@ -104,6 +105,10 @@ private:
     std::vector<File> FilesOf(std::vector<PlannedFile> const& p_Files);
     void SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly);
     File Known(std::string const& p_Path) const;
+    bool MayRead(Reader const& p_Reader) const
+    {
+        return !SizesFirst && Clock::now() >= p_Reader.NotBefore;
+    }
 
     // _Documents
     std::shared_ptr<Document> NewDocument(std::string const& p_Path) const;

@@ -51,7 +51,7 @@ void Exchange::StartFiles(TimePoint p_Now)
             !FetchGaps(reader->File, reader->At, true, p_Now))
             return RelieveSlowOnes(p_Now);
     for (Reader* const reader : Readers)
-        if (reader->Run == Run && !reader->Starves && !SizesFirst &&
+        if (reader->Run == Run && !reader->Starves && MayRead(*reader) &&
             !FetchGaps(reader->File, reader->At, false, p_Now))
             return RelieveSlowOnes(p_Now);
     if (!SizesOnly)

@@ -23,8 +23,10 @@ std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std:
     reader->Run = Run;
     Readers.push_back(reader.get());
     ++file->Readers;
-    if (SizesFirst)
+    if (SizesFirst) {
+        reader->NotBefore = TimePoint::max();
         return reader;
+    }
     file->IsReadFromStart = file->IsReadFromStart || p_Offset == 0;
     if (file->PlanIndex != FileContent::c_Unplanned && file->PlanIndex > PlanNext) {
         PlanNext = file->PlanIndex;
@@ -45,7 +47,7 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
                (p_Reader.Size && file.Size != p_Reader.Size);
     };
     auto const isThere = [&] {
-        return !SizesFirst && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
+        return MayRead(p_Reader) && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
     };
     if (!isThere() && !isOver()) {
         Changed.wait_for(lock, p_Reader.Starves ? c_Wait : c_FirstWait,
@@ -57,7 +59,7 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
     if (isOver())
         return Given::Failure;
     if (!isThere()) {
-        if (!p_Reader.Starves && !SizesFirst) {
+        if (!p_Reader.Starves && MayRead(p_Reader)) {
             p_Reader.Starves = true;
             Loop.Wake();
         }

@@ -180,7 +180,6 @@ void GatewayChunksTest::NoMoreConnectionsThanAreAllowed()
     QFETCH(int, expected);
     GatewayBench bench(mirrors);
     bench.Options.Connections = connections;
-    bench.Options.StallTime = std::chrono::minutes{1};
     std::vector<PlannedFile> plan;
     for (int i = 0; i < 50; ++i) {
         bench.Serve(Numbered(i), "content");
@@ -225,7 +224,6 @@ void GatewayChunksTest::TheNumberOfConnectionsCanBeChanged()
 {
     GatewayBench bench(4);
     bench.Options.Connections = 1;
-    bench.Options.StallTime = std::chrono::minutes{1};
     std::vector<PlannedFile> plan;
     for (int i = 0; i < 50; ++i)
         plan.push_back(Planned(Numbered(i)));

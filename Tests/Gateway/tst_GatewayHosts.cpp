@@ -136,6 +136,7 @@ void GatewayHostsTest::AListThatDoesNotComeLeavesTheContentServer()
     GatewayBench bench;
     bench.Serve(c_Path, "content");
     bench.Server->Script("/cdns.info").Always(answer);
+    bench.Options.StallTime = StallFor(answer);
     bench.Open();
     QCOMPARE(bench.Door->Servers(), std::vector<std::string>{bench.Options.ContentServer});
     QCOMPARE(bench.Document(c_Path).Body, QByteArray("content"));
@@ -175,7 +176,6 @@ void GatewayHostsTest::CopiesAreAllThatIsAskedFor()
 void GatewayHostsTest::CopiesStandInForASilentServer()
 {
     GatewayBench bench;
-    bench.Options.StallTime = 30s;
     bench.Server->Script("*").Always(Answer::SilentBeforeHeaders());
     bench.Open(Source::ServerOrCopies, c_Copies);
     QElapsedTimer timer;
@@ -217,7 +217,6 @@ void GatewayHostsTest::WithoutACopyTheServerIsWaitedFor()
 {
     GatewayBench bench;
     bench.Server->Script('/' + c_Version).Always(Answer::SilentBeforeHeaders());
-    bench.Options.StallTime = 30s;
     bench.Open(Source::ServerOrCopies, {{"cdns.info", "a.example"}});
     DoorReader reader({bench.DocumentUrl(c_Version)});
     QVERIFY(!Happens([&] { return reader.IsDone(); }));

@@ -66,7 +66,6 @@ private Q_SLOTS:
     void cleanup();
 
     void TheSettingsStandBelowTheEnvironmentBelowTheCommandLine();
-    void WithoutAWordThingsAreAsAlways();
     void EveryOptionIsLookedAt();
     void AValueKeptThatIsNoneIsToldAndLeftOut_data();
     void AValueKeptThatIsNoneIsToldAndLeftOut();
@@ -177,18 +176,6 @@ void HostOptionsTest::TheSettingsStandBelowTheEnvironmentBelowTheCommandLine()
         QCOMPARE(name + row.Get(Completed(option + QStringList("status"))), name + row.Value);
         QVERIFY(!Fault);
     }
-}
-
-void HostOptionsTest::WithoutAWordThingsAreAsAlways()
-{
-    HostOptions const plain;
-    HostOptions const completed = Completed({"status"}).Options;
-    QCOMPARE(completed.Connections, plain.Connections);
-    QCOMPARE(completed.BytesPerSecond, quint64(0));
-    QCOMPARE(completed.RetryForMilliseconds, plain.RetryForMilliseconds);
-    QCOMPARE(completed.ConnectMilliseconds, plain.ConnectMilliseconds);
-    QCOMPARE(completed.ContentPassword, QString());
-    QVERIFY(!completed.Offline && !completed.HttpsMirrors);
 }
 
 void HostOptionsTest::EveryOptionIsLookedAt()

@@ -20,7 +20,6 @@ private Q_SLOTS:
     void ALanguageIsSetWhileTheSessionLives();
     void AStoppedRepairEndsAndIsNotTakenForAWholeOne();
     void ARepairThatIsStoppedBeforeItsFilesEnds();
-    void ASessionAfterAnotherLoadsTheModuleAgain();
     void ASecondSessionBesideTheFirstIsRefused();
 };
 
@@ -171,17 +170,6 @@ void HostSessionTest::ARepairThatIsStoppedBeforeItsFilesEnds()
     QCOMPARE(game.End(), QString("interrupted"));
     QVERIFY(game.Result().IsRepairStopped);
     QVERIFY(!game.Status().IsUnfinished);
-}
-
-void HostSessionTest::ASessionAfterAnotherLoadsTheModuleAgain()
-{
-    SessionGame game;
-    game.AddFiles().Publish();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Install(), QString("done"));
-    QVERIFY(game.Open());
-    QVERIFY(game.Status().IsInstalled);
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
 }
 
 void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
