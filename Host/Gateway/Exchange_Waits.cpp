@@ -56,7 +56,7 @@ FetchProblem Exchange::Silence() const
         for (Span const& span : reader->File->Spans)
             if (reader->Run == Run && reader->Starves && span.IsUnderWay())
                 url = span.By->Url;
-    return {FetchProblem::Type::Silent, url, "no answer in time", 0};
+    return {FetchProblem::Type::Silent, url, FetchProblem::Cause::NoAnswer};
 }
 
 /// Gives up when nothing has come for as long as is allowed.

@@ -232,8 +232,8 @@ void Transfer::End(CURLcode p_Code)
     if (p_Code == CURLE_OK || Stopped)
         return Events.OnEnd(std::nullopt);
     if (HeaderBytes > c_MostHeaderBytes)
-        return Events.OnEnd(
-            FetchProblem{FetchProblem::Type::Unusable, Request.Url, "endless headers", 0});
+        return Events.OnEnd(FetchProblem{FetchProblem::Type::Unusable, Request.Url,
+                                         FetchProblem::Cause::EndlessHeaders});
     if (LeavesTls)
         p_Code = CURLE_UNSUPPORTED_PROTOCOL;
     Events.OnEnd(TransferProblem(Easy, p_Code, Request.Url, ErrorText.data()));

@@ -73,7 +73,8 @@ void HostDoorTest::EachProblemIsToldAsItsKind()
 {
     QFETCH(int, type);
     Host::Failure const failure = Host::ExplainFetch(
-        {static_cast<Gateway::FetchProblem::Type>(type), "http://a.example/a%20b", "why", 0});
+        {static_cast<Gateway::FetchProblem::Type>(type), "http://a.example/a%20b",
+         Gateway::FetchProblem::Cause::Told, 0, "why"});
     QTEST(failure.Identifier(), "identifier");
     QVERIFY2(failure.Sentence().contains("http://a.example/a b ") &&
                  failure.Sentence().contains("(why)"),
