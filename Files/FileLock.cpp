@@ -58,8 +58,9 @@ QString NameIn(int p_File)
     QString const name = line.trimmed();
     bool const isText = std::all_of(name.begin(), name.end(),
                                     [](QChar p_Character) { return p_Character.isPrint(); });
-    return isText && line.endsWith(QLatin1Char('\n')) ? name
-                                                      : QStringLiteral("it does not say which");
+    return isText && line.endsWith(QLatin1Char('\n'))
+               ? name
+               : QCoreApplication::translate("Varnholt::FileLock", "it does not say which");
 }
 
 } // namespace

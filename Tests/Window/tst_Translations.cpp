@@ -59,8 +59,8 @@ void TranslationsTest::NoTextIsMissing()
     QTemporaryDir const folder;
     QString const copy = folder.filePath("copy.ts");
     QVERIFY(QFile::copy(File(code), copy));
-    QStringList arguments{"-silent", "-locations", "none",        "-no-obsolete", "-I",
-                          ".",       "Host/Core",  "Host/Window", "-ts",          copy};
+    QStringList arguments{"-silent", "-locations", "none",      "-no-obsolete", "-I",  ".",
+                          "Files",   "Host/Cli",   "Host/Core", "Host/Window",  "-ts", copy};
     if (code == "enUS")
         arguments.prepend("-pluralonly");
     QProcess update;
