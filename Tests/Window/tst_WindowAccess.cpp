@@ -150,7 +150,7 @@ void WindowAccessTest::EveryControlIsWithinReach()
     };
     check(new Host::InstallDialog(game.Controller(), game.Base));
     check(new Host::UninstallDialog(game.Controller()));
-    check(new Host::LoginDialog(store, "Game", {}));
+    check(new Host::LoginDialog(store, "Game", {"me", "secret", false}));
     check(new Host::SettingsDialog({}, "http://a/", true));
 
     for (auto const& state : PageStates::All()) {

@@ -119,7 +119,6 @@ void WindowResponseTest::OneThatIsKeptInTheTrayGoesOn()
     game.Server.OpenGate(gate);
     QVERIFY(game.WaitForPrimary("Play"));
     QCOMPARE(game.Wrong(), QStringList());
-    game.Window().SetEndsWhenClosed(true);
 }
 
 } // namespace Varnholt::TestSupport

@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QScreen>
 
+#include <algorithm>
 #include <utility>
 
 namespace Varnholt::Host {
@@ -33,6 +34,19 @@ SettingsFile::Values OfSession(SettingsFile::Values const& p_Kept)
             row.key() != QLatin1String("options/limit-rate"))
             kept.insert(row.key(), row.value());
     return kept;
+}
+
+/// The screen may be another one than when its place was kept.
+void FitToScreen(QWidget& p_Window, bool p_HasPlace)
+{
+    QRect const screen = p_Window.screen()->availableGeometry();
+    p_Window.resize(p_Window.size().boundedTo(screen.size()));
+    QRect place = p_Window.geometry();
+    place.moveBottomRight(
+        {std::min(place.right(), screen.right()), std::min(place.bottom(), screen.bottom())});
+    place.moveTopLeft({std::max(place.left(), screen.left()), std::max(place.top(), screen.top())});
+    if (p_HasPlace && place != p_Window.geometry()) // otherwise the desktop finds one
+        p_Window.setGeometry(place);
 }
 
 } // namespace
@@ -76,9 +90,8 @@ void Desktop::Begin(SettingsFile::Values const& p_Kept)
 {
     TakeUp(p_Kept);
     File.Begin();
-    // Of a screen that is another one now, Qt wants to know nothing.
-    if (!Window.restoreGeometry(Settings.Geometry))
-        Window.resize(Window.size().boundedTo(Window.screen()->availableSize()));
+    bool const hasPlace = Window.restoreGeometry(Settings.Geometry);
+    FitToScreen(Window, hasPlace);
     if (!Settings.StartsMinimised)
         Window.show();
     else if (!StaysInTray())

@@ -1,5 +1,6 @@
 #include "Host/Window/Settings/SettingsWatch.hpp"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace Varnholt::Host {
@@ -17,12 +18,11 @@ SettingsWatch::SettingsWatch(QString const& p_File, QObject* p_Parent)
     connect(&Watcher, &QFileSystemWatcher::directoryChanged, this, settle);
     connect(&Watcher, &QFileSystemWatcher::fileChanged, this, settle);
     connect(&Settling, &QTimer::timeout, this, [this] {
-        Begin(); // a file that was replaced is another one
+        Begin(); // a file that was replaced is watched anew
         Read();
     });
     connect(&File, &AsyncSettings::WasRead, this, &SettingsWatch::WasRead);
     connect(&File, &AsyncSettings::Written, this, [this](std::optional<Failure> const& p_Failure) {
-        Begin(); // its folder may be there only now
         if (p_Failure)
             Q_EMIT WriteFailed(*p_Failure);
     });
@@ -30,7 +30,9 @@ SettingsWatch::SettingsWatch(QString const& p_File, QObject* p_Parent)
 
 void SettingsWatch::Begin()
 {
-    Watcher.addPaths({QFileInfo(Path).path(), Path});
+    QString const folder = QFileInfo(Path).path();
+    QDir().mkpath(folder); // another program may be the first to write there
+    Watcher.addPaths({folder, Path});
 }
 
 } // namespace Varnholt::Host
