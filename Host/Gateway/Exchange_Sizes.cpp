@@ -181,7 +181,7 @@ void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> con
         NoteFailure(p_Query, *problem);
     else {
         LastByte = Clock::now();
-        Latest.reset();
+        NoteArrival(LastByte);
         p_Query.From->Failures = p_Query.From->Refusals = 0;
     }
     if ((!file->Size && !file->HasNoSize && !file->Refusal) || file->IsDisputed)
