@@ -26,6 +26,7 @@ private Q_SLOTS:
     void AGameIsInstalledPausedAndContinued();
     void AStoppedInstallationIsContinued();
     void AServerThatFailsIsWaitedForAndTold();
+    void ABusyServerIsToldAsOne();
     void GivenUpFilesAreListedAndTriedAgain();
     void DamageIsFoundAndRepaired();
     void ThePageTellsThatTheGameRuns();
@@ -92,6 +93,24 @@ void MainWindowTest::AServerThatFailsIsWaitedForAndTold()
         [&] { return game.Text("stripTitle") == "Connection closed before the end"; }));
     QVERIFY2(game.Text("stripText").contains("Attempt "), qPrintable(game.Text("stripText")));
     QCOMPARE(game.Primary(), QString("Installing"));
+}
+
+void MainWindowTest::ABusyServerIsToldAsOne()
+{
+    WindowGame game;
+    game.AddFiles().Publish();
+    QString const gate = game.HoldContent("Data/base.MPQ", 1'000);
+    game.Server.Script("GET " + game.Content.ServerPath("readme.txt"))
+        .Always(Answer::Status(503).With("Retry-After", "20"));
+    game.Open();
+    game.Install();
+    QVERIFY(game.WaitUntil([&] {
+        return QFileInfo(game.Path("Data/base.MPQ.part")).size() == 1'000 &&
+               game.Server.ScriptedAnswers("GET " + game.Content.ServerPath("readme.txt")) > 0;
+    }));
+    game.Server.OpenGate(gate);
+    QVERIFY(game.WaitUntil([&] { return !game.Text("stripTitle").isEmpty(); }));
+    QCOMPARE(game.Text("stripTitle"), QString("HTTP status 503"));
 }
 
 void MainWindowTest::GivenUpFilesAreListedAndTriedAgain()
