@@ -5,6 +5,7 @@
 #include "Tests/Window/WindowGame.hpp"
 
 #include <QScreen>
+#include <QSignalSpy>
 #include <QtEndian>
 
 namespace Varnholt::TestSupport {
@@ -153,16 +154,20 @@ void DesktopTest::TheEndOfADownloadIsNotifiedToWhoLooksElsewhere()
     QCOMPARE(service.All[0].Title, QString("Mists of Pandaria"));
     QVERIFY2(service.All[0].Text.startsWith("The game is complete: "),
              qPrintable(service.All[0].Text));
-    for (bool const notifies : {false, true}) { // the first of these is not told
+    QByteArray const whole = game.Read("readme.txt");
+    for (bool const notifies : {false, true}) { // the first of these finds damage, and is not told
+        game.Put("readme.txt", notifies ? whole : QByteArray("damaged"));
         game.SetSetting("window/notify", notifies);
         game.Close();
         game.OpenOnDesktop(false);
         other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QSignalSpy const ended(&game.Controller(), &Host::GameController::RunEnded);
         game.Controller().Start(Type::Verify);
-        QVERIFY(game.WaitUntil([&] { return !game.Controller().IsBusy(); }));
+        QVERIFY(game.WaitUntil([&] { return !ended.isEmpty(); }));
     }
     QVERIFY(game.WaitUntil([&] { return service.All.size() > 1; }));
-    QCOMPARE(service.All.size(), std::size_t(2));
+    QCOMPARE(service.All[1].Text, QString("Every file of the game is right."));
     // The number of the notification may still be on its way.
     QVERIFY(game.WaitUntil([&] {
         Q_EMIT service.ActionInvoked(NotificationService::c_Id, "default");

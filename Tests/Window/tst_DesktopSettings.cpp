@@ -70,6 +70,7 @@ void DesktopSettingsTest::WhatOtherProgramsChangeIsTakenUp()
     QVERIFY(game.WaitUntil([&] { return game.Controller().Options().Connections == 7; }));
     QVERIFY(game.WaitUntil(
         [&] { return game.Controller().Options().BytesPerSecond == quint64(5) << 20; }));
+    QVERIFY(game.WaitUntil([&] { return game.State().Status.has_value(); })); // of a new session
     QCOMPARE(HostProcess(game, {"install", game.Folder}).Finish().Status, 0);
     QVERIFY(game.WaitForPrimary("Play"));
 }
