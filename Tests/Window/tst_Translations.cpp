@@ -1,4 +1,6 @@
+#include "Host/Cli/OptionText.hpp"
 #include "Host/Core/Failures/ByteText.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
 #include "Host/Window/Desktop/Language.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -36,7 +38,7 @@ private Q_SLOTS:
     void NoTextIsMissing();
     void NothingIsLostInTranslation_data() { NoTextIsMissing_data(); }
     void NothingIsLostInTranslation();
-    void NumbersAreWrittenAsTheLanguageDoes();
+    void TextsAreThoseOfTheLanguage();
 
 private:
     static QString File(QString const& p_Code)
@@ -101,7 +103,8 @@ void TranslationsTest::NothingIsLostInTranslation()
     QVERIFY(count > 5);
 }
 
-void TranslationsTest::NumbersAreWrittenAsTheLanguageDoes()
+/// Numbers too, and what is put together from parts.
+void TranslationsTest::TextsAreThoseOfTheLanguage()
 {
     Host::Language language;
     language.Use("frFR");
@@ -109,6 +112,11 @@ void TranslationsTest::NumbersAreWrittenAsTheLanguageDoes()
     QCOMPARE(
         QCoreApplication::translate("Varnholt::Host::ProgressTexts", "%n minute(s)", nullptr, 1),
         QString("1 minute"));
+    using Gateway::FetchProblem;
+    QCOMPARE(
+        Host::CauseText({FetchProblem::Type::Refused, {}, FetchProblem::Cause::Status, 503, "503"}),
+        QString("statut HTTP 503"));
+    QCOMPARE(Host::OptionText::WhyNotRate("abc").left(5), QString::fromUtf8("« abc"));
     language.Use("enUS");
     QCOMPARE(Host::ByteText(1536 * 1024), QString("1.5 MiB"));
     QCOMPARE(
