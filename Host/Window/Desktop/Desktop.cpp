@@ -39,6 +39,8 @@ SettingsFile::Values OfSession(SettingsFile::Values const& p_Kept)
 /// The screen may be another one than when its place was kept.
 void FitToScreen(QWidget& p_Window, bool p_HasPlace)
 {
+    if (p_Window.isMaximized() || p_Window.isFullScreen())
+        return;
     QRect const screen = p_Window.screen()->availableGeometry();
     p_Window.resize(p_Window.size().boundedTo(screen.size()));
     QRect place = p_Window.geometry();
@@ -134,7 +136,7 @@ void Desktop::TakeUp(SettingsFile::Values const& p_Kept)
 void Desktop::TellFaults(std::vector<Failure> const& p_Faults)
 {
     QStringList sentences;
-    for (Failure const& fault : p_Faults)
+    for (Failure const& fault : p_Faults) // that of the file as a whole names it
         sentences += fault.Subject == Given.Options.SettingsFile
                          ? RunText::Sentence(fault)
                          : tr("In the settings file %1: %2.")

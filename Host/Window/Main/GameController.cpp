@@ -68,9 +68,8 @@ void GameController::Begin(RunRequest const& p_Request, bool p_IsQuiet)
     if (!Session)
         return;
     if (IsStale && !p_IsQuiet && CanReopen()) {
-        Reopen();
         Next = p_Request;
-        return;
+        return Renew();
     }
     if (!IsBusy()) {
         IsQuiet = p_IsQuiet;

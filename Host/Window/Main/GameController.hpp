@@ -72,6 +72,7 @@ private:
     void OpenChosen();
     void Listen();
     void LetGo();
+    void Renew();
     void RefuseNext(Failure const& p_Failure);
     /// Without losing what is under way, or the end of the game.
     bool CanReopen() const { return !IsBusy() && !Known.IsGameRunning; }

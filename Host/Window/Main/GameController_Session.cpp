@@ -32,7 +32,15 @@ void GameController::SetOptions(HostOptions const& p_Options, bool p_NeedsSessio
         Session->SetRateLimit(Chosen.BytesPerSecond);
     IsStale = Session && (IsStale || p_NeedsSession);
     if (IsStale && CanReopen())
-        Reopen();
+        Renew();
+}
+
+/// What is to be begun in the new session stays.
+void GameController::Renew()
+{
+    auto next = std::exchange(Next, std::nullopt);
+    Reopen();
+    Next = std::move(next);
 }
 
 std::optional<QString> GameController::Choose(QString const& p_ModuleFile)
