@@ -1,3 +1,4 @@
+#include "Files/FileLock.hpp"
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Core/Failures/ByteText.hpp"
 #include "Host/Core/Network/FetchFailure.hpp"
@@ -117,6 +118,12 @@ void TranslationsTest::TextsAreThoseOfTheLanguage()
         Host::CauseText({FetchProblem::Type::Refused, {}, FetchProblem::Cause::Status, 503, "503"}),
         QString("statut HTTP 503"));
     QCOMPARE(Host::OptionText::WhyNotRate("abc").left(5), QString::fromUtf8("« abc"));
+    QTemporaryDir const folder;
+    FileLock first(folder.filePath("lock"));
+    FileLock second(folder.filePath("lock"));
+    QCOMPARE(first.Take(), FileLock::Outcome::Taken);
+    QCOMPARE(second.Take(), FileLock::Outcome::Held);
+    QVERIFY2(second.Holder().contains(", processus "), qPrintable(second.Holder()));
     language.Use("enUS");
     QCOMPARE(Host::ByteText(1536 * 1024), QString("1.5 MiB"));
     QCOMPARE(

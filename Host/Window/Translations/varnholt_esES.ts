@@ -7,6 +7,10 @@
         <source>it does not say which</source>
         <translation>no dice cuál</translation>
     </message>
+    <message>
+        <source>%1, process %2 on %3</source>
+        <translation>%1, proceso %2 en %3</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::AccountPassword</name>

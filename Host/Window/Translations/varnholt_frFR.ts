@@ -7,6 +7,10 @@
         <source>it does not say which</source>
         <translation>il ne dit pas lequel</translation>
     </message>
+    <message>
+        <source>%1, process %2 on %3</source>
+        <translation>%1, processus %2 sur %3</translation>
+    </message>
 </context>
 <context>
     <name>Varnholt::Host::AccountPassword</name>
