@@ -35,14 +35,14 @@ std::optional<Failure> ConfigRun::Show()
     QString const& key = Chosen.ConfigKey;
     if (Chosen.ConfigList) {
         for (QString const& one : ConfigCommand::Keys()) {
-            GivenOption const option = ConfigCommand::InForce(Chosen, Settings, one);
+            GivenOption const option = ConfigCommand::InForce(Chosen, Settings.All(), one);
             Output.ShowOption(one, option.Text, option.Origin, true);
         }
     } else if (key.isEmpty())
-        for (QString const& one : ConfigCommand::SetKeys(Settings))
-            Output.ShowOption(one, ConfigCommand::Shown(Settings, one), {}, true);
+        for (QString const& one : ConfigCommand::SetKeys(Settings.All()))
+            Output.ShowOption(one, ConfigCommand::Shown(Settings.All(), one), {}, true);
     else if (ConfigCommand::Keys().contains(key))
-        Output.ShowOption(key, ConfigCommand::Shown(Settings, key), {}, false);
+        Output.ShowOption(key, ConfigCommand::Shown(Settings.All(), key), {}, false);
     else
         return ConfigCommand::Set(Settings, key, {}); // tells what is known
     return std::nullopt;

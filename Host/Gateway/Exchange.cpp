@@ -91,7 +91,8 @@ void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
     Copies = std::move(p_Copies);
     CopiesFrom = {};
     if (From == Gateway::Source::Copies)
-        TurnToCopies({FetchProblem::Type::Silent, Options.ContentServer, "nobody is asked", 0});
+        TurnToCopies(
+            {FetchProblem::Type::Silent, Options.ContentServer, FetchProblem::Cause::NobodyAsked});
     Loop.Wake();
 }
 

@@ -171,6 +171,7 @@ private:
     FetchProblem Silence() const;
     GatewaySnapshot::Wait WaitAt(TimePoint p_Now, Milliseconds p_Silent) const;
     void CountBytes(Server& p_Server, std::uint64_t p_Bytes, bool p_AreNew, TimePoint p_Now);
+    void NoteArrival(TimePoint p_Now);
     TimePoint LastSign() const { return std::max({LastByte, LastSkipped, WaitedSince}); }
 
     static constexpr std::uint64_t c_WindowBytes = 24ULL * 1024 * 1024;

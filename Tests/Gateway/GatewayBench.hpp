@@ -95,4 +95,5 @@ constexpr int c_MiB = 1024 * 1024;
 
 } // namespace Varnholt::TestSupport
 
+Q_DECLARE_METATYPE(Varnholt::Gateway::FetchProblem::Cause)
 Q_DECLARE_METATYPE(Varnholt::Gateway::FetchProblem::Type)

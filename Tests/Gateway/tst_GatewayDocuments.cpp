@@ -144,24 +144,24 @@ void GatewayDocumentsTest::WhatIsRefusedFailsAtOnce()
     QCOMPARE(problem.Kind, Kind::Refused);
     QCOMPARE(problem.HttpStatus, status);
     QCOMPARE(problem.Url, Bench->Server->Url('/' + path).toStdString());
-    QVERIFY2(problem.Cause.find(std::to_string(status)) != std::string::npos,
-             problem.Cause.c_str());
+    QCOMPARE(problem.Why, FetchProblem::Cause::Status);
+    QCOMPARE(problem.Detail, std::to_string(status));
     QCOMPARE(Bench->Door->LatestProblem().value_or(FetchProblem{}).Url, problem.Url);
 }
 
 void GatewayDocumentsTest::AServerThatIsNotThereFailsAtOnce_data()
 {
     QTest::addColumn<QString>("server");
-    QTest::addColumn<QString>("cause");
-    QTest::newRow("refused") << ScriptedServer::RefusingUrl("/") << "refused";
-    QTest::newRow("no such host") << "http://content.invalid/"
-                                  << "not found";
+    QTest::addColumn<FetchProblem::Cause>("cause");
+    QTest::newRow("refused") << ScriptedServer::RefusingUrl("/")
+                             << FetchProblem::Cause::ConnectionRefused;
+    QTest::newRow("no such host") << "http://content.invalid/" << FetchProblem::Cause::HostNotFound;
 }
 
 void GatewayDocumentsTest::AServerThatIsNotThereFailsAtOnce()
 {
     QFETCH(QString, server);
-    QFETCH(QString, cause);
+    QFETCH(FetchProblem::Cause, cause);
     Bench->Options.ContentServer = server.toStdString();
     Bench->Open();
     QElapsedTimer timer;
@@ -172,10 +172,7 @@ void GatewayDocumentsTest::AServerThatIsNotThereFailsAtOnce()
     QCOMPARE(problem.Kind, Kind::Unreachable);
     QCOMPARE(problem.HttpStatus, 0);
     QCOMPARE(problem.Url, server.toStdString() + c_Version.toStdString());
-    QVERIFY2(QRegularExpression(cause, QRegularExpression::CaseInsensitiveOption)
-                 .match(QString::fromStdString(problem.Cause))
-                 .hasMatch(),
-             problem.Cause.c_str());
+    QCOMPARE(problem.Why, cause);
 }
 
 void GatewayDocumentsTest::ASickAnswerIsAskedForThreeTimes_data()

@@ -41,6 +41,9 @@ private Q_SLOTS:
     void WhatNobodyHasIsMissing_data();
     void WhatNobodyHasIsMissing();
     void AWaitIsShown();
+    void ABusyServerIsNotTakenForASilentOne();
+    void AStatusCountsThoughItsPageDoesNotCome_data();
+    void AStatusCountsThoughItsPageDoesNotCome();
     void NobodyIsAskedWhileNobodyWaits();
 
 private:
@@ -179,7 +182,7 @@ void GatewayRetryTest::GivesUpWhenNothingComes()
     QVERIFY(gaveUp);
     QCOMPARE(gaveUp->Kind, kind);
     QCOMPARE(gaveUp->Url, Bench->Server->Url(c_ServerPath).toStdString());
-    QVERIFY(!gaveUp->Cause.empty());
+    QVERIFY(gaveUp->Why != FetchProblem::Cause::Told);
     QCOMPARE(Bench->ProblemOf(c_Path).Kind, kind);
 }
 
@@ -271,6 +274,48 @@ void GatewayRetryTest::AWaitIsShown()
     QCOMPARE(waits->Attempts, 0);
     reader.Abandon();
     QVERIFY(Becomes([&] { return !Bench->Door->Snapshot().Waits; }));
+}
+
+/// What was under way before goes on to arrive, and does not hide why the rest has to wait.
+void GatewayRetryTest::ABusyServerIsNotTakenForASilentOne()
+{
+    QByteArray const early = "game/files/early";
+    Bench->Serve(early, Bytes);
+    Bench->Server->Script("GET /" + early).Then(Answer::SilentAfter(1'000));
+    Bench->ScriptForEver(c_Get, Answer::Status(503).With("Retry-After", "20"));
+    Bench->Open();
+    DoorReader const first({Bench->ContentUrl(early)});
+    QVERIFY(Becomes([&] { return Bench->Server->BodyBytes('/' + early) == 1'000; }));
+    DoorReader const second({Bench->ContentUrl(c_Path)});
+    QVERIFY(Becomes([&] { return Bench->ProblemOf(c_Path).HttpStatus == 503; }));
+    Bench->Server->OpenGate('/' + early);
+    QVERIFY(Becomes([&] { return Bench->Door->Snapshot().Waits.has_value(); }));
+    auto const waits = Bench->Door->Snapshot().Waits;
+    QCOMPARE(waits->Problem.Why, FetchProblem::Cause::Status);
+    QCOMPARE(waits->Problem.HttpStatus, 503);
+    QCOMPARE(waits->Attempt, 2);
+    QVERIFY(waits->NextAttempt > 1s);
+}
+
+void GatewayRetryTest::AStatusCountsThoughItsPageDoesNotCome_data()
+{
+    QTest::addColumn<Answer>("answer");
+    Answer silent = Answer::Status(503);
+    silent.HeldAfter = 0;
+    QTest::newRow("silent") << silent;
+    QTest::newRow("closed") << Answer::Status(503).CutAfter(0);
+}
+
+void GatewayRetryTest::AStatusCountsThoughItsPageDoesNotCome()
+{
+    QFETCH(Answer, answer);
+    Bench->Options.StallTime = 1s;
+    Bench->Open();
+    Bench->ScriptForEver(c_Get, answer);
+    DoorReader reader({Bench->ContentUrl(c_Path)});
+    QVERIFY(Becomes([&] { return Bench->Door->LatestProblem().has_value(); }));
+    QCOMPARE(Bench->Door->LatestProblem()->HttpStatus, 503);
+    reader.Abandon();
 }
 
 void GatewayRetryTest::NobodyIsAskedWhileNobodyWaits()

@@ -153,7 +153,10 @@ Choice HostOptionsTest::Completed(QStringList const& p_Arguments)
         pointers.push_back(word.constData());
     CommandParser parser;
     Choice choice = parser.Parse(static_cast<int>(pointers.size()), pointers.data());
-    Fault = ConfigCommand::Complete(choice, *Settings);
+    Fault = ConfigCommand::TakeEnvironment(choice);
+    auto const faults = ConfigCommand::Complete(choice, Settings->All());
+    if (!Fault && !faults.empty())
+        Fault = faults.front();
     return choice;
 }
 

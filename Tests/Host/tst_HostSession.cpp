@@ -21,6 +21,7 @@ private Q_SLOTS:
     void AStoppedRepairEndsAndIsNotTakenForAWholeOne();
     void ARepairThatIsStoppedBeforeItsFilesEnds();
     void ASecondSessionBesideTheFirstIsRefused();
+    void ARunKnowsWhatOthersHaveWritten();
 };
 
 void HostSessionTest::AnInstallationBringsEverything()
@@ -183,6 +184,19 @@ void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
     other.Close();
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ARunKnowsWhatOthersHaveWritten()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Verify), QString("not-installed"));
+    game.PutInstalled(); // as another program does
+    QCOMPARE(game.Run(RequestType::Verify), QString("done"));
+    game.SetSetting("theirs", 1);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Setting("theirs"), QVariant("1"));
 }
 
 } // namespace Varnholt::TestSupport

@@ -16,6 +16,11 @@ public:
     Screen& On() { return Shown; }
     /// Starts the program and waits for its window, which has this title.
     [[nodiscard]] bool Open(QStringList const& p_Options = {}, QString const& p_Title = c_Name);
+    /// Starts the program as a process of the test's own.
+    void Start(QProcess& p_Program, QString const& p_Settings,
+               QStringList const& p_Options = {}) const;
+    /// Ends it without a word.
+    void Kill();
     /// Closes its window. \return how it ended; -1 when it did not
     int Close();
     /// Gives the keyboard to the window or dialog with this title and presses the keys.

@@ -1,5 +1,7 @@
 #include "Host/Core/Jobs/MirrorCheck.hpp"
 
+#include "Host/Core/Network/FetchFailure.hpp"
+
 #include <QUrl>
 
 #include <algorithm>
@@ -52,7 +54,7 @@ void MirrorCheck::OnManifest(Gateway::Reply const& p_Reply)
     MirrorReport& report = Found.back();
     report.IsReachable = p_Reply.HttpStatus != 0;
     if (p_Reply.Problem) {
-        report.Cause = QString::fromStdString(p_Reply.Problem->Cause);
+        report.Cause = CauseText(*p_Reply.Problem);
         return AskNext();
     }
     report.Milliseconds = p_Reply.Took.count();
@@ -81,7 +83,7 @@ void MirrorCheck::OnPiece(Gateway::Reply const& p_Reply)
     report.GivesRanges = p_Reply.HttpStatus == c_PartialContent;
     if (!report.GivesRanges && report.Cause.isEmpty())
         report.Cause = p_Reply.HttpStatus == 0 && p_Reply.Problem
-                           ? QString::fromStdString(p_Reply.Problem->Cause)
+                           ? CauseText(*p_Reply.Problem)
                            : tr("it answers a range with status %1").arg(p_Reply.HttpStatus);
     AskNext();
 }

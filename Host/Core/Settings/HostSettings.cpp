@@ -28,6 +28,13 @@ QVariant HostSettings::Value(QString const& p_Key, QVariant const& p_Default) co
     return held.isValid() ? held : p_Default;
 }
 
+void HostSettings::ReadAgain()
+{
+    QMutexLocker const lock(&StoreMutex);
+    if (!SettingsFile::Read(Path).Problem)
+        Known = SettingsFile::Parse(Path);
+}
+
 void HostSettings::SetValue(QString const& p_Key, QVariant const& p_Value)
 {
     QMutexLocker const lock(&StoreMutex);
@@ -38,16 +45,12 @@ void HostSettings::SetValue(QString const& p_Key, QVariant const& p_Value)
     Write();
 }
 
-QStringList HostSettings::Keys() const
+SettingsFile::Values HostSettings::All() const
 {
     QMutexLocker const lock(&StoreMutex);
-    QStringList keys = Known.keys();
-    for (auto row = Held.constBegin(); row != Held.constEnd(); ++row) {
-        keys.removeAll(row.key());
-        if (row.value().isValid())
-            keys += row.key();
-    }
-    return keys;
+    SettingsFile::Values all = Known;
+    SettingsFile::Apply(all, Held);
+    return all;
 }
 
 void HostSettings::Remove(QString const& p_Key)

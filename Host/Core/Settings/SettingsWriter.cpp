@@ -138,11 +138,7 @@ std::optional<Failure> SettingsWriter::Write(Values const& p_Changes)
 {
     if (!ReadValues())
         return Because(CauseIn(Folder));
-    for (auto row = p_Changes.constBegin(); row != p_Changes.constEnd(); ++row)
-        if (row.value().isValid())
-            Merged[row.key()] = row.value();
-        else
-            Merged.remove(row.key());
+    SettingsFile::Apply(Merged, p_Changes);
     // Not by the settings class alone: it takes no notice when a full disk has cut its file short.
     QString const fresh = NewName();
     QString const checked = NewName();

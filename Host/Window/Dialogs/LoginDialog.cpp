@@ -31,6 +31,11 @@ LoginDialog::LoginDialog(LoginStore& p_Store, QString const& p_Game,
         WithoutLogin = true;
         accept();
     });
+    connect(Forget, &QPushButton::clicked, this, [this] {
+        Store.ForgetAccount(Known.Account);
+        reject();
+    });
+    Forget->setVisible(!Known.Account.isEmpty() || !Known.Asks);
     if (!Known.Account.isEmpty())
         Password->setFocus();
 }
@@ -52,8 +57,10 @@ void LoginDialog::Build()
     auto* const buttons = new QDialogButtonBox(this);
     Play = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     Without = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
+    Forget = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
     Cancel = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     Without->setAutoDefault(false);
+    Forget->setAutoDefault(false);
     Play->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &LoginDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -73,6 +80,8 @@ void LoginDialog::SetTexts()
                             "else."));
     Play->setText(tr("&Play"));
     Without->setText(tr("Play with&out logging in"));
+    Forget->setText(tr("&Forget"));
+    Forget->setToolTip(tr("Account and password are not remembered any more."));
     Cancel->setText(tr("&Cancel"));
     Enable();
     DialogParts::Fit(*this);

@@ -116,6 +116,18 @@ void MainWindow::Choose(QString const& p_ModuleFile)
     Refresh();
     if (isFirst)
         Shown->FocusPrimary();
+    for (QString const& text : std::exchange(Untold, {}))
+        Tell(text);
+}
+
+void MainWindow::Tell(QString const& p_Text)
+{
+    if (Shown == nullptr) {
+        Untold += p_Text;
+        return;
+    }
+    Shown->Add({p_Text, Notice::Level::Warning});
+    Shown->Tell(p_Text);
 }
 
 void MainWindow::Refresh()
