@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/Tree/TreeLock.hpp"
+#include "Files/FileLock.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -57,7 +57,7 @@ private:
         bool Done = false;
     };
 
-    void Open();
+    void TakeLock();
     std::size_t LastMoves() const;
     void MakeFolder(QString const& p_Folder);
     void KeepSpare() const;
@@ -69,7 +69,7 @@ private:
     QString Staging;
     QString Spare;
     bool SpareTaken = false;
-    TreeLock Lock;
+    FileLock Lock;
     std::atomic<quint64> NewFiles{0};
     std::vector<Move> Moves;
     std::vector<QString> MadeFolders; ///< in the order of their making
