@@ -3,7 +3,6 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/Rules/FlagNames.hpp"
 #include "Publisher/Rules/RuleLines.hpp"
-#include "Publisher/Rules/TextPosition.hpp"
 
 #include <QFile>
 #include <QJsonArray>
@@ -29,6 +28,16 @@ QString Quoted(QString const& p_Text)
 QString KeyIn(QString const& p_Place, QString const& p_Key)
 {
     return p_Place + QStringLiteral(": ") + Quoted(p_Key);
+}
+
+/// As editors count: from 1, and in characters.
+QString PlaceIn(QByteArray const& p_Text, int p_Offset)
+{
+    QByteArray const before = p_Text.left(p_Offset);
+    QByteArray const line = before.mid(before.lastIndexOf('\n') + 1);
+    return QStringLiteral("line %1, column %2")
+        .arg(1 + before.count('\n'))
+        .arg(1 + QString::fromUtf8(line).toUcs4().size());
 }
 
 } // namespace
@@ -83,9 +92,7 @@ QJsonObject RuleSetReader::ParseDocument(QByteArray const& p_Text) const
     QJsonParseError error{};
     QJsonDocument const document = QJsonDocument::fromJson(p_Text, &error);
     if (error.error != QJsonParseError::NoError) {
-        TextPosition const position = TextPosition::At(p_Text, error.offset);
-        Fail(QStringLiteral("line %1, column %2").arg(position.Line).arg(position.Column),
-             error.errorString());
+        Fail(PlaceIn(p_Text, error.offset), error.errorString());
     }
     if (!document.isObject())
         throw Failure(FileName + QStringLiteral(": the top level must be a JSON object"));

@@ -1,6 +1,5 @@
 #include "Publisher/Rules/FlagNames.hpp"
 #include "Publisher/Rules/RuleSetReader.hpp"
-#include "Publisher/Rules/TextPosition.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
@@ -13,6 +12,7 @@
 
 namespace Varnholt::Publisher {
 
+using TestSupport::AddRow;
 using TestSupport::CaughtFailure;
 using TestSupport::FailureOf;
 
@@ -29,8 +29,6 @@ class RuleSetErrorsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void APlaceInATextIsCountedInCharacters_data();
-    void APlaceInATextIsCountedInCharacters();
     void BrokenJsonIsReportedWithLineAndColumn_data();
     void BrokenJsonIsReportedWithLineAndColumn();
     void WhatIsNotUnderstoodIsAnError_data();
@@ -44,45 +42,18 @@ private Q_SLOTS:
     void AMissingFileIsReported();
 };
 
-void RuleSetErrorsTest::APlaceInATextIsCountedInCharacters_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<int>("line");
-    QTest::addColumn<int>("column");
-    QTest::newRow("start") << QByteArray("ab") << 0 << 1 << 1;
-    QTest::newRow("in the first line") << QByteArray("ab\nc") << 1 << 1 << 2;
-    QTest::newRow("the line end") << QByteArray("ab\nc") << 2 << 1 << 3;
-    QTest::newRow("the second line") << QByteArray("ab\nc") << 3 << 2 << 1;
-    QTest::newRow("after two bytes") << QByteArray("é!") << 2 << 1 << 2;
-    QTest::newRow("after four bytes") << QByteArray("\n😀!") << 5 << 2 << 2;
-    QTest::newRow("beyond the end") << QByteArray("a\nbc") << 99 << 2 << 3;
-    QTest::newRow("before the start") << QByteArray("a\nbc") << -1 << 1 << 1;
-}
-
-void RuleSetErrorsTest::APlaceInATextIsCountedInCharacters()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(int, offset);
-    QFETCH(int, line);
-    QFETCH(int, column);
-    TextPosition const position = TextPosition::At(text, offset);
-    QCOMPARE(position.Line, line);
-    QCOMPARE(position.Column, column);
-}
-
 void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("place");
-    QTest::newRow("a value that is none")
-        << QByteArray("{\n  \"rules\": [\n    {\"match\": x}\n]}") << "line 3, column 15";
-    QTest::newRow("a value that is none, after an accent")
-        << QByteArray("{\"é\": x}") << "line 1, column 7";
+    AddRow("a value that is none", QByteArray("{\n  \"rules\": [\n    {\"match\": x}\n]}"),
+           "line 3, column 15");
+    AddRow("a value that is none, after an accent", QByteArray("{\"é\": x}"), "line 1, column 7");
+    AddRow("a value that is none, after a character of two places", QByteArray("{\n\"😀\": x}"),
+           "line 2, column 6");
     // The JSON reader stops behind the bracket that it did not expect.
-    QTest::newRow("a colon that is missing")
-        << QByteArray("{\n\"rules\" []}") << "line 2, column 10";
-    QTest::newRow("more after the end") << QByteArray("{}\n\nx") << "line 3, column 1";
+    AddRow("a colon that is missing", QByteArray("{\n\"rules\" []}"), "line 2, column 10");
+    AddRow("more after the end", QByteArray("{}\n\nx"), "line 3, column 1");
 }
 
 void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn()
@@ -103,7 +74,7 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("sentence");
     auto const add = [](char const* p_Text, char const* p_Sentence) {
-        QTest::newRow(p_Text) << QByteArray(p_Text) << QString(p_Sentence);
+        AddRow(p_Text, QByteArray(p_Text), QString(p_Sentence));
     };
     add("[]", "the top level must be a JSON object");
     add(R"({"rule": []})", "unknown key \"rule\"; the keys are rules, locales");
@@ -181,7 +152,7 @@ void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood_data()
           R"({"rules": [{"match": "a/*/**/?b", "flags": [], "locale": "", "streamed": false}]})",
           R"({"locales": {"frFR": "F"}, "rules": [{"match": "a", "locale": "frFR",
               "flags": ["executable", "read-only"], "exclude": true}]})"})
-        QTest::newRow(text) << QByteArray(text);
+        AddRow(text, QByteArray(text));
 }
 
 void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood()
