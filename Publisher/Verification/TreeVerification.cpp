@@ -1,6 +1,7 @@
 #include "Publisher/Verification/TreeVerification.hpp"
 
 #include "Publisher/Failure.hpp"
+#include "Publisher/Publication/ServerLists.hpp"
 #include "Publisher/Source/ParallelFor.hpp"
 #include "Publisher/Tree/ServerTexts.hpp"
 #include "Publisher/Verification/ContentCheck.hpp"
@@ -12,7 +13,7 @@
 
 namespace Varnholt::Publisher {
 
-TreeVerification::TreeVerification(PublishedTree const& p_Tree, PublicationObserver* p_Observer,
+TreeVerification::TreeVerification(BuildCatalog const& p_Tree, PublicationObserver* p_Observer,
                                    DocumentCheck p_Check)
     : Tree(p_Tree)
     , Observer(p_Observer)
@@ -22,7 +23,7 @@ TreeVerification::TreeVerification(PublishedTree const& p_Tree, PublicationObser
 
 VerificationSummary TreeVerification::Run()
 {
-    QString const hosts = Tree.Folder() + QStringLiteral("/cdns.info");
+    QString const hosts = ServerLists::HostsPath(Tree.Root());
     QByteArray const list = Read(hosts);
     if (!list.isNull())
         ServerTexts::HostsOf(list, hosts, Summary.Defects);
@@ -44,12 +45,12 @@ VerificationSummary TreeVerification::CheckBuild(QString const& p_Build)
 
 void TreeVerification::CheckSignatures(QStringList const& p_Builds)
 {
-    QStringList paths{Tree.Folder() + QStringLiteral("/cdns.info"),
+    QStringList paths{ServerLists::HostsPath(Tree.Root()),
                       Tree.PathOf(QStringLiteral("realmlist.info"))};
     for (QString const& name : ServerTexts::VersionFiles())
         paths += Tree.PathOf(name);
     for (QString const& build : p_Builds)
-        paths += Tree.PathOf(QStringLiteral("builds/%1/info.json").arg(build));
+        paths += Tree.ManifestPath(build);
     for (QString const& path : qAsConst(paths)) {
         if (!QFileInfo::exists(path))
             continue; // what is needed was missed before

@@ -2,7 +2,7 @@
 
 #include "Publisher/Publication/PublicationObserver.hpp"
 #include "Publisher/Signatures/DocumentCheck.hpp"
-#include "Publisher/Tree/PublishedTree.hpp"
+#include "Publisher/Tree/BuildCatalog.hpp"
 #include "Publisher/Verification/VerificationSummary.hpp"
 
 #include <QSet>
@@ -14,8 +14,7 @@ class TreeVerification {
 public:
     /// \param p_Observer null: nobody; must outlive the object, as the tree
     /// \param p_Check of the signatures; off: they are not looked at
-    explicit TreeVerification(PublishedTree const& p_Tree,
-                              PublicationObserver* p_Observer = nullptr,
+    explicit TreeVerification(BuildCatalog const& p_Tree, PublicationObserver* p_Observer = nullptr,
                               DocumentCheck p_Check = DocumentCheck({}, {}));
 
     /// What the channels offer, and its signatures.
@@ -31,7 +30,7 @@ private:
     void AddFiles(QString const& p_Build);
     void CheckFiles();
 
-    PublishedTree const& Tree;
+    BuildCatalog const& Tree;
     PublicationObserver* Observer;
     DocumentCheck Check;
     VerificationSummary Summary;

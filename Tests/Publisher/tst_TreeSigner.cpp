@@ -98,7 +98,7 @@ QString TreeSignerTest::ChangeRealmList(SigningOptions const& p_Options) const
 
 QStringList TreeSignerTest::Defects() const
 {
-    PublishedTree const tree(Game->Options.Output, "pelmora_app");
+    BuildCatalog const tree(Game->Options.Output, "pelmora_app");
     return TreeVerification(tree, nullptr, {{Keys.Secret.Public()}, "pelmora_app"}).Run().Defects;
 }
 
@@ -158,16 +158,16 @@ void TreeSignerTest::AnEndIsThatOfWhatIsCurrentOnly()
 void TreeSignerTest::AnUnsignedChangeOfASignedTreeIsRefused_data()
 {
     QTest::addColumn<GameChange>("Change");
-    QTest::newRow("build") << GameChange([](PublishedGame& p_Game) {
-        p_Game.Options.Signing = {};
-        p_Game.Publish("build_2");
-    });
-    QTest::newRow("rollback") << GameChange([](PublishedGame& p_Game) {
-        RollBack({p_Game.Options.Output, "pelmora_app", "build_1"});
-    });
-    QTest::newRow("list") << GameChange([](PublishedGame& p_Game) {
-        ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"});
-    });
+    AddRow("build", GameChange([](PublishedGame& p_Game) {
+               p_Game.Options.Signing = {};
+               p_Game.Publish("build_2");
+           }));
+    AddRow("rollback", GameChange([](PublishedGame& p_Game) {
+               RollBack({p_Game.Options.Output, "pelmora_app", "build_1"});
+           }));
+    AddRow("list", GameChange([](PublishedGame& p_Game) {
+               ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"});
+           }));
 }
 
 void TreeSignerTest::AnUnsignedChangeOfASignedTreeIsRefused()
@@ -204,11 +204,11 @@ void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned_data()
 {
     QTest::addColumn<QString>("Path");
     QTest::addColumn<QByteArray>("Content");
-    QTest::newRow("version") << c_Version << QByteArray("{\"build\": \"build_1\" }");
-    QTest::newRow("manifest") << c_Manifest
-                              << QByteArray(R"({"content":{"base_mac":[]},"streamed_content":[]})");
-    QTest::newRow("hosts") << c_Hosts << QByteArray("evil");
-    QTest::newRow("another signature") << c_Hosts + ".minisig" << QByteArray("none");
+    AddRow("version", c_Version, QByteArray("{\"build\": \"build_1\" }"));
+    AddRow("manifest", c_Manifest,
+           QByteArray(R"({"content":{"base_mac":[]},"streamed_content":[]})"));
+    AddRow("hosts", c_Hosts, QByteArray("evil"));
+    AddRow("another signature", c_Hosts + ".minisig", QByteArray("none"));
 }
 
 void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned()
@@ -338,21 +338,23 @@ void TreeSignerTest::VerificationNamesEachFault_data()
             QVERIFY(WriteFile(p_Game.OutputPath(p_Path), p_Content));
         });
     };
-    QTest::newRow("nothing") << GameChange([](PublishedGame&) {}) << QString();
-    QTest::newRow("changed list") << put(c_Hosts, "evil") << "cdns.info: is not what was signed";
-    QTest::newRow("no signature") << put(c_RealmList + ".minisig", "")
-                                  << "realmlist.info: has no signature";
-    QTest::newRow("of the other channel") << GameChange([](PublishedGame& p_Game) {
-        p_Game.Options.DevChannel = true;
-        p_Game.Options.RealmListAddress.reset();
-        p_Game.Publish("build_2");
-        for (char const* const end : {"", ".minisig"})
-            QVERIFY(WriteFile(p_Game.OutputPath(c_Version + end),
-                              p_Game.Read("pelmora_app/version_dev.json" + QString(end))));
-    }) << "version.json: is signed as something else";
-    QTest::newRow("expired") << GameChange([options = Keys.Options(-1)](PublishedGame& p_Game) {
-        ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"}, options);
-    }) << "its signature was good until ";
+    AddRow("nothing", GameChange([](PublishedGame&) {}), QString());
+    AddRow("changed list", put(c_Hosts, "evil"), "cdns.info: is not what was signed");
+    AddRow("no signature", put(c_RealmList + ".minisig", ""), "realmlist.info: has no signature");
+    AddRow("of the other channel", GameChange([](PublishedGame& p_Game) {
+               p_Game.Options.DevChannel = true;
+               p_Game.Options.RealmListAddress.reset();
+               p_Game.Publish("build_2");
+               for (char const* const end : {"", ".minisig"})
+                   QVERIFY(WriteFile(p_Game.OutputPath(c_Version + end),
+                                     p_Game.Read("pelmora_app/version_dev.json" + QString(end))));
+           }),
+           "version.json: is signed as something else");
+    AddRow("expired", GameChange([options = Keys.Options(-1)](PublishedGame& p_Game) {
+               ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"},
+                                    options);
+           }),
+           "its signature was good until ");
 }
 
 void TreeSignerTest::VerificationNamesEachFault()
