@@ -104,6 +104,11 @@ void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas_data()
         [](PublishedGame& p_Game) { p_Game.Put("DATA/new", "other"); });
     add("a name of the clients", "ToDownload.db: clients keep a list of their own",
         [](PublishedGame& p_Game) { p_Game.Put("ToDownload.db", "x"); });
+    add("a name of a device", "Data/aux.txt: Windows keeps the name \"aux.txt\" for a device",
+        [](PublishedGame& p_Game) {
+            p_Game.Put("Data/aux.txt", "x");
+            p_Game.Options.Platform = Publisher::ContentPlatform::Windows;
+        });
     add("a host with a scheme", "give the host name without a scheme",
         [](PublishedGame& p_Game) { p_Game.Options.Hosts = QStringList("http://a.example"); });
     add("no source folder", "none: the source folder does not exist",

@@ -43,8 +43,6 @@ private Q_SLOTS:
     void ABuildIsAnObject();
     void AnUnchangedSourceIsNoFailure();
     void TheIndexIsUsedAndIgnored();
-    void AFailureIsOneSentence_data();
-    void AFailureIsOneSentence();
 
 private:
     static QStringList Build(PublishedGame const& p_Game, QString const& p_Build,
@@ -297,34 +295,6 @@ void TreeProgramTest::TheIndexIsUsedAndIgnored()
     QCOMPARE(warned.Errors, "varnholt-publish: warning: " + index.toUtf8() +
                                 ": the index is damaged, so every file is read again\n");
     QVERIFY(RunProgram(Build(game, "build_6")).Output.contains(used));
-}
-
-void TreeProgramTest::AFailureIsOneSentence_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QStringList>("more");
-    QTest::addColumn<QByteArray>("sentence");
-    QTest::newRow("list of nothing")
-        << "list" << QStringList({"--app-id", "none"}) << QByteArray(": no build of none is");
-    QTest::newRow("rollback to nothing") << "rollback" << QStringList({"--build", "none"})
-                                         << QByteArray("pelmora_app: there is no build none");
-    QTest::newRow("prune what is on offer")
-        << "prune" << QStringList({"--build", "build_2"})
-        << QByteArray("info.json: the build build_2 is on offer and cannot be removed");
-}
-
-void TreeProgramTest::AFailureIsOneSentence()
-{
-    QFETCH(QString, command);
-    QFETCH(QStringList, more);
-    QFETCH(QByteArray, sentence);
-    BuildSeries const game(2);
-    ProgramResult const result = Run(game, command, more);
-    QCOMPARE(result.Status, 1);
-    QCOMPARE(result.Output, QByteArray());
-    QVERIFY2(result.Errors.contains(sentence), result.Errors.constData());
-    QVERIFY(result.Errors.startsWith("varnholt-publish: " + game.Options.Output.toUtf8()));
-    QCOMPARE(result.Errors.count('\n'), 1);
 }
 
 } // namespace Varnholt::TestSupport
