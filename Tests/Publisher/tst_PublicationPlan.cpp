@@ -44,7 +44,6 @@ private Q_SLOTS:
     void AnUnchangedSourceChangesNothing();
     void WhateverClientsWouldSeeIsAChange_data();
     void WhateverClientsWouldSeeIsAChange();
-    void WithoutABuildEverythingIsAChange();
     void TheBuildOfTheChannelCounts();
     void NobodyChangesTheTreeBetweenPlanAndPublication();
     void WhatCannotBeUnderstoodIsPublishedAnew();
@@ -161,14 +160,6 @@ void PublicationPlanTest::WhateverClientsWouldSeeIsAChange()
     QCOMPARE(game.Publish("build_2").UnchangedBuild, QString());
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
     QCOMPARE(game.Publish("build_3").UnchangedBuild, QString("build_2"));
-}
-
-void PublicationPlanTest::WithoutABuildEverythingIsAChange()
-{
-    PublishedGame game;
-    game.Options.IfChanged = true;
-    QCOMPARE(game.Publish().UnchangedBuild, QString());
-    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
 }
 
 void PublicationPlanTest::TheBuildOfTheChannelCounts()
