@@ -67,31 +67,17 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused_data()
     QTest::addColumn<QString>("lost"); // file of the tree
     QTest::addColumn<QString>("sentence");
     QString const own = BuildSeries::OwnPath(1);
-    QTest::newRow("unknown") << "build_9"
-                             << "pelmora_app"
-                             << ""
-                             << "there is no build build_9";
-    QTest::newRow("empty") << ""
-                           << "pelmora_app"
-                           << ""
-                           << "there is no build ";
-    QTest::newRow("elsewhere") << "../builds/build_1"
-                               << "pelmora_app"
-                               << ""
-                               << "there is no build ../builds/build_1";
-    QTest::newRow("of another application") << "build_1"
-                                            << "other_app"
-                                            << ""
-                                            << "other_app: there is no build build_1";
-    QTest::newRow("without a manifest") << "build_1"
-                                        << "pelmora_app"
-                                        << "pelmora_app/builds/build_1/info.json"
-                                        << "there is no build build_1";
-    QTest::newRow("without a content file")
-        << "build_1"
-        << "pelmora_app" << own
-        << "build_1/info.json: the build build_1 is not whole: 1 content files are missing or "
-           "damaged, the first is ";
+    AddRow("unknown", "build_9", "pelmora_app", "", "there is no build build_9");
+    AddRow("empty", "", "pelmora_app", "", "there is no build ");
+    AddRow("elsewhere", "../builds/build_1", "pelmora_app", "",
+           "there is no build ../builds/build_1");
+    AddRow("of another application", "build_1", "other_app", "",
+           "other_app: there is no build build_1");
+    AddRow("without a manifest", "build_1", "pelmora_app", "pelmora_app/builds/build_1/info.json",
+           "there is no build build_1");
+    AddRow("without a content file", "build_1", "pelmora_app", own,
+           "build_1/info.json: the build build_1 is not whole: 1 content files are missing or "
+           "damaged, the first is ");
 }
 
 void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
@@ -115,8 +101,8 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
 void BuildRollbackTest::ADamagedBuildIsRefused_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::newRow("of a wrong size") << BuildSeries::Own(1).left(3);
-    QTest::newRow("of wrong bytes") << BuildSeries::Own(1).toUpper();
+    AddRow("of a wrong size", BuildSeries::Own(1).left(3));
+    AddRow("of wrong bytes", BuildSeries::Own(1).toUpper());
 }
 
 void BuildRollbackTest::ADamagedBuildIsRefused()
