@@ -47,7 +47,7 @@ PruneCommand::PruneCommand(CLI::App& p_Program)
 int PruneCommand::Run() const
 {
     PruneOptions const options = Options();
-    PruneSummary const summary = BuildPruning(options).Run();
+    PruneSummary const summary = PruneBuilds(options);
     QString const removed = DryRun ? QStringLiteral("Would remove") : QStringLiteral("Removed");
     for (QString const& build : summary.Builds) {
         Tell(QStringLiteral("%1 build %2").arg(removed, build),

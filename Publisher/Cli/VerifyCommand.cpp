@@ -120,8 +120,7 @@ VerificationSummary VerifyCommand::Verify() const
     if (!TrustKey.empty())
         keys += KeyFiles::Public(QString::fromStdString(TrustKey));
     if (!Url.empty()) {
-        return ServerVerification({QString::fromStdString(Url), appId, Sample, ReadsAll, keys})
-            .Run();
+        return VerifyServers({QString::fromStdString(Url), appId, Sample, ReadsAll, keys});
     }
     if (Output().isEmpty())
         throw Failure(QStringLiteral("verify: give --output or --url"), Failure::c_Usage);
@@ -135,7 +134,7 @@ VerificationSummary VerifyCommand::Verify() const
         return RepairTree(output, appId, QString::fromStdString(Source), progress, check);
     BuildCatalog const tree(output, appId);
     tree.CheckIsPublished();
-    return TreeVerification(tree, &progress, check).Run();
+    return VerifyTree(tree, &progress, check);
 }
 
 } // namespace

@@ -23,7 +23,7 @@ bool IsSigned(BuildCatalog const& p_Catalog)
 quint64 CheckWhole(BuildCatalog const& p_Copy, DocumentCheck const& p_Check,
                    PublicationObserver& p_Observer)
 {
-    VerificationSummary const found = TreeVerification(p_Copy, &p_Observer, p_Check).Run();
+    VerificationSummary const found = VerifyTree(p_Copy, &p_Observer, p_Check);
     if (!found.Defects.isEmpty()) {
         throw Failure(
             QStringLiteral("%1: the copy is not whole: %2 defects, the first is: %3")

@@ -18,6 +18,10 @@ public:
         return p_Document + QStringLiteral(".minisig");
     }
 
+    /// The signature beside a document, or its beginning when it is too long to be one; empty
+    /// without one.
+    static QByteArray ReadSignature(QString const& p_Document);
+
     /// What the signature of a document says of it, without platform, number and times.
     /// \param p_Path of the document, in a tree or on a server
     static Signing::TrustedComment CommentOf(QString const& p_Path, QByteArray const& p_Content,

@@ -60,7 +60,6 @@ private:
     void Begin(TreeTransaction& p_Tree);
     std::vector<TreeText> Current() const;
     std::vector<TreeText> Manifests(QStringList const& p_Builds) const;
-    TreeText Read(QString const& p_Path) const;
     QString ForgeryOf(TreeText const& p_Text) const;
     void CheckSigned(std::vector<TreeText> const& p_Texts) const;
     QStringList BuildsOnOffer(std::vector<TreeText> const& p_Texts) const;

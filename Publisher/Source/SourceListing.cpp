@@ -47,7 +47,7 @@ RuleSet ReadRules(PublishOptions const& p_Options)
 {
     if (p_Options.RulesFile.isEmpty())
         return BuiltInRules(p_Options.Platform, p_Options.Locales);
-    return RuleSetReader(p_Options.RulesFile, p_Options.Platform).Read(p_Options.Locales);
+    return ReadRuleSet(p_Options.RulesFile, p_Options.Platform, p_Options.Locales);
 }
 
 std::vector<BuildFile> PublishedFiles(PublishOptions const& p_Options, RuleSet const& p_Rules,

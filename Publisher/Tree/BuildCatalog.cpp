@@ -1,10 +1,9 @@
 #include "Publisher/Tree/BuildCatalog.hpp"
 
-#include "Publisher/Failure.hpp"
+#include "Publisher/ReadFile.hpp"
 #include "Publisher/Source/NativePath.hpp"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,14 +21,6 @@ QString const c_Build = QStringLiteral("build");
 [[noreturn]] void Fail(QString const& p_File, QString const& p_Cause)
 {
     throw Failure(p_File + QStringLiteral(": ") + p_Cause);
-}
-
-QByteArray ReadFile(QString const& p_File)
-{
-    QFile file(p_File);
-    if (!file.open(QIODevice::ReadOnly))
-        Fail(p_File, QStringLiteral("cannot be read: ") + file.errorString());
-    return file.readAll();
 }
 
 fs::file_time_type TimeOf(QString const& p_File)

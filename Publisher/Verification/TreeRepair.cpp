@@ -37,7 +37,7 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
     TreeTransaction transaction(p_Output);
     BuildCatalog const tree(p_Output, p_AppId);
     tree.CheckIsPublished();
-    VerificationSummary found = TreeVerification(tree, &p_Observer, p_Check).Run();
+    VerificationSummary found = VerifyTree(tree, &p_Observer, p_Check);
     if (found.Damaged.isEmpty())
         return found;
     QSet<QString> const candidates = Candidates(tree, found, p_Source);
@@ -58,7 +58,7 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
     }
     transaction.Commit();
     staging.Remove();
-    return TreeVerification(tree, &p_Observer, p_Check).Run();
+    return VerifyTree(tree, &p_Observer, p_Check);
 }
 
 } // namespace Varnholt::Publisher

@@ -156,7 +156,7 @@ void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()
         RollBack({output, "pelmora_app", BuildSeries::Name(build), false});
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
     Publisher::PruneOptions const two{output, "pelmora_app", {}, {"build_2"}, false};
-    QCOMPARE(Publisher::BuildPruning(two).Run().ContentFiles, 1);
+    QCOMPARE(Publisher::PruneBuilds(two).ContentFiles, 1);
     QVERIFY(game.IsWhole(1));
     QVERIFY(!game.Catalog().Has("build_2"));
 }

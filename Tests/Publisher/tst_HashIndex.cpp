@@ -163,7 +163,7 @@ void HashIndexTest::AFileThatMayStillChangeUnseenIsLeftOut()
     Publisher::HashIndex const index(folder.filePath("index"), folder.path());
     index.Write({hashed}, modified + std::chrono::nanoseconds(age));
     std::vector<Publisher::BuildFile> files{{hashed.Source, {}, {}}};
-    QCOMPARE(index.FillIn(files), Publisher::HashIndex::State::Used);
+    QVERIFY(index.FillIn(files));
     QCOMPARE(files[0].Md5, isKnown ? hashed.Md5 : QString());
 }
 

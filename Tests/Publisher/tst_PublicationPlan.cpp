@@ -182,7 +182,7 @@ void PublicationPlanTest::NobodyChangesTheTreeBetweenPlanAndPublication()
     QStringList refusals;
     game.Observer.OnPhase = [&](QString const&) {
         Publisher::PruneOptions const all{game.Options.Output, game.Options.AppId, 1, {}, false};
-        refusals += FailureOf([&] { Publisher::BuildPruning(all).Run(); }).Sentence;
+        refusals += FailureOf([&] { Publisher::PruneBuilds(all); }).Sentence;
     };
     game.Publish("build_4");
     QVERIFY(!refusals.isEmpty());

@@ -63,8 +63,7 @@ void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn()
     QTemporaryDir const folder;
     QString const file = folder.filePath("rules.json");
     QVERIFY(TestSupport::WriteFile(file, text));
-    CaughtFailure const failure =
-        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
+    CaughtFailure const failure = FailureOf([&] { ReadRuleSet(file, ContentPlatform::Mac, {}); });
     QVERIFY2(failure.Sentence.startsWith(file + ": " + place + ": "), qPrintable(failure.Sentence));
     QCOMPARE(failure.ExitStatus, Failure::c_Other);
 }
@@ -126,8 +125,7 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError()
     QTemporaryDir const folder;
     QString const file = folder.filePath("rules.json");
     QVERIFY(TestSupport::WriteFile(file, text));
-    CaughtFailure const failure =
-        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
+    CaughtFailure const failure = FailureOf([&] { ReadRuleSet(file, ContentPlatform::Mac, {}); });
     QCOMPARE(failure.Sentence, file + ": " + sentence);
 }
 
@@ -161,7 +159,7 @@ void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood()
     QTemporaryDir const folder;
     QString const file = folder.filePath("rules.json");
     QVERIFY(TestSupport::WriteFile(file, text));
-    RuleSetReader(file, ContentPlatform::Mac).Read({});
+    ReadRuleSet(file, ContentPlatform::Mac, {});
     QCOMPARE(Schema().Fault(QJsonDocument::fromJson(text).object()), QString());
 }
 
@@ -185,8 +183,7 @@ void RuleSetErrorsTest::AMissingFileIsReported()
 {
     QTemporaryDir const folder;
     QString const file = folder.filePath("none.json");
-    CaughtFailure const failure =
-        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
+    CaughtFailure const failure = FailureOf([&] { ReadRuleSet(file, ContentPlatform::Mac, {}); });
     QVERIFY2(failure.Sentence.startsWith(file + ": cannot be read: "),
              qPrintable(failure.Sentence));
 }

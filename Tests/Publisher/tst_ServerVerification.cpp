@@ -67,8 +67,7 @@ public:
 
     Publisher::VerificationSummary Verify(int p_Sample = 1000000) const
     {
-        return Publisher::ServerVerification({Default.BaseUrl(), "pelmora_app", p_Sample, false})
-            .Run();
+        return Publisher::VerifyServers({Default.BaseUrl(), "pelmora_app", p_Sample, false});
     }
 
     PublishedGame Game;
@@ -277,8 +276,7 @@ void ServerVerificationTest::AddressesMayHaveAPath()
     for (auto const& [path, bytes] : game.Published())
         server.Serve("/a game/" + path, bytes);
     auto const summary =
-        Publisher::ServerVerification({server.BaseUrl() + "a%20game", "pelmora_app", 9, false})
-            .Run();
+        Publisher::VerifyServers({server.BaseUrl() + "a%20game", "pelmora_app", 9, false});
     // The mirror, which has no such path, is the only one without the files.
     QCOMPARE(summary.Defects.size(), 2);
     QVERIFY(summary.Defects.first().startsWith(server.BaseUrl() + "pelmora_app/builds/"));

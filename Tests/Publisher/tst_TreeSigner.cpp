@@ -99,7 +99,7 @@ QString TreeSignerTest::ChangeRealmList(SigningOptions const& p_Options) const
 QStringList TreeSignerTest::Defects() const
 {
     BuildCatalog const tree(Game->Options.Output, "pelmora_app");
-    return TreeVerification(tree, nullptr, {{Keys.Secret.Public()}, "pelmora_app"}).Run().Defects;
+    return VerifyTree(tree, nullptr, {{Keys.Secret.Public()}, "pelmora_app"}).Defects;
 }
 
 void TreeSignerTest::ABuildIsSignedWithAllThatIsCurrent()
@@ -304,7 +304,7 @@ void TreeSignerTest::PruningTakesSignaturesAlong()
     options.Output = Game->Options.Output;
     options.AppId = "pelmora_app";
     options.Keep = 1;
-    BuildPruning(options).Run();
+    PruneBuilds(options);
     QVERIFY(!QFile::exists(At("pelmora_app/builds/build_1")));
     QVERIFY(Keys.Verify(At("pelmora_app/builds/build_2/info.json")).IsGood());
 }
