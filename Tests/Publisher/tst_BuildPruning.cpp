@@ -1,6 +1,5 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -52,8 +51,6 @@ private Q_SLOTS:
     void FilesOfOthersStay();
     void OtherApplicationsStay();
     void ADryRunRemovesNothing();
-    void AFolderOfOthersIsRefused();
-    void ARunOfAnotherIsNotDisturbed();
     void WhatWasRemovedCanBePublishedAgain();
     void ARemovedNameIsNotGivenToAnotherBuild();
 };
@@ -244,25 +241,6 @@ void BuildPruningTest::ADryRunRemovesNothing()
     QCOMPARE(planned.ContentFiles, 2);
     QCOMPARE(planned.ContentFiles, done.ContentFiles);
     QCOMPARE(planned.ContentBytes, done.ContentBytes);
-}
-
-void BuildPruningTest::AFolderOfOthersIsRefused()
-{
-    BuildSeries const game(2);
-    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
-    Tree const before = TreeOf(game.Options.Output);
-    QCOMPARE(SentenceOf(Keep(game, 1)),
-             game.Options.Output + ": the output folder is no published tree");
-    QCOMPARE(TreeOf(game.Options.Output), before);
-}
-
-void BuildPruningTest::ARunOfAnotherIsNotDisturbed()
-{
-    BuildSeries const game(2);
-    Publisher::TreeTransaction const other(game.Options.Output);
-    QVERIFY(SentenceOf(Keep(game, 1))
-                .startsWith(game.Options.Output + ": another run is publishing there ("));
-    QVERIFY(game.IsWhole(1));
 }
 
 void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()

@@ -1,6 +1,5 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -27,8 +26,6 @@ private Q_SLOTS:
     void WhatIsNotAWholeBuildIsRefused();
     void ADamagedBuildIsRefused_data();
     void ADamagedBuildIsRefused();
-    void AFolderOfOthersIsRefused();
-    void ARunOfAnotherIsNotDisturbed();
     void AFullDiskHindersNeitherRollbackNorPruning();
     void TheCatalogIsInTheOrderOfPublication();
     void TheCatalogKnowsSizesAndChannels();
@@ -117,28 +114,6 @@ void BuildRollbackTest::ADamagedBuildIsRefused()
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
     options.Quick = true;
     QCOMPARE(RollBack(options), QString("build_2"));
-}
-
-void BuildRollbackTest::AFolderOfOthersIsRefused()
-{
-    BuildSeries const game(2);
-    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
-    Tree const before = TreeOf(game.Options.Output);
-    RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
-    QCOMPARE(FailureOf([&] { RollBack(options); }).Sentence,
-             game.Options.Output + ": the output folder is no published tree");
-    QCOMPARE(TreeOf(game.Options.Output), before);
-}
-
-void BuildRollbackTest::ARunOfAnotherIsNotDisturbed()
-{
-    BuildSeries const game(2);
-    Publisher::TreeTransaction const other(game.Options.Output);
-    RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
-    QVERIFY(FailureOf([&] {
-                RollBack(options);
-            }).Sentence.startsWith(game.Options.Output + ": another run is publishing there ("));
-    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
 }
 
 void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()

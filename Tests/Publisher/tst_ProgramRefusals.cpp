@@ -68,6 +68,7 @@ void ProgramRefusalsTest::IsRefused(int p_Status) const
     QFETCH(QString, command);
     QFETCH(QString, sentence);
     Tree const before = Game.Published();
+    Tree const source = TreeOf(Game.Options.Source);
     QStringList arguments = QProcess::splitCommand(command);
     for (QString& argument : arguments)
         argument = Real(argument);
@@ -79,6 +80,7 @@ void ProgramRefusalsTest::IsRefused(int p_Status) const
     QCOMPARE(result.Errors.count('\n'), 1);
     QVERIFY(result.Errors.endsWith('\n'));
     QCOMPARE(Game.Published(), before);
+    QCOMPARE(TreeOf(Game.Options.Source), source);
 }
 
 void ProgramRefusalsTest::AWrongCallIsAUsageError_data()
@@ -167,7 +169,9 @@ void ProgramRefusalsTest::AFailureIsOneSentence_data()
     AddCommand("diff --output OUTPUT build_1 build_9",
                "builds/build_9/info.json: there is no build build_9");
     AddCommand("realmlist --output OUTPUT a --app-id other", "no build of other is published");
-    AddCommand("hosts --output SOURCE a", "the output folder is no published tree");
+    for (char const* const command : {"hosts a", "rollback --build build_1", "prune --keep 1"})
+        AddCommand(qPrintable(QString("%1 --output SOURCE").arg(command)),
+                   "SOURCE: the output folder is no published tree");
     AddCommand("serve --root NONE", "NONE: the folder to serve does not");
     AddCommand("serve --root RULES", "RULES: the folder to serve does not");
     AddCommand("serve --root OUTPUT --port 0 --address 192.0.2.1",

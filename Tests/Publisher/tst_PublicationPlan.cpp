@@ -1,4 +1,5 @@
 #include "Publisher/Publication/BuildPruning.hpp"
+#include "Publisher/Publication/BuildRollback.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
@@ -183,6 +184,8 @@ void PublicationPlanTest::NobodyChangesTheTreeBetweenPlanAndPublication()
     game.Observer.OnPhase = [&](QString const&) {
         Publisher::PruneOptions const all{game.Options.Output, game.Options.AppId, 1, {}, false};
         refusals += FailureOf([&] { Publisher::PruneBuilds(all); }).Sentence;
+        Publisher::RollbackOptions const first{game.Options.Output, game.Options.AppId, "build_1"};
+        refusals += FailureOf([&] { Publisher::RollBack(first); }).Sentence;
     };
     game.Publish("build_4");
     QVERIFY(!refusals.isEmpty());

@@ -1,5 +1,6 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/ProgramRun.hpp"
+#include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -7,8 +8,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QtTest>
 
 #include <csignal>
@@ -94,11 +93,9 @@ void PublishJsonTest::EachCommandWritesTheTypesOfTheSchema()
 
     ProgramRun serve({"serve", "--root", output, "--port", "0", "--json"});
     QByteArray const serving = serve.ReadLine();
-    QNetworkAccessManager network;
-    QNetworkReply* const reply = network.get(
-        QNetworkRequest(QUrl(QJsonDocument::fromJson(serving)["url"].toString() + "cdns.info")));
+    QUrl const url(QJsonDocument::fromJson(serving)["url"].toString());
+    QCOMPARE(Ask(static_cast<quint16>(url.port()), "GET /cdns.info").Status, 200);
     QByteArray const request = serve.ReadLine();
-    QTRY_VERIFY(reply->isFinished());
     serve.Signal(SIGTERM);
     Objects(serving + '\n' + request);
 

@@ -39,7 +39,17 @@ private Q_SLOTS:
     void TheSchemaAllowsWhatIsUnderstood();
     void TheSchemaNamesEveryFlag();
     void TheDocumentIsOfTheSchema();
-    void AMissingFileIsReported();
+
+private:
+    CaughtFailure FailureOfReading(QByteArray const& p_Text) const
+    {
+        if (!TestSupport::WriteFile(File, p_Text))
+            qFatal("the rules file cannot be written");
+        return FailureOf([this] { ReadRuleSet(File, ContentPlatform::Mac, {}); });
+    }
+
+    QTemporaryDir Folder;
+    QString const File = Folder.filePath("rules.json");
 };
 
 void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn_data()
@@ -60,11 +70,8 @@ void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, place);
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("rules.json");
-    QVERIFY(TestSupport::WriteFile(file, text));
-    CaughtFailure const failure = FailureOf([&] { ReadRuleSet(file, ContentPlatform::Mac, {}); });
-    QVERIFY2(failure.Sentence.startsWith(file + ": " + place + ": "), qPrintable(failure.Sentence));
+    CaughtFailure const failure = FailureOfReading(text);
+    QVERIFY2(failure.Sentence.startsWith(File + ": " + place + ": "), qPrintable(failure.Sentence));
     QCOMPARE(failure.ExitStatus, Failure::c_Other);
 }
 
@@ -122,11 +129,8 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, sentence);
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("rules.json");
-    QVERIFY(TestSupport::WriteFile(file, text));
-    CaughtFailure const failure = FailureOf([&] { ReadRuleSet(file, ContentPlatform::Mac, {}); });
-    QCOMPARE(failure.Sentence, file + ": " + sentence);
+    CaughtFailure const failure = FailureOfReading(text);
+    QCOMPARE(failure.Sentence, File + ": " + sentence);
 }
 
 void RuleSetErrorsTest::TheSchemaRefusesItToo()
@@ -156,10 +160,7 @@ void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood_data()
 void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood()
 {
     QFETCH(QByteArray, text);
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("rules.json");
-    QVERIFY(TestSupport::WriteFile(file, text));
-    ReadRuleSet(file, ContentPlatform::Mac, {});
+    QCOMPARE(FailureOfReading(text).Sentence, QString());
     QCOMPARE(Schema().Fault(QJsonDocument::fromJson(text).object()), QString());
 }
 
@@ -177,15 +178,6 @@ void RuleSetErrorsTest::TheDocumentIsOfTheSchema()
     QVERIFY(example.contains("\"rules\""));
     for (QString const& flag : FlagNames::All())
         QVERIFY2(text.contains("| `" + flag + "` |"), qPrintable(flag));
-}
-
-void RuleSetErrorsTest::AMissingFileIsReported()
-{
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("none.json");
-    CaughtFailure const failure = FailureOf([&] { ReadRuleSet(file, ContentPlatform::Mac, {}); });
-    QVERIFY2(failure.Sentence.startsWith(file + ": cannot be read: "),
-             qPrintable(failure.Sentence));
 }
 
 } // namespace Varnholt::Publisher

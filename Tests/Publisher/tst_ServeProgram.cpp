@@ -4,7 +4,6 @@
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
-#include <QRegularExpression>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -21,7 +20,6 @@ private Q_SLOTS:
 
     void AnswersOnAFreePortAndEndsOnASignal_data();
     void AnswersOnAFreePortAndEndsOnASignal();
-    void TellsWhereItServes();
     void LogsRequestsUnlessItIsToBeQuiet();
     void ASignalRightAtTheStartEndsIt();
     void AClientThatStopsReadingDoesNotKeepIt();
@@ -57,24 +55,17 @@ void ServeProgramTest::AnswersOnAFreePortAndEndsOnASignal()
 {
     QFETCH(int, signal);
     ProgramRun run(Arguments());
-    quint16 const port = PortOf(run.ReadLine());
+    QByteArray const line = run.ReadLine();
+    quint16 const port = PortOf(line);
     QVERIFY(port != 0);
+    QCOMPARE(QString::fromUtf8(line),
+             QString("Serving %1 at http://127.0.0.1:%2/").arg(Folder.path()).arg(port));
     QCOMPARE(Ask(port, "GET /ten").Body, QByteArray("0123456789"));
     QCOMPARE(AskRange(port, "GET /ten", "bytes=7-").Body, QByteArray("789"));
     QCOMPARE(Ask(port, "GET /none").Status, 404);
     run.Signal(signal);
     QCOMPARE(run.Finish().Status, 0);
     QCOMPARE(Ask(port, "GET /ten").Status, 0);
-}
-
-void ServeProgramTest::TellsWhereItServes()
-{
-    ProgramRun run(Arguments());
-    QByteArray const line = run.ReadLine();
-    QRegularExpression const expected(
-        QRegularExpression::anchoredPattern("Serving " + QRegularExpression::escape(Folder.path()) +
-                                            " at http://127\\.0\\.0\\.1:[1-9][0-9]*/"));
-    QVERIFY2(expected.match(QString::fromUtf8(line)).hasMatch(), line.constData());
 }
 
 void ServeProgramTest::LogsRequestsUnlessItIsToBeQuiet()

@@ -43,15 +43,8 @@ void ServerListsTest::ANewTreeNeedsItsHosts()
 void ServerListsTest::ATrialNamesThisMachine()
 {
     PublishedGame game;
-    QStringList arguments{"build",
-                          "--source",
-                          game.Options.Source,
-                          "--output",
-                          game.Options.Output,
-                          "--rules",
-                          game.Options.RulesFile,
-                          "--build",
-                          "build_1"};
+    QStringList arguments = game.BuildArguments();
+    arguments.removeAll("--local");
     QCOMPARE(RunProgram(arguments).Status, Failure::c_Usage);
     QCOMPARE(RunProgram(arguments + QStringList("--local")).Status, 0);
     QCOMPARE(game.Read("cdns.info"), QByteArray("127.0.0.1:8080"));

@@ -145,8 +145,7 @@ void SignProgramTest::WhatIsSignedIsGoodForMinisign()
     Run({"hosts", "--output", output, "a.example", "--sign-key", Key()});
     Run({"realmlist", "--output", output, "logon.example", "--sign-key", Key()});
     Game->Put("own", "other");
-    Run({"build", "--source", Game->Options.Source, "--output", output, "--build", "b", "--rules",
-         Game->Options.RulesFile, "--sign-key", Key()});
+    Run(Game->BuildArguments({"--sign-key", Key()}, "b"));
     QVERIFY(MinisignVerifies(output, line));
     QVERIFY(Run({"verify", "--output", output}).contains(", 4 signatures, 0 defects"));
 }
@@ -155,8 +154,7 @@ void SignProgramTest::ADryRunAsksForNoKey()
 {
     MakeKey();
     Run({"sign", "--output", Game->Options.Output, "--sign-key", Key()});
-    Run({"build", "--source", Game->Options.Source, "--output", Game->Options.Output, "--build",
-         "b", "--rules", Game->Options.RulesFile, "--dry-run"});
+    Run(Game->BuildArguments({"--dry-run"}, "b"));
 }
 
 void SignProgramTest::AServerIsVerifiedWithTheKey()
