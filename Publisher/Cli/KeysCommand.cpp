@@ -4,7 +4,6 @@
 #include "Publisher/Failure.hpp"
 #include "Publisher/Signatures/TreeSigner.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Signing/KeyFailure.hpp"
 
 #include <CLI/CLI.hpp>
@@ -141,8 +140,7 @@ void KeysCommand::Change() const
     options.Key = KeyFiles::Load(QString::fromStdString(Old), QString::fromStdString(PasswordFile));
     SecretKey const next =
         KeyFiles::Load(QString::fromStdString(New), QString::fromStdString(NewPasswordFile));
-    TreeTransaction tree(output);
-    TreeSigner::CommitKeyChange(tree, output, options, next);
+    TreeSigner::ChangeKey(output, options, next);
     Print(next.Public());
 }
 

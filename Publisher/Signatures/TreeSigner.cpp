@@ -119,15 +119,16 @@ void TreeSigner::CommitAll(TreeTransaction& p_Tree)
     p_Tree.Commit();
 }
 
-void TreeSigner::CommitKeyChange(TreeTransaction& p_Tree, QString const& p_Output,
-                                 SigningOptions const& p_Old, Signing::SecretKey const& p_New)
+void TreeSigner::ChangeKey(QString const& p_Output, SigningOptions const& p_Old,
+                           Signing::SecretKey const& p_New)
 {
+    TreeTransaction tree(p_Output);
     QDir const root(p_Output);
     for (QString const& name : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         if (root.exists(name + QStringLiteral("/builds")))
-            TreeSigner(p_Output, name, p_Old).AddKeyChange(p_Tree, p_New);
+            TreeSigner(p_Output, name, p_Old).AddKeyChange(tree, p_New);
     }
-    p_Tree.Commit();
+    tree.Commit();
 }
 
 void TreeSigner::AddKeyChange(TreeTransaction& p_Tree, Signing::SecretKey const& p_New)

@@ -47,8 +47,8 @@ public:
     /// Signs all that a tree holds, of all its applications, with another key, whose text the old
     /// one signs for clients. \throws Failure also when anything was changed since the old one
     /// signed it
-    static void CommitKeyChange(TreeTransaction& p_Tree, QString const& p_Output,
-                                SigningOptions const& p_Old, Signing::SecretKey const& p_New);
+    static void ChangeKey(QString const& p_Output, SigningOptions const& p_Old,
+                          Signing::SecretKey const& p_New);
 
     quint64 Sequence() const { return Record.Sequence(); }
     /// How many signatures it has added.
