@@ -118,7 +118,7 @@ private:
         return content;
     }
 
-    /// First of all: the name of a build that is gone must not come to stand for another.
+    /// Before anything goes, so that the name of a removed build is not given to another.
     void Note(TreeTransaction& p_Tree) const
     {
         BuildRecord record = Catalog.Record();
@@ -138,7 +138,7 @@ private:
         QDir().rmdir(QFileInfo(manifest).path());
     }
 
-    /// What a run has left that was stopped, and that no other has gone on with.
+    /// What a stopped run has left and no later one has used.
     void RemoveStaged()
     {
         ContentStaging const staging(Options.Output, Options.AppId);

@@ -48,8 +48,8 @@ std::vector<BuildFile*> UnhashedLargestFirst(std::vector<BuildFile>& p_Files)
     return order;
 }
 
-/// Files that are read side by side: an end in between costs the next run no more than them, so
-/// large ones go alone.
+/// Files that are read side by side. What was read of a group is lost when the run ends before it
+/// is whole, so that large files have groups of their own.
 std::vector<std::vector<BuildFile*>> GroupsOf(std::vector<BuildFile*> const& p_Files)
 {
     constexpr qint64 c_GroupBytes = 512LL * 1024 * 1024;
@@ -102,7 +102,7 @@ PublicationSummary Publication::Run()
     try {
         Publish(rules, files, tree.get());
     } catch (Failure const&) {
-        // Others need the room on a full disk more than the next run what this one has staged.
+        // On a full disk others need the room more than the next run needs what this one staged.
         if (QStorageInfo(Options.Output).bytesAvailable() < c_LeastRoom)
             Staging.Remove();
         throw;
@@ -245,7 +245,8 @@ void Publication::Write(PublicationPlan const& p_Plan, TreeTransaction& p_Tree)
     TreeSigner(Options.Output, Options.AppId, Options.Signing).Commit(p_Tree, p_Plan.Texts());
 }
 
-/// Content that was not copied as it was read: its digest was known, or it looked like another's.
+/// Content that was not copied while it was read: its digest came from the index, or the tree has
+/// other content of its size.
 void Publication::StageRest(std::vector<BuildFile> const& p_Content)
 {
     std::vector<BuildFile const*> rest;
@@ -263,7 +264,7 @@ void Publication::StageRest(std::vector<BuildFile> const& p_Content)
 
 void Publication::StageAgain(BuildFile const& p_File)
 {
-    // Published bytes are what the manifest says, also when the file's times and size say nothing.
+    // The manifest must be right also when a file was changed without a trace in its times.
     if (Intake.Stage(p_File.Source) == p_File.Md5)
         return;
     if (p_File.IsIndexed) {

@@ -32,11 +32,11 @@ public:
 
     bool IsOn() const { return !Keys.isEmpty(); }
 
-    /// \return what is wrong, null when the document was signed as what it is; good ones may have
-    /// come to their end
+    /// \return what is wrong, null when the document was signed as what it is, also when the
+    /// signature has expired
     QString ForgeryOf(QString const& p_Path, QByteArray const& p_Content,
                       QByteArray const& p_Signature) const;
-    /// The same, and their end is a fault.
+    /// The same, but an expired signature is wrong too.
     /// \param p_Sequence gets the signature's number when that is higher
     QString ProblemOf(QString const& p_Path, QByteArray const& p_Content,
                       QByteArray const& p_Signature, quint64& p_Sequence) const;

@@ -44,9 +44,8 @@ public:
     /// Signs all that the tree holds of the application, as it is. \throws Failure
     void CommitAll(TreeTransaction& p_Tree);
 
-    /// Signs all that a tree holds, of all its applications, with another key, whose text the old
-    /// one signs for clients. \throws Failure also when anything was changed since the old one
-    /// signed it
+    /// Signs all that a tree holds, of all its applications, with another key, and that key with
+    /// the old one. \throws Failure also when anything was changed since the old one signed it
     static void ChangeKey(QString const& p_Output, SigningOptions const& p_Old,
                           Signing::SecretKey const& p_New);
 

@@ -42,7 +42,7 @@ public:
     /// takes time happens in between.
     void AddTextWithNext(QByteArray const& p_Content, QString const& p_Target);
 
-    /// Everything is on disk before the last added file is moved, and those that go with it. The
+    /// Everything is on disk before the last added file is moved, with those that belong to it. The
     /// tree stays locked. \throws Failure, after which the destructor takes everything back
     void Commit();
 
