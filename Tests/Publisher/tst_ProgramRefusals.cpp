@@ -112,6 +112,8 @@ void ProgramRefusalsTest::AWrongCallIsAUsageError_data()
         AddCommand(qPrintable(QString("build --source s --output o --build b %1").arg(options)),
                    sentence);
     AddCommand("build --source s --output o --build a/b", "--build \"a/b\": use");
+    AddCommand("build --source EMPTY --output o --build b",
+               "--source \"\": the folder's name is empty");
     AddCommand("build --source s --output EMPTY --build b", "--output \"\": the folder");
     AddCommand("rules", "--source");
     AddCommand("rules --source s --platform x", "--platform");

@@ -1,5 +1,4 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
-#include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -17,10 +16,10 @@ using Publisher::PublicationSummary;
 namespace {
 
 /// The published base files' paths.
-QStringList BasePaths(PublishedGame const& p_Game, QString const& p_Build = "build_1")
+QStringList BasePaths(PublishedGame const& p_Game)
 {
-    QJsonDocument const manifest = QJsonDocument::fromJson(
-        p_Game.Read(QString("pelmora_app/builds/%1/info.json").arg(p_Build)));
+    QJsonDocument const manifest =
+        QJsonDocument::fromJson(p_Game.Read("pelmora_app/builds/build_1/info.json"));
     QStringList paths;
     for (auto const& file : manifest["content"]["base_mac"].toArray())
         paths += file.toObject()["path"].toString();
@@ -41,7 +40,6 @@ private Q_SLOTS:
     void TheDevelopmentChannelHasAVersionFileOfItsOwn();
     void ABuildSharesContentWithEarlierOnes();
     void EqualFilesAreStoredOnce();
-    void EarlierBuildsStay();
     void ABuildCanBePublishedAgainAsItIs();
     void ExcludedFilesAreNotPublished();
     void WindowsClientsGetTheirOwnListAndFlag();
@@ -169,19 +167,6 @@ void PublicationTest::EqualFilesAreStoredOnce()
     QCOMPARE(summary.Bytes, 16);
     QCOMPARE(summary.NewContentFiles, 1);
     QCOMPARE(BasePaths(game), QStringList({"Game", "a"}));
-}
-
-void PublicationTest::EarlierBuildsStay()
-{
-    PublishedGame game;
-    game.Put("a", "old");
-    game.Publish();
-    QByteArray const manifest = game.Read("pelmora_app/builds/build_1/info.json");
-    QVERIFY(QFile::remove(game.SourcePath("a")));
-    game.Publish("build_2");
-    QCOMPARE(game.Read("pelmora_app/builds/build_1/info.json"), manifest);
-    QCOMPARE(game.Read(PublishedGame::ContentPath("old")), QByteArray("old"));
-    QCOMPARE(BasePaths(game, "build_2"), QStringList("Game"));
 }
 
 void PublicationTest::ABuildCanBePublishedAgainAsItIs()
