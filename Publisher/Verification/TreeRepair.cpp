@@ -46,12 +46,12 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
     ContentStore const store(tree.Folder());
     ContentStaging staging(p_Output, p_AppId);
     ContentIntake intake(store, &staging, p_Observer);
-    SourceScan scan(p_Source, [&](QString const& p_Path) {
+    auto const treat = [&](QString const& p_Path) {
         FileTreatment treatment;
         treatment.Excluded = !candidates.contains(p_Path);
         return treatment;
-    });
-    for (BuildFile const& file : scan.Run()) {
+    };
+    for (BuildFile const& file : ScanSource(p_Source, treat)) {
         QString const md5 = intake.Stage(file.Source);
         if (found.Damaged.remove(md5))
             transaction.Add(staging.PathOf(md5), store.PathOf(md5));
