@@ -43,7 +43,7 @@ protected:
     QString Output() const { return QString::fromStdString(Folder); }
     QString AppId() const { return QString::fromStdString(Application); }
 
-    CLI::App& Words; ///< what it takes
+    CLI::App& Words; ///< its part of the command line
 
 private:
     std::string Folder;

@@ -31,8 +31,8 @@ int Report(QString const& p_Cause, int p_Status, bool p_Json = false)
     return p_Status;
 }
 
-/// What is wrong with the words of a command line, and what may be meant. Of an
-/// unknown word and a missing one the first is told: mostly it is the other, misspelt.
+/// What is wrong with the words of a command line, and what may be meant. An unknown word is told
+/// before a missing one: mostly it is the missing one, misspelt.
 QString UsageSentence(CLI::App const& p_Program, CLI::ParseError const& p_Error)
 {
     std::vector<CLI::App const*> apps{&p_Program};
