@@ -46,6 +46,33 @@ void AddColumns()
     QTest::addColumn<QString>("sentence"); // a part of it
 }
 
+void AddWrongBuilds()
+{
+    AddCommand("build", "--source is required; \"varnholt-publish build --help\" explains it");
+    AddCommand("build --source s --output o", "--build is required");
+    for (auto const& [options, sentence] :
+         {std::pair("--bogus", "unknown option \"--bogus\"; \"varnholt-publish build"),
+          std::pair("extra", "unknown argument \"extra\""), std::pair("--number x", "--number"),
+          std::pair("--number -1", "--number"), std::pair("--number 2147483648", "--number"),
+          std::pair("--platform linux", "--platform"), std::pair("--jobs 0", "--jobs"),
+          std::pair("--hosts http://a", "--hosts \"http://a\": give the host name"),
+          std::pair("--hosts \"a,b c\"", "--hosts \"b c\": a host name holds no blank"),
+          std::pair("--hosts a,", "--hosts \"\": a host name is empty"),
+          std::pair("--hosts a --local", "--hosts excludes --local"),
+          std::pair("--hosts EMPTY", "--hosts \"\": a host name is empty"),
+          std::pair("--realmlist \"a\nb\"", "--realmlist \"a"),
+          std::pair("--locales frFR", "--locales \"frFR\": write TAG=NAME"),
+          std::pair("--locales =F", "--locales \"=F\": write TAG=NAME"),
+          std::pair("--locales a=A,a=B", "--locales: the tag a is given twice"),
+          std::pair("--app-id ../x", "--app-id \"../x\": use letters")})
+        AddCommand(qPrintable(QString("build --source s --output o --build b %1").arg(options)),
+                   sentence);
+    AddCommand("build --source s --output o --build a/b", "--build \"a/b\": use");
+    AddCommand("build --source EMPTY --output o --build b",
+               "--source \"\": the folder's name is empty");
+    AddCommand("build --source s --output EMPTY --build b", "--output \"\": the folder");
+}
+
 } // namespace
 
 void ProgramRefusalsTest::initTestCase()
@@ -92,29 +119,7 @@ void ProgramRefusalsTest::AWrongCallIsAUsageError_data()
     AddCommand("--bogus", "unknown option \"--bogus\"; \"varnholt-publish --help\" explains it");
     AddCommand("list --otuput o", "unknown option \"--otuput\"; did you mean \"--output\"?");
     AddCommand("list --otuput=o", "unknown option \"--otuput\"; did you mean \"--output\"?");
-    AddCommand("build", "--source is required; \"varnholt-publish build --help\" explains it");
-    AddCommand("build --source s --output o", "--build is required");
-    for (auto const& [options, sentence] :
-         {std::pair("--bogus", "unknown option \"--bogus\"; \"varnholt-publish build"),
-          std::pair("extra", "unknown argument \"extra\""), std::pair("--number x", "--number"),
-          std::pair("--number -1", "--number"), std::pair("--number 2147483648", "--number"),
-          std::pair("--platform linux", "--platform"), std::pair("--jobs 0", "--jobs"),
-          std::pair("--hosts http://a", "--hosts \"http://a\": give the host name"),
-          std::pair("--hosts \"a,b c\"", "--hosts \"b c\": a host name holds no blank"),
-          std::pair("--hosts a,", "--hosts \"\": a host name is empty"),
-          std::pair("--hosts a --local", "--hosts excludes --local"),
-          std::pair("--hosts EMPTY", "--hosts \"\": a host name is empty"),
-          std::pair("--realmlist \"a\nb\"", "--realmlist \"a"),
-          std::pair("--locales frFR", "--locales \"frFR\": write TAG=NAME"),
-          std::pair("--locales =F", "--locales \"=F\": write TAG=NAME"),
-          std::pair("--locales a=A,a=B", "--locales: the tag a is given twice"),
-          std::pair("--app-id ../x", "--app-id \"../x\": use letters")})
-        AddCommand(qPrintable(QString("build --source s --output o --build b %1").arg(options)),
-                   sentence);
-    AddCommand("build --source s --output o --build a/b", "--build \"a/b\": use");
-    AddCommand("build --source EMPTY --output o --build b",
-               "--source \"\": the folder's name is empty");
-    AddCommand("build --source s --output EMPTY --build b", "--output \"\": the folder");
+    AddWrongBuilds();
     AddCommand("rules", "--source");
     AddCommand("rules --source s --platform x", "--platform");
     AddCommand("rules --source s --explain EMPTY", "--explain \"\": the path is empty");
