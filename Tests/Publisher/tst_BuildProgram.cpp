@@ -1,3 +1,4 @@
+#include "Publisher/Rules/FlagNames.hpp"
 #include "Tests/Publisher/ProgramRun.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void NamesAreUtf8WhateverTheLocale();
     void HelpHasAnExample_data();
     void HelpHasAnExample();
+    void HelpNamesEveryFlag();
     void ResultsThatCannotBeWrittenAreAnError_data();
     void ResultsThatCannotBeWrittenAreAnError();
     void TellsItsVersion();
@@ -97,6 +99,14 @@ void BuildProgramTest::HelpHasAnExample()
     QCOMPARE(result.Errors, QByteArray());
     QVERIFY2(result.Output.contains("\n  varnholt-publish " + command.toUtf8() + ' '),
              result.Output.constData());
+}
+
+void BuildProgramTest::HelpNamesEveryFlag()
+{
+    QByteArray const help = RunProgram({"build", "--help"}).Output;
+    for (QString const& flag : Publisher::FlagNames::All())
+        QVERIFY2(help.contains(' ' + flag.toUtf8()), qPrintable(flag));
+    QVERIFY(help.contains("Français"));
 }
 
 void BuildProgramTest::ResultsThatCannotBeWrittenAreAnError_data()

@@ -17,7 +17,7 @@ class StaticServerTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase();
-    void init() { Server = std::make_unique<ServingThread>(Folder.filePath("tree")); }
+    void init() { Server = std::make_unique<ServingThread>(Folder.filePath("tree/")); }
     void cleanup() { Server.reset(); }
 
     void AnswersAWholeFile_data();
