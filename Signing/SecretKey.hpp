@@ -13,7 +13,7 @@ namespace Varnholt::Signing {
 /// and makes them too. The secret is overwritten when it goes.
 class SecretKey {
 public:
-    /// What a password costs who guesses it; also whoever gives the right one.
+    /// What each try of a password costs, a wrong one as well as the right one.
     enum class Strength {
         High,  ///< as minisign's: 1 GiB of memory and some seconds
         Quick, ///< 16 MiB and a tenth of a second

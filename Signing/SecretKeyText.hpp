@@ -6,7 +6,7 @@
 
 namespace Varnholt::Signing {
 
-/// The text of minisign's secret key files: who has no password finds only noise in it.
+/// The text of minisign's secret key files, encrypted when there is a password.
 class SecretKeyText {
 public:
     /// \throws KeyFailure

@@ -26,7 +26,7 @@ struct TrustedComment {
     QString Build;                    ///< none for what belongs to no build
     quint64 Sequence = 0;             ///< grows with every change of a tree
     QDateTime Time;                   ///< UTC, whole seconds
-    std::optional<QDateTime> Expires; ///< alike
+    std::optional<QDateTime> Expires; ///< UTC, whole seconds; none: never
 
     static std::optional<TrustedComment> FromText(QByteArray const& p_Text);
     QByteArray ToText() const;

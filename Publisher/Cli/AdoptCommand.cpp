@@ -1,7 +1,6 @@
-#include "Publisher/Cli/AdoptCommand.hpp"
+#include "Publisher/Cli/Commands.hpp"
 
 #include "Publisher/Cli/BuildProgress.hpp"
-#include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/KeyFiles.hpp"
 #include "Publisher/Publication/TreeAdoption.hpp"
 
@@ -9,41 +8,51 @@
 
 namespace Varnholt::Publisher {
 
-AdoptCommand::AdoptCommand(CLI::App& p_Program)
-    : Command(p_Program.add_subcommand("adopt", "Go on publishing in a copy of a published tree"))
-{
-    Command->footer("Example, on a mirror, when the publisher's machine is lost:\n"
-                    "  varnholt-publish adopt --output /srv/www\n"
-                    "\n"
-                    "Every byte that the channels offer is read before. Then build, rollback and\n"
-                    "prune work there as they did in the tree that was copied.\n");
-    Command->add_option("--output", Output, "Folder of the copy")->required();
-    Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
-    Command->add_option("--trust-key", TrustKey, "Public key of a signed copy, or a file of it");
-    Command->add_flag("--json", Json, "One JSON object per line");
-}
+namespace {
 
-bool AdoptCommand::IsChosen() const
+class AdoptCommand : public Command {
+public:
+    explicit AdoptCommand(CLI::App& p_Program);
+
+    int Run() const override;
+
+private:
+    std::string TrustKey;
+};
+
+AdoptCommand::AdoptCommand(CLI::App& p_Program)
+    : Command(p_Program, "adopt", "Go on publishing in a copy of a published tree",
+              "Example, on a mirror, when the publisher's machine is lost:\n"
+              "  varnholt-publish adopt --output /srv/www\n"
+              "\n"
+              "Every byte that the channels offer is read before. Then build, rollback and\n"
+              "prune work there as they did in the tree that was copied.\n")
 {
-    return Command->parsed();
+    AddOutput("Folder of the copy")->required();
+    AddAppId();
+    Words.add_option("--trust-key", TrustKey, "Public key of a signed copy, or a file of it");
+    AddJson();
 }
 
 int AdoptCommand::Run() const
 {
-    QString const output = QString::fromStdString(Output);
     {
-        BuildProgress progress(Json);
+        BuildProgress progress(WantsJson());
         std::optional<Signing::PublicKey> key;
         if (!TrustKey.empty())
             key = KeyFiles::Public(QString::fromStdString(TrustKey));
-        AdoptTree(output, QString::fromStdString(AppId), key, progress);
+        AdoptTree(Output(), AppId(), key, progress);
     }
-    if (Json)
-        ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("adopt")},
-                                {QStringLiteral("output"), output}});
-    else
-        ConsoleText::PrintLine(output + QStringLiteral(" is a published tree now"));
+    Tell(Output() + QStringLiteral(" is a published tree now"),
+         {{QStringLiteral("type"), QStringLiteral("adopt")}, {QStringLiteral("output"), Output()}});
     return 0;
+}
+
+} // namespace
+
+std::unique_ptr<Command> MakeAdoptCommand(CLI::App& p_Program)
+{
+    return std::make_unique<AdoptCommand>(p_Program);
 }
 
 } // namespace Varnholt::Publisher

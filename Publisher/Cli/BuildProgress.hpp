@@ -14,7 +14,7 @@ namespace Varnholt::Publisher {
 class BuildProgress : public PublicationObserver {
 public:
     /// \param p_Json in objects
-    explicit BuildProgress(bool p_Json = false);
+    explicit BuildProgress(bool p_Json);
     /// Removes the progress line.
     ~BuildProgress() override;
 

@@ -2,77 +2,77 @@
 
 #include "Publisher/Cli/ConsoleText.hpp"
 
-namespace Varnholt::Publisher {
+namespace Varnholt::Publisher::BuildReport {
 
-BuildReport::BuildReport(PublishOptions const& p_Options, PublicationSummary const& p_Summary)
-    : Options(p_Options)
-    , Summary(p_Summary)
+namespace {
+
+qint64 BytesPerSecond(PublicationSummary const& p_Summary)
 {
+    return p_Summary.Bytes * 1000 / qMax<qint64>(1, p_Summary.Milliseconds);
 }
 
-void BuildReport::PrintText() const
-{
-    using namespace ConsoleText;
-    PrintHeading();
-    PrintLine(QStringLiteral("files        %1 (%2 streamed)")
-                  .arg(QString::number(Summary.Files), QString::number(Summary.StreamedFiles)));
-    PrintLine(QStringLiteral("bytes        %1").arg(Summary.Bytes));
-    PrintLine(
-        QStringLiteral("from index   %1 bytes in %2 files")
-            .arg(QString::number(Summary.IndexedBytes), QString::number(Summary.IndexedFiles)));
-    PrintLine(QStringLiteral("new content  %1 bytes in %2 files")
-                  .arg(QString::number(Summary.NewContentBytes),
-                       QString::number(Summary.NewContentFiles)));
-    PrintLine(QStringLiteral("rate         %1/s (%2 s)")
-                  .arg(Bytes(BytesPerSecond()),
-                       QString::number(static_cast<double>(Summary.Milliseconds) / 1000, 'f', 1)));
-}
-
-void BuildReport::PrintHeading() const
+void PrintHeading(PublishOptions const& p_Options, PublicationSummary const& p_Summary)
 {
     using ConsoleText::PrintLine;
-    if (!Summary.UnchangedBuild.isNull()) {
+    if (!p_Summary.UnchangedBuild.isNull()) {
         PrintLine(QStringLiteral("Nothing to publish: build %1 in %2 equals the source")
-                      .arg(Summary.UnchangedBuild, Options.Output));
+                      .arg(p_Summary.UnchangedBuild, p_Options.Output));
         return;
     }
-    for (TreeFile const& file : Summary.WouldWrite) {
+    for (TreeFile const& file : p_Summary.WouldWrite) {
         PrintLine(QStringLiteral("would write  %1 (%2 bytes)")
                       .arg(file.Path, QString::number(file.Bytes)));
     }
-    PrintLine((Options.DryRun ? QStringLiteral("Would publish build %1 in %2")
-                              : QStringLiteral("Published build %1 in %2"))
-                  .arg(Options.Build.Id, Options.Output));
+    PrintLine((p_Options.DryRun ? QStringLiteral("Would publish build %1 in %2")
+                                : QStringLiteral("Published build %1 in %2"))
+                  .arg(p_Options.Build.Id, p_Options.Output));
 }
 
-void BuildReport::PrintJson() const
+} // namespace
+
+void PrintText(PublishOptions const& p_Options, PublicationSummary const& p_Summary)
+{
+    using namespace ConsoleText;
+    PrintHeading(p_Options, p_Summary);
+    PrintLine(QStringLiteral("files        %1 (%2 streamed)")
+                  .arg(QString::number(p_Summary.Files), QString::number(p_Summary.StreamedFiles)));
+    PrintLine(QStringLiteral("bytes        %1").arg(p_Summary.Bytes));
+    PrintLine(
+        QStringLiteral("from index   %1 bytes in %2 files")
+            .arg(QString::number(p_Summary.IndexedBytes), QString::number(p_Summary.IndexedFiles)));
+    PrintLine(QStringLiteral("new content  %1 bytes in %2 files")
+                  .arg(QString::number(p_Summary.NewContentBytes),
+                       QString::number(p_Summary.NewContentFiles)));
+    PrintLine(
+        QStringLiteral("rate         %1/s (%2 s)")
+            .arg(Bytes(BytesPerSecond(p_Summary)),
+                 QString::number(static_cast<double>(p_Summary.Milliseconds) / 1000, 'f', 1)));
+}
+
+void PrintJson(PublishOptions const& p_Options, PublicationSummary const& p_Summary)
 {
     using ConsoleText::PrintJson;
-    for (TreeFile const& file : Summary.WouldWrite) {
+    for (TreeFile const& file : p_Summary.WouldWrite) {
         PrintJson({{QStringLiteral("type"), QStringLiteral("write")},
                    {QStringLiteral("file"), file.Path},
                    {QStringLiteral("bytes"), file.Bytes}});
     }
-    bool const isUnchanged = !Summary.UnchangedBuild.isNull();
-    PrintJson({{QStringLiteral("type"), QStringLiteral("build")},
-               {QStringLiteral("build"), isUnchanged ? Summary.UnchangedBuild : Options.Build.Id},
-               {QStringLiteral("output"), Options.Output},
-               {QStringLiteral("published"), !isUnchanged && !Options.DryRun},
-               {QStringLiteral("unchanged"), isUnchanged},
-               {QStringLiteral("files"), Summary.Files},
-               {QStringLiteral("streamedFiles"), Summary.StreamedFiles},
-               {QStringLiteral("bytes"), Summary.Bytes},
-               {QStringLiteral("indexedFiles"), Summary.IndexedFiles},
-               {QStringLiteral("indexedBytes"), Summary.IndexedBytes},
-               {QStringLiteral("newContentFiles"), Summary.NewContentFiles},
-               {QStringLiteral("newContentBytes"), Summary.NewContentBytes},
-               {QStringLiteral("milliseconds"), Summary.Milliseconds},
-               {QStringLiteral("bytesPerSecond"), BytesPerSecond()}});
+    bool const isUnchanged = !p_Summary.UnchangedBuild.isNull();
+    PrintJson(
+        {{QStringLiteral("type"), QStringLiteral("build")},
+         {QStringLiteral("build"), isUnchanged ? p_Summary.UnchangedBuild : p_Options.Build.Id},
+         {QStringLiteral("output"), p_Options.Output},
+         {QStringLiteral("published"), !isUnchanged && !p_Options.DryRun},
+         {QStringLiteral("unchanged"), isUnchanged},
+         {QStringLiteral("files"), p_Summary.Files},
+         {QStringLiteral("streamedFiles"), p_Summary.StreamedFiles},
+         {QStringLiteral("bytes"), p_Summary.Bytes},
+         {QStringLiteral("indexedFiles"), p_Summary.IndexedFiles},
+         {QStringLiteral("indexedBytes"), p_Summary.IndexedBytes},
+         {QStringLiteral("newContentFiles"), p_Summary.NewContentFiles},
+         {QStringLiteral("newContentBytes"), p_Summary.NewContentBytes},
+         {QStringLiteral("milliseconds"), p_Summary.Milliseconds},
+         {QStringLiteral("bytesPerSecond"), BytesPerSecond(p_Summary)}});
 }
 
-qint64 BuildReport::BytesPerSecond() const
-{
-    return Summary.Bytes * 1000 / qMax<qint64>(1, Summary.Milliseconds);
-}
-
-} // namespace Varnholt::Publisher
+} // namespace Varnholt::Publisher::BuildReport

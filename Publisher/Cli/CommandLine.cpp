@@ -2,6 +2,7 @@
 
 #include "Programs/StandardStreams.hpp"
 #include "Programs/Suggestion.hpp"
+#include "Publisher/Cli/Commands.hpp"
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Failure.hpp"
 
@@ -18,15 +19,6 @@ constexpr std::pair<char const*, char const*> c_Paths[] = {
     {"--old", "FILE"},     {"--new", "FILE"},      {"--new-password-file", "FILE"},
     {"--trust-key", "KEY"}};
 
-/// Whether the command that was called was asked for objects.
-bool IsJson(CLI::App const& p_Program)
-{
-    auto const called = p_Program.get_subcommands();
-    CLI::Option const* const json =
-        called.empty() ? nullptr : called.front()->get_option_no_throw("--json");
-    return json && json->count() > 0;
-}
-
 int Report(QString const& p_Cause, int p_Status, bool p_Json = false)
 {
     if (p_Json) {
@@ -39,17 +31,8 @@ int Report(QString const& p_Cause, int p_Status, bool p_Json = false)
     return p_Status;
 }
 
-/// Runs the one command that was called.
-template <typename... Commands>
-int RunChosen(Commands const&... p_Commands)
-{
-    int status = 0;
-    (void)((p_Commands.IsChosen() && (status = p_Commands.Run(), true)) || ...);
-    return status;
-}
-
-/// What is wrong with the words of a command line, and what may be meant. An unknown word goes
-/// before what is missing: it is mostly the missing one, misspelt.
+/// What is wrong with the words of a command line, and what may be meant. An unknown word is told
+/// before a missing one: mostly it is the missing one, misspelt.
 QString UsageSentence(CLI::App const& p_Program, CLI::ParseError const& p_Error)
 {
     std::vector<CLI::App const*> apps{&p_Program};
@@ -88,6 +71,11 @@ QString UsageSentence(CLI::App const& p_Program, CLI::ParseError const& p_Error)
 
 CommandLine::CommandLine()
 {
+    for (auto const make :
+         {MakeBuildCommand, MakeServeCommand, MakeDiffCommand, MakeVerifyCommand, MakeRulesCommand,
+          MakeListCommand, MakeRollbackCommand, MakePruneCommand, MakeHostsCommand,
+          MakeRealmListCommand, MakeKeysCommand, MakeSignCommand, MakeAdoptCommand})
+        Commands.push_back(make(Program));
     Program.set_version_flag("--version", VARNHOLT_VERSION);
     Program.require_subcommand(0, 1); // that there is one is asked after unknown words were told
     Program.footer("\"varnholt-publish COMMAND --help\" explains a command.\n");
@@ -99,12 +87,16 @@ CommandLine::CommandLine()
 
 int CommandLine::RunCommand(int p_Count, char const* const* p_Arguments)
 {
+    bool isJson = false;
     try {
         Program.parse(p_Count, p_Arguments);
-        if (Program.get_subcommands().empty())
-            throw CLI::RequiredError("A command");
-        return RunChosen(Build, Serve, Diff, Verify, Rules, List, Rollback, Prune, Hosts, RealmList,
-                         Keys, Sign, Adopt);
+        for (auto const& command : Commands) {
+            if (!command->IsChosen())
+                continue;
+            isJson = command->WantsJson();
+            return command->Run();
+        }
+        throw CLI::RequiredError("A command");
     } catch (CLI::Success const& help) {
         std::ostringstream text;
         int const status = Program.exit(help, text);
@@ -113,9 +105,9 @@ int CommandLine::RunCommand(int p_Count, char const* const* p_Arguments)
     } catch (CLI::ParseError const& error) {
         return Report(UsageSentence(Program, error), Failure::c_Usage);
     } catch (Failure const& failure) {
-        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus(), IsJson(Program));
+        return Report(QString::fromUtf8(failure.what()), failure.ExitStatus(), isJson);
     } catch (std::exception const& error) {
-        return Report(QString::fromUtf8(error.what()), Failure::c_Other, IsJson(Program));
+        return Report(QString::fromUtf8(error.what()), Failure::c_Other, isJson);
     }
 }
 

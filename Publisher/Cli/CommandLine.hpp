@@ -1,19 +1,11 @@
 #pragma once
 
-#include "Publisher/Cli/AdoptCommand.hpp"
-#include "Publisher/Cli/BuildCommand.hpp"
-#include "Publisher/Cli/DiffCommand.hpp"
-#include "Publisher/Cli/KeysCommand.hpp"
-#include "Publisher/Cli/ListCommand.hpp"
-#include "Publisher/Cli/PruneCommand.hpp"
-#include "Publisher/Cli/RollbackCommand.hpp"
-#include "Publisher/Cli/RulesCommand.hpp"
-#include "Publisher/Cli/ServeCommand.hpp"
-#include "Publisher/Cli/ServerListCommand.hpp"
-#include "Publisher/Cli/SignCommand.hpp"
-#include "Publisher/Cli/VerifyCommand.hpp"
+#include "Publisher/Cli/Command.hpp"
 
 #include <CLI/CLI.hpp>
+
+#include <memory>
+#include <vector>
 
 namespace Varnholt::Publisher {
 
@@ -36,19 +28,7 @@ private:
 
     CLI::App Program{"Publishes a game so that any web server with byte ranges can serve it",
                      "varnholt-publish"};
-    BuildCommand Build{Program};
-    ServeCommand Serve{Program};
-    DiffCommand Diff{Program};
-    VerifyCommand Verify{Program};
-    RulesCommand Rules{Program};
-    ListCommand List{Program};
-    RollbackCommand Rollback{Program};
-    PruneCommand Prune{Program};
-    ServerListCommand Hosts{Program, ServerListCommand::List::Hosts};
-    ServerListCommand RealmList{Program, ServerListCommand::List::RealmList};
-    KeysCommand Keys{Program};
-    SignCommand Sign{Program};
-    AdoptCommand Adopt{Program};
+    std::vector<std::unique_ptr<Command>> Commands;
 };
 
 } // namespace Varnholt::Publisher

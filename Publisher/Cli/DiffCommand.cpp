@@ -1,11 +1,13 @@
-#include "Publisher/Cli/DiffCommand.hpp"
+#include "Publisher/Cli/Commands.hpp"
 
 #include "Publisher/Cli/ConsoleText.hpp"
+#include "Publisher/Publication/BuildDifference.hpp"
 #include "Publisher/Rules/FlagNames.hpp"
 
 #include <CLI/CLI.hpp>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <vector>
 
 #include <array>
 #include <optional>
@@ -105,45 +107,53 @@ QJsonObject ObjectOf(FileTotal const& p_Total)
     return {{QStringLiteral("files"), p_Total.Files}, {QStringLiteral("bytes"), p_Total.Bytes}};
 }
 
-} // namespace
+class DiffCommand : public Command {
+public:
+    explicit DiffCommand(CLI::App& p_Program);
+
+    int Run() const override;
+
+private:
+    void PrintText(BuildDifference const& p_Difference) const;
+    void PrintJson(BuildDifference const& p_Difference) const;
+
+    std::vector<std::string> Builds;
+    std::string Locale;
+    int Players = 0;
+};
 
 DiffCommand::DiffCommand(CLI::App& p_Program)
-    : Command(p_Program.add_subcommand("diff", "Show what clients fetch between two builds"))
+    : Command(p_Program, "diff", "Show what clients fetch between two builds",
+              "Example:\n"
+              "  varnholt-publish diff --output /srv/www --locale enUS 18414 18500\n"
+              "\n"
+              "With one build only: what a new installation fetches.\n"
+              "New files are marked with \"+\", changed ones with \"~\", those whose flags,\n"
+              "language or streaming alone have changed with \"=\", removed ones, which clients\n"
+              "leave where they are, with \"-\". A changed file that has the flag\n"
+              "keep-if-present is not fetched by those who have it.\n")
 {
-    Command->footer(
-        "Example:\n"
-        "  varnholt-publish diff --output /srv/www --locale enUS 18414 18500\n"
-        "\n"
-        "With one build only: what a new installation fetches.\n"
-        "New files are marked with \"+\", changed ones with \"~\", those whose flags,\n"
-        "language or streaming alone have changed with \"=\", removed ones, which clients\n"
-        "leave where they are, with \"-\". A changed file that has the flag\n"
-        "keep-if-present is not fetched by those who have it.\n");
-    Command->add_option("--output", Output, "Folder of the published tree")->required();
-    Command->add_option("builds", Builds, "[OLD] NEW")->required()->expected(1, 2);
-    Command->add_option("--locale", Locale,
-                        "Count what a client of this language fetches (default: all languages)");
-    Command->add_option("--players", Players, "Tell what so many clients fetch together")
+    AddOutput()->required();
+    Words.add_option("builds", Builds, "[OLD] NEW")->required()->expected(1, 2);
+    Words.add_option("--locale", Locale,
+                     "Count what a client of this language fetches (default: all languages)");
+    Words.add_option("--players", Players, "Tell what so many clients fetch together")
         ->check(CLI::Range(1, c_MostPlayers));
-    Command->add_option("--app-id", AppId, "Application identifier")->capture_default_str();
-    Command->add_flag("--json", Json, "One JSON object per line: each file, then a summary");
-}
-
-bool DiffCommand::IsChosen() const
-{
-    return Command->parsed();
+    AddAppId();
+    AddJson("One JSON object per line: each file, then a summary");
 }
 
 int DiffCommand::Run() const
 {
-    PublishedTree const tree(QString::fromStdString(Output), QString::fromStdString(AppId));
+    BuildCatalog const tree(Output(), AppId());
+    tree.CheckIsPublished();
     std::optional<PublishedBuild> old;
     if (Builds.size() > 1)
         old = tree.ReadBuild(QString::fromStdString(Builds.front()));
     BuildDifference const difference(tree, old ? &*old : nullptr,
                                      tree.ReadBuild(QString::fromStdString(Builds.back())),
                                      QString::fromStdString(Locale));
-    if (Json)
+    if (WantsJson())
         PrintJson(difference);
     else
         PrintText(difference);
@@ -214,6 +224,13 @@ void DiffCommand::PrintJson(BuildDifference const& p_Difference) const
                        QString::number(Requests(p_Difference) * Players));
     }
     ConsoleText::PrintJson(summary);
+}
+
+} // namespace
+
+std::unique_ptr<Command> MakeDiffCommand(CLI::App& p_Program)
+{
+    return std::make_unique<DiffCommand>(p_Program);
 }
 
 } // namespace Varnholt::Publisher

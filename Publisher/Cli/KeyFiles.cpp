@@ -25,8 +25,8 @@ constexpr int c_SignalStatus = 128;
     throw Failure(p_File + QStringLiteral(": ") + p_Cause);
 }
 
-/// Waits for standard input; a signal that asks for the end is answered by a failure, after which
-/// the terminal is as it was.
+/// Waits for standard input. Throws when a signal asks for the end, so that the terminal gets its
+/// echo back.
 void WaitForInput()
 {
     constexpr int c_LookMilliseconds = 50;

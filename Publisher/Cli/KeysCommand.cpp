@@ -1,11 +1,9 @@
-#include "Publisher/Cli/KeysCommand.hpp"
+#include "Publisher/Cli/Commands.hpp"
 
-#include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/KeyFiles.hpp"
 #include "Publisher/Failure.hpp"
 #include "Publisher/Signatures/TreeSigner.hpp"
 #include "Publisher/Tree/TreeMark.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Signing/KeyFailure.hpp"
 
 #include <CLI/CLI.hpp>
@@ -17,38 +15,58 @@ namespace Varnholt::Publisher {
 
 using Signing::SecretKey;
 
+namespace {
+
+class KeysCommand : public Command {
+public:
+    explicit KeysCommand(CLI::App& p_Program);
+
+    int Run() const override;
+
+private:
+    void Make() const;
+    void Show() const;
+    void Change() const;
+    void Print(Signing::PublicKey const& p_Key) const;
+    /// \throws Failure unless exactly these are given of what not all actions take
+    void CheckGiven(std::initializer_list<char const*> p_Names) const;
+
+    std::string Action;
+    std::string File;
+    std::string PasswordFile;
+    std::string Old;
+    std::string New;
+    std::string NewPasswordFile;
+    bool WithoutPassword = false;
+};
+
 KeysCommand::KeysCommand(CLI::App& p_Program)
-    : Command(p_Program.add_subcommand("keys", "Make, show and change the keys that sign a tree"))
+    : Command(
+          p_Program, "keys", "Make, show and change the keys that sign a tree",
+          "Examples:\n"
+          "  varnholt-publish keys new game.key\n"
+          "  varnholt-publish keys show game.key.pub\n"
+          "  varnholt-publish keys change --output /srv/www --old game.key --new next.key\n"
+          "\n"
+          "new writes the secret key, readable by its owner alone, and beside it the public one\n"
+          "with \".pub\" behind the name; both are minisign's. show prints the public key, which\n"
+          "players trust. change signs the whole tree with another key, and that key with the\n"
+          "old one, so that players who trust the old one follow.\n")
 {
-    Command->footer(
-        "Examples:\n"
-        "  varnholt-publish keys new game.key\n"
-        "  varnholt-publish keys show game.key.pub\n"
-        "  varnholt-publish keys change --output /srv/www --old game.key --new next.key\n"
-        "\n"
-        "new writes the secret key, readable by its owner alone, and beside it the public one\n"
-        "with \".pub\" behind the name; both are minisign's. show prints the public key, which\n"
-        "players trust. change signs the whole tree with another key, and that key with the\n"
-        "old one, so that players who trust the old one follow.\n");
-    Command->add_option("action", Action, "What to do")
+    Words.add_option("action", Action, "What to do")
         ->required()
         ->check(CLI::IsMember({"new", "show", "change"}));
-    Command->add_option("file", File, "new, show: the key's file")->type_name("FILE");
-    Command->add_flag("--no-password", WithoutPassword, "new: whoever has the file can sign");
-    Command->add_option("--password-file", PasswordFile,
-                        "File whose first line is the key's password (default: the variable "
-                        "VARNHOLT_KEY_PASSWORD, or standard input)");
-    Command->add_option("--output", Output, "change: folder of the published tree");
-    Command->add_option("--old", Old, "change: the secret key that signs now");
-    Command->add_option("--new", New, "change: the secret key that signs from now on");
-    Command->add_option("--new-password-file", NewPasswordFile,
-                        "change: --password-file of the new key");
-    Command->add_flag("--json", Json, "One JSON object per line");
-}
-
-bool KeysCommand::IsChosen() const
-{
-    return Command->parsed();
+    Words.add_option("file", File, "new, show: the key's file")->type_name("FILE");
+    Words.add_flag("--no-password", WithoutPassword, "new: whoever has the file can sign");
+    Words.add_option("--password-file", PasswordFile,
+                     "File whose first line is the key's password (default: the variable "
+                     "VARNHOLT_KEY_PASSWORD, or standard input)");
+    AddOutput("change: folder of the published tree");
+    Words.add_option("--old", Old, "change: the secret key that signs now");
+    Words.add_option("--new", New, "change: the secret key that signs from now on");
+    Words.add_option("--new-password-file", NewPasswordFile,
+                     "change: --password-file of the new key");
+    AddJson();
 }
 
 int KeysCommand::Run() const
@@ -72,7 +90,7 @@ void KeysCommand::CheckGiven(std::initializer_list<char const*> p_Names) const
         bool const isWanted =
             std::any_of(p_Names.begin(), p_Names.end(),
                         [name](char const* p_Wanted) { return std::string(name) == p_Wanted; });
-        if (isWanted != (Command->count(name) > 0)) {
+        if (isWanted != (Words.count(name) > 0)) {
             throw Failure(QStringLiteral("keys %1: %2 %3")
                               .arg(QString::fromStdString(Action), QString::fromUtf8(name),
                                    isWanted ? QStringLiteral("is required")
@@ -116,26 +134,29 @@ void KeysCommand::Show() const
 
 void KeysCommand::Change() const
 {
-    QString const output = QString::fromStdString(Output);
+    QString const output = Output();
     TreeMark(output).CheckIsTree();
     SigningOptions options;
     options.Key = KeyFiles::Load(QString::fromStdString(Old), QString::fromStdString(PasswordFile));
     SecretKey const next =
         KeyFiles::Load(QString::fromStdString(New), QString::fromStdString(NewPasswordFile));
-    TreeTransaction tree(output);
-    TreeSigner::CommitKeyChange(tree, output, options, next);
+    TreeSigner::ChangeKey(output, options, next);
     Print(next.Public());
 }
 
 void KeysCommand::Print(Signing::PublicKey const& p_Key) const
 {
-    if (!Json) {
-        ConsoleText::PrintLine(QString::fromLatin1(p_Key.ToText()));
-        return;
-    }
-    ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("key")},
-                            {QStringLiteral("id"), p_Key.KeyId()},
-                            {QStringLiteral("key"), QString::fromLatin1(p_Key.ToText())}});
+    QString const text = QString::fromLatin1(p_Key.ToText());
+    Tell(text, {{QStringLiteral("type"), QStringLiteral("key")},
+                {QStringLiteral("id"), p_Key.KeyId()},
+                {QStringLiteral("key"), text}});
+}
+
+} // namespace
+
+std::unique_ptr<Command> MakeKeysCommand(CLI::App& p_Program)
+{
+    return std::make_unique<KeysCommand>(p_Program);
 }
 
 } // namespace Varnholt::Publisher

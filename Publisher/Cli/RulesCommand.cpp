@@ -1,10 +1,11 @@
-#include "Publisher/Cli/RulesCommand.hpp"
+#include "Publisher/Cli/Commands.hpp"
 
 #include "Publisher/Cli/BuildProgress.hpp"
-#include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Cli/LocaleOption.hpp"
 #include "Publisher/Failure.hpp"
+#include "Publisher/Publication/PublishOptions.hpp"
 #include "Publisher/Rules/FlagNames.hpp"
+#include "Publisher/Rules/RuleSet.hpp"
 #include "Publisher/Source/SourceListing.hpp"
 
 #include <CLI/CLI.hpp>
@@ -60,38 +61,49 @@ bool IsPlain(QJsonValue const& p_Value)
            p_Value == QJsonValue(QJsonArray());
 }
 
-} // namespace
+class RulesCommand : public Command {
+public:
+    explicit RulesCommand(CLI::App& p_Program);
+
+    int Run() const override;
+
+private:
+    PublishOptions Options() const;
+    void ListFiles(RuleSet const& p_Rules) const;
+    void Explain(RuleSet const& p_Rules) const;
+
+    std::string Source;
+    std::string Rules;
+    std::string Path;
+    std::string LocaleList;
+    std::string Platform = "mac";
+};
 
 RulesCommand::RulesCommand(CLI::App& p_Program)
-    : Command(p_Program.add_subcommand("rules", "Show what the rules make of a game folder"))
+    : Command(p_Program, "rules", "Show what the rules make of a game folder",
+              "Examples:\n"
+              "  varnholt-publish rules --source Game --rules rules.json\n"
+              "  varnholt-publish rules --source Game --rules rules.json \\\n"
+              "      --explain Data/frFR/locale.MPQ\n"
+              "\n"
+              "Lists every file with its properties or, for one path, names the rule that\n"
+              "decided each of them. Publishes nothing.\n")
 {
-    Command->footer("Examples:\n"
-                    "  varnholt-publish rules --source Game --rules rules.json\n"
-                    "  varnholt-publish rules --source Game --rules rules.json \\\n"
-                    "      --explain Data/frFR/locale.MPQ\n"
-                    "\n"
-                    "Lists every file with its properties or, for one path, names the rule that\n"
-                    "decided each of them. Publishes nothing.\n");
-    Command->add_option("--source", Source, "Folder that holds the game")->required();
-    Command->add_option("--rules", Rules, "Rules file (JSON); without it built-in rules apply");
-    Command->add_option("--explain", Path, "A file's path in the source folder");
-    Command->add_option("--locales", LocaleList,
-                        "Languages on offer, TAG=NAME,..., added to those of the rules file");
-    Command->add_option("--platform", Platform, "System of the clients")
+    Words.add_option("--source", Source, "Folder that holds the game")->required();
+    Words.add_option("--rules", Rules, "Rules file (JSON); without it built-in rules apply");
+    Words.add_option("--explain", Path, "A file's path in the source folder");
+    Words.add_option("--locales", LocaleList,
+                     "Languages on offer, TAG=NAME,..., added to those of the rules file");
+    Words.add_option("--platform", Platform, "System of the clients")
         ->check(CLI::IsMember({"mac", "win"}))
         ->capture_default_str();
-    Command->add_flag("--json", Json, "One JSON object per line");
-}
-
-bool RulesCommand::IsChosen() const
-{
-    return Command->parsed();
+    AddJson();
 }
 
 int RulesCommand::Run() const
 {
     RuleSet const rules = SourceListing::ReadRules(Options());
-    if (Command->count("--explain") > 0)
+    if (Words.count("--explain") > 0)
         Explain(rules);
     else
         ListFiles(rules);
@@ -104,7 +116,7 @@ PublishOptions RulesCommand::Options() const
     options.Source = QString::fromStdString(Source);
     options.RulesFile = QString::fromStdString(Rules);
     options.Platform = Platform == "win" ? ContentPlatform::Windows : ContentPlatform::Mac;
-    if (Command->count("--locales") > 0)
+    if (Words.count("--locales") > 0)
         options.Locales = ParseLocales(QString::fromStdString(LocaleList));
     return options;
 }
@@ -114,7 +126,7 @@ void RulesCommand::ListFiles(RuleSet const& p_Rules) const
     PublishOptions const options = Options();
     std::vector<BuildFile> files;
     {
-        BuildProgress progress(Json);
+        BuildProgress progress(WantsJson());
         files = SourceListing::AllFiles(options, p_Rules, progress);
     }
     for (BuildFile const& file : files) {
@@ -126,11 +138,7 @@ void RulesCommand::ListFiles(RuleSet const& p_Rules) const
             if (!IsPlain(property.Value))
                 words += property.Name + QLatin1Char('=') + TextOf(property.Value);
         }
-        if (Json)
-            ConsoleText::PrintJson(object);
-        else
-            ConsoleText::PrintLine(
-                (QStringList(file.Source.Path) + words).join(QStringLiteral("  ")));
+        Tell((QStringList(file.Source.Path) + words).join(QStringLiteral("  ")), object);
     }
 }
 
@@ -149,19 +157,23 @@ void RulesCommand::Explain(RuleSet const& p_Rules) const
                            {QStringLiteral("path"), path},
                            {QStringLiteral("property"), property.Name},
                            {QStringLiteral("value"), property.Value}};
-        QString line = property.Name.leftJustified(10) + TextOf(property.Value);
         if (property.Decided)
             object.insert(QStringLiteral("match"), property.Decided->Pattern);
         if (property.Decided && property.Decided->Line > 0) {
             object.insert(QStringLiteral("file"), options.RulesFile);
             object.insert(QStringLiteral("line"), property.Decided->Line);
         }
-        line += QStringLiteral("  (%1)").arg(PlaceOf(property.Decided, options.RulesFile));
-        if (Json)
-            ConsoleText::PrintJson(object);
-        else
-            ConsoleText::PrintLine(line);
+        Tell(property.Name.leftJustified(10) + TextOf(property.Value) +
+                 QStringLiteral("  (%1)").arg(PlaceOf(property.Decided, options.RulesFile)),
+             object);
     }
+}
+
+} // namespace
+
+std::unique_ptr<Command> MakeRulesCommand(CLI::App& p_Program)
+{
+    return std::make_unique<RulesCommand>(p_Program);
 }
 
 } // namespace Varnholt::Publisher

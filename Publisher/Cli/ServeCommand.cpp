@@ -1,4 +1,4 @@
-#include "Publisher/Cli/ServeCommand.hpp"
+#include "Publisher/Cli/Commands.hpp"
 
 #include "Publisher/Cli/ConsoleText.hpp"
 #include "Publisher/Serving/StaticServer.hpp"
@@ -40,35 +40,43 @@ bool StopInTime(StaticServer& p_Server, std::future<void> const& p_Running)
     return false;
 }
 
-} // namespace
+class ServeCommand : public Command {
+public:
+    explicit ServeCommand(CLI::App& p_Program);
+
+    int Run() const override;
+
+private:
+    StaticServer::RequestLog Log() const;
+
+    std::string Root;
+    std::string Address = "127.0.0.1";
+    int Port = 8080;
+    bool Quiet = false;
+};
 
 ServeCommand::ServeCommand(CLI::App& p_Program)
-    : Command(p_Program.add_subcommand("serve", "Serve a published tree for trials"))
+    : Command(p_Program, "serve", "Serve a published tree for trials",
+              "Example:\n"
+              "  varnholt-publish serve --root /srv/www --port 8080\n"
+              "\n"
+              "Ends on SIGINT (Ctrl+C) and SIGTERM. Requests are logged on standard error:\n"
+              "method, path, range, status.\n")
 {
-    Command->footer("Example:\n"
-                    "  varnholt-publish serve --root /srv/www --port 8080\n"
-                    "\n"
-                    "Ends on SIGINT (Ctrl+C) and SIGTERM. Requests are logged on standard error:\n"
-                    "method, path, range, status.\n");
-    Command->add_option("--root", Root, "Folder of the published tree")->required();
-    Command->add_option("--address", Address, "Address to listen on")->capture_default_str();
-    Command->add_option("--port", Port, "Port to listen on; 0 chooses a free one")
+    Words.add_option("--root", Root, "Folder of the published tree")->required();
+    Words.add_option("--address", Address, "Address to listen on")->capture_default_str();
+    Words.add_option("--port", Port, "Port to listen on; 0 chooses a free one")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
-    Command->add_flag("--quiet", Quiet, "Do not log requests");
-    Command->add_flag("--json", Json, "One JSON object per line, requests too");
-}
-
-bool ServeCommand::IsChosen() const
-{
-    return Command->parsed();
+    Words.add_flag("--quiet", Quiet, "Do not log requests");
+    AddJson("One JSON object per line, requests too");
 }
 
 StaticServer::RequestLog ServeCommand::Log() const
 {
     if (Quiet)
         return {};
-    if (!Json)
+    if (!WantsJson())
         return ConsoleText::PrintErrorLine;
     return [](QString const& p_Line) {
         ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("request")},
@@ -86,12 +94,10 @@ int ServeCommand::Run() const
     StaticServer server(root, Log());
     QString const url = server.Listen(QString::fromStdString(Address), Port);
     std::future<void> const running = std::async(std::launch::async, [&server] { server.Run(); });
-    if (Json)
-        ConsoleText::PrintJson({{QStringLiteral("type"), QStringLiteral("serving")},
-                                {QStringLiteral("root"), root},
-                                {QStringLiteral("url"), url}});
-    else
-        ConsoleText::PrintLine(QStringLiteral("Serving %1 at %2").arg(root, url));
+    Tell(QStringLiteral("Serving %1 at %2").arg(root, url),
+         {{QStringLiteral("type"), QStringLiteral("serving")},
+          {QStringLiteral("root"), root},
+          {QStringLiteral("url"), url}});
 
     int signal = 0;
     sigwait(&signals, &signal);
@@ -100,6 +106,13 @@ int ServeCommand::Run() const
     if (!StopInTime(server, running))
         std::_Exit(EXIT_SUCCESS);
     return 0;
+}
+
+} // namespace
+
+std::unique_ptr<Command> MakeServeCommand(CLI::App& p_Program)
+{
+    return std::make_unique<ServeCommand>(p_Program);
 }
 
 } // namespace Varnholt::Publisher

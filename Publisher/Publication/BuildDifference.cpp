@@ -63,7 +63,7 @@ bool IsFetched(Change p_Change, PublishedFile const& p_File)
 
 } // namespace
 
-BuildDifference::BuildDifference(PublishedTree const& p_Tree, PublishedBuild const* p_Old,
+BuildDifference::BuildDifference(BuildCatalog const& p_Tree, PublishedBuild const* p_Old,
                                  PublishedBuild const& p_New, QString const& p_Locale)
 {
     CheckLocale(p_New, p_Locale);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/Tree/PublishedTree.hpp"
+#include "Publisher/Tree/BuildCatalog.hpp"
 
 #include <optional>
 #include <vector>
@@ -38,7 +38,7 @@ public:
     /// \param p_Old nullptr for a client that has nothing yet
     /// \param p_Locale the client's language; empty for files of all languages
     /// \throws Failure
-    BuildDifference(PublishedTree const& p_Tree, PublishedBuild const* p_Old,
+    BuildDifference(BuildCatalog const& p_Tree, PublishedBuild const* p_Old,
                     PublishedBuild const& p_New, QString const& p_Locale);
 
     /// By path.

@@ -16,8 +16,7 @@ QStringList DefectsOf(BuildCatalog const& p_Catalog, RollbackOptions const& p_Op
 {
     if (p_Options.Quick)
         return p_Catalog.Read(p_Options.Build).Missing;
-    PublishedTree const tree(p_Options.Output, p_Options.AppId);
-    return TreeVerification(tree, p_Observer).CheckBuild(p_Options.Build).Defects;
+    return VerifyBuild(p_Catalog, p_Options.Build, p_Observer).Defects;
 }
 
 void CheckBuild(BuildCatalog const& p_Catalog, RollbackOptions const& p_Options,

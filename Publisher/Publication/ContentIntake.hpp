@@ -8,8 +8,9 @@ namespace Varnholt::Publisher {
 
 /// Reads source files for their digests and stages, in the same pass, what the tree does not hold.
 ///
-/// A file whose size no content has is new and is copied as it is read. Of the others a small one
-/// waits in memory for its digest, and a large one is only read: most are there already.
+/// A file is new when no content has its size; it is copied while it is read. Of the others small
+/// ones are kept in memory until their digest tells whether they are new. Large ones are only read:
+/// most of them are there already.
 class ContentIntake {
 public:
     /// All arguments must outlive the object. \param p_Staging null: nothing is staged

@@ -35,37 +35,35 @@ bool IsAtOrBelow(QString const& p_Path, QString const& p_Folder)
 
 /// The files that have to be read, large ones first, so that no core is left alone with one at the
 /// end.
-std::vector<std::size_t> UnhashedLargestFirst(std::vector<BuildFile> const& p_Files)
+std::vector<BuildFile*> UnhashedLargestFirst(std::vector<BuildFile>& p_Files)
 {
-    std::vector<std::size_t> order;
-    for (std::size_t i = 0; i < p_Files.size(); ++i) {
-        if (p_Files[i].Md5.isEmpty())
-            order.push_back(i);
+    std::vector<BuildFile*> order;
+    for (BuildFile& file : p_Files) {
+        if (file.Md5.isEmpty())
+            order.push_back(&file);
     }
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t p_One, std::size_t p_Two) {
-        return p_Files[p_One].Source.Size > p_Files[p_Two].Source.Size;
+    std::stable_sort(order.begin(), order.end(), [](BuildFile* p_One, BuildFile* p_Two) {
+        return p_One->Source.Size > p_Two->Source.Size;
     });
     return order;
 }
 
-/// Files that are read side by side: an end in between costs the next run no more than them, so
-/// large ones go alone.
-std::vector<std::vector<BuildFile*>> GroupsOf(std::vector<BuildFile>& p_Files,
-                                              std::vector<std::size_t> const& p_Order)
+/// Files that are read side by side. What was read of a group is lost when the run ends before it
+/// is whole, so that large files have groups of their own.
+std::vector<std::vector<BuildFile*>> GroupsOf(std::vector<BuildFile*> const& p_Files)
 {
     constexpr qint64 c_GroupBytes = 512LL * 1024 * 1024;
 
     std::vector<std::vector<BuildFile*>> groups;
     qint64 bytes = 0;
-    for (std::size_t const index : p_Order) {
-        BuildFile& file = p_Files[index];
-        bytes += file.Source.Size;
+    for (BuildFile* const file : p_Files) {
+        bytes += file->Source.Size;
         if (groups.empty() || bytes > c_GroupBytes ||
             groups.back().size() == SourceReader::c_MostFiles) {
             groups.emplace_back();
-            bytes = file.Source.Size;
+            bytes = file->Source.Size;
         }
-        groups.back().push_back(&file);
+        groups.back().push_back(file);
     }
     return groups;
 }
@@ -104,7 +102,7 @@ PublicationSummary Publication::Run()
     try {
         Publish(rules, files, tree.get());
     } catch (Failure const&) {
-        // Others need the room on a full disk more than the next run what this one has staged.
+        // On a full disk others need the room more than the next run needs what this one staged.
         if (QStorageInfo(Options.Output).bytesAvailable() < c_LeastRoom)
             Staging.Remove();
         throw;
@@ -158,13 +156,13 @@ void Publication::Hash(std::vector<BuildFile>& p_Files)
     HashJournal journal(Staging.JournalPath(), Options.Source);
     if (Options.ReadIndex)
         TakeFromIndex(p_Files, journal);
-    std::vector<std::size_t> const order = UnhashedLargestFirst(p_Files);
+    std::vector<BuildFile*> const order = UnhashedLargestFirst(p_Files);
     qint64 bytes = 0;
-    for (std::size_t const index : order)
-        bytes += p_Files[index].Source.Size;
+    for (BuildFile const* const file : order)
+        bytes += file->Source.Size;
     Observer.PhaseStarted(QStringLiteral("Reading"), bytes);
     bool const isNoted = Options.WriteIndex && !Options.DryRun;
-    std::vector<std::vector<BuildFile*>> const groups = GroupsOf(p_Files, order);
+    std::vector<std::vector<BuildFile*>> const groups = GroupsOf(order);
     ParallelFor(
         groups.size(),
         [&](std::size_t p_Index) {
@@ -188,7 +186,7 @@ void Publication::Hash(std::vector<BuildFile>& p_Files)
 
 void Publication::TakeFromIndex(std::vector<BuildFile>& p_Files, HashJournal const& p_Journal)
 {
-    if (Index.FillIn(p_Files) == HashIndex::State::Damaged) {
+    if (!Index.FillIn(p_Files)) {
         Observer.Warned(Index.FileName() +
                         QStringLiteral(": the index is damaged, so every file is read again"));
     }
@@ -247,7 +245,8 @@ void Publication::Write(PublicationPlan const& p_Plan, TreeTransaction& p_Tree)
     TreeSigner(Options.Output, Options.AppId, Options.Signing).Commit(p_Tree, p_Plan.Texts());
 }
 
-/// Content that was not copied as it was read: its digest was known, or it looked like another's.
+/// Content that was not copied while it was read: its digest came from the index, or the tree has
+/// other content of its size.
 void Publication::StageRest(std::vector<BuildFile> const& p_Content)
 {
     std::vector<BuildFile const*> rest;
@@ -265,7 +264,7 @@ void Publication::StageRest(std::vector<BuildFile> const& p_Content)
 
 void Publication::StageAgain(BuildFile const& p_File)
 {
-    // Published bytes are what the manifest says, also when the file's times and size say nothing.
+    // The manifest must be right also when a file was changed without a trace in its times.
     if (Intake.Stage(p_File.Source) == p_File.Md5)
         return;
     if (p_File.IsIndexed) {

@@ -20,14 +20,14 @@ bool IsSigned(BuildCatalog const& p_Catalog)
 }
 
 /// \return the number of the latest change, as far as there are keys
-quint64 CheckWhole(PublishedTree const& p_Copy, DocumentCheck const& p_Check,
+quint64 CheckWhole(BuildCatalog const& p_Copy, DocumentCheck const& p_Check,
                    PublicationObserver& p_Observer)
 {
-    VerificationSummary const found = TreeVerification(p_Copy, &p_Observer, p_Check).Run();
+    VerificationSummary const found = VerifyTree(p_Copy, &p_Observer, p_Check);
     if (!found.Defects.isEmpty()) {
-        throw Failure(QStringLiteral("%1: the copy is not whole: %2 defects, the first is: %3")
-                          .arg(p_Copy.Folder(), QString::number(found.Defects.size()),
-                               found.Defects.first()));
+        throw Failure(
+            QStringLiteral("%1: the copy is not whole: %2 defects, the first is: %3")
+                .arg(p_Copy.Root(), QString::number(found.Defects.size()), found.Defects.first()));
     }
     return found.Sequence;
 }
@@ -37,12 +37,12 @@ quint64 CheckWhole(PublishedTree const& p_Copy, DocumentCheck const& p_Check,
 void AdoptTree(QString const& p_Output, QString const& p_AppId,
                std::optional<Signing::PublicKey> const& p_Key, PublicationObserver& p_Observer)
 {
-    PublishedTree const copy(p_Output, p_AppId);
+    BuildCatalog const copy(p_Output, p_AppId);
+    copy.CheckIsPublished();
     TreeMark const mark(p_Output);
     if (mark.IsThere())
         throw Failure(p_Output + QStringLiteral(": is a published tree already"));
-    BuildCatalog const catalog(p_Output, p_AppId);
-    if (!p_Key && IsSigned(catalog)) {
+    if (!p_Key && IsSigned(copy)) {
         throw Failure(p_Output + QStringLiteral(": the copy is signed: name its key with "
                                                 "--trust-key"),
                       Failure::c_Usage);
@@ -58,8 +58,8 @@ void AdoptTree(QString const& p_Output, QString const& p_AppId,
         signatures.SetSequence(sequence);
         tree.AddText(signatures.Text(), signatures.Path());
     }
-    BuildRecord record = catalog.Record();
-    record.SetOrder(catalog.Builds());
+    BuildRecord record = copy.Record();
+    record.SetOrder(copy.Builds());
     tree.AddText(record.Text(), record.Path());
     tree.AddText(TreeMark::Text(), mark.Path());
     tree.Commit();

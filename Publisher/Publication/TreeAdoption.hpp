@@ -13,8 +13,8 @@ namespace Varnholt::Publisher {
 /// Makes a copy of a published tree, a mirror's for example, a tree to publish in. Every byte of
 /// what its channels offer is read before. \throws Failure for a copy that is not whole, or a tree
 /// already; nothing has changed then
-/// \param p_Key of a signed copy, which is not believed without it: the changes to come get numbers
-/// behind those of its signatures
+/// \param p_Key of a signed copy, which is refused without it; later changes get higher numbers
+/// than those of its signatures
 void AdoptTree(QString const& p_Output, QString const& p_AppId,
                std::optional<Signing::PublicKey> const& p_Key, PublicationObserver& p_Observer);
 

@@ -48,8 +48,7 @@ QStringList NamesOf(qint32 p_Flags, ContentPlatform p_Platform)
 
 qint32 GameExecutable(ContentPlatform p_Platform)
 {
-    return p_Platform == ContentPlatform::Mac ? Entry::MacGameExecutable
-                                              : Entry::WindowsGameExecutable;
+    return *Flag(QStringLiteral("game-executable"), p_Platform);
 }
 
 QStringList All()

@@ -4,9 +4,9 @@ namespace Varnholt::Publisher {
 
 namespace {
 
-/// One match of a pattern with a path. What follows a wildcard is tried at one place after the
-/// other, and where it fits first is the best place for whatever comes behind: only the last "*"
-/// and the last "**" are ever tried again.
+/// One match of a pattern with a path. The first place at which the text behind a wildcard fits
+/// leaves most of the path to the rest of the pattern, so that only the last "*" and the last "**"
+/// are ever tried again.
 class Match {
 public:
     Match(QString const& p_Pattern, QString const& p_Path)

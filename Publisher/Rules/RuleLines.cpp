@@ -2,107 +2,63 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QString>
+#include <QRegularExpression>
 
 namespace Varnholt::Publisher {
 
 namespace {
 
-/// Walks through a document from bracket to bracket.
-class Walk {
-public:
-    explicit Walk(QByteArray const& p_Text)
-        : Text(p_Text)
-    {
-    }
+QString const c_LineEnd = QStringLiteral("\n");
+QString const c_Comma = QStringLiteral(",");
+QString const c_Opening = QStringLiteral("[{");
+QString const c_Closing = QStringLiteral("]}");
 
-    std::vector<int> Run()
-    {
-        while (Position < Text.size())
-            Step();
-        return Lines;
-    }
-
-private:
-    void Step()
-    {
-        char const character = Text[Position];
-        switch (character) {
-        case '\n':
-            ++Line;
-            break;
-        case '"':
-            TakeString();
-            return;
-        case ',':
-            AwaitsElement = true;
-            break;
-        case '{':
-        case '[':
-            NoteElement();
-            Open(character);
-            break;
-        case '}':
-        case ']':
-            --Depth;
-            AwaitsElement = false;
-            break;
-        default:
-            if (character != ' ' && character != '\t' && character != '\r')
-                NoteElement();
-        }
-        ++Position;
-    }
-
-    void Open(char p_Bracket)
-    {
-        ++Depth;
-        if (Depth == 2) {
-            IsInRules = p_Bracket == '[' && Key == QStringLiteral("rules");
-            // Of two keys alike the later one counts.
-            if (IsInRules)
-                Lines.clear();
-        }
-        AwaitsElement = true;
-    }
-
-    /// An element of the array begins here, unless it has already begun.
-    void NoteElement()
-    {
-        if (Depth == 2 && IsInRules && AwaitsElement)
-            Lines.push_back(Line);
-        AwaitsElement = false;
-    }
-
-    void TakeString()
-    {
-        NoteElement();
-        int const start = Position++;
-        while (Position < Text.size() && Text[Position] != '"')
-            Position += Text[Position] == '\\' ? 2 : 1;
-        ++Position;
-        // Keys may be written with escapes.
-        if (Depth == 1) {
-            QByteArray const text = '[' + Text.mid(start, Position - start) + ']';
-            Key = QJsonDocument::fromJson(text).array().at(0).toString();
-        }
-    }
-
-    QByteArray const& Text;
-    std::vector<int> Lines;
-    QString Key; ///< the last text at the top level
-    int Position = 0;
-    int Line = 1;
-    int Depth = 0;
-    bool IsInRules = false;
-    bool AwaitsElement = false;
-};
+/// The text of a string in a document: keys may be written with escapes.
+QString Decoded(QString const& p_String)
+{
+    QByteArray const array = '[' + p_String.toUtf8() + ']';
+    return QJsonDocument::fromJson(array).array().at(0).toString();
+}
 
 } // namespace
 
 std::vector<int> RuleLines(QByteArray const& p_Text)
 {
-    return Walk(p_Text).Run();
+    static QRegularExpression const c_Token(
+        QStringLiteral(R"("(?:[^"\\]++|\\.)*+"|[][{},\n]|[^]["{},\s]++)"),
+        QRegularExpression::DotMatchesEverythingOption);
+
+    std::vector<int> lines;
+    QString key; // the last text at the top level
+    int line = 1;
+    int depth = 0;
+    bool isInRules = false;
+    bool awaitsElement = false;
+    for (auto tokens = c_Token.globalMatch(QString::fromUtf8(p_Text)); tokens.hasNext();) {
+        QString const token = tokens.next().captured();
+        if (token == c_LineEnd) {
+            ++line;
+            continue;
+        }
+        bool const isElement = token != c_Comma && !c_Closing.contains(token);
+        if (isElement && awaitsElement && isInRules && depth == 2)
+            lines.push_back(line);
+        awaitsElement = !isElement && token == c_Comma;
+        if (c_Closing.contains(token))
+            --depth;
+        if (depth == 1 && token.startsWith(QLatin1Char('"')))
+            key = Decoded(token);
+        if (!c_Opening.contains(token))
+            continue;
+        awaitsElement = true;
+        if (++depth != 2)
+            continue;
+        isInRules = token == QLatin1String("[") && key == QLatin1String("rules");
+        // Of two keys alike the later one counts.
+        if (isInRules)
+            lines.clear();
+    }
+    return lines;
 }
 
 } // namespace Varnholt::Publisher

@@ -137,8 +137,9 @@ void StaticServer::Implementation::SetUpAnswers()
     }
 }
 
-/// The library's own file answers read a whole file into memory for each request, and its ranges
-/// are not cut to the file's size: both are done here, with a provider whose length it cannot know.
+/// The library's own answers read a whole file into memory and do not cut ranges to the file's
+/// size. Here the library is not told how long the content is, so that it leaves both to this
+/// function.
 void StaticServer::Implementation::Answer(httplib::Request const& p_Request,
                                           httplib::Response& p_Response) const
 {

@@ -21,7 +21,7 @@ QString StaticTree::FileOf(QByteArray const& p_Path) const
     if (!p_Path.startsWith('/') || p_Path.contains('\0'))
         return QString();
     for (QByteArray const& name : p_Path.split('/')) {
-        // What the publisher notes down for itself is nothing that a client could rely on.
+        // What the publisher keeps for itself is not served.
         if (name == ".." || TreeMark::IsPrivate(QString::fromUtf8(name)))
             return QString();
     }

@@ -1,5 +1,6 @@
 #include "Publisher/Signatures/DocumentCheck.hpp"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,6 +13,14 @@ namespace Varnholt::Publisher {
 using Signing::PublicKey;
 using Signing::TrustedComment;
 using Signing::Verification;
+
+QByteArray DocumentCheck::ReadSignature(QString const& p_Document)
+{
+    QFile file(SignatureOf(p_Document));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.read(Signing::c_MaximumSignatureBytes + 1);
+}
 
 TrustedComment DocumentCheck::CommentOf(QString const& p_Path, QByteArray const& p_Content,
                                         QString const& p_AppId)

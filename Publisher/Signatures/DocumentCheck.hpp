@@ -18,6 +18,10 @@ public:
         return p_Document + QStringLiteral(".minisig");
     }
 
+    /// The signature beside a document, or its beginning when it is too long to be one; empty
+    /// without one.
+    static QByteArray ReadSignature(QString const& p_Document);
+
     /// What the signature of a document says of it, without platform, number and times.
     /// \param p_Path of the document, in a tree or on a server
     static Signing::TrustedComment CommentOf(QString const& p_Path, QByteArray const& p_Content,
@@ -28,11 +32,11 @@ public:
 
     bool IsOn() const { return !Keys.isEmpty(); }
 
-    /// \return what is wrong, null when the document was signed as what it is; good ones may have
-    /// come to their end
+    /// \return what is wrong, null when the document was signed as what it is, also when the
+    /// signature has expired
     QString ForgeryOf(QString const& p_Path, QByteArray const& p_Content,
                       QByteArray const& p_Signature) const;
-    /// The same, and their end is a fault.
+    /// The same, but an expired signature is wrong too.
     /// \param p_Sequence gets the signature's number when that is higher
     QString ProblemOf(QString const& p_Path, QByteArray const& p_Content,
                       QByteArray const& p_Signature, quint64& p_Sequence) const;

@@ -9,7 +9,7 @@ namespace Varnholt::Publisher {
 /// How a change of a tree is signed.
 struct SigningOptions {
     std::optional<Signing::SecretKey> Key; ///< none: not at all
-    std::optional<int> Days;               ///< after so many clients want newer ones; none: never
+    std::optional<int> Days;               ///< clients refuse it after so many; none: never
     bool Unsigned = false;                 ///< the tree was signed, and this change is not
 };
 

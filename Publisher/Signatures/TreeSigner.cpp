@@ -2,6 +2,7 @@
 
 #include "Publisher/Failure.hpp"
 #include "Publisher/Publication/ServerLists.hpp"
+#include "Publisher/ReadFile.hpp"
 #include "Publisher/Tree/PublishedBuild.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 
@@ -118,15 +119,16 @@ void TreeSigner::CommitAll(TreeTransaction& p_Tree)
     p_Tree.Commit();
 }
 
-void TreeSigner::CommitKeyChange(TreeTransaction& p_Tree, QString const& p_Output,
-                                 SigningOptions const& p_Old, Signing::SecretKey const& p_New)
+void TreeSigner::ChangeKey(QString const& p_Output, SigningOptions const& p_Old,
+                           Signing::SecretKey const& p_New)
 {
+    TreeTransaction tree(p_Output);
     QDir const root(p_Output);
     for (QString const& name : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         if (root.exists(name + QStringLiteral("/builds")))
-            TreeSigner(p_Output, name, p_Old).AddKeyChange(p_Tree, p_New);
+            TreeSigner(p_Output, name, p_Old).AddKeyChange(tree, p_New);
     }
-    p_Tree.Commit();
+    tree.Commit();
 }
 
 void TreeSigner::AddKeyChange(TreeTransaction& p_Tree, Signing::SecretKey const& p_New)
@@ -169,7 +171,7 @@ std::vector<TreeText> TreeSigner::Current() const
     std::vector<TreeText> texts;
     for (QString const& path : qAsConst(paths)) {
         if (QFileInfo::exists(path))
-            texts.push_back(Read(path));
+            texts.push_back({path, ReadFile(path)});
     }
     return texts;
 }
@@ -179,7 +181,7 @@ std::vector<TreeText> TreeSigner::Manifests(QStringList const& p_Builds) const
     std::vector<TreeText> texts;
     for (QString const& build : p_Builds) {
         if (Catalog.Has(build))
-            texts.push_back(Read(Catalog.ManifestPath(build)));
+            texts.push_back({Catalog.ManifestPath(build), ReadFile(Catalog.ManifestPath(build))});
     }
     return texts;
 }
@@ -208,21 +210,10 @@ void TreeSigner::LearnPlatforms(std::vector<TreeText> const& p_Texts, QStringLis
         Platforms[QString()] = Platforms[p_OnOffer.last()];
 }
 
-TreeText TreeSigner::Read(QString const& p_Path) const
-{
-    QFile file(p_Path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(p_Path + QStringLiteral(": cannot be read: ") + file.errorString());
-    return {p_Path, file.readAll()};
-}
-
 QString TreeSigner::ForgeryOf(TreeText const& p_Text) const
 {
-    QFile file(DocumentCheck::SignatureOf(p_Text.Target));
-    QByteArray signature;
-    if (file.open(QIODevice::ReadOnly))
-        signature = file.read(Signing::c_MaximumSignatureBytes + 1);
-    return Check.ForgeryOf(p_Text.Target, p_Text.Content, signature);
+    return Check.ForgeryOf(p_Text.Target, p_Text.Content,
+                           DocumentCheck::ReadSignature(p_Text.Target));
 }
 
 void TreeSigner::CheckSigned(std::vector<TreeText> const& p_Texts) const

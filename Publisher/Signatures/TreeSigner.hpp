@@ -44,11 +44,10 @@ public:
     /// Signs all that the tree holds of the application, as it is. \throws Failure
     void CommitAll(TreeTransaction& p_Tree);
 
-    /// Signs all that a tree holds, of all its applications, with another key, whose text the old
-    /// one signs for clients. \throws Failure also when anything was changed since the old one
-    /// signed it
-    static void CommitKeyChange(TreeTransaction& p_Tree, QString const& p_Output,
-                                SigningOptions const& p_Old, Signing::SecretKey const& p_New);
+    /// Signs all that a tree holds, of all its applications, with another key, and that key with
+    /// the old one. \throws Failure also when anything was changed since the old one signed it
+    static void ChangeKey(QString const& p_Output, SigningOptions const& p_Old,
+                          Signing::SecretKey const& p_New);
 
     quint64 Sequence() const { return Record.Sequence(); }
     /// How many signatures it has added.
@@ -60,7 +59,6 @@ private:
     void Begin(TreeTransaction& p_Tree);
     std::vector<TreeText> Current() const;
     std::vector<TreeText> Manifests(QStringList const& p_Builds) const;
-    TreeText Read(QString const& p_Path) const;
     QString ForgeryOf(TreeText const& p_Text) const;
     void CheckSigned(std::vector<TreeText> const& p_Texts) const;
     QStringList BuildsOnOffer(std::vector<TreeText> const& p_Texts) const;

@@ -78,25 +78,23 @@ QByteArray HashIndex::Head() const
     return "varnholt-publish index 1\n" + QUrl::toPercentEncoding(Source) + '\n';
 }
 
-HashIndex::State HashIndex::FillIn(std::vector<BuildFile>& p_Files) const
+bool HashIndex::FillIn(std::vector<BuildFile>& p_Files) const
 {
     QFile file(File);
     if (!file.exists())
-        return State::None;
-    if (!file.open(QIODevice::ReadOnly))
-        return State::Damaged;
+        return true;
     QByteArray const head = Head();
     QByteArray const format = head.left(head.indexOf('\n') + 1);
-    if (file.readLine(HashLine::c_MostBytes) != format)
-        return State::Damaged;
+    if (!file.open(QIODevice::ReadOnly) || file.readLine(HashLine::c_MostBytes) != format)
+        return false;
     QByteArray const source = file.readLine(HashLine::c_MostBytes);
     if (format + source != head)
-        return source.endsWith('\n') ? State::None : State::Damaged;
+        return source.endsWith('\n');
     if (ReadLines(file, head, p_Files))
-        return State::Used;
+        return true;
     for (BuildFile& known : p_Files)
         known.Md5.clear();
-    return State::Damaged;
+    return false;
 }
 
 void HashIndex::Write(std::vector<BuildFile> const& p_Files,

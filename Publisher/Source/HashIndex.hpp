@@ -14,19 +14,14 @@ namespace Varnholt::Publisher {
 /// line by line: a large index needs no more memory than a small one.
 class HashIndex {
 public:
-    enum class State {
-        None,    ///< there is no index of this source
-        Used,    ///< what it knows was filled in
-        Damaged, ///< nothing was filled in
-    };
-
     /// \param p_File where the index is kept
     /// \param p_Source the source folder: an index of another one knows nothing of its files
     HashIndex(QString const& p_File, QString const& p_Source);
 
-    /// Fills in the digests of unchanged files.
+    /// Fills in the digests of unchanged files; none without an index of this source.
     /// \param p_Files ordered by the UTF-8 bytes of their paths, none of them hashed
-    State FillIn(std::vector<BuildFile>& p_Files) const;
+    /// \return false when it is damaged, and nothing was filled in
+    bool FillIn(std::vector<BuildFile>& p_Files) const;
 
     /// Replaces the index by one of hashed files.
     ///

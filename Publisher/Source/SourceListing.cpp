@@ -21,13 +21,13 @@ std::vector<BuildFile> Scan(PublishOptions const& p_Options, RuleSet const& p_Ru
                             PublicationObserver& p_Observer, Excluded const& p_Excluded)
 {
     std::vector<bool> fitting(p_Rules.Rules.size());
-    SourceScan scan(p_Options.Source, [&](QString const& p_Path) {
+    auto const treat = [&](QString const& p_Path) {
         FileTreatment treatment = p_Rules.TreatmentOf(p_Path, &fitting);
         if (treatment.Excluded)
             p_Excluded(p_Path, treatment);
         return treatment;
-    });
-    std::vector<BuildFile> files = scan.Run();
+    };
+    std::vector<BuildFile> files = ScanSource(p_Options.Source, treat);
     for (BuildFile const& file : files)
         PathChecks::CheckPlatform(file.Source.Path, p_Options.Platform);
     for (std::size_t i = 0; i < fitting.size(); ++i) {
@@ -47,7 +47,7 @@ RuleSet ReadRules(PublishOptions const& p_Options)
 {
     if (p_Options.RulesFile.isEmpty())
         return BuiltInRules(p_Options.Platform, p_Options.Locales);
-    return RuleSetReader(p_Options.RulesFile, p_Options.Platform).Read(p_Options.Locales);
+    return ReadRuleSet(p_Options.RulesFile, p_Options.Platform, p_Options.Locales);
 }
 
 std::vector<BuildFile> PublishedFiles(PublishOptions const& p_Options, RuleSet const& p_Rules,

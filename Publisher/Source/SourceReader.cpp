@@ -87,7 +87,7 @@ private:
     bool Ended = false;
 };
 
-/// A lane that nobody uses does the work of another into nothing.
+/// A lane that nobody uses hashes another's data, and its result is dropped.
 void HashBlocks(std::vector<Stream*> const& p_Full)
 {
     constexpr std::size_t c_Blocks = c_BlockBytes / Md5Lanes::c_BlockBytes;

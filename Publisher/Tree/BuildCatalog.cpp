@@ -1,11 +1,9 @@
 #include "Publisher/Tree/BuildCatalog.hpp"
 
-#include "Publisher/Failure.hpp"
+#include "Publisher/ReadFile.hpp"
 #include "Publisher/Source/NativePath.hpp"
-#include "Publisher/Tree/PublishedBuild.hpp"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -25,14 +23,6 @@ QString const c_Build = QStringLiteral("build");
     throw Failure(p_File + QStringLiteral(": ") + p_Cause);
 }
 
-QByteArray ReadFile(QString const& p_File)
-{
-    QFile file(p_File);
-    if (!file.open(QIODevice::ReadOnly))
-        Fail(p_File, QStringLiteral("cannot be read: ") + file.errorString());
-    return file.readAll();
-}
-
 fs::file_time_type TimeOf(QString const& p_File)
 {
     std::error_code error;
@@ -43,21 +33,32 @@ fs::file_time_type TimeOf(QString const& p_File)
 } // namespace
 
 BuildCatalog::BuildCatalog(QString const& p_Root, QString const& p_AppId)
-    : Root(p_Root)
+    : TreeFolder(p_Root)
     , AppId(p_AppId)
     , AppFolder(p_Root + QLatin1Char('/') + p_AppId)
 {
 }
 
+void BuildCatalog::CheckIsPublished() const
+{
+    if (!QFileInfo(PathOf(QStringLiteral("builds"))).isDir())
+        Fail(TreeFolder, QStringLiteral("no build of %1 is published there").arg(AppId));
+}
+
+QString BuildCatalog::PathOf(QString const& p_Location) const
+{
+    return AppFolder + QLatin1Char('/') + p_Location;
+}
+
 QString BuildCatalog::ManifestPath(QString const& p_Build) const
 {
-    return QStringLiteral("%1/builds/%2/info.json").arg(AppFolder, p_Build);
+    return PathOf(QStringLiteral("builds/%1/info.json").arg(p_Build));
 }
 
 QString BuildCatalog::VersionPath(bool p_DevChannel) const
 {
-    return AppFolder +
-           (p_DevChannel ? QStringLiteral("/version_dev.json") : QStringLiteral("/version.json"));
+    return PathOf(p_DevChannel ? QStringLiteral("version_dev.json")
+                               : QStringLiteral("version.json"));
 }
 
 QByteArray BuildCatalog::VersionText(QString const& p_Build)
@@ -92,7 +93,7 @@ QString BuildCatalog::BuildOn(bool p_DevChannel) const
 
 QStringList BuildCatalog::Builds() const
 {
-    QDir const folder(AppFolder + QStringLiteral("/builds"));
+    QDir const folder(PathOf(QStringLiteral("builds")));
     QStringList builds;
     for (QString const& name :
          folder.entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name)) {
@@ -111,10 +112,17 @@ QStringList BuildCatalog::Builds() const
     return builds;
 }
 
-CatalogedBuild BuildCatalog::Read(QString const& p_Build) const
+PublishedBuild BuildCatalog::ReadBuild(QString const& p_Build) const
 {
     QString const path = ManifestPath(p_Build);
-    PublishedBuild const manifest = PublishedBuild::Parse(ReadFile(path), path);
+    if (!QFileInfo::exists(path))
+        Fail(path, QStringLiteral("there is no build %1").arg(p_Build));
+    return PublishedBuild::Parse(ReadFile(path), path);
+}
+
+CatalogedBuild BuildCatalog::Read(QString const& p_Build) const
+{
+    PublishedBuild const manifest = ReadBuild(p_Build);
     CatalogedBuild build;
     build.Id = p_Build;
     build.Name = manifest.Name;
@@ -122,7 +130,7 @@ CatalogedBuild BuildCatalog::Read(QString const& p_Build) const
     build.Files = static_cast<int>(manifest.Files.size());
     for (PublishedFile const& file : manifest.Files) {
         build.StreamedFiles += file.Streamed ? 1 : 0;
-        QFileInfo const content(AppFolder + QLatin1Char('/') + file.Location);
+        QFileInfo const content(PathOf(file.Location));
         if (content.isFile())
             build.Bytes += content.size();
         else if (!build.Content.contains(file.Location))
@@ -130,6 +138,14 @@ CatalogedBuild BuildCatalog::Read(QString const& p_Build) const
         build.Content.insert(file.Location);
     }
     return build;
+}
+
+qint64 BuildCatalog::SizeOf(PublishedFile const& p_File) const
+{
+    QFileInfo const info(PathOf(p_File.Location));
+    if (!info.isFile())
+        Fail(info.filePath(), QStringLiteral("the content of %1 is missing").arg(p_File.Path));
+    return info.size();
 }
 
 } // namespace Varnholt::Publisher

@@ -14,8 +14,8 @@ public:
     /// \param p_Root the tree, which the caller has locked
     ContentStaging(QString const& p_Root, QString const& p_AppId);
 
-    /// Removes what cannot be relied on: files that were begun, and all of them when the system has
-    /// started since, as a power failure may have taken their bytes.
+    /// Removes what cannot be relied on: files that are not whole, and all of them when the system
+    /// has restarted, as their bytes may never have reached the disk.
     void Sift() const;
 
     /// Makes the folder. Any thread. \throws Failure

@@ -25,7 +25,7 @@ QString ContentStore::PathOf(QString const& p_Md5) const
 bool ContentStore::Holds(QString const& p_Md5, qint64 p_Size) const
 {
     QFileInfo const info(PathOf(p_Md5));
-    // What is mostly there is asked for once.
+    // Mostly it is there, and then one question is enough.
     if (!info.isFile()) {
         if (!info.exists() && !info.isSymbolicLink())
             return false;

@@ -12,7 +12,7 @@ namespace {
 
 QString const c_Prefix = QStringLiteral(".varnholt-publish.");
 
-/// Holds something that no run, ended or not, has left behind.
+/// Whether it holds anything that is not the publisher's own.
 bool HoldsForeignFiles(QString const& p_Folder)
 {
     QDirIterator entries(p_Folder,

@@ -49,14 +49,17 @@ TreeTransaction::TreeTransaction(QString const& p_Root)
     : Root(QDir::cleanPath(QFileInfo(p_Root).absoluteFilePath()))
     , Staging(TreeMark(Root).PrivatePath(QStringLiteral("new")))
     , Spare(TreeMark(Root).PrivatePath(QStringLiteral("spare")))
-    , Lock(Root)
+    , Lock(TreeMark(Root).PrivatePath(QStringLiteral("lock")))
 {
     try {
-        Open();
+        MakeFolder(Root);
+        TakeLock();
     } catch (Failure const&) {
         Undo();
         throw;
     }
+    // What a run that was killed has left behind.
+    QDir(Staging).removeRecursively();
 }
 
 TreeTransaction::~TreeTransaction()
@@ -65,12 +68,18 @@ TreeTransaction::~TreeTransaction()
         Undo();
 }
 
-void TreeTransaction::Open()
+void TreeTransaction::TakeLock()
 {
-    MakeFolder(Root);
-    Lock.Take();
-    // What a run that was killed has left behind.
-    QDir(Staging).removeRecursively();
+    switch (Lock.Take()) {
+    case FileLock::Outcome::Taken:
+        return;
+    case FileLock::Outcome::Held:
+        throw Failure(Root +
+                      QStringLiteral(": another run is publishing there (%1)").arg(Lock.Holder()));
+    case FileLock::Outcome::Failed:
+        throw Failure(Root + QStringLiteral(": the output folder cannot be locked: ") +
+                      qt_error_string(Lock.Error()));
+    }
 }
 
 QString TreeTransaction::NewFile()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Publisher/Tree/TreeLock.hpp"
+#include "Files/FileLock.hpp"
 
 #include <QByteArray>
 #include <QString>
@@ -42,7 +42,7 @@ public:
     /// takes time happens in between.
     void AddTextWithNext(QByteArray const& p_Content, QString const& p_Target);
 
-    /// Everything is on disk before the last added file is moved, and those that go with it. The
+    /// Everything is on disk before the last added file is moved, with those that belong to it. The
     /// tree stays locked. \throws Failure, after which the destructor takes everything back
     void Commit();
 
@@ -57,7 +57,7 @@ private:
         bool Done = false;
     };
 
-    void Open();
+    void TakeLock();
     std::size_t LastMoves() const;
     void MakeFolder(QString const& p_Folder);
     void KeepSpare() const;
@@ -69,7 +69,7 @@ private:
     QString Staging;
     QString Spare;
     bool SpareTaken = false;
-    TreeLock Lock;
+    FileLock Lock;
     std::atomic<quint64> NewFiles{0};
     std::vector<Move> Moves;
     std::vector<QString> MadeFolders; ///< in the order of their making

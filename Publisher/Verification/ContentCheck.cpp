@@ -24,8 +24,7 @@ QString ProblemOfContent(QString const& p_Path, QString const& p_Md5,
     qint64 bytes = isOpen ? 0 : -1;
     while (isOpen && (bytes = file.read(block.data(), c_BlockBytes)) > 0) {
         hash.addData(block.data(), static_cast<int>(bytes));
-        if (p_Read)
-            p_Read(bytes);
+        p_Read(bytes);
     }
     if (bytes < 0)
         return QStringLiteral("cannot be read: ") + file.errorString();

@@ -13,7 +13,7 @@ namespace Varnholt::Publisher {
 namespace {
 
 /// Paths in the source folder at which damaged content may be found.
-QSet<QString> Candidates(PublishedTree const& p_Tree, VerificationSummary const& p_Found,
+QSet<QString> Candidates(BuildCatalog const& p_Tree, VerificationSummary const& p_Found,
                          QString const& p_Source)
 {
     QSet<QString> paths;
@@ -35,29 +35,30 @@ VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
 {
     TreeMark(p_Output).CheckIsTree();
     TreeTransaction transaction(p_Output);
-    PublishedTree const tree(p_Output, p_AppId);
-    VerificationSummary found = TreeVerification(tree, &p_Observer, p_Check).Run();
+    BuildCatalog const tree(p_Output, p_AppId);
+    tree.CheckIsPublished();
+    VerificationSummary found = VerifyTree(tree, &p_Observer, p_Check);
     if (found.Damaged.isEmpty())
         return found;
     QSet<QString> const candidates = Candidates(tree, found, p_Source);
     if (candidates.isEmpty())
         return found;
-    ContentStore const store(tree.PathOf(QString()));
+    ContentStore const store(tree.Folder());
     ContentStaging staging(p_Output, p_AppId);
     ContentIntake intake(store, &staging, p_Observer);
-    SourceScan scan(p_Source, [&](QString const& p_Path) {
+    auto const treat = [&](QString const& p_Path) {
         FileTreatment treatment;
         treatment.Excluded = !candidates.contains(p_Path);
         return treatment;
-    });
-    for (BuildFile const& file : scan.Run()) {
+    };
+    for (BuildFile const& file : ScanSource(p_Source, treat)) {
         QString const md5 = intake.Stage(file.Source);
         if (found.Damaged.remove(md5))
             transaction.Add(staging.PathOf(md5), store.PathOf(md5));
     }
     transaction.Commit();
     staging.Remove();
-    return TreeVerification(tree, &p_Observer, p_Check).Run();
+    return VerifyTree(tree, &p_Observer, p_Check);
 }
 
 } // namespace Varnholt::Publisher

@@ -10,6 +10,6 @@ namespace Varnholt::Publisher {
 /// that lie where the builds have them. \return what was found after that \throws Failure
 VerificationSummary RepairTree(QString const& p_Output, QString const& p_AppId,
                                QString const& p_Source, PublicationObserver& p_Observer,
-                               DocumentCheck const& p_Check = DocumentCheck({}, {}));
+                               DocumentCheck const& p_Check);
 
 } // namespace Varnholt::Publisher

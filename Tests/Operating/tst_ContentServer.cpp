@@ -207,8 +207,7 @@ void ContentServerTest::GivesNothingElse()
 void ContentServerTest::IsWhatVerificationWants()
 {
     QVERIFY(WriteFile(Game.OutputPath("cdns.info"), Server->Host().toUtf8()));
-    auto const summary =
-        Publisher::ServerVerification({Server->BaseUrl(), "pelmora_app", 0, true}).Run();
+    auto const summary = Publisher::VerifyServers({Server->BaseUrl(), "pelmora_app", 0, true});
     QCOMPARE(summary.Defects, QStringList());
     QCOMPARE(summary.FilesRead, 103);
 }

@@ -230,33 +230,12 @@ void DocumentCommandsTest::ACommandDoesWhatItSays_data()
                 << commands[i];
         all += commands;
     }
-    for (char const* const word : {"build",
-                                   "diff",
-                                   "verify",
-                                   "rollback",
-                                   "list",
-                                   "prune",
-                                   "hosts",
-                                   "realmlist",
-                                   "keys new",
-                                   "sign ",
-                                   "keys change",
-                                   "minisign",
-                                   "rsync",
-                                   "scripts/mirror ",
-                                   "mirror-bucket",
-                                   "curl",
-                                   "openssl",
-                                   "install",
-                                   "stat",
-                                   "awk",
-                                   "sed",
-                                   "varnholt-host",
-                                   "varnholt-publish rules",
-                                   "scripts/demo",
-                                   "ctest",
-                                   ".ci/run"})
-        QVERIFY2(!all.filter(word).isEmpty(), word);
+    QString const words = "build,diff,verify,rollback,list,prune,hosts,realmlist,keys new,sign ,"
+                          "keys change,minisign,rsync,scripts/mirror ,mirror-bucket,curl,openssl,"
+                          "install,stat,awk,sed,varnholt-host,varnholt-publish rules,scripts/demo,"
+                          "ctest,.ci/run";
+    for (QString const& word : words.split(','))
+        QVERIFY2(!all.filter(word).isEmpty(), qPrintable(word));
 }
 
 void DocumentCommandsTest::ACommandDoesWhatItSays()

@@ -18,6 +18,7 @@
 #include "Tests/Support/TestMain.hpp"
 
 #include <QPluginLoader>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -231,6 +232,7 @@ private Q_SLOTS:
     void AnExampleIsReadByWhatReadsTheRealOne_data();
     void AnExampleIsReadByWhatReadsTheRealOne();
     void LinksLeadToSomething();
+    void TestsThatAreNamedExist();
 };
 
 void DocumentsTest::AnExampleIsReadByWhatReadsTheRealOne_data()
@@ -274,6 +276,33 @@ void DocumentsTest::LinksLeadToSomething()
             }
         }
     QVERIFY(links > 0);
+}
+
+void DocumentsTest::TestsThatAreNamedExist()
+{
+    static QRegularExpression const c_Name("\"([^\"]+)\"|`([^`]+)`");
+
+    auto const said = [](QString const& p_Program, QStringList const& p_Arguments) {
+        QProcess process;
+        process.start(p_Program, p_Arguments);
+        return process.waitForFinished() ? QString::fromUtf8(process.readAll()) : QString();
+    };
+    QStringList const faults = said(VARNHOLT_FAULTS_FILE, {"--list"}).split('\n');
+    QString const tests = said("ctest", {"--test-dir", VARNHOLT_BUILD_FOLDER, "-N"});
+    QSet<QString> named;
+    QString const text = QString::fromUtf8(ReadFile(VARNHOLT_DOCUMENTS "/security.md"));
+    for (QString const& line : text.section("| Test |", 1).split('\n').filter("|")) {
+        // The last cell of a row.
+        for (auto names = c_Name.globalMatch(line.section('|', -2, -2)); names.hasNext();) {
+            auto const name = names.next();
+            QVERIFY2(name.captured(2).isEmpty() ? faults.contains(name.captured(1))
+                                                : tests.contains(": " + name.captured(2) + '\n'),
+                     qPrintable(name.captured()));
+            named += name.captured();
+        }
+    }
+    for (char const* const known : {"\"changed manifest\"", "`tree_signer`"})
+        QVERIFY2(named.contains(known), known);
 }
 
 } // namespace Varnholt::TestSupport

@@ -158,8 +158,7 @@ void NginxMirrorTest::WhatIsNotThereIsNotFound()
 
 void NginxMirrorTest::IsWhatVerificationWants()
 {
-    auto const summary =
-        Publisher::ServerVerification({Content->BaseUrl(), "pelmora_app", 0, true}).Run();
+    auto const summary = Publisher::VerifyServers({Content->BaseUrl(), "pelmora_app", 0, true});
     QCOMPARE(summary.Defects, QStringList());
     QCOMPARE(summary.Servers, QStringList({Content->BaseUrl(), Mirror->BaseUrl()}));
     QCOMPARE(summary.FilesRead, 10);

@@ -135,10 +135,10 @@ QString PublishedGame::ContentPath(QByteArray const& p_Content)
     return QStringLiteral("pelmora_app/files/%1/%2").arg(md5.left(2), md5);
 }
 
-QStringList PublishedGame::BuildArguments(QStringList const& p_More) const
+QStringList PublishedGame::BuildArguments(QStringList const& p_More, QString const& p_Build) const
 {
     return QStringList({"build", "--source", Options.Source, "--output", Options.Output, "--build",
-                        "build_1", "--rules", Options.RulesFile}) +
+                        p_Build, "--rules", Options.RulesFile}) +
            (p_More.contains("--hosts") ? QStringList() : QStringList("--local")) + p_More;
 }
 

@@ -56,7 +56,8 @@ public:
 
     /// The arguments that publish it by the program; its content is on this machine unless they
     /// name hosts.
-    QStringList BuildArguments(QStringList const& p_More = {}) const;
+    QStringList BuildArguments(QStringList const& p_More = {},
+                               QString const& p_Build = "build_1") const;
     QString SourcePath(QString const& p_Path) const { return Options.Source + '/' + p_Path; }
     QString OutputPath(QString const& p_Path) const { return Options.Output + '/' + p_Path; }
     /// The published tree, without what the publisher keeps for itself.

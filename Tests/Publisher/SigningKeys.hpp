@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Publisher/Signatures/TreeSigner.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Signing/SecretKey.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -18,11 +17,10 @@ struct SigningKeys {
     }
 
     /// Gives a signed tree another key.
-    static void Change(PublishedGame const& p_Game)
+    static void Change(PublishedGame const& p_Game,
+                       Signing::SecretKey const& p_Next = Signing::SecretKey::Create())
     {
-        Publisher::TreeTransaction tree(p_Game.Options.Output);
-        Publisher::TreeSigner::CommitKeyChange(tree, p_Game.Options.Output, p_Game.Options.Signing,
-                                               Signing::SecretKey::Create());
+        Publisher::TreeSigner::ChangeKey(p_Game.Options.Output, p_Game.Options.Signing, p_Next);
     }
 
     Signing::Verification Verify(QString const& p_Path) const

@@ -56,7 +56,7 @@ void BuildInterruptionTest::AnInterruptionPublishesNothing()
     QCOMPARE(RunProgram(game.BuildArguments()).Status, 0);
     Tree const before = game.Published();
     QVERIFY(PutEndlessFile(game));
-    ProgramRun run(game.BuildArguments().replaceInStrings("build_1", "build_2"));
+    ProgramRun run(game.BuildArguments({}, "build_2"));
     QVERIFY(IsAtWork(game, run));
     run.Signal(signal);
     ProgramResult const result = run.Finish();

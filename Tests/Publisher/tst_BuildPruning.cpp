@@ -1,6 +1,5 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -11,7 +10,7 @@
 
 namespace Varnholt::TestSupport {
 
-using Publisher::BuildPruning;
+using Publisher::PruneBuilds;
 using Publisher::PruneOptions;
 using Publisher::PruneSummary;
 using Publisher::RollBack;
@@ -30,7 +29,7 @@ PruneOptions Remove(PublishedGame const& p_Game, QStringList const& p_Builds)
 
 QString SentenceOf(PruneOptions const& p_Options)
 {
-    return FailureOf([&] { BuildPruning(p_Options).Run(); }).Sentence;
+    return FailureOf([&] { PruneBuilds(p_Options); }).Sentence;
 }
 
 } // namespace
@@ -52,8 +51,6 @@ private Q_SLOTS:
     void FilesOfOthersStay();
     void OtherApplicationsStay();
     void ADryRunRemovesNothing();
-    void AFolderOfOthersIsRefused();
-    void ARunOfAnotherIsNotDisturbed();
     void WhatWasRemovedCanBePublishedAgain();
     void ARemovedNameIsNotGivenToAnotherBuild();
 };
@@ -62,7 +59,7 @@ void BuildPruningTest::KeepsTheNewestBuilds()
 {
     BuildSeries const game(4);
     Tree expected = game.Published();
-    PruneSummary const summary = BuildPruning(Keep(game, 2)).Run();
+    PruneSummary const summary = PruneBuilds(Keep(game, 2));
     QCOMPARE(summary.Builds, QStringList({"build_1", "build_2"}));
     QCOMPARE(summary.KeptBuilds, 2);
     QCOMPARE(summary.ContentFiles, 2);
@@ -74,8 +71,8 @@ void BuildPruningTest::KeepsTheNewestBuilds()
         expected.erase(BuildSeries::OwnPath(build).left(21));
     }
     QCOMPARE(game.Published(), expected);
-    QVERIFY(BuildPruning(Keep(game, 2)).Run().Builds.isEmpty());
-    QVERIFY(BuildPruning(Keep(game, 9)).Run().Builds.isEmpty());
+    QVERIFY(PruneBuilds(Keep(game, 2)).Builds.isEmpty());
+    QVERIFY(PruneBuilds(Keep(game, 9)).Builds.isEmpty());
     QVERIFY(game.IsWhole(3));
     QVERIFY(game.IsWhole(4));
 }
@@ -83,8 +80,7 @@ void BuildPruningTest::KeepsTheNewestBuilds()
 void BuildPruningTest::RemovesNamedBuilds()
 {
     BuildSeries const game(4);
-    PruneSummary const summary =
-        BuildPruning(Remove(game, {"build_3", "build_1", "build_3"})).Run();
+    PruneSummary const summary = PruneBuilds(Remove(game, {"build_3", "build_1", "build_3"}));
     QCOMPARE(summary.Builds, QStringList({"build_3", "build_1"}));
     QCOMPARE(summary.ContentFiles, 2);
     QCOMPARE(game.Catalog().Builds(), QStringList({"build_2", "build_4"}));
@@ -99,7 +95,7 @@ void BuildPruningTest::ARelativeFolderIsTheSame()
     BuildSeries game(3);
     ScopedCurrentFolder const inside(game.Temporary.path());
     game.Options.Output = "output";
-    PruneSummary const summary = BuildPruning(Keep(game, 1)).Run();
+    PruneSummary const summary = PruneBuilds(Keep(game, 1));
     QCOMPARE(summary.Builds.size(), 2);
     QCOMPARE(summary.ContentFiles, 2);
     QVERIFY(!game.HasOwn(1));
@@ -111,7 +107,7 @@ void BuildPruningTest::WhatIsOnOfferStays()
     BuildSeries const game(4);
     RollBack({game.Options.Output, "pelmora_app", "build_1", false});
     RollBack({game.Options.Output, "pelmora_app", "build_2", true});
-    QCOMPARE(BuildPruning(Keep(game, 1)).Run().Builds, QStringList("build_3"));
+    QCOMPARE(PruneBuilds(Keep(game, 1)).Builds, QStringList("build_3"));
     for (int const build : {1, 2, 4})
         QVERIFY(game.IsWhole(build));
     QVERIFY(!game.HasOwn(3));
@@ -146,7 +142,7 @@ void BuildPruningTest::ContentThatAnInterruptedRunLeftIsRemoved()
     BuildSeries const game(2);
     QVERIFY(QFile::remove(game.Manifest(1)));
     QVERIFY(game.HasOwn(1));
-    PruneSummary const summary = BuildPruning(Keep(game, 1)).Run();
+    PruneSummary const summary = PruneBuilds(Keep(game, 1));
     QCOMPARE(summary.Builds, QStringList());
     QCOMPARE(summary.ContentFiles, 1);
     QVERIFY(!game.HasOwn(1));
@@ -167,9 +163,9 @@ void BuildPruningTest::WhatAnInterruptedRunStagedIsRemoved()
     QVERIFY(QFileInfo::exists(staged));
     PruneOptions options = Keep(game, 2);
     options.DryRun = true;
-    QCOMPARE(BuildPruning(options).Run().ContentBytes, 4);
+    QCOMPARE(PruneBuilds(options).ContentBytes, 4);
     QVERIFY(QFileInfo::exists(staged));
-    QCOMPARE(BuildPruning(Keep(game, 2)).Run().ContentFiles, 1);
+    QCOMPARE(PruneBuilds(Keep(game, 2)).ContentFiles, 1);
     QVERIFY(!QFileInfo::exists(staged));
 }
 
@@ -213,7 +209,7 @@ void BuildPruningTest::FilesOfOthersStay()
                              "pelmora_app/files/00/" + BuildSeries::OwnPath(2).mid(21)};
     for (QString const& other : others)
         QVERIFY(WriteFile(game.OutputPath(other), "theirs"));
-    QCOMPARE(BuildPruning(Keep(game, 1)).Run().ContentFiles, 1);
+    QCOMPARE(PruneBuilds(Keep(game, 1)).ContentFiles, 1);
     for (QString const& other : others)
         QCOMPARE(game.Read(other), QByteArray("theirs"));
 }
@@ -225,7 +221,7 @@ void BuildPruningTest::OtherApplicationsStay()
     game.Publish("build_1");
     game.Publish("build_2");
     game.Options.AppId = "pelmora_app";
-    BuildPruning(Keep(game, 1)).Run();
+    PruneBuilds(Keep(game, 1));
     game.Options.AppId = "other_app";
     QVERIFY(game.IsWhole(1));
     QVERIFY(game.IsWhole(2));
@@ -237,39 +233,20 @@ void BuildPruningTest::ADryRunRemovesNothing()
     Tree const before = TreeOf(game.Options.Output);
     PruneOptions options = Keep(game, 1);
     options.DryRun = true;
-    PruneSummary const planned = BuildPruning(options).Run();
+    PruneSummary const planned = PruneBuilds(options);
     QCOMPARE(TreeOf(game.Options.Output), before);
     options.DryRun = false;
-    PruneSummary const done = BuildPruning(options).Run();
+    PruneSummary const done = PruneBuilds(options);
     QCOMPARE(planned.Builds, done.Builds);
     QCOMPARE(planned.ContentFiles, 2);
     QCOMPARE(planned.ContentFiles, done.ContentFiles);
     QCOMPARE(planned.ContentBytes, done.ContentBytes);
 }
 
-void BuildPruningTest::AFolderOfOthersIsRefused()
-{
-    BuildSeries const game(2);
-    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
-    Tree const before = TreeOf(game.Options.Output);
-    QCOMPARE(SentenceOf(Keep(game, 1)),
-             game.Options.Output + ": the output folder is no published tree");
-    QCOMPARE(TreeOf(game.Options.Output), before);
-}
-
-void BuildPruningTest::ARunOfAnotherIsNotDisturbed()
-{
-    BuildSeries const game(2);
-    Publisher::TreeTransaction const other(game.Options.Output);
-    QVERIFY(SentenceOf(Keep(game, 1))
-                .startsWith(game.Options.Output + ": another run is publishing there ("));
-    QVERIFY(game.IsWhole(1));
-}
-
 void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()
 {
     BuildSeries game(2);
-    BuildPruning(Keep(game, 1)).Run();
+    PruneBuilds(Keep(game, 1));
     game.Put("own", BuildSeries::Own(1));
     QCOMPARE(game.Publish("build_1").NewContentFiles, 1);
     QVERIFY(game.IsWhole(1));
@@ -280,7 +257,7 @@ void BuildPruningTest::WhatWasRemovedCanBePublishedAgain()
 void BuildPruningTest::ARemovedNameIsNotGivenToAnotherBuild()
 {
     BuildSeries game(2);
-    BuildPruning(Keep(game, 1)).Run();
+    PruneBuilds(Keep(game, 1));
     game.Put("own", "of neither");
     Tree const before = game.Published();
     game.Options.Build.Id = "build_1";

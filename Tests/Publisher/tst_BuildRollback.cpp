@@ -1,6 +1,5 @@
 #include "Publisher/Publication/BuildPruning.hpp"
 #include "Publisher/Publication/BuildRollback.hpp"
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -27,8 +26,6 @@ private Q_SLOTS:
     void WhatIsNotAWholeBuildIsRefused();
     void ADamagedBuildIsRefused_data();
     void ADamagedBuildIsRefused();
-    void AFolderOfOthersIsRefused();
-    void ARunOfAnotherIsNotDisturbed();
     void AFullDiskHindersNeitherRollbackNorPruning();
     void TheCatalogIsInTheOrderOfPublication();
     void TheCatalogKnowsSizesAndChannels();
@@ -67,31 +64,17 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused_data()
     QTest::addColumn<QString>("lost"); // file of the tree
     QTest::addColumn<QString>("sentence");
     QString const own = BuildSeries::OwnPath(1);
-    QTest::newRow("unknown") << "build_9"
-                             << "pelmora_app"
-                             << ""
-                             << "there is no build build_9";
-    QTest::newRow("empty") << ""
-                           << "pelmora_app"
-                           << ""
-                           << "there is no build ";
-    QTest::newRow("elsewhere") << "../builds/build_1"
-                               << "pelmora_app"
-                               << ""
-                               << "there is no build ../builds/build_1";
-    QTest::newRow("of another application") << "build_1"
-                                            << "other_app"
-                                            << ""
-                                            << "other_app: there is no build build_1";
-    QTest::newRow("without a manifest") << "build_1"
-                                        << "pelmora_app"
-                                        << "pelmora_app/builds/build_1/info.json"
-                                        << "there is no build build_1";
-    QTest::newRow("without a content file")
-        << "build_1"
-        << "pelmora_app" << own
-        << "build_1/info.json: the build build_1 is not whole: 1 content files are missing or "
-           "damaged, the first is ";
+    AddRow("unknown", "build_9", "pelmora_app", "", "there is no build build_9");
+    AddRow("empty", "", "pelmora_app", "", "there is no build ");
+    AddRow("elsewhere", "../builds/build_1", "pelmora_app", "",
+           "there is no build ../builds/build_1");
+    AddRow("of another application", "build_1", "other_app", "",
+           "other_app: there is no build build_1");
+    AddRow("without a manifest", "build_1", "pelmora_app", "pelmora_app/builds/build_1/info.json",
+           "there is no build build_1");
+    AddRow("without a content file", "build_1", "pelmora_app", own,
+           "build_1/info.json: the build build_1 is not whole: 1 content files are missing or "
+           "damaged, the first is ");
 }
 
 void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
@@ -115,8 +98,8 @@ void BuildRollbackTest::WhatIsNotAWholeBuildIsRefused()
 void BuildRollbackTest::ADamagedBuildIsRefused_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::newRow("of a wrong size") << BuildSeries::Own(1).left(3);
-    QTest::newRow("of wrong bytes") << BuildSeries::Own(1).toUpper();
+    AddRow("of a wrong size", BuildSeries::Own(1).left(3));
+    AddRow("of wrong bytes", BuildSeries::Own(1).toUpper());
 }
 
 void BuildRollbackTest::ADamagedBuildIsRefused()
@@ -131,28 +114,6 @@ void BuildRollbackTest::ADamagedBuildIsRefused()
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
     options.Quick = true;
     QCOMPARE(RollBack(options), QString("build_2"));
-}
-
-void BuildRollbackTest::AFolderOfOthersIsRefused()
-{
-    BuildSeries const game(2);
-    QVERIFY(QFile::remove(game.OutputPath(".varnholt-publish.tree")));
-    Tree const before = TreeOf(game.Options.Output);
-    RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
-    QCOMPARE(FailureOf([&] { RollBack(options); }).Sentence,
-             game.Options.Output + ": the output folder is no published tree");
-    QCOMPARE(TreeOf(game.Options.Output), before);
-}
-
-void BuildRollbackTest::ARunOfAnotherIsNotDisturbed()
-{
-    BuildSeries const game(2);
-    Publisher::TreeTransaction const other(game.Options.Output);
-    RollbackOptions const options{game.Options.Output, "pelmora_app", "build_1", false};
-    QVERIFY(FailureOf([&] {
-                RollBack(options);
-            }).Sentence.startsWith(game.Options.Output + ": another run is publishing there ("));
-    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
 }
 
 void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()
@@ -170,7 +131,7 @@ void BuildRollbackTest::AFullDiskHindersNeitherRollbackNorPruning()
         RollBack({output, "pelmora_app", BuildSeries::Name(build), false});
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
     Publisher::PruneOptions const two{output, "pelmora_app", {}, {"build_2"}, false};
-    QCOMPARE(Publisher::BuildPruning(two).Run().ContentFiles, 1);
+    QCOMPARE(Publisher::PruneBuilds(two).ContentFiles, 1);
     QVERIFY(game.IsWhole(1));
     QVERIFY(!game.Catalog().Has("build_2"));
 }

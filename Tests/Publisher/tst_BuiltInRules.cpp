@@ -9,6 +9,7 @@ Q_DECLARE_METATYPE(Varnholt::Publisher::ContentPlatform)
 
 namespace Varnholt::Publisher {
 
+using TestSupport::AddRow;
 using Entry = Launcher::ApplicationManifestFileEntry;
 
 /// What is published when no rules file is given.
@@ -35,11 +36,9 @@ void BuiltInRulesTest::TheGamesExecutableIsKnown_data()
     QTest::addColumn<ContentPlatform>("platform");
     QTest::addColumn<QString>("path");
     QTest::addColumn<qint32>("flags");
-    QTest::newRow("mac") << ContentPlatform::Mac
-                         << "World of Warcraft.app/Contents/MacOS/World of Warcraft"
-                         << qint32(Entry::Executable | Entry::MacGameExecutable);
-    QTest::newRow("win") << ContentPlatform::Windows << "Wow-64.exe"
-                         << qint32(Entry::WindowsGameExecutable);
+    AddRow("mac", ContentPlatform::Mac, "World of Warcraft.app/Contents/MacOS/World of Warcraft",
+           qint32(Entry::Executable | Entry::MacGameExecutable));
+    AddRow("win", ContentPlatform::Windows, "Wow-64.exe", qint32(Entry::WindowsGameExecutable));
 }
 
 void BuiltInRulesTest::TheGamesExecutableIsKnown()
@@ -79,7 +78,7 @@ void BuiltInRulesTest::WhatPlayersAndSystemsLeaveIsNotPublished_data()
           "Interface/GlueXMl/AccountLogin.xml", "Interface/GlueXMl/AccountLogin.lua", ".DS_Store",
           "Data/.DS_Store", "Data/._a", "Data/Thumbs.db", "desktop.ini", "Data/a.part",
           ".varnholt-host.lock"})
-        QTest::newRow(path) << QString(path);
+        AddRow(path, QString(path));
 }
 
 void BuiltInRulesTest::WhatPlayersAndSystemsLeaveIsNotPublished()
@@ -94,7 +93,7 @@ void BuiltInRulesTest::OtherFilesArePlain_data()
     QTest::addColumn<QString>("path");
     for (char const* const path : {"Data/common.MPQ", "Data/WTF/a", "Data/Cache/a", "WTF",
                                    "Interface/GlueXMl/AccountLogin.xml.origin", "Data/a.partial"})
-        QTest::newRow(path) << QString(path);
+        AddRow(path, QString(path));
 }
 
 void BuiltInRulesTest::OtherFilesArePlain()
@@ -138,9 +137,9 @@ void BuiltInRulesTest::ARuleThatNamesThePathPublishesIt_data()
 {
     QTest::addColumn<QByteArray>("rule");
     QTest::addColumn<bool>("published");
-    QTest::newRow("treated") << QByteArray(R"("flags": ["keep-if-present"])") << true;
-    QTest::newRow("not excluded") << QByteArray(R"("exclude": false)") << true;
-    QTest::newRow("excluded") << QByteArray(R"("exclude": true)") << false;
+    AddRow("treated", QByteArray(R"("flags": ["keep-if-present"])"), true);
+    AddRow("not excluded", QByteArray(R"("exclude": false)"), true);
+    AddRow("excluded", QByteArray(R"("exclude": true)"), false);
 }
 
 void BuiltInRulesTest::ARuleThatNamesThePathPublishesIt()

@@ -33,14 +33,10 @@ private Q_SLOTS:
     void OneBuildIsANewInstallation();
     void CountsForManyPlayers();
     void EqualBuildsFetchNothing();
-    void JsonIsOneObjectPerLine();
     void JsonHoldsEveryFileAndASummary();
     void AFileThatChangesItsLanguageIsNewToTheOther();
     void TellsOfAnotherTreatment();
     void ReadsBuildsForWindows();
-    void AFailureIsOneSentence_data();
-    void AFailureIsOneSentence();
-    void HelpHasAnExample();
 
 private:
     ProgramResult Diff(QStringList const& p_Arguments) const
@@ -144,16 +140,6 @@ void DiffProgramTest::EqualBuildsFetchNothing()
     QVERIFY(lines.contains("requests  4"));
 }
 
-void DiffProgramTest::JsonIsOneObjectPerLine()
-{
-    QList<QByteArray> lines = Lines({"build_1", "build_2", "--json"});
-    QVERIFY(!lines.isEmpty());
-    QCOMPARE(lines.takeLast(), QByteArray());
-    QCOMPARE(lines.size(), 12);
-    for (QByteArray const& line : lines)
-        QVERIFY2(QJsonDocument::fromJson(line).isObject(), line.constData());
-}
-
 void DiffProgramTest::JsonHoldsEveryFileAndASummary()
 {
     auto const lines = Lines({"build_1", "build_2", "--json", "--players", "3"});
@@ -184,6 +170,7 @@ void DiffProgramTest::JsonHoldsEveryFileAndASummary()
                               {"playersBytes", "28062060"},
                               {"playersRequests", "48"}};
     QCOMPARE(object(11), summary);
+    QCOMPARE(lines.size(), 13); // the last one has its end
 }
 
 void DiffProgramTest::AFileThatChangesItsLanguageIsNewToTheOther()
@@ -244,81 +231,6 @@ void DiffProgramTest::ReadsBuildsForWindows()
     game.Publish("a");
     ProgramResult const result = RunProgram({"diff", "--output", game.Options.Output, "a"});
     QVERIFY2(result.Output.startsWith("+ Game 8 bytes\n"), result.Output.constData());
-}
-
-void DiffProgramTest::AFailureIsOneSentence_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("text");
-    QString const& output = Game.Options.Output;
-    QTest::newRow("no build") << QStringList({"diff", "--output", output}) << 2 << "builds";
-    QTest::newRow("three builds") << QStringList({"diff", "--output", output, "a", "b", "c"}) << 2
-                                  << "At Most 2";
-    QTest::newRow("no tree") << QStringList({"diff", "build_1"}) << 2 << "--output";
-    QTest::newRow("a folder without builds")
-        << QStringList({"diff", "--output", Game.Options.Source, "build_1"}) << 1
-        << Game.Options.Source + ": no build of pelmora_app is published there";
-    QTest::newRow("another application")
-        << QStringList({"diff", "--output", output, "build_1", "--app-id", "other"}) << 1
-        << "no build of other is published there";
-    QTest::newRow("an unknown build")
-        << QStringList({"diff", "--output", output, "build_1", "build_9"}) << 1
-        << "builds/build_9/info.json: there is no build build_9";
-    QTest::newRow("a language that is not on offer")
-        << QStringList({"diff", "--output", output, "build_1", "--locale", "deDE"}) << 2
-        << "--locale \"deDE\": build build_1 does not offer this language";
-    QTest::newRow("no players") << QStringList(
-                                       {"diff", "--output", output, "build_1", "--players", "0"})
-                                << 2 << "--players";
-
-    QString const damaged = Game.Temporary.filePath("damaged");
-    QDir().mkpath(damaged + "/pelmora_app/builds/lost");
-    for (auto const& [build, manifest] :
-         {std::pair("text", "hello"), std::pair("empty", "{}"),
-          std::pair("list", "{\"content\": {\"base_mac\": []}}"),
-          std::pair("file", "{\"content\": {\"base_mac\": [{\"path\": \"a\"}]}}"),
-          std::pair("locale",
-                    "{\"content\": {\"base_mac\": [{\"path\": \"a\", \"location\": \"b\", "
-                    "\"md5\": \"0123456789ABCDEF0123456789ABCDEF\", \"locale\": \"deDE\"}]}}"),
-          std::pair(
-              "lost",
-              "{\"content\": {\"base_mac\": [{\"path\": \"a\", \"location\": \"b\", "
-              "\"md5\": \"0123456789ABCDEF0123456789ABCDEF\"}]}, \"streamed_content\": []}")}) {
-        QVERIFY(WriteFile(damaged + "/pelmora_app/builds/" + build + "/info.json", manifest));
-    }
-    auto const inDamaged = [&](char const* p_Build, QString const& p_Text) {
-        QTest::newRow(p_Build) << QStringList({"diff", "--output", damaged, p_Build}) << 1
-                               << damaged + "/pelmora_app/" + p_Text;
-    };
-    inDamaged("text", "builds/text/info.json: is no manifest: illegal value");
-    inDamaged("empty", "builds/empty/info.json: is no manifest: it has no list of base files");
-    inDamaged("list", "builds/list/info.json: is no manifest: it has no list of streamed files");
-    inDamaged("file", "builds/file/info.json: is no manifest: a file lacks its path");
-    inDamaged("locale", "builds/locale/info.json: is no manifest: a is of the language deDE");
-    inDamaged("lost", "b: the content of a is missing");
-}
-
-void DiffProgramTest::AFailureIsOneSentence()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(int, status);
-    QFETCH(QString, text);
-    ProgramResult const result = RunProgram(arguments);
-    QCOMPARE(result.Status, status);
-    QCOMPARE(result.Output, QByteArray());
-    QVERIFY2(result.Errors.startsWith("varnholt-publish: "), result.Errors.constData());
-    QVERIFY2(result.Errors.contains(text.toUtf8()), result.Errors.constData());
-    QCOMPARE(result.Errors.count('\n'), 1);
-}
-
-void DiffProgramTest::HelpHasAnExample()
-{
-    ProgramResult const result = RunProgram({"diff", "--help"});
-    QCOMPARE(result.Status, 0);
-    for (char const* const text : {"varnholt-publish diff --output", "--locale", "--players",
-                                   "--json", "--app-id", "[OLD] NEW"})
-        QVERIFY2(result.Output.contains(text), text);
 }
 
 } // namespace Varnholt::TestSupport

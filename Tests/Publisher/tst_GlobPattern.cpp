@@ -5,6 +5,8 @@
 
 namespace Varnholt::Publisher {
 
+using TestSupport::AddRow;
+
 class GlobPatternTest : public QObject {
     Q_OBJECT
 
@@ -104,14 +106,10 @@ void GlobPatternTest::NamesWhatNeverMatches_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("start");
-    QTest::newRow("empty") << ""
-                           << "is empty";
-    QTest::newRow("absolute") << "/Data/a"
-                              << "starts with \"/\"";
-    QTest::newRow("a folder") << "Data/"
-                              << "ends with \"/\"";
-    QTest::newRow("usable") << "Data/**"
-                            << "";
+    AddRow("empty", "", "is empty");
+    AddRow("absolute", "/Data/a", "starts with \"/\"");
+    AddRow("a folder", "Data/", "ends with \"/\"");
+    AddRow("usable", "Data/**", "");
 }
 
 void GlobPatternTest::NamesWhatNeverMatches()

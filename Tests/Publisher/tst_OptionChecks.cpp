@@ -6,6 +6,7 @@
 
 namespace Varnholt::Publisher {
 
+using TestSupport::AddRow;
 using TestSupport::CaughtFailure;
 using TestSupport::FailureOf;
 
@@ -49,11 +50,11 @@ void OptionChecksTest::PartsOfAddressesNeedNoEscaping_data()
     QTest::addColumn<QString>("value");
     QTest::addColumn<bool>("good");
     for (char const* const value : {"18414", "5.4.8_x-1", "a", "-a", "A.b"})
-        QTest::newRow(value) << QString(value) << true;
+        AddRow(value, QString(value), true);
     for (char const* const value :
          {"", ".", "..", ".a", "a/b", "a b", "a?", "a#", "a%20", "a\\b", "a\n", "../x"})
-        QTest::newRow(qPrintable(QString("bad: %1").arg(value))) << QString(value) << false;
-    QTest::newRow("bad: accent") << QString::fromUtf8("é") << false;
+        AddRow(qPrintable(QString("bad: %1").arg(value)), QString(value), false);
+    AddRow("bad: accent", QString::fromUtf8("é"), false);
 }
 
 void OptionChecksTest::PartsOfAddressesNeedNoEscaping()
@@ -80,7 +81,7 @@ void OptionChecksTest::TakesHostNames_data()
     for (char const* const host :
          {"cdn1.example.net", "cdn1.example.net:8080", "127.0.0.1:80", "localhost", "[::1]",
           "[2001:db8::1]:65535", "a_b-c", "1a.example", "_a"})
-        QTest::newRow(host) << QString(host);
+        AddRow(host, QString(host));
 }
 
 void OptionChecksTest::TakesHostNames()
@@ -95,37 +96,28 @@ void OptionChecksTest::RefusesWhatIsNoHostName_data()
 {
     QTest::addColumn<QString>("host");
     QTest::addColumn<QString>("cause");
-    QTest::newRow("nothing") << ""
-                             << "a host name is empty";
-    QTest::newRow("scheme") << "http://a.example"
-                            << "give the host name without a scheme";
-    QTest::newRow("path") << "a.example/files"
-                          << "a host name holds no slash";
-    QTest::newRow("final slash") << "a.example/"
-                                 << "a host name holds no slash";
-    QTest::newRow("blank inside") << "a b"
-                                  << "a host name holds no blank";
-    QTest::newRow("blank in front") << " a"
-                                    << "a host name holds no blank";
-    QTest::newRow("blank behind") << "a "
-                                  << "a host name holds no blank";
-    QTest::newRow("line end") << "a\n"
-                              << "a host name holds no blank";
-    QTest::newRow("tab") << "a\tb"
-                         << "a host name holds no blank";
+    AddRow("nothing", "", "a host name is empty");
+    AddRow("scheme", "http://a.example", "give the host name without a scheme");
+    AddRow("path", "a.example/files", "a host name holds no slash");
+    AddRow("final slash", "a.example/", "a host name holds no slash");
+    AddRow("blank inside", "a b", "a host name holds no blank");
+    AddRow("blank in front", " a", "a host name holds no blank");
+    AddRow("blank behind", "a ", "a host name holds no blank");
+    AddRow("line end", "a\n", "a host name holds no blank");
+    AddRow("tab", "a\tb", "a host name holds no blank");
     QString const other = "is not a host name with or without a port";
     for (char const* const host :
          {"a:0", "a:00080", "a..b", ".a", "a.", "-a", "a-", "a.-b", "1.2.3", "1.2.3.256", "[1]",
           "[::1", "[::g]", "a:1:2", "[a.example]"})
-        QTest::newRow(host) << host << other;
-    QTest::newRow("a long label") << QString(64, 'a') << other;
-    QTest::newRow("a long name") << QString("a.").repeated(127) + "a" << other;
-    QTest::newRow("no port") << "a:" << other;
-    QTest::newRow("word as port") << "a:http" << other;
-    QTest::newRow("port too high") << "a:65536" << other;
-    QTest::newRow("address without brackets") << "::1" << other;
-    QTest::newRow("user") << "user@a" << other;
-    QTest::newRow("accent") << QString::fromUtf8("é.example") << other;
+        AddRow(host, host, other);
+    AddRow("a long label", QString(64, 'a'), other);
+    AddRow("a long name", QString("a.").repeated(127) + "a", other);
+    AddRow("no port", "a:", other);
+    AddRow("word as port", "a:http", other);
+    AddRow("port too high", "a:65536", other);
+    AddRow("address without brackets", "::1", other);
+    AddRow("user", "user@a", other);
+    AddRow("accent", QString::fromUtf8("é.example"), other);
 }
 
 void OptionChecksTest::RefusesWhatIsNoHostName()
@@ -150,11 +142,10 @@ void OptionChecksTest::AServerIsGivenOnce_data()
 {
     QTest::addColumn<QStringList>("hosts");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("the same") << QStringList({"a", "b", "a"}) << "--hosts \"a\": is given twice";
-    QTest::newRow("in another case") << QStringList({"a", "A"}) << "--hosts \"A\": is given twice";
-    QTest::newRow("with its port")
-        << QStringList({"a", "a:80"}) << "--hosts \"a:80\": is given twice";
-    QTest::newRow("another port") << QStringList({"a", "a:8080"}) << QString();
+    AddRow("the same", QStringList({"a", "b", "a"}), "--hosts \"a\": is given twice");
+    AddRow("in another case", QStringList({"a", "A"}), "--hosts \"A\": is given twice");
+    AddRow("with its port", QStringList({"a", "a:80"}), "--hosts \"a:80\": is given twice");
+    AddRow("another port", QStringList({"a", "a:8080"}), QString());
 }
 
 void OptionChecksTest::AServerIsGivenOnce()
@@ -171,11 +162,11 @@ void OptionChecksTest::TheRealmListIsAServer_data()
     QTest::addColumn<QString>("address");
     QTest::addColumn<bool>("good");
     for (char const* const address : {"logon.example.net", "logon.example.net:3724"})
-        QTest::newRow(address) << QString(address) << true;
+        AddRow(address, QString(address), true);
     for (char const* const address : {"", "a b", "a\"b", "a\nb", "a\n", "a\rb", "a:0", "a,b"})
-        QTest::newRow(qPrintable(QString("bad: %1").arg(address))) << QString(address) << false;
-    QTest::newRow("NUL") << QString("a") + QChar(QChar::Null) << false;
-    QTest::newRow("line separator") << QString("a") + QChar(QChar::LineSeparator) << false;
+        AddRow(qPrintable(QString("bad: %1").arg(address)), QString(address), false);
+    AddRow("NUL", QString("a") + QChar(QChar::Null), false);
+    AddRow("line separator", QString("a") + QChar(QChar::LineSeparator), false);
 }
 
 void OptionChecksTest::TheRealmListIsAServer()

@@ -7,6 +7,7 @@
 
 namespace Varnholt::Publisher {
 
+using TestSupport::AddRow;
 using TestSupport::FailureOf;
 
 namespace {
@@ -45,7 +46,7 @@ void PathChecksTest::TakesOrdinaryPaths_data()
     for (char const* const path :
          {"a", "Data/a b.mpq", "Pandaria.app/Contents/MacOS/x", "Été/日本.txt", ".hidden",
           "a.partial", "part", "Data/ToDownload.db", "ToDownload.db.bak", "a..b/c", "100%?#.txt"})
-        QTest::newRow(path) << QByteArray(path);
+        AddRow(path, QByteArray(path));
 }
 
 void PathChecksTest::TakesOrdinaryPaths()
@@ -62,21 +63,21 @@ void PathChecksTest::RefusesWhatClientsCannotTake_data()
     QString const part = "clients use names that end in \".part\" for unfinished files";
     QString const control = "the name holds a control character";
     QString const utf8 = "the name is not valid UTF-8";
-    QTest::newRow("base list") << QByteArray("ToDownloadBase.db") << list;
-    QTest::newRow("streamed list") << QByteArray("ToDownload.db") << list;
-    QTest::newRow("other list") << QByteArray("ToDownloadCASC.db") << list;
-    QTest::newRow("lock") << QByteArray(".Varnholt-Host.lock")
-                          << "clients lock the game folder by a file of this name";
-    QTest::newRow("list in other case") << QByteArray("todownload.DB") << list;
-    QTest::newRow("part") << QByteArray("Data/a.part") << part;
-    QTest::newRow("part in other case") << QByteArray("Data/a.PART") << part;
-    QTest::newRow("line end") << QByteArray("a\nb") << control;
-    QTest::newRow("delete") << QByteArray("a\x7f") << control;
-    QTest::newRow("C1 control") << QByteArray("a\xc2\x9b") << control;
-    QTest::newRow("Latin-1") << QByteArray("\xe9t\xe9") << utf8;
-    QTest::newRow("cut sequence") << QByteArray("a\xc3") << utf8;
-    QTest::newRow("surrogate") << QByteArray("a\xed\xa0\x80") << utf8;
-    QTest::newRow("overlong") << QByteArray("a\xc0\xaf") << utf8;
+    AddRow("base list", QByteArray("ToDownloadBase.db"), list);
+    AddRow("streamed list", QByteArray("ToDownload.db"), list);
+    AddRow("other list", QByteArray("ToDownloadCASC.db"), list);
+    AddRow("lock", QByteArray(".Varnholt-Host.lock"),
+           "clients lock the game folder by a file of this name");
+    AddRow("list in other case", QByteArray("todownload.DB"), list);
+    AddRow("part", QByteArray("Data/a.part"), part);
+    AddRow("part in other case", QByteArray("Data/a.PART"), part);
+    AddRow("line end", QByteArray("a\nb"), control);
+    AddRow("delete", QByteArray("a\x7f"), control);
+    AddRow("C1 control", QByteArray("a\xc2\x9b"), control);
+    AddRow("Latin-1", QByteArray("\xe9t\xe9"), utf8);
+    AddRow("cut sequence", QByteArray("a\xc3"), utf8);
+    AddRow("surrogate", QByteArray("a\xed\xa0\x80"), utf8);
+    AddRow("overlong", QByteArray("a\xc0\xaf"), utf8);
 }
 
 void PathChecksTest::RefusesWhatClientsCannotTake()
@@ -91,7 +92,7 @@ void PathChecksTest::RefusesWhateverTheModuleDrops_data()
 {
     QTest::addColumn<QByteArray>("path");
     for (char const* const path : {"C:\\a", "c:", "\\a", "a\\..\\..\\b", "..\\a"})
-        QTest::newRow(path) << QByteArray(path);
+        AddRow(path, QByteArray(path));
 }
 
 void PathChecksTest::RefusesWhateverTheModuleDrops()
@@ -132,8 +133,7 @@ void PathChecksTest::FindsNamesThatAreOneWithoutLetterCase_data()
     QTest::addColumn<QString>("start");
     auto const add = [](char const* p_Name, char const* p_One, char const* p_Two,
                         char const* p_Start) {
-        QTest::newRow(p_Name) << QByteArray(p_One) << QByteArray(p_Two)
-                              << QString::fromUtf8(p_Start);
+        AddRow(p_Name, QByteArray(p_One), QByteArray(p_Two), QString::fromUtf8(p_Start));
     };
     add("case of the name", "Data/a", "Data/A", "Data/a and Data/A differ");
     add("case of the folder", "Data/a", "DATA/a", "Data and DATA differ");
@@ -165,7 +165,7 @@ void PathChecksTest::RefusesWhatWindowsCannotHave_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("cause"); // null: it can have it
     auto const add = [](char const* p_Path, QString const& p_Cause) {
-        QTest::newRow(p_Path) << QString::fromUtf8(p_Path) << p_Cause;
+        AddRow(p_Path, QString::fromUtf8(p_Path), p_Cause);
     };
     QString const end = "drops a dot or a blank at the end of a name";
     for (char const* const path : {"a.", "a./b", "Data/a ", "Data /a"})

@@ -1,5 +1,4 @@
 #include "Launcher/Application/ApplicationManifest.hpp"
-#include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -17,10 +16,10 @@ using Publisher::PublicationSummary;
 namespace {
 
 /// The published base files' paths.
-QStringList BasePaths(PublishedGame const& p_Game, QString const& p_Build = "build_1")
+QStringList BasePaths(PublishedGame const& p_Game)
 {
-    QJsonDocument const manifest = QJsonDocument::fromJson(
-        p_Game.Read(QString("pelmora_app/builds/%1/info.json").arg(p_Build)));
+    QJsonDocument const manifest =
+        QJsonDocument::fromJson(p_Game.Read("pelmora_app/builds/build_1/info.json"));
     QStringList paths;
     for (auto const& file : manifest["content"]["base_mac"].toArray())
         paths += file.toObject()["path"].toString();
@@ -37,19 +36,14 @@ private Q_SLOTS:
     void ListsFilesInTheOrderOfTheirBytes();
     void ModesDoNotDependOnTheUmask_data();
     void ModesDoNotDependOnTheUmask();
-    void TheHostListIsOneLineWithSingleBlanks();
-    void TheRealmListIsTheWholeLine();
-    void TheRealmListStaysUnlessItIsGiven();
+    void TheListsStayUnlessTheyAreGiven();
     void TheDevelopmentChannelHasAVersionFileOfItsOwn();
     void ABuildSharesContentWithEarlierOnes();
     void EqualFilesAreStoredOnce();
-    void EarlierBuildsStay();
     void ABuildCanBePublishedAgainAsItIs();
     void ExcludedFilesAreNotPublished();
-    void StreamedFilesAreCounted();
     void WindowsClientsGetTheirOwnListAndFlag();
     void FilesOfOthersInTheOutputFolderStay();
-    void RemainsOfAKilledRunAreRemoved();
     void WarnsOfAGameThatClientsCannotStart();
 };
 
@@ -121,36 +115,19 @@ void PublicationTest::ModesDoNotDependOnTheUmask()
         QCOMPARE(ModeOf(game.OutputPath(path)), path.endsWith('/') ? 0755 : 0644);
 }
 
-void PublicationTest::TheHostListIsOneLineWithSingleBlanks()
-{
-    PublishedGame game;
-    game.Options.Hosts = QStringList({"a", "b", "c"});
-    game.Publish();
-    QCOMPARE(game.Read("cdns.info"), QByteArray("a b c"));
-    game.Options.Hosts = QStringList("a");
-    game.Publish();
-    QCOMPARE(game.Read("cdns.info"), QByteArray("a"));
-}
-
-void PublicationTest::TheRealmListIsTheWholeLine()
-{
-    PublishedGame game;
-    game.Options.RealmListAddress = "logon.example.net:3724";
-    game.Publish();
-    QCOMPARE(game.Read("pelmora_app/realmlist.info"),
-             QByteArray("SET realmlist \"logon.example.net:3724\""));
-}
-
-void PublicationTest::TheRealmListStaysUnlessItIsGiven()
+void PublicationTest::TheListsStayUnlessTheyAreGiven()
 {
     PublishedGame game;
     game.Publish();
     QVERIFY(game.Read("pelmora_app/realmlist.info").isNull());
-    game.Options.RealmListAddress = "a";
+    game.Options.Hosts = QStringList("a");
+    game.Options.RealmListAddress = "b";
     game.Publish();
+    game.Options.Hosts.reset();
     game.Options.RealmListAddress.reset();
     game.Publish("build_2");
-    QCOMPARE(game.Read("pelmora_app/realmlist.info"), QByteArray("SET realmlist \"a\""));
+    QCOMPARE(game.Read("cdns.info"), QByteArray("a"));
+    QCOMPARE(game.Read("pelmora_app/realmlist.info"), QByteArray("SET realmlist \"b\""));
 }
 
 void PublicationTest::TheDevelopmentChannelHasAVersionFileOfItsOwn()
@@ -192,19 +169,6 @@ void PublicationTest::EqualFilesAreStoredOnce()
     QCOMPARE(BasePaths(game), QStringList({"Game", "a"}));
 }
 
-void PublicationTest::EarlierBuildsStay()
-{
-    PublishedGame game;
-    game.Put("a", "old");
-    game.Publish();
-    QByteArray const manifest = game.Read("pelmora_app/builds/build_1/info.json");
-    QVERIFY(QFile::remove(game.SourcePath("a")));
-    game.Publish("build_2");
-    QCOMPARE(game.Read("pelmora_app/builds/build_1/info.json"), manifest);
-    QCOMPARE(game.Read(PublishedGame::ContentPath("old")), QByteArray("old"));
-    QCOMPARE(BasePaths(game, "build_2"), QStringList("Game"));
-}
-
 void PublicationTest::ABuildCanBePublishedAgainAsItIs()
 {
     PublishedGame game;
@@ -231,18 +195,6 @@ void PublicationTest::ExcludedFilesAreNotPublished()
     QVERIFY(game.Read(PublishedGame::ContentPath("x")).isNull());
 }
 
-void PublicationTest::StreamedFilesAreCounted()
-{
-    PublishedGame game;
-    game.Put("Music/a", "a");
-    game.Put("Music/b", "b");
-    game.AddRules("{\"match\": \"Music/**\", \"streamed\": true}");
-    PublicationSummary const summary = game.Publish();
-    QCOMPARE(summary.Files, 3);
-    QCOMPARE(summary.StreamedFiles, 2);
-    QCOMPARE(BasePaths(game), QStringList("Game"));
-}
-
 void PublicationTest::WindowsClientsGetTheirOwnListAndFlag()
 {
     PublishedGame game;
@@ -267,14 +219,6 @@ void PublicationTest::FilesOfOthersInTheOutputFolderStay()
     QCOMPARE(game.Read("other_app/version.json"), QByteArray("{}"));
     QCOMPARE(game.Read("pelmora_app/notes.txt"), QByteArray("notes"));
     QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
-}
-
-void PublicationTest::RemainsOfAKilledRunAreRemoved()
-{
-    PublishedGame game;
-    QVERIFY(WriteFile(game.OutputPath(".varnholt-publish.new/17"), "half a file"));
-    game.Publish();
-    QCOMPARE(game.Read(".varnholt-publish.new/17"), QByteArray());
 }
 
 void PublicationTest::WarnsOfAGameThatClientsCannotStart()

@@ -15,7 +15,6 @@ class PublicationCommitTest : public QObject {
 private Q_SLOTS:
     void TheVersionFileChangesLastAndInOneStep_data();
     void TheVersionFileChangesLastAndInOneStep();
-    void AReaderOfTheOldVersionFileKeepsIt();
     void WhatCannotBeReplacedTakesEverythingBack_data();
     void WhatCannotBeReplacedTakesEverythingBack();
     void ContentOfAWrongSizeIsWrittenAnew();
@@ -57,17 +56,6 @@ void PublicationCommitTest::TheVersionFileChangesLastAndInOneStep()
         expected += "moved " + path;
     }
     QCOMPARE(watch.Changes(), expected);
-}
-
-void PublicationCommitTest::AReaderOfTheOldVersionFileKeepsIt()
-{
-    PublishedGame game;
-    game.Publish();
-    QFile version(game.OutputPath("pelmora_app/version.json"));
-    QVERIFY(version.open(QIODevice::ReadOnly));
-    game.Publish("build_2");
-    QCOMPARE(version.readAll(), QByteArray("{\"build\":\"build_1\"}"));
-    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_2\"}"));
 }
 
 void PublicationCommitTest::WhatCannotBeReplacedTakesEverythingBack_data()

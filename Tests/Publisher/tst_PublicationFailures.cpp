@@ -1,4 +1,3 @@
-#include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Publisher/PublishedGame.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -51,11 +50,9 @@ private Q_SLOTS:
     void AFailureLeavesTheTreeAsItWas();
     void AFailureOfTheFirstBuildShowsNothing_data() { AFailureLeavesTheTreeAsItWas_data(); }
     void AFailureOfTheFirstBuildShowsNothing();
-    void AnOpenTransactionKeepsOthersOut();
     void TheOutputMustNotLieInTheSource();
     void TheSourceMustNotLieInPublishedContent();
     void AnOutputThatIsAFileIsRefused();
-    void WithoutFoldersNothingIsPublished();
 };
 
 void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas_data()
@@ -104,6 +101,11 @@ void PublicationFailuresTest::AFailureLeavesTheTreeAsItWas_data()
         [](PublishedGame& p_Game) { p_Game.Put("DATA/new", "other"); });
     add("a name of the clients", "ToDownload.db: clients keep a list of their own",
         [](PublishedGame& p_Game) { p_Game.Put("ToDownload.db", "x"); });
+    add("a name of a device", "Data/aux.txt: Windows keeps the name \"aux.txt\" for a device",
+        [](PublishedGame& p_Game) {
+            p_Game.Put("Data/aux.txt", "x");
+            p_Game.Options.Platform = Publisher::ContentPlatform::Windows;
+        });
     add("a host with a scheme", "give the host name without a scheme",
         [](PublishedGame& p_Game) { p_Game.Options.Hosts = QStringList("http://a.example"); });
     add("no source folder", "none: the source folder does not exist",
@@ -147,20 +149,6 @@ void PublicationFailuresTest::AFailureOfTheFirstBuildShowsNothing()
     QCOMPARE(game.Published(), Tree());
 }
 
-void PublicationFailuresTest::AnOpenTransactionKeepsOthersOut()
-{
-    PublishedGame game;
-    game.Publish();
-    Tree const before = game.Published();
-    {
-        Publisher::TreeTransaction const other(game.Options.Output);
-        QVERIFY(game.FailureSentence().startsWith(game.Options.Output +
-                                                  ": another run is publishing there ("));
-    }
-    QCOMPARE(game.Published(), before);
-    QCOMPARE(game.FailureSentence(), QString());
-}
-
 void PublicationFailuresTest::TheOutputMustNotLieInTheSource()
 {
     PublishedGame game;
@@ -196,18 +184,6 @@ void PublicationFailuresTest::AnOutputThatIsAFileIsRefused()
     Write(game.Options.Output, "a file");
     QCOMPARE(game.FailureSentence(), game.Options.Output + ": is not a folder");
     QCOMPARE(ReadFile(game.Options.Output), QByteArray("a file"));
-}
-
-void PublicationFailuresTest::WithoutFoldersNothingIsPublished()
-{
-    PublishedGame game;
-    QString const output = std::exchange(game.Options.Output, QString());
-    CaughtFailure const noOutput = FailureOf([&] { game.Publish(); });
-    QCOMPARE(noOutput.Sentence, QString("--output \"\": the folder's name is empty"));
-    QCOMPARE(noOutput.ExitStatus, Publisher::Failure::c_Usage);
-    game.Options.Output = output;
-    game.Options.Source.clear();
-    QCOMPARE(game.FailureSentence(), QString("--source \"\": the folder's name is empty"));
 }
 
 } // namespace Varnholt::TestSupport

@@ -1,4 +1,5 @@
 #include "Publisher/Publication/BuildPruning.hpp"
+#include "Publisher/Publication/BuildRollback.hpp"
 #include "Publisher/Tree/TreeTransaction.hpp"
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
@@ -44,7 +45,6 @@ private Q_SLOTS:
     void AnUnchangedSourceChangesNothing();
     void WhateverClientsWouldSeeIsAChange_data();
     void WhateverClientsWouldSeeIsAChange();
-    void WithoutABuildEverythingIsAChange();
     void TheBuildOfTheChannelCounts();
     void NobodyChangesTheTreeBetweenPlanAndPublication();
     void WhatCannotBeUnderstoodIsPublishedAnew();
@@ -163,14 +163,6 @@ void PublicationPlanTest::WhateverClientsWouldSeeIsAChange()
     QCOMPARE(game.Publish("build_3").UnchangedBuild, QString("build_2"));
 }
 
-void PublicationPlanTest::WithoutABuildEverythingIsAChange()
-{
-    PublishedGame game;
-    game.Options.IfChanged = true;
-    QCOMPARE(game.Publish().UnchangedBuild, QString());
-    QCOMPARE(game.Read("pelmora_app/version.json"), QByteArray("{\"build\":\"build_1\"}"));
-}
-
 void PublicationPlanTest::TheBuildOfTheChannelCounts()
 {
     PublishedGame game;
@@ -191,7 +183,9 @@ void PublicationPlanTest::NobodyChangesTheTreeBetweenPlanAndPublication()
     QStringList refusals;
     game.Observer.OnPhase = [&](QString const&) {
         Publisher::PruneOptions const all{game.Options.Output, game.Options.AppId, 1, {}, false};
-        refusals += FailureOf([&] { Publisher::BuildPruning(all).Run(); }).Sentence;
+        refusals += FailureOf([&] { Publisher::PruneBuilds(all); }).Sentence;
+        Publisher::RollbackOptions const first{game.Options.Output, game.Options.AppId, "build_1"};
+        refusals += FailureOf([&] { Publisher::RollBack(first); }).Sentence;
     };
     game.Publish("build_4");
     QVERIFY(!refusals.isEmpty());

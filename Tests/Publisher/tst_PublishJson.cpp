@@ -1,5 +1,6 @@
 #include "Tests/Publisher/BuildSeries.hpp"
 #include "Tests/Publisher/ProgramRun.hpp"
+#include "Tests/Publisher/ServingThread.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -7,8 +8,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QtTest>
 
 #include <csignal>
@@ -94,11 +93,9 @@ void PublishJsonTest::EachCommandWritesTheTypesOfTheSchema()
 
     ProgramRun serve({"serve", "--root", output, "--port", "0", "--json"});
     QByteArray const serving = serve.ReadLine();
-    QNetworkAccessManager network;
-    QNetworkReply* const reply = network.get(
-        QNetworkRequest(QUrl(QJsonDocument::fromJson(serving)["url"].toString() + "cdns.info")));
+    QUrl const url(QJsonDocument::fromJson(serving)["url"].toString());
+    QCOMPARE(Ask(static_cast<quint16>(url.port()), "GET /cdns.info").Status, 200);
     QByteArray const request = serve.ReadLine();
-    QTRY_VERIFY(reply->isFinished());
     serve.Signal(SIGTERM);
     Objects(serving + '\n' + request);
 
@@ -129,20 +126,21 @@ void PublishJsonTest::AFailureIsAnObject_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
     for (char const* const command : {"list", "verify", "adopt"})
-        QTest::newRow(command) << QStringList({command, "--output", "/none"}) << 1;
-    QTest::newRow("rollback") << QStringList({"rollback", "--output", "/none", "--build", "b"})
-                              << 1;
-    QTest::newRow("prune") << QStringList({"prune", "--output", "/none", "--keep", "1"}) << 1;
-    QTest::newRow("diff") << QStringList({"diff", "--output", "/none", "b"}) << 1;
-    QTest::newRow("rules") << QStringList({"rules", "--source", "/none"}) << 1;
-    QTest::newRow("serve") << QStringList({"serve", "--root", "/none"}) << 1;
-    QTest::newRow("hosts") << QStringList({"hosts", "--output", "/none", "a"}) << 1;
-    QTest::newRow("build") << QStringList({"build", "--source", "/none", "--output", "/none/o",
-                                           "--build", "b", "--local"})
-                           << 1;
-    QTest::newRow("a wrong option")
-        << QStringList({"build", "--source", "/none", "--output", "o", "--build", "a/b", "--local"})
-        << 2;
+        AddRow(command, QStringList({command, "--output", "/none"}), 1);
+    AddRow("rollback", QStringList({"rollback", "--output", "/none", "--build", "b"}), 1);
+    AddRow("prune", QStringList({"prune", "--output", "/none", "--keep", "1"}), 1);
+    AddRow("diff", QStringList({"diff", "--output", "/none", "b"}), 1);
+    AddRow("rules", QStringList({"rules", "--source", "/none"}), 1);
+    AddRow("serve", QStringList({"serve", "--root", "/none"}), 1);
+    AddRow("hosts", QStringList({"hosts", "--output", "/none", "a"}), 1);
+    AddRow("build",
+           QStringList(
+               {"build", "--source", "/none", "--output", "/none/o", "--build", "b", "--local"}),
+           1);
+    AddRow(
+        "a wrong option",
+        QStringList({"build", "--source", "/none", "--output", "o", "--build", "a/b", "--local"}),
+        2);
 }
 
 void PublishJsonTest::AFailureIsAnObject()

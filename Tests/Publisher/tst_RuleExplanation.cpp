@@ -23,7 +23,6 @@ private Q_SLOTS:
     void FindsTheLineOfEachRule_data();
     void FindsTheLineOfEachRule();
     void EachPropertyHasTheLastRuleThatSetsIt();
-    void WithoutARuleNothingIsExplained();
     void OfTwoKeysAlikeTheLaterOneCounts();
     void ListsExcludedFilesToo();
 };
@@ -77,15 +76,6 @@ void RuleExplanationTest::EachPropertyHasTheLastRuleThatSetsIt()
     QCOMPARE(explanation.Flags->Line, 4);
     QCOMPARE(explanation.Flags->Pattern, QString("Data/**"));
     QCOMPARE(explanation.Streamed->Line, 3);
-}
-
-void RuleExplanationTest::WithoutARuleNothingIsExplained()
-{
-    RuleExplanation const explanation = RuleSet().Explain("a");
-    QVERIFY(!explanation.Flags);
-    QVERIFY(!explanation.Locale);
-    QVERIFY(!explanation.Streamed);
-    QVERIFY(!explanation.Excluded);
 }
 
 void RuleExplanationTest::OfTwoKeysAlikeTheLaterOneCounts()

@@ -30,7 +30,7 @@ private:
         QString const file = Folder.filePath("rules.json");
         if (!TestSupport::WriteFile(file, p_Text))
             qFatal("the rules file cannot be written");
-        return RuleSetReader(file, p_Platform).Read(p_Locales);
+        return ReadRuleSet(file, p_Platform, p_Locales);
     }
 
     QTemporaryDir Folder;

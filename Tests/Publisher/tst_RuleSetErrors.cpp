@@ -1,6 +1,5 @@
 #include "Publisher/Rules/FlagNames.hpp"
 #include "Publisher/Rules/RuleSetReader.hpp"
-#include "Publisher/Rules/TextPosition.hpp"
 #include "Tests/Publisher/FailureOf.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/JsonSchema.hpp"
@@ -13,6 +12,7 @@
 
 namespace Varnholt::Publisher {
 
+using TestSupport::AddRow;
 using TestSupport::CaughtFailure;
 using TestSupport::FailureOf;
 
@@ -29,8 +29,6 @@ class RuleSetErrorsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void APlaceInATextIsCountedInCharacters_data();
-    void APlaceInATextIsCountedInCharacters();
     void BrokenJsonIsReportedWithLineAndColumn_data();
     void BrokenJsonIsReportedWithLineAndColumn();
     void WhatIsNotUnderstoodIsAnError_data();
@@ -41,60 +39,39 @@ private Q_SLOTS:
     void TheSchemaAllowsWhatIsUnderstood();
     void TheSchemaNamesEveryFlag();
     void TheDocumentIsOfTheSchema();
-    void AMissingFileIsReported();
+
+private:
+    CaughtFailure FailureOfReading(QByteArray const& p_Text) const
+    {
+        if (!TestSupport::WriteFile(File, p_Text))
+            qFatal("the rules file cannot be written");
+        return FailureOf([this] { ReadRuleSet(File, ContentPlatform::Mac, {}); });
+    }
+
+    QTemporaryDir Folder;
+    QString const File = Folder.filePath("rules.json");
 };
-
-void RuleSetErrorsTest::APlaceInATextIsCountedInCharacters_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<int>("line");
-    QTest::addColumn<int>("column");
-    QTest::newRow("start") << QByteArray("ab") << 0 << 1 << 1;
-    QTest::newRow("in the first line") << QByteArray("ab\nc") << 1 << 1 << 2;
-    QTest::newRow("the line end") << QByteArray("ab\nc") << 2 << 1 << 3;
-    QTest::newRow("the second line") << QByteArray("ab\nc") << 3 << 2 << 1;
-    QTest::newRow("after two bytes") << QByteArray("é!") << 2 << 1 << 2;
-    QTest::newRow("after four bytes") << QByteArray("\n😀!") << 5 << 2 << 2;
-    QTest::newRow("beyond the end") << QByteArray("a\nbc") << 99 << 2 << 3;
-    QTest::newRow("before the start") << QByteArray("a\nbc") << -1 << 1 << 1;
-}
-
-void RuleSetErrorsTest::APlaceInATextIsCountedInCharacters()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(int, offset);
-    QFETCH(int, line);
-    QFETCH(int, column);
-    TextPosition const position = TextPosition::At(text, offset);
-    QCOMPARE(position.Line, line);
-    QCOMPARE(position.Column, column);
-}
 
 void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("place");
-    QTest::newRow("a value that is none")
-        << QByteArray("{\n  \"rules\": [\n    {\"match\": x}\n]}") << "line 3, column 15";
-    QTest::newRow("a value that is none, after an accent")
-        << QByteArray("{\"é\": x}") << "line 1, column 7";
+    AddRow("a value that is none", QByteArray("{\n  \"rules\": [\n    {\"match\": x}\n]}"),
+           "line 3, column 15");
+    AddRow("a value that is none, after an accent", QByteArray("{\"é\": x}"), "line 1, column 7");
+    AddRow("a value that is none, after a character of two places", QByteArray("{\n\"😀\": x}"),
+           "line 2, column 6");
     // The JSON reader stops behind the bracket that it did not expect.
-    QTest::newRow("a colon that is missing")
-        << QByteArray("{\n\"rules\" []}") << "line 2, column 10";
-    QTest::newRow("more after the end") << QByteArray("{}\n\nx") << "line 3, column 1";
+    AddRow("a colon that is missing", QByteArray("{\n\"rules\" []}"), "line 2, column 10");
+    AddRow("more after the end", QByteArray("{}\n\nx"), "line 3, column 1");
 }
 
 void RuleSetErrorsTest::BrokenJsonIsReportedWithLineAndColumn()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, place);
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("rules.json");
-    QVERIFY(TestSupport::WriteFile(file, text));
-    CaughtFailure const failure =
-        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
-    QVERIFY2(failure.Sentence.startsWith(file + ": " + place + ": "), qPrintable(failure.Sentence));
+    CaughtFailure const failure = FailureOfReading(text);
+    QVERIFY2(failure.Sentence.startsWith(File + ": " + place + ": "), qPrintable(failure.Sentence));
     QCOMPARE(failure.ExitStatus, Failure::c_Other);
 }
 
@@ -103,7 +80,7 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("sentence");
     auto const add = [](char const* p_Text, char const* p_Sentence) {
-        QTest::newRow(p_Text) << QByteArray(p_Text) << QString(p_Sentence);
+        AddRow(p_Text, QByteArray(p_Text), QString(p_Sentence));
     };
     add("[]", "the top level must be a JSON object");
     add(R"({"rule": []})", "unknown key \"rule\"; the keys are rules, locales");
@@ -152,12 +129,8 @@ void RuleSetErrorsTest::WhatIsNotUnderstoodIsAnError()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, sentence);
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("rules.json");
-    QVERIFY(TestSupport::WriteFile(file, text));
-    CaughtFailure const failure =
-        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
-    QCOMPARE(failure.Sentence, file + ": " + sentence);
+    CaughtFailure const failure = FailureOfReading(text);
+    QCOMPARE(failure.Sentence, File + ": " + sentence);
 }
 
 void RuleSetErrorsTest::TheSchemaRefusesItToo()
@@ -181,16 +154,13 @@ void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood_data()
           R"({"rules": [{"match": "a/*/**/?b", "flags": [], "locale": "", "streamed": false}]})",
           R"({"locales": {"frFR": "F"}, "rules": [{"match": "a", "locale": "frFR",
               "flags": ["executable", "read-only"], "exclude": true}]})"})
-        QTest::newRow(text) << QByteArray(text);
+        AddRow(text, QByteArray(text));
 }
 
 void RuleSetErrorsTest::TheSchemaAllowsWhatIsUnderstood()
 {
     QFETCH(QByteArray, text);
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("rules.json");
-    QVERIFY(TestSupport::WriteFile(file, text));
-    RuleSetReader(file, ContentPlatform::Mac).Read({});
+    QCOMPARE(FailureOfReading(text).Sentence, QString());
     QCOMPARE(Schema().Fault(QJsonDocument::fromJson(text).object()), QString());
 }
 
@@ -208,16 +178,6 @@ void RuleSetErrorsTest::TheDocumentIsOfTheSchema()
     QVERIFY(example.contains("\"rules\""));
     for (QString const& flag : FlagNames::All())
         QVERIFY2(text.contains("| `" + flag + "` |"), qPrintable(flag));
-}
-
-void RuleSetErrorsTest::AMissingFileIsReported()
-{
-    QTemporaryDir const folder;
-    QString const file = folder.filePath("none.json");
-    CaughtFailure const failure =
-        FailureOf([&] { RuleSetReader(file, ContentPlatform::Mac).Read({}); });
-    QVERIFY2(failure.Sentence.startsWith(file + ": cannot be read: "),
-             qPrintable(failure.Sentence));
 }
 
 } // namespace Varnholt::Publisher

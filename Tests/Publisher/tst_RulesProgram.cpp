@@ -20,8 +20,6 @@ private Q_SLOTS:
     void ABuiltInExcludeIsExplainedBesideAFile();
     void WithoutAFileTheBuiltInRulesAreExplained();
     void FlagsAreThoseOfThePlatform();
-    void AFailureIsOneSentence_data();
-    void AFailureIsOneSentence();
 
 private:
     QStringList Arguments(QStringList const& p_More = {}) const
@@ -159,30 +157,6 @@ void RulesProgramTest::FlagsAreThoseOfThePlatform()
     ProgramResult const result = RunProgram(Arguments({"--platform", "win", "--explain", "Game"}));
     QVERIFY2(result.Output.startsWith("flags     executable, game-executable  ("),
              result.Output.constData());
-}
-
-void RulesProgramTest::AFailureIsOneSentence_data()
-{
-    QTest::addColumn<QStringList>("more");
-    QTest::addColumn<QByteArray>("sentence");
-    QByteArray const none(": the source folder holds no such file");
-    for (char const* const path : {"none", "Data", "../rules.json", "Data/a/b"})
-        QTest::newRow(path) << QStringList({"--explain", path}) << path + none;
-    QTest::newRow("absolute") << QStringList({"--explain", "/etc/passwd"}) << "/etc/passwd" + none;
-    QTest::newRow("no rules file")
-        << QStringList({"--rules", "none.json"}) << QByteArray("none.json: cannot be read: ");
-}
-
-void RulesProgramTest::AFailureIsOneSentence()
-{
-    QFETCH(QStringList, more);
-    QFETCH(QByteArray, sentence);
-    QStringList arguments{"rules", "--source", Game->Options.Source};
-    ProgramResult const result = RunProgram(arguments + more);
-    QCOMPARE(result.Status, 1);
-    QCOMPARE(result.Output, QByteArray());
-    QVERIFY2(result.Errors.startsWith("varnholt-publish: " + sentence), result.Errors.constData());
-    QCOMPARE(result.Errors.count('\n'), 1);
 }
 
 } // namespace Varnholt::TestSupport

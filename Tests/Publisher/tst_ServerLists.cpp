@@ -19,17 +19,11 @@ class ServerListsTest : public QObject {
 private Q_SLOTS:
     void ANewTreeNeedsItsHosts();
     void ATrialNamesThisMachine();
-    void ATrialLeavesAnOldListAlone();
     void TheDevelopmentChannelLeavesTheListsAlone_data();
     void TheDevelopmentChannelLeavesTheListsAlone();
     void ANewTreeMayBeginOnTheDevelopmentChannel();
     void ACommandChangesAListAndNothingElse_data();
     void ACommandChangesAListAndNothingElse();
-    void ACommandRefuses_data();
-    void ACommandRefuses();
-
-private:
-    QTemporaryDir NoTree;
 };
 
 void ServerListsTest::ANewTreeNeedsItsHosts()
@@ -49,40 +43,24 @@ void ServerListsTest::ANewTreeNeedsItsHosts()
 void ServerListsTest::ATrialNamesThisMachine()
 {
     PublishedGame game;
-    QStringList arguments{"build",
-                          "--source",
-                          game.Options.Source,
-                          "--output",
-                          game.Options.Output,
-                          "--rules",
-                          game.Options.RulesFile,
-                          "--build",
-                          "build_1"};
+    QStringList arguments = game.BuildArguments();
+    arguments.removeAll("--local");
     QCOMPARE(RunProgram(arguments).Status, Failure::c_Usage);
     QCOMPARE(RunProgram(arguments + QStringList("--local")).Status, 0);
     QCOMPARE(game.Read("cdns.info"), QByteArray("127.0.0.1:8080"));
-}
-
-void ServerListsTest::ATrialLeavesAnOldListAlone()
-{
-    PublishedGame game;
-    game.Options.Hosts = QStringList("a.example");
-    game.Publish();
-    game.Options.Hosts.reset();
-    game.Publish("build_2");
-    QCOMPARE(game.Read("cdns.info"), QByteArray("a.example"));
 }
 
 void ServerListsTest::TheDevelopmentChannelLeavesTheListsAlone_data()
 {
     QTest::addColumn<GameChange>("change");
     QTest::addColumn<QString>("command");
-    QTest::newRow("hosts") << GameChange([](PublishedGame& p_Game) {
-        p_Game.Options.Hosts = QStringList("b.example");
-    }) << "use the command \"hosts\"";
-    QTest::newRow("realm list") << GameChange([](PublishedGame& p_Game) {
-        p_Game.Options.RealmListAddress = "b.example";
-    }) << "use the command \"realmlist\"";
+    AddRow("hosts", GameChange([](PublishedGame& p_Game) {
+               p_Game.Options.Hosts = QStringList("b.example");
+           }),
+           "use the command \"hosts\"");
+    AddRow("realm list",
+           GameChange([](PublishedGame& p_Game) { p_Game.Options.RealmListAddress = "b.example"; }),
+           "use the command \"realmlist\"");
 }
 
 void ServerListsTest::TheDevelopmentChannelLeavesTheListsAlone()
@@ -119,11 +97,10 @@ void ServerListsTest::ACommandChangesAListAndNothingElse_data()
     QTest::addColumn<QString>("list");
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("before");
-    QTest::newRow("hosts") << QStringList({"hosts", "b.example,c.example:81"}) << "cdns.info"
-                           << QByteArray("b.example c.example:81") << QByteArray("127.0.0.1:8080");
-    QTest::newRow("realm list") << QStringList({"realmlist", "logon"})
-                                << "pelmora_app/realmlist.info"
-                                << QByteArray("SET realmlist \"logon\"") << QByteArray("none");
+    AddRow("hosts", QStringList({"hosts", "b.example,c.example:81"}), "cdns.info",
+           QByteArray("b.example c.example:81"), QByteArray("127.0.0.1:8080"));
+    AddRow("realm list", QStringList({"realmlist", "logon"}), "pelmora_app/realmlist.info",
+           QByteArray("SET realmlist \"logon\""), QByteArray("none"));
 }
 
 void ServerListsTest::ACommandChangesAListAndNothingElse()
@@ -148,40 +125,6 @@ void ServerListsTest::ACommandChangesAListAndNothingElse()
     QCOMPARE(object,
              (QJsonObject{
                  {"type", arguments.first()}, {"before", QString(text)}, {"now", QString(text)}}));
-}
-
-void ServerListsTest::ACommandRefuses_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("no host") << QStringList("hosts") << Failure::c_Usage << QByteArray("hosts");
-    QTest::newRow("what is no host") << QStringList({"hosts", "a,b c"}) << Failure::c_Usage
-                                     << QByteArray("hosts \"b c\": a host name holds no blank");
-    QTest::newRow("what is no address") << QStringList({"realmlist", "a\"b"}) << Failure::c_Usage
-                                        << QByteArray("is not a host name");
-    QTest::newRow("an unknown application")
-        << QStringList({"realmlist", "a", "--app-id", "other"}) << Failure::c_Other
-        << QByteArray("no build of other is published there");
-    QTest::newRow("no tree") << QStringList({"hosts", "a", "--output", NoTree.path()})
-                             << Failure::c_Other
-                             << QByteArray("the output folder is no published tree");
-}
-
-void ServerListsTest::ACommandRefuses()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(int, status);
-    QFETCH(QByteArray, text);
-    PublishedGame game;
-    game.Publish();
-    Tree const before = TreeOf(game.Options.Output);
-    if (!arguments.contains("--output"))
-        arguments += {"--output", game.Options.Output};
-    ProgramResult const result = RunProgram(arguments);
-    QCOMPARE(result.Status, status);
-    QVERIFY2(result.Errors.contains(text), result.Errors.constData());
-    QCOMPARE(TreeOf(game.Options.Output), before);
 }
 
 } // namespace Varnholt::TestSupport

@@ -67,8 +67,7 @@ public:
 
     Publisher::VerificationSummary Verify(int p_Sample = 1000000) const
     {
-        return Publisher::ServerVerification({Default.BaseUrl(), "pelmora_app", p_Sample, false})
-            .Run();
+        return Publisher::VerifyServers({Default.BaseUrl(), "pelmora_app", p_Sample, false});
     }
 
     PublishedGame Game;
@@ -135,38 +134,32 @@ void ServerVerificationTest::ADefectNamesFileAndServer_data()
     QTest::addColumn<QString>("cause");
     QByteArray const other = SampleContent::Bytes(300000, 2);
     QByteArray const longer = SampleContent::Bytes(300001, 2);
-    QTest::newRow("missing") << Damage([](ScriptedServer& p_Mirror) {
-        p_Mirror.Remove(DataPath());
-    }) << "the server answers with status 404 instead of 200";
-    QTest::newRow("redirected") << Always(Answer::Redirect("http://127.0.0.1/"))
-                                << "the server answers with status 302 instead of 200";
-    QTest::newRow("other bytes") << Always(Answer::Normal().Body(other))
-                                 << "the MD5 of its 300000 bytes is " + SampleContent::Md5(other);
-    QTest::newRow("other size") << Always(Answer::Normal().Body(longer))
-                                << "the server gives 300001 bytes, 300000 are right";
-    QTest::newRow("compressed") << Always(Answer::Gzip())
-                                << "the server compresses it (gzip), so that it cannot be resumed";
-    QTest::newRow("a GET compressed")
-        << ToTheWhole(Answer::Gzip())
-        << "the server compresses it (gzip), so that it cannot be resumed";
-    QTest::newRow("no size") << Always(Answer::WithoutLength())
-                             << "the server does not tell its size";
-    QTest::newRow("closed") << ToTheWhole(Answer::ClosedBeforeHeaders())
-                            << "the server does not answer, or ends the answer too early";
-    QTest::newRow("cut") << ToTheWhole(Answer::Truncated(1000))
-                         << "the server does not answer, or ends the answer too early";
-    QTest::newRow("no ranges")
-        << Always(Answer::IgnoringRange())
-        << "the server answers with status 200 instead of 206 to the range from byte 234464";
-    QTest::newRow("another range")
-        << ToTheRange(Answer::WrongRangeStart(-1))
-        << "the server says \"bytes 234463-299999/300000\" to the range from byte 234464";
-    QTest::newRow("other bytes of a range")
-        << ToTheRange(Answer::Normal().Body(other))
-        << "the server gives other bytes to the range from byte 234464";
-    QTest::newRow("a cut range")
-        << ToTheRange(Answer::Truncated(1000))
-        << "the server does not answer, or ends the answer too early to the range from byte 234464";
+    AddRow("missing", Damage([](ScriptedServer& p_Mirror) { p_Mirror.Remove(DataPath()); }),
+           "the server answers with status 404 instead of 200");
+    AddRow("redirected", Always(Answer::Redirect("http://127.0.0.1/")),
+           "the server answers with status 302 instead of 200");
+    AddRow("other bytes", Always(Answer::Normal().Body(other)),
+           "the MD5 of its 300000 bytes is " + SampleContent::Md5(other));
+    AddRow("other size", Always(Answer::Normal().Body(longer)),
+           "the server gives 300001 bytes, 300000 are right");
+    AddRow("compressed", Always(Answer::Gzip()),
+           "the server compresses it (gzip), so that it cannot be resumed");
+    AddRow("a GET compressed", ToTheWhole(Answer::Gzip()),
+           "the server compresses it (gzip), so that it cannot be resumed");
+    AddRow("no size", Always(Answer::WithoutLength()), "the server does not tell its size");
+    AddRow("closed", ToTheWhole(Answer::ClosedBeforeHeaders()),
+           "the server does not answer, or ends the answer too early");
+    AddRow("cut", ToTheWhole(Answer::Truncated(1000)),
+           "the server does not answer, or ends the answer too early");
+    AddRow("no ranges", Always(Answer::IgnoringRange()),
+           "the server answers with status 200 instead of 206 to the range from byte 234464");
+    AddRow("another range", ToTheRange(Answer::WrongRangeStart(-1)),
+           "the server says \"bytes 234463-299999/300000\" to the range from byte 234464");
+    AddRow("other bytes of a range", ToTheRange(Answer::Normal().Body(other)),
+           "the server gives other bytes to the range from byte 234464");
+    AddRow(
+        "a cut range", ToTheRange(Answer::Truncated(1000)),
+        "the server does not answer, or ends the answer too early to the range from byte 234464");
 }
 
 void ServerVerificationTest::ADefectNamesFileAndServer()
@@ -283,8 +276,7 @@ void ServerVerificationTest::AddressesMayHaveAPath()
     for (auto const& [path, bytes] : game.Published())
         server.Serve("/a game/" + path, bytes);
     auto const summary =
-        Publisher::ServerVerification({server.BaseUrl() + "a%20game", "pelmora_app", 9, false})
-            .Run();
+        Publisher::VerifyServers({server.BaseUrl() + "a%20game", "pelmora_app", 9, false});
     // The mirror, which has no such path, is the only one without the files.
     QCOMPARE(summary.Defects.size(), 2);
     QVERIFY(summary.Defects.first().startsWith(server.BaseUrl() + "pelmora_app/builds/"));

@@ -23,8 +23,6 @@ private Q_SLOTS:
     void ADryRunAsksForNoKey();
     void AServerIsVerifiedWithTheKey();
     void AChangeOfKeyIsSignedByTheOldOne();
-    void WrongCallsAreUsageErrors_data();
-    void WrongCallsAreUsageErrors();
 
 private:
     QString Key(QString const& p_Name = "key") const { return Game->Temporary.filePath(p_Name); }
@@ -147,8 +145,7 @@ void SignProgramTest::WhatIsSignedIsGoodForMinisign()
     Run({"hosts", "--output", output, "a.example", "--sign-key", Key()});
     Run({"realmlist", "--output", output, "logon.example", "--sign-key", Key()});
     Game->Put("own", "other");
-    Run({"build", "--source", Game->Options.Source, "--output", output, "--build", "b", "--rules",
-         Game->Options.RulesFile, "--sign-key", Key()});
+    Run(Game->BuildArguments({"--sign-key", Key()}, "b"));
     QVERIFY(MinisignVerifies(output, line));
     QVERIFY(Run({"verify", "--output", output}).contains(", 4 signatures, 0 defects"));
 }
@@ -157,8 +154,7 @@ void SignProgramTest::ADryRunAsksForNoKey()
 {
     MakeKey();
     Run({"sign", "--output", Game->Options.Output, "--sign-key", Key()});
-    Run({"build", "--source", Game->Options.Source, "--output", Game->Options.Output, "--build",
-         "b", "--rules", Game->Options.RulesFile, "--dry-run"});
+    Run(Game->BuildArguments({"--dry-run"}, "b"));
 }
 
 void SignProgramTest::AServerIsVerifiedWithTheKey()
@@ -195,30 +191,6 @@ void SignProgramTest::AChangeOfKeyIsSignedByTheOldOne()
                  .Status,
              2);
     Run({"rollback", "--output", output, "--build", "build_1", "--sign-key", Key("next")});
-}
-
-void SignProgramTest::WrongCallsAreUsageErrors_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("sentence");
-    QTest::newRow("new without a file") << QStringList{"keys", "new"} << QByteArray("file");
-    QTest::newRow("show of a tree") << QStringList{"keys", "show", "f", "--output", "o"}
-                                    << QByteArray("--output has no meaning");
-    QTest::newRow("change without a new key")
-        << QStringList{"keys", "change", "--output", "o", "--old", "f"} << QByteArray("--new");
-    QTest::newRow("end without a key")
-        << QStringList{"hosts", "--output", "o", "a", "--expires", "9"} << QByteArray("--sign-key");
-    QTest::newRow("no key") << QStringList{"verify", "--output", "o", "--trust-key", "x"}
-                            << QByteArray("\"x\" is neither a public key nor a file of one");
-}
-
-void SignProgramTest::WrongCallsAreUsageErrors()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, sentence);
-    ProgramResult const result = RunProgram(arguments);
-    QCOMPARE(result.Status, 2);
-    QVERIFY2(result.Errors.contains(sentence), result.Errors.constData());
 }
 
 } // namespace Varnholt::TestSupport

@@ -11,8 +11,9 @@
 namespace Varnholt::TestSupport {
 
 using Publisher::BuildFile;
+using Publisher::ScanSource;
 using Publisher::SourceFile;
-using Publisher::SourceScan;
+using Publisher::Treat;
 
 namespace {
 
@@ -57,11 +58,11 @@ private:
         if (!WriteFile(Path(p_Path), p_Bytes))
             qFatal("%s cannot be written", qPrintable(p_Path));
     }
-    std::vector<BuildFile> Scan(SourceScan::Treat const& p_Treat = All) const
+    std::vector<BuildFile> Scan(Treat const& p_Treat = All) const
     {
-        return SourceScan(Root, p_Treat).Run();
+        return ScanSource(Root, p_Treat);
     }
-    QStringList Paths(SourceScan::Treat const& p_Treat = All) const
+    QStringList Paths(Treat const& p_Treat = All) const
     {
         QStringList paths;
         for (BuildFile const& file : Scan(p_Treat))
@@ -160,7 +161,7 @@ void SourceScanTest::AnExcludedLinkMayLeadAnywhere()
 void SourceScanTest::TheSourceItselfMayBeALink()
 {
     QVERIFY(QFile::link(Root, Folder->filePath("link")));
-    QCOMPARE(SourceScan(Folder->filePath("link"), All).Run().size(), std::size_t{1});
+    QCOMPARE(ScanSource(Folder->filePath("link"), All).size(), std::size_t{1});
 }
 
 void SourceScanTest::ANameThatIsNotUtf8IsRefused()

@@ -43,18 +43,8 @@ private Q_SLOTS:
     void ABuildIsAnObject();
     void AnUnchangedSourceIsNoFailure();
     void TheIndexIsUsedAndIgnored();
-    void AFailureIsOneSentence_data();
-    void AFailureIsOneSentence();
 
 private:
-    static QStringList Build(PublishedGame const& p_Game, QString const& p_Build,
-                             QStringList const& p_More = {})
-    {
-        return QStringList({"build", "--source", p_Game.Options.Source, "--output",
-                            p_Game.Options.Output, "--rules", p_Game.Options.RulesFile, "--build",
-                            p_Build, "--local"}) +
-               p_More;
-    }
     static ProgramResult Run(PublishedGame const& p_Game, QString const& p_Command,
                              QStringList const& p_More = {})
     {
@@ -183,14 +173,14 @@ void TreeProgramTest::AMirrorBecomesTheOrigin()
         QVERIFY(path.endsWith('/') || WriteFile(game.OutputPath(path), content));
     for (int const build : {1, 2, 3})
         game.SetAge(build, 3 - build);
-    QCOMPARE(RunProgram(Build(game, "build_4")).Status, 1);
+    QCOMPARE(RunProgram(game.BuildArguments({}, "build_4")).Status, 1);
     ProgramResult const result = Run(game, "adopt");
     QCOMPARE(result.Errors, QByteArray());
     QCOMPARE(result.Status, 0);
     QCOMPARE(result.Output, game.Options.Output.toUtf8() + " is a published tree now\n");
     QCOMPARE(game.Published(), before);
     game.SetAge(1, 0);
-    QCOMPARE(RunProgram(Build(game, "build_4")).Status, 0);
+    QCOMPARE(RunProgram(game.BuildArguments({}, "build_4")).Status, 0);
     QCOMPARE(Run(game, "prune", {"--keep", "2"}).Status, 0);
     QCOMPARE(game.Catalog().Builds(), QStringList({"build_3", "build_4"}));
     QVERIFY(Run(game, "adopt").Errors.contains(": is a published tree already\n"));
@@ -211,7 +201,7 @@ void TreeProgramTest::ACopyThatIsNotWholeIsNotAdopted()
 void TreeProgramTest::ADryRunWritesNothing()
 {
     PublishedGame const game;
-    ProgramResult const result = RunProgram(Build(game, "build_1", {"--dry-run"}));
+    ProgramResult const result = RunProgram(game.BuildArguments({"--dry-run"}, "build_1"));
     QCOMPARE(result.Status, 0);
     QCOMPARE(result.Errors, QByteArray());
     QVERIFY(!QFileInfo::exists(game.Options.Output));
@@ -224,7 +214,7 @@ void TreeProgramTest::ADryRunWritesNothing()
     QCOMPARE(lines[4], "Would publish build build_1 in " + game.Options.Output.toUtf8());
 
     auto const objects =
-        ObjectsOf(RunProgram(Build(game, "build_1", {"--dry-run", "--json"})).Output);
+        ObjectsOf(RunProgram(game.BuildArguments({"--dry-run", "--json"}, "build_1")).Output);
     QCOMPARE(objects.size(), 5);
     QCOMPARE(objects[2]["type"].toString(), QString("write"));
     QCOMPARE(objects[2]["file"].toString(), QString("cdns.info"));
@@ -238,7 +228,7 @@ void TreeProgramTest::ABuildIsAnObject()
     PublishedGame const game;
     game.Put("music", "abc");
     game.AddRules("{\"match\": \"music\", \"streamed\": true}");
-    ProgramResult const result = RunProgram(Build(game, "build_1", {"--json"}));
+    ProgramResult const result = RunProgram(game.BuildArguments({"--json"}, "build_1"));
     QCOMPARE(result.Status, 0);
     auto const objects = ObjectsOf(result.Output);
     QCOMPARE(objects.size(), 1);
@@ -263,14 +253,14 @@ void TreeProgramTest::ABuildIsAnObject()
 void TreeProgramTest::AnUnchangedSourceIsNoFailure()
 {
     PublishedGame const game;
-    QCOMPARE(RunProgram(Build(game, "build_1", {"--if-changed"})).Status, 0);
+    QCOMPARE(RunProgram(game.BuildArguments({"--if-changed"}, "build_1")).Status, 0);
     Tree const before = game.Published();
-    ProgramResult const result = RunProgram(Build(game, "build_2", {"--if-changed"}));
+    ProgramResult const result = RunProgram(game.BuildArguments({"--if-changed"}, "build_2"));
     QCOMPARE(result.Status, 0);
     QVERIFY2(result.Output.startsWith("Nothing to publish: build build_1 in "),
              result.Output.constData());
     auto const objects =
-        ObjectsOf(RunProgram(Build(game, "build_2", {"--if-changed", "--json"})).Output);
+        ObjectsOf(RunProgram(game.BuildArguments({"--if-changed", "--json"}, "build_2")).Output);
     QCOMPARE(objects.size(), 1);
     QCOMPARE(objects[0]["build"].toString(), QString("build_1"));
     QCOMPARE(objects[0]["unchanged"].toBool(), true);
@@ -282,49 +272,21 @@ void TreeProgramTest::TheIndexIsUsedAndIgnored()
 {
     PublishedGame const game;
     game.Age();
-    QCOMPARE(RunProgram(Build(game, "build_1")).Status, 0);
+    QCOMPARE(RunProgram(game.BuildArguments({}, "build_1")).Status, 0);
     QByteArray const used("\nfrom index   8 bytes in 1 files\n");
     QByteArray const ignored("\nfrom index   0 bytes in 0 files\n");
-    QVERIFY(RunProgram(Build(game, "build_2", {"--rehash"})).Output.contains(ignored));
-    QVERIFY(RunProgram(Build(game, "build_3")).Output.contains(used));
+    QVERIFY(RunProgram(game.BuildArguments({"--rehash"}, "build_2")).Output.contains(ignored));
+    QVERIFY(RunProgram(game.BuildArguments({}, "build_3")).Output.contains(used));
     QString const index = game.OutputPath(game.IndexName());
     QVERIFY(WriteFile(index, "x"));
-    QVERIFY(RunProgram(Build(game, "build_4", {"--no-index"})).Output.contains(ignored));
+    QVERIFY(RunProgram(game.BuildArguments({"--no-index"}, "build_4")).Output.contains(ignored));
     QCOMPARE(ReadFile(index), QByteArray("x"));
-    ProgramResult const warned = RunProgram(Build(game, "build_5"));
+    ProgramResult const warned = RunProgram(game.BuildArguments({}, "build_5"));
     QCOMPARE(warned.Status, 0);
     QVERIFY(warned.Output.contains(ignored));
     QCOMPARE(warned.Errors, "varnholt-publish: warning: " + index.toUtf8() +
                                 ": the index is damaged, so every file is read again\n");
-    QVERIFY(RunProgram(Build(game, "build_6")).Output.contains(used));
-}
-
-void TreeProgramTest::AFailureIsOneSentence_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QStringList>("more");
-    QTest::addColumn<QByteArray>("sentence");
-    QTest::newRow("list of nothing")
-        << "list" << QStringList({"--app-id", "none"}) << QByteArray(": no build of none is");
-    QTest::newRow("rollback to nothing") << "rollback" << QStringList({"--build", "none"})
-                                         << QByteArray("pelmora_app: there is no build none");
-    QTest::newRow("prune what is on offer")
-        << "prune" << QStringList({"--build", "build_2"})
-        << QByteArray("info.json: the build build_2 is on offer and cannot be removed");
-}
-
-void TreeProgramTest::AFailureIsOneSentence()
-{
-    QFETCH(QString, command);
-    QFETCH(QStringList, more);
-    QFETCH(QByteArray, sentence);
-    BuildSeries const game(2);
-    ProgramResult const result = Run(game, command, more);
-    QCOMPARE(result.Status, 1);
-    QCOMPARE(result.Output, QByteArray());
-    QVERIFY2(result.Errors.contains(sentence), result.Errors.constData());
-    QVERIFY(result.Errors.startsWith("varnholt-publish: " + game.Options.Output.toUtf8()));
-    QCOMPARE(result.Errors.count('\n'), 1);
+    QVERIFY(RunProgram(game.BuildArguments({}, "build_6")).Output.contains(used));
 }
 
 } // namespace Varnholt::TestSupport

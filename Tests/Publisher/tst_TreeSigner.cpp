@@ -27,16 +27,14 @@ private Q_SLOTS:
     void ABuildIsSignedWithAllThatIsCurrent();
     void EveryChangeHasTheNextNumber();
     void AnEndIsThatOfWhatIsCurrentOnly();
-    void AnUnsignedChangeOfASignedTreeIsRefused_data();
-    void AnUnsignedChangeOfASignedTreeIsRefused();
+    void AChangeThatPlayersWouldRefuseIsRefused_data();
+    void AChangeThatPlayersWouldRefuseIsRefused();
     void AnUnsignedChangeThatIsWantedTakesItsSignaturesAway();
-    void AnotherKeyIsRefused();
     void WhatSomebodyElseHasChangedIsNotSigned_data();
     void WhatSomebodyElseHasChangedIsNotSigned();
     void AnOldTreeIsSignedAsAWholeFirst();
     void WhatIsUnchangedButNotSignedIsPublishedAgain();
     void AChangeOfKeyIsVouchedForByTheOldOne();
-    void AChangeOfKeyIsOneOfAllApplications();
     void AChangedTreeGetsNoOtherKey();
     void PruningTakesSignaturesAlong();
     void ACopyIsAdoptedWithItsNumber();
@@ -46,7 +44,7 @@ private Q_SLOTS:
 private:
     QString At(QString const& p_Path) const { return Game->OutputPath(p_Path); }
     Signing::TrustedComment CommentAt(QString const& p_Path) const;
-    void SignAll() const;
+    void SignAll(PublishedGame const& p_Game) const;
     QString ChangeRealmList(SigningOptions const& p_Options) const;
     QStringList Defects() const;
 
@@ -60,7 +58,11 @@ QString const c_Version = "pelmora_app/version.json";
 QString const c_RealmList = "pelmora_app/realmlist.info";
 QString const c_Manifest = "pelmora_app/builds/build_1/info.json";
 QString const c_Hosts = "cdns.info";
-QString const c_Key = "pelmora_app/trust-key";
+
+void ReplaceHosts(PublishedGame const& p_Game, SigningOptions const& p_Options = {})
+{
+    ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"}, p_Options);
+}
 
 } // namespace
 
@@ -81,10 +83,10 @@ Signing::TrustedComment TreeSignerTest::CommentAt(QString const& p_Path) const
     return verified.Comment;
 }
 
-void TreeSignerTest::SignAll() const
+void TreeSignerTest::SignAll(PublishedGame const& p_Game) const
 {
-    TreeTransaction tree(Game->Options.Output);
-    TreeSigner(Game->Options.Output, "pelmora_app", Keys.Options()).CommitAll(tree);
+    TreeTransaction tree(p_Game.Options.Output);
+    TreeSigner(p_Game.Options.Output, "pelmora_app", Keys.Options()).CommitAll(tree);
 }
 
 QString TreeSignerTest::ChangeRealmList(SigningOptions const& p_Options) const
@@ -98,8 +100,8 @@ QString TreeSignerTest::ChangeRealmList(SigningOptions const& p_Options) const
 
 QStringList TreeSignerTest::Defects() const
 {
-    PublishedTree const tree(Game->Options.Output, "pelmora_app");
-    return TreeVerification(tree, nullptr, {{Keys.Secret.Public()}, "pelmora_app"}).Run().Defects;
+    BuildCatalog const tree(Game->Options.Output, "pelmora_app");
+    return VerifyTree(tree, nullptr, {{Keys.Secret.Public()}, "pelmora_app"}).Defects;
 }
 
 void TreeSignerTest::ABuildIsSignedWithAllThatIsCurrent()
@@ -137,9 +139,9 @@ void TreeSignerTest::EveryChangeHasTheNextNumber()
     for (QString const& path : {c_Version, c_RealmList, c_Hosts})
         QCOMPARE(CommentAt(path).Sequence, quint64(4));
     QCOMPARE(CommentAt(c_Manifest).Sequence, quint64(1));
-    ServerLists::Replace(Game->Options.Output, {}, {At(c_Hosts), "a b"}, Keys.Options());
+    ReplaceHosts(*Game, Keys.Options());
     QCOMPARE(CommentAt(c_Hosts).Sequence, quint64(5));
-    SignAll();
+    SignAll(*Game);
     QCOMPARE(CommentAt(c_Version).Sequence, quint64(6));
     QCOMPARE(Defects(), QStringList());
 }
@@ -155,27 +157,32 @@ void TreeSignerTest::AnEndIsThatOfWhatIsCurrentOnly()
     QVERIFY(!CommentAt("pelmora_app/builds/build_2/info.json").Expires);
 }
 
-void TreeSignerTest::AnUnsignedChangeOfASignedTreeIsRefused_data()
+void TreeSignerTest::AChangeThatPlayersWouldRefuseIsRefused_data()
 {
     QTest::addColumn<GameChange>("Change");
-    QTest::newRow("build") << GameChange([](PublishedGame& p_Game) {
+    QTest::addColumn<QString>("Cure");
+    auto const add = [](char const* p_Name, QString const& p_Cure, GameChange const& p_Change) {
+        AddRow(p_Name, p_Change, p_Cure);
+    };
+    add("build", "--sign-key", [](PublishedGame& p_Game) {
         p_Game.Options.Signing = {};
         p_Game.Publish("build_2");
     });
-    QTest::newRow("rollback") << GameChange([](PublishedGame& p_Game) {
+    add("rollback", "--sign-key", [](PublishedGame& p_Game) {
         RollBack({p_Game.Options.Output, "pelmora_app", "build_1"});
     });
-    QTest::newRow("list") << GameChange([](PublishedGame& p_Game) {
-        ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"});
-    });
+    add("list", "--sign-key", [](PublishedGame& p_Game) { ReplaceHosts(p_Game); });
+    add("another key", "keys change",
+        [](PublishedGame& p_Game) { ReplaceHosts(p_Game, SigningKeys().Options()); });
 }
 
-void TreeSignerTest::AnUnsignedChangeOfASignedTreeIsRefused()
+void TreeSignerTest::AChangeThatPlayersWouldRefuseIsRefused()
 {
     QFETCH(GameChange, Change);
+    QFETCH(QString, Cure);
     Tree const before = TreeOf(Game->Options.Output);
     CaughtFailure const failure = FailureOf([&] { Change(*Game); });
-    QVERIFY2(failure.Sentence.contains("--sign-key"), qPrintable(failure.Sentence));
+    QVERIFY2(failure.Sentence.contains(Cure), qPrintable(failure.Sentence));
     QCOMPARE(failure.ExitStatus, Failure::c_Usage);
     QCOMPARE(TreeOf(Game->Options.Output), before);
 }
@@ -189,26 +196,19 @@ void TreeSignerTest::AnUnsignedChangeThatIsWantedTakesItsSignaturesAway()
     QVERIFY(Keys.Verify(At(c_Version)).IsGood());
     // It stays a signed tree, and its numbers go on.
     QVERIFY(ChangeRealmList({}).contains("--sign-key"));
-    SignAll();
+    SignAll(*Game);
     QCOMPARE(CommentAt(c_RealmList).Sequence, quint64(2));
-}
-
-void TreeSignerTest::AnotherKeyIsRefused()
-{
-    Tree const before = TreeOf(Game->Options.Output);
-    QVERIFY(ChangeRealmList(SigningKeys().Options()).contains("keys change"));
-    QCOMPARE(TreeOf(Game->Options.Output), before);
 }
 
 void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned_data()
 {
     QTest::addColumn<QString>("Path");
     QTest::addColumn<QByteArray>("Content");
-    QTest::newRow("version") << c_Version << QByteArray("{\"build\": \"build_1\" }");
-    QTest::newRow("manifest") << c_Manifest
-                              << QByteArray(R"({"content":{"base_mac":[]},"streamed_content":[]})");
-    QTest::newRow("hosts") << c_Hosts << QByteArray("evil");
-    QTest::newRow("another signature") << c_Hosts + ".minisig" << QByteArray("none");
+    AddRow("version", c_Version, QByteArray("{\"build\": \"build_1\" }"));
+    AddRow("manifest", c_Manifest,
+           QByteArray(R"({"content":{"base_mac":[]},"streamed_content":[]})"));
+    AddRow("hosts", c_Hosts, QByteArray("evil"));
+    AddRow("another signature", c_Hosts + ".minisig", QByteArray("none"));
 }
 
 void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned()
@@ -227,16 +227,12 @@ void TreeSignerTest::WhatSomebodyElseHasChangedIsNotSigned()
 void TreeSignerTest::AnOldTreeIsSignedAsAWholeFirst()
 {
     BuildSeries const old(2);
-    auto const list = old.OutputPath(c_Hosts);
-    QVERIFY(FailureOf([&] {
-                ServerLists::Replace(old.Options.Output, {}, {list, "a"}, Keys.Options());
-            }).Sentence.contains("sign"));
+    QVERIFY(FailureOf([&] { ReplaceHosts(old, Keys.Options()); }).Sentence.contains("sign"));
     QVERIFY(
         FailureOf([&] {
             RollBack({old.Options.Output, "pelmora_app", "build_1", false, true, Keys.Options()});
         }).Sentence.contains("varnholt-publish sign"));
-    TreeTransaction tree(old.Options.Output);
-    TreeSigner(old.Options.Output, "pelmora_app", Keys.Options()).CommitAll(tree);
+    SignAll(old);
     for (QString const& path :
          {c_Version, c_Hosts, c_Manifest, QString("pelmora_app/builds/build_2/info.json")})
         QVERIFY2(Keys.Verify(old.OutputPath(path)).IsGood(), qPrintable(path));
@@ -255,44 +251,28 @@ void TreeSignerTest::WhatIsUnchangedButNotSignedIsPublishedAgain()
 
 void TreeSignerTest::AChangeOfKeyIsVouchedForByTheOldOne()
 {
-    SigningKeys const next;
-    TreeTransaction tree(Game->Options.Output);
-    TreeSigner::CommitKeyChange(tree, Game->Options.Output, Keys.Options(), next.Secret);
-    QCOMPARE(CommentAt(c_Key).Document, Role::Key);
-    QCOMPARE(CommentAt(c_Key).Platform, QString("mac"));
-    QCOMPARE(Game->Read(c_Key), next.Secret.Public().ToText() + '\n');
-    for (QString const& path : {c_Version, c_RealmList, c_Manifest, c_Hosts})
-        QVERIFY2(next.Verify(At(path)).IsGood(), qPrintable(path));
-    QCOMPARE(next.Verify(At(c_Version)).Comment.Sequence, quint64(2));
-}
-
-void TreeSignerTest::AChangeOfKeyIsOneOfAllApplications()
-{
     Game->Options.AppId = "other_app";
     Game->Options.RealmListAddress.reset();
     Game->Publish("build_2");
     SigningKeys const next;
-    TreeTransaction tree(Game->Options.Output);
-    TreeSigner::CommitKeyChange(tree, Game->Options.Output, Keys.Options(), next.Secret);
-    auto const key = [&](QString const& p_App) {
-        return Keys.Verify(At(p_App + "/trust-key")).Comment.Game;
-    };
+    SigningKeys::Change(*Game, next.Secret);
     for (QString const app : {"pelmora_app", "other_app"}) {
-        QCOMPARE(key(app), app);
+        auto const key = CommentAt(app + "/trust-key");
+        QCOMPARE(key.Document, Role::Key);
+        QCOMPARE(key.Game, app);
+        QCOMPARE(key.Platform, QString("mac"));
+        QCOMPARE(Game->Read(app + "/trust-key"), next.Secret.Public().ToText() + '\n');
         QCOMPARE(next.Verify(At(app + "/version.json")).Comment.Sequence, quint64(3));
     }
-    QCOMPARE(next.Verify(At(c_Hosts)).Comment.Sequence, quint64(3));
+    for (QString const& path : {c_RealmList, c_Manifest, c_Hosts})
+        QVERIFY2(next.Verify(At(path)).IsGood(), qPrintable(path));
 }
 
 void TreeSignerTest::AChangedTreeGetsNoOtherKey()
 {
     QVERIFY(WriteFile(At(c_Manifest), "{}"));
     Tree const before = TreeOf(Game->Options.Output);
-    TreeTransaction tree(Game->Options.Output);
-    CaughtFailure const failure = FailureOf([&] {
-        TreeSigner::CommitKeyChange(tree, Game->Options.Output, Keys.Options(),
-                                    Signing::SecretKey::Create());
-    });
+    CaughtFailure const failure = FailureOf([&] { SigningKeys::Change(*Game); });
     QVERIFY(failure.Sentence.startsWith(At(c_Manifest) + ": is not what was signed"));
     QCOMPARE(ForClients(TreeOf(Game->Options.Output)), ForClients(before));
 }
@@ -300,11 +280,7 @@ void TreeSignerTest::AChangedTreeGetsNoOtherKey()
 void TreeSignerTest::PruningTakesSignaturesAlong()
 {
     Game->Publish("build_2");
-    PruneOptions options;
-    options.Output = Game->Options.Output;
-    options.AppId = "pelmora_app";
-    options.Keep = 1;
-    BuildPruning(options).Run();
+    PruneBuilds({Game->Options.Output, "pelmora_app", 1, {}, false});
     QVERIFY(!QFile::exists(At("pelmora_app/builds/build_1")));
     QVERIFY(Keys.Verify(At("pelmora_app/builds/build_2/info.json")).IsGood());
 }
@@ -333,26 +309,28 @@ void TreeSignerTest::VerificationNamesEachFault_data()
 {
     QTest::addColumn<GameChange>("Change");
     QTest::addColumn<QString>("Defect");
-    auto const put = [](QString const& p_Path, QByteArray const& p_Content) {
-        return GameChange([=](PublishedGame& p_Game) {
-            QVERIFY(WriteFile(p_Game.OutputPath(p_Path), p_Content));
-        });
+    auto const add = [](char const* p_Name, QString const& p_Defect, GameChange const& p_Change) {
+        AddRow(p_Name, p_Change, p_Defect);
     };
-    QTest::newRow("nothing") << GameChange([](PublishedGame&) {}) << QString();
-    QTest::newRow("changed list") << put(c_Hosts, "evil") << "cdns.info: is not what was signed";
-    QTest::newRow("no signature") << put(c_RealmList + ".minisig", "")
-                                  << "realmlist.info: has no signature";
-    QTest::newRow("of the other channel") << GameChange([](PublishedGame& p_Game) {
-        p_Game.Options.DevChannel = true;
-        p_Game.Options.RealmListAddress.reset();
-        p_Game.Publish("build_2");
-        for (char const* const end : {"", ".minisig"})
-            QVERIFY(WriteFile(p_Game.OutputPath(c_Version + end),
-                              p_Game.Read("pelmora_app/version_dev.json" + QString(end))));
-    }) << "version.json: is signed as something else";
-    QTest::newRow("expired") << GameChange([options = Keys.Options(-1)](PublishedGame& p_Game) {
-        ServerLists::Replace(p_Game.Options.Output, {}, {p_Game.OutputPath(c_Hosts), "a"}, options);
-    }) << "its signature was good until ";
+    auto const put = [](QString const& p_Path, QByteArray const& p_Content) -> GameChange {
+        return [=](PublishedGame& p_Game) {
+            QVERIFY(WriteFile(p_Game.OutputPath(p_Path), p_Content));
+        };
+    };
+    add("nothing", {}, [](PublishedGame&) {});
+    add("changed list", "cdns.info: is not what was signed", put(c_Hosts, "evil"));
+    add("no signature", "realmlist.info: has no signature", put(c_RealmList + ".minisig", ""));
+    add("of the other channel", "version.json: is signed as something else",
+        [](PublishedGame& p_Game) {
+            p_Game.Options.DevChannel = true;
+            p_Game.Options.RealmListAddress.reset();
+            p_Game.Publish("build_2");
+            for (char const* const end : {"", ".minisig"})
+                QVERIFY(WriteFile(p_Game.OutputPath(c_Version + end),
+                                  p_Game.Read("pelmora_app/version_dev.json" + QString(end))));
+        });
+    add("expired", "its signature was good until ",
+        [options = Keys.Options(-1)](PublishedGame& p_Game) { ReplaceHosts(p_Game, options); });
 }
 
 void TreeSignerTest::VerificationNamesEachFault()

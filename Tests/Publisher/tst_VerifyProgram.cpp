@@ -26,9 +26,6 @@ private Q_SLOTS:
     void EveryDefectIsTold();
     void ATreeIsRepairedFromItsSource();
     void OfBuildsThatAreNotServedNothingIsSaid();
-    void AWrongCallIsAUsageError_data();
-    void AWrongCallIsAUsageError();
-    void HelpHasExamples();
 
 private:
     static ProgramResult Verify(PublishedGame const& p_Game)
@@ -84,37 +81,36 @@ void VerifyProgramTest::ADefectIsOneSentence_data()
     auto const remove = [](QString const& p_Path) -> GameChange {
         return [=](PublishedGame& p_Game) { QVERIFY(QFile::remove(p_Game.OutputPath(p_Path))); };
     };
-    QTest::newRow("missing") << remove(content) << content + " (Data/a): is missing";
-    QTest::newRow("a folder") << GameChange([content](PublishedGame& p_Game) {
-        QVERIFY(QFile::remove(p_Game.OutputPath(content)));
-        QVERIFY(QDir().mkpath(p_Game.OutputPath(content)));
-    }) << content + " (Data/a): is no file";
+    AddRow("missing", remove(content), content + " (Data/a): is missing");
+    AddRow("a folder", GameChange([content](PublishedGame& p_Game) {
+               QVERIFY(QFile::remove(p_Game.OutputPath(content)));
+               QVERIFY(QDir().mkpath(p_Game.OutputPath(content)));
+           }),
+           content + " (Data/a): is no file");
     QByteArray damaged = c_Data;
     damaged[2500] = static_cast<char>(~damaged[2500]);
-    QTest::newRow("one byte") << put(content, damaged)
-                              << content + " (Data/a): the MD5 of its 5000 bytes is " +
-                                     SampleContent::Md5(damaged);
-    QTest::newRow("cut") << put(content, c_Data.left(4999))
-                         << content + " (Data/a): the MD5 of its 4999 bytes is " +
-                                SampleContent::Md5(c_Data.left(4999));
+    AddRow("one byte", put(content, damaged),
+           content + " (Data/a): the MD5 of its 5000 bytes is " + SampleContent::Md5(damaged));
+    AddRow("cut", put(content, c_Data.left(4999)),
+           content + " (Data/a): the MD5 of its 4999 bytes is " +
+               SampleContent::Md5(c_Data.left(4999)));
     QString const version = "pelmora_app/version.json";
-    QTest::newRow("no version") << remove(version) << version + ": is missing";
-    QTest::newRow("no text") << put(version, "x") << version + ": names no build";
-    QTest::newRow("no build") << put(version, "{\"build\": 1}") << version + ": names no build";
-    QTest::newRow("a build that is not there")
-        << put(version, "{\"build\": \"b\"}")
-        << QString("pelmora_app/builds/b/info.json: there is no build b");
+    AddRow("no version", remove(version), version + ": is missing");
+    AddRow("no text", put(version, "x"), version + ": names no build");
+    AddRow("no build", put(version, "{\"build\": 1}"), version + ": names no build");
+    AddRow("a build that is not there", put(version, "{\"build\": \"b\"}"),
+           QString("pelmora_app/builds/b/info.json: there is no build b"));
     QString const manifest = "pelmora_app/builds/build_1/info.json";
-    QTest::newRow("no manifest") << put(manifest, "[]")
-                                 << manifest + ": is no manifest: it has no list of base files";
-    QTest::newRow("no host list") << remove("cdns.info")
-                                  << "cdns.info: cannot be read: "
-                                     "No such file or directory";
+    AddRow("no manifest", put(manifest, "[]"),
+           manifest + ": is no manifest: it has no list of base files");
+    AddRow("no host list", remove("cdns.info"),
+           "cdns.info: cannot be read: "
+           "No such file or directory");
     QString const hosts = "cdns.info: is not a line of names with one blank between them and "
                           "nothing behind the last";
-    QTest::newRow("a line end in the host list") << put("cdns.info", "a b\n") << hosts;
-    QTest::newRow("two blanks in the host list") << put("cdns.info", "a  b") << hosts;
-    QTest::newRow("an empty host list") << put("cdns.info", "") << hosts;
+    AddRow("a line end in the host list", put("cdns.info", "a b\n"), hosts);
+    AddRow("two blanks in the host list", put("cdns.info", "a  b"), hosts);
+    AddRow("an empty host list", put("cdns.info", ""), hosts);
 }
 
 void VerifyProgramTest::ADefectIsOneSentence()
@@ -191,44 +187,6 @@ void VerifyProgramTest::OfBuildsThatAreNotServedNothingIsSaid()
     game.Publish("new");
     QVERIFY(QFile::remove(game.OutputPath(PublishedGame::ContentPath(c_Data))));
     QCOMPARE(Verify(game).Status, 0);
-}
-
-void VerifyProgramTest::AWrongCallIsAUsageError_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("nothing") << QStringList() << QByteArray("give --output or --url");
-    QTest::newRow("both") << QStringList({"--output", "a", "--url", "http://a/"})
-                          << QByteArray("excludes");
-    QTest::newRow("all of a tree")
-        << QStringList({"--output", "a", "--all"}) << QByteArray("--all requires --url");
-    QTest::newRow("all of a sample")
-        << QStringList({"--url", "http://a/", "--all", "--sample", "2"}) << QByteArray("excludes");
-    for (char const* const url : {"content.example.net", "ftp://a/", "http:///", "http://a/?b"}) {
-        QTest::newRow(url) << QStringList({"--url", url})
-                           << QByteArray("\" is no address of a server");
-    }
-}
-
-void VerifyProgramTest::AWrongCallIsAUsageError()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, text);
-    ProgramResult const result = RunProgram(QStringList("verify") + arguments);
-    QCOMPARE(result.Status, 2);
-    QCOMPARE(result.Output, QByteArray());
-    QVERIFY2(result.Errors.contains(text), result.Errors.constData());
-    QCOMPARE(result.Errors.count('\n'), 1);
-}
-
-void VerifyProgramTest::HelpHasExamples()
-{
-    ProgramResult const result = RunProgram({"verify", "--help"});
-    QCOMPARE(result.Status, 0);
-    for (char const* const text :
-         {"varnholt-publish verify --output /", "varnholt-publish verify --url http://", "--all",
-          "--sample", "--app-id"})
-        QVERIFY2(result.Output.contains(text), text);
 }
 
 } // namespace Varnholt::TestSupport

@@ -75,11 +75,11 @@ void SignatureTest::AnyChangeIsNoticed_data()
     QTest::addColumn<QByteArray>("Given");
     QTest::addColumn<QByteArray>("With");
 
-    QTest::newRow("bytes") << QByteArray("some\nbytez") << Signature;
-    QTest::newRow("more bytes") << Bytes + '\n' << Signature;
-    QTest::newRow("signature") << Bytes << Changed(Signature, 1, 40);
-    QTest::newRow("comment") << Bytes << QByteArray(Signature).replace("sequence=0", "sequence=1");
-    QTest::newRow("comment's signature") << Bytes << Changed(Signature, 3, 40);
+    AddRow("bytes", QByteArray("some\nbytez"), Signature);
+    AddRow("more bytes", Bytes + '\n', Signature);
+    AddRow("signature", Bytes, Changed(Signature, 1, 40));
+    AddRow("comment", Bytes, QByteArray(Signature).replace("sequence=0", "sequence=1"));
+    AddRow("comment's signature", Bytes, Changed(Signature, 3, 40));
 }
 
 void SignatureTest::AnyChangeIsNoticed()
@@ -113,17 +113,16 @@ void SignatureTest::WhatIsNoSignatureFileIsMalformed_data()
         return QList<QByteArray>{lines[0], p_Second, lines[2], p_Last}.join('\n');
     };
     QTest::addColumn<QByteArray>("Text");
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("a page") << QByteArray("<html>\n<body>\nNot found\n</html>\n");
-    QTest::newRow("cut short") << Signature.left(Signature.size() / 2);
-    QTest::newRow("without the last line") << lines.mid(0, 3).join('\n') + '\n';
-    QTest::newRow("cut in its last line") << joined(lines[1], lines[3].left(40));
-    QTest::newRow("no base64") << joined('!' + lines[1].mid(1), lines[3]);
-    QTest::newRow("more lines") << Signature + "more\n";
-    QTest::newRow("endless") << "untrusted comment: " + QByteArray(4096, 'x') +
-                                    Signature.mid(Signature.indexOf('\n'));
-    QTest::newRow("a comment of others")
-        << QByteArray(Signature).replace(Comment.ToText(), "timestamp:1");
+    AddRow("nothing", QByteArray());
+    AddRow("a page", QByteArray("<html>\n<body>\nNot found\n</html>\n"));
+    AddRow("cut short", Signature.left(Signature.size() / 2));
+    AddRow("without the last line", lines.mid(0, 3).join('\n') + '\n');
+    AddRow("cut in its last line", joined(lines[1], lines[3].left(40)));
+    AddRow("no base64", joined('!' + lines[1].mid(1), lines[3]));
+    AddRow("more lines", Signature + "more\n");
+    AddRow("endless",
+           "untrusted comment: " + QByteArray(4096, 'x') + Signature.mid(Signature.indexOf('\n')));
+    AddRow("a comment of others", QByteArray(Signature).replace(Comment.ToText(), "timestamp:1"));
 }
 
 void SignatureTest::WhatIsNoSignatureFileIsMalformed()

@@ -21,10 +21,7 @@ private Q_SLOTS:
     void APublicKeyIsOneLineOrAFile();
     void OthersAreNoPublicKey_data();
     void OthersAreNoPublicKey();
-    void ASecretKeyIsItsOwnersAlone();
-    void AKeyIsNeverReplaced();
     void OnlyTheRightPasswordOpensIt();
-    void WithoutAPasswordNoneIsAskedFor();
     void DamagedFilesAreRefused_data();
     void DamagedFilesAreRefused();
     void MinisignTakesOurKeys_data();
@@ -89,20 +86,6 @@ void SigningKeysTest::OthersAreNoPublicKey()
     QVERIFY(!PublicKey::FromText(Text));
 }
 
-void SigningKeysTest::ASecretKeyIsItsOwnersAlone()
-{
-    SecretKey const key = SecretKey::Create();
-    key.Save(At("key"), {});
-    QCOMPARE(ModeOf(At("key")), 0600);
-}
-
-void SigningKeysTest::AKeyIsNeverReplaced()
-{
-    QVERIFY(WriteFile(At("key"), "mine"));
-    QVERIFY_EXCEPTION_THROWN(SecretKey::Create().Save(At("key"), {}), KeyFailure);
-    QCOMPARE(ReadFile(At("key")), QByteArray("mine"));
-}
-
 void SigningKeysTest::OnlyTheRightPasswordOpensIt()
 {
     SecretKey const key = SecretKey::Create();
@@ -111,14 +94,6 @@ void SigningKeysTest::OnlyTheRightPasswordOpensIt()
     QVERIFY(SecretKey::Load(At("key"), "secret").Public() == key.Public());
     QCOMPARE(FailureOfLoading(At("key"), "Secret"), QByteArray("the password is wrong"));
     QCOMPARE(FailureOfLoading(At("key")), QByteArray("the password is wrong"));
-}
-
-void SigningKeysTest::WithoutAPasswordNoneIsAskedFor()
-{
-    SecretKey const key = SecretKey::Create();
-    key.Save(At("key"), {});
-    QVERIFY(!SecretKey::NeedsPassword(At("key")));
-    QVERIFY(SecretKey::Load(At("key"), {}).Public() == key.Public());
 }
 
 void SigningKeysTest::DamagedFilesAreRefused_data()

@@ -71,19 +71,19 @@ void TrustedCommentTest::OthersAreNone_data()
     QTest::addColumn<QByteArray>("Part");
     QTest::addColumn<QByteArray>("Instead");
 
-    QTest::newRow("another kind") << QByteArray("varnholt 1") << QByteArray("varnholt 2");
-    QTest::newRow("unknown document") << QByteArray("version") << QByteArray("licence");
-    QTest::newRow("no game") << QByteArray("game=pelmora ") << QByteArray();
-    QTest::newRow("two blanks") << QByteArray(" game") << QByteArray("  game");
-    QTest::newRow("another order")
-        << QByteArray("game=pelmora platform=mac") << QByteArray("platform=mac game=pelmora");
-    QTest::newRow("unknown channel") << QByteArray("live") << QByteArray("beta");
-    QTest::newRow("no number") << QByteArray("=7") << QByteArray("=-7");
-    QTest::newRow("a number too great") << QByteArray("=7") << QByteArray("=18446744073709551616");
-    QTest::newRow("local time") << QByteArray("00Z") << QByteArray("00");
-    QTest::newRow("no such day") << QByteArray("11-22") << QByteArray("11-31");
-    QTest::newRow("no time") << QByteArray(" time=2026-11-22T10:00:00Z") << QByteArray();
-    QTest::newRow("a strange end") << QByteArray("00Z") << QByteArray("00Z expires=never");
+    AddRow("another kind", QByteArray("varnholt 1"), QByteArray("varnholt 2"));
+    AddRow("unknown document", QByteArray("version"), QByteArray("licence"));
+    AddRow("no game", QByteArray("game=pelmora "), QByteArray());
+    AddRow("two blanks", QByteArray(" game"), QByteArray("  game"));
+    AddRow("another order", QByteArray("game=pelmora platform=mac"),
+           QByteArray("platform=mac game=pelmora"));
+    AddRow("unknown channel", QByteArray("live"), QByteArray("beta"));
+    AddRow("no number", QByteArray("=7"), QByteArray("=-7"));
+    AddRow("a number too great", QByteArray("=7"), QByteArray("=18446744073709551616"));
+    AddRow("local time", QByteArray("00Z"), QByteArray("00"));
+    AddRow("no such day", QByteArray("11-22"), QByteArray("11-31"));
+    AddRow("no time", QByteArray(" time=2026-11-22T10:00:00Z"), QByteArray());
+    AddRow("a strange end", QByteArray("00Z"), QByteArray("00Z expires=never"));
 }
 
 void TrustedCommentTest::OthersAreNone()
