@@ -52,12 +52,14 @@ void LoginDialog::Build()
     PasswordLabel = DialogParts::AddField(*form, *Password);
     Remember = new QCheckBox(this);
     form->addRow(Remember);
+    Forget = new QPushButton(this); // not beside the others: four have no room in large letters
+    Forget->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    form->addRow(Forget);
     body.addLayout(form);
     body.addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Play = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     Without = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
-    Forget = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
     Cancel = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     Without->setAutoDefault(false);
     Forget->setAutoDefault(false);
