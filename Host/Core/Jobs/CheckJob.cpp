@@ -1,8 +1,16 @@
 #include "Host/Core/Jobs/CheckJob.hpp"
 
 #include "Host/Core/Folder/GameVolumes.hpp"
+#include "Host/Core/Jobs/JobTable.hpp"
+#include "Launcher/Helper/Paths.hpp"
+
+#include <QFileInfo>
+
+#include <algorithm>
 
 namespace Varnholt::Host {
+
+JobMaker const MakeCheckJob = MakeJob<CheckJob>;
 
 bool CheckJob::LooksAtEveryFile() const
 {
@@ -12,49 +20,75 @@ bool CheckJob::LooksAtEveryFile() const
 
 void CheckJob::Judge()
 {
-    if (IsFromCopies()) // nobody is asked
-        return Conclude();
-    Survey = std::make_unique<SizeSurvey>(Result.Findings, Context.Door, Where(),
-                                          Context.Options.StallMilliseconds);
+    AsksSizes = !IsFromCopies(); // otherwise nobody is asked
+    if (!AsksSizes) {
+        MeasureSpace();
+        return Tell();
+    }
+    std::vector<Gateway::PlannedFile> asked;
+    for (FileFinding const& finding : Result.Findings) {
+        Gateway::PlannedFile file;
+        file.Path = Context.Door.PathOf(finding.Location);
+        file.OfDefaultServer = finding.IsDefaultServerOnly;
+        asked.push_back(file);
+    }
+    Context.Door->AskSizes(asked);
+    SinceAnswer.start();
 }
 
 void CheckJob::Work()
 {
-    if (!Survey)
+    if (!AsksSizes)
         return InspectionJob::Work();
-    if (!Survey->Look())
+    if (AwaitsSizes())
         return;
-    Result.Findings = Survey->Findings();
-    Conclude();
+    LearnSizes();
+    MeasureSpace();
+    Tell();
+}
+
+bool CheckJob::AwaitsSizes()
+{
+    auto const snapshot = Context.Door->Snapshot();
+    if (snapshot.SizesKnown != Answered)
+        SinceAnswer.start();
+    Answered = snapshot.SizesKnown;
+    return Answered != Result.Findings.size() && !snapshot.GaveUp &&
+           !SinceAnswer.hasExpired(Context.Options.StallMilliseconds);
+}
+
+/// Of the beginning of a file that lies there nothing is fetched again.
+void CheckJob::LearnSizes()
+{
+    for (FileFinding& finding : Result.Findings)
+        if (auto const size = Context.Door.SizeOf(finding.Location)) {
+            QString const part = Launcher::Helper::Paths::PartFile(Where() + finding.Path);
+            finding.Bytes =
+                std::max<qint64>(0, static_cast<qint64>(*size) - QFileInfo(part).size());
+        }
 }
 
 /// Goes on with the sizes that are known.
 void CheckJob::OnGaveUp(Failure const& p_Failure)
 {
-    if (!Survey)
+    if (!AsksSizes)
         InspectionJob::OnGaveUp(p_Failure);
 }
 
 RunPhase CheckJob::Phase() const
 {
-    return Survey ? RunPhase::AskingSizes : InspectionJob::Phase();
+    return AsksSizes ? RunPhase::AskingSizes : InspectionJob::Phase();
 }
 
 RunSnapshot CheckJob::Look()
 {
-    if (!Survey)
+    if (!AsksSizes)
         return InspectionJob::Look();
     RunSnapshot snapshot;
     snapshot.Phase = Phase();
-    snapshot.FileNumber = Survey->Answered();
-    snapshot.FileCount = static_cast<quint32>(Survey->Findings().size());
+    snapshot.FileNumber = Answered;
+    snapshot.FileCount = static_cast<quint32>(Result.Findings.size());
     return snapshot;
-}
-
-void CheckJob::Conclude()
-{
-    MeasureSpace();
-    Tell();
 }
 
 void CheckJob::MeasureSpace()

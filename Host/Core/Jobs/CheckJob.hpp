@@ -1,13 +1,12 @@
 #pragma once
 
 #include "Host/Core/Jobs/InspectionJob.hpp"
-#include "Host/Core/Jobs/SizeSurvey.hpp"
 
-#include <memory>
+#include <QElapsedTimer>
 
 namespace Varnholt::Host {
 
-/// Finds out what an update would fetch.
+/// Finds out what an update would fetch, and asks servers how much that is.
 class CheckJob : public InspectionJob {
 public:
     using InspectionJob::InspectionJob;
@@ -27,9 +26,12 @@ protected:
     void MeasureSpace();
 
 private:
-    void Conclude();
+    bool AwaitsSizes();
+    void LearnSizes();
 
-    std::unique_ptr<SizeSurvey> Survey;
+    bool AsksSizes = false;
+    QElapsedTimer SinceAnswer;
+    quint32 Answered = 0; ///< findings, with a size or without
 };
 
 } // namespace Varnholt::Host

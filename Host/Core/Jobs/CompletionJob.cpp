@@ -41,7 +41,7 @@ void CompletionJob::AbortRepair()
     Context.Module.AbortRepair();
 }
 
-void CompletionJob::BeforePump()
+void CompletionJob::BeforeQueue()
 {
     if (IsOver() || !IsWorking() || Examined)
         return;
@@ -54,7 +54,7 @@ void CompletionJob::BeforePump()
 }
 
 /// Between two files of a paused run the next one must not begin.
-bool CompletionJob::HoldsPump() const
+bool CompletionJob::HoldsQueue() const
 {
     return Context.Gate.IsHeld() && IsDownloading(Reader.Phase()) && !Context.View.HasTransfer();
 }
@@ -166,7 +166,7 @@ void CompletionJob::Verify()
     if (missing.empty() && Context.View.Restarts() < c_ModuleRestarts)
         return Complete();
     if (missing.empty()) { // a file that was given up may still have its old content
-        Examined = std::make_unique<Examination>(Context, Folder(), true);
+        Examined = Inspection::Begin(Context, Folder(), true);
         return;
     }
     // The module has one budget of repetitions for all files: one bad file takes it from the rest.

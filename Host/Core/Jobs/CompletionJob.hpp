@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Host/Core/Jobs/Examination.hpp"
 #include "Host/Core/Jobs/FaultWatch.hpp"
+#include "Host/Core/Jobs/Inspection.hpp"
 #include "Host/Core/Jobs/Job.hpp"
 #include "Host/Core/Network/DownloadPlan.hpp"
 
@@ -23,8 +23,8 @@ class CompletionJob : public Job {
 public:
     using Job::Job;
 
-    void BeforePump() override;
-    bool HoldsPump() const override;
+    void BeforeQueue() override;
+    bool HoldsQueue() const override;
     void Pause() override;
     void Continue() override;
 
@@ -58,7 +58,7 @@ private:
 
     DownloadPlan Plan{Context.View, Context.Door};
     FaultWatch Faults{Context, Reader};
-    std::unique_ptr<Examination> Examined;
+    std::shared_ptr<Inspection> Examined;
     bool Paused = false;
     bool WantsEveryFile = false;
     std::size_t LastMissing = std::numeric_limits<std::size_t>::max();

@@ -41,7 +41,7 @@ void Job::Begin()
     Start();
 }
 
-void Job::AfterPump()
+void Job::AfterQueue()
 {
     if (!Over && Context.Gate.IsInterrupted())
         Interrupt();

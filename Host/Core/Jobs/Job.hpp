@@ -43,7 +43,6 @@ class Job : public QObject {
 public:
     /// What is to be known of a job beforehand; none or several.
     enum Trait : unsigned {
-        Plain = 0,
         NeedsServers = 1, ///< it is refused offline
         UsesCopies = 2,   ///< what is kept of a build does when the servers fail
         IsPreview = 4,    ///< the module shall see no installation, see `RunGate`
@@ -57,11 +56,11 @@ public:
     void Begin();
     bool Is(Trait p_Trait) const { return (Traits & p_Trait) != 0; }
     /// Called in each turn before the module's closures are run.
-    virtual void BeforePump() {}
+    virtual void BeforeQueue() {}
     /// Called in each turn after the module's closures were run.
-    void AfterPump();
+    void AfterQueue();
     /// True when the module's closures must not be run.
-    virtual bool HoldsPump() const { return false; }
+    virtual bool HoldsQueue() const { return false; }
 
     /// Stops the transfer in flight, or else the next one, until `Continue`.
     virtual void Pause() {}
@@ -129,6 +128,9 @@ protected:
     bool IsFromCopies() const { return UsesKept; }
     OfflineCopies::Documents const& KeptDocuments() const { return Kept; }
     Failure NothingKept() const;
+    /// Why the run learns of no build from a version file; it does when there is no reason.
+    /// \param[out] p_Build that the file names
+    std::optional<Failure> ReadBuild(std::string const& p_VersionFile, QString& p_Build) const;
     QString VersionFile() const;
     QString ManifestFile(QString const& p_Build) const;
     /// Of the run's documents; null when every one is believed.
@@ -136,6 +138,8 @@ protected:
     /// The latest thing that went wrong on the network.
     Failure LatestFailure() const;
     void NoticeRealmList();
+    /// Asks a server one question past the module. \param p_OnReply not called once the job is over
+    void Ask(Gateway::Question p_Question, std::function<void(Gateway::Reply const&)> p_OnReply);
 
     RunContext Context;
     RunRequest Request;
@@ -178,5 +182,15 @@ private:
     RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;
 };
+
+/// Makes a job of one kind.
+using JobMaker = std::unique_ptr<Job> (*)(RunContext const&, RunRequest const&, unsigned p_Traits);
+
+template <typename Which>
+std::unique_ptr<Job> MakeJob(RunContext const& p_Context, RunRequest const& p_Request,
+                             unsigned p_Traits)
+{
+    return std::make_unique<Which>(p_Context, p_Request, p_Traits);
+}
 
 } // namespace Varnholt::Host

@@ -1,7 +1,7 @@
 #include "Host/Core/Jobs/Job.hpp"
 
-#include "Host/Core/Jobs/VersionText.hpp"
 #include "Host/Core/Network/FetchFailure.hpp"
+#include "Launcher/Application/RemoteText.hpp"
 
 namespace Varnholt::Host {
 
@@ -90,12 +90,24 @@ Failure Job::StartUpFailure() const
         return ExplainFetch(*problem);
     if (version == documents.end())
         return UsesKept ? NothingKept() : LatestFailure();
-    auto const build = VersionText::BuildIn(version->second);
-    if (auto const fault = VersionText::FaultOf(build, door.UrlOf(VersionFile())))
-        return *fault;
-    if (auto const problem = door.ProblemOf(ManifestFile(*build)))
+    QString build;
+    if (auto const failure = ReadBuild(version->second, build))
+        return *failure;
+    if (auto const problem = door.ProblemOf(ManifestFile(build)))
         return ExplainFetch(*problem);
-    return DamagedDocument(door.UrlOf(ManifestFile(*build)));
+    return DamagedDocument(door.UrlOf(ManifestFile(build)));
+}
+
+std::optional<Failure> Job::ReadBuild(std::string const& p_VersionFile, QString& p_Build) const
+{
+    auto const version = Launcher::RemoteText::ObjectOf(QByteArray::fromStdString(p_VersionFile));
+    QString const url = Context.Door.UrlOf(VersionFile());
+    if (!version)
+        return DamagedDocument(url);
+    p_Build = (*version)[QLatin1String("build")].toString();
+    if (!p_Build.isEmpty())
+        return std::nullopt;
+    return Failure{FailureKind::ContentInvalid, url, tr("it names no build")};
 }
 
 Failure Job::NothingKept() const
@@ -146,6 +158,15 @@ void Job::NoticeRealmList()
         return; // told already
     if (auto const problem = Context.Door.ProblemOf(QStringLiteral("realmlist.info")))
         NoticeOnce({NoticeKind::RealmListKept, ExplainFetch(*problem).Sentence()});
+}
+
+void Job::Ask(Gateway::Question p_Question, std::function<void(Gateway::Reply const&)> p_OnReply)
+{
+    Context.Door.Ask(std::move(p_Question), *this,
+                     [this, onReply = std::move(p_OnReply)](Gateway::Reply const& p_Reply) {
+                         if (!Over)
+                             onReply(p_Reply);
+                     });
 }
 
 Failure Job::LatestFailure() const

@@ -1,57 +1,76 @@
-#include "Host/Core/Jobs/PlayJob.hpp"
+#include "Host/Core/Jobs/GameStart.hpp"
+#include "Host/Core/Jobs/JobTable.hpp"
 
 namespace Varnholt::Host {
 
-std::optional<Failure> PlayJob::Prepare()
-{
-    if (auto failure = GameFailure())
-        return failure;
-    if (Context.Trust.IsOn() && !Context.Trust.IsGameVerified())
-        return Failure{FailureKind::GameUnverified, Folder(), {}};
-    return LockFolder(Folder());
-}
+namespace {
 
-void PlayJob::OnBuildKnown()
-{
-    if (!CanUseBuild())
-        return;
-    // The comparison that each start-up begins ends without looking at any file.
-    Settle([this] { Play(); });
-}
+/// Starts the game, logged in when account and password are given.
+class PlayJob : public Job {
+public:
+    using Job::Job;
 
-void PlayJob::Play()
-{
-    Starter = std::make_unique<GameStart>(Context, Request,
-                                          [this](Notice const& p_Notice) { NoticeOnce(p_Notice); });
-    if (auto const failure = Starter->Begin())
-        return Fail(*failure);
-    Result.ProcessId = Starter->ProcessId();
-    Result.OutputFile = Starter->OutputFile();
-}
-
-void PlayJob::Work()
-{
-    if (!Starter || !Starter->IsSettled())
-        return;
-    if (auto const failure = Starter->Outcome())
-        return Fail(*failure);
-    Context.Games.Take(Starter->TakeProcess());
-    NoticeRealmList();
-    Finish();
-}
-
-RunPhase PlayJob::Phase() const
-{
-    return Starter ? RunPhase::StartingGame : RunPhase::Connecting;
-}
-
-void PlayJob::Interrupt()
-{
-    if (Starter && Result.ProcessId != 0) {
-        NoticeOnce({NoticeKind::GameGoesOn});
-        Context.Games.Take(Starter->TakeProcess());
+    void Interrupt() override
+    {
+        if (Starter && Result.ProcessId != 0) {
+            NoticeOnce({NoticeKind::GameGoesOn});
+            Context.Games.Take(Starter->TakeProcess());
+        }
+        Job::Interrupt();
     }
-    Job::Interrupt();
-}
+
+protected:
+    std::optional<Failure> Prepare() override
+    {
+        if (auto failure = GameFailure())
+            return failure;
+        if (Context.Trust.IsOn() && !Context.Trust.IsGameVerified())
+            return Failure{FailureKind::GameUnverified, Folder(), {}};
+        return LockFolder(Folder());
+    }
+
+    void OnBuildKnown() override
+    {
+        if (!CanUseBuild())
+            return;
+        // The comparison that each start-up begins ends without looking at any file.
+        Settle([this] { Play(); });
+    }
+
+    void Work() override
+    {
+        if (!Starter || !Starter->IsSettled())
+            return;
+        if (auto const failure = Starter->Outcome())
+            return Fail(*failure);
+        Context.Games.Take(Starter->TakeProcess());
+        NoticeRealmList();
+        Finish();
+    }
+
+    RunPhase Phase() const override
+    {
+        return Starter ? RunPhase::StartingGame : RunPhase::Connecting;
+    }
+
+    void Release() override { Starter.reset(); }
+
+private:
+    void Play()
+    {
+        Starter = std::make_unique<GameStart>(
+            Context, Request, [this](Notice const& p_Notice) { NoticeOnce(p_Notice); });
+        if (auto const failure = Starter->Begin())
+            return Fail(*failure);
+        Result.ProcessId = Starter->ProcessId();
+        Result.OutputFile = Starter->OutputFile();
+    }
+
+    std::unique_ptr<GameStart> Starter;
+};
+
+} // namespace
+
+JobMaker const MakePlayJob = MakeJob<PlayJob>;
 
 } // namespace Varnholt::Host

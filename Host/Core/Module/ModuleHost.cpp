@@ -2,7 +2,6 @@
 
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/Jobs/JobTable.hpp"
-#include "Host/Core/Module/HostCallbacks.hpp"
 #include "Host/Core/Session/RunFollower.hpp"
 
 #include <QDir>
@@ -100,13 +99,12 @@ void ModuleHost::Assemble()
         Settings, module.AppId, Options.TrustKey.isEmpty() ? Info.TrustKey : Options.TrustKey,
         Options.UseDevChannel);
     Info.TrustKey = Trust->KeyText();
-    Pump = std::make_unique<QueuePump>(module);
     Worker = std::make_unique<AsyncWorker>(module);
     Ledger = std::make_unique<TransferLedger>(
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
     // The next file need not wait for the turn timer.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
-    Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
+    Watch = std::make_unique<RunWatch>(*View, *Worker, *Ledger);
     Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, *Trust,
                                                       Gate, *Door, Copies, *Ledger, *Watch, Games});
 
@@ -151,10 +149,10 @@ void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
         return Refuse(p_Id, {FailureKind::ModuleNotLoaded, ModuleFile(), {}});
     if (Current)
         return Refuse(p_Id, {FailureKind::SessionBusy, Info.Name, {}});
-    PumpHeld = false;
+    QueueHeld = false;
     Gate.Begin();
     CurrentId = p_Id;
-    Current = JobTable::Make(*Context, p_Request);
+    Current = MakeJobFor(*Context, p_Request);
     connect(Current.get(), &Job::Progressed, this, &ModuleHost::Progressed);
     connect(Current.get(), &Job::Noticed, this, &ModuleHost::Noticed);
     connect(Current.get(), &Job::Ended, this, &ModuleHost::OnEnded);
@@ -174,7 +172,7 @@ void ModuleHost::Refuse(quint64 p_Id, Failure const& p_Failure)
 /// Called by the job itself, which goes when that has returned.
 void ModuleHost::OnEnded(RunResult const& p_Result)
 {
-    PumpHeld = p_Result.Problem.has_value();
+    QueueHeld = p_Result.Problem.has_value();
     Current.release()->deleteLater();
     Q_EMIT Ended(CurrentId, p_Result);
 }
@@ -225,11 +223,11 @@ void ModuleHost::Turn()
     if (Closing)
         return CloseWhenRested();
     if (Current)
-        Current->BeforePump();
-    if (!PumpHeld && !(Current && Current->HoldsPump()))
-        Pump->Drain();
+        Current->BeforeQueue();
+    if (!QueueHeld && !(Current && Current->HoldsQueue()))
+        View->RunQueue();
     if (Current)
-        Current->AfterPump();
+        Current->AfterQueue();
     Games.Look();
 }
 
@@ -270,7 +268,6 @@ void ModuleHost::FinishClose()
     if (Worker)
         Worker->Stop();
     HostCallbacks::Remove(Environment);
-    Pump.reset();
     if (IsLoaded()) {
         Loader.Application()->OnDownloadRetired = nullptr;
         Ledger.reset();

@@ -2,10 +2,9 @@
 
 #include "Host/Core/Jobs/Job.hpp"
 #include "Host/Core/Module/AsyncWorker.hpp"
-#include "Host/Core/Module/HostEnvironment.hpp"
+#include "Host/Core/Module/HostCallbacks.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
 #include "Host/Core/Module/ModuleLoader.hpp"
-#include "Host/Core/Module/QueuePump.hpp"
 #include "Host/Core/Module/RunWatch.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
@@ -23,7 +22,7 @@
 
 namespace Varnholt::Host {
 
-/// Everything that lives on the module thread: the module's object, the pump of its closures, and
+/// Everything that lives on the module thread: the module's object, the thread of its closures, and
 /// what watches it. `HostSession` is what programs use.
 class ModuleHost : public QObject {
     Q_OBJECT
@@ -90,7 +89,6 @@ private:
     ModuleInfo Info;
     std::unique_ptr<InstallRecord> Record;
     std::unique_ptr<TrustRecord> Trust;
-    std::unique_ptr<QueuePump> Pump;
     std::unique_ptr<AsyncWorker> Worker;
     std::unique_ptr<TransferLedger> Ledger;
     std::unique_ptr<RunWatch> Watch;
@@ -99,7 +97,7 @@ private:
     std::unique_ptr<Job> Current; ///< null between two runs
     quint64 CurrentId = 0;
     /// What a run that failed has queued must not begin behind the user's back.
-    bool PumpHeld = false;
+    bool QueueHeld = false;
 };
 
 } // namespace Varnholt::Host

@@ -2,10 +2,9 @@
 
 namespace Varnholt::Host {
 
-RunWatch::RunWatch(ModuleView const& p_View, QueuePump const& p_Pump, AsyncWorker const& p_Worker,
+RunWatch::RunWatch(ModuleView const& p_View, AsyncWorker const& p_Worker,
                    TransferLedger const& p_Ledger)
     : View(p_View)
-    , Pump(p_Pump)
     , Worker(p_Worker)
     , Ledger(p_Ledger)
 {
@@ -22,7 +21,7 @@ bool RunWatch::Observe()
 bool RunWatch::IsQuiet() const
 {
     // The worker first: once it rests, only this thread can give it something to do.
-    return Worker.IsIdle() && Pump.IsEmpty() && !View.HasTransfer() && Ledger.IsEmpty() &&
+    return Worker.IsIdle() && View.IsQueueEmpty() && !View.HasTransfer() && Ledger.IsEmpty() &&
            !View.AwaitsReply();
 }
 

@@ -2,7 +2,6 @@
 
 #include "Host/Core/Module/AsyncWorker.hpp"
 #include "Host/Core/Module/ModuleView.hpp"
-#include "Host/Core/Module/QueuePump.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
 
 namespace Varnholt::Host {
@@ -11,8 +10,7 @@ namespace Varnholt::Host {
 /// server gave no answer, or a file could not be opened. Module thread.
 class RunWatch {
 public:
-    RunWatch(ModuleView const& p_View, QueuePump const& p_Pump, AsyncWorker const& p_Worker,
-             TransferLedger const& p_Ledger);
+    RunWatch(ModuleView const& p_View, AsyncWorker const& p_Worker, TransferLedger const& p_Ledger);
 
     /// Called once in each turn of the event loop. \return true when nothing has been queued,
     /// running or in flight for two turns: what one turn has finished may still have posted work
@@ -23,7 +21,6 @@ private:
     bool IsQuiet() const;
 
     ModuleView const& View;
-    QueuePump const& Pump;
     AsyncWorker const& Worker;
     TransferLedger const& Ledger;
     int QuietTurns = 0;

@@ -742,6 +742,10 @@
 <context>
     <name>Varnholt::Host::Job</name>
     <message>
+        <source>it names no build</source>
+        <translation>no nombra ninguna versión</translation>
+    </message>
+    <message>
         <source>this command asks servers</source>
         <translation>esta orden pregunta a servidores</translation>
     </message>
@@ -829,7 +833,7 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::MirrorCheck</name>
+    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>its manifest is not the default server&apos;s</source>
         <translation>su manifiesto no es el del servidor principal</translation>
@@ -838,9 +842,6 @@
         <source>it answers a range with status %1</source>
         <translation>responde a un rango con el estado %1</translation>
     </message>
-</context>
-<context>
-    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>%1 of %2</source>
         <translation>%1 de %2</translation>
@@ -1730,13 +1731,6 @@
     <message>
         <source> and %1 more</source>
         <translation> y %1 más</translation>
-    </message>
-</context>
-<context>
-    <name>Varnholt::Host::VersionText</name>
-    <message>
-        <source>it names no build</source>
-        <translation>no nombra ninguna versión</translation>
     </message>
 </context>
 <context>

@@ -742,6 +742,10 @@
 <context>
     <name>Varnholt::Host::Job</name>
     <message>
+        <source>it names no build</source>
+        <translation>elle n&apos;indique aucune version</translation>
+    </message>
+    <message>
         <source>this command asks servers</source>
         <translation>cette commande interroge des serveurs</translation>
     </message>
@@ -829,7 +833,7 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::MirrorCheck</name>
+    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>its manifest is not the default server&apos;s</source>
         <translation>son manifeste n&apos;est pas celui du serveur principal</translation>
@@ -838,9 +842,6 @@
         <source>it answers a range with status %1</source>
         <translation>il répond à une plage par le statut %1</translation>
     </message>
-</context>
-<context>
-    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>%1 of %2</source>
         <translation>%1 sur %2</translation>
@@ -1730,13 +1731,6 @@
     <message>
         <source> and %1 more</source>
         <translation> et %1 autres</translation>
-    </message>
-</context>
-<context>
-    <name>Varnholt::Host::VersionText</name>
-    <message>
-        <source>it names no build</source>
-        <translation>elle n&apos;indique aucune version</translation>
     </message>
 </context>
 <context>
