@@ -56,7 +56,7 @@ TimePoint Exchange::Turn()
         for (auto const& row : DocumentsByPath)
             if (!row.second->IsDone && row.second->Transfer == 0 && !CopiesProblem && !GaveUp)
                 next = std::min(next, row.second->NotBefore);
-        if (IsRunning && !Paused && !GaveUp && From != Gateway::Source::Copies) {
+        if (IsRunning && !Paused && !GaveUp && From != Source::Copies) {
             StartFiles(now);
             StartQueries(now);
             next = std::min(next, Board.NextTrial(now));
@@ -75,8 +75,7 @@ TimePoint Exchange::Turn()
     return next;
 }
 
-void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
-                        std::shared_ptr<DocumentJudge> p_Trust)
+void Exchange::BeginRun(Source p_Source, Documents p_Copies, std::shared_ptr<DocumentJudge> p_Trust)
 {
     Lock const lock(Guard);
     Forget();
@@ -86,11 +85,10 @@ void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
     bool const areUsable = std::any_of(p_Copies.begin(), p_Copies.end(), [](auto const& p_Row) {
         return p_Row.first.find("/version") != std::string::npos;
     });
-    From = !areUsable && p_Source == Gateway::Source::ServerOrCopies ? Gateway::Source::Server
-                                                                     : p_Source;
+    From = !areUsable && p_Source == Source::ServerOrCopies ? Source::Server : p_Source;
     Copies = std::move(p_Copies);
     CopiesFrom = {};
-    if (From == Gateway::Source::Copies)
+    if (From == Source::Copies)
         TurnToCopies({FetchProblem::Type::Silent, Options.ContentServer, "nobody is asked", 0});
     Loop.Wake();
 }
@@ -217,10 +215,10 @@ std::optional<FetchProblem> Exchange::LatestProblem() const
     return Latest;
 }
 
-Gateway::Documents Exchange::Fetched() const
+Exchange::Documents Exchange::Fetched() const
 {
     Lock const lock(Guard);
-    Gateway::Documents documents;
+    Documents documents;
     for (auto const& row : FetchedDocuments)
         documents.emplace(row.first, *row.second);
     return documents;

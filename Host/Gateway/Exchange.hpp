@@ -32,7 +32,7 @@ namespace Varnholt::Gateway {
 ///
 /// `Turn` is called by the transfer thread again and again; only there transfers begin and are
 /// cancelled. What they bring comes in by the On… operations.
-class Exchange {
+class Exchange : public Gateway {
 public:
     /// A client that reads a file from an offset to its end.
     struct Reader {
@@ -53,30 +53,29 @@ public:
     };
 
     explicit Exchange(GatewayOptions const& p_Options);
-    ~Exchange();
+    ~Exchange() override;
     /// \param p_Name what clients get as the list of mirrors
     void Begin(std::string const& p_Name);
     /// Lets all that wait go, for good.
     void Close();
 
     // As the gateway has them.
-    void BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
-                  std::shared_ptr<DocumentJudge> p_Trust);
-    void EndRun();
-    void Want(std::string const& p_Path);
-    Gateway::Documents Fetched() const;
-    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst);
-    void AskSizes(std::vector<PlannedFile> const& p_Files);
-    std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const;
-    std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const;
-    std::optional<FetchProblem> LatestProblem() const;
-    void Reject(std::string const& p_Path);
-    void SetPaused(bool p_Paused);
-    void SetRateLimit(std::uint64_t p_BytesPerSecond);
-    void SetConnections(int p_Connections);
-    GatewaySnapshot Snapshot() const;
-    std::vector<std::string> Servers() const;
-    void Ask(Question p_Question, std::function<void(Reply)> p_OnReply);
+    void BeginRun(Source p_Source, Documents p_Copies,
+                  std::shared_ptr<DocumentJudge> p_Trust) override;
+    void EndRun() override;
+    void Want(std::string const& p_Path) override;
+    Documents Fetched() const override;
+    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst) override;
+    void AskSizes(std::vector<PlannedFile> const& p_Files) override;
+    std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const override;
+    std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const override;
+    std::optional<FetchProblem> LatestProblem() const override;
+    void Reject(std::string const& p_Path) override;
+    void SetRateLimit(std::uint64_t p_BytesPerSecond) override;
+    void SetConnections(int p_Connections) override;
+    GatewaySnapshot Snapshot() const override;
+    std::vector<std::string> Servers() const override;
+    void Ask(Question p_Question, std::function<void(Reply)> p_OnReply) override;
 
     // For clients of the door, on their threads.
     DocumentAnswer FetchDocument(std::string const& p_Path);
@@ -87,10 +86,12 @@ public:
     /// Waits a moment when there is nothing.
     Given Next(Reader& p_Reader, FileContent::Bytes& p_Bytes);
 
+protected:
+    void SetPaused(bool p_Paused) override;
+
 private:
     using Lock = std::unique_lock<std::mutex>;
     using File = std::shared_ptr<FileContent>;
-    using TransferPointer = std::shared_ptr<FileTransfer>;
 
     TimePoint Turn();
     void Forget();
@@ -181,8 +182,8 @@ private:
     // Of the run.
     std::uint64_t Run = 0;
     bool IsRunning = false;
-    Gateway::Source From = Gateway::Source::Server;
-    Gateway::Documents Copies;
+    Source From = Source::Server;
+    Documents Copies;
     std::shared_ptr<DocumentJudge> Trust; ///< null: every document is believed
     std::map<std::string, std::shared_ptr<std::string const>> FetchedDocuments;
     std::optional<FetchProblem> CopiesProblem;

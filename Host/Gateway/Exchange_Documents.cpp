@@ -20,7 +20,7 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
         return {c_Unavailable, {}};
     if (CopiesProblem)
         return CopyOf(p_Path);
-    if (From == Gateway::Source::ServerOrCopies && CopiesFrom == TimePoint{})
+    if (From == Source::ServerOrCopies && CopiesFrom == TimePoint{})
         CopiesFrom = Clock::now() + Options.CopyDelay;
     std::shared_ptr<Document>& known = DocumentsByPath[p_Path];
     bool const isVerified = Trust && known && known->IsDone && !known->Problem;
@@ -29,7 +29,7 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
     std::shared_ptr<Document> const document = known;
     Loop.Wake();
     auto const isOver = [&] { return document->IsDone || CopiesProblem || IsOver(run); };
-    if (From != Gateway::Source::ServerOrCopies)
+    if (From != Source::ServerOrCopies)
         Changed.wait(lock, isOver);
     else if (!Changed.wait_until(lock, CopiesFrom, isOver))
         Finish(*document, document->Problem.value_or(FetchProblem{
@@ -40,7 +40,7 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
         GiveUp(*document->Problem);
         return {c_Unavailable, {}};
     }
-    bool const isMissed = From == Gateway::Source::ServerOrCopies && document->Problem;
+    bool const isMissed = From == Source::ServerOrCopies && document->Problem;
     if (isMissed && document->IsHostList() && Copies.count(p_Path) != 0)
         return CopyOf(p_Path);
     if (isMissed && !document->IsOptional() && !CopiesProblem)

@@ -17,7 +17,7 @@ Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefau
 
     Lock lock(Guard);
     std::uint64_t const run = Run;
-    if (!IsRunning || IsOver(run) || From == Gateway::Source::Copies)
+    if (!IsRunning || IsOver(run) || From == Source::Copies)
         return {c_Unavailable, std::nullopt};
     File const file = FileOf(p_Path, p_OfDefaultServer);
     if (file->Refusal &&
