@@ -46,11 +46,23 @@ void CompletionJob::BeforeQueue()
     if (IsOver() || !IsWorking() || Examined)
         return;
     // Before the module asks for the first file: the door fetches ahead.
-    Plan.Look(Folder());
+    LookAtPlan();
     if (auto const failure = Faults.LookAtRoom(Folder()))
         return Fail(*failure);
     if (Paused)
         Context.View.StopTransfer();
+}
+
+void CompletionJob::LookAtPlan()
+{
+    auto const mark = Context.View.Mark();
+    if (!mark || mark == Planned)
+        return;
+    Planned = mark;
+    std::vector<Gateway::PlannedFile> plan;
+    for (ModuleView::Entry const& entry : Context.View.Remaining())
+        plan.push_back(Context.Door.Planned(entry, Folder() + entry.Path));
+    Context.Door->Plan(plan, mark->AsksSizes);
 }
 
 /// Between two files of a paused run the next one must not begin.
@@ -89,8 +101,8 @@ void CompletionJob::Continue()
     Paused = false;
     Context.Gate.Release();
     if (IsWorking()) { // what has arrived until now is not to come again
-        Plan.Forget();
-        Plan.Look(Folder());
+        Planned.reset();
+        LookAtPlan();
     }
     Context.Door->Continue();
     Context.Watch.Reset();

@@ -3,7 +3,6 @@
 #include "Host/Core/Jobs/FaultWatch.hpp"
 #include "Host/Core/Jobs/Inspection.hpp"
 #include "Host/Core/Jobs/Job.hpp"
-#include "Host/Core/Network/DownloadPlan.hpp"
 
 #include <limits>
 #include <memory>
@@ -47,6 +46,9 @@ protected:
     void AbortRepair();
 
 private:
+    /// Tells the door which files the module is going to ask for, when that is another list than at
+    /// the look before.
+    void LookAtPlan();
     bool IsSuspended() const;
     void OnQuiet();
     void PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry);
@@ -56,9 +58,9 @@ private:
     /// Tells each of them in the result. \return what all of it comes down to
     Failure Explain(FaultWatch::Entries const& p_Missing);
 
-    DownloadPlan Plan{Context.View, Context.Door};
     FaultWatch Faults{Context, Reader};
     std::shared_ptr<Inspection> Examined;
+    std::optional<ModuleView::ListMark> Planned; ///< the list that the door knows
     bool Paused = false;
     bool WantsEveryFile = false;
     std::size_t LastMissing = std::numeric_limits<std::size_t>::max();
