@@ -59,6 +59,16 @@ QString StartSummary(RunResult const& p_Result, QString const& p_Name)
                : QStringLiteral("%1; its output goes to %2").arg(started, p_Result.OutputFile);
 }
 
+QStringList Languages(RunResult const& p_Result)
+{
+    QStringList lines;
+    for (auto const& locale : p_Result.Locales)
+        lines += QStringLiteral("%1 %2  %3")
+                     .arg(locale.Tag == p_Result.Locale ? QStringLiteral("*") : QStringLiteral(" "),
+                          locale.Tag, locale.Name);
+    return lines;
+}
+
 /// What a run that had to bring files has given up. Of a single one the failure tells all.
 QStringList GivenUp(std::vector<FileFinding> const& p_Findings)
 {
@@ -234,12 +244,7 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
     case RunRequest::Type::ListLocales:
         break;
     }
-    QStringList lines;
-    for (auto const& locale : p_Result.Locales)
-        lines += QStringLiteral("%1 %2  %3")
-                     .arg(locale.Tag == p_Result.Locale ? QStringLiteral("*") : QStringLiteral(" "),
-                          locale.Tag, locale.Name);
-    return lines;
+    return Languages(p_Result);
 }
 
 } // namespace Varnholt::Host::Reports

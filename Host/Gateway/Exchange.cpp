@@ -159,6 +159,40 @@ std::vector<Exchange::File> Exchange::FilesOf(std::vector<PlannedFile> const& p_
     return files;
 }
 
+std::shared_ptr<FileTransfer> Exchange::NewTransfer(File const& p_File,
+                                                    std::shared_ptr<Server> const& p_Server) const
+{
+    auto transfer = std::make_shared<FileTransfer>();
+    transfer->File = p_File;
+    transfer->From = p_Server;
+    transfer->Run = Run;
+    transfer->Url = p_Server->Address + p_File->Path;
+    return transfer;
+}
+
+void Exchange::Start(std::shared_ptr<FileTransfer> const& p_Transfer, TransferRequest p_Request,
+                     bool (Exchange::*p_OnHead)(FileTransfer&, AnswerHead const&),
+                     std::function<Take(char const*, std::size_t)> p_OnBytes,
+                     void (Exchange::*p_OnEnd)(FileTransfer&, std::optional<FetchProblem> const&))
+{
+    p_Request.Url = p_Transfer->Url;
+    p_Request.OfContentServer = p_Transfer->From->IsDefault;
+    TransferEvents events;
+    events.OnHead = [this, p_Transfer, p_OnHead](AnswerHead const& p_Head) {
+        Lock const lock(Guard);
+        return p_Transfer->Run == Run && (this->*p_OnHead)(*p_Transfer, p_Head);
+    };
+    events.OnBytes = std::move(p_OnBytes);
+    events.OnEnd = [this, p_Transfer, p_OnEnd](std::optional<FetchProblem> const& p_Problem) {
+        Lock const lock(Guard);
+        UnderWay.erase(p_Transfer->Id);
+        if (p_Transfer->Run == Run)
+            (this->*p_OnEnd)(*p_Transfer, p_Problem);
+    };
+    p_Transfer->Id = Loop.Start(std::move(p_Request), std::move(events));
+    UnderWay.insert(p_Transfer->Id);
+}
+
 void Exchange::Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst)
 {
     Lock const lock(Guard);

@@ -103,6 +103,14 @@ private:
     }
     File FileOf(std::string const& p_Path, bool p_OfDefaultServer);
     std::vector<File> FilesOf(std::vector<PlannedFile> const& p_Files);
+    std::shared_ptr<FileTransfer> NewTransfer(File const& p_File,
+                                              std::shared_ptr<Server> const& p_Server) const;
+    /// Starts what has been filled in, and reports of it under the lock for as long as its run goes
+    /// on. \param p_OnBytes called without the lock
+    void Start(std::shared_ptr<FileTransfer> const& p_Transfer, TransferRequest p_Request,
+               bool (Exchange::*p_OnHead)(FileTransfer&, AnswerHead const&),
+               std::function<Take(char const*, std::size_t)> p_OnBytes,
+               void (Exchange::*p_OnEnd)(FileTransfer&, std::optional<FetchProblem> const&));
     void SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly);
     File Known(std::string const& p_Path) const;
 
@@ -110,6 +118,7 @@ private:
     std::shared_ptr<Document> NewDocument(std::string const& p_Path) const;
     void StartDocuments(TimePoint p_Now);
     void StartDocument(std::shared_ptr<Document> const& p_Document);
+    Take OnDocumentBytes(Document& p_Document, char const* p_Data, std::size_t p_Count);
     void OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem);
     void Finish(Document& p_Document, std::optional<FetchProblem> const& p_Problem);
     bool UseMirrors(std::string const& p_List);
@@ -135,6 +144,10 @@ private:
     bool LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size);
     void AskAgain(File const& p_File);
 
+    // _Readers
+    bool IsOver(Reader const& p_Reader) const;
+    bool IsServed(Reader const& p_Reader) const;
+
     // _Files
     void StartFiles(TimePoint p_Now);
     bool FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWaitedFor, TimePoint p_Now);
@@ -147,7 +160,7 @@ private:
     bool OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     bool OnBehindEnd(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     Take OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::size_t p_Count);
-    void OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p_Problem);
+    void OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> const& p_Problem);
     void NoteFailure(FileTransfer& p_Transfer, FetchProblem const& p_Problem);
     void Refuse(FileContent& p_File, Server& p_Server, FetchProblem const& p_Problem);
     ServerBoard::Filter Allowed(FileContent const& p_File) const;

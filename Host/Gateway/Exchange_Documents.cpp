@@ -125,21 +125,7 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
     };
     events.OnBytes = [this, p_Document](char const* p_Data, std::size_t p_Count) {
         Lock const lock(Guard);
-        TimePoint const now = Clock::now();
-        if (!Limit.MayTake(now)) {
-            IsRateBlocked = true;
-            return Take::Later;
-        }
-        Limit.Take(p_Count);
-        LastByte = now;
-        if (p_Document->Run != Run ||
-            p_Document->Part()->size() + p_Count > p_Document->MostBytes()) {
-            p_Document->Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document->PartUrl(),
-                                               "it is larger than such a file can be", 0};
-            return Take::Stop;
-        }
-        p_Document->Part()->append(p_Data, p_Count);
-        return Take::More;
+        return OnDocumentBytes(*p_Document, p_Data, p_Count);
     };
     events.OnEnd = [this, p_Document](std::optional<FetchProblem> const& p_Problem) {
         Lock const lock(Guard);
@@ -147,6 +133,24 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
     };
     p_Document->Transfer = Loop.Start(std::move(request), std::move(events));
     UnderWay.insert(p_Document->Transfer);
+}
+
+Take Exchange::OnDocumentBytes(Document& p_Document, char const* p_Data, std::size_t p_Count)
+{
+    TimePoint const now = Clock::now();
+    if (!Limit.MayTake(now)) {
+        IsRateBlocked = true;
+        return Take::Later;
+    }
+    Limit.Take(p_Count);
+    LastByte = now;
+    if (p_Document.Run != Run || p_Document.Part()->size() + p_Count > p_Document.MostBytes()) {
+        p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.PartUrl(),
+                                          "it is larger than such a file can be", 0};
+        return Take::Stop;
+    }
+    p_Document.Part()->append(p_Data, p_Count);
+    return Take::More;
 }
 
 void Exchange::OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem)

@@ -99,11 +99,7 @@ bool Exchange::FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWait
 void Exchange::StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
                              std::shared_ptr<Server> const& p_Server, TimePoint p_Now)
 {
-    auto const transfer = std::make_shared<FileTransfer>();
-    transfer->File = p_File;
-    transfer->From = p_Server;
-    transfer->Run = Run;
-    transfer->Url = p_Server->Address + p_File->Path;
+    auto const transfer = NewTransfer(p_File, p_Server);
     transfer->Begin = p_Gap.Begin;
     Span span;
     span.Begin = span.Arrived = span.FirstBlock = p_Gap.Begin;
@@ -117,28 +113,14 @@ void Exchange::StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
     transfer->Part = p_File->Insert(std::move(span));
 
     TransferRequest request;
-    request.Url = transfer->Url;
     request.Range = p_Server->IgnoresRanges ? std::string() : RangeText(p_Gap);
-    request.OfContentServer = p_Server->IsDefault;
     request.BlockBytes = Limit.IsSet() ? 16UL * 1024 : static_cast<std::size_t>(c_SmallPiece);
-    TransferEvents events;
-    events.OnHead = [this, transfer](AnswerHead const& p_Head) {
-        Lock const lock(Guard);
-        return transfer->Run == Run && OnFileHead(*transfer, p_Head);
-    };
-    events.OnBytes = [this, transfer](char const* p_Data, std::size_t p_Count) {
+    auto const onBytes = [this, transfer](char const* p_Data, std::size_t p_Count) {
         Lock const lock(Guard);
         return transfer->Run == Run ? OnFileBytes(*transfer, p_Data, p_Count) : Take::Stop;
     };
-    events.OnEnd = [this, transfer](std::optional<FetchProblem> const& p_Problem) {
-        Lock const lock(Guard);
-        UnderWay.erase(transfer->Id);
-        if (transfer->Run == Run)
-            OnFileEnd(*transfer, p_Problem);
-    };
-    transfer->Id = Loop.Start(std::move(request), std::move(events));
+    Start(transfer, std::move(request), &Exchange::OnFileHead, onBytes, &Exchange::OnFileEnd);
     transfer->Part->Transfer = transfer->Id;
-    UnderWay.insert(transfer->Id);
     ++p_Server->Transfers;
     ++Transfers;
     Recount(*p_File);
@@ -248,7 +230,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
     return wanted < left ? Take::Stop : Take::More; // more than there should be
 }
 
-void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p_Problem)
+void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> const& p_Problem)
 {
     FileContent& file = *p_Transfer.File;
     Server& server = *p_Transfer.From;

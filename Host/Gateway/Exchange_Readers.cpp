@@ -33,6 +33,20 @@ std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std:
     return reader;
 }
 
+/// Whether a client gets no more, and is to begin anew.
+bool Exchange::IsOver(Reader const& p_Reader) const
+{
+    return IsOver(p_Reader.Run) || p_Reader.File->Refusal ||
+           (p_Reader.Size && p_Reader.File->Size != p_Reader.Size);
+}
+
+/// Whether there is something for a client, or the end.
+bool Exchange::IsServed(Reader const& p_Reader) const
+{
+    FileContent const& file = *p_Reader.File;
+    return !SizesFirst && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
+}
+
 Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
 {
     constexpr Milliseconds c_FirstWait{10}; // a client that wanted the headers only is gone by then
@@ -40,23 +54,16 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
 
     FileContent& file = *p_Reader.File;
     Lock lock(Guard);
-    auto const isOver = [&] {
-        return IsOver(p_Reader.Run) || file.Refusal ||
-               (p_Reader.Size && file.Size != p_Reader.Size);
-    };
-    auto const isThere = [&] {
-        return !SizesFirst && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
-    };
-    if (!isThere() && !isOver()) {
+    if (!IsServed(p_Reader) && !IsOver(p_Reader)) {
         Changed.wait_for(lock, p_Reader.Starves ? c_Wait : c_FirstWait,
-                         [&] { return isThere() || isOver(); });
+                         [&] { return IsServed(p_Reader) || IsOver(p_Reader); });
         // The client may have gone meanwhile, and what it is given is forgotten.
-        if (isThere() && !isOver())
+        if (IsServed(p_Reader) && !IsOver(p_Reader))
             return Given::Nothing;
     }
-    if (isOver())
+    if (IsOver(p_Reader))
         return Given::Failure;
-    if (!isThere()) {
+    if (!IsServed(p_Reader)) {
         if (!p_Reader.Starves && !SizesFirst) {
             p_Reader.Starves = true;
             Loop.Wake();

@@ -93,36 +93,18 @@ bool Exchange::StartQuery(File const& p_File, TimePoint p_Now)
         p_Now);
     if (!server)
         return false;
-    auto const query = std::make_shared<FileTransfer>();
-    query->File = p_File;
-    query->From = server;
-    query->Run = Run;
-    query->Url = server->Address + p_File->Path;
+    auto const query = NewTransfer(p_File, server);
     query->IsHeadRequest = !server->RefusesHead;
     TransferRequest request;
-    request.Url = query->Url;
-    request.OfContentServer = server->IsDefault;
     request.HeadersOnly = query->IsHeadRequest;
     request.Range = query->IsHeadRequest ? "" : "0-0";
-    TransferEvents events;
-    events.OnHead = [this, query](AnswerHead const& p_Head) {
-        Lock const lock(Guard);
-        return query->Run == Run && OnQueryHead(*query, p_Head);
-    };
-    events.OnBytes = [](char const*, std::size_t p_Count) {
+    auto const onBytes = [](char const*, std::size_t p_Count) {
         return p_Count > 1 ? Take::Stop : Take::More; // one was asked for
-    };
-    events.OnEnd = [this, query](std::optional<FetchProblem> const& p_Problem) {
-        Lock const lock(Guard);
-        UnderWay.erase(query->Id);
-        if (query->Run == Run)
-            OnQueryEnd(*query, p_Problem);
     };
     p_File->IsAsked = true;
     ++server->Queries;
     ++Queries;
-    query->Id = Loop.Start(std::move(request), std::move(events));
-    UnderWay.insert(query->Id);
+    Start(query, std::move(request), &Exchange::OnQueryHead, onBytes, &Exchange::OnQueryEnd);
     return true;
 }
 
