@@ -80,7 +80,7 @@ int RunCommand(Choice const& p_Choice, HostSettings& p_Settings,
     }
 }
 
-/// What did not get to who asked for it was not done. \return the exit status
+/// A command whose results could not be written has failed. \return the exit status
 int Conclude(int p_Status, Console& p_Console)
 {
     QString const why = Programs::StandardStreams::WhyLost();
@@ -103,7 +103,7 @@ int Run(Choice p_Choice, QStringList const& p_Arguments)
     if (!log.Problem().isEmpty())
         console.Note(QStringLiteral("The log file %1 cannot be written (%2).")
                          .arg(p_Choice.LogFile, log.Problem()));
-    // At once: what ends the program is said before it ends.
+    // Not queued: a fatal message ends the program before the event loop runs again.
     QObject::connect(
         &log, &MessageLog::Logged, &log,
         [&console, isVerbose = p_Choice.Verbose](LogEntry const& p_Entry) {

@@ -48,8 +48,8 @@ Failure UnknownKey(QString const& p_Key)
                 : suggestion};
 }
 
-/// A name is meant in the folder in which it is given, not in that of a later run; of the words for
-/// yes and no one is kept.
+/// The value as it is kept: file names are made absolute, since a later run starts in another
+/// folder, and every word for yes is kept as "true".
 QString ToKeep(QString const& p_Key, QString const& p_Value)
 {
     auto const option = OptionOf(p_Key);
@@ -62,7 +62,7 @@ QString ToKeep(QString const& p_Key, QString const& p_Value)
     return p_Value;
 }
 
-/// The variable that the module reads by itself; it stands above the settings too.
+/// The module reads this variable by itself, so that it goes before the settings here too.
 QString ModulesServer(KeptOption const& p_Option)
 {
     return QLatin1String(p_Option.Name) == QLatin1String("content-url")
@@ -70,7 +70,7 @@ QString ModulesServer(KeptOption const& p_Option)
                : QString();
 }
 
-/// Of the content server. The environment is the game's too, to which it is no use.
+/// Of the content server. The variable is removed: the game would inherit it.
 QString Password(HostSettings const& p_Settings)
 {
     constexpr char c_Variable[] = "VARNHOLT_CONTENT_PASSWORD";

@@ -18,7 +18,7 @@ int WatchRun(HostSettings const& p_Settings, Presenter& p_Output)
                      [&](RunSnapshot const& p_Snapshot) { p_Output.ShowProgress(p_Snapshot); });
     QObject::connect(
         &follower, &RunFollower::Ended, [&](RunResult const& p_Result, QString const& p_Game) {
-            // Of an update, as it was one.
+            // Shown as an update is: which command it was, the other program does not tell.
             QCoreApplication::exit(p_Output.ShowResult(RunRequest(), p_Result, p_Game));
         });
     if (follower.Follow(InstallRecord::Folders(p_Settings)))

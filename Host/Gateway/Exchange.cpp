@@ -81,7 +81,7 @@ void Exchange::BeginRun(Source p_Source, Documents p_Copies, std::shared_ptr<Doc
     Forget();
     Trust = std::move(p_Trust);
     IsRunning = true;
-    // Of no use without the one that tells the build.
+    // Without the version file the other copies are of no use.
     bool const areUsable = std::any_of(p_Copies.begin(), p_Copies.end(), [](auto const& p_Row) {
         return p_Row.first.find("/version") != std::string::npos;
     });
@@ -100,7 +100,7 @@ void Exchange::EndRun()
     Loop.Wake();
 }
 
-/// Leaves nothing of a run; whoever waits for something of it goes on without.
+/// Clears all state of a run and wakes those who wait for something of it.
 void Exchange::Forget()
 {
     for (auto const& row : Files)

@@ -57,7 +57,7 @@ void Exchange::Want(std::string const& p_Path)
 
 Exchange::DocumentAnswer Exchange::AnswerOf(Document const& p_Document) const
 {
-    // Whatever becomes of the list, the door is the one mirror.
+    // Clients are told of one mirror only, the door, whatever the server's list says.
     if (p_Document.IsHostList())
         return {c_Success, std::make_shared<std::string const>(OwnName)};
     if (!p_Document.Problem && p_Document.IsDone)
@@ -78,7 +78,7 @@ Exchange::DocumentAnswer Exchange::CopyOf(std::string const& p_Path)
     return {c_Success, std::make_shared<std::string const>(*copy)};
 }
 
-/// From here on the run is told what an earlier one has learned.
+/// From here on documents come from the copies of an earlier run.
 void Exchange::TurnToCopies(FetchProblem const& p_Problem)
 {
     CopiesProblem = p_Problem;

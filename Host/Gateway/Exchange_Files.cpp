@@ -64,7 +64,7 @@ void Exchange::StartFiles(TimePoint p_Now)
     RelieveSlowOnes(p_Now);
 }
 
-/// \return false when something of the file has still to wait
+/// \return false when a part of the file cannot be asked for now
 bool Exchange::FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWaitedFor,
                          TimePoint p_Now)
 {
@@ -150,7 +150,7 @@ bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
         p_Head.Total ? std::min(p_Transfer.Part->End, *p_Head.Total) : p_Transfer.Part->End;
     bool const isAskedFor =
         p_Head.RangeBegin == p_Transfer.Begin && p_Head.RangeLast == end - 1 && !p_Head.IsEncoded;
-    // Of a head that contradicts itself nothing is believed, its total neither.
+    // Nothing of a head that contradicts itself is believed, not even its total.
     if (isAskedFor && p_Head.Length.value_or(end - p_Transfer.Begin) == end - p_Transfer.Begin)
         return !p_Head.Total || LearnSize(p_Transfer, *p_Head.Total);
     p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
@@ -158,11 +158,11 @@ bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
     return false;
 }
 
-/// Called for a server that takes no notice of ranges: what lies before the part is passed over.
+/// Called when a server ignores the range and sends the whole: what lies before is skipped.
 bool Exchange::OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 {
     FileContent& file = *p_Transfer.File;
-    // Of a file that is no longer than what was asked for, the whole is a good answer.
+    // When the file is no longer than the range, the whole is a proper answer to it.
     bool const isAll = p_Transfer.Begin == 0 && p_Head.Length <= p_Transfer.Part->End;
     p_Transfer.From->IgnoresRanges |= !isAll || !p_Head.Length;
     if (p_Head.IsEncoded && !p_Transfer.From->IsDefault) {
@@ -207,7 +207,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
         IsRateBlocked = true;
         return Take::Later;
     }
-    // Of a stream nobody knows how much comes; what a client waits for is taken all the same.
+    // A stream may exceed all memory: with none left, only what a client waits for is taken.
     bool const isStarving = span.Held() == 0;
     if (span.IsStream && span.ToSkip == 0 && !isStarving && !HasRoom(p_Count)) {
         IsRoomBlocked = true;

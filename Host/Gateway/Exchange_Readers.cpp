@@ -57,7 +57,7 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
     if (!IsServed(p_Reader) && !IsOver(p_Reader)) {
         Changed.wait_for(lock, p_Reader.Starves ? c_Wait : c_FirstWait,
                          [&] { return IsServed(p_Reader) || IsOver(p_Reader); });
-        // The client may have gone meanwhile, and what it is given is forgotten.
+        // Not given yet: the client may have gone while this waited, and given bytes are forgotten.
         if (IsServed(p_Reader) && !IsOver(p_Reader))
             return Given::Nothing;
     }
@@ -120,14 +120,14 @@ void Exchange::Reject(std::string const& p_Path)
         std::shared_ptr<Server> const server = *file->Contributors.begin();
         ServerBoard::NoteWrongFile(*server, now);
         file->Wrong.insert(server.get());
-        // Once everybody has been wrong, everybody is asked again.
+        // When every server has been wrong, all are asked again.
         auto const allowed = Allowed(*file);
         auto const& servers = Board.All();
         if (std::none_of(servers.begin(), servers.end(),
                          [&](auto const& p_Server) { return allowed(*p_Server); }))
             file->Wrong.clear();
     }
-    // Of several nobody can tell who it was: the next time one has to bring it all.
+    // With several contributors nobody knows who was wrong: next time one has to bring it all.
     file->HasOneSource = file->IsReadFromStart && !file->Contributors.empty();
     file->OnlyFrom.reset();
     file->Contributors.clear();

@@ -9,10 +9,10 @@ namespace Varnholt::Gateway {
 
 using namespace HttpStatus;
 
-/// Waits until it is known what a client is to be told of a file before its first byte.
+/// Waits until the status and the size of a file are known.
 Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefaultServer)
 {
-    // Long enough for a client whose answer was broken off to be told why.
+    // A client whose answer was broken off asks again within this time, and is told why.
     constexpr std::chrono::seconds c_RefusalHolds{20};
 
     Lock lock(Guard);
@@ -188,7 +188,7 @@ bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
     }
     if (*file.Size == p_Size)
         return true;
-    // Nothing that came before fits: clients begin anew, and so does the file.
+    // The bytes so far are of another file: both it and its clients begin anew.
     if (server.IsDefault) {
         Drop(file);
         file.Size = p_Size;

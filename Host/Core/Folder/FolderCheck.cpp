@@ -26,7 +26,7 @@ bool HoldsForeignFiles(QString const& p_Folder)
     if (HoldsGame(p_Folder))
         return false;
     QDir const folder(p_Folder);
-    // The lock stays where an installation has ended before it had recorded itself.
+    // An installation that ended before it was recorded has left its lock file there.
     QStringList const names =
         folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     return std::any_of(names.begin(), names.end(),

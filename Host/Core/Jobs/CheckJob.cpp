@@ -57,7 +57,7 @@ bool CheckJob::AwaitsSizes()
            !SinceAnswer.hasExpired(Context.Options.StallMilliseconds);
 }
 
-/// Of the beginning of a file that lies there nothing is fetched again.
+/// What already lies there of a file is not fetched again and does not count.
 void CheckJob::LearnSizes()
 {
     for (FileFinding& finding : Result.Findings)

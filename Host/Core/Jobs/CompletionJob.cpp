@@ -10,7 +10,7 @@ namespace Varnholt::Host {
 
 namespace {
 
-/// What the module repeats before it gives files up, all of them together.
+/// How often the module repeats downloads, counted over all files, before it gives them up.
 constexpr quint32 c_ModuleRestarts = 5;
 constexpr int c_MostPasses = 5;
 constexpr std::size_t c_MostPassedOver = 20;
@@ -81,7 +81,8 @@ void CompletionJob::Work()
     bool const isHeld = Paused && Phase() == RunPhase::Suspended;
     if (!isHeld && Context.Watch.Observe())
         return OnQuiet();
-    // After a drop a refused file would be asked for without end. It is passed over.
+    // The module would restart a transfer that brings nothing without end: stopped, it is passed
+    // over.
     if (!Paused && Context.Ledger.ComesNoFurther())
         Context.View.StopTransfer();
 }
@@ -120,8 +121,8 @@ RunPhase CompletionJob::Phase() const
     if (Examined)
         return RunPhase::Verifying;
     RunPhase const phase = IsWorking() ? Reader.Phase() : RunPhase::Connecting;
-    // Through a door that is shut nothing comes. A transfer that has not been stopped yet is told
-    // of as one that goes on.
+    // A paused door gives nothing: what waits for it is suspended. A transfer that has not been
+    // stopped yet still counts as going on.
     bool const usesDoor = phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes ||
                           (IsDownloading(phase) && !Context.View.HasTransfer());
     return Paused && usesDoor ? RunPhase::Suspended : phase;
@@ -140,7 +141,7 @@ void CompletionJob::OnQuiet()
 {
     Context.Watch.Reset();
     auto const stopped = Context.View.Current();
-    // One query without an answer and the size pass never ends.
+    // When a single size query gets no answer, the module waits for it for ever.
     if (stopped && Reader.Phase() == RunPhase::AskingSizes)
         return Fail(LatestFailure());
     if (stopped)
@@ -148,8 +149,8 @@ void CompletionJob::OnQuiet()
     Verify();
 }
 
-/// Called for a file that could not even be begun, at which the module stops: what is behind it
-/// shall arrive all the same.
+/// Called for a file that could not be opened. The module stops there; the files behind it are to
+/// arrive all the same.
 void CompletionJob::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
 {
     Failure const failure = Explain({p_Entry});
@@ -211,7 +212,7 @@ void CompletionJob::Complete()
     NoticeRealmList();
     if (Result.IsRepairStopped) // the mark stays
         return Finish();
-    // After a power cut only the mark would tell of files that were still on their way to the disk.
+    // The mark goes only when the files are on the disk: after a power cut it is all that tells.
     if (Context.Record.IsUnfinished()) {
         auto files = Context.Module.Manifest.Files;
         auto const& streamed = Context.Module.Manifest.StreamedFiles;

@@ -87,7 +87,7 @@ std::optional<Failure> GameStart::Begin()
     if (Context.Record.IsUnfinished())
         Tell({NoticeKind::GameIncomplete});
     bool const wasRunning = Context.Module.IsGameRunning();
-    // The game has an environment of its own.
+    // The game is not to inherit the variable that names the door.
     NetworkDoor::Outside const outside(Context.Door);
     Prepare(Request.Argument, Request.Password);
     if (auto failure = Launch()) {
@@ -130,8 +130,8 @@ std::optional<Failure> GameStart::FindWrapper()
     return Failure{FailureKind::WrapperUnusable, name, tr("there is no such program")};
 }
 
-/// Has the module do all of a start but the start: no file of its manifest is the game's program
-/// meanwhile.
+/// Has the module prepare everything and start nothing: meanwhile no file of its manifest is marked
+/// as the game's program.
 void GameStart::Prepare(QString const& p_Account, QString const& p_Password)
 {
     using Entry = Launcher::ApplicationManifestFileEntry;

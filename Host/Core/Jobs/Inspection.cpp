@@ -109,7 +109,7 @@ void Inspection::Enter()
     ++Number;
 }
 
-/// Of a file that need not be read no block is asked for.
+/// Counts the file that is left, if it was read: the comparison has asked for a block then.
 void Inspection::Leave()
 {
     if (!Stopped && Asked > 0 && Number > 0 && Number < Before.size()) {

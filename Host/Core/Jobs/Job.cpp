@@ -34,7 +34,7 @@ void Job::Begin()
         failure = Context.Record.WriteRefusal();
     if (failure)
         return Fail(*failure);
-    // What a run without a key brings, a later one with a key must not take for verified.
+    // This run verifies nothing: a later one with a key must look at the game again.
     if (!Context.Trust.IsOn() && (Is(Records) || !Is(IsPreview)))
         Context.Trust.ForgetGame();
     OpenDoor();

@@ -64,8 +64,8 @@ void Job::OnConnected()
     OnBuildKnown();
 }
 
-/// Called when the module has ended its start without a manifest, or never will. What was kept of
-/// the build may do: the servers may have given one part of it and not the other.
+/// Called when the module has no manifest and will get none. The run may go on from what was kept
+/// of the build, even when the servers have given a part of it.
 void Job::OnStartUpFailed(Failure const& p_Failure)
 {
     if (!MayUseKept)
@@ -151,7 +151,7 @@ bool Job::CanUseBuild()
     return true;
 }
 
-/// Called when the realm list is in use: of the other runs nothing wants it.
+/// Called by the runs that use the realm list; the others need not tell that it is old.
 void Job::NoticeRealmList()
 {
     if (UsesKept)

@@ -40,7 +40,7 @@ protected:
 private:
     void AskAll()
     {
-        // Of an empty file there is no piece; whether one is empty, its digest tells.
+        // An empty file has no piece to ask for; the manifest tells of one by its digest only.
         QString const empty = QStringLiteral("D41D8CD98F00B204E9800998ECF8427E");
         auto const& files = Context.Module.Manifest.Files;
         auto const file = std::find_if(files.begin(), files.end(), [&](auto const& p_Entry) {

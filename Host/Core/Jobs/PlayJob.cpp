@@ -33,7 +33,7 @@ protected:
     {
         if (!CanUseBuild())
             return;
-        // The comparison that each start-up begins ends without looking at any file.
+        // The module begins a comparison at each start-up; with its gate closed it ends at once.
         Settle([this] { Play(); });
     }
 

@@ -57,7 +57,7 @@ protected:
     }
 
 private:
-    /// Of what is kept, which no door hands out here.
+    /// Judges the copy, which does not come through the door here.
     std::optional<Gateway::FetchProblem>
     ProblemOf(OfflineCopies::Documents::value_type const& p_Version) const
     {

@@ -253,8 +253,8 @@ void ModuleHost::CloseWhenRested()
     if (!rested && !CloseDeadline.hasExpired())
         return;
     TurnTimer.stop();
-    // Behind the last clean-up. Not once the queue is empty: a wait for the game to quit queues
-    // itself for ever.
+    // Queued behind the last clean-up. Waiting for an empty queue would not end: while the module
+    // waits for the game to quit, it queues itself again and again.
     Loader.Application()->EnqueueAsync([this] {
         QMetaObject::invokeMethod(
             this, [this] { FinishClose(); }, Qt::QueuedConnection);

@@ -15,7 +15,7 @@ namespace {
 constexpr int c_WaitMilliseconds = 3'000;
 constexpr int c_LookMilliseconds = 1'000;
 
-/// Everybody may make files where the socket is: what is not the user's own is not spoken to.
+/// Anybody can create a file in the socket's folder: only the user's own socket is spoken to.
 bool IsOwn(QString const& p_Path)
 {
     struct stat found = {};

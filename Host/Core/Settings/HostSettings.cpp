@@ -34,7 +34,7 @@ void HostSettings::SetValue(QString const& p_Key, QVariant const& p_Value)
     if (!Held.contains(p_Key) && Known.contains(p_Key) && Known.value(p_Key) == p_Value)
         return;
     Held[p_Key] = p_Value;
-    // At once: what is recorded before a step must be there when the step is killed.
+    // At once: a mark that is set before a step must be on the disk if the step is killed.
     Write();
 }
 
