@@ -147,12 +147,12 @@ private:
     // _Readers
     bool IsOver(Reader const& p_Reader) const;
     bool IsServed(Reader const& p_Reader) const;
+    void Release(FileContent& p_File);
+    void Deliver(FileContent& p_File);
 
     // _Files
     void StartFiles(TimePoint p_Now);
     bool FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWaitedFor, TimePoint p_Now);
-    void Release(FileContent& p_File);
-    void Deliver(FileContent& p_File);
     void StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
                        std::shared_ptr<Server> const& p_Server, TimePoint p_Now);
     bool OnFileHead(FileTransfer& p_Transfer, AnswerHead const& p_Head);
@@ -161,6 +161,8 @@ private:
     bool OnBehindEnd(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     Take OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::size_t p_Count);
     void OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> const& p_Problem);
+
+    // _Failures
     void NoteFailure(FileTransfer& p_Transfer, FetchProblem const& p_Problem);
     void Refuse(FileContent& p_File, Server& p_Server, FetchProblem const& p_Problem);
     ServerBoard::Filter Allowed(FileContent const& p_File) const;

@@ -22,7 +22,7 @@ Job::~Job() = default;
 
 void Job::Begin()
 {
-    Result.Transfers = Context.Ledger.Count();
+    TransfersBefore = Context.Ledger.Count();
     Context.View.DiscardQueue();
     // An installation begins in another folder, which the module must not take for the old one.
     Context.Gate.SetPreview(Is(IsPreview));
@@ -128,7 +128,7 @@ void Job::End()
     Over = true;
     Measure();
     Release();
-    Result.Transfers = Context.Ledger.Count() - Result.Transfers;
+    Result.Transfers = Context.Ledger.Count() - TransfersBefore;
     if (Result.Folder.isEmpty())
         Result.Folder = Folder();
     Result.Locale = Context.Module.GetAppLocale();
@@ -148,7 +148,7 @@ void Job::End()
 RunTotals Job::Count() const
 {
     RunTotals totals;
-    totals.Files = Context.Ledger.Count() - Result.Transfers;
+    totals.Files = Context.Ledger.Count() - TransfersBefore;
     totals.Bytes = Context.Door->Snapshot().Received;
     return totals;
 }

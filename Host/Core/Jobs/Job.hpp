@@ -176,8 +176,9 @@ private:
     bool UsesKept = false;         ///< no server is asked
     std::optional<Failure> Missed; ///< why, when they were to be asked
     QElapsedTimer Clock;
-    qint64 Measured = 0; ///< when the totals were measured; of the clock
-    qint64 Moving = 0;   ///< milliseconds in which bytes moved
+    quint32 TransfersBefore = 0; ///< that the ledger had counted when the run began
+    qint64 Measured = 0;         ///< when the totals were measured; of the clock
+    qint64 Moving = 0;           ///< milliseconds in which bytes moved
     qint64 LastShown = 0;
     RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;

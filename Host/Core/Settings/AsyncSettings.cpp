@@ -25,8 +25,7 @@ void AsyncSettings::Read()
 void AsyncSettings::Write(SettingsFile::Values const& p_Changes)
 {
     Thread.start([this, p_Changes] {
-        SettingsWriter writer(File);
-        auto const failure = writer.Problem() ? writer.Problem() : writer.Write(p_Changes);
+        auto const failure = SettingsWriter(File).Write(p_Changes);
         QMetaObject::invokeMethod(
             this, [this, failure] { Q_EMIT Written(failure); }, Qt::QueuedConnection);
     });

@@ -78,7 +78,7 @@ std::optional<Failure> HostSettings::Write()
     if (Held.isEmpty())
         return std::nullopt;
     SettingsWriter writer(Path);
-    auto failure = writer.Problem() ? writer.Problem() : writer.Write(Held);
+    auto failure = writer.Write(Held);
     if (!failure) {
         Known = writer.Written();
         Held.clear();

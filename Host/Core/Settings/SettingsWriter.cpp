@@ -136,6 +136,8 @@ Failure SettingsWriter::Because(int p_Error) const
 
 std::optional<Failure> SettingsWriter::Write(Values const& p_Changes)
 {
+    if (Hindrance)
+        return Hindrance;
     if (!ReadValues())
         return Because(CauseIn(Folder));
     for (auto row = p_Changes.constBegin(); row != p_Changes.constEnd(); ++row)
