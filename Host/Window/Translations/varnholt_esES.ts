@@ -565,53 +565,6 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::GameStart</name>
-    <message>
-        <source>this system runs no program of its format</source>
-        <translation>este sistema no ejecuta programas de su formato</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is missing</source>
-        <translation>falta su intérprete %1</translation>
-    </message>
-    <message>
-        <source>what this system needs to run it is missing</source>
-        <translation>a este sistema le falta lo necesario para ejecutarlo</translation>
-    </message>
-    <message>
-        <source>its volume is mounted for no programs</source>
-        <translation>su volumen está montado sin permiso para ejecutar programas</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is no program that you may run</source>
-        <translation>su intérprete %1 no es un programa que usted pueda ejecutar</translation>
-    </message>
-    <message>
-        <source>its permissions do not let you</source>
-        <translation>sus permisos no se lo permiten</translation>
-    </message>
-    <message>
-        <source>it is no file</source>
-        <translation>no es un archivo</translation>
-    </message>
-    <message>
-        <source>there is no such program</source>
-        <translation>no existe tal programa</translation>
-    </message>
-    <message>
-        <source>cannot be copied</source>
-        <translation>no se puede copiar</translation>
-    </message>
-    <message>
-        <source>is missing</source>
-        <translation>falta</translation>
-    </message>
-    <message>
-        <source>; it said last: &quot;%1&quot;</source>
-        <translation>; lo último que dijo: «%1»</translation>
-    </message>
-</context>
-<context>
     <name>Varnholt::Host::IdleText</name>
     <message>
         <source>Another program is at work here</source>
@@ -1080,6 +1033,53 @@
     <message>
         <source>The server is being asked…</source>
         <translation>Se está preguntando al servidor…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PlayJob</name>
+    <message>
+        <source>this system runs no program of its format</source>
+        <translation>este sistema no ejecuta programas de su formato</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is missing</source>
+        <translation>falta su intérprete %1</translation>
+    </message>
+    <message>
+        <source>what this system needs to run it is missing</source>
+        <translation>a este sistema le falta lo necesario para ejecutarlo</translation>
+    </message>
+    <message>
+        <source>its volume is mounted for no programs</source>
+        <translation>su volumen está montado sin permiso para ejecutar programas</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is no program that you may run</source>
+        <translation>su intérprete %1 no es un programa que usted pueda ejecutar</translation>
+    </message>
+    <message>
+        <source>its permissions do not let you</source>
+        <translation>sus permisos no se lo permiten</translation>
+    </message>
+    <message>
+        <source>it is no file</source>
+        <translation>no es un archivo</translation>
+    </message>
+    <message>
+        <source>there is no such program</source>
+        <translation>no existe tal programa</translation>
+    </message>
+    <message>
+        <source>cannot be copied</source>
+        <translation>no se puede copiar</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>falta</translation>
+    </message>
+    <message>
+        <source>; it said last: &quot;%1&quot;</source>
+        <translation>; lo último que dijo: «%1»</translation>
     </message>
 </context>
 <context>

@@ -565,53 +565,6 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::GameStart</name>
-    <message>
-        <source>this system runs no program of its format</source>
-        <translation>ce système n&apos;exécute pas de programmes de ce format</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is missing</source>
-        <translation>son interpréteur %1 manque</translation>
-    </message>
-    <message>
-        <source>what this system needs to run it is missing</source>
-        <translation>il manque à ce système de quoi l&apos;exécuter</translation>
-    </message>
-    <message>
-        <source>its volume is mounted for no programs</source>
-        <translation>son volume est monté sans droit d&apos;exécuter des programmes</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is no program that you may run</source>
-        <translation>son interpréteur %1 n&apos;est pas un programme que vous pouvez exécuter</translation>
-    </message>
-    <message>
-        <source>its permissions do not let you</source>
-        <translation>ses permissions ne vous le permettent pas</translation>
-    </message>
-    <message>
-        <source>it is no file</source>
-        <translation>ce n&apos;est pas un fichier</translation>
-    </message>
-    <message>
-        <source>there is no such program</source>
-        <translation>ce programme n&apos;existe pas</translation>
-    </message>
-    <message>
-        <source>cannot be copied</source>
-        <translation>ne peut pas être copié</translation>
-    </message>
-    <message>
-        <source>is missing</source>
-        <translation>manque</translation>
-    </message>
-    <message>
-        <source>; it said last: &quot;%1&quot;</source>
-        <translation> ; il a dit en dernier : « %1 »</translation>
-    </message>
-</context>
-<context>
     <name>Varnholt::Host::IdleText</name>
     <message>
         <source>Another program is at work here</source>
@@ -1080,6 +1033,53 @@
     <message>
         <source>The server is being asked…</source>
         <translation>Le serveur est interrogé…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PlayJob</name>
+    <message>
+        <source>this system runs no program of its format</source>
+        <translation>ce système n&apos;exécute pas de programmes de ce format</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is missing</source>
+        <translation>son interpréteur %1 manque</translation>
+    </message>
+    <message>
+        <source>what this system needs to run it is missing</source>
+        <translation>il manque à ce système de quoi l&apos;exécuter</translation>
+    </message>
+    <message>
+        <source>its volume is mounted for no programs</source>
+        <translation>son volume est monté sans droit d&apos;exécuter des programmes</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is no program that you may run</source>
+        <translation>son interpréteur %1 n&apos;est pas un programme que vous pouvez exécuter</translation>
+    </message>
+    <message>
+        <source>its permissions do not let you</source>
+        <translation>ses permissions ne vous le permettent pas</translation>
+    </message>
+    <message>
+        <source>it is no file</source>
+        <translation>ce n&apos;est pas un fichier</translation>
+    </message>
+    <message>
+        <source>there is no such program</source>
+        <translation>ce programme n&apos;existe pas</translation>
+    </message>
+    <message>
+        <source>cannot be copied</source>
+        <translation>ne peut pas être copié</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>manque</translation>
+    </message>
+    <message>
+        <source>; it said last: &quot;%1&quot;</source>
+        <translation> ; il a dit en dernier : « %1 »</translation>
     </message>
 </context>
 <context>
