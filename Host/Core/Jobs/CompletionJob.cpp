@@ -37,7 +37,7 @@ void CompletionJob::AbortRepair()
     Examined.reset();
     WantsEveryFile = false;
     Passes = c_MostPasses;
-    Context.Watch.Reset();
+    AwaitSilence();
     Context.Module.AbortRepair();
 }
 
@@ -79,7 +79,7 @@ void CompletionJob::Work()
         return;
     }
     bool const isHeld = Paused && Phase() == RunPhase::Suspended;
-    if (!isHeld && Context.Watch.Observe())
+    if (!isHeld && IsSilent())
         return OnQuiet();
     // The module would restart a transfer that brings nothing without end: stopped, it is passed
     // over.
@@ -106,7 +106,7 @@ void CompletionJob::Continue()
         LookAtPlan();
     }
     Context.Door->Continue();
-    Context.Watch.Reset();
+    AwaitSilence();
     if (IsWorking() && stopped)
         Context.Module.ResumeDownload();
 }
@@ -139,7 +139,7 @@ RunSnapshot CompletionJob::Look()
 /// Called when the module has fallen silent: finds out where it stopped.
 void CompletionJob::OnQuiet()
 {
-    Context.Watch.Reset();
+    AwaitSilence();
     auto const stopped = Context.View.Current();
     // When a single size query gets no answer, the module waits for it for ever.
     if (stopped && Reader.Phase() == RunPhase::AskingSizes)

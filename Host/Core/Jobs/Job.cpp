@@ -61,18 +61,30 @@ void Job::Go()
     case Step::StartingUp:
         if (!Context.View.IsStartingUp())
             OnConnected();
-        else if (Context.Watch.Observe())
+        else if (IsSilent())
             OnStartUpFailed(StartUpFailure());
         return;
     case Step::Settling:
-        if (!Context.Watch.Observe())
+        if (!IsSilent())
             return;
-        Context.Watch.Reset();
+        AwaitSilence();
         State = Step::Working;
         return std::exchange(AfterSettling, nullptr)();
     case Step::Working:
         return Work();
     }
+}
+
+bool Job::IsSilent()
+{
+    constexpr int c_TurnsToBelieve = 2;
+
+    // The worker first: once it rests, only this thread can give it something to do.
+    bool const isSilent = Context.Worker.IsIdle() && Context.View.IsQueueEmpty() &&
+                          !Context.View.HasTransfer() && Context.Ledger.IsEmpty() &&
+                          !Context.View.AwaitsReply();
+    SilentTurns = isSilent ? SilentTurns + 1 : 0;
+    return SilentTurns >= c_TurnsToBelieve;
 }
 
 void Job::OnGaveUp(Failure const& p_Failure)
@@ -85,7 +97,7 @@ void Job::OnGaveUp(Failure const& p_Failure)
 
 void Job::Settle(std::function<void()> p_Next)
 {
-    Context.Watch.Reset();
+    AwaitSilence();
     AfterSettling = std::move(p_Next);
     State = Step::Settling;
 }

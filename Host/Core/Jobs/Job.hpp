@@ -99,6 +99,13 @@ protected:
     /// Called at the end.
     virtual void Release() {}
 
+    /// Whether the module has fallen silent. It does not tell when it is done, nor when a server
+    /// gave no answer or a file could not be opened. Called once in each turn. \return true when
+    /// nothing has been queued, running or in flight for two turns: what one has finished may have
+    /// posted work
+    bool IsSilent();
+    /// Counts the turns anew.
+    void AwaitSilence() { SilentTurns = 0; }
     /// Calls p_Next once the module has fallen silent.
     void Settle(std::function<void()> p_Next);
     void Finish();
@@ -167,6 +174,7 @@ private:
     Step State = Step::Working;
     bool Over = false;
     bool ChainGoesOn = false;
+    int SilentTurns = 0;
     std::function<void()> AfterSettling;
     std::unique_ptr<FolderLock> Lock;
     std::set<QString> Told;

@@ -44,7 +44,7 @@ void Job::StartUp()
     if (UsesKept && Kept.empty())
         return Fail(NothingKept());
     State = Step::StartingUp;
-    Context.Watch.Reset();
+    AwaitSilence();
     if (ChainGoesOn)
         Context.Gate.Open();
     else
@@ -58,7 +58,7 @@ void Job::OnConnected()
     State = Step::Working;
     Result.Build = Context.Module.RemoteBuild;
     Result.BuildName = Context.Module.Manifest.BuildStr;
-    Context.Watch.Reset();
+    AwaitSilence();
     NoticeCopies();
     NoticeHostList();
     OnBuildKnown();

@@ -104,9 +104,9 @@ void ModuleHost::Assemble()
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
     // The next file need not wait for the turn timer.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
-    Watch = std::make_unique<RunWatch>(*View, *Worker, *Ledger);
-    Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, *Trust,
-                                                      Gate, *Door, Copies, *Ledger, *Watch, Games});
+    Context =
+        std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, *Trust, Gate,
+                                                *Door, Copies, *Ledger, *Worker, Games});
 
     Environment.OnError = [this](QString const& p_Message) {
         QMetaObject::invokeMethod(
@@ -264,7 +264,6 @@ void ModuleHost::CloseWhenRested()
 void ModuleHost::FinishClose()
 {
     Context.reset();
-    Watch.reset();
     if (Worker)
         Worker->Stop();
     HostCallbacks::Remove(Environment);

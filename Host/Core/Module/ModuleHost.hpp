@@ -5,7 +5,7 @@
 #include "Host/Core/Module/HostCallbacks.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
 #include "Host/Core/Module/ModuleLoader.hpp"
-#include "Host/Core/Module/RunWatch.hpp"
+#include "Host/Core/Module/RunContext.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 #include "Host/Core/Network/OfflineCopies.hpp"
@@ -91,7 +91,6 @@ private:
     std::unique_ptr<TrustRecord> Trust;
     std::unique_ptr<AsyncWorker> Worker;
     std::unique_ptr<TransferLedger> Ledger;
-    std::unique_ptr<RunWatch> Watch;
     std::unique_ptr<RunContext> Context;
 
     std::unique_ptr<Job> Current; ///< null between two runs
