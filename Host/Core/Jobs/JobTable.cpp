@@ -22,7 +22,7 @@ std::unique_ptr<Job> MakeJobFor(RunContext const& p_Context, RunRequest const& p
         {Type::Update, Job::NeedsServers | Job::CanPause | Job::Records, MakeUpdateJob},
         {Type::Repair, Job::NeedsServers | Job::CanPause | Job::Records, MakeUpdateJob},
         {Type::Check, Job::IsPreview, isQuick ? MakeQuickCheckJob : MakeCheckJob},
-        {Type::PreviewInstall, Job::IsPreview, MakePreviewInstallJob},
+        {Type::PreviewInstall, Job::IsPreview, MakeCheckJob},
         {Type::Verify, Job::UsesCopies | Job::IsPreview, MakeVerifyJob},
         {Type::AskMirrors, Job::NeedsServers | Job::IsPreview, MakeMirrorsJob},
         {Type::PreviewUninstall, Job::IsPreview, MakeUninstallJob},

@@ -10,7 +10,6 @@ extern JobMaker const MakeInstallJob;
 extern JobMaker const MakeLocalesJob;
 extern JobMaker const MakeMirrorsJob;
 extern JobMaker const MakePlayJob;
-extern JobMaker const MakePreviewInstallJob;
 extern JobMaker const MakeQuickCheckJob;
 extern JobMaker const MakeUninstallJob;
 extern JobMaker const MakeUpdateJob;
