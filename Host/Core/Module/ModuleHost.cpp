@@ -185,12 +185,6 @@ void ModuleHost::Pause()
         Gate.Release(); // there is no transfer to pause
 }
 
-void ModuleHost::Continue()
-{
-    if (Current)
-        Current->Continue();
-}
-
 void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
 {
     if (Door)
@@ -199,10 +193,10 @@ void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
         Options.BytesPerSecond = p_BytesPerSecond;
 }
 
-void ModuleHost::Interrupt()
+void ModuleHost::Tell(void (Job::*p_What)())
 {
     if (Current)
-        Current->Interrupt();
+        (Current.get()->*p_What)();
 }
 
 void ModuleHost::SetLanguage(QString const& p_Code)
@@ -210,12 +204,6 @@ void ModuleHost::SetLanguage(QString const& p_Code)
     for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available())
         if (locale.Code == p_Code)
             HostCallbacks::SetLocale(Environment, locale);
-}
-
-void ModuleHost::StopRepair()
-{
-    if (Current)
-        Current->StopRepair();
 }
 
 void ModuleHost::Turn()
@@ -242,7 +230,7 @@ void ModuleHost::Close()
     if (!TurnTimer.isActive())
         return FinishClose();
     CloseDeadline.setRemainingTime(c_MostMilliseconds);
-    Interrupt();
+    Tell(&Job::Interrupt);
     Loader.Application()->SuspendDownload();
     View->AbandonReplies(); // a fetch that is cut off leaves its record behind
 }

@@ -36,12 +36,11 @@ public:
     /// Answered by one `Ended`, also when it is refused.
     void Start(quint64 p_Id, RunRequest const& p_Request);
     void Pause();
-    void Continue();
     void SetRateLimit(quint64 p_BytesPerSecond);
-    void Interrupt();
+    /// Tells the run under way, if there is one, what its user wants of it.
+    void Tell(void (Job::*p_What)());
     /// \param p_Code see `HostSession`
     void SetLanguage(QString const& p_Code);
-    void StopRepair();
     /// What the module asks before it goes on; any thread.
     RunGate& AnyThreadGate() { return Gate; }
     /// Ends what is under way, deletes the module and emits `Closed`.
