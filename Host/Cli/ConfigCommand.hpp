@@ -19,7 +19,7 @@ constexpr char c_Password[] = "content-password";
 QStringList Keys();
 /// Empty when it is not set.
 QString Value(HostSettings const& p_Settings, QString const& p_Key);
-/// The value for people: of a password only that there is one.
+/// The value for people; instead of a password, that there is one.
 QString Shown(HostSettings const& p_Settings, QString const& p_Key);
 
 /// \param p_Value an empty one removes the key
@@ -27,12 +27,12 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
 /// The keys that are set.
 QStringList SetKeys(HostSettings const& p_Settings);
 
-/// What holds for a key, for people as `Shown()` has it, and whether the command line, the
-/// environment, the settings file or nobody has said so. \param p_Choice completed
+/// The value in force for a key, written as `Shown()` writes it, and where it comes from: command
+/// line, environment, settings file or default. \param p_Choice after `Complete`
 GivenOption InForce(Choice const& p_Choice, HostSettings const& p_Settings, QString const& p_Key);
 
 /// Fills in what is kept, where neither the command line nor the environment gives anything.
-/// \return the first value kept that is none; the option then stays as it was
+/// \return why the first invalid value that is kept is one; its option stays as it was
 std::optional<Failure> Complete(Choice& p_Choice, HostSettings const& p_Settings);
 
 } // namespace Varnholt::Host::ConfigCommand

@@ -35,7 +35,7 @@ public:
     void ShowNotice(Notice const& p_Notice);
     /// The findings of a run, and how it has ended. \return the exit status
     int ShowResult(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Game);
-    /// Of what came to no run. \return the exit status
+    /// A failure outside of a run. \return the exit status
     int ShowFailure(Failure const& p_Failure);
 
 protected:

@@ -39,7 +39,8 @@ protected:
     virtual void BeginFiles() = 0;
     /// Lets the module look at every file, whatever its pending lists say.
     void CompareEverything();
-    /// What has a mark of an unfinished run, or of another build, is not to be trusted.
+    /// The pending lists are not to be trusted: a run was not finished, or they are of another
+    /// build.
     void DistrustLists() { WantsEveryFile = true; }
     bool TrustsLists() const { return !WantsEveryFile; }
     /// Leaves the files to the module's ordinary comparison, which is not repeated.
@@ -55,7 +56,7 @@ private:
     void Verify();
     void OnExamined();
     void Complete();
-    /// Tells each of them in the result. \return what all of it comes down to
+    /// Puts a finding for each into the result. \return the one failure that sums them up
     Failure Explain(FaultWatch::Entries const& p_Missing);
 
     FaultWatch Faults{Context, Reader};

@@ -28,7 +28,7 @@ struct GameEnd {
 class GameProcess {
 public:
     GameProcess() = default;
-    /// Lets the program run on; a thread waits for its end, so that nothing remains of it.
+    /// Lets the program run on; a thread waits for its end, so that it leaves no zombie.
     ~GameProcess();
     GameProcess(GameProcess const&) = delete;
     GameProcess& operator=(GameProcess const&) = delete;

@@ -16,7 +16,7 @@ namespace Varnholt::Host {
 /// Compares a game folder with a build and changes nothing, on the module's worker. Module thread.
 class Inspection {
 public:
-    /// Begins one, which ends with what is returned. \param p_Folder ends in "/"
+    /// Begins one, which is stopped when the pointer returned is gone. \param p_Folder ends in "/"
     /// \param p_EveryFile false: as an ordinary update, which trusts what earlier runs have
     /// verified and listed
     static std::shared_ptr<Inspection> Begin(RunContext const& p_Context, QString const& p_Folder,
@@ -56,7 +56,7 @@ private:
     std::atomic<quint64> Total{0};
     std::atomic<quint32> ComparedFiles{0};
     std::atomic<quint64> ComparedBytes{0};
-    int Asked = 0; ///< how often the comparison has asked whether to go on, since it entered a file
+    int Asked = 0;               ///< calls of `GoOn` since the comparison entered the file in hand
     std::vector<quint64> Before; ///< bytes of the files before each, and of all; of `Run`
     std::atomic<bool> Stopped{false};
     std::atomic<bool> Finished{false};

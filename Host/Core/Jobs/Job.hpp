@@ -44,7 +44,7 @@ public:
     /// What is to be known of a job beforehand; none or several.
     enum Trait : unsigned {
         NeedsServers = 1, ///< it is refused offline
-        UsesCopies = 2,   ///< what is kept of a build does when the servers fail
+        UsesCopies = 2,   ///< it goes on with what is kept of a build when the servers fail
         IsPreview = 4,    ///< the module shall see no installation, see `RunGate`
         CanPause = 8,
         Records = 16, ///< what it does must be known to the next one
@@ -92,9 +92,9 @@ protected:
     /// The phase, and a snapshot of it.
     virtual RunPhase Phase() const { return RunPhase::Connecting; }
     virtual RunSnapshot Look() { return Reader.Read(Phase()); }
-    /// What has been fetched until now, or compared; files and bytes alone.
+    /// Files and bytes that have been fetched until now, or compared; the rest is left at 0.
     virtual RunTotals Count() const;
-    /// Whether the time that passes is one in which bytes move.
+    /// Whether bytes move at the moment, for the average rate.
     virtual bool MovesBytes() const { return IsDownloading(Phase()); }
     /// Called at the end.
     virtual void Release() {}
@@ -135,8 +135,7 @@ protected:
     bool IsFromCopies() const { return UsesKept; }
     OfflineCopies::Documents const& KeptDocuments() const { return Kept; }
     Failure NothingKept() const;
-    /// Why the run learns of no build from a version file; it does when there is no reason.
-    /// \param[out] p_Build that the file names
+    /// Reads the build that a version file names. \return why it names none
     std::optional<Failure> ReadBuild(std::string const& p_VersionFile, QString& p_Build) const;
     QString VersionFile() const;
     QString ManifestFile(QString const& p_Build) const;

@@ -47,7 +47,7 @@ private:
     quint64 CountedBytes = 0;
     quint64 DoneBytes = 0;
     quint64 TotalBytes = 0;
-    QString WholeFile; ///< that is there, and has not got its name yet
+    QString WholeFile; ///< the current one, once all of it lies in its part file
     QElapsedTimer WholeSince;
 };
 

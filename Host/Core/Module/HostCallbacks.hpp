@@ -23,8 +23,8 @@ struct HostEnvironment {
 
 /// The host's side of the module's callback table.
 ///
-/// The table holds plain functions without an argument for "whose", so that one environment serves
-/// the whole process. Without an environment the callbacks answer what stops a module soonest.
+/// The table holds plain functions that do not know which host they belong to, so that one
+/// environment serves the whole process. Without one the callbacks answer so that a module stops.
 namespace HostCallbacks {
 
 /// Makes the environment the process's own: before a module is loaded, since a second loading
