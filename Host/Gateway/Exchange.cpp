@@ -276,13 +276,6 @@ void Exchange::SetRateLimit(std::uint64_t p_BytesPerSecond)
     Loop.Wake();
 }
 
-void Exchange::SetConnections(int p_Connections)
-{
-    Lock const lock(Guard);
-    Options.Connections = std::max(1, p_Connections);
-    Loop.Wake();
-}
-
 std::vector<std::string> Exchange::Servers() const
 {
     Lock const lock(Guard);

@@ -72,7 +72,6 @@ public:
     std::optional<FetchProblem> LatestProblem() const override;
     void Reject(std::string const& p_Path) override;
     void SetRateLimit(std::uint64_t p_BytesPerSecond) override;
-    void SetConnections(int p_Connections) override;
     GatewaySnapshot Snapshot() const override;
     std::vector<std::string> Servers() const override;
     void Ask(Question p_Question, std::function<void(Reply)> p_OnReply) override;

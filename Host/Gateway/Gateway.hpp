@@ -107,7 +107,6 @@ public:
     void Continue() { SetPaused(false); }
     /// \param p_BytesPerSecond 0: as fast as it comes
     virtual void SetRateLimit(std::uint64_t p_BytesPerSecond) = 0;
-    virtual void SetConnections(int p_Connections) = 0;
 
     virtual GatewaySnapshot Snapshot() const = 0;
     /// Base addresses: the content server's, then those of the host list.

@@ -81,8 +81,6 @@ struct Failure {
     QString Remedy() const;
     /// True for what may pass by itself: trying again later makes sense.
     bool IsNetwork() const;
-    /// True for what its publisher does not vouch for.
-    bool IsDistrust() const;
 
     /// Every kind, in an order that is good to read.
     static QVector<FailureKind> Kinds();
