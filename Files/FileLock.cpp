@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QRegularExpression>
 #include <QThread>
 
 #include <algorithm>
@@ -48,6 +49,19 @@ int Lock(int p_File)
     return 0;
 }
 
+/// Whoever has written it has done so in English.
+QString Translated(QString const& p_Name)
+{
+    static QRegularExpression const form(
+        QRegularExpression::anchoredPattern(QStringLiteral("(.+), process (\\d+) on (.+)")));
+
+    auto const match = form.match(p_Name);
+    return match.hasMatch()
+               ? QCoreApplication::translate("Varnholt::FileLock", "%1, process %2 on %3")
+                     .arg(match.captured(1), match.captured(2), match.captured(3))
+               : p_Name;
+}
+
 QString NameIn(int p_File)
 {
     constexpr std::size_t c_Longest = 200;
@@ -58,8 +72,9 @@ QString NameIn(int p_File)
     QString const name = line.trimmed();
     bool const isText = std::all_of(name.begin(), name.end(),
                                     [](QChar p_Character) { return p_Character.isPrint(); });
-    return isText && line.endsWith(QLatin1Char('\n')) ? name
-                                                      : QStringLiteral("it does not say which");
+    return isText && line.endsWith(QLatin1Char('\n'))
+               ? Translated(name)
+               : QCoreApplication::translate("Varnholt::FileLock", "it does not say which");
 }
 
 } // namespace

@@ -96,7 +96,10 @@ int Run(Choice p_Choice, QStringList const& p_Arguments)
     if (p_Choice.Options.SettingsFile.isEmpty())
         p_Choice.Options.SettingsFile = HostOptions::DefaultSettingsFile();
     HostSettings settings(p_Choice.Options.SettingsFile);
-    auto const fault = ConfigCommand::Complete(p_Choice, settings);
+    auto fault = ConfigCommand::TakeEnvironment(p_Choice);
+    auto const faults = ConfigCommand::Complete(p_Choice, settings.All());
+    if (!fault && !faults.empty())
+        fault = faults.front();
 
     Console console(p_Choice.Colors, p_Choice.Quiet);
     MessageLog const log(p_Choice.LogFile, p_Choice.Options.Names);

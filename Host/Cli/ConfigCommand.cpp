@@ -12,13 +12,14 @@ namespace Varnholt::Host::ConfigCommand {
 
 namespace {
 
-constexpr char c_ServerVariable[] = "VARNHOLT_CONTENT_BASE_URL";
+using SettingsFile::Values;
+
 QString const c_PasswordShown = QStringLiteral("(set)");
+QString const c_Group = QStringLiteral("options/");
 
 QString StoreKey(QString const& p_Key)
 {
-    return p_Key == QLatin1String(c_Password) ? QLatin1String(HostSettings::c_PasswordKey)
-                                              : QStringLiteral("options/") + p_Key;
+    return c_Group + p_Key;
 }
 
 /// None for the password.
@@ -62,24 +63,6 @@ QString ToKeep(QString const& p_Key, QString const& p_Value)
     return p_Value;
 }
 
-/// The module reads this variable by itself, so that it goes before the settings here too.
-QString ModulesServer(KeptOption const& p_Option)
-{
-    return QLatin1String(p_Option.Name) == QLatin1String("content-url")
-               ? qEnvironmentVariable(c_ServerVariable)
-               : QString();
-}
-
-/// Of the content server. The variable is removed: the game would inherit it.
-QString Password(HostSettings const& p_Settings)
-{
-    constexpr char c_Variable[] = "VARNHOLT_CONTENT_PASSWORD";
-
-    QString const password = qEnvironmentVariable(c_Variable);
-    qunsetenv(c_Variable);
-    return password.isEmpty() ? Value(p_Settings, QLatin1String(c_Password)) : password;
-}
-
 } // namespace
 
 QStringList Keys()
@@ -91,14 +74,14 @@ QStringList Keys()
     return keys;
 }
 
-QString Value(HostSettings const& p_Settings, QString const& p_Key)
+QString Value(Values const& p_Kept, QString const& p_Key)
 {
-    return p_Settings.Value(StoreKey(p_Key)).toString();
+    return p_Kept.value(StoreKey(p_Key)).toString();
 }
 
-QString Shown(HostSettings const& p_Settings, QString const& p_Key)
+QString Shown(Values const& p_Kept, QString const& p_Key)
 {
-    QString const value = Value(p_Settings, p_Key);
+    QString const value = Value(p_Kept, p_Key);
     return p_Key == QLatin1String(c_Password) && !value.isEmpty() ? c_PasswordShown : value;
 }
 
@@ -115,60 +98,74 @@ std::optional<Failure> Set(HostSettings& p_Settings, QString const& p_Key, QStri
     return p_Settings.Save();
 }
 
-QStringList SetKeys(HostSettings const& p_Settings)
+QStringList SetKeys(Values const& p_Kept)
 {
     QStringList keys = Keys();
-    keys.erase(
-        std::remove_if(keys.begin(), keys.end(),
-                       [&](QString const& p_Key) { return Value(p_Settings, p_Key).isEmpty(); }),
-        keys.end());
+    keys.erase(std::remove_if(keys.begin(), keys.end(),
+                              [&](QString const& p_Key) { return Value(p_Kept, p_Key).isEmpty(); }),
+               keys.end());
     return keys;
 }
 
-GivenOption InForce(Choice const& p_Choice, HostSettings const& p_Settings, QString const& p_Key)
+GivenOption InForce(Choice const& p_Choice, Values const& p_Kept, QString const& p_Key)
 {
-    QString const kept = Shown(p_Settings, p_Key);
-    GivenOption const ofSettings{kept, QStringLiteral("settings file")};
-    QString const environment = QStringLiteral("environment");
-    auto const option = OptionOf(p_Key);
-    if (!option) { // the variable is gone by now
-        QString const password = p_Choice.Options.ContentPassword;
-        if (password.isEmpty())
-            return {{}, QStringLiteral("default")};
-        return password == Value(p_Settings, p_Key) ? ofSettings
-                                                    : GivenOption{c_PasswordShown, environment};
-    }
     if (p_Choice.Given.contains(p_Key))
         return p_Choice.Given[p_Key];
-    if (QString const server = ModulesServer(*option); !server.isEmpty())
-        return {server, environment};
-    return kept.isEmpty() ? GivenOption{option->Default(), QStringLiteral("default")} : ofSettings;
+    QString const kept = Shown(p_Kept, p_Key);
+    if (!kept.isEmpty())
+        return {kept, QStringLiteral("settings file")};
+    auto const option = OptionOf(p_Key);
+    return {option ? option->Default() : QString(), QStringLiteral("default")};
 }
 
-std::optional<Failure> Complete(Choice& p_Choice, HostSettings const& p_Settings)
+std::vector<Failure> UnknownKeys(Values const& p_Kept)
 {
-    std::optional<Failure> failure;
-    auto const note = [&failure](std::optional<Failure> const& p_Fault) {
-        if (!failure)
-            failure = p_Fault;
-        return p_Fault.has_value();
-    };
+    QStringList const known = Keys();
+    std::vector<Failure> unknown;
+    for (QString const& key : p_Kept.keys())
+        if (key.startsWith(c_Group) && !known.contains(key.mid(c_Group.size())))
+            unknown.push_back(UnknownKey(key.mid(c_Group.size())));
+    return unknown;
+}
+
+std::optional<Failure> TakeEnvironment(Choice& p_Choice)
+{
+    constexpr char c_PasswordVariable[] = "VARNHOLT_CONTENT_PASSWORD";
+    constexpr char c_ServerVariable[] =
+        "VARNHOLT_CONTENT_BASE_URL"; // the module reads it by itself
+    QString const serverKey = QStringLiteral("content-url");
+    QString const origin = QStringLiteral("environment");
+
+    p_Choice.Options.ContentPassword = qEnvironmentVariable(c_PasswordVariable);
+    qunsetenv(c_PasswordVariable); // the environment is the game's too, to which it is no use
+    if (!p_Choice.Options.ContentPassword.isEmpty())
+        p_Choice.Given[QLatin1String(c_Password)] = {c_PasswordShown, origin};
+    QString const server = qEnvironmentVariable(c_ServerVariable);
+    if (server.isEmpty() || p_Choice.Given.contains(serverKey))
+        return std::nullopt;
+    p_Choice.Given[serverKey] = {server, origin};
+    QString const why = OptionText::WhyNotServer(server);
+    if (why.isEmpty())
+        return std::nullopt;
+    return Failure{FailureKind::OptionInvalid, QLatin1String(c_ServerVariable), why};
+}
+
+std::vector<Failure> Complete(Choice& p_Choice, Values const& p_Kept)
+{
+    std::vector<Failure> faults;
     for (KeptOption const& option : KeptOption::All()) {
         QString const name = QLatin1String(option.Name);
-        QString text = p_Choice.Given.value(name).Text;
-        QString const server = ModulesServer(option);
-        if (text.isEmpty() && !server.isEmpty()) {
-            QString const why = option.Fault(server);
-            if (!why.isEmpty())
-                note(Failure{FailureKind::OptionInvalid, QLatin1String(c_ServerVariable), why});
-        } else if (text.isEmpty() && !note(FaultOf(name, Value(p_Settings, name)))) {
-            text = Value(p_Settings, name);
-        }
-        if (!text.isEmpty())
+        bool const isGiven = p_Choice.Given.contains(name);
+        QString const text = isGiven ? p_Choice.Given[name].Text : Value(p_Kept, name);
+        auto const fault = FaultOf(name, text);
+        if (fault && !isGiven)
+            faults.push_back(*fault);
+        if (!fault && !text.isEmpty())
             option.Apply(p_Choice, text);
     }
-    p_Choice.Options.ContentPassword = Password(p_Settings);
-    return failure;
+    if (!p_Choice.Given.contains(QLatin1String(c_Password)))
+        p_Choice.Options.ContentPassword = Value(p_Kept, QLatin1String(c_Password));
+    return faults;
 }
 
 } // namespace Varnholt::Host::ConfigCommand

@@ -16,14 +16,14 @@ std::optional<Failure> Show(Choice const& p_Choice, HostSettings& p_Settings, Pr
     QString const& key = p_Choice.ConfigKey;
     if (p_Choice.ConfigList) {
         for (QString const& one : ConfigCommand::Keys()) {
-            GivenOption const option = ConfigCommand::InForce(p_Choice, p_Settings, one);
+            GivenOption const option = ConfigCommand::InForce(p_Choice, p_Settings.All(), one);
             p_Output.ShowOption(one, option.Text, option.Origin, true);
         }
     } else if (key.isEmpty())
-        for (QString const& one : ConfigCommand::SetKeys(p_Settings))
-            p_Output.ShowOption(one, ConfigCommand::Shown(p_Settings, one), {}, true);
+        for (QString const& one : ConfigCommand::SetKeys(p_Settings.All()))
+            p_Output.ShowOption(one, ConfigCommand::Shown(p_Settings.All(), one), {}, true);
     else if (ConfigCommand::Keys().contains(key))
-        p_Output.ShowOption(key, ConfigCommand::Shown(p_Settings, key), {}, false);
+        p_Output.ShowOption(key, ConfigCommand::Shown(p_Settings.All(), key), {}, false);
     else
         return ConfigCommand::Set(p_Settings, key, {}); // tells what is known
     return std::nullopt;

@@ -2,6 +2,8 @@
 
 #include "Host/Cli/OptionText.hpp"
 
+#include <QCoreApplication>
+
 #include <iterator>
 
 namespace Varnholt::Host {
@@ -107,7 +109,7 @@ QString KeptOption::Fault(QString const& p_Text) const
 {
     QStringList const choices = IsFlag() ? QStringList() : Choices();
     if (!choices.isEmpty() && !choices.contains(p_Text))
-        return QStringLiteral("\"%1\" is none of: %2")
+        return QCoreApplication::translate("Varnholt::Host::OptionText", "\"%1\" is none of: %2")
             .arg(p_Text, choices.join(QStringLiteral(", ")));
     return WhyNot == nullptr ? QString() : WhyNot(p_Text);
 }

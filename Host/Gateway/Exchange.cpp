@@ -89,7 +89,8 @@ void Exchange::BeginRun(Source p_Source, Documents p_Copies, std::shared_ptr<Doc
     Copies = std::move(p_Copies);
     CopiesFrom = {};
     if (From == Source::Copies)
-        TurnToCopies({FetchProblem::Type::Silent, Options.ContentServer, "nobody is asked", 0});
+        TurnToCopies(
+            {FetchProblem::Type::Silent, Options.ContentServer, FetchProblem::Cause::NobodyAsked});
     Loop.Wake();
 }
 
@@ -207,6 +208,10 @@ void Exchange::AskSizes(std::vector<PlannedFile> const& p_Files)
 
 void Exchange::SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly)
 {
+    // A client that wanted nothing but a size has to be given the time to hang up: bytes that it is
+    // handed are lost, and nobody wants those before a file's offset.
+    constexpr std::chrono::seconds c_Leaving{2};
+
     if (!IsRunning)
         return;
     for (File const& file : std::exchange(Planned, FilesOf(p_Files)))
@@ -222,6 +227,10 @@ void Exchange::SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirs
     SizesKnown.reset();
     SizesFirst = p_SizesFirst;
     SizesOnly = p_SizesOnly;
+    if (!SizesFirst)
+        for (Reader* const reader : Readers)
+            if (reader->NotBefore == TimePoint::max())
+                reader->NotBefore = Clock::now() + c_Leaving;
     Changed.notify_all();
     Loop.Wake();
 }

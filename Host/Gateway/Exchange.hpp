@@ -41,6 +41,7 @@ public:
         std::optional<std::uint64_t> Size; ///< as its client was told
         std::uint64_t Run = 0;
         bool Starves = false; ///< waits for bytes and has nothing to give to its client
+        TimePoint NotBefore;  ///< that it gets any; the end of time: while sizes come first
     };
     enum class Given { Bytes, Nothing, End, Failure };
     struct DocumentAnswer {
@@ -112,6 +113,10 @@ private:
                void (Exchange::*p_OnEnd)(FileTransfer&, std::optional<FetchProblem> const&));
     void SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly);
     File Known(std::string const& p_Path) const;
+    bool MayRead(Reader const& p_Reader) const
+    {
+        return !SizesFirst && Clock::now() >= p_Reader.NotBefore;
+    }
 
     // _Documents
     std::shared_ptr<Document> NewDocument(std::string const& p_Path) const;
@@ -181,6 +186,7 @@ private:
     FetchProblem Silence() const;
     GatewaySnapshot::Wait WaitAt(TimePoint p_Now, Milliseconds p_Silent) const;
     void CountBytes(Server& p_Server, std::uint64_t p_Bytes, bool p_AreNew, TimePoint p_Now);
+    void NoteArrival(TimePoint p_Now);
     TimePoint LastSign() const { return std::max({LastByte, LastSkipped, WaitedSince}); }
 
     static constexpr std::uint64_t c_WindowBytes = 24ULL * 1024 * 1024;

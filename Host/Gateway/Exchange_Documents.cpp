@@ -32,8 +32,9 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
     if (From != Source::ServerOrCopies)
         Changed.wait(lock, isOver);
     else if (!Changed.wait_until(lock, CopiesFrom, isOver))
-        Finish(*document, document->Problem.value_or(FetchProblem{
-                              FetchProblem::Type::Silent, document->Url, "no answer in time", 0}));
+        Finish(*document,
+               document->Problem.value_or(FetchProblem{FetchProblem::Type::Silent, document->Url,
+                                                       FetchProblem::Cause::NoAnswer}));
     if (run != Run || Closing)
         return {c_Unavailable, {}};
     if (document->Problem && document->Problem->IsDistrust()) {
@@ -146,7 +147,7 @@ Take Exchange::OnDocumentBytes(Document& p_Document, char const* p_Data, std::si
     LastByte = now;
     if (p_Document.Run != Run || p_Document.Part()->size() + p_Count > p_Document.MostBytes()) {
         p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.PartUrl(),
-                                          "it is larger than such a file can be", 0};
+                                          FetchProblem::Cause::TooLarge};
         return Take::Stop;
     }
     p_Document.Part()->append(p_Data, p_Count);
@@ -201,8 +202,8 @@ void Exchange::Finish(Document& p_Document, std::optional<FetchProblem> const& p
                 p_Document.Signature;
     }
     if (p_Document.IsHostList() && !p_Problem && !UseMirrors(*p_Document.Body)) {
-        p_Document.Problem =
-            FetchProblem{FetchProblem::Type::Unusable, p_Document.Url, "it is no list of hosts", 0};
+        p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.Url,
+                                          FetchProblem::Cause::NoHostList};
         FetchedDocuments.erase(p_Document.Path);
     }
     if (Trust && p_Document.Path == Trust->KeyPath())
@@ -239,8 +240,8 @@ void Exchange::StartQuestions()
         events.OnBytes = [reply, most = question.MostBytes,
                           url = request.Url](char const* p_Data, std::size_t p_Count) {
             if (reply->Body.size() + p_Count > most) {
-                reply->Problem = FetchProblem{FetchProblem::Type::Unusable, url,
-                                              "it gives more than was asked for", 0};
+                reply->Problem =
+                    FetchProblem{FetchProblem::Type::Unusable, url, FetchProblem::Cause::TooMuch};
                 return Take::Stop;
             }
             reply->Body.append(p_Data, p_Count);

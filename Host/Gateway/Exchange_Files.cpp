@@ -51,7 +51,7 @@ void Exchange::StartFiles(TimePoint p_Now)
             !FetchGaps(reader->File, reader->At, true, p_Now))
             return RelieveSlowOnes(p_Now);
     for (Reader* const reader : Readers)
-        if (reader->Run == Run && !reader->Starves && !SizesFirst &&
+        if (reader->Run == Run && !reader->Starves && MayRead(*reader) &&
             !FetchGaps(reader->File, reader->At, false, p_Now))
             return RelieveSlowOnes(p_Now);
     if (!SizesOnly)
@@ -153,8 +153,8 @@ bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
     // Nothing of a head that contradicts itself is believed, not even its total.
     if (isAskedFor && p_Head.Length.value_or(end - p_Transfer.Begin) == end - p_Transfer.Begin)
         return !p_Head.Total || LearnSize(p_Transfer, *p_Head.Total);
-    p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
-                                      "it is another part than was asked for", 0};
+    p_Transfer.Problem =
+        FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url, FetchProblem::Cause::OtherPart};
     return false;
 }
 
@@ -166,8 +166,8 @@ bool Exchange::OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head)
     bool const isAll = p_Transfer.Begin == 0 && p_Head.Length <= p_Transfer.Part->End;
     p_Transfer.From->IgnoresRanges |= !isAll || !p_Head.Length;
     if (p_Head.IsEncoded && !p_Transfer.From->IsDefault) {
-        p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
-                                          "it is packed, which nobody has asked for", 0};
+        p_Transfer.Problem =
+            FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url, FetchProblem::Cause::Packed};
         p_Transfer.IsRefused = true;
         return false;
     }
@@ -252,7 +252,7 @@ void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> c
         file.SizeFrom = p_Transfer.From;
     } else if (!isComplete && !problem && !file.EndsAt(span.Arrived)) {
         problem = FetchProblem{FetchProblem::Type::Dropped, p_Transfer.Url,
-                               "connection closed before the end", 0};
+                               FetchProblem::Cause::EndsEarly};
     }
     span.End = span.Arrived;
     if (problem && !isComplete)

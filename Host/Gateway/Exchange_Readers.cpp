@@ -23,8 +23,10 @@ std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std:
     reader->Run = Run;
     Readers.push_back(reader.get());
     ++file->Readers;
-    if (SizesFirst)
+    if (SizesFirst) {
+        reader->NotBefore = TimePoint::max();
         return reader;
+    }
     file->IsReadFromStart = file->IsReadFromStart || p_Offset == 0;
     if (file->PlanIndex != FileContent::c_Unplanned && file->PlanIndex > PlanNext) {
         PlanNext = file->PlanIndex;
@@ -44,7 +46,7 @@ bool Exchange::IsOver(Reader const& p_Reader) const
 bool Exchange::IsServed(Reader const& p_Reader) const
 {
     FileContent const& file = *p_Reader.File;
-    return !SizesFirst && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
+    return MayRead(p_Reader) && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
 }
 
 Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
@@ -64,7 +66,7 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
     if (IsOver(p_Reader))
         return Given::Failure;
     if (!IsServed(p_Reader)) {
-        if (!p_Reader.Starves && !SizesFirst) {
+        if (!p_Reader.Starves && MayRead(p_Reader)) {
             p_Reader.Starves = true;
             Loop.Wake();
         }

@@ -119,12 +119,12 @@ bool Exchange::OnQueryHead(FileTransfer& p_Query, AnswerHead const& p_Head)
     bool const isPart = status == c_PartialContent;
     if (isPart && p_Head.IsEncoded && !p_Query.From->IsDefault) {
         p_Query.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Query.Url,
-                                       "its parts are those of something packed", 0};
+                                       FetchProblem::Cause::PartsPacked};
         p_Query.IsRefused = true;
     } else if (isPart &&
                (p_Head.RangeBegin != std::uint64_t{0} || p_Head.RangeLast != p_Head.RangeBegin)) {
-        p_Query.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Query.Url,
-                                       "it is another part than was asked for", 0};
+        p_Query.Problem =
+            FetchProblem{FetchProblem::Type::Unusable, p_Query.Url, FetchProblem::Cause::OtherPart};
     } else if (isPart && p_Head.Total && !p_Head.IsEncoded) {
         LearnSize(p_Query, *p_Head.Total);
     } else if (isEmpty) {
@@ -163,7 +163,7 @@ void Exchange::OnQueryEnd(FileTransfer& p_Query, std::optional<FetchProblem> con
         NoteFailure(p_Query, *problem);
     else {
         LastByte = Clock::now();
-        Latest.reset();
+        NoteArrival(LastByte);
         p_Query.From->Failures = p_Query.From->Refusals = 0;
     }
     if ((!file->Size && !file->HasNoSize && !file->Refusal) || file->IsDisputed)
@@ -198,7 +198,7 @@ bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
         return false;
     }
     p_Transfer.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Transfer.Url,
-                                      "its length is not the one that was told before", 0};
+                                      FetchProblem::Cause::OtherLength};
     p_Transfer.IsRefused = true;
     if (file.SizeFrom->IsDefault || file.RefusedBy.count(&Board.Default()) != 0)
         return false;

@@ -17,8 +17,9 @@ std::optional<FetchProblem> Exchange::Verdict(Document const& p_Document,
         p_Document.HasBody &&
         (p_Problem->Kind == Type::Unusable ||
          (p_Problem->Kind == Type::Refused && IsOfTheFile(p_Problem->HttpStatus)));
-    return isUnsigned ? FetchProblem{Type::Unsigned, p_Document.Url, p_Problem->Cause, 0}
-                      : p_Problem;
+    if (!isUnsigned)
+        return p_Problem;
+    return FetchProblem{Type::Unsigned, p_Document.Url, p_Problem->Why, 0, p_Problem->Detail};
 }
 
 /// A publisher replaces a document and its signature one after the other: a pair that does not

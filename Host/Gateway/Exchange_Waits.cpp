@@ -25,10 +25,17 @@ void Exchange::CountBytes(Server& p_Server, std::uint64_t p_Bytes, bool p_AreNew
     p_Server.Received += p_Bytes;
     p_Server.Meter.Add(p_Bytes, p_Now);
     (p_AreNew ? LastByte : LastSkipped) = p_Now;
-    Latest.reset(); // it is over
+    NoteArrival(p_Now);
     for (std::shared_ptr<Server> const& server : Board.All())
         if (server.get() == &p_Server)
             LatestServer = server;
+}
+
+/// Something has come: what has failed is over, unless a server is left alone for it.
+void Exchange::NoteArrival(TimePoint p_Now)
+{
+    if (Board.NextTrial(p_Now) == TimePoint::max())
+        Latest.reset();
 }
 
 /// Whether somebody gets no further without the network.
@@ -56,7 +63,7 @@ FetchProblem Exchange::Silence() const
         for (Span const& span : reader->File->Spans)
             if (reader->Run == Run && reader->Starves && span.IsUnderWay())
                 url = span.By->Url;
-    return {FetchProblem::Type::Silent, url, "no answer in time", 0};
+    return {FetchProblem::Type::Silent, url, FetchProblem::Cause::NoAnswer};
 }
 
 /// Gives up when nothing has come for as long as is allowed.
@@ -92,7 +99,7 @@ GatewaySnapshot::Wait Exchange::WaitAt(TimePoint p_Now, Milliseconds p_Silent) c
     bool isUnderWay = Transfers > 0 || Queries > 0;
     for (std::shared_ptr<Server> const& server : Board.All())
         if (HostList::NameOf(wait.Problem.Url) == server->Name)
-            wait.Attempt = server->Failures + 1;
+            wait.Attempt = std::max(server->Failures, Latest ? 1 : 0) + 1;
     for (auto const& row : DocumentsByPath) {
         Document const& document = *row.second;
         if (document.IsDone)

@@ -24,10 +24,39 @@ struct FetchProblem {
         OfAnotherBuild, ///< a manifest: the version file names another one
     };
 
+    /// What exactly. The words for it are the host's, in the language of its user.
+    enum class Cause {
+        Told, ///< as `Detail` has it
+        Status,
+        ConnectionRefused,
+        NoRoute,
+        NoConnection,
+        HostNotFound,
+        ProxyNotFound,
+        ProxyStatus,
+        NoAnswer,
+        NobodyAsked,
+        EndsEarly,
+        CertificateProblem,
+        CertificateOfAnother,
+        RedirectedTooOften,
+        RedirectedElsewhere, ///< to an address of another kind
+        EndlessHeaders,
+        OtherPart, ///< than was asked for
+        Packed,
+        PartsPacked,
+        OtherLength, ///< than was told before
+        TooLarge,
+        TooMuch, ///< more than was asked for
+        NoHostList,
+    };
+
     Type Kind = Type::Unreachable;
-    std::string Url;    ///< without user and password
-    std::string Cause;  ///< in words: "HTTP status 404", "connection refused"
-    int HttpStatus = 0; ///< of the answer; 0 when there was none
+    std::string Url; ///< without user and password
+    Cause Why = Cause::Told;
+    int HttpStatus = 0;      ///< of the answer; 0 when there was none
+    std::string Detail = {}; ///< of the cause: a status, or the words of a system or a library
+    std::string Peer = {};   ///< who it was if not the server: a proxy, the target of a redirection
 
     /// Whether something has come that its publisher does not vouch for.
     bool IsDistrust() const { return Kind >= Type::Unsigned; }

@@ -1,5 +1,6 @@
 #include "Host/Gateway/Transfer.hpp"
 
+#include "Host/Gateway/HttpStatus.hpp"
 #include "Host/Gateway/TransferProblem.hpp"
 
 #include <algorithm>
@@ -139,7 +140,6 @@ std::size_t Transfer::OnHeaderLine(char* p_Data, std::size_t, std::size_t p_Coun
 bool Transfer::IsWayOutOfTls(std::string const& p_Line) const
 {
     constexpr long c_FirstRedirect = 300;
-    constexpr long c_FirstError = 400;
 
     auto const location = ValueOf(p_Line, "location");
     if (!location || ValueOf(*location, "http") == std::nullopt)
@@ -149,7 +149,7 @@ bool Transfer::IsWayOutOfTls(std::string const& p_Line) const
     curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &status);
     curl_easy_getinfo(Easy, CURLINFO_SCHEME, &scheme);
     bool const isSafe = scheme != nullptr && curl_strequal(scheme, "https") != 0;
-    return isSafe && status >= c_FirstRedirect && status < c_FirstError;
+    return isSafe && status >= c_FirstRedirect && status < HttpStatus::c_FirstError;
 }
 
 void Transfer::ReadHeader(std::string const& p_Line)
@@ -224,13 +224,18 @@ void Transfer::Resume()
 
 void Transfer::End(CURLcode p_Code)
 {
-    if (p_Code == CURLE_OK)
+    long status = 0;
+    curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &status);
+    // A refusal is one though its page does not come.
+    bool const isRefused =
+        status >= HttpStatus::c_FirstError && HeaderBytes <= c_MostHeaderBytes && !LeavesTls;
+    if (p_Code == CURLE_OK || isRefused)
         AnnounceHead();
     if (p_Code == CURLE_OK || Stopped)
         return Events.OnEnd(std::nullopt);
     if (HeaderBytes > c_MostHeaderBytes)
-        return Events.OnEnd(
-            FetchProblem{FetchProblem::Type::Unusable, Request.Url, "endless headers", 0});
+        return Events.OnEnd(FetchProblem{FetchProblem::Type::Unusable, Request.Url,
+                                         FetchProblem::Cause::EndlessHeaders});
     if (LeavesTls)
         p_Code = CURLE_UNSUPPORTED_PROTOCOL;
     Events.OnEnd(TransferProblem(Easy, p_Code, Request.Url, ErrorText.data()));

@@ -14,6 +14,7 @@ using namespace HttpStatus;
 
 namespace {
 
+using Cause = FetchProblem::Cause;
 using Type = FetchProblem::Type;
 
 /// Whom libcurl says it could not connect to: "Failed to connect to HOST port PORT after …".
@@ -58,40 +59,47 @@ bool IsSamePeer(std::string const& p_One, std::string const& p_Other)
     return plain(p_One) == plain(p_Other);
 }
 
-std::string SystemCause(CURL* p_Easy)
+/// libcurl's words, where nothing better is known.
+FetchProblem Told(Type p_Kind, std::string const& p_Url, std::string const& p_Text, CURLcode p_Code)
 {
-    long error = 0;
-    curl_easy_getinfo(p_Easy, CURLINFO_OS_ERRNO, &error);
-    if (error == ECONNREFUSED)
-        return "connection refused";
-    if (error == ENETUNREACH || error == EHOSTUNREACH)
-        return "no way to the host";
-    return error == 0 ? "no connection" : std::strerror(static_cast<int>(error));
+    return {p_Kind, p_Url, Cause::Told, 0, p_Text.empty() ? curl_easy_strerror(p_Code) : p_Text};
 }
 
-/// libcurl's words for a certificate's fault, without what it says before them.
-std::string CertificateCause(std::string const& p_Text, CURLcode p_Code)
+/// Without what libcurl says before a certificate's fault.
+FetchProblem Untrusted(std::string const& p_Url, std::string const& p_Text, CURLcode p_Code)
 {
     std::string const before = "certificate problem: ";
     auto const at = p_Text.find(before);
     if (at != std::string::npos)
-        return "certificate not trusted: " + p_Text.substr(at + before.size());
+        return {Type::Untrusted, p_Url, Cause::CertificateProblem, 0,
+                p_Text.substr(at + before.size())};
     if (p_Text.find("subject name") != std::string::npos)
-        return "certificate not trusted: it is of another host's name";
-    return p_Text.empty() ? curl_easy_strerror(p_Code) : p_Text;
+        return {Type::Untrusted, p_Url, Cause::CertificateOfAnother};
+    return Told(Type::Untrusted, p_Url, p_Text, p_Code);
 }
 
 FetchProblem Unconnected(CURL* p_Easy, std::string const& p_Url, std::string const& p_Text)
 {
+    FetchProblem problem{Type::Unreachable, p_Url, Cause::NoConnection};
+    long error = 0;
+    curl_easy_getinfo(p_Easy, CURLINFO_OS_ERRNO, &error);
+    if (error == ECONNREFUSED)
+        problem.Why = Cause::ConnectionRefused;
+    else if (error == ENETUNREACH || error == EHOSTUNREACH)
+        problem.Why = Cause::NoRoute;
+    else if (error != 0) {
+        problem.Why = Cause::Told;
+        problem.Detail = std::strerror(static_cast<int>(error));
+    }
     std::string const peer = PeerIn(p_Text);
-    std::string const cause = SystemCause(p_Easy);
     if (peer.empty() || IsSamePeer(peer, WithPort(p_Url)))
-        return {Type::Unreachable, p_Url, cause, 0};
+        return problem;
+    problem.Peer = peer;
     char const* last = nullptr; // address of a redirection
     curl_easy_getinfo(p_Easy, CURLINFO_EFFECTIVE_URL, &last);
-    if (last != nullptr && IsSamePeer(peer, WithPort(last)))
-        return {Type::Unreachable, p_Url, "redirected to " + peer + ": " + cause, 0};
-    return {Type::ProxyUnreachable, p_Url, "the proxy " + peer + " cannot be reached: " + cause, 0};
+    if (last == nullptr || !IsSamePeer(peer, WithPort(last)))
+        problem.Kind = Type::ProxyUnreachable;
+    return problem;
 }
 
 } // namespace
@@ -104,43 +112,41 @@ FetchProblem TransferProblem(CURL* p_Easy, CURLcode p_Code, std::string const& p
     long answer = 0; // of a proxy that is asked for a way through
     curl_easy_getinfo(p_Easy, CURLINFO_HTTP_CONNECTCODE, &answer);
     if (answer >= c_FirstOther)
-        return {Type::ProxyUnreachable, p_Url,
-                "the proxy answers with HTTP status " + std::to_string(answer), 0};
+        return {Type::ProxyUnreachable, p_Url, Cause::ProxyStatus, 0, std::to_string(answer)};
     switch (p_Code) {
     case CURLE_COULDNT_CONNECT:
         return Unconnected(p_Easy, p_Url, p_Text);
     case CURLE_COULDNT_RESOLVE_HOST:
-        return {Type::Unreachable, p_Url, "host not found", 0};
+        return {Type::Unreachable, p_Url, Cause::HostNotFound};
     case CURLE_COULDNT_RESOLVE_PROXY:
-        return {Type::ProxyUnreachable, p_Url, "the proxy's host is not found", 0};
+        return {Type::ProxyUnreachable, p_Url, Cause::ProxyNotFound};
     case CURLE_OPERATION_TIMEDOUT:
-        return {Type::Silent, p_Url, "no answer in time", 0};
+        return {Type::Silent, p_Url, Cause::NoAnswer};
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
     case CURLE_GOT_NOTHING:
     case CURLE_HTTP2:
     case CURLE_HTTP2_STREAM:
-        return {Type::Dropped, p_Url, "connection closed before the end", 0};
+        return {Type::Dropped, p_Url, Cause::EndsEarly};
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CACERT_BADFILE:
     case CURLE_SSL_CONNECT_ERROR:
     case CURLE_SSL_CERTPROBLEM:
     case CURLE_SSL_ISSUER_ERROR:
-        return {Type::Untrusted, p_Url, CertificateCause(p_Text, p_Code), 0};
+        return Untrusted(p_Url, p_Text, p_Code);
     case CURLE_TOO_MANY_REDIRECTS:
-        return {Type::Unusable, p_Url, "redirected too often", 0};
+        return {Type::Unusable, p_Url, Cause::RedirectedTooOften};
     case CURLE_UNSUPPORTED_PROTOCOL:
-        return {Type::Unusable, p_Url, "redirected to an address of another kind", 0};
+        return {Type::Unusable, p_Url, Cause::RedirectedElsewhere};
     default:
-        return {Type::Unusable, p_Url,
-                p_Text.empty() ? std::string(curl_easy_strerror(p_Code)) : p_Text, 0};
+        return Told(Type::Unusable, p_Url, p_Text, p_Code);
     }
 }
 
 FetchProblem StatusProblem(int p_Status, std::string const& p_Url)
 {
-    return {Type::Refused, p_Url, "HTTP status " + std::to_string(p_Status), p_Status};
+    return {Type::Refused, p_Url, Cause::Status, p_Status, std::to_string(p_Status)};
 }
 
 bool IsOfTheFile(int p_Status)

@@ -5,6 +5,7 @@
 #include "Host/Window/Desktop/Desktop.hpp"
 #include "Host/Window/Desktop/SingleInstance.hpp"
 #include "Host/Window/Main/MainWindow.hpp"
+#include "Host/Window/Main/RunText.hpp"
 #include "Host/Window/Main/WindowParser.hpp"
 #include "Programs/StandardStreams.hpp"
 
@@ -18,24 +19,16 @@ namespace {
 using namespace Varnholt::Host;
 using namespace Varnholt::Programs;
 
-/// What the settings keep, unless it was given.
-Choice Completed(Choice p_Choice, WindowSettings& p_Window)
+int Run(Choice p_Given, QString const& p_Modules)
 {
-    HostSettings const settings(p_Choice.Options.SettingsFile);
-    ConfigCommand::Complete(p_Choice, settings);
-    if (!settings.ReadFailure())
-        p_Window = WindowSettings::Of(SettingsFile::Parse(settings.File()));
-    return p_Choice;
-}
-
-int Run(Choice const& p_Choice, QString const& p_Modules)
-{
-    SingleInstance instance(p_Choice.Options.SettingsFile);
+    SingleInstance instance(p_Given.Options.SettingsFile);
     if (instance.Begin() == SingleInstance::Outcome::Second)
         return EXIT_SUCCESS;
     QString const server = HostOptions().ContentServer(); // a session leads it elsewhere
-    WindowSettings settings;
-    Choice const choice = Completed(p_Choice, settings);
+    auto const fault = ConfigCommand::TakeEnvironment(p_Given);
+    SettingsFile::Values const kept = HostSettings(p_Given.Options.SettingsFile).All();
+    Choice choice = p_Given; // and what is kept, where nothing was given
+    ConfigCommand::Complete(choice, kept);
     MessageLog const log(choice.LogFile, choice.Options.Names);
     QObject::connect(
         &log, &MessageLog::Logged, &log,
@@ -45,16 +38,18 @@ int Run(Choice const& p_Choice, QString const& p_Modules)
         },
         Qt::DirectConnection);
     Language language;
-    language.Use(settings.Language);
+    language.Use(WindowSettings::Of(kept).Language);
     MainWindow window(choice.Options, p_Modules, choice.LogFile);
-    Desktop desktop(window, language, settings, server);
+    if (fault)
+        window.Tell(RunText::Sentence(*fault));
+    Desktop desktop(window, language, p_Given, server);
     QObject::connect(&instance, &SingleInstance::ShowRequested, &desktop, &Desktop::ShowWindow);
     QObject::connect(&window, &MainWindow::Finished, qApp, &QApplication::quit,
                      Qt::QueuedConnection);
     SignalWatch const ends; // what has arrived is kept, whoever ends the program
     QObject::connect(&ends, &SignalWatch::EndRequested, &window, &MainWindow::Quit);
     QApplication::setQuitOnLastWindowClosed(false);
-    desktop.Begin();
+    desktop.Begin(kept);
     return QApplication::exec();
 }
 
@@ -88,6 +83,7 @@ int main(int p_Count, char** p_Arguments)
                 return Start(p_Count, p_Arguments);
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication::setStyle(QStringLiteral("Fusion")); // others take no colours of a game
     QApplication application(p_Count, p_Arguments);
     QApplication::setApplicationName(QStringLiteral("varnholt-window"));
     QApplication::setDesktopFileName(QStringLiteral("varnholt-window"));

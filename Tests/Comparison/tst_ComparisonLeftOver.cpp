@@ -26,16 +26,11 @@ class ComparisonLeftOverTest : public QObject {
 
 private Q_SLOTS:
     void AFirstBuildRecordsFirstBuildOnlyFilesByteForByte();
-    void AFirstBuildReplacesAnOlderList();
+    void ALaterBuildFetchesWhatItsListNames_data();
+    void ALaterBuildFetchesWhatItsListNames();
     void AFirstBuildWithNothingToRecordWritesAnEmptyList();
     void AListThatCannotBeCreatedIsSilentlyNotWritten();
     void ALaterBuildTakesItsFilesFromTheListAndLeavesItAsItIs();
-    void AListedFileIsFetchedAgainAlsoWhenItIsGood();
-    void AListedFileOfAnotherLocaleIsFetched();
-    void AListedFileThatTheGameRewritesIsFetchedOnlyWhenMissing();
-    void ALineThatNamesNoFileIsIgnored();
-    void AFileThatIsListedAlreadyIsNotListedTwice();
-    void AListMayNameAnyFileOfTheBuild();
     void NamesWithBlanksAndAccentsAreFound();
     void AListThatIsMissingIsSilentlyIgnored();
     void AListThatCannotBeReadIsSilentlyIgnored();
@@ -50,18 +45,40 @@ void ComparisonLeftOverTest::AFirstBuildRecordsFirstBuildOnlyFilesByteForByte()
     game.Add({"good", "g", 0x20}).Add({"Data/a", "a", 0x21}).Add({"fr", "f", 0x20, "frFR"});
     game.Publish().Install();
     game.Put("good", "g");
+    game.Put(c_List, "an older and longer list\nwith two lines and more letters\n");
     Compare(game, true);
     QCOMPARE(game.Read(c_List), QByteArray("Donn\xC3\xA9"
                                            "es/z b\nData/a\n"));
 }
 
-void ComparisonLeftOverTest::AFirstBuildReplacesAnOlderList()
+void ComparisonLeftOverTest::ALaterBuildFetchesWhatItsListNames_data()
 {
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QStringList>("fetched");
+    auto const row = [](char const* p_Name, char const* p_List, QStringList const& p_Fetched) {
+        QTest::newRow(p_Name) << QByteArray(p_List) << p_Fetched;
+    };
+    // The list says that a file has not been placed; looking at it would cost what it saves.
+    row("a good file", "good\n", {"good"});
+    row("one that every build looks at", "plain\n", {"plain"});
+    row("of another language", "fr\n", {"fr"});
+    row("that the game rewrites, only when missing", "there\nmissing\n", {"missing"});
+    row("no file", "gone\n\nGOOD\n good\nstreamed\ngood\n../good\n", {"good"});
+    row("twice", "good\ngood\n", {"good"});
+}
+
+void ComparisonLeftOverTest::ALaterBuildFetchesWhatItsListNames()
+{
+    QFETCH(QByteArray, list);
     Game game(TestHost::Worker::ByHand);
-    game.Add({"a", "a", 0x20}).Publish().Install();
-    game.Put(c_List, "an older and longer list\nwith two lines\n");
-    Compare(game, true);
-    QCOMPARE(game.Read(c_List), QByteArray("a\n"));
+    game.Add({"good", "g", 0x20}).Add({"plain", "p"}).Add({"fr", "f", 0x20, "frFR"});
+    game.Add({"there", "t", 0xA0}).Add({"missing", "m", 0xA0}).Add({"streamed", "s", 0, {}, true});
+    game.Publish().Install();
+    game.Put("good", "g");
+    game.Put("plain", "p");
+    game.Put("there", "rewritten");
+    game.Put(c_List, list);
+    QTEST(Compare(game, false), "fetched");
 }
 
 void ComparisonLeftOverTest::AFirstBuildWithNothingToRecordWritesAnEmptyList()
@@ -92,58 +109,6 @@ void ComparisonLeftOverTest::ALaterBuildTakesItsFilesFromTheListAndLeavesItAsItI
     game.Put(c_List, "c\na\n");
     QCOMPARE(Compare(game, false), QStringList({"c", "a"}));
     QCOMPARE(game.Read(c_List), QByteArray("c\na\n"));
-}
-
-// The list says that the file has not been placed; looking at it would cost what it saves.
-void ComparisonLeftOverTest::AListedFileIsFetchedAgainAlsoWhenItIsGood()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"a", "a", 0x20}).Publish().Install();
-    game.Put("a", "a");
-    game.Put(c_List, "a\n");
-    QCOMPARE(Compare(game, false), QStringList("a"));
-}
-
-void ComparisonLeftOverTest::AListedFileOfAnotherLocaleIsFetched()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"fr", "f", 0x20, "frFR"}).Publish().Install();
-    game.Put(c_List, "fr\n");
-    QCOMPARE(Compare(game, false), QStringList("fr"));
-}
-
-void ComparisonLeftOverTest::AListedFileThatTheGameRewritesIsFetchedOnlyWhenMissing()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"there", "t", 0xA0}).Add({"missing", "m", 0xA0}).Publish().Install();
-    game.Put("there", "rewritten");
-    game.Put(c_List, "there\nmissing\n");
-    QCOMPARE(Compare(game, false), QStringList("missing"));
-}
-
-void ComparisonLeftOverTest::ALineThatNamesNoFileIsIgnored()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"a", "a", 0x20}).Add({"streamed", "s", 0, {}, true}).Publish().Install();
-    game.Put(c_List, "gone\n\nA\n a\nstreamed\na\n../a\n");
-    QCOMPARE(Compare(game, false), QStringList("a"));
-}
-
-void ComparisonLeftOverTest::AFileThatIsListedAlreadyIsNotListedTwice()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"plain", "p"}).Add({"a", "a", 0x20}).Publish().Install();
-    game.Put(c_List, "plain\na\na\n");
-    QCOMPARE(Compare(game, false), QStringList({"plain", "a"}));
-}
-
-void ComparisonLeftOverTest::AListMayNameAnyFileOfTheBuild()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"plain", "p"}).Publish().Install();
-    game.Put("plain", "p");
-    game.Put(c_List, "plain\n");
-    QCOMPARE(Compare(game, false), QStringList("plain"));
 }
 
 void ComparisonLeftOverTest::NamesWithBlanksAndAccentsAreFound()

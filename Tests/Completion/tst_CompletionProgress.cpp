@@ -18,7 +18,6 @@ private Q_SLOTS:
     void AFinishedFileCountsWithItsLength();
     void AFinishedFileWithATotalOfZeroIsNotDividedByIt();
     void AFinishedFileLogsTheBytesSinceTheLastSample();
-    void AFinishedFileIsNoLongerTheCurrentDownload();
     void TheNextFileStartsFromTheQueueOnAFreshlyDrawnServer();
     void TheNextFileOfTheDefaultServerIsFetchedThere();
     void TheLastBaseFileGoesOnWithTheStreamedFiles();
@@ -152,15 +151,6 @@ void CompletionProgressTest::AFinishedFileLogsTheBytesSinceTheLastSample()
     request.RateSampleBytes = 6000;
     run.Complete(request);
     QCOMPARE(progress.RateLogIndex, 1);
-}
-
-void CompletionProgressTest::AFinishedFileIsNoLongerTheCurrentDownload()
-{
-    HandMadeRun run;
-    run.Add({"a", "a"}).Add({"b", "b"});
-    run.List();
-    run.Complete("a");
-    QVERIFY(run.App.CurrentDownload == nullptr);
 }
 
 void CompletionProgressTest::TheNextFileStartsFromTheQueueOnAFreshlyDrawnServer()

@@ -1,5 +1,4 @@
 #include "Tests/Completion/HandMadeRun.hpp"
-#include "Tests/Support/FileWatch.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
@@ -15,11 +14,7 @@ private Q_SLOTS:
     void AFinishedFileIsStruckFromItsList();
     void TheOtherListIsLeftAlone();
     void ARetriedFileStandsLast();
-    void AListThatDoesNotNameTheFileIsNotRewritten();
     void AFileThatIsGivenUpIsStruck();
-    void AFileThatWasNotListedIsListedWhenItFails();
-    void TheListIsCreatedWhenItIsMissing();
-    void NamesAreKeptByteForByte();
     void AListThatCannotBeWrittenStopsNothing();
     void AStoppedReadingLeavesTheListAsItIs();
     void TheListIsRewrittenBeforeTheFileIsVerified();
@@ -75,17 +70,6 @@ void ListRewritingTest::ARetriedFileStandsLast()
     QCOMPARE(run.Read("ToDownloadBase.db"), QByteArray("c\n"));
 }
 
-void ListRewritingTest::AListThatDoesNotNameTheFileIsNotRewritten()
-{
-    HandMadeRun run;
-    run.Add({"a", "a"}).Add({"b", "b"});
-    run.List();
-    run.Put(run.PendingList(), "other\n");
-    FileWatch const watch(run.Path(run.PendingList()));
-    run.Complete("a");
-    QVERIFY(watch.IsUntouched());
-}
-
 void ListRewritingTest::AFileThatIsGivenUpIsStruck()
 {
     HandMadeRun run;
@@ -96,38 +80,6 @@ void ListRewritingTest::AFileThatIsGivenUpIsStruck()
     run.Complete("wrong");
     QCOMPARE(run.Read("ToDownloadBase.db"), QByteArray("b\n"));
     QCOMPARE(run.Listed(), QStringList({"a", "b"}));
-}
-
-void ListRewritingTest::AFileThatWasNotListedIsListedWhenItFails()
-{
-    HandMadeRun run;
-    run.Add({"a", "a"}).Add({"b", "b"});
-    run.List();
-    run.Put("ToDownloadBase.db", "other\n");
-    run.Complete("wrong");
-    QCOMPARE(run.Read("ToDownloadBase.db"), QByteArray("other\na\n"));
-}
-
-void ListRewritingTest::TheListIsCreatedWhenItIsMissing()
-{
-    HandMadeRun run;
-    run.Add({"a", "a"}).Add({"b", "b"});
-    run.List();
-    run.Complete("a");
-    QVERIFY(run.Has("ToDownloadBase.db"));
-    QCOMPARE(run.Read("ToDownloadBase.db"), QByteArray(""));
-}
-
-void ListRewritingTest::NamesAreKeptByteForByte()
-{
-    HandMadeRun run;
-    QString const name = QString::fromUtf8("Données/Été 1 ");
-    run.Add({name, "a", 0x20}).Add({"b", "b", 0x20});
-    run.List();
-    run.Put("ToDownloadBase.db", name.toUtf8() + "\n\xC3\x89t\xC3\xA9\n leading\n");
-    run.Complete("wrong");
-    QCOMPARE(run.Read("ToDownloadBase.db"),
-             QByteArray("\xC3\x89t\xC3\xA9\n leading\n" + name.toUtf8() + "\n"));
 }
 
 void ListRewritingTest::AListThatCannotBeWrittenStopsNothing()

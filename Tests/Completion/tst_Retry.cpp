@@ -18,7 +18,6 @@ class RetryTest : public QObject {
 private Q_SLOTS:
     void ARestartCountsAndAddsToTheTotal();
     void FiveRestartsAreSharedByAllFiles();
-    void ThreeFailuresOfOneFileLeaveTwoForTheNext();
     void TheSixthFailureIsGivenUpAndTheRunGoesOn();
     void AGivenUpFileIsLeftOutOfTheTotal();
     void EveryReasonIsGivenUpAlike();
@@ -69,26 +68,6 @@ void RetryTest::FiveRestartsAreSharedByAllFiles()
     run.Fail(1);
     QCOMPARE(run.Logged(c_GivenUp, "file 6"), 1);
     QCOMPARE(run.Log.CountContaining(c_Md5), 5);
-}
-
-void RetryTest::ThreeFailuresOfOneFileLeaveTwoForTheNext()
-{
-    HandMadeRun run;
-    run.Add({"a", "a"});
-    run.List();
-    run.App.IsDownloadingBase = true;
-    run.Fail(3);
-    QCOMPARE(run.Listed(), QStringList({"a", "a", "a", "a"}));
-    run.App.FilesToDownload.push_back(run.App.FilesToDownload.front());
-    run.App.FilesToDownload.back().Path = "b";
-    run.Complete("a");
-    QCOMPARE(run.Read("a"), QByteArray("a"));
-    QCOMPARE(run.CurrentFile(), QString("b"));
-    run.Fail(2);
-    QCOMPARE(run.Log.CountContaining(c_Md5), 5);
-    QCOMPARE(run.Log.CountContaining(c_GivenUp), 0);
-    run.Fail(1);
-    QCOMPARE(run.Log.CountContaining(c_GivenUp), 1);
 }
 
 void RetryTest::TheSixthFailureIsGivenUpAndTheRunGoesOn()

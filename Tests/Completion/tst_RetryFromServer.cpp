@@ -28,13 +28,12 @@ class RetryFromServerTest : public QObject {
 private Q_SLOTS:
     void ARetriedFileIsFetchedAgainBehindAllOthers();
     void AFileThatIsNeverRightIsGivenUpAndTheOthersArrive();
-    void TheBudgetIsSharedAcrossBaseAndStreamedFiles();
     void AMissingFileCostsItsRestartsAndIsReported();
     void ABadTransferIsStartedFromItsBeginning();
     void AServerWithoutRangesIsAskedForTheWholeFileAgain();
     void ATransferThatFailedHalfWayIsContinued();
-    void AFolderInPlaceOfAFileIsGivenUpAndTheOthersArrive();
     void AFolderInPlaceOfAPartStopsTheRunWithoutATransfer();
+    void ADownloadThatCannotOpenItsFileLeavesNoPointer();
     void FilesOfTheDefaultServerDoNotSufferFromABadMirror();
 };
 
@@ -71,20 +70,6 @@ void RetryFromServerTest::AFileThatIsNeverRightIsGivenUpAndTheOthersArrive()
     QCOMPARE(game.Read("b"), QByteArray("b"));
     QCOMPARE(game.Read("s"), QByteArray("s"));
     QCOMPARE(game.Host.FinishedCount.load(), 1);
-}
-
-void RetryFromServerTest::TheBudgetIsSharedAcrossBaseAndStreamedFiles()
-{
-    Game game;
-    game.Add({"a", "a"}).Add({"s", "s", 0, {}, true});
-    AfterSize(game, "a").Then(Wrong(), 3);
-    AfterSize(game, "s").Then(Wrong(), 3);
-    game.Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read("a"), QByteArray("a"));
-    QVERIFY(!game.Has("s"));
-    QCOMPARE(game.Log.CountContaining("(MD5) Download restarted for "), 5);
-    QCOMPARE(game.Log.CountContaining("(ToManyRetry) Download aborded for "), 1);
 }
 
 void RetryFromServerTest::AMissingFileCostsItsRestartsAndIsReported()
@@ -150,19 +135,6 @@ void RetryFromServerTest::ATransferThatFailedHalfWayIsContinued()
     QCOMPARE(game.Log.CountContaining("(MD5) Download restarted for "), 1);
 }
 
-void RetryFromServerTest::AFolderInPlaceOfAFileIsGivenUpAndTheOthersArrive()
-{
-    Game game;
-    game.Add({"a", "a"}).Add({"b", "b"}).Put("a/inside", "of the user");
-    game.Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Log.CountContaining("(RENAME) Download restarted for "), 5);
-    QCOMPARE(game.Log.CountContaining("(ToManyRetry) Download aborded for "), 1);
-    QCOMPARE(game.Host.Errors().filter("File " + game.Path("a") + " error : ").size(), 6);
-    QCOMPARE(game.Read("a/inside"), QByteArray("of the user"));
-    QCOMPARE(game.Read("b"), QByteArray("b"));
-}
-
 void RetryFromServerTest::AFolderInPlaceOfAPartStopsTheRunWithoutATransfer()
 {
     Game game;
@@ -180,6 +152,24 @@ void RetryFromServerTest::AFolderInPlaceOfAPartStopsTheRunWithoutATransfer()
     QVERIFY(game.Finish());
     QCOMPARE(game.Read("a"), QByteArray("a"));
     QCOMPARE(game.Read("b"), QByteArray("b"));
+}
+
+void RetryFromServerTest::ADownloadThatCannotOpenItsFileLeavesNoPointer()
+{
+    Game game(TestHost::Worker::ByHand);
+    game.Add({"a", "a"}).Add({"b", "b"}).Publish().Install();
+    QVERIFY(QDir().mkpath(game.Path("a.part")));
+    game.App.GetInstallationPath();
+    game.App.FilesToDownload = game.App.Manifest.Files;
+    game.App.ProcessContentDownload();
+    QVERIFY(game.Host.RunNextSync());
+    QVERIFY(game.App.CurrentDownload != nullptr);
+    QVERIFY(game.Host.RunUntil([&] { return game.Host.AsyncCount() == 1; }));
+    QVERIFY(game.App.CurrentDownload == nullptr); // before its clean-up can run
+    QVERIFY(game.Host.RunNextAsync());
+    game.App.SuspendDownload();
+    QCOMPARE(game.Host.FinishedCount.load(), 0);
+    QCOMPARE(game.Listed(), QStringList({"a", "b"}));
 }
 
 void RetryFromServerTest::FilesOfTheDefaultServerDoNotSufferFromABadMirror()

@@ -21,10 +21,9 @@ class DownloadAbortTest : public QObject {
 
 private Q_SLOTS:
     void WhileTheServerIsSilent();
-    void WhileTheBodyStalls();
     void WhileBytesArrive();
+    void InThePauseBeforeARestart_data();
     void InThePauseBeforeARestart();
-    void InThePauseOfANonResumableDownload();
     void RightAfterTheEndOfTheTransfer();
     void WhenTheFirstAttemptCannotOpenItsFile();
     void WhenALaterAttemptCannotOpenItsFile_data();
@@ -74,20 +73,6 @@ void DownloadAbortTest::WhileTheServerIsSilent()
     QCOMPARE(bench.Log.CountContaining("HTTP_OnError"), 0);
 }
 
-void DownloadAbortTest::WhileTheBodyStalls()
-{
-    DownloadBench bench;
-    bench.Serve(SampleContent::Bytes(1000));
-    bench.Script().Then(Answer::SilentAfter(400));
-    HTTP_DownloadFileRequest* const request = bench.Start();
-    QVERIFY(bench.Host->RunUntil([&] { return DownloadBench::Look(*request).BytesOnDisk == 400; }));
-    AbortOrFail(*request);
-    QVERIFY(bench.RunToEnd());
-    QCOMPARE(bench.File(), SampleContent::Bytes(1000).left(400));
-    QVERIFY(bench.Completion().Aborted);
-    QVERIFY(bench.Completion().Continuable);
-}
-
 void DownloadAbortTest::WhileBytesArrive()
 {
     DownloadBench bench;
@@ -103,38 +88,32 @@ void DownloadAbortTest::WhileBytesArrive()
     QCOMPARE(file, bytes.left(file.size()));
 }
 
+void DownloadAbortTest::InThePauseBeforeARestart_data()
+{
+    QTest::addColumn<bool>("resume");
+    QTest::newRow("resumable") << true;
+    QTest::newRow("from the start") << false;
+}
+
 void DownloadAbortTest::InThePauseBeforeARestart()
 {
+    QFETCH(bool, resume);
     DownloadBench bench;
     bench.Script().Then(Answer::Status(416).Held()).Always(Answer::Status(416));
     // After the fourth request the pause is a second long.
     AbortAtMessage aborter("HTTP_DownloadFinished end", 4);
-    HTTP_DownloadFileRequest* const request = bench.Start();
-    aborter.SetRequest(request);
-    bench.Server.OpenGate(DownloadBench::c_Path);
-    QVERIFY(bench.Host->RunUntil([] { return AbortAtMessage::HasCome(); }));
-    AbortOrFail(*request);
-    QVERIFY(bench.RunToEnd());
-    // One that slept through the pause would begin the fifth.
-    QCOMPARE(bench.RequestCount(), 4);
-    QCOMPARE(bench.Count(Kind::Complete), 1);
-    QVERIFY(bench.Completion().Aborted);
-}
-
-void DownloadAbortTest::InThePauseOfANonResumableDownload()
-{
-    DownloadBench bench;
-    bench.Script().Then(Answer::Status(416).Held()).Always(Answer::Status(416));
-    AbortAtMessage aborter("HTTP_DownloadFinished end", 4);
-    HTTP_DownloadFileRequest* const request = bench.Start(false);
+    HTTP_DownloadFileRequest* const request = bench.Start(resume);
     aborter.SetRequest(request);
     QVERIFY(DownloadBench::WaitBusy([&] { return QFile::exists(bench.Path); }));
     bench.Server.OpenGate(DownloadBench::c_Path);
     QVERIFY(bench.Host->RunUntil([] { return AbortAtMessage::HasCome(); }));
     AbortOrFail(*request);
     QVERIFY(bench.RunToEnd());
+    // One that slept through the pause would begin the fifth.
     QCOMPARE(bench.RequestCount(), 4);
-    QVERIFY(!QFile::exists(bench.Path));
+    QCOMPARE(QFile::exists(bench.Path), resume);
+    QCOMPARE(bench.Count(Kind::Complete), 1);
+    QVERIFY(bench.Completion().Aborted);
 }
 
 void DownloadAbortTest::RightAfterTheEndOfTheTransfer()
@@ -251,6 +230,7 @@ void DownloadAbortTest::AResumableFileKeepsWhatHasArrived()
     request->Abort();
     QVERIFY(bench.RunToEnd());
     QCOMPARE(bench.File(), bytes.left(400));
+    QVERIFY(bench.Completion().Aborted && bench.Completion().Continuable);
     QCOMPARE(bench.Log.Count("ApplicationAsyncHttpDownloader::HTTP_DownloadFinished <<  true  << "
                              " true  <<  false"),
              1);

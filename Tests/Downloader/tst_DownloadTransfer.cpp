@@ -23,7 +23,6 @@ private Q_SLOTS:
     void WithoutResumingTheOldFileIsRemovedBeforeTheThreadStarts();
     void WithoutResumingNoRangeIsEverAsked();
     void TheRecordStartsWithTheGivenValues();
-    void TheRateTimerOfTheApplicationIsRestarted();
     void MissingFoldersAreCreated();
     void AnEmptyFileCompletes();
     void ALargeFileArrivesWhole();
@@ -33,7 +32,6 @@ private Q_SLOTS:
     void ConsumersOfAnotherThreadAreQueued();
     void ARedirectIsNotFollowed();
     void LogsItsSteps();
-    void LogsAResumedStart();
     void ADestinationThatCannotBeOpenedGivesNoSignal();
 };
 
@@ -76,6 +74,10 @@ void DownloadTransferTest::APartIsContinuedFromItsSize()
     QCOMPARE(bench.File(), QByteArray("ABCD456789"));
     QCOMPARE(bench.Completion().ContentLength, quint64{6});
     QCOMPARE(bench.Completion().BytesOnDisk, qint64{10});
+    QCOMPARE(bench.Log.Count("ApplicationAsyncHttpDownloader::StartDownload Resuming download at "
+                             "byte 4 for file \"" +
+                             bench.Path + "\""),
+             1);
 }
 
 void DownloadTransferTest::WithoutResumingTheOldFileIsRemovedBeforeTheThreadStarts()
@@ -111,7 +113,9 @@ void DownloadTransferTest::TheRecordStartsWithTheGivenValues()
 {
     DownloadBench bench;
     bench.Script().Always(Answer::SilentBeforeHeaders());
+    QVERIFY(bench.App->Timer.isNull());
     HTTP_DownloadFileRequest* const request = bench.Start(true);
+    QVERIFY(bench.App->Timer.isValid());
     QCOMPARE(request->Url, bench.Server.Url(DownloadBench::c_Path));
     QCOMPARE(request->FilePath, bench.Path);
     QVERIFY(request->Resume);
@@ -128,16 +132,6 @@ void DownloadTransferTest::TheRecordStartsWithTheGivenValues()
     HTTP_DownloadFileRequest const fresh;
     QVERIFY(fresh.RateTimer.isNull() && fresh.Url.isEmpty() && fresh.FilePath.isEmpty());
     QVERIFY(fresh.Reply == nullptr);
-}
-
-void DownloadTransferTest::TheRateTimerOfTheApplicationIsRestarted()
-{
-    DownloadBench bench;
-    bench.Serve("a");
-    QVERIFY(bench.App->Timer.isNull());
-    bench.Start();
-    QVERIFY(bench.App->Timer.isValid());
-    QVERIFY(bench.RunToEnd());
 }
 
 void DownloadTransferTest::MissingFoldersAreCreated()
@@ -264,18 +258,6 @@ void DownloadTransferTest::LogsItsSteps()
     QCOMPARE(logged, expected);
     for (auto const& message : bench.Log.Messages())
         QCOMPARE(message.Type, QtWarningMsg);
-}
-
-void DownloadTransferTest::LogsAResumedStart()
-{
-    DownloadBench bench;
-    bench.Serve("0123456789");
-    QVERIFY(bench.WriteFile("0123"));
-    QVERIFY(bench.Run());
-    QCOMPARE(bench.Log.Count("ApplicationAsyncHttpDownloader::StartDownload Resuming download at "
-                             "byte 4 for file \"" +
-                             bench.Path + "\""),
-             1);
 }
 
 void DownloadTransferTest::ADestinationThatCannotBeOpenedGivesNoSignal()

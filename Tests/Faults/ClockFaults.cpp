@@ -1,6 +1,5 @@
-#include "Tests/Faults/ClockFaults.hpp"
-
 #include "Tests/Faults/FaultGame.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/ProcessGame.hpp"
 #include "Tests/Support/FileTools.hpp"
 

@@ -1,5 +1,4 @@
-#include "Tests/Faults/DiskFaults.hpp"
-
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/FaultTrial.hpp"
 #include "Tests/Support/SmallVolume.hpp"
 
@@ -16,9 +15,7 @@ constexpr char c_VolumeSize[] = "1200k"; // the game is half of it
 
 FaultReport NotPossible()
 {
-    FaultReport report;
-    report.Outcome = QStringLiteral("not possible here: this user may not mount a volume");
-    return report;
+    return FaultReport::NotPossible(QStringLiteral("this user may not mount a volume"));
 }
 
 /// A game on a volume of its own that fills up.
@@ -68,9 +65,7 @@ void FillInMidFile(QString const& p_File, RequestType p_Kind, bool p_IsUnknown, 
     FaultTrial trial;
     trial.Where =
         QStringLiteral("%1, %2, %3")
-            .arg(p_File,
-                 p_Kind == RequestType::Install ? QStringLiteral("install")
-                                                : QStringLiteral("update"),
+            .arg(p_File, FaultTrial::NameOf(p_Kind),
                  p_IsUnknown ? QStringLiteral("room unknown") : QStringLiteral("room known"));
     trial.Kind = p_Kind;
     trial.Strike = [&](FaultGame& p_Game) {

@@ -23,4 +23,11 @@ FaultReport FaultReport::FromJson(QJsonObject const& p_Object)
     return report;
 }
 
+FaultReport FaultReport::NotPossible(QString const& p_Why)
+{
+    FaultReport report;
+    report.Outcome = QStringLiteral("not possible here: ") + p_Why;
+    return report;
+}
+
 } // namespace Varnholt::TestSupport

@@ -19,6 +19,8 @@ struct FaultReport {
 
     QJsonObject ToJson() const;
     static FaultReport FromJson(QJsonObject const& p_Object);
+    /// One whose fault cannot be injected on this machine.
+    static FaultReport NotPossible(QString const& p_Why);
 };
 
 /// One fault, tried in every place where it makes sense. Runs in a process of its own.

@@ -65,4 +65,9 @@ void FaultTrial::PutOld(FaultGame& p_Game)
     p_Game.Put(Belongings::c_Config, config + "SET realmlist \"of before\"\n");
 }
 
+QString FaultTrial::NameOf(RequestType p_Kind)
+{
+    return p_Kind == RequestType::Install ? QStringLiteral("install") : QStringLiteral("update");
+}
+
 } // namespace Varnholt::TestSupport

@@ -29,6 +29,8 @@ struct FaultTrial {
     /// An installed game with lists, a configuration of the player's and some files missing, so
     /// that an update writes all there is to write.
     static void PutOld(FaultGame& p_Game);
+    /// Of a run, for a place.
+    static QString NameOf(RequestType p_Kind);
 };
 
 } // namespace Varnholt::TestSupport

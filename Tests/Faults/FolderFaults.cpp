@@ -1,6 +1,5 @@
-#include "Tests/Faults/FolderFaults.hpp"
-
 #include "Tests/Faults/Belongings.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/FaultTrial.hpp"
 #include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/ImmutableFile.hpp"
@@ -15,13 +14,6 @@ namespace Varnholt::TestSupport {
 namespace {
 
 QByteArray const c_OfThePlayer = "of the player";
-
-FaultReport NotPossible(QString const& p_Why)
-{
-    FaultReport report;
-    report.Outcome = QStringLiteral("not possible here: ") + p_Why;
-    return report;
-}
 
 QStringList Files()
 {
@@ -75,7 +67,7 @@ void TryReadOnly(QString const& p_Name, int p_Mode, int p_ModeAfter, FaultTally&
 FaultReport ReadOnly()
 {
     if (!OrdinaryUser::IsPossible())
-        return NotPossible(QStringLiteral("root is not stopped by permissions"));
+        return FaultReport::NotPossible(QStringLiteral("root is not stopped by permissions"));
     OrdinaryUser const user;
     FaultTally tally;
     for (char const* const folder : {"", "Data", "Data/enUS", "WTF"})
@@ -115,8 +107,9 @@ FaultReport Immutable()
     for (QString const& name : Written())
         TryImmutable(name, tally, isPossible);
     return isPossible ? tally.Report()
-                      : NotPossible(QStringLiteral("the file system has no immutable files, or "
-                                                   "this user may not make one"));
+                      : FaultReport::NotPossible(
+                            QStringLiteral("the file system has no immutable files, or "
+                                           "this user may not make one"));
 }
 
 /// Puts a file of the player's in the way. \param p_File below the game's folder
@@ -133,9 +126,7 @@ void TryInTheWay(QString const& p_Where, QString const& p_Blocked, QString const
     }
     game->Put(p_File, c_OfThePlayer);
     FaultTrial trial;
-    trial.Where = QStringLiteral("%1, %2").arg(p_Where, p_Kind == RequestType::Install
-                                                            ? QStringLiteral("install")
-                                                            : QStringLiteral("update"));
+    trial.Where = p_Where + QStringLiteral(", ") + FaultTrial::NameOf(p_Kind);
     trial.Kind = p_Kind;
     QStringList lost;
     trial.Undo = [&](FaultGame& p_Game) {

@@ -1,5 +1,4 @@
-#include "Tests/Faults/LineFaults.hpp"
-
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/FaultTrial.hpp"
 
 #include <QElapsedTimer>
@@ -16,11 +15,6 @@ constexpr int c_Arrived = 5'000;
 constexpr int c_ShortRetryFor = 1'000;
 
 QString const c_Done = QStringLiteral("done");
-
-QString NameOf(RequestType p_Kind)
-{
-    return p_Kind == RequestType::Install ? QStringLiteral("install") : QStringLiteral("update");
-}
 
 /// An update will fetch p_File.
 void Prepare(FaultGame& p_Game, RequestType p_Kind, QString const& p_File)
@@ -59,7 +53,7 @@ struct Outage {
     QString Where() const
     {
         return QStringLiteral("%1, %2, %3")
-            .arg(IsOfSize ? QStringLiteral("size") : File, NameOf(Kind),
+            .arg(IsOfSize ? QStringLiteral("size") : File, FaultTrial::NameOf(Kind),
                  IsSurvived ? QStringLiteral("survived") : QStringLiteral("given up"));
     }
 };
@@ -161,7 +155,7 @@ void TryWithoutProxy(RequestType p_Kind, FaultTally& p_Tally)
         game.Accuse(QStringLiteral("the module does not load"));
     game.UpdateUntilDone();
     game.Quit();
-    p_Tally.Add(QStringLiteral("from the beginning, ") + NameOf(p_Kind), 1,
+    p_Tally.Add(QStringLiteral("from the beginning, ") + FaultTrial::NameOf(p_Kind), 1,
                 end + QStringLiteral(", then complete"), game);
 }
 

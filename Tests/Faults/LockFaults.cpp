@@ -1,6 +1,5 @@
-#include "Tests/Faults/LockFaults.hpp"
-
 #include "Tests/Faults/FaultGame.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/ProcessGame.hpp"
 
 #include <QThread>

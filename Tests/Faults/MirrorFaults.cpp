@@ -1,6 +1,5 @@
-#include "Tests/Faults/MirrorFaults.hpp"
-
 #include "Tests/Faults/FaultGame.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 
 #include <algorithm>
 

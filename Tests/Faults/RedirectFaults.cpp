@@ -1,5 +1,4 @@
-#include "Tests/Faults/RedirectFaults.hpp"
-
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/FaultTrial.hpp"
 
 #include <QUrl>

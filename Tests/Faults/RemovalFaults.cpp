@@ -1,6 +1,5 @@
-#include "Tests/Faults/RemovalFaults.hpp"
-
 #include "Tests/Faults/Belongings.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/FaultTrial.hpp"
 
 #include <QDir>
@@ -31,9 +30,7 @@ void Try(Removal const& p_Removal, QString const& p_File, RequestType p_Kind, Fa
     QString const path = game.Content.ServerPath(p_File);
     game.Server.Script("GET " + path).Then(Answer::SilentAfter(c_Arrived));
     FaultTrial trial;
-    trial.Where = QStringLiteral("%1, %2").arg(p_File, p_Kind == RequestType::Install
-                                                           ? QStringLiteral("install")
-                                                           : QStringLiteral("update"));
+    trial.Where = p_File + QStringLiteral(", ") + FaultTrial::NameOf(p_Kind);
     trial.Kind = p_Kind;
     trial.NotKept = p_Removal.NotKept;
     trial.Strike = [&](FaultGame& p_Game) {

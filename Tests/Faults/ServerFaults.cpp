@@ -1,7 +1,5 @@
-#include "Tests/Faults/ServerFaults.hpp"
-
 #include "Tests/Faults/FaultGame.hpp"
-#include "Tests/Faults/MirrorFaults.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/ServerTarget.hpp"
 
 #include <functional>

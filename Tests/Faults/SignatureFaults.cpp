@@ -1,6 +1,5 @@
-#include "Tests/Faults/SignatureFaults.hpp"
-
 #include "Tests/Faults/FaultGame.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Host/SignedGame.hpp"
 
 #include <functional>

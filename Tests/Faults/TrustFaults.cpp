@@ -1,5 +1,4 @@
-#include "Tests/Faults/TrustFaults.hpp"
-
+#include "Tests/Faults/FaultRows.hpp"
 #include "Tests/Faults/FaultTrial.hpp"
 #include "Tests/Operating/Certificates.hpp"
 #include "Tests/Operating/NginxServer.hpp"
@@ -118,11 +117,8 @@ void TryMirror(TrustFault const& p_Fault, bool p_IsOnly, FaultTally& p_Tally)
 FaultReport Run(TrustFault const& p_Fault)
 {
     FaultTally tally;
-    if (QByteArray(VARNHOLT_NGINX_FILE).endsWith("NOTFOUND")) {
-        FaultReport report;
-        report.Outcome = QStringLiteral("not possible here: there is no nginx");
-        return report;
-    }
+    if (QByteArray(VARNHOLT_NGINX_FILE).endsWith("NOTFOUND"))
+        return FaultReport::NotPossible(QStringLiteral("there is no nginx"));
     for (RequestType const kind : {RequestType::Install, RequestType::Update})
         TryServer(p_Fault, kind, tally);
     for (bool const isOnly : {true, false})

@@ -1,16 +1,5 @@
-#include "Tests/Faults/CallFaults.hpp"
-#include "Tests/Faults/ClockFaults.hpp"
-#include "Tests/Faults/DiskFaults.hpp"
 #include "Tests/Faults/FaultProgram.hpp"
-#include "Tests/Faults/FolderFaults.hpp"
-#include "Tests/Faults/KillFaults.hpp"
-#include "Tests/Faults/LineFaults.hpp"
-#include "Tests/Faults/LockFaults.hpp"
-#include "Tests/Faults/RedirectFaults.hpp"
-#include "Tests/Faults/RemovalFaults.hpp"
-#include "Tests/Faults/ServerFaults.hpp"
-#include "Tests/Faults/SignatureFaults.hpp"
-#include "Tests/Faults/TrustFaults.hpp"
+#include "Tests/Faults/FaultRows.hpp"
 
 using namespace Varnholt::TestSupport;
 

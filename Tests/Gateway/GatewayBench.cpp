@@ -19,7 +19,7 @@ GatewayBench::GatewayBench(int p_Mirrors)
     Server->Serve("/game/version.json", "{\"build\":\"build_1\"}");
     Options.ContentServer = Server->BaseUrl().toStdString();
     Options.ConnectTimeout = 10s;
-    Options.StallTime = 1s;
+    Options.StallTime = 30s;
     Options.RetryPause = 20ms;
     Options.RetryFor = 60s;
     Options.CopyDelay = 300ms;

@@ -62,6 +62,14 @@ private:
     QByteArray MirrorUrl; ///< of the door
 };
 
+/// What a silence has to last for an answer that a test expects. Short only where it is one: a busy
+/// machine's good servers are silent for a second now and then.
+inline std::chrono::seconds StallFor(Answer const& p_Answer)
+{
+    bool const isSilent = p_Answer.IsHeldBeforeHeaders || p_Answer.HeldAfter;
+    return std::chrono::seconds{isSilent ? 1 : 30};
+}
+
 /// Waits for a condition, as long as a busy machine may need.
 inline bool Becomes(std::function<bool()> const& p_Condition)
 {
@@ -87,4 +95,5 @@ constexpr int c_MiB = 1024 * 1024;
 
 } // namespace Varnholt::TestSupport
 
+Q_DECLARE_METATYPE(Varnholt::Gateway::FetchProblem::Cause)
 Q_DECLARE_METATYPE(Varnholt::Gateway::FetchProblem::Type)

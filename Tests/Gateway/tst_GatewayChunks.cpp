@@ -179,7 +179,6 @@ void GatewayChunksTest::NoMoreConnectionsThanAreAllowed()
     QFETCH(int, expected);
     GatewayBench bench(mirrors);
     bench.Options.Connections = connections;
-    bench.Options.StallTime = std::chrono::minutes{1};
     std::vector<PlannedFile> plan;
     for (int i = 0; i < 50; ++i) {
         bench.Serve(Numbered(i), "content");

@@ -39,7 +39,6 @@ private Q_SLOTS:
     void TheContentServerHelpsOutWhenNoMirrorIsLeft_data();
     void TheContentServerHelpsOutWhenNoMirrorIsLeft();
     void EntriesOfTheContentServerComeFromNobodyElse();
-    void EntriesOfTheContentServerWaitForIt();
     void AMirrorThatHasComeBackIsUsedAgain();
     void TheBytesOfARejectedFileComeFromAnother();
     void WhoeverGaveARejectedFileIsBehind();
@@ -73,18 +72,18 @@ void GatewayFailoverTest::AFetchGoesOnAtTheByteWhereAMirrorDied()
     QFETCH(Answer, answer);
     // Whoever is asked first, the second is asked for the rest.
     Bench->ScriptAll(c_Get, answer);
+    Bench->Options.StallTime = StallFor(answer);
     Bench->Open();
     DoorReply const reply = Bench->Content(c_Path);
     QVERIFY(reply.IsWhole);
     QVERIFY(reply.Body == Bytes);
+    // On a busy machine one mirror may be relieved of what it has begun: there are more starts
+    // then.
     std::vector<qint64> starts;
     for (RecordedRequest const& request : Bench->Requests(c_Path, "GET"))
         starts.push_back(StartOf(request));
-    std::sort(starts.begin(), starts.end());
-    QCOMPARE(starts[0], qint64{0});
-    QCOMPARE(starts[1], qint64{300000});
-    QCOMPARE(starts[2], qint64{600000});
-    QCOMPARE(Bench->SentBytes(c_Path), qint64(Bytes.size()));
+    QCOMPARE(std::count(starts.begin(), starts.end(), qint64{0}), std::ptrdiff_t{1});
+    QVERIFY(std::count(starts.begin(), starts.end(), qint64{300000}) > 0);
     QVERIFY(!Bench->Door->Snapshot().GaveUp);
 }
 
@@ -119,6 +118,7 @@ void GatewayFailoverTest::ASickMirrorIsReplaced()
     // Slow enough that the sick one is asked too.
     Bench->Mirrors[1]->Script("GET *").Always(Answer::Drip(64 * 1024, 10));
     Bench->Mirrors[0]->Script("GET *").Always(answer);
+    Bench->Options.StallTime = StallFor(answer);
     std::vector<PlannedFile> plan;
     for (char const* const path : {"game/files/1", "game/files/2", "game/files/3"}) {
         Bench->Serve(path, Bytes);
@@ -152,7 +152,6 @@ void GatewayFailoverTest::AMirrorThatHearsNothingIsReplaced()
     DeafServer const deaf;
     Bench->Server->Serve("/cdns.info", deaf.Host() + ' ' + Bench->Mirrors[0]->Host().toLatin1());
     Bench->Options.ConnectTimeout = std::chrono::milliseconds{500};
-    Bench->Options.StallTime = std::chrono::minutes{1};
     Bench->Open();
     Bench->Door->Plan({Planned(c_Path)});
     QElapsedTimer timer;
@@ -212,6 +211,7 @@ void GatewayFailoverTest::TheContentServerHelpsOutWhenNoMirrorIsLeft()
 {
     QFETCH(Answer, answer);
     Bench->ScriptMirrorsForEver("*", answer);
+    Bench->Options.StallTime = StallFor(answer);
     Bench->Open();
     Bench->Door->Plan({Planned(c_Path)});
     DoorReply const reply = Bench->Content(c_Path);
@@ -226,22 +226,11 @@ void GatewayFailoverTest::EntriesOfTheContentServerComeFromNobodyElse()
 {
     for (auto const& mirror : Bench->Mirrors)
         mirror->Serve(c_ServerPath, "of a mirror");
+    Bench->Server->Script('/' + c_Path).Then(Answer::Status(500), 4); // it is waited for
     Bench->Open();
     Bench->Door->Plan({{c_Path.toStdString(), 0, true}});
     QVERIFY(AskDoor({Bench->DocumentUrl(c_Path)}).Body == Bytes);
     QVERIFY(Bench->Content(c_Path).Body == Bytes);
-    for (auto const& mirror : Bench->Mirrors)
-        QCOMPARE(mirror->Requests().size(), std::size_t{0});
-}
-
-void GatewayFailoverTest::EntriesOfTheContentServerWaitForIt()
-{
-    Bench->Server->Script('/' + c_Path).Then(Answer::Status(500), 4);
-    Bench->Open();
-    Bench->Door->Plan({{c_Path.toStdString(), 0, true}});
-    DoorReply const reply = AskDoor({Bench->DocumentUrl(c_Path)});
-    QVERIFY(reply.IsWhole);
-    QVERIFY(reply.Body == Bytes);
     for (auto const& mirror : Bench->Mirrors)
         QCOMPARE(mirror->Requests().size(), std::size_t{0});
 }

@@ -109,7 +109,7 @@ void GatewayFlowTest::APauseIsNoSilence()
     GatewayBench bench;
     QByteArray const bytes = LargeBytes(30 * c_MiB);
     bench.Serve(c_Path, bytes);
-    bench.Options.RetryFor = 1s;
+    bench.Options.RetryFor = bench.Options.StallTime = 2s;
     bench.Options.BytesPerSecond = 4 * c_MiB;
     bench.Open();
     DoorReader reader({bench.ContentUrl(c_Path)});
@@ -173,6 +173,7 @@ void GatewayFlowTest::ALowRateIsNoStall()
     QByteArray const bytes = LargeBytes(100'000);
     bench.Serve(c_Path, bytes);
     bench.Options.BytesPerSecond = 20'000;
+    bench.Options.StallTime = 1s;
     bench.Open();
     QVERIFY(bench.Content(c_Path).Body == bytes);
     for (auto const& server : bench.Door->Snapshot().Servers)
@@ -183,7 +184,6 @@ void GatewayFlowTest::TheEndOfARunEndsItsReaders()
 {
     GatewayBench bench;
     bench.Serve(c_Path, LargeBytes(c_MiB));
-    bench.Options.StallTime = 1min;
     bench.ScriptForEver("GET " + c_ServerPath, Answer::SilentAfter(1000));
     bench.ScriptForEver("/game/version.json", Answer::SilentBeforeHeaders());
     bench.Open();
@@ -218,7 +218,6 @@ void GatewayFlowTest::DestructionEndsReaders()
     QFETCH(Answer, answer);
     GatewayBench bench;
     bench.Serve(c_Path, LargeBytes(20 * c_MiB));
-    bench.Options.StallTime = 1min;
     bench.ScriptForEver("GET *", answer);
     for (ScriptedServer* const server : bench.Servers())
         server->Script("/cdns.info").Always(Answer::Normal());

@@ -2,6 +2,8 @@
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/TestMain.hpp"
 
+#include <QTcpSocket>
+
 namespace Varnholt::TestSupport {
 
 namespace {
@@ -21,8 +23,8 @@ class GatewaySizesTest : public QObject {
 
 private Q_SLOTS:
     void SizesOfAPlanAreAskedOnce();
-    void SizesMayBeAskedForAlone();
     void WhoAsksForSizesByRequestsThatItDropsGetsNoContent();
+    void WhoHasAskedForASizeIsFetchedNothingWhileItHangsUp();
     void ASizeNeedNotBeKnownToAnyPlan();
     void AreAskedForSideBySide();
     void AreLearntFromAGetWhereHeadIsRefused_data();
@@ -48,6 +50,7 @@ void GatewaySizesTest::SizesOfAPlanAreAskedOnce()
         plan.push_back(Planned(Numbered(i)));
     }
     bench.Open();
+    QVERIFY(!bench.Door->SizeOf(Numbered(0).toStdString()));
     bench.Door->AskSizes(plan);
     QVERIFY(Becomes([&] { return bench.Door->Snapshot().SizesKnown == 100; }));
     for (int i = 0; i < 100; ++i) {
@@ -55,23 +58,12 @@ void GatewaySizesTest::SizesOfAPlanAreAskedOnce()
         DoorReply const reply = AskDoor({bench.ContentUrl(Numbered(i)), {}, "HEAD"});
         QCOMPARE(reply.Header("Content-Length").toInt(), i);
         QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
+        QCOMPARE(bench.SentBytes(Numbered(i)), qint64{0});
     }
     bench.Door->Plan(plan);
     QVERIFY(Becomes([&] { return bench.Door->Snapshot().Received == 99 * 100 / 2; }));
     for (int i = 0; i < 100; ++i)
         QVERIFY(bench.Requests(Numbered(i), "HEAD").size() <= 1);
-}
-
-void GatewaySizesTest::SizesMayBeAskedForAlone()
-{
-    GatewayBench bench;
-    bench.Serve(c_Path, "content");
-    bench.Open();
-    QVERIFY(!bench.Door->SizeOf(c_Path.toStdString()));
-    bench.Door->AskSizes({Planned(c_Path)});
-    QVERIFY(Becomes([&] { return bench.Door->SizeOf(c_Path.toStdString()) == std::uint64_t{7}; }));
-    QCOMPARE(bench.SentBytes(c_Path), qint64{0});
-    QCOMPARE(bench.Door->Snapshot().Received, std::uint64_t{0});
 }
 
 void GatewaySizesTest::WhoAsksForSizesByRequestsThatItDropsGetsNoContent()
@@ -86,6 +78,27 @@ void GatewaySizesTest::WhoAsksForSizesByRequestsThatItDropsGetsNoContent()
     bench.Door->Plan({Planned(c_Path)});
     QVERIFY(dropping.Reply().Body == LargeBytes(c_MiB));
     QCOMPARE(dropping.Reply().Header("Content-Length").toInt(), c_MiB);
+}
+
+void GatewaySizesTest::WhoHasAskedForASizeIsFetchedNothingWhileItHangsUp()
+{
+    constexpr int c_Offset = 300'000;
+
+    GatewayBench bench(0);
+    bench.Serve(c_Path, LargeBytes(c_MiB));
+    bench.Open();
+    PlannedFile const file{c_Path.toStdString(), c_Offset, false};
+    bench.Door->Plan({file}, true);
+    QUrl const url = QUrl::fromEncoded(bench.ContentUrl(c_Path));
+    QTcpSocket asking;
+    asking.connectToHost(url.host(), static_cast<quint16>(url.port()));
+    asking.write("GET " + url.path().toLatin1() + " HTTP/1.1\r\nHost: door\r\n\r\n");
+    QVERIFY(Becomes([&] { return asking.bytesAvailable() > 0; }));
+    bench.Door->Plan({file});
+    QVERIFY(bench.Content(c_Path, "bytes=300000-").Body == LargeBytes(c_MiB).mid(c_Offset));
+    asking.abort();
+    QCOMPARE(bench.SentBytes(c_Path), qint64{c_MiB - c_Offset});
+    QCOMPARE(bench.Requests(c_Path, "GET").size(), std::size_t{1});
 }
 
 void GatewaySizesTest::ASizeNeedNotBeKnownToAnyPlan()
@@ -104,7 +117,6 @@ void GatewaySizesTest::ASizeNeedNotBeKnownToAnyPlan()
 void GatewaySizesTest::AreAskedForSideBySide()
 {
     GatewayBench bench(3);
-    bench.Options.StallTime = std::chrono::minutes{1};
     std::vector<PlannedFile> files;
     for (int i = 0; i < 60; ++i) {
         bench.Serve(Numbered(i), "content");
@@ -169,6 +181,7 @@ void GatewaySizesTest::ASickMirrorCostsNoSize()
         files.push_back(Planned(Numbered(i)));
     }
     bench.Mirrors[0]->Script("*").Always(answer);
+    bench.Options.StallTime = StallFor(answer);
     bench.Open();
     bench.Door->AskSizes(files);
     for (int i = 0; i < 20; ++i)

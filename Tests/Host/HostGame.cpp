@@ -10,8 +10,7 @@
 namespace Varnholt::TestSupport {
 
 HostGame::HostGame(QString const& p_Folder)
-    : Base(QDir(Temporary.path()).canonicalPath() + QLatin1Char('/'))
-    , Folder(Base + p_Folder)
+    : GameWithServer(p_Folder)
     , SettingsFile(Base + QStringLiteral("settings/host.ini"))
 {
 }
@@ -54,59 +53,11 @@ void HostGame::PutInstalled()
     SetSetting("host/pelmora_app/build", Content.Build);
 }
 
-bool HostGame::Has(QString const& p_File) const
-{
-    return QFile::exists(Path(p_File));
-}
-
-QByteArray HostGame::Read(QString const& p_File) const
-{
-    return ReadFile(Path(p_File));
-}
-
-void HostGame::Put(QString const& p_File, QByteArray const& p_Bytes) const
-{
-    if (!WriteFile(Path(p_File), p_Bytes))
-        qFatal("cannot write %s", qPrintable(Path(p_File)));
-}
-
-QStringList HostGame::Wrong(QString const& p_Locale) const
-{
-    QStringList wrong;
-    for (SampleFile const& file : Content.Files) {
-        bool const wanted = file.Locale.isEmpty() || file.Locale == p_Locale;
-        if (wanted ? !Has(file.Path) || Read(file.Path) != file.Bytes : Has(file.Path))
-            wrong += file.Path;
-    }
-    return wrong;
-}
-
 QStringList HostGame::FilesOnDisk() const
 {
-    QStringList names;
-    QDirIterator files(Folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (files.hasNext())
-        names += files.next().mid(Folder.size());
+    QStringList names = GameWithServer::FilesOnDisk();
     names.removeOne(Host::FolderLock::c_File);
-    names.sort();
     return names;
-}
-
-QStringList HostGame::Requested() const
-{
-    QString const prefix = Content.ServerPath(QString());
-    QStringList paths;
-    for (RecordedRequest const& request : Server.Requests())
-        if (static_cast<std::size_t>(request.Number) >= Forgotten &&
-            request.Path.startsWith(prefix))
-            paths += request.Path.mid(prefix.size());
-    paths.sort();
-    return paths;
-}
-
-int HostGame::Requests(QString const& p_File) const
-{
-    return Server.Count(Content.ServerPath(p_File));
 }
 
 bool HostGame::WasResumedAt(QString const& p_File, qint64 p_Offset) const

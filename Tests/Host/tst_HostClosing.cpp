@@ -53,7 +53,6 @@ private Q_SLOTS:
     void ABusyModuleIsNotWaitedFor();
     void ARunUnderWayEndsWhenTheSessionCloses();
     void TheProcessIsAsBefore();
-    void AnotherServerMayFollow();
     void AStopIsSeenInTheMidstOfAFile();
     void AStopIsSeenByABusyModule();
 };
@@ -163,23 +162,6 @@ void HostClosingTest::TheProcessIsAsBefore()
         QCOMPARE(QDir::currentPath(), QDir(folder.path()).canonicalPath());
     }
     QVERIFY(QDir::setCurrent(former));
-}
-
-void HostClosingTest::AnotherServerMayFollow()
-{
-    SessionGame first;
-    first.AddFiles().Publish();
-    QVERIFY(first.Open());
-    QCOMPARE(first.Install(), QString("done"));
-    first.Close();
-    SessionGame second;
-    second.AddFiles();
-    second.Content.Add({"second.txt", "of the second server"});
-    second.Publish();
-    QVERIFY(second.Open());
-    QCOMPARE(second.Install(), QString("done"));
-    QCOMPARE(second.Wrong(), QStringList());
-    QCOMPARE(first.Server.Count(second.Content.ServerPath("second.txt")), 0);
 }
 
 void HostClosingTest::AStopIsSeenInTheMidstOfAFile()

@@ -20,7 +20,6 @@ private Q_SLOTS:
     void OptionsStandBeforeAndBehindTheCommand();
     void OnlyTheResultGoesToStandardOutput();
     void QuietLeavesTheResultOnly();
-    void FailuresAreToldInQuietModeToo();
     void VerboseShowsTheModulesLog();
     void ColoursAreForThoseWhoAskForThem();
     void RelativeNamesAreOfTheUsersFolder();
@@ -165,16 +164,6 @@ void HostCommandLineTest::QuietLeavesTheResultOnly()
         IsComplete(outcome.Out, game, "1 file fetched: 7 bytes in 0:0\\d, \\d+ bytes/s on average"),
         qPrintable(outcome.Out));
     QCOMPARE(outcome.Status, 0);
-}
-
-void HostCommandLineTest::FailuresAreToldInQuietModeToo()
-{
-    HostGame const game;
-    Outcome const outcome = Run(game, {"-q", "update"});
-    QCOMPARE(outcome.Err,
-             QString("varnholt-host: Mists of Pandaria is not installed; install it first.\n"));
-    QCOMPARE(outcome.Out, QString());
-    QCOMPARE(outcome.Status, 1);
 }
 
 void HostCommandLineTest::VerboseShowsTheModulesLog()

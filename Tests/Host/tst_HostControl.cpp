@@ -38,7 +38,6 @@ private Q_SLOTS:
     void AWordMayComeInPieces();
     void ASecondRunLeavesTheFirstItsEar();
     void AKeptLimitIsToldToADownload();
-    void ALimitIsKeptWithoutADownloadToo();
 
 private:
     Outcome Run(QStringList const& p_Arguments) const
@@ -317,14 +316,6 @@ void HostControlTest::AKeptLimitIsToldToADownload()
     QCOMPARE(ended.Status, 0);
     QCOMPARE(ended.Err.count(" limited"), 2);
     QCOMPARE(Game->Wrong(), QStringList());
-}
-
-void HostControlTest::ALimitIsKeptWithoutADownloadToo()
-{
-    Outcome const outcome = Run({"config", "limit-rate", "500k"});
-    QCOMPARE(outcome.Err + outcome.Out, QString());
-    QCOMPARE(outcome.Status, 0);
-    QCOMPARE(Run({"config", "limit-rate"}).Out, QString("500k\n"));
 }
 
 } // namespace Varnholt::TestSupport

@@ -36,6 +36,7 @@ class HostDoorTest : public QObject {
 private Q_SLOTS:
     void EachProblemIsToldAsItsKind_data();
     void EachProblemIsToldAsItsKind();
+    void EachCauseIsToldInWords();
     void APathIsWhatQtAsksFor_data();
     void APathIsWhatQtAsksFor();
     void TheEnvironmentNamesTheDoorWhileItLives_data();
@@ -73,11 +74,31 @@ void HostDoorTest::EachProblemIsToldAsItsKind()
 {
     QFETCH(int, type);
     Host::Failure const failure = Host::ExplainFetch(
-        {static_cast<Gateway::FetchProblem::Type>(type), "http://a.example/a%20b", "why", 0});
+        {static_cast<Gateway::FetchProblem::Type>(type), "http://a.example/a%20b",
+         Gateway::FetchProblem::Cause::Told, 0, "why"});
     QTEST(failure.Identifier(), "identifier");
     QVERIFY2(failure.Sentence().contains("http://a.example/a b ") &&
                  failure.Sentence().contains("(why)"),
              qPrintable(failure.Sentence()));
+}
+
+void HostDoorTest::EachCauseIsToldInWords()
+{
+    using Gateway::FetchProblem;
+    using Cause = FetchProblem::Cause;
+    using Type = FetchProblem::Type;
+
+    QStringList told;
+    for (int cause = 1; cause <= static_cast<int>(Cause::NoHostList); ++cause)
+        told += Host::CauseText({Type::Unusable, {}, static_cast<Cause>(cause)});
+    QCOMPARE(told.removeDuplicates(), 0);
+    QVERIFY(!told.contains(QString()));
+    QCOMPARE(Host::CauseText({Type::Refused, {}, Cause::Status, 503, "503"}),
+             QString("HTTP status 503"));
+    QCOMPARE(Host::CauseText({Type::Unreachable, {}, Cause::ConnectionRefused, 0, {}, "a:1"}),
+             QString("redirected to a:1: connection refused"));
+    QCOMPARE(Host::CauseText({Type::ProxyUnreachable, {}, Cause::Told, 0, "why", "p:1"}),
+             QString("the proxy p:1 cannot be reached: why"));
 }
 
 void HostDoorTest::APathIsWhatQtAsksFor_data()

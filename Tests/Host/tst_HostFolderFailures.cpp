@@ -120,7 +120,7 @@ void HostFolderFailuresTest::AnAbsentGameFolderIsNotCreatedAgain()
     HostGame game;
     game.AddFiles().Publish().PutInstalled();
     QVERIFY(QDir(game.Folder).removeRecursively());
-    for (QString const& command : {QString("update"), QString("repair"), QString("play")}) {
+    for (char const* const command : {"update", "repair", "play", "check", "verify"}) {
         Outcome const outcome = HostProcess(game, {"-q", command}).Finish();
         QCOMPARE(
             outcome.Err,

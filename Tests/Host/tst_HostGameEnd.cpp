@@ -113,6 +113,8 @@ void HostGameEndTest::AnInterruptedHostLeavesTheGameRunning()
     QVERIFY(session.Status().IsInstalled); // the module's thread is there for others
     session.Session().Interrupt();
     QCOMPARE(session.End(), QString("interrupted"));
+    // It may come behind the end, which waits for a busy module for a moment only.
+    QVERIFY(session.WaitUntil([&] { return !session.Notices.isEmpty(); }));
     QCOMPARE(session.Notices, QStringList("The game was started and goes on running."));
     QVERIFY(game.WaitForStarts(1));
     QVERIFY(game.IsRunning());

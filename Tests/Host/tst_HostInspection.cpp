@@ -32,9 +32,6 @@ private Q_SLOTS:
     void OtherLanguagesAreLookedAtByNeither();
     void AnInspectionChangesNothing_data();
     void AnInspectionChangesNothing();
-    void AnInspectionOfNothingIsRefused_data();
-    void AnInspectionOfNothingIsRefused();
-    void AnAbsentFolderIsNotCreated();
     void AnUnreachableServerIsTold();
     void AnInterruptedCheckChangesNothing();
 
@@ -100,6 +97,7 @@ void HostInspectionTest::ACheckTellsWhatAnUpdateWouldFetchAndWhy()
     QCOMPARE(Findings(outcome), expected);
     JsonReport const report(outcome.Out);
     QCOMPARE(report.Texts("finding", "bytes"), (QStringList{"60000", "2000", "7", "9000"}));
+    QCOMPARE(report.Of("finding")[2]["remedy"].toString(), QString("run \"update\""));
     QCOMPARE(report.Last()["error"].toString(), QString("update-available"));
     QVERIFY2(report.Last()["text"].toString().contains("Sample build fetches 4 files (69.3 KiB)"),
              qPrintable(outcome.Out));
@@ -280,39 +278,6 @@ void HostInspectionTest::AnInspectionChangesNothing()
     QVERIFY(before.size() > 10);
     QCOMPARE(Run({"--json", command}).Status, status);
     QCOMPARE(Everything(), before);
-}
-
-void HostInspectionTest::AnInspectionOfNothingIsRefused_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::newRow("check") << "check";
-    QTest::newRow("verify") << "verify";
-}
-
-void HostInspectionTest::AnInspectionOfNothingIsRefused()
-{
-    QFETCH(QString, command);
-    HostGame game;
-    game.AddFiles().Publish();
-    Outcome const outcome = HostProcess(game, {"-q", command}).Finish();
-    QCOMPARE(outcome.Err,
-             QString("varnholt-host: Mists of Pandaria is not installed; install it first.\n"));
-    QCOMPARE(outcome.Status, 1);
-    QCOMPARE(game.Server.Requests().size(), std::size_t(0));
-    QVERIFY(!QFileInfo::exists(game.Folder));
-}
-
-void HostInspectionTest::AnAbsentFolderIsNotCreated()
-{
-    QVERIFY(QDir(Game->Folder).removeRecursively());
-    for (char const* const command : {"check", "verify"}) {
-        Outcome const outcome = Run({"-q", command});
-        QVERIFY2(
-            outcome.Err.contains("the installation folder " + Game->Folder + " does not exist; "),
-            qPrintable(outcome.Err));
-        QCOMPARE(outcome.Status, 7);
-    }
-    QVERIFY(!QFileInfo::exists(Game->Folder));
 }
 
 void HostInspectionTest::AnUnreachableServerIsTold()

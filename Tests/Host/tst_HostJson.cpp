@@ -20,7 +20,6 @@ private Q_SLOTS:
     void ANoticeIsALineOfItsOwn();
     void OnlyRunsThatUseTheRealmListTellOfIt_data();
     void OnlyRunsThatUseTheRealmListTellOfIt();
-    void FindingsStandBeforeTheError();
     void TheLogStaysOutOfStandardOutput();
     void AUsageErrorLeavesStandardOutputEmpty();
 };
@@ -192,21 +191,6 @@ void HostJsonTest::OnlyRunsThatUseTheRealmListTellOfIt()
         HostProcess(game, QStringList("--json") + command.split(QLatin1Char(' '))).Finish();
     QCOMPARE(outcome.Status, 0);
     QCOMPARE(JsonReport(outcome.Out).Texts("notice", "text").filter("realm list").size(), notices);
-}
-
-void HostJsonTest::FindingsStandBeforeTheError()
-{
-    HostGame game;
-    game.AddFiles().Publish().PutInstalled();
-    game.Put("readme.txt", "damaged");
-    Outcome const outcome = HostProcess(game, {"--json", "check"}).Finish();
-    JsonReport const report(outcome.Out);
-    QCOMPARE(outcome.Status, 3);
-    QCOMPARE(report.Texts("finding", "file"), QStringList("readme.txt"));
-    QCOMPARE(report.Texts("finding", "cause"), QStringList("different"));
-    QCOMPARE(report.Texts("finding", "bytes"), QStringList("7"));
-    QCOMPARE(report.Texts("finding", "remedy"), QStringList("run \"update\""));
-    QCOMPARE(report.Last()["error"].toString(), QString("update-available"));
 }
 
 void HostJsonTest::TheLogStaysOutOfStandardOutput()

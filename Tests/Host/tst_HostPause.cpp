@@ -84,7 +84,6 @@ private Q_SLOTS:
     void APauseWhileWaitingToTryAgainHolds();
     void APausedRunHasNoRate();
     void APauseOfAPlayedGameDoesNotOutliveItsRun();
-    void TheUsersSignalPausesAndContinues();
 
 private:
     static void HoldsFor(SessionGame& p_Game);
@@ -305,22 +304,6 @@ void HostPauseTest::APauseOfAPlayedGameDoesNotOutliveItsRun()
     game.Server.OpenGate(version);
     QCOMPARE(game.End(), QString("done"));
     QCOMPARE(game.Install(), QString("done"));
-    QCOMPARE(game.Wrong(), QStringList());
-}
-
-void HostPauseTest::TheUsersSignalPausesAndContinues()
-{
-    HostGame game;
-    game.AddFiles().Publish();
-    QString const path = game.HoldContent(c_Base, 20000);
-    HostProcess host(game, {"install", game.Folder});
-    QVERIFY(host.WaitUntil([&] { return game.Read(c_Base + ".part").size() == 20000; }));
-    host.Signal(SIGUSR1);
-    QVERIFY(host.WaitForErr("\nsuspended\n"));
-    host.Signal(SIGUSR1);
-    game.Server.OpenGate(path);
-    Outcome const outcome = host.Finish();
-    QCOMPARE(outcome.Status, 0);
     QCOMPARE(game.Wrong(), QStringList());
 }
 

@@ -132,6 +132,8 @@ void HostProgressTest::WhatLiesThereOfAFileCountsAsDone()
     // What lay there has not come from anywhere.
     for (RunSnapshot const& snapshot : game.Snapshots)
         QVERIFY(snapshot.BytesReceived <= 30000);
+    QCOMPARE(game.Result().Totals.Files, 1u);
+    QCOMPARE(game.Result().Totals.Bytes, quint64(30000));
     QCOMPARE(FaultOf(game.Snapshots), QString());
 }
 

@@ -29,10 +29,8 @@ private Q_SLOTS:
     void cleanup();
 
     void ARememberedPasswordIsNotAskedForAgain();
-    void AnotherPasswordReplacesIt();
     void AForgottenPasswordIsAskedForAgain();
     void TheEnvironmentMayWishIt();
-    void ForgettingWhatIsNotRememberedIsHarmless();
     void EachAccountHasItsOwn();
     void EachServerHasItsOwn();
     void NoPasswordIsNotRemembered();
@@ -97,15 +95,6 @@ void HostRememberTest::ARememberedPasswordIsNotAskedForAgain()
     QCOMPARE(LoggedIn(), Screen(c_Password));
 }
 
-void HostRememberTest::AnotherPasswordReplacesIt()
-{
-    QCOMPARE(Play(c_Account + QStringList("--remember"), "one\n"), QString());
-    QCOMPARE(Play(c_Account + QStringList("--remember"), "two\n"), QString());
-    QCOMPARE(LoggedIn(), Screen("two"));
-    QCOMPARE(Play(c_Account), QString());
-    QCOMPARE(LoggedIn(), Screen("two"));
-}
-
 void HostRememberTest::AForgottenPasswordIsAskedForAgain()
 {
     QCOMPARE(Play(c_Account + QStringList("--remember"), "one\n"), QString());
@@ -128,12 +117,6 @@ void HostRememberTest::TheEnvironmentMayWishIt()
     ScopedVariable const forget("VARNHOLT_FORGET", "true");
     QCOMPARE(Play(c_Account, "two\n"), QString());
     QCOMPARE(LoggedIn(), Screen("two"));
-}
-
-void HostRememberTest::ForgettingWhatIsNotRememberedIsHarmless()
-{
-    QCOMPARE(Play(c_Account + QStringList("--forget"), "one\n"), QString());
-    QCOMPARE(LoggedIn(), Screen("one"));
 }
 
 void HostRememberTest::EachAccountHasItsOwn()

@@ -20,8 +20,8 @@ private Q_SLOTS:
     void ALanguageIsSetWhileTheSessionLives();
     void AStoppedRepairEndsAndIsNotTakenForAWholeOne();
     void ARepairThatIsStoppedBeforeItsFilesEnds();
-    void ASessionAfterAnotherLoadsTheModuleAgain();
     void ASecondSessionBesideTheFirstIsRefused();
+    void ARunKnowsWhatOthersHaveWritten();
 };
 
 void HostSessionTest::AnInstallationBringsEverything()
@@ -173,17 +173,6 @@ void HostSessionTest::ARepairThatIsStoppedBeforeItsFilesEnds()
     QVERIFY(!game.Status().IsUnfinished);
 }
 
-void HostSessionTest::ASessionAfterAnotherLoadsTheModuleAgain()
-{
-    SessionGame game;
-    game.AddFiles().Publish();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Install(), QString("done"));
-    QVERIFY(game.Open());
-    QVERIFY(game.Status().IsInstalled);
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-}
-
 void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
 {
     SessionGame game;
@@ -195,6 +184,19 @@ void HostSessionTest::ASecondSessionBesideTheFirstIsRefused()
     other.Close();
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());
+}
+
+void HostSessionTest::ARunKnowsWhatOthersHaveWritten()
+{
+    SessionGame game;
+    game.AddFiles().Publish();
+    QVERIFY(game.Open());
+    QCOMPARE(game.Run(RequestType::Verify), QString("not-installed"));
+    game.PutInstalled(); // as another program does
+    QCOMPARE(game.Run(RequestType::Verify), QString("done"));
+    game.SetSetting("theirs", 1);
+    QCOMPARE(game.Run(RequestType::Update), QString("done"));
+    QCOMPARE(game.Setting("theirs"), QVariant("1"));
 }
 
 } // namespace Varnholt::TestSupport

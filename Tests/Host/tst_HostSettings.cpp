@@ -35,6 +35,7 @@ private Q_SLOTS:
     void TheLastKeyCanBeRemoved();
     void ALinkedFileStaysLinked();
     void WhatAnotherProgramWroteStays();
+    void WhatAnotherProgramWroteIsTakenUp();
     void ReadingLeavesNoTrace();
     void WhatIsNoSettingsFileIsNotOverwritten();
     void ARefusalIsKnownBeforeAnythingIsWritten();
@@ -157,6 +158,25 @@ void HostSettingsTest::WhatAnotherProgramWroteStays()
     QCOMPARE(written.value("other"), QVariant("1"));
     QCOMPARE(written.value("new"), QVariant("x"));
     QCOMPARE(written.allKeys().size(), c_Keys + 2);
+}
+
+void HostSettingsTest::WhatAnotherProgramWroteIsTakenUp()
+{
+    HostSettings settings(File);
+    HostSettings(File).SetValue("other", "x");
+    {
+        FileSizeLimit const limit(c_LittleRoom);
+        settings.SetValue("group/key1", "own");
+    } // which finds no room
+    QVERIFY(!settings.Value("other").isValid());
+    settings.ReadAgain();
+    QCOMPARE(settings.Value("other"), QVariant("x"));
+    QCOMPARE(settings.Value("group/key1"), QVariant("own"));
+    QVERIFY(!settings.Save());
+    QCOMPARE(HostSettings(File).All(), settings.All());
+    QVERIFY(WriteFile(File, "no settings\n"));
+    settings.ReadAgain();
+    QCOMPARE(settings.Value("other"), QVariant("x"));
 }
 
 void HostSettingsTest::ReadingLeavesNoTrace()

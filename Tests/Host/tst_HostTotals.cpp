@@ -17,7 +17,6 @@ private Q_SLOTS:
 
     void AnInstallationTotalsWhatItHasFetched();
     void AnUpdateOfACompleteGameTotalsNothing();
-    void WhatLayThereOfAFileIsNotFetched();
     void AVerificationTotalsWhatItHasCompared();
     void ACheckTotalsOnlyWhatItHasRead();
     void TheMeanRateIsOfTheTimeInWhichBytesMoved();
@@ -63,17 +62,9 @@ void HostTotalsTest::AnUpdateOfACompleteGameTotalsNothing()
     QCOMPARE(Totals().Files, 0u);
     QCOMPARE(Totals().Bytes, quint64(0));
     QCOMPARE(Totals().Rate, quint64(0));
-}
-
-void HostTotalsTest::WhatLayThereOfAFileIsNotFetched()
-{
-    Game->PutInstalled();
-    QVERIFY(QFile::remove(Game->Path("Data/base.MPQ")));
-    Game->Put("Data/base.MPQ.part", SampleContent::Bytes(60000, 1).left(12345));
-    QVERIFY(Game->Open());
-    QCOMPARE(Game->Run(RequestType::Update), QString("done"));
-    QCOMPARE(Totals().Files, 1u);
-    QCOMPARE(Totals().Bytes, quint64(60000 - 12345));
+    QCOMPARE(Game->Result().Transfers, 0u);
+    QCOMPARE(Game->Requested(), QStringList());
+    QVERIFY(!Game->IsMarkedUnfinished());
 }
 
 void HostTotalsTest::AVerificationTotalsWhatItHasCompared()

@@ -18,14 +18,11 @@ private Q_SLOTS:
     void TheInstallationIsForgottenAndItsFilesStay();
     void WithItsFilesTheirFoldersGo();
     void WhatIsNotOfTheGameStays();
-    void LeftoversOfAnUnfinishedRunGoToo();
-    void TheLoginScreenGoesToo();
     void DeletingWantsAConfirmation();
     void FilesThatCannotBeRemovedAreNamed();
     void AnAbsentFolderNeedsNoServer();
     void AGameThatRunsIsNotDeleted();
     void WithoutAServerNothingIsDeleted();
-    void NothingIsUninstalledTwice();
     void AStoppedRemovalGoesOnWithTheSameCommand();
 };
 
@@ -76,31 +73,6 @@ void HostUninstallTest::WhatIsNotOfTheGameStays()
                                               "WTF/Config.wtf", "screenshots/1.jpg"}));
     QVERIFY(QDir(game.Path("empty of mine")).exists());
     QVERIFY(!QDir(game.Path("Data/frFR")).exists());
-}
-
-void HostUninstallTest::LeftoversOfAnUnfinishedRunGoToo()
-{
-    HostGame game;
-    game.AddFiles().Publish();
-    game.HoldContent("Data/first build.MPQ", 5000);
-    HostProcess host(game, {"-q", "install", game.Folder});
-    QVERIFY(host.WaitUntil([&] { return game.Has("Data/first build.MPQ.part"); }));
-    host.Signal(SIGINT);
-    QCOMPARE(host.Finish().Status, 130);
-    QCOMPARE(HostProcess(game, {"-q", "-y", "uninstall", "--delete-files"}).Finish().Status, 0);
-    QCOMPARE(game.FilesOnDisk(), QStringList("WTF/Config.wtf"));
-    QVERIFY(!game.IsMarkedUnfinished());
-}
-
-void HostUninstallTest::TheLoginScreenGoesToo()
-{
-    PlayedGame const game;
-    QCOMPARE(game.Play({"--account", "me"}, "password").Status, 0);
-    QVERIFY(game.WaitForStarts(1));
-    QVERIFY(game.Has(game.Layout));
-    game.LetGo();
-    QCOMPARE(HostProcess(game, {"-q", "-y", "uninstall", "--delete-files"}).Finish().Status, 0);
-    QVERIFY(!QDir(game.Path("Interface")).exists());
 }
 
 void HostUninstallTest::DeletingWantsAConfirmation()
@@ -176,18 +148,6 @@ void HostUninstallTest::WithoutAServerNothingIsDeleted()
     QCOMPARE(outcome.Status, 5);
     QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(game.Setting("pelmora_app.Installed").toBool());
-}
-
-void HostUninstallTest::NothingIsUninstalledTwice()
-{
-    HostGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QCOMPARE(HostProcess(game, {"-q", "uninstall"}).Finish().Status, 0);
-    Outcome const outcome = HostProcess(game, {"-q", "uninstall", "--delete-files"}).Finish();
-    QCOMPARE(outcome.Err,
-             QString("varnholt-host: Mists of Pandaria is not installed; install it first.\n"));
-    QCOMPARE(outcome.Status, 1);
-    QCOMPARE(game.Wrong(), QStringList());
 }
 
 /// What gives a player's account away goes first, what is known of the game last.

@@ -14,7 +14,6 @@ class HostUpdateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void AnUpdateOfACompleteGameFetchesNothing();
     void AnUpdateBringsWhatIsMissingOrDamaged();
     void ARepairFindsWhatAnUpdateTrusts();
     void AnUpdateBringsAnotherBuildWithItsStreamedFiles();
@@ -30,17 +29,6 @@ private Q_SLOTS:
     void ALanguageMayBeChosenBeforeTheInstallation();
     void ABuildWithoutTheLanguageIsTold();
 };
-
-void HostUpdateTest::AnUpdateOfACompleteGameFetchesNothing()
-{
-    SessionGame game;
-    game.AddFiles().Publish().PutInstalled();
-    QVERIFY(game.Open());
-    QCOMPARE(game.Run(RequestType::Update), QString("done"));
-    QCOMPARE(game.Result().Transfers, 0u);
-    QCOMPARE(game.Requested(), QStringList());
-    QVERIFY(!game.IsMarkedUnfinished());
-}
 
 void HostUpdateTest::AnUpdateBringsWhatIsMissingOrDamaged()
 {
@@ -113,10 +101,11 @@ void HostUpdateTest::AnUpdateOfNothingIsRefused()
     SessionGame game;
     game.AddFiles().Publish();
     QVERIFY(game.Open());
-    for (RequestType const kind :
-         {RequestType::Update, RequestType::Repair, RequestType::Play, RequestType::Uninstall})
+    for (RequestType const kind : {RequestType::Update, RequestType::Repair, RequestType::Play,
+                                   RequestType::Check, RequestType::Verify, RequestType::Uninstall})
         QCOMPARE(game.Run(kind), QString("not-installed"));
     QCOMPARE(game.Sentence(), QString("Mists of Pandaria is not installed"));
+    QCOMPARE(game.Result().Problem->ExitStatus(), 1);
     QCOMPARE(game.Server.Requests().size(), std::size_t(0));
 }
 

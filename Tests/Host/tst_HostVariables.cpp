@@ -16,13 +16,9 @@ private Q_SLOTS:
     void init() { Game = std::make_unique<HostGame>(); }
     void cleanup() { Game.reset(); }
 
-    void TheCommandLineComesBeforeTheEnvironmentBeforeTheSettings();
-    void TheChannelIsTheOneThatIsGivenFirst_data();
-    void TheChannelIsTheOneThatIsGivenFirst();
     void EachOptionHasItsVariable_data();
     void EachOptionHasItsVariable();
     void TheVariableOfTheSettingsNamesThem();
-    void TheVariableOfTheLogFileNamesIt();
     void AnEmptyVariableIsNone_data();
     void AnEmptyVariableIsNone();
     void ABadVariableIsAUsageError_data();
@@ -41,67 +37,6 @@ private:
 
     std::unique_ptr<HostGame> Game;
 };
-
-void HostVariablesTest::TheCommandLineComesBeforeTheEnvironmentBeforeTheSettings()
-{
-    Game->AddFiles();
-    ScriptedServer ofSettings;
-    ScriptedServer ofEnvironment;
-    ScriptedServer ofCommandLine;
-    auto const asked = [&] {
-        QString servers;
-        for (ScriptedServer const* const server : {&ofSettings, &ofEnvironment, &ofCommandLine})
-            servers += QString::number(server->Count(Game->Content.VersionPath()));
-        return servers;
-    };
-    for (ScriptedServer* const server : {&ofSettings, &ofEnvironment, &ofCommandLine})
-        Game->Content.Publish(*server);
-    Game->SetSetting("options/content-url", ofSettings.BaseUrl());
-    QStringList const locales{"--settings", Game->SettingsFile, "locales"};
-    QCOMPARE(RunPlainly(locales).Status, 0);
-    QCOMPARE(asked(), QString("100"));
-    ScopedVariable const variable("VARNHOLT_CONTENT_URL", ofEnvironment.BaseUrl().toUtf8());
-    QCOMPARE(RunPlainly(locales).Status, 0);
-    QCOMPARE(asked(), QString("110"));
-    QCOMPARE(RunPlainly(locales + QStringList{"--content-url", ofCommandLine.BaseUrl()}).Status, 0);
-    QCOMPARE(asked(), QString("111"));
-}
-
-void HostVariablesTest::TheChannelIsTheOneThatIsGivenFirst_data()
-{
-    QTest::addColumn<QString>("kept");
-    QTest::addColumn<QString>("variable");
-    QTest::addColumn<QString>("option");
-    QTest::addColumn<bool>("isDevelopment");
-    AddRow("nothing", "", "", "", false);
-    AddRow("kept", "true", "", "", true);
-    AddRow("kept as false", "false", "", "", false);
-    AddRow("variable", "", "true", "", true);
-    AddRow("variable over settings", "true", "false", "", false);
-    AddRow("the other way", "false", "1", "", true);
-    AddRow("option", "", "", "--dev-channel", true);
-    AddRow("option over variable", "true", "true", "--dev-channel=false", false);
-    AddRow("option over settings", "false", "false", "--dev-channel", true);
-}
-
-void HostVariablesTest::TheChannelIsTheOneThatIsGivenFirst()
-{
-    QFETCH(QString, kept);
-    QFETCH(QString, variable);
-    QFETCH(QString, option);
-    QFETCH(bool, isDevelopment);
-    Game->AddFiles().Publish();
-    Game->Server.Serve("/pelmora_app/version_dev.json", "{\"build\":\"build_1\"}");
-    if (!kept.isEmpty())
-        Game->SetSetting("options/dev-channel", kept);
-    ScopedVariable const channel("VARNHOLT_DEV_CHANNEL", variable.toUtf8());
-    QStringList arguments("locales");
-    if (!option.isEmpty())
-        arguments += option;
-    QCOMPARE(Run(arguments).Status, 0);
-    QCOMPARE(Game->Server.Count("/pelmora_app/version_dev.json"), isDevelopment ? 1 : 0);
-    QCOMPARE(Game->Server.Count(Game->Content.VersionPath()), isDevelopment ? 0 : 1);
-}
 
 void HostVariablesTest::EachOptionHasItsVariable_data()
 {
@@ -161,14 +96,6 @@ void HostVariablesTest::TheVariableOfTheSettingsNamesThem()
     QCOMPARE(RunPlainly(other).Out, QString("Mists of Pandaria is not installed\n"));
 }
 
-void HostVariablesTest::TheVariableOfTheLogFileNamesIt()
-{
-    Game->AddFiles().Publish();
-    ScopedVariable const variable("VARNHOLT_LOG_FILE", "of the variable.log");
-    QCOMPARE(Run({"-q", "locales"}).Status, 0);
-    QVERIFY(ReadFile(Game->Base + "of the variable.log").contains("[varnholt."));
-}
-
 void HostVariablesTest::AnEmptyVariableIsNone_data()
 {
     QTest::addColumn<QByteArray>("variable");
@@ -193,20 +120,11 @@ void HostVariablesTest::ABadVariableIsAUsageError_data()
 {
     QTest::addColumn<QByteArray>("variable");
     QTest::addColumn<QByteArray>("value");
-    AddRow("server", QByteArray("VARNHOLT_CONTENT_URL"), QByteArray("content.example"));
     AddRow("colour", QByteArray("VARNHOLT_COLOR"), QByteArray("pink"));
-    AddRow("channel", QByteArray("VARNHOLT_DEV_CHANNEL"), QByteArray("maybe"));
     AddRow("json", QByteArray("VARNHOLT_JSON"), QByteArray("maybe"));
     AddRow("rate", QByteArray("VARNHOLT_LIMIT_RATE"), QByteArray("fast"));
-    AddRow("connections", QByteArray("VARNHOLT_CONNECTIONS"), QByteArray("0"));
-    AddRow("time", QByteArray("VARNHOLT_RETRY_FOR"), QByteArray("soon"));
-    AddRow("timeout", QByteArray("VARNHOLT_CONNECT_TIMEOUT"), QByteArray("0"));
     AddRow("file", QByteArray("VARNHOLT_CA_FILE"), QByteArray("/no such file"));
-    AddRow("netrc", QByteArray("VARNHOLT_NETRC_FILE"), QByteArray("/no such file"));
-    AddRow("proxy", QByteArray("VARNHOLT_PROXY"), QByteArray("ftp://p"));
     AddRow("user", QByteArray("VARNHOLT_CONTENT_USER"), QByteArray("a:b"));
-    AddRow("https", QByteArray("VARNHOLT_HTTPS_MIRRORS"), QByteArray("maybe"));
-    AddRow("offline", QByteArray("VARNHOLT_OFFLINE"), QByteArray("maybe"));
 }
 
 void HostVariablesTest::ABadVariableIsAUsageError()

@@ -16,7 +16,6 @@ private Q_SLOTS:
     void OfTooManyOfThemTheInstallationEnds();
     void PathsThatComeTwiceAreOneFile();
     void AFileInTheWayOfAFolderIsNamedAndTheOthersArrive();
-    void AFolderInTheWayOfAFileIsNamedAndTheOthersArrive();
 };
 
 void HostilePathsTest::PathsThatLeaveTheFolderAreLeftOutOfAWholeLife()
@@ -125,17 +124,6 @@ void HostilePathsTest::AFileInTheWayOfAFolderIsNamedAndTheOthersArrive()
     QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.WrongEntries(), QStringList("a/b"));
     QCOMPARE(game.Uninstall(), QString("done"));
-    QCOMPARE(game.Disturbances(), QStringList());
-}
-
-void HostilePathsTest::AFolderInTheWayOfAFileIsNamedAndTheOthersArrive()
-{
-    HostileGame game;
-    game.AddEntry("a/b").AddEntry("a").AddEntry("last").AddEntry("last streamed", 0, true);
-    game.Begin();
-    QCOMPARE(game.Install(), QString("folder-blocks-file"));
-    QCOMPARE(game.Wrong(), QStringList());
-    QCOMPARE(game.WrongEntries(), QStringList("a"));
     QCOMPARE(game.Disturbances(), QStringList());
 }
 

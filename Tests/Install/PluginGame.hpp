@@ -1,22 +1,16 @@
 #pragma once
 
+#include "Tests/Support/GameWithServer.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/LogCapture.hpp"
-#include "Tests/Support/SampleContent.hpp"
-#include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestHost.hpp"
-
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
-#include <QTemporaryDir>
 
 #include <memory>
 
 namespace Varnholt::TestSupport {
 
 /// The built plug-in in a host, with a content server and a folder to install into.
-class PluginGame {
+class PluginGame : public GameWithServer {
 public:
     PluginGame();
     ~PluginGame();
@@ -38,31 +32,13 @@ public:
     /// Ends the launcher and starts it again: a new module, the same settings.
     void Restart();
 
-    QString Path(QString const& p_File) const { return Folder + p_File; }
-    bool Has(QString const& p_File) const;
-    QByteArray Read(QString const& p_File) const;
-    void Put(QString const& p_File, QByteArray const& p_Bytes) const;
-    /// Names of the build's files of a language that are missing or differ on the disk.
-    QStringList Wrong(QString const& p_Locale = QStringLiteral("enUS")) const;
-    /// Names that end so, below the folder.
-    QStringList FilesEndingWith(QString const& p_End) const;
-    /// The build's files that were asked for, each as often as it was, in alphabetical order.
-    QStringList Requested() const;
-    /// Begins to count requests anew.
-    void ForgetRequests() { Forgotten = Server.Requests().size(); }
-
     LogCapture Log;
-    QTemporaryDir Temporary;
-    QString Folder; ///< ends in "/"
-    ScriptedServer Server;
-    SampleContent Content;
 
 private:
     void Load();
 
     std::unique_ptr<LoadedPlugin> Plugin;
     std::unique_ptr<TestHost> CurrentHost;
-    std::size_t Forgotten = 0;
 };
 
 } // namespace Varnholt::TestSupport

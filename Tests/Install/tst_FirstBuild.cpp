@@ -37,7 +37,6 @@ private:
     /// Starts the launcher anew, as far as the walk; with a worker that is run by hand.
     [[nodiscard]] static bool Start(Game& p_Game);
     static void RunWorker(Game& p_Game);
-    static QStringList Wrong(Game const& p_Game);
 };
 
 void FirstBuildTest::AddFiles(Game& p_Game)
@@ -67,15 +66,6 @@ void FirstBuildTest::RunWorker(Game& p_Game)
     }
 }
 
-QStringList FirstBuildTest::Wrong(Game const& p_Game)
-{
-    QStringList wrong;
-    for (SampleFile const& file : p_Game.Content.Files)
-        if (p_Game.Read(file.Path) != file.Bytes)
-            wrong += file.Path;
-    return wrong;
-}
-
 void FirstBuildTest::AStartBeforeTheWalkIsAFirstBuildAgain()
 {
     Game game(TestHost::Worker::ByHand);
@@ -86,7 +76,7 @@ void FirstBuildTest::AStartBeforeTheWalkIsAFirstBuildAgain()
     QVERIFY(Start(game));
     QVERIFY(game.App.IsFirstManifestBuild);
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.Has(c_Note));
 }
 
@@ -106,7 +96,7 @@ void FirstBuildTest::AStartDuringTheWalkIsAFirstBuildAgain()
     game.AnswerContinue(nullptr);
     RunWorker(game);
     QCOMPARE(game.Log.CountContaining("Fetched file"), 3);
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void FirstBuildTest::AWalkThatIsKilledIsDoneAgain_data()
@@ -144,7 +134,7 @@ void FirstBuildTest::AWalkThatIsKilledIsDoneAgain()
     game.Host.SetSetting(game.App.SettingKey(".ManifestBuilt"), true);
     QVERIFY(Start(game));
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.Has(c_Note));
 }
 
@@ -175,7 +165,7 @@ void FirstBuildTest::AWalkThatIsStoppedIsDoneAgain()
     game.AnswerContinue(nullptr);
     QVERIFY(Start(game));
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.Has(c_Note));
 }
 
@@ -190,7 +180,7 @@ void FirstBuildTest::AWalkThatWasStoppedForAMomentIsDoneAgain()
     QVERIFY(game.Has(c_Note));
     QVERIFY(Start(game));
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.Has(c_Note));
 }
 
@@ -211,11 +201,11 @@ void FirstBuildTest::WhatALinkKeptOutOfReachIsLookedForAgain()
     game.Install();
     QVERIFY(Start(game));
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList("Data/file"));
+    QCOMPARE(game.Wrong(), QStringList("Data/file"));
     QVERIFY(QDir().mkdir(game.Path("unplugged")));
     QVERIFY(Start(game));
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
     QVERIFY(!game.Has(c_Note));
 }
 
@@ -235,7 +225,7 @@ void FirstBuildTest::WhatALinkTookAwayInMidTransferStaysListed()
     QVERIFY(QDir().rename(game.Path("plugged"), game.Path("unplugged")));
     game.Begin(false);
     QVERIFY(game.Finish());
-    QCOMPARE(Wrong(game), QStringList());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Server.Requests(path).back().Header("Range"), QByteArray("bytes=1000-"));
 }
 
@@ -270,7 +260,7 @@ void FirstBuildTest::RecordedItIsOver()
     QVERIFY(Start(game));
     QVERIFY(!game.App.IsFirstManifestBuild);
     RunWorker(game);
-    QCOMPARE(Wrong(game), QStringList("a")); // trusted to the list
+    QCOMPARE(game.Wrong(), QStringList("a")); // trusted to the list
 }
 
 void FirstBuildTest::WhatSkipsTheCheckForgetsIt_data()

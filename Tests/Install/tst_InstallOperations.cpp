@@ -1,5 +1,5 @@
-#include "Tests/Install/RemovalWatch.hpp"
 #include "Tests/Runs/Game.hpp"
+#include "Tests/Support/FolderEvents.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QDir>
@@ -98,11 +98,11 @@ void InstallOperationsTest::InstallWithTheFlagRemovesTheListsBeforeTheComparison
     game.Add({"a", "a", 0x20}).Publish();
     PutLists(game);
     game.Put("other.db", "stays");
-    RemovalWatch removals(game.Folder);
+    FolderEvents removals(game.Folder);
     game.App.Install(game.Folder, true);
     QCOMPARE(game.FilesOnDisk(), QStringList("other.db"));
     QCOMPARE(game.Host.AsyncCount(), std::size_t{1});
-    if (!RemovalWatch::c_Works)
+    if (!FolderEvents::c_Works)
         QSKIP("the order of removals is not seen on this system");
     QCOMPARE(removals.Removed(),
              QStringList({"ToDownloadBase.db", "ToDownload.db", "ToDownloadCASC.db"}));
@@ -185,10 +185,10 @@ void InstallOperationsTest::AbortRepairRemovesTheListsInItsOwnOrder()
     Game game(TestHost::Worker::ByHand);
     game.Publish().Install();
     PutLists(game);
-    RemovalWatch removals(game.Folder);
+    FolderEvents removals(game.Folder);
     game.App.AbortRepair();
     QCOMPARE(game.FilesOnDisk(), QStringList());
-    if (!RemovalWatch::c_Works)
+    if (!FolderEvents::c_Works)
         QSKIP("the order of removals is not seen on this system");
     QCOMPARE(removals.Removed(),
              QStringList({"ToDownloadCASC.db", "ToDownloadBase.db", "ToDownload.db"}));

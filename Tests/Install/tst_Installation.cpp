@@ -1,9 +1,8 @@
 #include "Tests/Install/PluginGame.hpp"
+#include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QtTest>
-
-#include <sys/stat.h>
 
 namespace Varnholt::TestSupport {
 
@@ -29,15 +28,6 @@ void AddEverything(SampleContent& p_Content)
         .Add({"Data/Streamed/tile 2.adt", "tile 2", 0x20, {}, true})
         .Add({"Data/Streamed/fr.adt", "french tile", 0, "frFR", true})
         .Add({"Data/Streamed/en.adt", "english tile", 0, "enUS", true});
-}
-
-int ModeOf(QString const& p_Path)
-{
-    constexpr unsigned c_PermissionBits = 07777;
-    struct stat status {};
-    if (stat(p_Path.toUtf8().constData(), &status) != 0)
-        return -1;
-    return static_cast<int>(status.st_mode & c_PermissionBits);
 }
 
 QStringList Twice(QStringList p_Names)
@@ -80,9 +70,9 @@ void InstallationTest::FromTheStartToTheFinishedGame()
     QCOMPARE(ModeOf(game.Path("Documents/Licence 100%.html")), 0444);
     QCOMPARE(ModeOf(game.Path("World of Warcraft.app/Contents/MacOS/World of Warcraft")), 0777);
     QCOMPARE(ModeOf(game.Path("both")), 0777);
-    QCOMPARE(game.FilesEndingWith(".part"), QStringList());
-    QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray(""));
-    QCOMPARE(game.Read("ToDownload.db"), QByteArray(""));
+    QCOMPARE(game.FilesOnDisk().filter(".part"), QStringList());
+    for (char const* const list : {"ToDownloadBase.db", "ToDownload.db"})
+        QVERIFY(game.Has(list) && game.Read(list).isEmpty());
     QByteArray const config = game.Read("WTF/Config.wtf");
     QVERIFY2(config.contains("SET locale \"enUS\"") &&
                  config.contains("SET installLocale \"enUS\"") &&
@@ -137,7 +127,7 @@ void InstallationTest::AGameThatIsNotInstalledIsOnlyLookedAt()
     QVERIFY(game.Init());
     QCOMPARE(game.App().UISetting.State, 1);
     QCOMPARE(game.Requested(), QStringList());
-    QCOMPARE(game.FilesEndingWith(""), QStringList());
+    QCOMPARE(game.FilesOnDisk(), QStringList());
     QCOMPARE(game.Host().Setting("pelmora_app.ManifestBuilt"), QVariant(false));
     QVERIFY(game.Repair());
     QCOMPARE(game.Requested(), QStringList());

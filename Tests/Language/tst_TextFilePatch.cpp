@@ -30,11 +30,8 @@ private Q_SLOTS:
     void TheNewLineIsTheLastOne();
     void LinesOfOtherLettersSurviveInTheLocalEncoding();
     void AFileThatCannotBeWrittenStaysAsItWas();
-    void AFileOfAReadOnlyFolderIsWrittenInPlace();
     void AnUnreadableFileIsReplacedByTheLine();
-    void TheFileIsReplacedAsAWhole();
     void ASymbolicLinkIsFollowed();
-    void TheModeIsKept();
     void NothingIsLogged();
 
 private:
@@ -155,17 +152,6 @@ void TextFilePatchTest::AFileThatCannotBeWrittenStaysAsItWas()
     QCOMPARE(ReadFile(Path), QByteArray("key\n"));
 }
 
-void TextFilePatchTest::AFileOfAReadOnlyFolderIsWrittenInPlace()
-{
-    VARNHOLT_AS_ORDINARY_USER();
-    init();
-    QVERIFY(WriteFile(Path, "key 1\na\n"));
-    QVERIFY(TestSupport::SetMode(Folder->path(), 0555));
-    Patch("key", "line");
-    QVERIFY(TestSupport::SetMode(Folder->path(), 0755));
-    QCOMPARE(ReadFile(Path), QByteArray("a\nline\n"));
-}
-
 void TextFilePatchTest::AnUnreadableFileIsReplacedByTheLine()
 {
     VARNHOLT_AS_ORDINARY_USER();
@@ -177,19 +163,6 @@ void TextFilePatchTest::AnUnreadableFileIsReplacedByTheLine()
     QCOMPARE(ReadFile(Path), QByteArray("line\n"));
 }
 
-void TextFilePatchTest::TheFileIsReplacedAsAWhole()
-{
-    // A second name of the old file keeps the old content when the new file takes its place; the
-    // game never reads a configuration that is half written.
-    QString const second = Folder->path() + "/second";
-    QVERIFY(WriteFile(Path, "a\n"));
-    QCOMPARE(link(Path.toUtf8().constData(), second.toUtf8().constData()), 0);
-    Patch("key", "line");
-    QCOMPARE(ReadFile(Path), QByteArray("a\nline\n"));
-    QCOMPARE(ReadFile(second), QByteArray("a\n"));
-    QCOMPARE(QDir(Folder->path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
-}
-
 void TextFilePatchTest::ASymbolicLinkIsFollowed()
 {
     QString const target = Folder->path() + "/target";
@@ -198,14 +171,6 @@ void TextFilePatchTest::ASymbolicLinkIsFollowed()
     Patch("key", "line");
     QVERIFY(QFileInfo(Path).isSymbolicLink());
     QCOMPARE(ReadFile(target), QByteArray("a\nline\n"));
-}
-
-void TextFilePatchTest::TheModeIsKept()
-{
-    QVERIFY(WriteFile(Path, "a\n"));
-    QVERIFY(TestSupport::SetMode(Path, 0640));
-    Patch("key", "line");
-    QCOMPARE(TestSupport::ModeOf(Path), 0640);
 }
 
 void TextFilePatchTest::NothingIsLogged()

@@ -1,9 +1,6 @@
 #include "Tests/Launch/LaunchBench.hpp"
 
-#include "Tests/Support/FileTools.hpp"
-
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace Varnholt::TestSupport {
@@ -18,7 +15,7 @@ char const* const LaunchBench::c_Executable =
     "World of Warcraft.app/Contents/MacOS/World of Warcraft";
 
 LaunchBench::LaunchBench()
-    : Folder(QDir(Temporary.path()).canonicalPath() + QLatin1String("/My Game/"))
+    : GameFolder(QStringLiteral("My Game/"))
     , Game(Folder + QLatin1String(c_Executable))
     , Host(App, TestHost::Worker::ByHand)
 {
@@ -57,28 +54,6 @@ void LaunchBench::PutLiveFiles()
 bool LaunchBench::RunUntilStarted(int p_Times)
 {
     return Host.RunUntil([&] { return Game.Starts().size() >= p_Times; });
-}
-
-bool LaunchBench::Has(QString const& p_File) const
-{
-    return QFile::exists(Path(p_File));
-}
-
-QByteArray LaunchBench::Read(QString const& p_File) const
-{
-    return ReadFile(Path(p_File));
-}
-
-void LaunchBench::Put(QString const& p_File, QByteArray const& p_Bytes) const
-{
-    if (!WriteFile(Path(p_File), p_Bytes))
-        qFatal("cannot write %s", qPrintable(Path(p_File)));
-}
-
-void LaunchBench::MakeFolder(QString const& p_Name) const
-{
-    if (!QDir().mkpath(Path(p_Name)))
-        qFatal("cannot make %s", qPrintable(Path(p_Name)));
 }
 
 } // namespace Varnholt::TestSupport

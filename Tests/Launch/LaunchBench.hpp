@@ -2,13 +2,9 @@
 
 #include "GameModules/Pelmora/Pelmora.hpp"
 #include "Tests/Launch/GameScript.hpp"
+#include "Tests/Support/GameFolder.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/TestHost.hpp"
-
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
-#include <QTemporaryDir>
 
 #include <functional>
 #include <optional>
@@ -39,7 +35,7 @@ public:
 
 /// The installed game in a folder of its own, with its executable in the build. No content server,
 /// no run.
-class LaunchBench {
+class LaunchBench : public GameFolder {
 public:
     static char const* const c_Layout;
     static char const* const c_Script;
@@ -62,19 +58,11 @@ public:
     void PutLiveFiles();
     [[nodiscard]] bool RunUntilStarted(int p_Times = 1);
 
-    QString Path(QString const& p_File) const { return Folder + p_File; }
-    bool Has(QString const& p_File) const;
-    /// Null without the file.
-    QByteArray Read(QString const& p_File) const;
-    void Put(QString const& p_File, QByteArray const& p_Bytes) const;
-    void MakeFolder(QString const& p_Name) const;
     /// How often the log says that the executable was started.
     int LoggedStarts() const { return Log.Count("Start  \"" + Game.Path + "\""); }
     bool HasLiveFiles() const { return Has(c_Layout) || Has(c_Script); }
 
     LogCapture Log;
-    QTemporaryDir Temporary;
-    QString Folder; ///< ends in "/"
     GameScript Game;
     LaunchedPelmora App;
     TestHost Host;

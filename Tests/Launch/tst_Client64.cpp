@@ -17,7 +17,6 @@ private Q_SLOTS:
     void WithADisabledOneBothStay();
     void WithoutTheClientNothingIsMade();
     void ADisabledOneStaysDisabled();
-    void AClientOfAnUpdateStaysWhileADisabledOneIsThere();
     void OtherSpellingsAreLeftAlone();
     void AFailureDoesNotStopTheStart();
 };
@@ -74,17 +73,6 @@ void Client64Test::ADisabledOneStaysDisabled()
     QVERIFY(!bench.Has("Wow-64.exe"));
     QCOMPARE(bench.Read("Wow-64.exe.disabled"), QByteArray("client"));
     QVERIFY(!bench.Has("Wow-64.exe.disabled.disabled"));
-}
-
-void Client64Test::AClientOfAnUpdateStaysWhileADisabledOneIsThere()
-{
-    LaunchBench bench;
-    bench.Put("Wow-64.exe", "one");
-    QVERIFY(bench.App.Start("", ""));
-    bench.Put("Wow-64.exe", "two");
-    QVERIFY(bench.App.Start("", ""));
-    QCOMPARE(bench.Read("Wow-64.exe"), QByteArray("two"));
-    QCOMPARE(bench.Read("Wow-64.exe.disabled"), QByteArray("one"));
 }
 
 void Client64Test::OtherSpellingsAreLeftAlone()

@@ -1,6 +1,6 @@
-#include "Tests/Launch/FolderEvents.hpp"
 #include "Tests/Launch/LaunchBench.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FolderEvents.hpp"
 #include "Tests/Support/TestMain.hpp"
 
 #include <QDir>

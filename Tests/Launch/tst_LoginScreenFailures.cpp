@@ -17,14 +17,9 @@ private Q_SLOTS:
 
     void AMissingTemplateMeansNoLoginScreen_data();
     void AMissingTemplateMeansNoLoginScreen();
-    void AFolderInTheLayoutTemplatesPlaceLeavesTheScriptOnly();
-    void AFolderInTheScriptTemplatesPlaceLeavesTheLayoutOnly();
-    void AnUnreadableLayoutTemplateLeavesTheScriptOnly();
-    void AnUnreadableScriptTemplateLeavesTheLayoutOnly();
-    void AFolderInTheLayoutsPlaceStays();
-    void AFolderInTheScriptsPlaceStays();
+    void OneThatCannotBeMadeLeavesTheOther_data();
+    void OneThatCannotBeMadeLeavesTheOther();
     void AFolderWithoutWritePermissionKeepsWhatIsThere();
-    void AFolderWithoutWritePermissionGetsNothing();
     void WithoutAnInterfaceNothingIsMade();
 
 private:
@@ -79,54 +74,37 @@ void LoginScreenFailuresTest::AMissingTemplateMeansNoLoginScreen()
     QVERIFY(!Bench->HasLiveFiles());
 }
 
-void LoginScreenFailuresTest::AFolderInTheLayoutTemplatesPlaceLeavesTheScriptOnly()
+void LoginScreenFailuresTest::OneThatCannotBeMadeLeavesTheOther_data()
 {
-    QVERIFY(QFile::remove(Bench->Path(LaunchBench::c_LayoutTemplate)));
-    Bench->MakeFolder(LaunchBench::c_LayoutTemplate);
-    StartTheGame();
-    QVERIFY(!Bench->Has(LaunchBench::c_Layout));
-    QCOMPARE(Bench->Read(LaunchBench::c_Script), Bench->Read(LaunchBench::c_ScriptTemplate));
+    QTest::addColumn<QString>("broken");
+    QTest::addColumn<bool>("isFolder"); ///< otherwise it cannot be read
+    AddRow("a folder for the layout's template", LaunchBench::c_LayoutTemplate, true);
+    AddRow("a folder for the script's template", LaunchBench::c_ScriptTemplate, true);
+    AddRow("a folder for the layout", LaunchBench::c_Layout, true);
+    AddRow("a folder for the script", LaunchBench::c_Script, true);
+    AddRow("an unreadable template of the layout", LaunchBench::c_LayoutTemplate, false);
+    AddRow("an unreadable template of the script", LaunchBench::c_ScriptTemplate, false);
 }
 
-void LoginScreenFailuresTest::AFolderInTheScriptTemplatesPlaceLeavesTheLayoutOnly()
+void LoginScreenFailuresTest::OneThatCannotBeMadeLeavesTheOther()
 {
-    QVERIFY(QFile::remove(Bench->Path(LaunchBench::c_ScriptTemplate)));
-    Bench->MakeFolder(LaunchBench::c_ScriptTemplate);
+    QFETCH(QString, broken);
+    QFETCH(bool, isFolder);
+    if (isFolder) {
+        QFile::remove(Bench->Path(broken));
+        Bench->Put(broken + "/inside", "the player's");
+    } else {
+        QVERIFY(SetMode(Bench->Path(broken), 0200));
+    }
     StartTheGame();
-    QCOMPARE(Bench->Read(LaunchBench::c_Layout), QByteArray("login me password secret ."));
-    QVERIFY(!Bench->Has(LaunchBench::c_Script));
-}
-
-void LoginScreenFailuresTest::AnUnreadableLayoutTemplateLeavesTheScriptOnly()
-{
-    QVERIFY(SetMode(Bench->Path(LaunchBench::c_LayoutTemplate), 0200));
-    StartTheGame();
-    QVERIFY(!Bench->Has(LaunchBench::c_Layout));
-    QVERIFY(Bench->Has(LaunchBench::c_Script));
-}
-
-void LoginScreenFailuresTest::AnUnreadableScriptTemplateLeavesTheLayoutOnly()
-{
-    QVERIFY(SetMode(Bench->Path(LaunchBench::c_ScriptTemplate), 0200));
-    StartTheGame();
-    QCOMPARE(Bench->Read(LaunchBench::c_Layout), QByteArray("login me password secret ."));
-    QVERIFY(!Bench->Has(LaunchBench::c_Script));
-}
-
-void LoginScreenFailuresTest::AFolderInTheLayoutsPlaceStays()
-{
-    Bench->Put(LaunchBench::c_Layout + QString("/inside"), "the player's");
-    StartTheGame();
-    QCOMPARE(Bench->Read(LaunchBench::c_Layout + QString("/inside")), QByteArray("the player's"));
-    QVERIFY(Bench->Has(LaunchBench::c_Script));
-}
-
-void LoginScreenFailuresTest::AFolderInTheScriptsPlaceStays()
-{
-    Bench->Put(LaunchBench::c_Script + QString("/inside"), "the player's");
-    StartTheGame();
-    QCOMPARE(Bench->Read(LaunchBench::c_Script + QString("/inside")), QByteArray("the player's"));
-    QCOMPARE(Bench->Read(LaunchBench::c_Layout), QByteArray("login me password secret ."));
+    bool const isLayout = broken.startsWith(LaunchBench::c_Layout);
+    QCOMPARE(Bench->Read(isLayout ? LaunchBench::c_Script : LaunchBench::c_Layout),
+             isLayout ? Bench->Read(LaunchBench::c_ScriptTemplate)
+                      : QByteArray("login me password secret ."));
+    QString const other = isLayout ? LaunchBench::c_Layout : LaunchBench::c_Script;
+    QVERIFY(!QFileInfo(Bench->Path(other)).isFile());
+    if (isFolder)
+        QCOMPARE(Bench->Read(broken + "/inside"), QByteArray("the player's"));
 }
 
 void LoginScreenFailuresTest::AFolderWithoutWritePermissionKeepsWhatIsThere()
@@ -137,14 +115,6 @@ void LoginScreenFailuresTest::AFolderWithoutWritePermissionKeepsWhatIsThere()
     QVERIFY(SetMode(Bench->Path("Interface/GlueXMl"), 0755));
     QCOMPARE(Bench->Read(LaunchBench::c_Layout), QByteArray("layout of before"));
     QCOMPARE(Bench->Read(LaunchBench::c_Script), QByteArray("script of before"));
-}
-
-void LoginScreenFailuresTest::AFolderWithoutWritePermissionGetsNothing()
-{
-    QVERIFY(SetMode(Bench->Path("Interface/GlueXMl"), 0555));
-    StartTheGame();
-    QVERIFY(SetMode(Bench->Path("Interface/GlueXMl"), 0755));
-    QVERIFY(!Bench->HasLiveFiles());
 }
 
 void LoginScreenFailuresTest::WithoutAnInterfaceNothingIsMade()

@@ -27,10 +27,8 @@ private Q_SLOTS:
     void ANewFileIsGivenTheSameModes();
     void MissingFilesAreSkipped();
     void StreamedFilesAreLeftAlone();
-    void TheHostIsAskedOnceBeforeEveryEntry();
     void ARefusalStopsTheWalk();
     void WithoutAnInstallationFolderNothingIsTouched();
-    void ContentIsNotTouched();
 
 private:
     QString Add(QString const& p_Path, qint32 p_Flags, unsigned p_Mode = 0640);
@@ -88,6 +86,7 @@ void FixPermissionsTest::FlagsDecideTheMode()
     QCOMPARE(ModeOf(path), Expected);
     App->FixPermissions();
     QCOMPARE(ModeOf(path), Expected);
+    QCOMPARE(TestSupport::ReadFile(path), QByteArray("content"));
 }
 
 void FixPermissionsTest::AFileThatIsReadOnlyAlreadyIsGivenItsMode()
@@ -130,14 +129,6 @@ void FixPermissionsTest::StreamedFilesAreLeftAlone()
     QCOMPARE(ModeOf(path), 0640);
 }
 
-void FixPermissionsTest::TheHostIsAskedOnceBeforeEveryEntry()
-{
-    for (char const* const name : {"a", "b", "c"})
-        Add(name, 0);
-    App->FixPermissions();
-    QCOMPARE(Host->ContinueQuestions.load(), 3);
-}
-
 void FixPermissionsTest::ARefusalStopsTheWalk()
 {
     QString const first = Add("a", 1);
@@ -158,13 +149,6 @@ void FixPermissionsTest::WithoutAnInstallationFolderNothingIsTouched()
     App->InstallationPath.clear();
     App->FixPermissions();
     QCOMPARE(ModeOf(path), 0640);
-}
-
-void FixPermissionsTest::ContentIsNotTouched()
-{
-    QString const path = Add("a", 3);
-    App->FixPermissions();
-    QCOMPARE(TestSupport::ReadFile(path), QByteArray("content"));
 }
 
 } // namespace Varnholt::Launcher

@@ -36,12 +36,9 @@ private Q_SLOTS:
     void OneFileIsInFlightAtATime();
     void TheEndIsShownAndTold();
     void APhaseWithNothingToFetchIsSkipped();
-    void NothingToFetchAtAllAsksForNothing();
     void AnEmptyBaseListGoesOnWithTheStreamedFiles();
     void AnEmptyStreamedListEndsTheRun();
     void AMirrorIsDrawnForEveryFile();
-    void FilesArriveUnderTheirOwnNames();
-    void APartOfAnEarlierRunIsContinued();
     void TextsThatTheWorkerWritesAreLiterals();
     void TheFirstFileStartsFromTheQueue();
 };
@@ -168,21 +165,6 @@ void PhasesTest::APhaseWithNothingToFetchIsSkipped()
     QCOMPARE(game.Host.FinishedCount.load(), 1);
 }
 
-void PhasesTest::NothingToFetchAtAllAsksForNothing()
-{
-    Game game;
-    game.Add({"a", "a"}).Add({"s", "s", 0, {}, true});
-    game.Put("a", "a");
-    game.Put("s", "s");
-    game.Begin();
-    QVERIFY(game.Finish());
-    QVERIFY(game.Requested().isEmpty());
-    QCOMPARE(game.App.UISetting.Download.Mode, 5);
-    QCOMPARE(game.App.UISetting.State, 2);
-    QVERIFY(game.App.CurrentDownload == nullptr);
-    QVERIFY(game.Listed().isEmpty());
-}
-
 void PhasesTest::AnEmptyBaseListGoesOnWithTheStreamedFiles()
 {
     Game game(TestHost::Worker::ByHand);
@@ -241,32 +223,6 @@ void PhasesTest::AMirrorIsDrawnForEveryFile()
     for (QString const& file : here)
         asksOneAndFetchesFromTheOther |= here.count(file) == 1 && there.count(file) == 1;
     QVERIFY(asksOneAndFetchesFromTheOther);
-}
-
-void PhasesTest::FilesArriveUnderTheirOwnNames()
-{
-    Game game;
-    QString const name = QString::fromUtf8("Données/Été 1/ñ b.MPQ");
-    game.Add({name, "accents"}).Add({"UPPER/lower.TXT", "case"}).Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read(name), QByteArray("accents"));
-    QCOMPARE(game.Read("UPPER/lower.TXT"), QByteArray("case"));
-    QCOMPARE(game.FilesOnDisk().filter(".part"), QStringList());
-}
-
-void PhasesTest::APartOfAnEarlierRunIsContinued()
-{
-    Game game;
-    QByteArray const bytes = SampleContent::Bytes(5000);
-    game.Add({"a", bytes});
-    game.Put("a.part", bytes.left(2000));
-    game.Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read("a"), bytes);
-    auto const requests = game.Server.Requests(game.Content.ServerPath("a"));
-    QCOMPARE(requests.size(), std::size_t{2});
-    QVERIFY(!requests[0].Has("Range")); // the size is that of the whole file
-    QCOMPARE(requests[1].Header("Range"), QByteArray("bytes=2000-"));
 }
 
 // A reader on another thread must never meet characters that are being freed.

@@ -43,11 +43,6 @@ void Compare(Game& p_Game)
     p_Game.Host.RunNextAsync();
 }
 
-QString HostOf(QString const& p_Url)
-{
-    return QUrl(p_Url).authority();
-}
-
 } // namespace
 
 class SizePassTest : public QObject {
@@ -57,9 +52,7 @@ private Q_SLOTS:
     void TheStartIsShownAndOneRequestPerFileIsQueued();
     void EverySizeIsAskedAtOnceAndLogged();
     void TheSizesAddUpWhateverTheirOrder();
-    void TheLastAnswerQueuesTheFiles();
     void ASizeThatNeverComesStopsTheRunAtThisPoint();
-    void ADeadMirrorStopsTheRunAtThisPoint();
     void AnotherThreadsChoiceOfServerIsNotTaken();
     void AnErrorPageIsAnAnswerToo();
     void AServerThatNamesNoSizeCountsAsZero();
@@ -133,20 +126,6 @@ void SizePassTest::TheSizesAddUpWhateverTheirOrder()
     QCOMPARE(game.Requested().mid(3), QStringList({"a", "b", "c"}));
 }
 
-void SizePassTest::TheLastAnswerQueuesTheFiles()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"a", "a"}).Publish().Install();
-    game.App.GetInstallationPath();
-    game.App.FilesToDownload = game.App.Manifest.Files;
-    game.App.OnManifestReceived_StartDownload();
-    QVERIFY(game.Host.RunUntil([&] {
-        return game.App.UISetting.Download.Mode == Launcher::ApplicationUISetting::ModeDownloading;
-    }));
-    QCOMPARE(game.App.SizeRepliesReceived, 1u);
-    QCOMPARE(game.App.UISetting.Download.Total, quint64{1});
-}
-
 void SizePassTest::ASizeThatNeverComesStopsTheRunAtThisPoint()
 {
     Game game;
@@ -189,19 +168,6 @@ void SizePassTest::AnotherThreadsChoiceOfServerIsNotTaken()
     QCOMPARE(game.Log.CountContaining("Fetch file"), c_Questions);
     QCOMPARE(game.Log.CountContaining("mirror.invalid"), 0);
     game.App.DropSizeQueries();
-}
-
-void SizePassTest::ADeadMirrorStopsTheRunAtThisPoint()
-{
-    Game game;
-    game.Add({"a", "a", 0x40}).Add({"b", "b"}).Publish().Install();
-    game.App.CdnHosts = QStringList(HostOf(ScriptedServer::RefusingUrl("/")));
-    game.App.OnManifestReceived();
-    QVERIFY(game.RunUntilSizes(1));
-    QVERIFY(game.Finish());
-    QCOMPARE(game.App.UISetting.Download.Mode, 2);
-    QCOMPARE(game.Requested(), QStringList("a"));
-    QCOMPARE(game.Listed(), QStringList({"a", "b"}));
 }
 
 void SizePassTest::AnErrorPageIsAnAnswerToo()

@@ -12,14 +12,11 @@ class StartConditionTest : public QObject {
 private Q_SLOTS:
     void ABlockingHostIsShownAsModeZero();
     void ARunningGameIsShownAsModeOne();
-    void TheRunStartsAsSoonAsTheHostAllowsIt();
-    void TheRunStartsAsSoonAsTheGameHasQuit();
     void BothMustHold();
     void ThePollPauses();
     void ThePollOfAReplacedRunEndsQuietly();
     void TheHostIsToldOnceJustBeforeTheSizesAreAsked();
     void StreamedFilesAloneWaitBehindTheirSizePass();
-    void StreamedFilesAloneWaitForTheGame();
     void StreamedFilesBehindBaseFilesDoNotWait();
     void NothingToFetchDoesNotWait();
 };
@@ -55,34 +52,6 @@ void StartConditionTest::ARunningGameIsShownAsModeOne()
     QCOMPARE(progress.DetailText, QString(""));
     QCOMPARE(game.Host.StartingCount.load(), 0);
     QCOMPARE(game.Host.AsyncCount(), std::size_t{1});
-}
-
-void StartConditionTest::TheRunStartsAsSoonAsTheHostAllowsIt()
-{
-    Game game;
-    game.Host.DownloadBlocked = true;
-    game.Add({"a", "a"}).Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.Host.BlockedQuestions >= 3; }));
-    QCOMPARE(game.Progress().Download.Mode, 0);
-    QVERIFY(game.Requested().isEmpty());
-    game.Host.DownloadBlocked = false;
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read("a"), QByteArray("a"));
-    QCOMPARE(game.Host.StartingCount.load(), 1);
-}
-
-void StartConditionTest::TheRunStartsAsSoonAsTheGameHasQuit()
-{
-    Game game;
-    game.App.GameRuns = true;
-    game.Add({"a", "a"}).Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions >= 3; }));
-    QCOMPARE(game.Progress().Download.Mode, 1);
-    QVERIFY(game.Requested().isEmpty());
-    game.App.GameRuns = false;
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read("a"), QByteArray("a"));
-    QCOMPARE(game.Host.StartingCount.load(), 1);
 }
 
 void StartConditionTest::BothMustHold()
@@ -168,19 +137,6 @@ void StartConditionTest::StreamedFilesAloneWaitBehindTheirSizePass()
     QCOMPARE(game.Read("s"), QByteArray("s"));
     QCOMPARE(game.Requested(), QStringList({"s", "s"})); // the sizes are not asked once more
     QCOMPARE(game.Host.StartingCount.load(), 1);
-}
-
-void StartConditionTest::StreamedFilesAloneWaitForTheGame()
-{
-    Game game;
-    game.App.GameRuns = true;
-    game.Add({"s", "s", 0, {}, true}).Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions >= 3; }));
-    QCOMPARE(game.Progress().Download.Mode, 1);
-    QCOMPARE(game.Requested(), QStringList("s"));
-    game.App.GameRuns = false;
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Read("s"), QByteArray("s"));
 }
 
 void StartConditionTest::StreamedFilesBehindBaseFilesDoNotWait()

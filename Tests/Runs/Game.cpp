@@ -1,12 +1,8 @@
 #include "Tests/Runs/Game.hpp"
 
 #include <QDir>
-#include <QDirIterator>
-#include <QFile>
 #include <QFileInfo>
 #include <QMutexLocker>
-
-#include <sys/stat.h>
 
 #include <atomic>
 
@@ -20,7 +16,7 @@ std::atomic<int> s_ContinueQuestions{0};
 } // namespace
 
 Game::Game(TestHost::Worker p_Worker)
-    : Folder(QDir(Temporary.path()).canonicalPath() + QLatin1String("/Game/"))
+    : GameWithServer(QStringLiteral("Game/"), QStringLiteral("test_app"))
     , Host(App, p_Worker)
 {
     QDir().mkpath(Folder);
@@ -98,65 +94,12 @@ Launcher::ApplicationUISetting Game::Progress()
     return App.UISetting;
 }
 
-void Game::Put(QString const& p_File, QByteArray const& p_Bytes) const
-{
-    QString const path = Path(p_File);
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(p_Bytes) != p_Bytes.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
-QByteArray Game::Read(QString const& p_File) const
-{
-    return ContentOf(Path(p_File));
-}
-
-bool Game::Has(QString const& p_File) const
-{
-    return QFile::exists(Path(p_File));
-}
-
-int Game::Mode(QString const& p_File) const
-{
-    constexpr unsigned c_PermissionBits = 07777;
-    struct stat status {};
-    if (stat(Path(p_File).toUtf8().constData(), &status) != 0)
-        return -1;
-    return static_cast<int>(status.st_mode & c_PermissionBits);
-}
-
-QStringList Game::FilesOnDisk() const
-{
-    QStringList names;
-    QDirIterator files(Folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (files.hasNext())
-        names += files.next().mid(Folder.size());
-    names.sort();
-    return names;
-}
-
 QStringList Game::Listed() const
 {
     QStringList paths;
     for (auto const& entry : App.FilesToDownload)
         paths += entry.Path;
     return paths;
-}
-
-QStringList Game::Requested(ScriptedServer const& p_Server) const
-{
-    QString const prefix = Content.ServerPath(QString());
-    QStringList paths;
-    for (RecordedRequest const& request : p_Server.Requests())
-        if (request.Path.startsWith(prefix))
-            paths += request.Path.mid(prefix.size());
-    return paths;
-}
-
-int Game::Requests(QString const& p_File) const
-{
-    return Server.Count(Content.ServerPath(p_File));
 }
 
 void Game::AnswerContinue(std::function<bool(int)> p_Answer)
@@ -167,15 +110,6 @@ void Game::AnswerContinue(std::function<bool(int)> p_Answer)
         int const question = ++s_ContinueQuestions;
         return !s_ContinueAnswer || s_ContinueAnswer(question);
     };
-}
-
-QByteArray ContentOf(QString const& p_Path)
-{
-    QFile file(p_Path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QByteArray const bytes = file.readAll();
-    return bytes.isNull() ? QByteArray("") : bytes;
 }
 
 } // namespace Varnholt::TestSupport

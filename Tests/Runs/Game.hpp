@@ -1,16 +1,10 @@
 #pragma once
 
+#include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/GameWithServer.hpp"
 #include "Tests/Support/LogCapture.hpp"
-#include "Tests/Support/SampleContent.hpp"
-#include "Tests/Support/ScriptedServer.hpp"
 #include "Tests/Support/TestApplication.hpp"
 #include "Tests/Support/TestHost.hpp"
-
-#include <QByteArray>
-#include <QFileDevice>
-#include <QString>
-#include <QStringList>
-#include <QTemporaryDir>
 
 #include <functional>
 
@@ -25,7 +19,7 @@ namespace Varnholt::TestSupport {
 /// game.App.OnManifestReceived();
 /// game.Host.RunNextAsync(); // the comparison
 /// \endcode
-class Game {
+class Game : public GameWithServer {
 public:
     explicit Game(TestHost::Worker p_Worker = TestHost::Worker::Running);
     ~Game();
@@ -53,40 +47,22 @@ public:
     /// What the module shows, even while the worker changes it.
     Launcher::ApplicationUISetting Progress();
 
-    /// The absolute path of a file of the game.
-    QString Path(QString const& p_File) const { return Folder + p_File; }
-    /// Writes a file of the game, with its folders.
-    void Put(QString const& p_File, QByteArray const& p_Bytes) const;
-    /// The bytes of a file of the game; null when it cannot be read.
-    QByteArray Read(QString const& p_File) const;
-    bool Has(QString const& p_File) const;
     /// Permission bits as chmod() writes them; -1 without the file.
-    int Mode(QString const& p_File) const;
-    /// Names of the files in the folder and below, in alphabetical order.
-    QStringList FilesOnDisk() const;
+    int Mode(QString const& p_File) const { return ModeOf(Path(p_File)); }
 
     /// Paths of the download list.
     QStringList Listed() const;
-    /// Paths of the build's files in the order of the server's requests for them.
-    QStringList Requested(ScriptedServer const& p_Server) const;
+    using GameWithServer::Requested;
+    /// In the order of the requests.
     QStringList Requested() const { return Requested(Server); }
-    /// How many requests for a file have reached the server.
-    int Requests(QString const& p_File) const;
 
     /// Answers the module's `ShouldContinue` from now on; called with the number of the question,
     /// from 1. On whatever thread asks.
     void AnswerContinue(std::function<bool(int)> p_Answer);
 
     LogCapture Log;
-    QTemporaryDir Temporary;
-    QString Folder; ///< ends in "/"
-    ScriptedServer Server;
-    SampleContent Content{QStringLiteral("test_app")};
     TestApplication App;
     TestHost Host;
 };
-
-/// The whole content of a file; null when it cannot be read.
-QByteArray ContentOf(QString const& p_Path);
 
 } // namespace Varnholt::TestSupport

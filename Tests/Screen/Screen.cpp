@@ -11,9 +11,9 @@ namespace Varnholt::TestSupport {
 Screen::Screen(int p_Width, int p_Height)
 {
     Server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    Server.start("Xvfb",
-                 {"-displayfd", "1", "-noreset", "-nolisten", "tcp", "-fbdir", Folder.path(),
-                  "-screen", "0", QStringLiteral("%1x%2x24").arg(p_Width).arg(p_Height)});
+    Server.start("Xvfb", {"-displayfd", "1", "-noreset", "-nocursor", "-nolisten", "tcp", "-fbdir",
+                          Folder.path(), "-screen", "0",
+                          QStringLiteral("%1x%2x24").arg(p_Width).arg(p_Height)});
     while (!Server.canReadLine() && WhyNot.isEmpty())
         if (!Server.waitForReadyRead(TestHost::c_Timeout))
             WhyNot = QStringLiteral("no X server: ") + Server.errorString();
@@ -70,7 +70,8 @@ void Screen::Type(QString const& p_Text) const
 
 void Screen::Click(QPoint const& p_Place) const
 {
-    Do({"mousemove", QString::number(p_Place.x()), QString::number(p_Place.y()), "click", "1"});
+    Do({"mousemove", QString::number(p_Place.x()), QString::number(p_Place.y()), "click", "1",
+        "mousemove", "0", "0"});
 }
 
 void Screen::Resize(qulonglong p_Window, QSize const& p_Size) const

@@ -33,7 +33,7 @@ public:
     /// \param p_Keys such as "alt+i"
     void Press(QStringList const& p_Keys) const;
     void Type(QString const& p_Text) const;
-    /// Presses the left button there.
+    /// Presses the left button there, and takes the mouse out of the way.
     void Click(QPoint const& p_Place) const;
     void Resize(qulonglong p_Window, QSize const& p_Size) const;
     /// What the screen shows now.

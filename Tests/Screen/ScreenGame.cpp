@@ -38,21 +38,30 @@ ScreenGame::~ScreenGame()
     Close();
 }
 
-bool ScreenGame::Open(QStringList const& p_Options)
+bool ScreenGame::Open(QStringList const& p_Options, QString const& p_Title)
+{
+    Start(Program, SettingsFile, p_Options);
+    return Program.waitForStarted() && Shown.Focus(p_Title);
+}
+
+void ScreenGame::Start(QProcess& p_Program, QString const& p_Settings,
+                       QStringList const& p_Options) const
 {
     QProcessEnvironment environment = HostProcess::Environment(*this);
     environment.insert("DISPLAY", Shown.Display());
     environment.insert("QT_QPA_PLATFORM", "xcb");
-    environment.insert("XDG_RUNTIME_DIR", Base);
+    for (char const* const name : {"XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
+        environment.insert(QString::fromLatin1(name), Base);
+    if (!Home.isEmpty())
+        environment.insert("HOME", Home);
     for (char const* const name : {"DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY"})
         environment.remove(QString::fromLatin1(name));
-    Program.setProcessEnvironment(environment);
-    Program.setWorkingDirectory(Base);
-    Program.setProcessChannelMode(QProcess::ForwardedChannels);
-    Program.start(VARNHOLT_WINDOW_PROGRAM,
-                  QStringList{"--settings", SettingsFile, "--content-url", Server.BaseUrl()} +
-                      p_Options);
-    return Program.waitForStarted() && Shown.Focus(c_Name);
+    p_Program.setProcessEnvironment(environment);
+    p_Program.setWorkingDirectory(Base);
+    p_Program.setProcessChannelMode(QProcess::ForwardedChannels);
+    p_Program.start(VARNHOLT_WINDOW_PROGRAM,
+                    QStringList{"--settings", p_Settings, "--content-url", Server.BaseUrl()} +
+                        p_Options);
 }
 
 int ScreenGame::Close()
@@ -61,6 +70,12 @@ int ScreenGame::Close()
         return Program.exitCode();
     Program.terminate();
     return Program.waitForFinished() ? Program.exitCode() : -1;
+}
+
+void ScreenGame::Kill()
+{
+    Program.kill();
+    Program.waitForFinished();
 }
 
 bool ScreenGame::Press(QString const& p_Title, QStringList const& p_Keys)

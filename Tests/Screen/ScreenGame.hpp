@@ -14,8 +14,13 @@ public:
     ~ScreenGame();
 
     Screen& On() { return Shown; }
-    /// Starts the program and waits for its window.
-    [[nodiscard]] bool Open(QStringList const& p_Options = {});
+    /// Starts the program and waits for its window, which has this title.
+    [[nodiscard]] bool Open(QStringList const& p_Options = {}, QString const& p_Title = c_Name);
+    /// Starts the program as a process of the test's own.
+    void Start(QProcess& p_Program, QString const& p_Settings,
+               QStringList const& p_Options = {}) const;
+    /// Ends it without a word.
+    void Kill();
     /// Closes its window. \return how it ended; -1 when it did not
     int Close();
     /// Gives the keyboard to the window or dialog with this title and presses the keys.
@@ -27,6 +32,8 @@ public:
     void KeepRunning() const { Put(QString(c_Program) + ".run", "x"); }
     void LetGo() const;
     int Starts() const { return Read(QString(c_Program) + ".starts").count('\n'); }
+
+    QString Home; ///< of the program's user; empty: one in the game's own folder
 
     static constexpr char c_Name[] = "Mists of Pandaria";
     static constexpr char c_Program[] = "Game.app/Contents/MacOS/World of Warcraft";

@@ -1,3 +1,4 @@
+#include "Tests/Support/FileTools.hpp"
 #include "Tests/Support/LogCapture.hpp"
 #include "Tests/Support/SampleContent.hpp"
 #include "Tests/Support/ScriptedServer.hpp"
@@ -39,8 +40,7 @@ private Q_SLOTS:
     void ALaterManifestIsNoFirstBuildAndWritesNothing();
     void InitAgainRunsASecondChain();
     void UnsafeEntriesAreDroppedOnceWithAWarning();
-    void TheVersionFileEndsAtANulByte();
-    void WrongUtf8InTheVersionFileIsRepaired();
+    void TheVersionFileEndsAtANulByteAndItsUtf8IsRepaired();
     void TheManifestIsThatOfTheBuildThatTheChainHasLearnt();
 
 private:
@@ -156,24 +156,27 @@ void StartupChainTest::ABuildThatIsNoTextAsksForTwoAdjacentSlashes()
 
 void StartupChainTest::AnUnusableVersionFileIsReportedAndEndsTheChain_data()
 {
-    QTest::addColumn<int>("Status");
-    QTest::addColumn<QByteArray>("Body");
-    QTest::newRow("missing") << 404 << QByteArray("<html>not found</html>");
-    QTest::newRow("no JSON") << 200 << QByteArray("build_1");
-    QTest::newRow("array") << 200 << QByteArray("[\"build_1\"]");
-    QTest::newRow("empty") << 200 << QByteArray();
-    QTest::newRow("server error") << 500 << QByteArray();
+    QTest::addColumn<Answer>("Unusable");
+    QTest::newRow("missing") << Answer::Status(404, "<html>not found</html>");
+    QTest::newRow("missing, with JSON") << Answer::Status(404, "[]");
+    QTest::newRow("no JSON") << Answer().Body("build_1");
+    QTest::newRow("truncated JSON") << Answer().Body("{\"build\":\"build_1\",\"content\":{");
+    QTest::newRow("array") << Answer().Body("[\"build_1\"]");
+    QTest::newRow("empty") << Answer().Body("");
+    QTest::newRow("server error") << Answer::Status(500, "");
+    QTest::newRow("cut in the body") << Answer::Truncated(5);
+    QTest::newRow("closed at once") << Answer::ClosedBeforeHeaders();
+    QTest::newRow("redirected") << Answer::Redirect("/elsewhere");
 }
 
 void StartupChainTest::AnUnusableVersionFileIsReportedAndEndsTheChain()
 {
-    QFETCH(int, Status);
-    QFETCH(QByteArray, Body);
-    Server->Script(c_VersionPath).Always(Answer::Status(Status, Body));
+    QFETCH(Answer, Unusable);
+    Server->Script(c_VersionPath).Always(Unusable);
     RunInit();
     QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote configuration."));
     QCOMPARE(Host->ErrorFlags.load(), 0);
-    QCOMPARE(RequestedPaths(), QStringList(c_VersionPath));
+    QCOMPARE(Server->Count(c_ManifestPath), 0);
     QCOMPARE(App->UISetting.State, 0);
     QCOMPARE(App->ManifestHooks, 0);
 }
@@ -185,13 +188,12 @@ void StartupChainTest::AnUnusableManifestIsReportedAndEndsTheChain_data()
 
 void StartupChainTest::AnUnusableManifestIsReportedAndEndsTheChain()
 {
-    QFETCH(int, Status);
-    QFETCH(QByteArray, Body);
-    Server->Script(c_ManifestPath).Always(Answer::Status(Status, Body));
+    QFETCH(Answer, Unusable);
+    Server->Script(c_ManifestPath).Always(Unusable);
     RunInit();
     QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote build infos."));
     QCOMPARE(Host->ErrorFlags.load(), 0);
-    QCOMPARE(RequestedPaths(), QStringList({c_VersionPath, c_ManifestPath}));
+    QCOMPARE(Server->Count("/cdns.info"), 0);
     QCOMPARE(App->UISetting.State, 0);
     QCOMPARE(App->ManifestHooks, 0);
     QVERIFY(Host->SettingKeys().isEmpty());
@@ -210,17 +212,16 @@ void StartupChainTest::AFailedManifestReplacesTheOldOne()
 
 void StartupChainTest::MissingMirrorsGiveOneBlankHost_data()
 {
-    QTest::addColumn<bool>("Reachable");
-    QTest::newRow("empty file") << true;
-    QTest::newRow("server gone") << false;
+    QTest::addColumn<Answer>("Missing");
+    QTest::newRow("empty file") << Answer().Body("");
+    QTest::newRow("no file, and no page") << Answer::Status(404, "");
+    QTest::newRow("server gone") << Answer::ClosedBeforeHeaders();
 }
 
 void StartupChainTest::MissingMirrorsGiveOneBlankHost()
 {
-    QFETCH(bool, Reachable);
-    Server->Serve("/cdns.info", "");
-    if (!Reachable)
-        Server->Script("/cdns.info").Always(Answer::ClosedBeforeHeaders());
+    QFETCH(Answer, Missing);
+    Server->Script("/cdns.info").Always(Missing);
     RunInit();
     QCOMPARE(App->CdnHosts, QStringList(""));
     QCOMPARE(App->ContentBaseUrl, QString("http:///"));
@@ -282,9 +283,7 @@ void StartupChainTest::ALaterManifestIsNoFirstBuildAndWritesNothing()
     Host->SetSetting("test_app.Installed", true);
     QTemporaryDir const folder;
     Host->SetSetting("test_app.InstallFolder", folder.path() + "/");
-    QFile file(folder.path() + "/a");
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("a") == 1);
-    file.close();
+    QVERIFY(TestSupport::WriteFile(folder.path() + "/a", "a"));
     App->IsFirstManifestBuild = true;
     RunInit();
     QVERIFY(!App->IsFirstManifestBuild);
@@ -316,21 +315,15 @@ void StartupChainTest::UnsafeEntriesAreDroppedOnceWithAWarning()
     QCOMPARE(Log->CountContaining("\"../outside\""), 1);
 }
 
-void StartupChainTest::TheVersionFileEndsAtANulByte()
+void StartupChainTest::TheVersionFileEndsAtANulByteAndItsUtf8IsRepaired()
 {
-    Server->Serve(c_VersionPath, QByteArray("{\"build\": \"build_1\"}\0garbage", 28));
+    QByteArray const version = "{\"build\": \"build_1\", \"note\": \"caf\xE9\"}";
+    Server->Serve(c_VersionPath, version + '\0' + "garbage");
     RunInit();
     QCOMPARE(App->RemoteBuild, QString("build_1"));
     Server->Serve(c_VersionPath, QByteArray("{\"build\": \"build\0_1\"}", 21));
     RunInit();
     QCOMPARE(Host->Errors(), QStringList("Failed to get Test Game remote configuration."));
-}
-
-void StartupChainTest::WrongUtf8InTheVersionFileIsRepaired()
-{
-    Server->Serve(c_VersionPath, "{\"build\": \"build_1\", \"note\": \"caf\xE9\"}");
-    RunInit();
-    QCOMPARE(App->RemoteBuild, QString("build_1"));
 }
 
 // A second chain may have written its own build meanwhile.

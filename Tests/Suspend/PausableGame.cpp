@@ -21,11 +21,6 @@ void PausableGame::OpenGate(QString const& p_File)
     Server.OpenGate(Content.ServerPath(p_File), c_MoreThanAnyTestNeeds);
 }
 
-QByteArray PausableGame::ReadPart(QString const& p_File) const
-{
-    return Read(p_File + QLatin1String(".part"));
-}
-
 bool PausableGame::RunUntilHandled()
 {
     return Host.RunUntil([this] { return App.CurrentDownload == nullptr; });
@@ -41,14 +36,6 @@ bool PausableGame::WaitUntilEnded() const
         QThread::msleep(1);
     }
     return true;
-}
-
-QString PausableGame::FirstWrongFile() const
-{
-    for (SampleFile const& file : Content.Files)
-        if (!Has(file.Path) || Read(file.Path) != file.Bytes)
-            return file.Path;
-    return {};
 }
 
 } // namespace Varnholt::TestSupport

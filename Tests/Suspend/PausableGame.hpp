@@ -28,14 +28,10 @@ public:
     /// Lets whatever waits for a file's gate go on, and all that comes.
     void OpenGate(QString const& p_File);
 
-    /// The ".part" file's bytes; null when there is none.
-    QByteArray ReadPart(QString const& p_File) const;
     /// Until the transfer that was stopped has been handled.
     [[nodiscard]] bool RunUntilHandled();
     /// Until the transfer in flight has ended, without running an event.
     [[nodiscard]] bool WaitUntilEnded() const;
-    /// The first file of the build that is missing or wrong; empty when all are there.
-    QString FirstWrongFile() const;
 };
 
 } // namespace Varnholt::TestSupport

@@ -1,7 +1,6 @@
 #include "Tests/Support/TestMain.hpp"
 #include "Tests/Suspend/PausableGame.hpp"
 
-#include <QSet>
 #include <QtTest>
 
 namespace Varnholt::TestSupport {
@@ -42,7 +41,6 @@ private Q_SLOTS:
     void TakesATotalOfZeroAsOne();
     void CutsThePercentageTo32Bits();
     void FetchesFlaggedFilesFromTheDefaultServer();
-    void FetchesOtherFilesFromARandomMirror();
     void LogsTheServer();
     void StartsTheCurrentFileAsAResumableTransfer();
     void ARepairFromTheNotificationVoidsIt();
@@ -142,20 +140,6 @@ void ResumeTest::FetchesFlaggedFilesFromTheDefaultServer()
     game.App.CurrentDownloadIndex = 1;
     game.App.ResumeDownload();
     QCOMPARE(game.App.ContentBaseUrl, QString("http://mirror.varnholt.example/"));
-}
-
-void ResumeTest::FetchesOtherFilesFromARandomMirror()
-{
-    constexpr int c_Draws = 60; // one of the two is never drawn: once in 10^18
-    ListedGame game({Entry("a")});
-    game.App.CdnHosts = QStringList{"one.varnholt.example", "two.varnholt.example"};
-    QSet<QString> drawn;
-    for (int i = 0; i < c_Draws; ++i) {
-        game.App.ResumeDownload();
-        drawn += game.App.ContentBaseUrl;
-    }
-    QCOMPARE(drawn,
-             (QSet<QString>{"http://one.varnholt.example/", "http://two.varnholt.example/"}));
 }
 
 void ResumeTest::LogsTheServer()

@@ -78,7 +78,7 @@ void ResumeSizePassTest::WhileTheListIsBuiltLeavesTheRunAlone()
     QCOMPARE(game.Host.SyncCount(), std::size_t{0});
     released.release();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requests("a.bin"), 2);
 }
 
@@ -94,7 +94,7 @@ void ResumeSizePassTest::OfTheBaseFilesFetchesThemThenTheStreamedOnes()
     QVERIFY(game.Host.RunUntil([&] { return game.Host.FinishedCount == 1; }));
     game.OpenGate("b.bin"); // an answer of a list that is long done
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     for (QString const path : {"a.bin", "b.bin", "s.bin", "t.bin"})
         QCOMPARE(game.Requests(path), 2);
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray(""));
@@ -122,7 +122,7 @@ void ResumeSizePassTest::OfTheBaseFilesIsNotStartedOverByTheLastSize()
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("a.bin\nb.bin\n"));
     game.OpenGate("a.bin");
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requests("a.bin"), 2);
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray(""));
 }
@@ -147,7 +147,7 @@ void ResumeSizePassTest::OfTheBaseFilesSuspendedAgainStaysSuspended()
 
     game.App.ResumeDownload();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeSizePassTest::OfTheStreamedFilesRewritesTheirList()
@@ -169,7 +169,7 @@ void ResumeSizePassTest::OfTheStreamedFilesRewritesTheirList()
     QVERIFY(game.Host.RunUntil([&] { return game.Host.FinishedCount == 1; }));
     game.OpenGate("t.bin");
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Read("ToDownload.db"), QByteArray(""));
 }
 
@@ -187,7 +187,7 @@ void ResumeSizePassTest::OfTheStreamedFilesCountsTheirBytesOnly()
     QVERIFY(game.RunUntilSizes(2));
     game.OpenGate("s.bin");
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.App.UISetting.Download.Total, quint64(c_S.size() + c_T.size()));
     QCOMPARE(game.App.UISetting.Download.Current, quint64(c_S.size() + c_T.size()));
     QCOMPARE(game.App.UISetting.Download.Percent, 100u);
@@ -212,7 +212,7 @@ void ResumeSizePassTest::OfAWaitingListStartsWithItsFirstFile()
     QCOMPARE(game.App.CurrentDownload->FilePath, game.Path("a.bin.part"));
     QCOMPARE(game.App.DownloadedBytes, quint64{0});
     QVERIFY(game.Host.RunUntil([&] { return game.Has("c.bin"); }));
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void ResumeSizePassTest::DoesNotTakeTheServerOfASizeQuestion_data()
@@ -241,7 +241,7 @@ void ResumeSizePassTest::DoesNotTakeTheServerOfASizeQuestion()
     game.App.ResumeDownload();
     QVERIFY(game.Host.RunNextSync()); // chooses the other server
     QVERIFY(game.Host.RunUntil([&] { return game.Has("b.bin"); }));
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requested(mirror), QStringList({FromMirror, FromMirror}));
 }
 

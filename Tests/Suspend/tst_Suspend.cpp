@@ -11,9 +11,9 @@ QByteArray const c_A = SampleContent::Bytes(60000, 1);
 QByteArray const c_B = SampleContent::Bytes(40000, 2);
 
 /// Runs until the first file's transfer has fallen silent after 1000 bytes.
-bool Stall(PausableGame& p_Game, qint32 p_Flags = 0)
+bool Stall(PausableGame& p_Game)
 {
-    p_Game.Add({"a.bin", c_A, p_Flags}).Add({"b.bin", c_B, p_Flags});
+    p_Game.Add({"a.bin", c_A}).Add({"b.bin", c_B});
     p_Game.Stall("a.bin", 1000);
     p_Game.Begin();
     return p_Game.RunUntilPart("a.bin", 1000);
@@ -27,10 +27,6 @@ class SuspendTest : public QObject {
 private Q_SLOTS:
     void StopsTheTransferAndShowsMode4();
     void TellsTheHostWhenTheTransferHasEndedAndBeforeMode4();
-    void KeepsThePartialFileForTheResume();
-    void NeitherVerifiesNorAdvances();
-    void StrikesTheStoppedFileFromItsList();
-    void ResetsTheRetryBudget();
     void WithNothingPendingIsTheIdleReset();
     void WithTheIndexPastTheListIsTheIdleReset();
     void TwiceBeforeTheCompletionIsHandledIsHarmless();
@@ -74,63 +70,6 @@ void SuspendTest::TellsTheHostWhenTheTransferHasEndedAndBeforeMode4()
     game.App.SuspendDownload();
     QVERIFY(ended);
     QCOMPARE(mode, 3);
-}
-
-void SuspendTest::KeepsThePartialFileForTheResume()
-{
-    PausableGame game;
-    QVERIFY(Stall(game));
-    game.App.SuspendDownload();
-    QCOMPARE(game.ReadPart("a.bin"), c_A.left(1000));
-    QVERIFY(game.RunUntilHandled());
-
-    game.App.ResumeDownload();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Server.Requests(game.Content.ServerPath("a.bin")).back().Header("Range"),
-             QByteArray("bytes=1000-"));
-    QCOMPARE(game.FirstWrongFile(), QString());
-    QCOMPARE(game.FilesOnDisk().filter(".part"), QStringList());
-}
-
-void SuspendTest::NeitherVerifiesNorAdvances()
-{
-    PausableGame game;
-    QVERIFY(Stall(game));
-    game.App.SuspendDownload();
-    QVERIFY(game.RunUntilHandled());
-    QVERIFY(game.Finish());
-    QCOMPARE(game.App.CurrentDownloadIndex, 0u);
-    QCOMPARE(game.Listed(), QStringList({"a.bin", "b.bin"}));
-    QCOMPARE(game.Log.CountContaining("Download restarted for"), 0);
-    QVERIFY(!game.Has("a.bin"));
-    QCOMPARE(game.Requests("b.bin"), 1); // its size
-}
-
-void SuspendTest::StrikesTheStoppedFileFromItsList()
-{
-    PausableGame game;
-    QVERIFY(Stall(game, 0x20));
-    QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("a.bin\nb.bin\n"));
-    game.App.SuspendDownload();
-    QVERIFY(game.RunUntilHandled());
-    // Pins: a stopped file leaves its list too; hosts check every file after a stopped run.
-    QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("b.bin\n"));
-}
-
-void SuspendTest::ResetsTheRetryBudget()
-{
-    PausableGame game;
-    game.Add({"a.bin", c_A});
-    game.ScriptTransfer("a.bin")
-        .Then(Answer().Body("wrong"))
-        .Then(Answer().Body("wrong again"))
-        .Then(Answer::SilentAfter(1000));
-    game.Begin();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.DownloadRetryCount == 2; }));
-    QVERIFY(game.RunUntilPart("a.bin", 1000));
-    game.App.SuspendDownload();
-    QVERIFY(game.RunUntilHandled());
-    QCOMPARE(game.App.DownloadRetryCount, 0u);
 }
 
 void SuspendTest::WithNothingPendingIsTheIdleReset()

@@ -46,7 +46,6 @@ private Q_SLOTS:
     void WhileTheServerIsSilentAmidTheBody();
     void InThePauseBeforeARestart();
     void OfATransferThatCouldNotOpenItsFile();
-    void BehindTheEndOfTheRunIsTheIdleReset();
 };
 
 void SuspendMomentsTest::BeforeTheListIsBuiltLeavesTheRunAlone()
@@ -59,7 +58,7 @@ void SuspendMomentsTest::BeforeTheListIsBuiltLeavesTheRunAlone()
     QCOMPARE(game.Host.FinishedCount.load(), 0);
     QVERIFY(game.Host.RunNextAsync());
     QVERIFY(game.Host.RunUntil([&] { return game.Has("a.bin"); }));
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void SuspendMomentsTest::WhileTheListIsBuiltLeavesTheRunAlone()
@@ -84,7 +83,7 @@ void SuspendMomentsTest::WhileTheListIsBuiltLeavesTheRunAlone()
     QCOMPARE(game.Host.FinishedCount.load(), 0);
     released.release();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requests("b.bin"), 0);
 }
 
@@ -124,7 +123,7 @@ void SuspendMomentsTest::WhileSizesAreAskedLeavesTheRunAlone()
 
     game.OpenGate("b.bin");
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void SuspendMomentsTest::BetweenTwoFilesLeavesTheRunAlone()
@@ -140,7 +139,7 @@ void SuspendMomentsTest::BetweenTwoFilesLeavesTheRunAlone()
     QCOMPARE(Shown(game.App), before);
     QCOMPARE(game.Host.FinishedCount.load(), 0);
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void SuspendMomentsTest::WhileACompletionIsQueuedCountsAsStopped()
@@ -155,11 +154,11 @@ void SuspendMomentsTest::WhileACompletionIsQueuedCountsAsStopped()
     QVERIFY(game.Finish());
     QCOMPARE(game.App.CurrentDownloadIndex, 0u);
     QVERIFY(!game.Has("a.bin"));
-    QCOMPARE(game.ReadPart("a.bin"), c_A);
+    QCOMPARE(game.Read("a.bin.part"), c_A);
 
     game.App.ResumeDownload();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Log.CountContaining("Download restarted for"), 0);
 }
 
@@ -175,7 +174,7 @@ void SuspendMomentsTest::WhileTheServerIsSilentBeforeHeaders()
     QVERIFY(game.RunUntilHandled());
     game.App.ResumeDownload();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requests("a.bin"), 3);
 }
 
@@ -197,7 +196,7 @@ void SuspendMomentsTest::WhileTheServerIsSilentAmidTheBody()
         QCOMPARE(game.App.UISetting.Download.Mode, 3);
     }
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
     QCOMPARE(game.Requests("a.bin"), 2 + c_Turns);
 }
 
@@ -222,7 +221,7 @@ void SuspendMomentsTest::InThePauseBeforeARestart()
     game.Server.ClearScript(game.Content.ServerPath("a.bin"));
     game.App.ResumeDownload();
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 void SuspendMomentsTest::OfATransferThatCouldNotOpenItsFile()
@@ -241,20 +240,7 @@ void SuspendMomentsTest::OfATransferThatCouldNotOpenItsFile()
     game.App.ResumeDownload();
     QVERIFY(game.Host.RunNextSync());
     QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
-}
-
-void SuspendMomentsTest::BehindTheEndOfTheRunIsTheIdleReset()
-{
-    PausableGame game;
-    game.Add({"a.bin", c_A}).Begin();
-    QVERIFY(game.Finish());
-    QCOMPARE(game.FirstWrongFile(), QString());
-    game.App.UISetting.Download.ModeFlag = true;
-    game.App.SuspendDownload();
-    QCOMPARE(game.App.UISetting.State, 2);
-    QVERIFY(!game.App.UISetting.Download.ModeFlag);
-    QCOMPARE(game.Host.FinishedCount.load(), 0);
+    QCOMPARE(game.Wrong(), QStringList());
 }
 
 } // namespace Varnholt::TestSupport

@@ -1,6 +1,6 @@
-#include "Tests/Install/RemovalWatch.hpp"
 #include "Tests/Runs/Game.hpp"
 #include "Tests/Support/FileTools.hpp"
+#include "Tests/Support/FolderEvents.hpp"
 #include "Tests/Support/OrdinaryUser.hpp"
 #include "Tests/Support/ScopedCurrentFolder.hpp"
 #include "Tests/Support/TestMain.hpp"
@@ -23,14 +23,11 @@ private Q_SLOTS:
 
     void TheFilesOfTheBuildAreRemoved();
     void FilesAreRemovedInTheOrderOfTheBuild();
-    void FilesOfOtherLanguagesAreRemovedToo();
     void WithoutTheFlagNoFileIsTouched();
     void WhatTheBuildDoesNotNameStays();
-    void EmptiedFoldersStay();
     void MissingFilesAreSkippedSilently();
     void OnlyWritePermissionsAreLeftBeforeTheRemoval_data();
     void OnlyWritePermissionsAreLeftBeforeTheRemoval();
-    void AReadOnlyFileIsRemoved();
     void AFileThatCannotBeRemovedIsReportedAndTheOthersGo();
     void AnEmptyFolderInAFilesPlaceIsReportedAndRemoved();
     void AFolderInAFilesPlaceStaysWithWhatIsInIt_data();
@@ -62,34 +59,26 @@ void UninstallFilesTest::TheFilesOfTheBuildAreRemoved()
 {
     Game& game = *Played;
     game.Add({"a", "a", 0x20}).Add({"Data/b c", "b"}).Add({"Data/s", "s", 0, {}, true});
-    game.Add({"exe", "x", 6}).Add({"settings", "s", 0x80});
+    game.Add({"exe", "x", 6}).Add({"settings", "s", 0x80}).Add({"fr", "fr", 0, "frFR"});
     PutEverything();
     game.Put("a", "changed by the player");
     game.App.Uninstall(true);
     QCOMPARE(game.FilesOnDisk(), QStringList());
+    QVERIFY(game.Has("Data")); // folders stay
     QCOMPARE(game.Host.Errors(), QStringList());
 }
 
 void UninstallFilesTest::FilesAreRemovedInTheOrderOfTheBuild()
 {
-    if (!RemovalWatch::c_Works)
+    if (!FolderEvents::c_Works)
         QSKIP("the order of removals is not seen on this system");
     Game& game = *Played;
     game.Add({"s2", "s", 0, {}, true}).Add({"b", "b"}).Add({"a", "a"});
     game.Add({"s1", "s", 0, {}, true}).Add({"c", "c"});
     PutEverything();
-    RemovalWatch removals(game.Folder);
+    FolderEvents removals(game.Folder);
     game.App.Uninstall(true);
     QCOMPARE(removals.Removed(), QStringList({"b", "a", "c", "s2", "s1"}));
-}
-
-void UninstallFilesTest::FilesOfOtherLanguagesAreRemovedToo()
-{
-    Game& game = *Played;
-    game.Add({"fr", "fr", 0, "frFR"}).Add({"us", "us", 0, "enUS"});
-    PutEverything();
-    game.App.Uninstall(true);
-    QCOMPARE(game.FilesOnDisk(), QStringList());
 }
 
 void UninstallFilesTest::WithoutTheFlagNoFileIsTouched()
@@ -120,16 +109,6 @@ void UninstallFilesTest::WhatTheBuildDoesNotNameStays()
     QCOMPARE(game.FilesOnDisk(), others);
     for (QString const& other : others)
         QCOMPARE(game.Read(other), QByteArray("content"));
-}
-
-void UninstallFilesTest::EmptiedFoldersStay()
-{
-    Game& game = *Played;
-    game.Add({"Data/deep/a", "a"}).Add({"b", "b"});
-    PutEverything();
-    game.App.Uninstall(true);
-    QVERIFY(QDir(game.Path("Data/deep")).exists());
-    QVERIFY(QDir(game.Path("Data/deep")).isEmpty());
 }
 
 void UninstallFilesTest::MissingFilesAreSkippedSilently()
@@ -171,17 +150,6 @@ void UninstallFilesTest::OnlyWritePermissionsAreLeftBeforeTheRemoval()
     game.App.Uninstall(true);
     QVERIFY(!game.Has("a"));
     QCOMPARE(game.Mode("second name"), expected);
-    QCOMPARE(game.Host.Errors(), QStringList());
-}
-
-void UninstallFilesTest::AReadOnlyFileIsRemoved()
-{
-    Game& game = *Played;
-    game.Add({"a", "a", 1}).Add({"b", "b"});
-    PutEverything();
-    QVERIFY(SetMode(game.Path("a"), 0444));
-    game.App.Uninstall(true);
-    QCOMPARE(game.FilesOnDisk(), QStringList());
     QCOMPARE(game.Host.Errors(), QStringList());
 }
 

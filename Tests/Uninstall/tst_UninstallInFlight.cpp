@@ -29,9 +29,7 @@ private Q_SLOTS:
     void InstallingAgainWhileBytesStillComeSpoilsNothing();
     void InstallingElsewhereFetchesEverythingThere();
     void SizesThatAnswerLateFetchNothing();
-    void AComparisonThatHasNotBegunEndsQuietly();
     void AComparisonThatIsUnderWayStopsAndWritesNothing();
-    void AResumeThatWaitsForTheGameIsVoid();
 
 private:
     static constexpr int c_Size = 5000;
@@ -248,8 +246,8 @@ void UninstallInFlightTest::InstallingElsewhereFetchesEverythingThere()
     QString const elsewhere = game.Temporary.path() + "/elsewhere/";
     game.App.Install(elsewhere, false);
     QVERIFY(game.Finish());
-    QCOMPARE(ContentOf(elsewhere + "a"), Bytes());
-    QCOMPARE(ContentOf(elsewhere + "b"), QByteArray("b"));
+    QCOMPARE(ReadFile(elsewhere + "a"), Bytes());
+    QCOMPARE(ReadFile(elsewhere + "b"), QByteArray("b"));
     QCOMPARE(game.FilesOnDisk(), QStringList({"ToDownloadBase.db", "a.part"}));
     QCOMPARE(game.Read("ToDownloadBase.db"), QByteArray("a\nb\n"));
 }
@@ -272,18 +270,6 @@ void UninstallInFlightTest::SizesThatAnswerLateFetchNothing()
     QCOMPARE(game.App.UISetting.State, 1);
 }
 
-void UninstallInFlightTest::AComparisonThatHasNotBegunEndsQuietly()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"a", "a", 0x20}).Begin();
-    game.App.Uninstall(true);
-    QVERIFY(game.Host.RunNextAsync());
-    QVERIFY(game.Listed().isEmpty());
-    QCOMPARE(game.FilesOnDisk(), QStringList());
-    QCOMPARE(game.Host.AsyncCount() + game.Host.SyncCount(), std::size_t{0});
-    QCOMPARE(game.Host.StartingCount.load(), 0);
-}
-
 void UninstallInFlightTest::AComparisonThatIsUnderWayStopsAndWritesNothing()
 {
     Game game(TestHost::Worker::ByHand);
@@ -298,25 +284,6 @@ void UninstallInFlightTest::AComparisonThatIsUnderWayStopsAndWritesNothing()
     QCOMPARE(game.FilesOnDisk(), QStringList());
     QCOMPARE(game.App.UISetting.State, 1);
     QCOMPARE(game.Host.AsyncCount() + game.Host.SyncCount(), std::size_t{0});
-}
-
-void UninstallInFlightTest::AResumeThatWaitsForTheGameIsVoid()
-{
-    Game game;
-    QVERIFY(BeginHalf(game));
-    game.App.SuspendDownload();
-    QVERIFY(game.Host.RunUntil([&] { return game.App.CurrentDownload == nullptr; }));
-    int const requests = game.Requested().size();
-    game.App.GameRuns = true;
-    game.App.ResumeDownload();
-    int const questions = game.App.GameQuestions;
-    QVERIFY(game.Host.RunUntil([&] { return game.App.GameQuestions > questions; })); // it polls
-    game.App.Uninstall(false);
-    game.App.GameRuns = false;
-    QVERIFY(game.Finish());
-    QCOMPARE(game.Requested().size(), requests);
-    QVERIFY(game.App.CurrentDownload == nullptr);
-    QCOMPARE(game.App.UISetting.State, 1);
 }
 
 } // namespace Varnholt::TestSupport

@@ -14,12 +14,10 @@ private Q_SLOTS:
     void KeysAreFoundAnywhereAndWithoutLetterCase_data();
     void KeysAreFoundAnywhereAndWithoutLetterCase();
     void KeysAreRemovedAsTheHostSpellsThem();
-    void TheNextManifestIsAFirstBuild();
     void TheGameIsShownAsNotInstalled();
     void FilesGoBeforeSettingsAndTheListBehindThem();
     void TheHookSeesTheGameForgotten();
     void NothingIsComparedOrFetched();
-    void NobodyIsToldOfADownload();
     void AGameThatIsNotInstalledStaysSo();
     void AHostThatInstallsFromTheErrorReportIsForgottenAgain();
 };
@@ -77,15 +75,6 @@ void UninstallSettingsTest::KeysAreRemovedAsTheHostSpellsThem()
     QCOMPARE(game.Host.SettingChanges(),
              QStringList({"-TEST_APP.Width", "-test_app.InstallFolder", "-test_app.Installed",
                           "test_app.ManifestBuilt"}));
-}
-
-void UninstallSettingsTest::TheNextManifestIsAFirstBuild()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Publish().Install();
-    game.Host.SetSetting("test_app.ManifestBuilt", true);
-    game.App.Uninstall(true);
-    QCOMPARE(game.Host.Setting("test_app.ManifestBuilt"), QVariant(false));
 }
 
 void UninstallSettingsTest::TheGameIsShownAsNotInstalled()
@@ -153,21 +142,12 @@ void UninstallSettingsTest::NothingIsComparedOrFetched()
     Game game(TestHost::Worker::ByHand);
     game.Add({"a", "a", 0x20}).Add({"s", "s", 0, {}, true}).Publish().Install();
     game.App.IsFirstManifestBuild = true;
-    game.App.Uninstall(true);
-    QCOMPARE(game.Host.AsyncCount() + game.Host.SyncCount(), std::size_t{0});
-    QCOMPARE(game.FilesOnDisk(), QStringList());
-    QCOMPARE(game.Requested(), QStringList());
-}
-
-void UninstallSettingsTest::NobodyIsToldOfADownload()
-{
-    Game game(TestHost::Worker::ByHand);
-    game.Add({"a", "a"}).Publish().Install();
     game.App.FilesToDownload = game.App.Manifest.Files;
     game.App.Uninstall(true);
-    QCOMPARE(game.Host.FinishedCount.load(), 0);
-    QCOMPARE(game.Host.StartingCount.load(), 0);
-    QCOMPARE(game.Host.Errors(), QStringList());
+    QCOMPARE(game.Host.AsyncCount() + game.Host.SyncCount(), std::size_t{0});
+    QCOMPARE(game.Host.StartingCount + game.Host.FinishedCount, 0);
+    QCOMPARE(game.FilesOnDisk(), QStringList());
+    QCOMPARE(game.Requested(), QStringList());
 }
 
 void UninstallSettingsTest::AGameThatIsNotInstalledStaysSo()

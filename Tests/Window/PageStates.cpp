@@ -59,4 +59,22 @@ Host::Failure FailureOf(Host::FailureKind p_Kind)
             QStringLiteral("a cause that is known")};
 }
 
+std::vector<std::pair<char const*, GameState>> All()
+{
+    GameState waiting = Working(Host::RunRequest::Type::Update, Host::RunPhase::WaitingToRetry);
+    Host::ServerWait wait;
+    wait.Server = "content.a-long-name.example.org:8080";
+    wait.Cause = "connection refused";
+    wait.Attempt = 3;
+    wait.NextAttempt = 120;
+    waiting.Snapshot.Wait = wait;
+    return {
+        {"not installed", NotInstalled()},
+        {"complete", Complete()},
+        {"downloading", Working(Host::RunRequest::Type::Install, Host::RunPhase::DownloadingBase)},
+        {"waiting", waiting},
+        {"files given up", Failed(FailureOf(Host::FailureKind::FilesGivenUp))},
+        {"link", Failed(FailureOf(Host::FailureKind::LinkLeadsOut))}};
+}
+
 } // namespace Varnholt::TestSupport::PageStates

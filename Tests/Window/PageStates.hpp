@@ -2,6 +2,9 @@
 
 #include "Host/Window/Main/GameState.hpp"
 
+#include <utility>
+#include <vector>
+
 /// States of a game, made by hand.
 namespace Varnholt::TestSupport::PageStates {
 
@@ -14,5 +17,7 @@ Host::GameState Working(Host::RunRequest::Type p_Kind, Host::RunPhase p_Phase);
 Host::GameState Failed(Host::Failure const& p_Failure);
 /// A failure of that kind with a subject and a detail.
 Host::Failure FailureOf(Host::FailureKind p_Kind);
+/// One of each that a page looks another way in, with a name.
+std::vector<std::pair<char const*, Host::GameState>> All();
 
 } // namespace Varnholt::TestSupport::PageStates

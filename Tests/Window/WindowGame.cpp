@@ -1,5 +1,6 @@
 #include "Tests/Window/WindowGame.hpp"
 
+#include "Host/Core/Settings/HostSettings.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestHost.hpp"
@@ -43,14 +44,38 @@ WindowHands::~WindowHands()
     Close();
 }
 
-void WindowHands::Open()
+void WindowHands::Make()
 {
     Opened = std::make_unique<Host::MainWindow>(Options, Modules, QString());
     HasEnded = false;
     QObject::connect(Opened.get(), &Host::MainWindow::Finished, Opened.get(),
                      [this] { HasEnded = true; });
+}
+
+void WindowHands::Open()
+{
+    Make();
     Opened->show();
     Opened->Begin();
+    WaitForGame();
+}
+
+void WindowHands::OpenOnDesktop(bool p_HasTray)
+{
+    auto const yes = [] { return true; };
+    auto const no = [] { return false; };
+
+    Make();
+    Host::Choice given;
+    given.Options = Options;
+    Around = std::make_unique<Host::Desktop>(*Opened, Texts, given, Options.ContentUrl,
+                                             p_HasTray ? Host::Desktop::HasTray(yes) : no);
+    Around->Begin(Host::HostSettings(Options.SettingsFile).All());
+    WaitForGame();
+}
+
+void WindowHands::WaitForGame()
+{
     if (!WaitUntil([this] { return State().Status.has_value() || State().Problem.has_value(); }))
         qFatal("the window does not open");
 }
@@ -59,9 +84,10 @@ void WindowHands::Close()
 {
     if (!Opened)
         return;
-    Opened->close();
+    Opened->Quit();
     if (!WaitUntil([this] { return HasEnded; }))
         qFatal("the window does not end");
+    Around.reset();
     Opened.reset();
 }
 

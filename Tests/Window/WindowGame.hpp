@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Host/Window/Desktop/Desktop.hpp"
 #include "Host/Window/Main/MainWindow.hpp"
 #include "Tests/Host/PlayedGame.hpp"
 #include "Tests/Support/LogCapture.hpp"
@@ -22,6 +23,8 @@ public:
 
     /// Opens the window and waits until the game in it is known.
     void Open();
+    /// The same of a window on a desktop, with what the settings say of it.
+    void OpenOnDesktop(bool p_HasTray);
     /// Closes it, unless that was done, and waits until all is in order.
     void Close();
     bool IsFinished() const { return HasEnded; }
@@ -29,6 +32,7 @@ public:
     Host::GameController& Controller() { return Opened->Controller(); }
     Host::GameState const& State() { return Controller().State(); }
     Host::GamePage& Page() { return *Opened->Page(); }
+    Host::Desktop& Desktop() { return *Around; }
     /// Of the large button, without the mark of its mnemonic.
     QString Primary();
     QPushButton& PrimaryButton();
@@ -49,7 +53,12 @@ public:
 private:
     HostGame& Game;
     QString const Modules;
+    void Make();
+    void WaitForGame();
+
     std::unique_ptr<Host::MainWindow> Opened;
+    Host::Language Texts;
+    std::unique_ptr<Host::Desktop> Around;
     bool HasEnded = false;
 };
 

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void WhatIsRememberedIsNeverShown();
     void ItIsForgottenWhenThePlayerSaysSo();
     void PlayingWithoutAnAccountIsRememberedToo();
+    void TheAccountIsForgottenWithoutAGame();
 
 private:
     /// A dialog over what is remembered, filled in; accepted by the button that begins so.
@@ -138,6 +139,16 @@ void LoginDialogTest::PlayingWithoutAnAccountIsRememberedToo()
     QVERIFY(request.Argument.isEmpty() && request.Password.isEmpty());
     QTRY_VERIFY(!Remembered().Asks);
     QVERIFY(Remembered().Account.isEmpty());
+}
+
+void LoginDialogTest::TheAccountIsForgottenWithoutAGame()
+{
+    QCOMPARE(Answer("me", Secret, true).Password, Secret);
+    QTRY_COMPARE(Remembered().Password, Secret);
+    QCOMPARE(Answer({}, {}, true, "Forget").Argument, QString());
+    QTRY_VERIFY(Remembered().Asks);
+    QCOMPARE(Remembered().Account, QString());
+    QTRY_COMPARE(Answer("me", {}, true).Password, QString()); // nor by its name
 }
 
 } // namespace Varnholt::TestSupport

@@ -6,8 +6,10 @@
 #include "Tests/Support/TestMain.hpp"
 #include "Tests/Window/WindowGame.hpp"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
+#include <QDialog>
+#include <QScreen>
 #include <QSignalSpy>
 
 namespace Varnholt::TestSupport {
@@ -24,10 +26,13 @@ private Q_SLOTS:
     void AGameIsInstalledPausedAndContinued();
     void AStoppedInstallationIsContinued();
     void AServerThatFailsIsWaitedForAndTold();
+    void ABusyServerIsToldAsOne();
     void GivenUpFilesAreListedAndTriedAgain();
     void DamageIsFoundAndRepaired();
     void ThePageTellsThatTheGameRuns();
     void ThePageTellsThatAnotherProgramIsAtWork();
+    void AnotherProgramIsRefusedWhileTheWindowIsAtWork();
+    void AnAccountIsForgottenFromTheMenu();
     void ADroppedModuleAppears();
     void AGameIsNotLeftDuringAJob();
     void LanguagesAreAskedForAndChosen();
@@ -90,6 +95,24 @@ void MainWindowTest::AServerThatFailsIsWaitedForAndTold()
     QCOMPARE(game.Primary(), QString("Installing"));
 }
 
+void MainWindowTest::ABusyServerIsToldAsOne()
+{
+    WindowGame game;
+    game.AddFiles().Publish();
+    QString const gate = game.HoldContent("Data/base.MPQ", 1'000);
+    game.Server.Script("GET " + game.Content.ServerPath("readme.txt"))
+        .Always(Answer::Status(503).With("Retry-After", "20"));
+    game.Open();
+    game.Install();
+    QVERIFY(game.WaitUntil([&] {
+        return QFileInfo(game.Path("Data/base.MPQ.part")).size() == 1'000 &&
+               game.Server.ScriptedAnswers("GET " + game.Content.ServerPath("readme.txt")) > 0;
+    }));
+    game.Server.OpenGate(gate);
+    QVERIFY(game.WaitUntil([&] { return !game.Text("stripTitle").isEmpty(); }));
+    QCOMPARE(game.Text("stripTitle"), QString("HTTP status 503"));
+}
+
 void MainWindowTest::GivenUpFilesAreListedAndTriedAgain()
 {
     WindowGame game;
@@ -100,8 +123,6 @@ void MainWindowTest::GivenUpFilesAreListedAndTriedAgain()
     game.Install();
     QVERIFY(game.WaitForPrimary("Try again"));
     QCOMPARE(game.State().Problem->Kind, Host::FailureKind::FilesGivenUp);
-    game.Button("Show files").click();
-    QCOMPARE(game.Page().findChildren<QListWidget*>().size(), 2);
     game.Server.ClearScript("GET " + bad);
     game.Button("Try again").click();
     QVERIFY(game.WaitForPrimary("Play"));
@@ -148,14 +169,56 @@ void MainWindowTest::ThePageTellsThatAnotherProgramIsAtWork()
     game.PutInstalled();
     QVERIFY(QFile::remove(game.Path("Data/base.MPQ")));
     QString const gate = game.HoldContent("Data/base.MPQ", 1'000);
-    HostProcess const other(game, {"repair"});
-    QVERIFY(game.WaitUntil([&] { return QFileInfo(game.Path("Data/base.MPQ.part")).size() > 0; }));
     game.Open();
+    QVERIFY(game.WaitForPrimary("Play"));
+    HostProcess const other(game, {"repair"});
     QVERIFY(game.WaitForPrimary("In use"));
     QVERIFY(!game.PrimaryButton().isEnabled());
     QVERIFY(game.Text("idle").startsWith("Another program is at work here"));
     game.Server.OpenGate(gate);
     QVERIFY(game.WaitForPrimary("Play"));
+}
+
+void MainWindowTest::AnotherProgramIsRefusedWhileTheWindowIsAtWork()
+{
+    WindowGame game;
+    game.AddFiles().Publish();
+    QString const gate = game.HoldContent("Data/base.MPQ", 1'000);
+    game.Open();
+    game.Install();
+    QVERIFY(game.WaitUntil([&] { return QFileInfo(game.Path("Data/base.MPQ.part")).size() > 0; }));
+    Outcome const outcome = HostProcess(game, {"-q", "update"}).Finish();
+    QCOMPARE(outcome.Err,
+             QString("varnholt-host: another program works in the folder %1 (%2, process %3 on "
+                     "%4); wait for it to end, then try again.\n")
+                 .arg(game.Folder, QCoreApplication::applicationName())
+                 .arg(QCoreApplication::applicationPid())
+                 .arg(QSysInfo::machineHostName()));
+    QCOMPARE(outcome.Status, 8);
+    game.Server.OpenGate(gate);
+    QVERIFY(game.WaitForPrimary("Play"));
+    QCOMPARE(game.Wrong(), QStringList());
+}
+
+void MainWindowTest::AnAccountIsForgottenFromTheMenu()
+{
+    WindowGame game;
+    game.AddFiles().Publish().PutInstalled();
+    game.SetSetting("window/login-pelmora_app/asks", false); // Play would start the game at once
+    game.Open();
+    QVERIFY(game.WaitForPrimary("Play"));
+    QAction* const account = game.Page().Menu().ActionOf(PageCommand::ChangeAccount);
+    QVERIFY(account->isEnabled());
+    account->trigger();
+    QDialog* dialog = nullptr;
+    QVERIFY(game.WaitUntil(
+        [&] { return (dialog = game.Window().findChild<QDialog*>("LoginDialog")) != nullptr; }));
+    for (auto* const button : dialog->findChildren<QPushButton*>())
+        if (button->text() == "&Forget")
+            button->click();
+    QVERIFY(!dialog->isVisible());
+    QVERIFY(game.WaitUntil([&] { return game.Setting("window/login-pelmora_app/asks").isNull(); }));
+    QVERIFY(!game.Controller().IsBusy());
 }
 
 void MainWindowTest::ADroppedModuleAppears()
@@ -176,6 +239,9 @@ void MainWindowTest::ADroppedModuleAppears()
     QCOMPARE(game.Page().Card().Name, QString("Lantern Coast"));
     QVERIFY(button->isChecked());
     QCOMPARE(game.Text("name"), QString("Lantern Coast"));
+    // Its colours are those of the dialogs too; and the screen is a small one.
+    QCOMPARE(QApplication::palette().color(QPalette::Highlight), game.Page().Card().Palette.Accent);
+    QVERIFY(game.Window().width() <= game.Window().screen()->availableSize().width());
 }
 
 void MainWindowTest::AGameIsNotLeftDuringAJob()
@@ -230,7 +296,7 @@ void MainWindowTest::ADiagnosisIsCopied()
     game.Controller().Start(Type::Verify);
     QVERIFY(game.WaitUntil([&] { return !ended.isEmpty(); }));
     game.Page().Menu().ActionOf(PageCommand::CopyDiagnosis)->trigger();
-    QString const text = QGuiApplication::clipboard()->text();
+    QString const text = QApplication::clipboard()->text();
     for (QString const& part : {QString("pelmora_app"), game.Folder, QString("build_1"),
                                 QString("Every file of the game is right.")})
         QVERIFY2(text.contains(part), qPrintable(text));

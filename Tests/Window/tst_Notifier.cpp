@@ -2,40 +2,11 @@
 #include "Tests/Host/SecretService.hpp"
 #include "Tests/Support/TestHost.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/NotificationService.hpp"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QSignalSpy>
 
 namespace Varnholt::TestSupport {
-
-/// What shows notifications on a desktop.
-class NotificationService : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
-public:
-    struct Shown {
-        uint Replaced;
-        QString Title;
-        QString Text;
-    };
-    std::vector<Shown> All;
-
-public Q_SLOTS:
-    uint Notify(QString const&, uint p_Replaced, QString const&, QString const& p_Title,
-                QString const& p_Text, QStringList const&, QVariantMap const&, int)
-    {
-        All.push_back({p_Replaced, p_Title, p_Text});
-        return c_Id;
-    }
-
-Q_SIGNALS:
-    void ActionInvoked(uint p_Id, QString const& p_Action);
-
-public:
-    static constexpr uint c_Id = 42;
-};
 
 /// Notifications, as the desktop gets them.
 class NotifierTest : public QObject {
@@ -48,11 +19,8 @@ private Q_SLOTS:
 void NotifierTest::TheDesktopGetsThemAndTellsWhichIsChosen()
 {
     SecretService const bus; // of this process from now on
-    QDBusConnection desktop = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "desktop");
     NotificationService service;
-    QVERIFY(desktop.registerService("org.freedesktop.Notifications"));
-    QVERIFY(desktop.registerObject("/org/freedesktop/Notifications", &service,
-                                   QDBusConnection::ExportAllContents));
+    QVERIFY(service.Register());
     Host::Notifier notifier;
     QSignalSpy const chosen(&notifier, &Host::Notifier::Chosen);
     notifier.Show("Game", "1 < 2");

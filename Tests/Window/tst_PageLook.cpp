@@ -1,23 +1,23 @@
 #include "Host/Window/Desktop/Language.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
 #include "Host/Window/Style/ElidedLabel.hpp"
+#include "Host/Window/Style/WindowPalette.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/LoadedPlugin.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/ClippedParts.hpp"
+#include "Tests/Window/LargerFont.hpp"
 #include "Tests/Window/PageStates.hpp"
 #include "Tests/Window/WindowGame.hpp"
 
 #include <QAbstractButton>
 #include <QLabel>
-#include <QListWidget>
+#include <QPushButton>
+#include <QToolButton>
 
 namespace Varnholt::TestSupport {
 
-using Host::FailureKind;
-using Host::GameState;
 using Host::PagePalette;
-using Host::RunPhase;
-using Type = Host::RunRequest::Type;
 
 /// What a page looks like in each state, on the real picture and on the worst ones.
 class PageLookTest : public QObject {
@@ -33,11 +33,8 @@ private Q_SLOTS:
     void EachThemeGivesColorsThatCanBeRead();
     void NothingIsClipped_data();
     void NothingIsClipped();
-    void EachControlHasANameAndTheKeyboardReachesIt();
 
 private:
-    static std::vector<std::pair<char const*, GameState>> States();
-
     Host::ModuleCard Card;
 };
 
@@ -81,24 +78,6 @@ void PageLookTest::initTestCase()
     QCOMPARE(Card.Palette.Ground, QColor("#09111C"));
 }
 
-std::vector<std::pair<char const*, GameState>> PageLookTest::States()
-{
-    GameState waiting = PageStates::Working(Type::Update, RunPhase::WaitingToRetry);
-    Host::ServerWait wait;
-    wait.Server = "content.a-long-name.example.org:8080";
-    wait.Cause = "connection refused";
-    wait.Attempt = 3;
-    wait.NextAttempt = 120;
-    waiting.Snapshot.Wait = wait;
-    return {
-        {"not installed", PageStates::NotInstalled()},
-        {"complete", PageStates::Complete()},
-        {"downloading", PageStates::Working(Type::Install, RunPhase::DownloadingBase)},
-        {"waiting", waiting},
-        {"files given up", PageStates::Failed(PageStates::FailureOf(FailureKind::FilesGivenUp))},
-        {"link", PageStates::Failed(PageStates::FailureOf(FailureKind::LinkLeadsOut))}};
-}
-
 void PageLookTest::TextsCanBeReadOnAnyPicture_data()
 {
     QTest::addColumn<QImage>("Picture");
@@ -117,7 +96,7 @@ void PageLookTest::TextsCanBeReadOnAnyPicture()
     QFETCH(QImage, Picture);
     Host::ModuleCard card = Card;
     card.Background = Picture;
-    for (auto const& state : States()) {
+    for (auto const& state : PageStates::All()) {
         Host::GamePage page(card);
         page.resize(944, 640);
         page.Show(state.second);
@@ -166,6 +145,16 @@ void PageLookTest::EachThemeGivesColorsThatCanBeRead()
 {
     QFETCH(QString, Theme);
     PagePalette const palette = PagePalette::Of(Theme, "no color", {});
+    QPalette const window = Host::WindowPalette(palette);
+    for (auto const& [text, ground] : {std::pair(QPalette::WindowText, QPalette::Window),
+                                       std::pair(QPalette::Text, QPalette::Base),
+                                       std::pair(QPalette::PlaceholderText, QPalette::Base),
+                                       std::pair(QPalette::ButtonText, QPalette::Button),
+                                       std::pair(QPalette::ToolTipText, QPalette::ToolTipBase),
+                                       std::pair(QPalette::HighlightedText, QPalette::Highlight)})
+        QVERIFY2(PagePalette::Contrast(window.color(text), window.color(ground)) >=
+                     PagePalette::c_LeastContrast,
+                 qPrintable(window.color(text).name() + " on " + window.color(ground).name()));
     for (QColor const& behind : {QColor(Qt::white), QColor(Qt::black), QColor(128, 128, 128)}) {
         QColor const panel = PagePalette::Over(palette.Panel, behind);
         for (QColor const& text : {palette.Text, palette.Quiet, palette.Warning})
@@ -180,10 +169,14 @@ void PageLookTest::NothingIsClipped_data()
 {
     QTest::addColumn<QSize>("Size"); // of the page: the column of games is 80 wide
     QTest::addColumn<QString>("Code");
+    QTest::addColumn<int>("FontPercent"); // that the user has chosen
     for (auto const& language : Launcher::LauncherLocale::Available()) {
         QString const& code = language.Code;
-        AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code);
-        AddRow(qPrintable(code + " at 1920 x 1080, 200 %"), QSize(880, 540), code);
+        AddRow(qPrintable(code + " at 1024 x 640"), QSize(944, 640), code, 100);
+        AddRow(qPrintable(code + " at 1600 x 900"), QSize(1520, 900), code, 100);
+        AddRow(qPrintable(code + " at 1024 x 640, 125 %"), QSize(739, 512), code, 100);
+        AddRow(qPrintable(code + " at 1024 x 640, 200 %"), QSize(432, 320), code, 100);
+        AddRow(qPrintable(code + " in large letters"), QSize(944, 640), code, 200);
     }
 }
 
@@ -191,9 +184,11 @@ void PageLookTest::NothingIsClipped()
 {
     QFETCH(QSize, Size);
     QFETCH(QString, Code);
+    QFETCH(int, FontPercent);
+    LargerFont const font(FontPercent);
     Host::Language language;
     language.Use(Code);
-    for (auto const& state : States()) {
+    for (auto const& state : PageStates::All()) {
         Host::GamePage page(Card);
         page.resize(Size);
         page.Show(state.second);
@@ -201,55 +196,15 @@ void PageLookTest::NothingIsClipped()
         page.show();
         QTest::qWait(0);
         QCOMPARE(page.size(), Size); // it has not grown
-        for (auto* const part : page.findChildren<QWidget*>()) {
-            if (!part->isVisible() || part->isWindow() || part->visibleRegion().isEmpty() ||
-                part->inherits("QProgressBar")) // which wants room for a text that it has not
-                continue;
-            bool const isWhole = part->visibleRegion().boundingRect() == part->rect();
-            bool const isIn = page.rect().contains(AreaIn(page, *part));
-            QSize const least = part->minimumSizeHint();
-            auto const* const label = qobject_cast<QLabel*>(part);
-            bool const fits =
-                label != nullptr && label->wordWrap()
-                    ? label->height() >= label->heightForWidth(label->width())
-                    : part->width() >= least.width() && part->height() >= least.height();
-            QVERIFY2(isIn && isWhole && fits, qPrintable(QString("%1: %2 %3x%4, least %5x%6")
-                                                             .arg(state.first, NameOf(*part))
-                                                             .arg(part->width())
-                                                             .arg(part->height())
-                                                             .arg(least.width())
-                                                             .arg(least.height())));
-        }
-    }
-}
-
-void PageLookTest::EachControlHasANameAndTheKeyboardReachesIt()
-{
-    for (auto const& state : States()) {
-        Host::GamePage page(Card);
-        page.Show(state.second);
-        page.ToggleHistory();
-        page.show();
-        page.activateWindow();
-        page.FocusPrimary();
-        QSet<QWidget*> reached;
-        QWidget* part = &page;
-        while (!reached.contains(part = part->nextInFocusChain()))
-            reached.insert(part);
-        for (auto* const control : page.findChildren<QWidget*>()) {
-            bool const isControl = control->inherits("QAbstractButton") ||
-                                   control->inherits("QListWidget") ||
-                                   control->inherits("QProgressBar");
-            if (!isControl || !control->isVisible())
-                continue;
-            QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(control);
-            QVERIFY2(told != nullptr && !told->text(QAccessible::Name).isEmpty(),
-                     qPrintable(NameOf(*control)));
-            if (control->inherits("QProgressBar") || !control->isEnabled())
-                continue;
-            QVERIFY2((control->focusPolicy() & Qt::TabFocus) != 0 && reached.contains(control),
-                     qPrintable(NameOf(*control)));
-        }
+        // The letters are as large as the user wants them, and the large button is in sight.
+        auto const& primary = *page.findChild<QPushButton*>("primary");
+        QCOMPARE(primary.font().pixelSize(),
+                 QFontInfo(QApplication::font()).pixelSize() * 167 / 100);
+        QCOMPARE(primary.visibleRegion().boundingRect(), primary.rect());
+        for (auto const* const small : primary.parentWidget()->findChildren<QToolButton*>())
+            QVERIFY(!small->isVisible() || small->height() == primary.height());
+        QStringList const clipped = ClippedParts(page);
+        QVERIFY2(clipped.isEmpty(), qPrintable(state.first + (": " + clipped.join('\n'))));
     }
 }
 

@@ -21,7 +21,6 @@ private Q_SLOTS:
     void SettingsAreReadAsTheyAreKept();
     void WhatIsUnusableCountsAsNotGiven();
     void OnlyWhatIsAnotherIsWritten();
-    void ASessionGetsWhatIsAnother();
     void TheDialogShowsAndChoosesEach();
     void ALimitThatIsNotTouchedStaysToTheByte();
     void AnAddressThatIsNoneCannotBeSaved();
@@ -69,21 +68,6 @@ void SettingsDialogTest::OnlyWhatIsAnotherIsWritten()
     QVERIFY(!changes["options/content-url"].isValid());
     QCOMPARE(WindowSettings::Of(changes).Connections, 3);
     QCOMPARE(WindowSettings::Of(changes).Geometry, after.Geometry);
-}
-
-void SettingsDialogTest::ASessionGetsWhatIsAnother()
-{
-    Host::HostOptions options;
-    options.ContentUrl = "http://given/";
-    WindowSettings const before;
-    WindowSettings after;
-    after.BytesPerSecond = 5;
-    QVERIFY(!after.NeedsNewSession(before));
-    after.ApplyTo(options, before);
-    QCOMPARE(options.ContentUrl, QString("http://given/"));
-    QCOMPARE(options.BytesPerSecond, quint64(5));
-    after.UsesDevChannel = true;
-    QVERIFY(after.NeedsNewSession(before));
 }
 
 void SettingsDialogTest::TheDialogShowsAndChoosesEach()

@@ -1,4 +1,7 @@
+#include "Files/FileLock.hpp"
+#include "Host/Cli/OptionText.hpp"
 #include "Host/Core/Failures/ByteText.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
 #include "Host/Window/Desktop/Language.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/FileTools.hpp"
@@ -36,7 +39,7 @@ private Q_SLOTS:
     void NoTextIsMissing();
     void NothingIsLostInTranslation_data() { NoTextIsMissing_data(); }
     void NothingIsLostInTranslation();
-    void NumbersAreWrittenAsTheLanguageDoes();
+    void TextsAreThoseOfTheLanguage();
 
 private:
     static QString File(QString const& p_Code)
@@ -59,8 +62,8 @@ void TranslationsTest::NoTextIsMissing()
     QTemporaryDir const folder;
     QString const copy = folder.filePath("copy.ts");
     QVERIFY(QFile::copy(File(code), copy));
-    QStringList arguments{"-silent", "-locations", "none",        "-no-obsolete", "-I",
-                          ".",       "Host/Core",  "Host/Window", "-ts",          copy};
+    QStringList arguments{"-silent", "-locations", "none",      "-no-obsolete", "-I",  ".",
+                          "Files",   "Host/Cli",   "Host/Core", "Host/Window",  "-ts", copy};
     if (code == "enUS")
         arguments.prepend("-pluralonly");
     QProcess update;
@@ -101,7 +104,8 @@ void TranslationsTest::NothingIsLostInTranslation()
     QVERIFY(count > 5);
 }
 
-void TranslationsTest::NumbersAreWrittenAsTheLanguageDoes()
+/// Numbers too, and what is put together from parts.
+void TranslationsTest::TextsAreThoseOfTheLanguage()
 {
     Host::Language language;
     language.Use("frFR");
@@ -109,6 +113,17 @@ void TranslationsTest::NumbersAreWrittenAsTheLanguageDoes()
     QCOMPARE(
         QCoreApplication::translate("Varnholt::Host::ProgressTexts", "%n minute(s)", nullptr, 1),
         QString("1 minute"));
+    using Gateway::FetchProblem;
+    QCOMPARE(
+        Host::CauseText({FetchProblem::Type::Refused, {}, FetchProblem::Cause::Status, 503, "503"}),
+        QString("statut HTTP 503"));
+    QCOMPARE(Host::OptionText::WhyNotRate("abc").left(5), QString::fromUtf8("« abc"));
+    QTemporaryDir const folder;
+    FileLock first(folder.filePath("lock"));
+    FileLock second(folder.filePath("lock"));
+    QCOMPARE(first.Take(), FileLock::Outcome::Taken);
+    QCOMPARE(second.Take(), FileLock::Outcome::Held);
+    QVERIFY2(second.Holder().contains(", processus "), qPrintable(second.Holder()));
     language.Use("enUS");
     QCOMPARE(Host::ByteText(1536 * 1024), QString("1.5 MiB"));
     QCOMPARE(

@@ -7,15 +7,23 @@
 #include "Host/Window/Pages/PageMenu.hpp"
 #include "Launcher/Application/LauncherLocale.hpp"
 #include "Tests/Support/TestMain.hpp"
+#include "Tests/Window/ClippedParts.hpp"
 #include "Tests/Window/DialogGame.hpp"
+#include "Tests/Window/LargerFont.hpp"
+#include "Tests/Window/PageStates.hpp"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QLabel>
 #include <QLocale>
+#include <QProgressBar>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 
 #include <set>
+#include <utility>
 
 namespace Varnholt::TestSupport {
 
@@ -33,7 +41,7 @@ private Q_SLOTS:
 private:
     /// What is wrong with a window, lines.
     static QStringList FaultsOf(QWidget& p_Window);
-    static QStringList MenuFaults(QMenu const& p_Menu);
+    static QStringList MenuFaults(QMenu& p_Menu);
     /// By the Tab key, in that order.
     static std::vector<QWidget*> Reached(QWidget& p_Window);
 };
@@ -41,8 +49,11 @@ private:
 void WindowAccessTest::EveryControlIsWithinReach_data()
 {
     QTest::addColumn<QString>("code");
-    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available())
-        AddRow(qPrintable(locale.Code), locale.Code);
+    QTest::addColumn<int>("fontPercent");
+    for (Launcher::LauncherLocale const& locale : Launcher::LauncherLocale::Available()) {
+        AddRow(qPrintable(locale.Code), locale.Code, 100);
+        AddRow(qPrintable(locale.Code + " in large letters"), locale.Code, 200);
+    }
 }
 
 std::vector<QWidget*> WindowAccessTest::Reached(QWidget& p_Window)
@@ -56,13 +67,17 @@ std::vector<QWidget*> WindowAccessTest::Reached(QWidget& p_Window)
     return reached;
 }
 
-QStringList WindowAccessTest::MenuFaults(QMenu const& p_Menu)
+QStringList WindowAccessTest::MenuFaults(QMenu& p_Menu)
 {
     QStringList faults;
     std::set<QString> keys;
-    for (QAction const* const action : p_Menu.actions()) {
+    QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(&p_Menu);
+    for (int i = 0; i < p_Menu.actions().size(); ++i) {
+        QAction const* const action = p_Menu.actions()[i];
         QString const key = QKeySequence::mnemonic(action->text()).toString();
-        if (!action->isSeparator() && (key.isEmpty() || !keys.insert(key).second))
+        bool const isNamed = access->child(i)->text(QAccessible::Name) ==
+                             QString(action->text()).remove(QLatin1Char('&'));
+        if (!action->isSeparator() && (key.isEmpty() || !keys.insert(key).second || !isNamed))
             faults += QStringLiteral("menu: %1").arg(action->text());
     }
     return faults;
@@ -82,15 +97,24 @@ QStringList WindowAccessTest::FaultsOf(QWidget& p_Window)
     for (QAbstractButton const* const button : p_Window.findChildren<QAbstractButton*>())
         if (button->isVisible()) {
             claim(button->text(), button->shortcut());
-            if (button->shortcut().isEmpty())
+            if (button->isEnabled() && button->shortcut().isEmpty())
                 faults += QStringLiteral("%1 has no letter").arg(button->text());
+            if ((button->focusPolicy() & Qt::TabFocus) == 0)
+                faults += QStringLiteral("%1 is passed by").arg(button->text());
         }
+    for (QProgressBar const* const bar : p_Window.findChildren<QProgressBar*>())
+        if (bar->accessibleName().isEmpty())
+            faults += QStringLiteral("a bar has no name");
     int height = -1;
+    Host::ScrollColumn const* column = nullptr;
     for (QWidget* const widget : Reached(p_Window)) {
         QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(widget);
         QString const kind = QString::fromLatin1(widget->metaObject()->className());
         if (access == nullptr || access->text(QAccessible::Name).trimmed().isEmpty())
             faults += QStringLiteral("%1 has no name").arg(kind);
+        Host::ScrollColumn const* const before = std::exchange(column, ColumnAround(*widget));
+        if (before != column)
+            height = -1; // what is scrolled may reach below what follows it
         int const top = widget->mapTo(&p_Window, QPoint(0, widget->height())).y();
         if (top < height - widget->height())
             faults += QStringLiteral("%1 is reached after what stands below").arg(kind);
@@ -102,6 +126,8 @@ QStringList WindowAccessTest::FaultsOf(QWidget& p_Window)
 void WindowAccessTest::EveryControlIsWithinReach()
 {
     QFETCH(QString, code);
+    QFETCH(int, fontPercent);
+    LargerFont const font(fontPercent);
     DialogGame game;
     game.AddFiles().Publish().PutInstalled();
     game.Put("mine.txt", "mine");
@@ -117,17 +143,27 @@ void WindowAccessTest::EveryControlIsWithinReach()
         QVERIFY(game.WaitUntil([&] { return Reached(*p_Dialog).size() > 3; }));
         QStringList const faults = FaultsOf(*p_Dialog);
         QVERIFY2(faults.isEmpty(), qPrintable(p_Dialog->objectName() + ": " + faults.join('\n')));
+        // Once what came latest is laid out.
+        QStringList clipped;
+        bool const isReadable =
+            QTest::qWaitFor([&] { return (clipped = ClippedParts(*p_Dialog)).isEmpty(); });
+        QVERIFY2(isReadable, qPrintable(p_Dialog->objectName() + ": " + clipped.join('\n')));
+        QVERIFY(QRect(QPoint(), p_Dialog->screen()->availableSize()).contains(p_Dialog->rect()));
+        if (fontPercent == 100) // with room for all of it
+            QCOMPARE(p_Dialog->findChild<QScrollArea*>()->verticalScrollBar()->maximum(), 0);
     };
     check(new Host::InstallDialog(game.Controller(), game.Base));
     check(new Host::UninstallDialog(game.Controller()));
-    check(new Host::LoginDialog(store, "Game", {}));
+    check(new Host::LoginDialog(store, "Game", {"me", "secret", false}));
     check(new Host::SettingsDialog({}, "http://a/", true));
 
-    Host::GamePage page(Host::ModuleCard{});
-    page.Show(game.Controller().State());
-    page.show();
-    QCOMPARE(FaultsOf(page), QStringList());
-    QCOMPARE(MenuFaults(page.Menu()), QStringList());
+    for (auto const& state : PageStates::All()) {
+        Host::GamePage page(Host::ModuleCard{});
+        page.Show(state.second);
+        page.show();
+        QStringList const faults = FaultsOf(page) + MenuFaults(page.Menu());
+        QVERIFY2(faults.isEmpty(), qPrintable(state.first + (": " + faults.join('\n'))));
+    }
 }
 
 } // namespace Varnholt::TestSupport

@@ -84,8 +84,7 @@ Failure FileDiagnosis::NotFetched(Entries const& p_Missing) const
         bool const isAnswer = problem->Kind == Gateway::FetchProblem::Type::Refused ||
                               problem->Kind == Gateway::FetchProblem::Type::Unusable;
         auto const kind = isAnswer ? FailureKind::FilesGivenUp : FailureKind::FilesUnreachable;
-        return {kind, Named(p_Missing),
-                tr("%1 for %2").arg(QString::fromStdString(problem->Cause), UrlOf(*problem))};
+        return {kind, Named(p_Missing), tr("%1 for %2").arg(CauseText(*problem), UrlOf(*problem))};
     }
     return {FailureKind::FilesGivenUp, Named(p_Missing),
             tr("what the server gave is not what the build announces")};

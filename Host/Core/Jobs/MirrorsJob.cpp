@@ -1,4 +1,5 @@
 #include "Host/Core/Jobs/JobTable.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
 
 #include <QCoreApplication>
 #include <QUrl>
@@ -74,7 +75,7 @@ private:
         MirrorReport& report = Found.back();
         report.IsReachable = p_Reply.HttpStatus != 0;
         if (p_Reply.Problem) {
-            report.Cause = QString::fromStdString(p_Reply.Problem->Cause);
+            report.Cause = CauseText(*p_Reply.Problem);
             return AskNext();
         }
         report.Milliseconds = p_Reply.Took.count();
@@ -103,7 +104,7 @@ private:
         report.GivesRanges = p_Reply.HttpStatus == c_PartialContent;
         if (!report.GivesRanges && report.Cause.isEmpty())
             report.Cause = p_Reply.HttpStatus == 0 && p_Reply.Problem
-                               ? QString::fromStdString(p_Reply.Problem->Cause)
+                               ? CauseText(*p_Reply.Problem)
                                : tr("it answers a range with status %1").arg(p_Reply.HttpStatus);
         AskNext();
     }

@@ -2,6 +2,7 @@
 
 #include "GameModules/FileDigest.hpp"
 #include "Host/Core/Jobs/DiskPace.hpp"
+#include "Host/Core/Network/FetchFailure.hpp"
 
 #include <QFileInfo>
 #include <QUrl>
@@ -20,7 +21,7 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
         return std::nullopt;
     ServerWait wait;
     wait.Server = QUrl(QString::fromStdString(p_Wait->Problem.Url)).authority();
-    wait.Cause = QString::fromStdString(p_Wait->Problem.Cause);
+    wait.Cause = CauseText(p_Wait->Problem);
     wait.Silent = p_Wait->Silent.count() / c_Second;
     wait.NextAttempt = (p_Wait->NextAttempt.count() + c_Second - 1) / c_Second;
     wait.Attempt = p_Wait->Attempt;

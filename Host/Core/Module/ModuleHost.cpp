@@ -126,6 +126,8 @@ void ModuleHost::ReadStatus()
 {
     if (!IsLoaded())
         return;
+    if (!Current) // in the midst of a run the module's own values must not change
+        Settings.ReadAgain();
     InstallStatus status;
     status.Name = Loader.Application()->GetName();
     status.IsInstalled = Record->IsInstalled();
@@ -150,6 +152,7 @@ void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
     if (Current)
         return Refuse(p_Id, {FailureKind::SessionBusy, Info.Name, {}});
     QueueHeld = false;
+    Settings.ReadAgain();
     Gate.Begin();
     CurrentId = p_Id;
     Current = MakeJobFor(*Context, p_Request);

@@ -1,5 +1,6 @@
 #include "Host/Core/Network/NetworkDoor.hpp"
 
+#include "Host/Core/Network/FetchFailure.hpp"
 #include "Launcher/Helper/Paths.hpp"
 
 #include <QFileInfo>
@@ -56,7 +57,7 @@ Gateway::GatewayOptions OptionsOf(HostOptions const& p_Options, QUrl const& p_Se
     options.CopyDelay = milliseconds(p_Options.CopyDelayMilliseconds);
     options.OnFailure = [](Gateway::FetchProblem const& p_Problem) {
         qCInfo(LogNetwork).noquote() << "a try has failed:" << QString::fromStdString(p_Problem.Url)
-                                     << '(' + QString::fromStdString(p_Problem.Cause) + ')';
+                                     << '(' + CauseText(p_Problem) + ')';
     };
     return options;
 }
@@ -67,9 +68,9 @@ void Judge(Gateway::Reply& p_Reply, std::string const& p_Url)
     constexpr int c_FirstError = 400;
 
     if (!p_Reply.Problem && p_Reply.HttpStatus >= c_FirstError)
-        p_Reply.Problem = Gateway::FetchProblem{Gateway::FetchProblem::Type::Refused, p_Url,
-                                                "HTTP status " + std::to_string(p_Reply.HttpStatus),
-                                                p_Reply.HttpStatus};
+        p_Reply.Problem = Gateway::FetchProblem{
+            Gateway::FetchProblem::Type::Refused, p_Url, Gateway::FetchProblem::Cause::Status,
+            p_Reply.HttpStatus, std::to_string(p_Reply.HttpStatus)};
 }
 
 } // namespace

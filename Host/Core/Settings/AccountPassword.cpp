@@ -14,7 +14,7 @@ QString ProblemOf(QKeychain::Job const& p_Job)
     if (p_Job.error() == QKeychain::NoError || p_Job.error() == QKeychain::EntryNotFound)
         return {};
     QString const cause = p_Job.errorString();
-    return cause.isEmpty() ? QStringLiteral("the secret store gives no reason") : cause;
+    return cause.isEmpty() ? AccountPassword::tr("the secret store gives no reason") : cause;
 }
 
 QString Digest(QString const& p_Text)

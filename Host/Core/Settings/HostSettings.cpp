@@ -25,6 +25,15 @@ QVariant HostSettings::Value(QString const& p_Key, QVariant const& p_Default) co
     return Values.value(p_Key, p_Default);
 }
 
+void HostSettings::ReadAgain()
+{
+    QMutexLocker const lock(&StoreMutex);
+    if (SettingsFile::Read(Path).Problem)
+        return;
+    Values = SettingsFile::Parse(Path);
+    SettingsFile::Apply(Values, Unwritten);
+}
+
 void HostSettings::SetValue(QString const& p_Key, QVariant const& p_Value)
 {
     QMutexLocker const lock(&StoreMutex);
@@ -35,10 +44,10 @@ void HostSettings::SetValue(QString const& p_Key, QVariant const& p_Value)
     Write();
 }
 
-QStringList HostSettings::Keys() const
+SettingsFile::Values HostSettings::All() const
 {
     QMutexLocker const lock(&StoreMutex);
-    return Values.keys();
+    return Values;
 }
 
 void HostSettings::Remove(QString const& p_Key)

@@ -26,8 +26,13 @@ public:
 
     QVariant Value(QString const& p_Key, QVariant const& p_Default = {}) const;
     void SetValue(QString const& p_Key, QVariant const& p_Value);
-    QStringList Keys() const;
+    QStringList Keys() const { return All().keys(); }
+    SettingsFile::Values All() const;
     void Remove(QString const& p_Key);
+
+    /// Takes up what another program has written meanwhile; what is not in the file yet stays. Of a
+    /// file that cannot be read any more, what it held goes on to hold.
+    void ReadAgain();
 
     /// Why the file could not be read at first: nothing is known then, and nothing is overwritten.
     /// None when there is no file.

@@ -86,6 +86,15 @@ Values Parse(QString const& p_File)
     return values;
 }
 
+void Apply(Values& p_Values, Values const& p_Changes)
+{
+    for (auto row = p_Changes.constBegin(); row != p_Changes.constEnd(); ++row)
+        if (row.value().isValid())
+            p_Values[row.key()] = row.value();
+        else
+            p_Values.remove(row.key());
+}
+
 QString Canonical(QString const& p_File)
 {
     QString const path = QDir::cleanPath(QDir::current().absoluteFilePath(p_File));

@@ -27,6 +27,9 @@ Content Read(QString const& p_File);
 /// and looks the same is not read again.
 Values Parse(QString const& p_File);
 
+/// Makes changes. \param p_Changes an invalid value removes its key
+void Apply(Values& p_Values, Values const& p_Changes);
+
 /// The file's name, the same for every way to write it: absolute, with no links in it. The file
 /// and its folders need not exist.
 QString Canonical(QString const& p_File);

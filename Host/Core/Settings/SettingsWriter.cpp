@@ -140,11 +140,7 @@ std::optional<Failure> SettingsWriter::Write(Values const& p_Changes)
         return Hindrance;
     if (!ReadValues())
         return Because(CauseIn(Folder));
-    for (auto row = p_Changes.constBegin(); row != p_Changes.constEnd(); ++row)
-        if (row.value().isValid())
-            Merged[row.key()] = row.value();
-        else
-            Merged.remove(row.key());
+    SettingsFile::Apply(Merged, p_Changes);
     // Read again before it counts: QSettings does not notice when a full disk cuts its file short.
     QString const fresh = NewName();
     QString const checked = NewName();

@@ -18,7 +18,7 @@ QString const c_KeyName = QStringLiteral("/trust-key");
 
 FetchProblem Distrust(Type p_Kind, TrustJudge::Evidence const& p_Evidence, QString const& p_Cause)
 {
-    return {p_Kind, p_Evidence.Url, p_Cause.toStdString(), 0};
+    return {p_Kind, p_Evidence.Url, FetchProblem::Cause::Told, 0, p_Cause.toStdString()};
 }
 
 TrustJudge::Role RoleOf(QString const& p_Path)
@@ -140,8 +140,7 @@ TrustJudge::Problem TrustJudge::TakeKey(Evidence const& p_Evidence)
 {
     auto const key = Signing::PublicKey::FromText(QByteArray::fromStdString(p_Evidence.Body));
     if (!key || Known.Keys.contains(*key))
-        return FetchProblem{Type::Unusable, p_Evidence.Url, tr("it is no new key").toStdString(),
-                            0};
+        return Distrust(Type::Unusable, p_Evidence, tr("it is no new key"));
     Known.Keys.append(*key);
     return std::nullopt;
 }

@@ -1,12 +1,15 @@
 #include "Host/Window/Desktop/Desktop.hpp"
 
+#include "Host/Cli/ConfigCommand.hpp"
 #include "Host/Window/Dialogs/Dialogs.hpp"
 #include "Host/Window/Dialogs/SettingsDialog.hpp"
 #include "Host/Window/Main/MainWindow.hpp"
 #include "Host/Window/Main/RunText.hpp"
 
 #include <QEvent>
+#include <QScreen>
 
+#include <algorithm>
 #include <utility>
 
 namespace Varnholt::Host {
@@ -22,15 +25,42 @@ bool TakesLong(Type p_Kind)
            p_Kind == Type::Verify;
 }
 
+/// What a session learns only when it begins.
+SettingsFile::Values OfSession(SettingsFile::Values const& p_Kept)
+{
+    SettingsFile::Values kept;
+    for (auto row = p_Kept.constBegin(); row != p_Kept.constEnd(); ++row)
+        if (row.key().startsWith(QLatin1String("options/")) &&
+            row.key() != QLatin1String("options/limit-rate"))
+            kept.insert(row.key(), row.value());
+    return kept;
+}
+
+/// The screen may be another one than when its place was kept.
+void FitToScreen(QWidget& p_Window, bool p_HasPlace)
+{
+    if (p_Window.isMaximized() || p_Window.isFullScreen())
+        return;
+    QRect const screen = p_Window.screen()->availableGeometry();
+    p_Window.resize(p_Window.size().boundedTo(screen.size()));
+    QRect place = p_Window.geometry();
+    place.moveBottomRight(
+        {std::min(place.right(), screen.right()), std::min(place.bottom(), screen.bottom())});
+    place.moveTopLeft({std::max(place.left(), screen.left()), std::max(place.top(), screen.top())});
+    if (p_HasPlace && place != p_Window.geometry()) // otherwise the desktop finds one
+        p_Window.setGeometry(place);
+}
+
 } // namespace
 
-Desktop::Desktop(MainWindow& p_Window, Language& p_Language, WindowSettings p_Settings,
-                 QString p_DefaultServer)
+Desktop::Desktop(MainWindow& p_Window, Language& p_Language, Choice p_Given,
+                 QString p_DefaultServer, HasTray p_HasTray)
     : Window(p_Window)
     , Texts(p_Language)
-    , Settings(std::move(p_Settings))
+    , Given(std::move(p_Given))
     , DefaultServer(std::move(p_DefaultServer))
-    , File(p_Window.Controller().Options().SettingsFile)
+    , IsTrayThere(p_HasTray)
+    , File(Given.Options.SettingsFile)
 {
     Connect();
     Window.installEventFilter(this);
@@ -44,15 +74,13 @@ void Desktop::Connect()
     connect(&game, &GameController::Changed, this,
             [this, &game] { Tray.Show(game.State(), Window.windowTitle()); });
     connect(&game, &GameController::RunEnded, this, &Desktop::Notify);
-    connect(&Window.Windows(), &Dialogs::SettingsRequested, &File, &AsyncSettings::Read);
-    connect(&File, &AsyncSettings::WasRead, this, [this](SettingsFile::Values const& p_Values) {
-        OpenSettings(WindowSettings::Of(p_Values));
+    connect(&Window.Windows(), &Dialogs::SettingsRequested, this, [this] {
+        AsksForSettings = true;
+        File.Read();
     });
-    connect(&File, &AsyncSettings::Written, this, [this](std::optional<Failure> const& p_Failure) {
-        if (p_Failure)
-            Q_EMIT Window.Controller().Told(
-                {RunText::Sentence(*p_Failure), Notice::Level::Warning});
-    });
+    connect(&File, &SettingsWatch::WasRead, this, &Desktop::OnRead);
+    connect(&File, &SettingsWatch::WriteFailed, this,
+            [this](Failure const& p_Failure) { Window.Tell(RunText::Sentence(p_Failure)); });
     connect(&Messages, &Notifier::Chosen, this, &Desktop::ShowWindow);
     connect(&Tray, &TrayIcon::ShowRequested, this, &Desktop::ShowWindow);
     connect(&Tray, &TrayIcon::PauseRequested, &game, &GameController::Pause);
@@ -60,10 +88,12 @@ void Desktop::Connect()
     connect(&Tray, &TrayIcon::QuitRequested, &Window, &MainWindow::Quit);
 }
 
-void Desktop::Begin()
+void Desktop::Begin(SettingsFile::Values const& p_Kept)
 {
-    Use(Settings);
-    Window.restoreGeometry(Settings.Geometry);
+    TakeUp(p_Kept);
+    File.Begin();
+    bool const hasPlace = Window.restoreGeometry(Settings.Geometry);
+    FitToScreen(Window, hasPlace);
     if (!Settings.StartsMinimised)
         Window.show();
     else if (!StaysInTray())
@@ -79,40 +109,71 @@ void Desktop::ShowWindow()
     Window.activateWindow();
 }
 
+void Desktop::OnRead(SettingsFile::Values const& p_Kept, std::optional<Failure> const& p_Failure)
+{
+    if (p_Failure)
+        TellFaults({*p_Failure});
+    else
+        TakeUp(p_Kept);
+    if (std::exchange(AsksForSettings, false))
+        OpenSettings();
+}
+
+void Desktop::TakeUp(SettingsFile::Values const& p_Kept)
+{
+    Choice choice = Given;
+    std::vector<Failure> faults = ConfigCommand::Complete(choice, p_Kept);
+    for (Failure const& unknown : ConfigCommand::UnknownKeys(p_Kept))
+        faults.push_back(unknown);
+    bool const needsSession = OfSession(p_Kept) != OfSession(std::exchange(Kept, p_Kept));
+    Window.Controller().SetOptions(choice.Options, needsSession);
+    Window.Windows().SetServer(
+        choice.Options.ContentUrl.isEmpty() ? DefaultServer : choice.Options.ContentServer());
+    Use(WindowSettings::Of(p_Kept));
+    TellFaults(faults);
+}
+
+void Desktop::TellFaults(std::vector<Failure> const& p_Faults)
+{
+    QStringList sentences;
+    for (Failure const& fault : p_Faults) // that of the file as a whole names it
+        sentences += fault.Subject == Given.Options.SettingsFile
+                         ? RunText::Sentence(fault)
+                         : tr("In the settings file %1: %2.")
+                               .arg(Given.Options.SettingsFile, fault.Sentence());
+    if (std::exchange(ToldFaults, sentences) != sentences && !sentences.isEmpty())
+        Window.Tell(sentences.join(QLatin1Char('\n')));
+}
+
 void Desktop::Use(WindowSettings const& p_Settings)
 {
     Settings = p_Settings;
+    QString const language = Texts.Code();
     Texts.Use(Settings.Language);
+    if (Texts.Code() != language)
+        Window.Controller().SetLanguage(Texts.Code());
     Window.SetEndsWhenClosed(!StaysInTray());
     Tray.SetVisible(StaysInTray());
-    Window.Windows().SetServer(Settings.ContentUrl.isEmpty() ? DefaultServer : Settings.ContentUrl);
 }
 
-/// \param p_Settings as the file has them: another program may have written them meanwhile
-void Desktop::OpenSettings(WindowSettings const& p_Settings)
+void Desktop::OpenSettings()
 {
-    auto* const dialog =
-        new SettingsDialog(p_Settings, DefaultServer, TrayIcon::IsAvailable(), &Window);
-    connect(dialog, &QDialog::accepted, this, [this, dialog, p_Settings] {
-        WindowSettings const chosen = dialog->Chosen();
-        File.Write(chosen.ChangesFrom(p_Settings));
-        Save(chosen);
-    });
+    auto* const dialog = new SettingsDialog(Settings, DefaultServer, IsTrayThere(), &Window);
+    connect(dialog, &QDialog::accepted, this,
+            [this, dialog, before = Settings] { Change(dialog->Chosen().ChangesFrom(before)); });
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }
 
-void Desktop::Save(WindowSettings const& p_Settings)
+/// They hold at once, whatever becomes of the file.
+void Desktop::Change(SettingsFile::Values const& p_Changes)
 {
-    WindowSettings const before = Settings;
-    GameController& game = Window.Controller();
-    HostOptions options = game.Options();
-    p_Settings.ApplyTo(options, before);
-    game.SetOptions(options);
-    Use(p_Settings);
-    game.SetLanguage(Texts.Code());
-    if (p_Settings.NeedsNewSession(before) && !game.IsBusy())
-        game.Reopen();
+    if (p_Changes.isEmpty())
+        return;
+    SettingsFile::Values kept = Kept;
+    SettingsFile::Apply(kept, p_Changes);
+    TakeUp(kept);
+    File.Write(p_Changes);
 }
 
 /// The place is written when the window goes, by whatever way.
@@ -120,10 +181,7 @@ void Desktop::KeepPlace()
 {
     WindowSettings now = Settings;
     now.Geometry = Window.saveGeometry();
-    SettingsFile::Values const changes = now.ChangesFrom(Settings);
-    Settings = now;
-    if (!changes.isEmpty())
-        File.Write(changes);
+    Change(now.ChangesFrom(Settings));
 }
 
 bool Desktop::eventFilter(QObject* p_Object, QEvent* p_Event)

@@ -7,17 +7,19 @@
 class QDialog;
 class QFormLayout;
 class QLabel;
+class QVBoxLayout;
 class QWidget;
 
 /// What the dialogs have in common.
 namespace Varnholt::Host::DialogParts {
 
-/// Makes it wide enough for sentences.
-void Widen(QDialog& p_Dialog);
-/// Makes it as high as what it shows by now.
+/// Begins a dialog with its title as a heading. What is added to its layout later stands below.
+/// \return what the rest is added to: it can be scrolled where there is no room for it
+QVBoxLayout& Begin(QDialog& p_Dialog);
+/// Makes it as high as what it shows by now, if the screen is.
 void Fit(QDialog& p_Dialog);
 /// Text of several lines, which can be selected.
-QLabel* AddText(QDialog& p_Dialog);
+QLabel* AddText(QVBoxLayout& p_Layout);
 /// Adds a row with what can be filled in. \return its label, without a text yet
 QLabel* AddField(QFormLayout& p_Form, QWidget& p_Field);
 /// Adds a row with a figure and its name.

@@ -48,7 +48,7 @@ void Dialogs::ReadLogin(bool p_Asks)
 {
     auto* const store =
         new LoginStore(Controller.Info().AppId, Server, Controller.Options().SettingsFile, this);
-    connect(store, &LoginStore::Noticed, &Controller, &GameController::Noticed);
+    connect(store, &LoginStore::Noticed, &Controller, &GameController::TellNotice);
     connect(store, &LoginStore::WasRead, this, [=](LoginStore::Login const& p_Login) {
         if (!p_Login.Asks && !p_Asks) {
             RunRequest request;

@@ -29,7 +29,7 @@ public:
     void OpenSettings() { Q_EMIT SettingsRequested(); }
     /// Starts the game as is remembered, or asks for account and password.
     void OpenLogin();
-    /// Asks for account and password, whatever is remembered, and starts the game.
+    /// Asks for account and password, whatever is remembered, and starts the game; or forgets them.
     void OpenAccount();
 
 Q_SIGNALS:

@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -66,7 +67,7 @@ void InstallDialog::Build()
 {
     using namespace DialogParts;
 
-    auto* const layout = new QVBoxLayout(this);
+    QVBoxLayout& body = Begin(*this);
     auto* const form = new QFormLayout;
     FolderLabel = new QLabel(this);
     form->addRow(FolderLabel, FolderRow());
@@ -78,25 +79,24 @@ void InstallDialog::Build()
     AddFigure(*form, FetchLabel, Fetch);
     AddFigure(*form, FreeLabel, Free);
     AddFigure(*form, AfterLabel, After);
-    layout->addLayout(form);
-    Warnings = AddText(*this);
+    body.addLayout(form);
+    Warnings = AddText(body);
     Inside = new QPushButton(this);
     Inside->setAutoDefault(false);
     Again = new QPushButton(this);
     Again->setAutoDefault(false);
     for (QPushButton* const button : {Inside, Again})
-        layout->addWidget(button, 0, Qt::AlignLeft);
+        body.addWidget(button, 0, Qt::AlignLeft);
     Agree = new QCheckBox(this);
-    layout->addWidget(Agree);
-    layout->addStretch();
+    body.addWidget(Agree);
+    body.addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Install = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     Cancel = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     Install->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
-    Widen(*this);
+    layout()->addWidget(buttons);
 }
 
 void InstallDialog::SetTexts()

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace Varnholt::Host {
 
@@ -30,14 +31,19 @@ LoginDialog::LoginDialog(LoginStore& p_Store, QString const& p_Game,
         WithoutLogin = true;
         accept();
     });
+    connect(Forget, &QPushButton::clicked, this, [this] {
+        Store.ForgetAccount(Known.Account);
+        reject();
+    });
+    Forget->setVisible(!Known.Account.isEmpty() || !Known.Asks);
     if (!Known.Account.isEmpty())
         Password->setFocus();
 }
 
 void LoginDialog::Build()
 {
-    auto* const layout = new QVBoxLayout(this);
-    Explanation = DialogParts::AddText(*this);
+    QVBoxLayout& body = DialogParts::Begin(*this);
+    Explanation = DialogParts::AddText(body);
     auto* const form = new QFormLayout;
     Account = new QLineEdit(this);
     AccountLabel = DialogParts::AddField(*form, *Account);
@@ -46,18 +52,19 @@ void LoginDialog::Build()
     PasswordLabel = DialogParts::AddField(*form, *Password);
     Remember = new QCheckBox(this);
     form->addRow(Remember);
-    layout->addLayout(form);
-    layout->addStretch();
+    body.addLayout(form);
+    body.addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Play = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     Without = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
+    Forget = buttons->addButton(QString(), QDialogButtonBox::ActionRole);
     Cancel = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     Without->setAutoDefault(false);
+    Forget->setAutoDefault(false);
     Play->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &LoginDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
-    DialogParts::Widen(*this);
+    layout()->addWidget(buttons);
 }
 
 void LoginDialog::SetTexts()
@@ -73,8 +80,11 @@ void LoginDialog::SetTexts()
                             "else."));
     Play->setText(tr("&Play"));
     Without->setText(tr("Play with&out logging in"));
+    Forget->setText(tr("&Forget"));
+    Forget->setToolTip(tr("Account and password are not remembered any more."));
     Cancel->setText(tr("&Cancel"));
     Enable();
+    DialogParts::Fit(*this);
 }
 
 void LoginDialog::changeEvent(QEvent* p_Event)

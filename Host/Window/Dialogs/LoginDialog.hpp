@@ -50,6 +50,7 @@ private:
     QCheckBox* Remember;
     QPushButton* Play;
     QPushButton* Without;
+    QPushButton* Forget;
     QPushButton* Cancel;
 };
 

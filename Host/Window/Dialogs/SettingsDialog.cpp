@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QVBoxLayout>
 
 #include <cmath>
 
@@ -42,23 +43,22 @@ SettingsDialog::SettingsDialog(WindowSettings const& p_Settings, QString const& 
 
 void SettingsDialog::Build()
 {
-    auto* const layout = new QVBoxLayout(this);
+    QVBoxLayout& body = DialogParts::Begin(*this);
     Program = new QGroupBox(this);
     Downloads = new QGroupBox(this);
     BuildProgram(*new QFormLayout(Program));
     BuildDownloads(*new QFormLayout(Downloads));
-    layout->addWidget(Program);
-    layout->addWidget(Downloads);
-    Fault = DialogParts::AddText(*this);
-    layout->addStretch();
+    body.addWidget(Program);
+    body.addWidget(Downloads);
+    Fault = DialogParts::AddText(body);
+    body.addStretch();
     auto* const buttons = new QDialogButtonBox(this);
     Save = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     Cancel = buttons->addButton(QString(), QDialogButtonBox::RejectRole);
     Save->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
-    DialogParts::Widen(*this);
+    layout()->addWidget(buttons);
 }
 
 void SettingsDialog::BuildProgram(QFormLayout& p_Form)

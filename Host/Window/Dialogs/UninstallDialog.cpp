@@ -2,12 +2,12 @@
 
 #include "Host/Core/Folder/FileAmount.hpp"
 #include "Host/Window/Dialogs/DialogParts.hpp"
+#include "Host/Window/Style/WrappedList.hpp"
 
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QEvent>
 #include <QLabel>
-#include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -35,27 +35,29 @@ UninstallDialog::UninstallDialog(GameController& p_Game, QWidget* p_Parent)
 void UninstallDialog::Build()
 {
     constexpr int c_Lines = 5;
+    constexpr int c_BarHeight = 6;
 
-    auto* const layout = new QVBoxLayout(this);
-    Explanation = DialogParts::AddText(*this);
+    QVBoxLayout& body = DialogParts::Begin(*this);
+    Explanation = DialogParts::AddText(body);
     Delete = new QRadioButton(this);
     Keep = new QRadioButton(this);
     Delete->setChecked(true);
     StayingLabel = new QLabel(this);
-    Staying = new QListWidget(this);
+    Staying = new WrappedList(this);
     Staying->setSelectionMode(QAbstractItemView::NoSelection);
     Staying->setMinimumHeight(fontMetrics().lineSpacing() * c_Lines);
     StayingLabel->setBuddy(Staying);
     Progress = new QProgressBar(this);
+    Progress->setFixedHeight(c_BarHeight);
+    Progress->setTextVisible(false); // the page beside it tells more
     Again = new QPushButton(this);
     for (QWidget* const widget : std::initializer_list<QWidget*>{Delete, Keep, StayingLabel})
-        layout->addWidget(widget);
-    layout->addWidget(Staying, 1);
-    layout->addWidget(Progress);
-    layout->addWidget(Again, 0, Qt::AlignLeft);
-    layout->addStretch();
+        body.addWidget(widget);
+    body.addWidget(Staying, 1);
+    body.addWidget(Progress);
+    body.addWidget(Again, 0, Qt::AlignLeft);
+    body.addStretch();
     BuildButtons();
-    DialogParts::Widen(*this);
 }
 
 void UninstallDialog::BuildButtons()

@@ -5,12 +5,13 @@
 #include <QDialog>
 
 class QLabel;
-class QListWidget;
 class QProgressBar;
 class QPushButton;
 class QRadioButton;
 
 namespace Varnholt::Host {
+
+class WrappedList;
 
 /// What an uninstallation deletes and what stays, told before, and how it goes on. It can be
 /// cancelled until the first file is removed.
@@ -49,7 +50,7 @@ private:
     QRadioButton* Delete;
     QRadioButton* Keep;
     QLabel* StayingLabel;
-    QListWidget* Staying;
+    WrappedList* Staying;
     QProgressBar* Progress;
     QPushButton* Again;
     QPushButton* Uninstall;

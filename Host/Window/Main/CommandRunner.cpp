@@ -64,6 +64,8 @@ void CommandRunner::Run(PageCommand p_Command)
     case PageCommand::CopyDiagnosis:
         Q_EMIT DiagnosisRequested();
         return;
+    case PageCommand::ChangeAccount:
+        return Windows.OpenAccount();
     case PageCommand::ChooseLanguage:
         return Controller.Start(Type::ListLocales);
     case PageCommand::ShowFiles:

@@ -35,10 +35,13 @@ GameController::GameController(HostOptions p_Options, QObject* p_Parent)
     : QObject(p_Parent)
     , Chosen(std::move(p_Options))
 {
-    constexpr int c_ElsewhereMilliseconds = 2'000;
+    constexpr int c_StatusMilliseconds = 2'000;
 
-    ElsewhereTimer.setInterval(c_ElsewhereMilliseconds);
-    connect(&ElsewhereTimer, &QTimer::timeout, this, &GameController::ReadStatus);
+    StatusTimer.setInterval(c_StatusMilliseconds);
+    connect(&StatusTimer, &QTimer::timeout, this, [this] {
+        if (RunningId == 0) // nobody else can be at work then
+            ReadStatus();
+    });
 }
 
 GameController::~GameController() = default;
@@ -64,6 +67,10 @@ void GameController::Begin(RunRequest const& p_Request, bool p_IsQuiet)
 {
     if (!Session)
         return;
+    if (IsStale && !p_IsQuiet && CanReopen()) {
+        Next = p_Request;
+        return Renew();
+    }
     if (!IsBusy()) {
         IsQuiet = p_IsQuiet;
         Running = WithoutPassword(p_Request);
@@ -135,15 +142,12 @@ void GameController::Conclude(RunRequest const& p_Request, RunResult const& p_Re
 
 void GameController::OnStatus(InstallStatus const& p_Status)
 {
-    // What the session knows of the settings is from before the other program's work.
+    // The other program may have brought the update that was found.
     if (Known.Status && Known.Status->Download && !p_Status.Download)
-        return Reopen();
+        Known.IsUpdateKnown = HasLooked = false;
     Known.Session = GameState::Stage::Open;
     Known.Status = p_Status;
-    if (p_Status.Download)
-        ElsewhereTimer.start();
-    else
-        ElsewhereTimer.stop();
+    StatusTimer.start();
     Q_EMIT Changed();
     LookForUpdate(p_Status);
 }
@@ -227,6 +231,11 @@ void GameController::ForgetProblem()
     Known.Problem.reset();
     Known.GivenUp.clear();
     Q_EMIT Changed();
+}
+
+void GameController::TellNotice(Notice const& p_Notice)
+{
+    Q_EMIT Told({p_Notice.Text(), p_Notice.Severity(), p_Notice.Time});
 }
 
 void GameController::Tell(QString const& p_Text, Notice::Level p_Severity)

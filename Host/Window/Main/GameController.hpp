@@ -28,8 +28,9 @@ public:
     /// Of the chosen game, once its module is loaded.
     ModuleInfo const& Info() const { return Module; }
     HostOptions const& Options() const { return Chosen; }
-    /// Of sessions that begin from now on; but for the rate limit, which holds at once.
-    void SetOptions(HostOptions const& p_Options);
+    /// Of the next run at the latest, unless the game runs; the rate limit holds at once.
+    /// \param p_NeedsSession whether more is another one than the rate limit
+    void SetOptions(HostOptions const& p_Options, bool p_NeedsSession);
 
     /// Lets the present game go and opens that of another module.
     /// \return why not, a sentence; none when it is so
@@ -49,6 +50,8 @@ public:
     void Interrupt();
     void SetLanguage(QString const& p_Code);
     void ReadStatus();
+    /// Has a notice told as those of the session are.
+    void TellNotice(Notice const& p_Notice);
     /// The user has read of the problem.
     void ForgetProblem();
     /// Lets the game go for good; answered by `Closed`.
@@ -60,7 +63,6 @@ Q_SIGNALS:
     /// The module is loaded; `Info()` tells of it.
     void Opened();
     void Told(Varnholt::Host::HistoryEntry p_Entry);
-    void Noticed(Varnholt::Host::Notice p_Notice);
     void RunEnded(Varnholt::Host::RunRequest p_Request, Varnholt::Host::RunResult p_Result);
     void GameEnded(Varnholt::Host::GameEnd p_End);
     void Closed();
@@ -70,6 +72,10 @@ private:
     void OpenChosen();
     void Listen();
     void LetGo();
+    void Renew();
+    void RefuseNext(Failure const& p_Failure);
+    /// Without losing what is under way, or the end of the game.
+    bool CanReopen() const { return !IsBusy() && !Known.IsGameRunning; }
     void OnClosed();
 
     void OnStatus(InstallStatus const& p_Status);
@@ -84,13 +90,14 @@ private:
     ModuleInfo Module;
     GameState Known;
     std::unique_ptr<HostSession> Session;
-    QTimer ElsewhereTimer; ///< while another program works in the folder
+    QTimer StatusTimer;    ///< another program may begin or end its work in the folder
     RunRequest Running;    ///< the latest one that was started; without its password
     quint64 RunningId = 0; ///< 0: none
     bool IsQuiet = false;  ///< it is one that the user has not asked for
     bool HasLooked = false;
     bool IsClosing = false;
-    std::optional<RunRequest> Next; ///< once the quiet one has ended
+    bool IsStale = false; ///< the session has other options than were chosen since it began
+    std::optional<RunRequest> Next; ///< once the quiet one has ended, or the session is open
     std::set<qint64> Games;
     QString OutputFile;
 };

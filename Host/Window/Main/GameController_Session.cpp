@@ -22,7 +22,7 @@ RunSnapshot Measured(RunSnapshot p_Now, RunSnapshot const& p_Before)
 
 } // namespace
 
-void GameController::SetOptions(HostOptions const& p_Options)
+void GameController::SetOptions(HostOptions const& p_Options, bool p_NeedsSession)
 {
     bool const isOther = p_Options.BytesPerSecond != Chosen.BytesPerSecond;
     QString const file = Chosen.ModuleFile;
@@ -30,6 +30,17 @@ void GameController::SetOptions(HostOptions const& p_Options)
     Chosen.ModuleFile = file;
     if (Session && isOther)
         Session->SetRateLimit(Chosen.BytesPerSecond);
+    IsStale = Session && (IsStale || p_NeedsSession);
+    if (IsStale && CanReopen())
+        Renew();
+}
+
+/// What is to be begun in the new session stays.
+void GameController::Renew()
+{
+    auto next = std::exchange(Next, std::nullopt);
+    Reopen();
+    Next = std::move(next);
 }
 
 std::optional<QString> GameController::Choose(QString const& p_ModuleFile)
@@ -47,7 +58,7 @@ std::optional<QString> GameController::Choose(QString const& p_ModuleFile)
 
 void GameController::Reopen()
 {
-    ElsewhereTimer.stop();
+    StatusTimer.stop();
     Known = {};
     Module = {};
     Games.clear();
@@ -59,9 +70,21 @@ void GameController::Reopen()
         OpenChosen();
 }
 
+/// Called when the session that it waits for does not open.
+void GameController::RefuseNext(Failure const& p_Failure)
+{
+    auto next = std::exchange(Next, std::nullopt);
+    if (!next)
+        return;
+    next->Password.clear();
+    RunResult result;
+    result.Problem = p_Failure;
+    Q_EMIT RunEnded(*next, result);
+}
+
 void GameController::OpenChosen()
 {
-    HasLooked = false;
+    HasLooked = IsStale = false;
     RunningId = 0;
     Session = std::make_unique<HostSession>(Chosen);
     Listen();
@@ -75,12 +98,15 @@ void GameController::Listen()
         Module = p_Info;
         Q_EMIT Opened();
         ReadStatus();
+        if (auto const next = std::exchange(Next, std::nullopt))
+            Begin(*next, false);
     });
     connect(session, &HostSession::OpenFailed, this, [this](Failure const& p_Failure) {
         Known.Session = GameState::Stage::Failed;
         Known.Problem = p_Failure;
         Tell(RunText::Sentence(p_Failure), Notice::Level::Warning);
         Q_EMIT Changed();
+        RefuseNext(p_Failure);
     });
     connect(session, &HostSession::StatusRead, this, &GameController::OnStatus);
     connect(session, &HostSession::Progressed, this, [this](RunSnapshot const& p_Snapshot) {
@@ -90,10 +116,7 @@ void GameController::Listen()
         Known.IsPaused = Session->IsPaused();
         Q_EMIT Changed();
     });
-    connect(session, &HostSession::Noticed, this, [this](Notice const& p_Notice) {
-        Q_EMIT Told({p_Notice.Text(), p_Notice.Severity(), p_Notice.Time});
-        Q_EMIT Noticed(p_Notice);
-    });
+    connect(session, &HostSession::Noticed, this, &GameController::TellNotice);
     connect(session, &HostSession::Ended, this, &GameController::OnEnded);
     connect(session, &HostSession::GameStarted, this, [this](qint64 p_ProcessId) {
         Games.insert(p_ProcessId);
@@ -129,7 +152,7 @@ void GameController::Close()
 {
     if (std::exchange(IsClosing, true))
         return;
-    ElsewhereTimer.stop();
+    StatusTimer.stop();
     if (Session)
         LetGo();
     else

@@ -3,15 +3,18 @@
 #include "Host/Window/Desktop/WindowTitle.hpp"
 #include "Host/Window/Dialogs/Dialogs.hpp"
 #include "Host/Window/Main/CommandRunner.hpp"
+#include "Host/Window/Pages/EmptyPage.hpp"
 #include "Host/Window/Pages/GameColumn.hpp"
 #include "Host/Window/Pages/GamePage.hpp"
 #include "Host/Window/Pages/PageMenu.hpp"
+#include "Host/Window/Style/WindowPalette.hpp"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
-#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QScreen>
 #include <QTimer>
 #include <QUrl>
 
@@ -25,21 +28,18 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
     , Folder(p_ModuleFolder)
     , Column(new GameColumn)
     , Pages(new QStackedWidget)
-    , Empty(new QLabel)
+    , Empty(new EmptyPage)
     , Opened(new Dialogs(Games, *this))
     , Commands(new CommandRunner(Games, *Opened, p_LogFile, this))
 {
-    Empty->setAlignment(Qt::AlignCenter);
-    Empty->setWordWrap(true);
-    Empty->setStyleSheet(
-        QStringLiteral("background: #14171c; color: #d7dce2; font-size: 15px; padding: 48px;"));
     Pages->addWidget(Empty);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(Column);
     layout->addWidget(Pages, 1);
-    resize(1024, 640);
+    QApplication::setPalette(WindowPalette(PagePalette::Of({}, {}, {})));
+    resize(QSize(1024, 640).boundedTo(screen()->availableSize()));
 
     connect(Column, &GameColumn::Chosen, this, &MainWindow::Choose);
     connect(&Games, &GameController::Changed, this, &MainWindow::Refresh);
@@ -68,7 +68,7 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
     });
     connect(Commands, &CommandRunner::HistoryRequested, this, [this] { Shown->ToggleHistory(); });
     connect(Commands, &CommandRunner::DiagnosisRequested, this,
-            [this] { QGuiApplication::clipboard()->setText(Shown->Diagnosis(Games.Info())); });
+            [this] { QApplication::clipboard()->setText(Shown->Diagnosis(Games.Info())); });
     connect(Commands, &CommandRunner::ShowRequested, this, [](QString const& p_Path) {
         if (!p_Path.isEmpty())
             QDesktopServices::openUrl(QUrl::fromLocalFile(p_Path));
@@ -111,10 +111,23 @@ void MainWindow::Choose(QString const& p_ModuleFile)
     bool const isFirst = Shown == nullptr;
     Shown = Known[p_ModuleFile];
     Pages->setCurrentWidget(Shown);
+    QApplication::setPalette(WindowPalette(Shown->Card().Palette));
     Column->Select(p_ModuleFile);
     Refresh();
     if (isFirst)
         Shown->FocusPrimary();
+    for (QString const& text : std::exchange(Untold, {}))
+        Tell(text);
+}
+
+void MainWindow::Tell(QString const& p_Text)
+{
+    if (Shown == nullptr) {
+        Untold += p_Text;
+        return;
+    }
+    Shown->Add({p_Text, Notice::Level::Warning});
+    Shown->Tell(p_Text);
 }
 
 void MainWindow::Refresh()

@@ -4,7 +4,6 @@
 #include "Host/Window/Main/ModuleFolder.hpp"
 #include "Host/Window/Main/ModuleSurvey.hpp"
 
-#include <QLabel>
 #include <QStackedWidget>
 #include <QWidget>
 
@@ -14,6 +13,7 @@ namespace Varnholt::Host {
 
 class CommandRunner;
 class Dialogs;
+class EmptyPage;
 class GameColumn;
 class GamePage;
 
@@ -36,6 +36,9 @@ public:
     /// Whether closing the window ends the program; otherwise it only hides it, and what is under
     /// way goes on. At first: true.
     void SetEndsWhenClosed(bool p_Ends) { EndsWhenClosed = p_Ends; }
+    /// Tells something of the window's own on the page, and in its history; as soon as there is a
+    /// page. \param p_Text a sentence, or lines of these
+    void Tell(QString const& p_Text);
     /// Hides the window at once and lets the game go; answered by `Finished`.
     void Quit();
 
@@ -58,12 +61,13 @@ private:
     ModuleSurvey Survey;
     GameColumn* const Column;
     QStackedWidget* const Pages;
-    QLabel* const Empty; ///< shown when there is no game
+    EmptyPage* const Empty; ///< shown when there is no game
     Dialogs* const Opened;
     CommandRunner* const Commands;
     std::map<QString, GamePage*> Known;
     GamePage* Shown = nullptr;
-    QString Refused; ///< why the latest file is no game
+    QStringList Untold; ///< until there is a page
+    QString Refused;    ///< why the latest file is no game
     bool HasLooked = false;
     bool EndsWhenClosed = true;
     bool IsEnding = false;

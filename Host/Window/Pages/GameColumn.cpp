@@ -1,7 +1,8 @@
 #include "Host/Window/Pages/GameColumn.hpp"
 
+#include "Host/Window/Style/ScrollColumn.hpp"
+
 #include <QPainter>
-#include <QScrollArea>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -47,25 +48,17 @@ QPixmap PictureOf(QImage const& p_Icon, QString const& p_Name, bool p_IsSelected
 
 GameColumn::GameColumn(QWidget* p_Parent)
     : QWidget(p_Parent)
-    , Column(new QVBoxLayout)
 {
     constexpr int c_Width = c_IconSide + 24;
     constexpr int c_Margin = 16;
 
     setFixedWidth(c_Width);
-    auto* const games = new QWidget;
-    games->setObjectName(QStringLiteral("games"));
-    games->setLayout(Column);
+    auto* const area = new ScrollColumn;
+    Column = &area->Content();
     Column->setContentsMargins(0, c_Margin, 0, c_Margin);
     Column->setSpacing(8);
     Column->addStretch();
-    auto* const area = new QScrollArea;
-    area->setWidget(games);
-    area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setStyleSheet(QStringLiteral("QScrollArea, #games { background: transparent; }"));
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(area);

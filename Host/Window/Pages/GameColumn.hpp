@@ -31,7 +31,7 @@ protected:
     void paintEvent(QPaintEvent* p_Event) override;
 
 private:
-    QVBoxLayout* const Column;
+    QVBoxLayout* Column;
     QButtonGroup Buttons;
     std::map<QString, QAbstractButton*> Known;
     QString Selected;

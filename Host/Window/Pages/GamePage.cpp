@@ -10,12 +10,14 @@
 #include "Host/Window/Style/ElidedLabel.hpp"
 #include "Host/Window/Style/Glyph.hpp"
 #include "Host/Window/Style/PageSheet.hpp"
+#include "Host/Window/Style/ScrollColumn.hpp"
 
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -24,6 +26,8 @@
 namespace Varnholt::Host {
 
 namespace {
+
+constexpr int c_LeastForGraph = 124; ///< characters
 
 QString WithShortcut(QString const& p_Text, QToolButton const& p_Button)
 {
@@ -45,19 +49,19 @@ GamePage::GamePage(ModuleCard const& p_Card, QWidget* p_Parent)
     : QWidget(p_Parent)
     , Game(p_Card)
     , Picture(p_Card.Background, p_Card.Placement, p_Card.Palette.Ground)
+    , News(new ScrollColumn)
+    , History(new HistoryView)
     , Trouble(new TroubleStrip(p_Card.Palette))
     , Entries(new PageMenu(this))
 {
-    constexpr int c_Margin = 24;
-    constexpr int c_Spacing = 12;
+    constexpr QSize c_Least(320, 240);
 
     setStyleSheet(PageSheet(Game.Palette));
+    setMinimumSize(c_Least);
     auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(c_Margin, c_Margin, c_Margin, c_Margin);
-    layout->setSpacing(c_Spacing);
-    layout->addStretch();
-    layout->addWidget(Trouble);
+    layout->addWidget(MakeNews(), 1);
     layout->addWidget(MakePanel());
+    Fold();
     connect(Trouble, &TroubleStrip::Requested, this, &GamePage::Requested);
     connect(Trouble, &TroubleStrip::Dismissed, this, [this] {
         if (!std::exchange(Told, {}).isEmpty())
@@ -69,45 +73,59 @@ GamePage::GamePage(ModuleCard const& p_Card, QWidget* p_Parent)
     Translate();
 }
 
-QWidget* GamePage::MakePanel()
+/// What comes and goes above the panel; it leaves the panel its place.
+QWidget* GamePage::MakeNews()
 {
-    auto* const panel = new QFrame;
-    panel->setObjectName(QStringLiteral("panel"));
-    History = new HistoryView;
+    News->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     History->hide();
-    Progress = new ProgressBox(Game.Palette);
-    auto* const layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(24, 18, 24, 18);
-    layout->setSpacing(12);
-    layout->addWidget(History);
-    layout->addWidget(Progress);
-    layout->addLayout(MakeRow());
-    return panel;
+    QVBoxLayout& layout = News->Content();
+    layout.setSpacing(12);
+    layout.addStretch();
+    layout.addWidget(History);
+    layout.addWidget(Trouble);
+    return News;
 }
 
-QHBoxLayout* GamePage::MakeRow()
+QWidget* GamePage::MakePanel()
+{
+    Panel = new QFrame;
+    Panel->setObjectName(QStringLiteral("panel"));
+    Progress = new ProgressBox(Game.Palette);
+    auto* const layout = new QVBoxLayout(Panel);
+    layout->addWidget(Progress);
+    layout->addLayout(MakeRow());
+    return Panel;
+}
+
+QBoxLayout* GamePage::MakeRow()
 {
     MakeButtons();
     auto* const name = new ElidedLabel;
     name->setObjectName(QStringLiteral("name"));
     name->setText(Game.Name);
-    Idle = new ElidedLabel;
+    Idle = new QLabel;
+    Idle->setTextFormat(Qt::PlainText); // it may name a folder
+    Idle->setWordWrap(true);
     Idle->setObjectName(QStringLiteral("idle"));
     Idle->setProperty("quiet", true);
     auto* const texts = new QVBoxLayout;
     texts->setSpacing(2);
+    texts->addStretch();
     texts->addWidget(name);
     texts->addWidget(Idle);
     texts->addWidget(Progress->Figures());
-    auto* const row = new QHBoxLayout;
-    row->setSpacing(10);
-    row->addLayout(texts, 1);
-    row->addWidget(Progress->Graph());
-    row->addSpacing(4);
-    row->addWidget(Primary);
-    row->addWidget(Pause);
-    row->addWidget(More);
-    return row;
+    texts->addStretch();
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(10);
+    buttons->addWidget(Primary);
+    buttons->addWidget(Pause);
+    buttons->addWidget(More);
+    Row = new QBoxLayout(QBoxLayout::LeftToRight);
+    Row->addLayout(texts, 1);
+    Row->addWidget(Progress->Graph());
+    Row->addLayout(buttons);
+    Row->setAlignment(buttons, Qt::AlignVCenter); // the small ones are as high as the large one
+    return Row;
 }
 
 void GamePage::MakeButtons()
@@ -119,7 +137,7 @@ void GamePage::MakeButtons()
     Primary = new QPushButton;
     Primary->setObjectName(QStringLiteral("primary"));
     Primary->setMinimumWidth(c_PrimaryWidth);
-    Primary->setFixedHeight(c_PrimaryHeight);
+    Primary->setMinimumHeight(c_PrimaryHeight);
     Pause = new QToolButton;
     More = new QToolButton;
     More->setIcon(GlyphIcon(Glyph::More, Game.Palette.Text));
@@ -127,7 +145,8 @@ void GamePage::MakeButtons()
     More->setMenu(Entries);
     for (QToolButton* const button : {Pause, More}) {
         button->setIconSize(c_GlyphSize);
-        button->setFixedSize(c_PrimaryHeight * 4 / 5, c_PrimaryHeight);
+        button->setFixedWidth(c_PrimaryHeight * 4 / 5);
+        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
         button->setFocusPolicy(Qt::StrongFocus);
     }
     Pause->setShortcut(Qt::Key_F9); // they show no letters, and each language has others
@@ -156,7 +175,7 @@ void GamePage::Show(GameState const& p_State)
         Idle->setText(IdleText(State));
     Progress->setVisible(isJob);
     Progress->Figures()->setVisible(isJob);
-    Progress->Graph()->setVisible(isJob);
+    Progress->Graph()->setVisible(isJob && Characters() >= c_LeastForGraph);
     Idle->setVisible(!isJob);
     ShowButtons();
     ShowTrouble();
@@ -203,6 +222,8 @@ void GamePage::Add(HistoryEntry const& p_Entry)
 void GamePage::ToggleHistory()
 {
     History->setVisible(!History->isVisible());
+    News->verticalScrollBar()->setValue(0); // it is the first
+    History->scrollToBottom();
 }
 
 void GamePage::FocusPrimary()
@@ -225,9 +246,41 @@ void GamePage::Translate()
     Show(State);
 }
 
+/// So many have room beside each other.
+int GamePage::Characters() const
+{
+    return width() / fontMetrics().averageCharWidth();
+}
+
+/// Where there is little room, the buttons stand below the texts and the margins are slim.
+void GamePage::Fold()
+{
+    constexpr int c_LeastForRow = 100;
+    constexpr int c_LeastLines = 28;
+
+    bool const isNarrow = Characters() < c_LeastForRow;
+    bool const isSmall = isNarrow || height() < c_LeastLines * fontMetrics().lineSpacing();
+    int const margin = isSmall ? 8 : 24;
+    layout()->setContentsMargins(margin, margin, margin, margin);
+    layout()->setSpacing(isSmall ? 8 : 12);
+    Panel->layout()->setContentsMargins(isSmall ? 12 : 24, isSmall ? 10 : 18, isSmall ? 12 : 24,
+                                        isSmall ? 10 : 18);
+    Panel->layout()->setSpacing(isSmall ? 8 : 12);
+    Row->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    Row->setSpacing(isSmall ? 8 : 14);
+    Progress->Fold(isNarrow);
+    Progress->Graph()->setVisible(State.Job && Characters() >= c_LeastForGraph);
+    Trouble->Fold(isNarrow);
+}
+
 void GamePage::paintEvent(QPaintEvent*)
 {
     QPainter(this).drawPixmap(0, 0, Picture.For(size(), devicePixelRatioF()));
+}
+
+void GamePage::resizeEvent(QResizeEvent*)
+{
+    Fold();
 }
 
 void GamePage::changeEvent(QEvent* p_Event)

@@ -9,17 +9,18 @@
 
 #include <QWidget>
 
-class QHBoxLayout;
+class QBoxLayout;
+class QFrame;
 class QLabel;
 class QPushButton;
 class QToolButton;
 
 namespace Varnholt::Host {
 
-class ElidedLabel;
 class HistoryView;
 class PageMenu;
 class ProgressBox;
+class ScrollColumn;
 class TroubleStrip;
 
 /// The page of one game: its picture, and what happens to it on a panel. It shows states and asks
@@ -50,24 +51,31 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* p_Event) override;
+    void resizeEvent(QResizeEvent* p_Event) override;
     void changeEvent(QEvent* p_Event) override;
 
 private:
+    QWidget* MakeNews();
     QWidget* MakePanel();
-    QHBoxLayout* MakeRow();
+    QBoxLayout* MakeRow();
     void MakeButtons();
     void ShowButtons();
     void ShowTrouble();
     void Translate();
+    void Fold();
+    int Characters() const;
 
     ModuleCard const Game;
     Artwork Picture;
     GameState State;
     QString Told;
-    TroubleStrip* Trouble;
-    HistoryView* History;
+    ScrollColumn* const News;
+    HistoryView* const History;
+    TroubleStrip* const Trouble;
+    QFrame* Panel;
+    QBoxLayout* Row;
     ProgressBox* Progress;
-    ElidedLabel* Idle;
+    QLabel* Idle;
     QPushButton* Primary;
     QToolButton* Pause;
     QToolButton* More;

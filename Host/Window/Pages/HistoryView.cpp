@@ -6,11 +6,9 @@
 namespace Varnholt::Host {
 
 HistoryView::HistoryView(QWidget* p_Parent)
-    : QListWidget(p_Parent)
+    : WrappedList(p_Parent)
 {
-    setWordWrap(true);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setResizeMode(QListView::Adjust);
+    setObjectName(QStringLiteral("history"));
 }
 
 void HistoryView::Add(HistoryEntry const& p_Entry)
@@ -38,13 +36,6 @@ QStringList HistoryView::Lines() const
     for (int i = 0; i < count(); ++i)
         lines += item(i)->text();
     return lines;
-}
-
-QSize HistoryView::sizeHint() const
-{
-    constexpr int c_Height = 170;
-
-    return {QListWidget::sizeHint().width(), c_Height};
 }
 
 } // namespace Varnholt::Host

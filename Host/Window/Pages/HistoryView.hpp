@@ -1,14 +1,14 @@
 #pragma once
 
 #include "Host/Window/Main/HistoryEntry.hpp"
+#include "Host/Window/Style/WrappedList.hpp"
 
-#include <QListWidget>
 #include <QStringList>
 
 namespace Varnholt::Host {
 
 /// What has happened, with the times, the latest at the end.
-class HistoryView : public QListWidget {
+class HistoryView : public WrappedList {
     Q_OBJECT
 
 public:
@@ -17,8 +17,6 @@ public:
     void Add(HistoryEntry const& p_Entry);
     /// As they are shown, for a diagnosis.
     QStringList Lines() const;
-
-    QSize sizeHint() const override;
 };
 
 } // namespace Varnholt::Host

@@ -52,6 +52,8 @@ QString CommandText(PageCommand p_Command)
         return CommandTexts::tr("Copy &diagnosis");
     case PageCommand::ChooseLanguage:
         return CommandTexts::tr("La&nguage");
+    case PageCommand::ChangeAccount:
+        return CommandTexts::tr("&Account…");
     case PageCommand::Settings:
         return CommandTexts::tr("&Settings…");
     case PageCommand::Uninstall:

@@ -26,6 +26,7 @@ enum class PageCommand {
     ShowHistory,
     CopyDiagnosis,
     ChooseLanguage,
+    ChangeAccount, ///< or forget it
     Settings,
     Uninstall,
 };

@@ -16,6 +16,7 @@ PageMenu::PageMenu(QWidget* p_Parent)
     for (PageCommand const command : {PageCommand::Check, PageCommand::Repair})
         Add(command);
     Actions[PageCommand::ChooseLanguage] = addMenu(Languages);
+    Add(PageCommand::ChangeAccount);
     addSeparator();
     for (PageCommand const command : {PageCommand::OpenFolder, PageCommand::ShowHistory,
                                       PageCommand::ShowLog, PageCommand::CopyDiagnosis})
@@ -70,6 +71,8 @@ bool PageMenu::Allows(GameState const& p_State, PageCommand p_Command)
         return isFree && isInstalled;
     case PageCommand::OpenFolder:
         return isThere;
+    case PageCommand::ChangeAccount:
+        return isFree && isThere && !p_State.IsGameRunning;
     case PageCommand::Uninstall:
         return isFree && isInstalled && !p_State.IsGameRunning;
     default:

@@ -11,12 +11,13 @@ namespace Varnholt::Host {
 
 ProgressBox::ProgressBox(PagePalette const& p_Palette, QWidget* p_Parent)
     : QWidget(p_Parent)
-    , Phase(new QLabel)
+    , Phase(new ElidedLabel)
     , Remaining(QuietText())
     , Percent(new QLabel)
     , Bar(new QProgressBar)
     , FigureBox(new QWidget)
     , Amount(QuietText())
+    , Below(QuietText())
     , Count(QuietText())
     , File(new ElidedLabel)
     , Rates(new RateGraph(p_Palette))
@@ -54,6 +55,7 @@ void ProgressBox::MakeFigures()
     figures->setContentsMargins(0, 0, 0, 0);
     figures->setSpacing(2);
     figures->addWidget(Amount);
+    figures->addWidget(Below);
     figures->addLayout(line);
 }
 
@@ -70,6 +72,12 @@ void ProgressBox::Translate()
     Bar->setAccessibleName(tr("Progress"));
     Rates->setAccessibleName(tr("Rate of the last two minutes"));
     Rates->setToolTip(tr("Rate of the last two minutes"));
+}
+
+void ProgressBox::Fold(bool p_IsNarrow)
+{
+    Remaining->setVisible(!p_IsNarrow);
+    Below->setVisible(p_IsNarrow && !Below->text().isEmpty());
 }
 
 void ProgressBox::Reset()
@@ -98,6 +106,8 @@ void ProgressBox::Show(RunSnapshot const& p_Snapshot, bool p_IsPaused)
     ProgressTexts const texts = ProgressTexts::Of(p_Snapshot, Left.Seconds(), p_IsPaused);
     Phase->setText(texts.Phase);
     Remaining->setText(texts.Left);
+    Below->setText(texts.Left);
+    Fold(Remaining->isHidden());
     Percent->setText(texts.Percent);
     bool const isMeasured = texts.Permille >= 0;
     Bar->setRange(0, isMeasured || p_IsPaused ? c_Whole : 0); // 0: a bar that only moves

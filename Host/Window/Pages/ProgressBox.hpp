@@ -26,6 +26,8 @@ public:
     /// What comes is another job.
     void Reset();
     void Translate();
+    /// Puts the time that is left among the figures, where it has room beside no other text.
+    void Fold(bool p_IsNarrow);
 
     /// Amount, count and file; for the panel's row, which owns it.
     QWidget* Figures() const { return FigureBox; }
@@ -36,12 +38,13 @@ private:
     QLabel* QuietText();
     void MakeFigures();
 
-    QLabel* const Phase;
+    ElidedLabel* const Phase;
     QLabel* const Remaining;
     QLabel* const Percent;
     QProgressBar* const Bar;
     QWidget* const FigureBox;
     QLabel* const Amount;
+    QLabel* const Below; ///< the time that is left once more
     QLabel* const Count;
     ElidedLabel* const File;
     RateGraph* const Rates;

@@ -38,13 +38,13 @@ void RateGraph::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QRectF const area = QRectF(rect()).adjusted(1, 2, -1, -1);
+    quint64 const highest = Rates.Highest();
+    if (highest == 0 || Rates.All().size() < 2)
+        return;
     QColor base = Colors.Text;
     base.setAlpha(c_LineAlpha);
     painter.setPen(QPen(base, 1));
     painter.drawLine(area.bottomLeft(), area.bottomRight());
-    quint64 const highest = Rates.Highest();
-    if (highest == 0 || Rates.All().size() < 2)
-        return;
 
     qint64 const now = Rates.All().back().Time;
     qint64 const span =

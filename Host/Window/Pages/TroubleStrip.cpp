@@ -4,11 +4,11 @@
 #include "Host/Window/Pages/ProgressTexts.hpp"
 #include "Host/Window/Pages/Remedy.hpp"
 #include "Host/Window/Style/Glyph.hpp"
+#include "Host/Window/Style/WrappedList.hpp"
 
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -19,12 +19,11 @@ TroubleStrip::TroubleStrip(PagePalette const& p_Palette, QWidget* p_Parent)
     : QFrame(p_Parent)
     , Title(new QLabel)
     , Text(new QLabel)
-    , Buttons(new QHBoxLayout)
+    , Body(new QBoxLayout(QBoxLayout::LeftToRight))
+    , Buttons(new QBoxLayout(QBoxLayout::LeftToRight))
     , Close(new QToolButton)
-    , Files(new QListWidget)
+    , Files(new WrappedList)
 {
-    constexpr int c_MostFilesHeight = 110;
-
     setObjectName(QStringLiteral("strip"));
     Title->setObjectName(QStringLiteral("stripTitle"));
     Text->setObjectName(QStringLiteral("stripText"));
@@ -33,8 +32,9 @@ TroubleStrip::TroubleStrip(PagePalette const& p_Palette, QWidget* p_Parent)
         label->setWordWrap(true);
     }
     Close->setIcon(GlyphIcon(Glyph::Close, p_Palette.Text));
+    Close->setShortcut(Qt::Key_Escape);
+    Close->setFocusPolicy(Qt::StrongFocus);
     connect(Close, &QToolButton::clicked, this, &TroubleStrip::Dismissed);
-    Files->setMaximumHeight(c_MostFilesHeight);
     Files->hide();
     auto* const texts = new QVBoxLayout;
     texts->setSpacing(2);
@@ -42,14 +42,23 @@ TroubleStrip::TroubleStrip(PagePalette const& p_Palette, QWidget* p_Parent)
     texts->addWidget(Text);
     auto* const row = new QHBoxLayout;
     row->setSpacing(8);
-    row->addLayout(texts, 1);
-    row->addLayout(Buttons);
+    Body->setSpacing(8);
+    Body->addLayout(texts, 1);
+    Body->addLayout(Buttons);
+    row->addLayout(Body, 1);
     row->addWidget(Close, 0, Qt::AlignTop);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(20, 12, 12, 12);
     layout->addLayout(row);
     layout->addWidget(Files);
     hide();
+}
+
+void TroubleStrip::Fold(bool p_IsNarrow)
+{
+    Body->setStretch(0, p_IsNarrow ? 0 : 1);
+    for (QBoxLayout* const layout : {Body, Buttons})
+        layout->setDirection(p_IsNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 void TroubleStrip::ShowFailure(Failure const& p_Failure, std::vector<FileFinding> const& p_GivenUp)

@@ -11,12 +11,13 @@
 
 #include <vector>
 
-class QHBoxLayout;
+class QBoxLayout;
 class QLabel;
-class QListWidget;
 class QToolButton;
 
 namespace Varnholt::Host {
+
+class WrappedList;
 
 /// What has gone wrong, why, and what to do about it, with the buttons that do it.
 class TroubleStrip : public QFrame {
@@ -31,6 +32,8 @@ public:
     /// A sentence of the window's own.
     void ShowText(QString const& p_Text);
     void ToggleFiles();
+    /// Puts the buttons below the texts, and below each other.
+    void Fold(bool p_IsNarrow);
 
 Q_SIGNALS:
     void Requested(Varnholt::Host::PageCommand p_Command);
@@ -43,9 +46,10 @@ private:
 
     QLabel* const Title;
     QLabel* const Text;
-    QHBoxLayout* const Buttons;
+    QBoxLayout* const Body;
+    QBoxLayout* const Buttons;
     QToolButton* const Close;
-    QListWidget* const Files;
+    WrappedList* const Files;
     std::vector<PageCommand> Offered;
     QStringList ShownFiles;
 };

@@ -72,6 +72,12 @@ void LoginStore::Remember(Login const& p_Login)
         });
 }
 
+void LoginStore::ForgetAccount(QString const& p_Account)
+{
+    Settings.Write({{AccountKey, QVariant()}});
+    Forget(p_Account);
+}
+
 void LoginStore::Forget(QString const& p_Account)
 {
     Settings.Write({{AsksKey, QVariant()}});

@@ -38,6 +38,8 @@ public:
     void Remember(Login const& p_Login);
     /// From now on is asked, and no password of the account is remembered.
     void Forget(QString const& p_Account);
+    /// The same, and not even the account's name.
+    void ForgetAccount(QString const& p_Account);
 
 Q_SIGNALS:
     void WasRead(Varnholt::Host::LoginStore::Login p_Login);

@@ -74,23 +74,4 @@ Values WindowSettings::ChangesFrom(WindowSettings const& p_Before) const
     return changes;
 }
 
-void WindowSettings::ApplyTo(HostOptions& p_Options, WindowSettings const& p_Before) const
-{
-    auto const give = [](auto& p_Place, auto const& p_Now, auto const& p_Then) {
-        if (p_Now != p_Then)
-            p_Place = p_Now;
-    };
-    give(p_Options.ContentUrl, ContentUrl, p_Before.ContentUrl);
-    give(p_Options.UseDevChannel, UsesDevChannel, p_Before.UsesDevChannel);
-    give(p_Options.BytesPerSecond, BytesPerSecond, p_Before.BytesPerSecond);
-    give(p_Options.Connections, Connections, p_Before.Connections);
-    give(p_Options.TrustKey, TrustKey, p_Before.TrustKey);
-}
-
-bool WindowSettings::NeedsNewSession(WindowSettings const& p_Before) const
-{
-    return ContentUrl != p_Before.ContentUrl || UsesDevChannel != p_Before.UsesDevChannel ||
-           Connections != p_Before.Connections || TrustKey != p_Before.TrustKey;
-}
-
 } // namespace Varnholt::Host

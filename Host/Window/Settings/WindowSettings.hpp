@@ -27,10 +27,6 @@ struct WindowSettings {
     static WindowSettings Of(SettingsFile::Values const& p_Values);
     /// What has to be written for others to become these.
     SettingsFile::Values ChangesFrom(WindowSettings const& p_Before) const;
-    /// Gives a session what is another one than before: what came from elsewhere stays.
-    void ApplyTo(HostOptions& p_Options, WindowSettings const& p_Before) const;
-    /// Whether a session has to begin anew for these.
-    bool NeedsNewSession(WindowSettings const& p_Before) const;
 };
 
 } // namespace Varnholt::Host
