@@ -132,7 +132,7 @@ void StandartApplication::RemoveOldFile(QString const& p_Path)
         return;
     if (!isLink)
         file.setPermissions(file.permissions() | PermissionBits::c_Write);
-    // To take gigabytes back takes the system its time, which is that of the last who holds them.
+    // Freeing gigabytes takes the system a while, for which whoever closes the file last waits.
     auto held = std::make_shared<QFile>(p_Path);
     if (!isLink && file.size() >= c_Large)
         held->open(QIODevice::ReadOnly);

@@ -44,7 +44,7 @@ struct Choice {
     bool Remembers = false; ///< the password asked for is kept in the desktop's secret store
     bool Forgets = false;   ///< the password kept there is removed
     bool Waits = false;     ///< for the end of the game
-    bool All = false;       ///< modules, not only the one in use
+    bool All = false;       ///< every module beside the one in use is shown too
     bool Json = false;
     bool Quiet = false;
     bool Verbose = false;

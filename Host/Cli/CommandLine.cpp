@@ -4,10 +4,8 @@
 #include "Host/Cli/ConfigCommand.hpp"
 #include "Host/Cli/ConfigRun.hpp"
 #include "Host/Cli/Console.hpp"
-#include "Host/Cli/JsonPresenter.hpp"
 #include "Host/Cli/OptionText.hpp"
 #include "Host/Cli/Program.hpp"
-#include "Host/Cli/TextPresenter.hpp"
 #include "Host/Cli/WatchRun.hpp"
 #include "Host/Core/Session/MessageLog.hpp"
 #include "Host/Core/Session/RunFollower.hpp"
@@ -16,25 +14,17 @@
 
 #include <QRegularExpression>
 
-#include <memory>
-
 namespace Varnholt::Host {
 
 namespace {
 
 constexpr int c_UsageStatus = 2;
 
-int Fail(Failure const& p_Failure, Presenter& p_Presenter)
-{
-    p_Presenter.ShowFailure(p_Failure);
-    return p_Failure.ExitStatus();
-}
-
-int Send(HostSettings const& p_Settings, ControlMessage::Type p_Message, Presenter& p_Presenter)
+int Send(HostSettings const& p_Settings, ControlMessage::Type p_Message, Presenter& p_Output)
 {
     return RunFollower::Send(InstallRecord::Folders(p_Settings), {p_Message, 0})
                ? EXIT_SUCCESS
-               : Fail({FailureKind::NothingRunning, p_Settings.File(), {}}, p_Presenter);
+               : p_Output.ShowFailure({FailureKind::NothingRunning, p_Settings.File(), {}});
 }
 
 /// As a shell would take it, without what may be a password.
@@ -73,24 +63,24 @@ int RunCommand(Choice const& p_Choice, HostSettings& p_Settings,
                std::optional<Failure> const& p_Fault, Presenter& p_Output)
 {
     if (auto const& failure = p_Settings.ReadFailure())
-        return Fail(*failure, p_Output);
+        return p_Output.ShowFailure(*failure);
     if (p_Choice.Chosen == Choice::Command::Config)
-        return ConfigRun(p_Choice, p_Settings, p_Output).Run();
+        return ConfigRun(p_Choice, p_Settings, p_Output);
     if (p_Fault)
-        return Fail(*p_Fault, p_Output);
+        return p_Output.ShowFailure(*p_Fault);
     switch (p_Choice.Chosen) {
     case Choice::Command::Pause:
         return Send(p_Settings, ControlMessage::Type::Pause, p_Output);
     case Choice::Command::Resume:
         return Send(p_Settings, ControlMessage::Type::Resume, p_Output);
     case Choice::Command::Watch:
-        return WatchRun(p_Settings, p_Output).Run();
+        return WatchRun(p_Settings, p_Output);
     default:
-        return Program(p_Choice, p_Output).Run();
+        return RunProgram(p_Choice, p_Output);
     }
 }
 
-/// What did not get to who asked for it was not done. \return the exit status
+/// A command whose results could not be written has failed. \return the exit status
 int Conclude(int p_Status, Console& p_Console)
 {
     QString const why = Programs::StandardStreams::WhyLost();
@@ -116,7 +106,7 @@ int Run(Choice p_Choice, QStringList const& p_Arguments)
     if (!log.Problem().isEmpty())
         console.Note(QStringLiteral("The log file %1 cannot be written (%2).")
                          .arg(p_Choice.LogFile, log.Problem()));
-    // At once: what ends the program is said before it ends.
+    // Not queued: a fatal message ends the program before the event loop runs again.
     QObject::connect(
         &log, &MessageLog::Logged, &log,
         [&console, isVerbose = p_Choice.Verbose](LogEntry const& p_Entry) {
@@ -124,9 +114,7 @@ int Run(Choice p_Choice, QStringList const& p_Arguments)
                 console.Log(p_Entry.Line());
         },
         Qt::DirectConnection);
-    std::unique_ptr<Presenter> presenter = std::make_unique<TextPresenter>(console);
-    if (p_Choice.Json)
-        presenter = std::make_unique<JsonPresenter>(console);
+    auto const presenter = (p_Choice.Json ? MakeJsonPresenter : MakeTextPresenter)(console);
     WriteBeginning(p_Choice, p_Arguments);
     int const status = Conclude(RunCommand(p_Choice, settings, fault, *presenter), console);
     MessageLog::Write(QStringLiteral("exit status: %1").arg(status));

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Host/Cli/Choice.hpp"
-
 namespace Varnholt::Host {
 
 /// The program varnholt-host. Needs a QCoreApplication.

@@ -12,8 +12,8 @@ QString Text(std::string const& p_Text)
     return QString::fromUtf8(p_Text.c_str(), static_cast<int>(p_Text.size()));
 }
 
-/// Refuses what an unset variable of a script leaves behind: it must not become the folder of this
-/// program, or the settings of the user.
+/// A script's unset variable gives an empty text, which must not be taken for the current folder or
+/// for the user's own settings.
 std::string WhyNotText(std::string const& p_Text)
 {
     return p_Text.empty() ? "it is empty" : "";
@@ -31,7 +31,7 @@ std::string VariableOf(std::string const& p_Names)
     return "VARNHOLT_" + QString(name).replace(QLatin1Char('-'), QLatin1Char('_')).toStdString();
 }
 
-/// The parser itself takes more words for yes and no than are told.
+/// CLI11 takes more words for yes and no than the help tells of.
 CLI::Option* AddFlag(CLI::App& p_App, std::string const& p_Names, bool& p_Place,
                      std::string const& p_Help)
 {
@@ -115,7 +115,7 @@ void CommandParser::AddKeptOption(KeptOption const& p_Option)
         value.Option->group("Network options");
 }
 
-/// As an unknown option it would be told with its value.
+/// The message about an unknown option would repeat the password.
 void CommandParser::RefusePassword()
 {
     auto const refuse = [](std::string const&) {

@@ -18,7 +18,7 @@ std::string CommandParser::ExitStatuses()
     return lines;
 }
 
-/// Every command takes the program's options, which its own help would be too long with.
+/// The names alone: with all their explanations the help of each command would be too long.
 std::string CommandParser::OptionsOfAll() const
 {
     constexpr std::size_t c_Width = 80;

@@ -9,7 +9,7 @@ namespace Varnholt::Host {
 
 namespace {
 
-/// Whether an option stands on the command line, where it is before the environment.
+/// Whether the command line or the environment gives an option; the former counts.
 QString OriginOf(std::string const& p_Option, int p_Count, char const* const* p_Arguments)
 {
     bool const isArgument =

@@ -49,8 +49,8 @@ Failure UnknownKey(QString const& p_Key)
                 : suggestion};
 }
 
-/// A name is meant in the folder in which it is given, not in that of a later run; of the words for
-/// yes and no one is kept.
+/// The value as it is kept: file names are made absolute, since a later run starts in another
+/// folder, and every word for yes is kept as "true".
 QString ToKeep(QString const& p_Key, QString const& p_Value)
 {
     auto const option = OptionOf(p_Key);

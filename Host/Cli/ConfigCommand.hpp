@@ -20,7 +20,7 @@ constexpr char c_Password[] = "content-password";
 QStringList Keys();
 /// Empty when it is not set. \param p_Kept everything that the settings file holds
 QString Value(SettingsFile::Values const& p_Kept, QString const& p_Key);
-/// The value for people: of a password only that there is one.
+/// The value for people; instead of a password, that there is one.
 QString Shown(SettingsFile::Values const& p_Kept, QString const& p_Key);
 
 /// \param p_Value an empty one removes the key
@@ -30,8 +30,8 @@ QStringList SetKeys(SettingsFile::Values const& p_Kept);
 /// What is kept as an option and is none, each with the key that may be meant.
 std::vector<Failure> UnknownKeys(SettingsFile::Values const& p_Kept);
 
-/// What holds for a key, for people as `Shown()` has it, and whether the command line, the
-/// environment, the settings file or nobody has said so. \param p_Choice with its environment
+/// The value in force for a key, written as `Shown()` writes it, and where it comes from: command
+/// line, environment, settings file or default. \param p_Choice with its environment
 GivenOption InForce(Choice const& p_Choice, SettingsFile::Values const& p_Kept,
                     QString const& p_Key);
 

@@ -6,24 +6,7 @@
 
 namespace Varnholt::Host {
 
-/// The command "config": shows, keeps and forgets options.
-class ConfigRun {
-public:
-    ConfigRun(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Output);
-
-    /// \return the exit status
-    int Run();
-
-private:
-    std::optional<Failure> Show();
-    std::optional<Failure> Set();
-    std::optional<Failure> AskPassword();
-    /// Tells a download under way of its limit.
-    void TellRate() const;
-
-    Choice const& Chosen;
-    HostSettings& Settings;
-    Presenter& Output;
-};
+/// The command "config": shows, keeps and forgets options. \return the exit status
+int ConfigRun(Choice const& p_Choice, HostSettings& p_Settings, Presenter& p_Output);
 
 } // namespace Varnholt::Host

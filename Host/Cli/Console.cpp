@@ -31,7 +31,7 @@ bool WantsColors(Color p_Colors)
     return p_Colors == Color::Always;
 }
 
-/// Standard error is written as UTF-8; what a locale of another kind would show is no text.
+/// All output is UTF-8, which a terminal of another locale would show as gibberish.
 bool IsUtf8Locale()
 {
     for (char const* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {

@@ -10,9 +10,27 @@ namespace Varnholt::Host {
 
 namespace {
 
-bool IsTrue(QString const& p_Text)
+QString AsItIs(QString const& p_Text)
 {
-    return OptionText::YesOrNo(p_Text).value_or(false);
+    return p_Text;
+}
+
+int Number(QString const& p_Text)
+{
+    return p_Text.toInt();
+}
+
+/// What a text means in which `Fault` has found none.
+template <auto Meaning>
+auto Valid(QString const& p_Text)
+{
+    return Meaning(p_Text).value();
+}
+
+template <auto Place, auto Meaning>
+void Into(Choice& p_Choice, QString const& p_Text)
+{
+    p_Choice.Options.*Place = Meaning(p_Text);
 }
 
 Color ColorsNamed(QString const& p_Name)
@@ -24,85 +42,53 @@ Color ColorsNamed(QString const& p_Name)
 
 constexpr KeptOption c_Table[] = {
     {"module", "FILE", nullptr, "", false, "Module to load (default: the one beside this program)",
-     nullptr,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.ModuleFile = OptionText::Absolute(p_Text);
-     }},
+     nullptr, Into<&HostOptions::ModuleFile, OptionText::Absolute>},
     {"content-url", "URL", nullptr, "", true,
      "Content server instead of the module's own, http://HOST[:PORT]/ or https",
-     OptionText::WhyNotServer,
-     [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.ContentUrl = p_Text; }},
+     OptionText::WhyNotServer, Into<&HostOptions::ContentUrl, AsItIs>},
     {"content-user", "NAME", nullptr, "", true,
      "User at the content server; \"config content-password\" keeps the password, unless "
      "VARNHOLT_CONTENT_PASSWORD holds it",
-     OptionText::WhyNotUser,
-     [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.ContentUser = p_Text; }},
+     OptionText::WhyNotUser, Into<&HostOptions::ContentUser, AsItIs>},
     {"netrc-file", "FILE", nullptr, "~/.netrc", true,
      "Users and passwords at servers that it names (default: ~/.netrc)", OptionText::WhyNotReadable,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.NetrcFile = OptionText::Absolute(p_Text);
-     }},
+     Into<&HostOptions::NetrcFile, OptionText::Absolute>},
     {"limit-rate", "RATE", nullptr, "0", true,
      "Bytes per second that content may arrive with, such as 500k, 2M or 1.5MiB (default: 0, no "
      "limit); \"config limit-rate\" changes it for a download under way",
-     OptionText::WhyNotRate,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.BytesPerSecond = OptionText::Rate(p_Text).value_or(0);
-     }},
+     OptionText::WhyNotRate, Into<&HostOptions::BytesPerSecond, Valid<OptionText::Rate>>},
     {"connections", "N", nullptr, "4", true,
      "Connections that bring content at the same time, 1 to 64 (default: 4)",
-     OptionText::WhyNotConnections,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.Connections = p_Text.toInt();
-     }},
+     OptionText::WhyNotConnections, Into<&HostOptions::Connections, Number>},
     {"retry-for", "TIME", nullptr, "10m", true,
      "How long servers are asked again while no byte arrives, such as 90s, 10m or 2h; 0: for ever "
      "(default: 10m)",
      OptionText::WhyNotTime,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.RetryForMilliseconds = OptionText::Milliseconds(p_Text).value_or(0);
-     }},
+     Into<&HostOptions::RetryForMilliseconds, Valid<OptionText::Milliseconds>>},
     {"connect-timeout", "TIME", nullptr, "15s", true,
      "How long it may take to connect to a server (default: 15s)", OptionText::WhyNotTimeout,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.ConnectMilliseconds = OptionText::Milliseconds(p_Text).value_or(0);
-     }},
+     Into<&HostOptions::ConnectMilliseconds, Valid<OptionText::Milliseconds>>},
     {"ca-file", "FILE", nullptr, "", true,
      "Certificates of the authorities to trust, in PEM form (default: the system's)",
-     OptionText::WhyNotCertificates,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.CaFile = OptionText::Absolute(p_Text);
-     }},
+     OptionText::WhyNotCertificates, Into<&HostOptions::CaFile, OptionText::Absolute>},
     {"proxy", "URL", nullptr, "", true,
      "Proxy to all servers, [SCHEME://]HOST[:PORT] (default: what the environment names)",
-     OptionText::WhyNotProxy,
-     [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.Proxy = p_Text; }},
+     OptionText::WhyNotProxy, Into<&HostOptions::Proxy, AsItIs>},
     {"https-mirrors", nullptr, "true,false", "false", true, "Ask every mirror by https",
-     OptionText::WhyNotYesOrNo,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.HttpsMirrors = IsTrue(p_Text);
-     }},
+     OptionText::WhyNotYesOrNo, Into<&HostOptions::HttpsMirrors, Valid<OptionText::YesOrNo>>},
     {"offline", nullptr, "true,false", "false", true,
      "Ask no server, go on from what is kept of the latest run", OptionText::WhyNotYesOrNo,
-     [](Choice& p_Choice, QString const& p_Text) { p_Choice.Options.Offline = IsTrue(p_Text); }},
+     Into<&HostOptions::Offline, Valid<OptionText::YesOrNo>>},
     {"dev-channel", nullptr, "true,false", "false", false,
      "Use the build of the development channel", OptionText::WhyNotYesOrNo,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.UseDevChannel = IsTrue(p_Text);
-     }},
+     Into<&HostOptions::UseDevChannel, Valid<OptionText::YesOrNo>>},
     {"trust-key", "KEY", nullptr, "", false,
      "Public key of who must have signed the game's documents, or a file that holds it (default: "
      "the one that the module names, if any)",
-     OptionText::WhyNotTrustKey,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.TrustKey = OptionText::TrustKey(p_Text);
-     }},
+     OptionText::WhyNotTrustKey, Into<&HostOptions::TrustKey, OptionText::TrustKey>},
     {"wrapper", "COMMAND", nullptr, "", false,
      "Program that the game is started with, and its arguments, quoted as for a shell: \"wine\"",
-     OptionText::WhyNotCommand,
-     [](Choice& p_Choice, QString const& p_Text) {
-         p_Choice.Options.Wrapper = OptionText::Words(p_Text).value_or(QStringList());
-     }},
+     OptionText::WhyNotCommand, Into<&HostOptions::Wrapper, Valid<OptionText::Words>>},
     {"log-file", "FILE", nullptr, "", false, "Append the module's log to a file", nullptr,
      [](Choice& p_Choice, QString const& p_Text) {
          p_Choice.LogFile = OptionText::Absolute(p_Text);

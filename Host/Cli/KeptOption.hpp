@@ -14,20 +14,20 @@ namespace Varnholt::Host {
 struct KeptOption {
     char const* Name;      ///< "limit-rate": with "--" before it on the command line
     char const* Takes;     ///< what stands for its value in the help; null: it is a flag
-    char const* Values;    ///< all that it can be, with commas between; null: much
-    char const* Otherwise; ///< its value when it is nowhere given, as far as that is fixed
+    char const* Values;    ///< its possible values, separated by commas; null: not a fixed set
+    char const* Otherwise; ///< its default, as far as that is fixed
     bool OfNetwork;        ///< the help shows those together
     char const* Help;
-    QString (*WhyNot)(QString const&); ///< see `OptionText`; null: everything will do
+    QString (*WhyNot)(QString const&); ///< see `OptionText`; null: any text is valid
     void (*Apply)(Choice&, QString const&);
 
     bool IsFlag() const { return Takes == nullptr; }
     bool IsFile() const { return QLatin1String(Takes) == QLatin1String("FILE"); }
-    /// All that it can be; empty when that is much.
+    /// Its possible values; empty when they are no fixed set.
     QStringList Choices() const;
-    /// What is done when it is nowhere given; empty: nothing, or what the environment says.
+    /// The default; empty: none, or what the environment says.
     QString Default() const;
-    /// Why a text cannot be its value; empty when it can.
+    /// Why a text is not a valid value; empty when it is one.
     QString Fault(QString const& p_Text) const;
 
     /// Every one, in an order that is good to read.

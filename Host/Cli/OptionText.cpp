@@ -14,7 +14,7 @@ namespace Varnholt::Host::OptionText {
 
 namespace {
 
-/// \return the number, once it is known that the text is one, times what its last letter stands for
+/// The number of a match times the unit that its letter stands for; only valid if it has matched.
 double Product(QRegularExpressionMatch const& p_Match, QString const& p_Letters, double p_Factor)
 {
     double product = p_Match.captured(1).toDouble();
@@ -30,7 +30,7 @@ struct Reasons {
     Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::OptionText)
 };
 
-/// What has an "@" and is no address may have a password before it, wherever it stands.
+/// In a text that is no valid address, a password may stand before any "@".
 bool MayHoldPassword(QString const& p_Text)
 {
     return p_Text.contains(QLatin1Char('@'));
@@ -90,7 +90,7 @@ std::optional<int> Milliseconds(QString const& p_Text)
 
 std::optional<QStringList> Words(QString const& p_Text)
 {
-    // A backslash alone at the end is left, as a quote that does not end.
+    // A lone backslash at the end matches nothing and is refused as an open quote is.
     static QRegularExpression const piece(
         QStringLiteral(R"re(\s+|'([^']*)'|"((?:[^"\\]|\\.)*)"|\\(.)|([^\s'"\\]+))re"),
         QRegularExpression::DotMatchesEverythingOption);

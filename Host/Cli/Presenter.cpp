@@ -21,18 +21,20 @@ void Presenter::ShowNotice(Notice const& p_Notice)
     WriteNotice(p_Notice);
 }
 
-void Presenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
-                           QString const& p_Game)
+int Presenter::ShowResult(RunRequest const& p_Request, RunResult const& p_Result,
+                          QString const& p_Game)
 {
     if (p_Result.Problem)
         Log(*p_Result.Problem);
     WriteResult(p_Request, p_Result, p_Game);
+    return p_Result.Problem ? p_Result.Problem->ExitStatus() : EXIT_SUCCESS;
 }
 
-void Presenter::ShowFailure(Failure const& p_Failure)
+int Presenter::ShowFailure(Failure const& p_Failure)
 {
     Log(p_Failure);
     WriteFailure(p_Failure);
+    return p_Failure.ExitStatus();
 }
 
 } // namespace Varnholt::Host

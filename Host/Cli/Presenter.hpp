@@ -10,7 +10,11 @@
 
 #include <QString>
 
+#include <memory>
+
 namespace Varnholt::Host {
+
+class Console;
 
 /// Tells what a command does and comes to, in one form or another; the log file is told too.
 class Presenter {
@@ -29,10 +33,10 @@ public:
     virtual void ShowSpace(VolumeSpace const& p_Space, bool p_IsResult) = 0;
     /// Something that a user may want to know.
     void ShowNotice(Notice const& p_Notice);
-    /// The findings of a run, and how it has ended.
-    void ShowResult(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Game);
-    /// Of what came to no run.
-    void ShowFailure(Failure const& p_Failure);
+    /// The findings of a run, and how it has ended. \return the exit status
+    int ShowResult(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Game);
+    /// A failure outside of a run. \return the exit status
+    int ShowFailure(Failure const& p_Failure);
 
 protected:
     virtual void WriteResult(RunRequest const& p_Request, RunResult const& p_Result,
@@ -40,5 +44,11 @@ protected:
     virtual void WriteNotice(Notice const& p_Notice) = 0;
     virtual void WriteFailure(Failure const& p_Failure) = 0;
 };
+
+/// For people.
+std::unique_ptr<Presenter> MakeTextPresenter(Console& p_Console);
+/// For programs: one object per line on standard output. Its form is documented in
+/// docs/host-json.md and grows only by new keys and types.
+std::unique_ptr<Presenter> MakeJsonPresenter(Console& p_Console);
 
 } // namespace Varnholt::Host

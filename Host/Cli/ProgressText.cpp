@@ -11,7 +11,7 @@ namespace Varnholt::Host::ProgressText {
 
 namespace {
 
-/// Of bytes where they are counted, else of files; negative when there is no measure.
+/// Of bytes when their total is known, else of files; negative when neither is.
 int Permille(RunSnapshot const& p_Snapshot)
 {
     constexpr quint64 c_Whole = 1000;
@@ -35,7 +35,7 @@ QStringList Figures(RunSnapshot const& p_Snapshot)
     return figures;
 }
 
-/// Who serves: what has brought nothing lately is left out.
+/// The servers that have brought something lately.
 QString Source(RunSnapshot const& p_Snapshot)
 {
     QStringList names;
@@ -78,7 +78,7 @@ QString WaitText(ServerWait const& p_Wait)
     return QStringLiteral("%1 (%2: %3)").arg(AttemptText(p_Wait), p_Wait.Server, p_Wait.Cause);
 }
 
-/// The first that has room whole: half a number is a wrong one.
+/// The first that fits uncut: half a number is a wrong one.
 QString Fitting(QStringList const& p_Lines, int p_Width)
 {
     auto const line = std::find_if(p_Lines.begin(), p_Lines.end(),
@@ -86,7 +86,7 @@ QString Fitting(QStringList const& p_Lines, int p_Width)
     return line == p_Lines.end() ? QString() : *line;
 }
 
-/// What is done matters less than what is waited for.
+/// In a narrow terminal the figures go first, and what is waited for stays.
 QString WaitBar(RunSnapshot const& p_Snapshot, QString const& p_Percent, int p_Width)
 {
     ServerWait const& wait = *p_Snapshot.Wait;

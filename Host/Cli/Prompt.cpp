@@ -22,8 +22,8 @@ void Ask(QString const& p_Question)
     Programs::StandardStreams::Write(stderr, Programs::Printable(p_Question));
 }
 
-/// Waits for a line or its end. \return false when a signal came instead: it may come just before
-/// a read, or to another thread, and would not interrupt that then
+/// Waits for input. \return false when a signal came instead. A blocking read would miss a signal
+/// that comes just before it, or to another thread.
 bool WaitForInput()
 {
     constexpr int c_LookMicroseconds = 50'000;
@@ -40,7 +40,7 @@ bool WaitForInput()
     return false;
 }
 
-/// Byte by byte: what follows the line is not this program's to take.
+/// Byte by byte: what follows the line is left for the next program that reads this input.
 std::optional<QString> ReadLine()
 {
     QByteArray line;

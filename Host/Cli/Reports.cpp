@@ -33,11 +33,6 @@ QString ImageText(QString const& p_Path)
                : QStringLiteral("%1 (not an image)").arg(p_Path);
 }
 
-QString Files(quint32 p_Count)
-{
-    return p_Count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(p_Count);
-}
-
 QString FetchSummary(RunRequest const& p_Request, RunResult const& p_Result, QString const& p_Name)
 {
     return QStringLiteral("%1, build %2, is complete in %3 (%4)")
@@ -57,6 +52,16 @@ QString StartSummary(RunResult const& p_Result, QString const& p_Name)
     return p_Result.OutputFile.isEmpty()
                ? started
                : QStringLiteral("%1; its output goes to %2").arg(started, p_Result.OutputFile);
+}
+
+QStringList Languages(RunResult const& p_Result)
+{
+    QStringList lines;
+    for (auto const& locale : p_Result.Locales)
+        lines += QStringLiteral("%1 %2  %3")
+                     .arg(locale.Tag == p_Result.Locale ? QStringLiteral("*") : QStringLiteral(" "),
+                          locale.Tag, locale.Name);
+    return lines;
 }
 
 /// What a run that had to bring files has given up. Of a single one the failure tells all.
@@ -131,7 +136,7 @@ QStringList Status(InstallStatus const& p_Status)
     if (!p_Status.Build.isEmpty())
         rows.append({QStringLiteral("Last complete build"), p_Status.Build});
     if (int const pending = p_Status.PendingBase + p_Status.PendingStreamed)
-        rows.append({QStringLiteral("Listed as pending"), Files(static_cast<quint32>(pending))});
+        rows.append({QStringLiteral("Listed as pending"), FileCountText(static_cast<std::size_t>(pending))});
     QStringList lines = Table(rows);
     if (p_Status.Download)
         lines += DownloadText(*p_Status.Download);
@@ -191,7 +196,7 @@ QString Totals(RunRequest const& p_Request, RunTotals const& p_Totals)
                          : QStringLiteral("nothing had to be fetched; it took %1"))
             .arg(took);
     QString const text = QStringLiteral("%1 %2: %3 in %4")
-                             .arg(Files(p_Totals.Files),
+                             .arg(FileCountText(p_Totals.Files),
                                   compares ? QStringLiteral("compared") : QStringLiteral("fetched"),
                                   ByteText(p_Totals.Bytes), took);
     return p_Totals.Rate == 0
@@ -234,12 +239,7 @@ QStringList Success(RunRequest const& p_Request, RunResult const& p_Result, QStr
     case RunRequest::Type::ListLocales:
         break;
     }
-    QStringList lines;
-    for (auto const& locale : p_Result.Locales)
-        lines += QStringLiteral("%1 %2  %3")
-                     .arg(locale.Tag == p_Result.Locale ? QStringLiteral("*") : QStringLiteral(" "),
-                          locale.Tag, locale.Name);
-    return lines;
+    return Languages(p_Result);
 }
 
 } // namespace Varnholt::Host::Reports

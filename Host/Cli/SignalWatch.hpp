@@ -35,7 +35,7 @@ private:
     static constexpr int c_Signals[] = {SIGINT, SIGTERM, SIGHUP, SIGUSR1};
 
     int Pipe[2] = {-1, -1};
-    std::array<struct sigaction, std::size(c_Signals)> Former{}; ///< what each did before
+    std::array<struct sigaction, std::size(c_Signals)> Former{}; ///< the handlers before
     QSocketNotifier* Notifier = nullptr;
 };
 

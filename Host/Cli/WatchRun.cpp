@@ -1,37 +1,29 @@
 #include "Host/Cli/WatchRun.hpp"
 
+#include "Host/Cli/SignalWatch.hpp"
+#include "Host/Core/Session/RunFollower.hpp"
 #include "Host/Core/Settings/InstallRecord.hpp"
 
 #include <QCoreApplication>
 
 namespace Varnholt::Host {
 
-WatchRun::WatchRun(HostSettings const& p_Settings, Presenter& p_Output)
-    : Settings(p_Settings)
-    , Output(p_Output)
+int WatchRun(HostSettings const& p_Settings, Presenter& p_Output)
 {
-    QObject::connect(&Signals, &SignalWatch::EndRequested, &Follower,
+    SignalWatch signals;
+    RunFollower follower;
+    QObject::connect(&signals, &SignalWatch::EndRequested,
                      [] { QCoreApplication::exit(SignalWatch::c_Status); });
-    QObject::connect(&Follower, &RunFollower::Progressed, &Follower,
-                     [this](RunSnapshot const& p_Snapshot) { Output.ShowProgress(p_Snapshot); });
+    QObject::connect(&follower, &RunFollower::Progressed,
+                     [&](RunSnapshot const& p_Snapshot) { p_Output.ShowProgress(p_Snapshot); });
     QObject::connect(
-        &Follower, &RunFollower::Ended, &Follower,
-        [this](RunResult const& p_Result, QString const& p_Game) { OnEnded(p_Result, p_Game); });
-}
-
-int WatchRun::Run()
-{
-    if (Follower.Follow(InstallRecord::Folders(Settings)))
+        &follower, &RunFollower::Ended, [&](RunResult const& p_Result, QString const& p_Game) {
+            // Shown as an update is: which command it was, the other program does not tell.
+            QCoreApplication::exit(p_Output.ShowResult(RunRequest(), p_Result, p_Game));
+        });
+    if (follower.Follow(InstallRecord::Folders(p_Settings)))
         return QCoreApplication::exec();
-    Failure const failure{FailureKind::NothingRunning, Settings.File(), {}};
-    Output.ShowFailure(failure);
-    return failure.ExitStatus();
-}
-
-void WatchRun::OnEnded(RunResult const& p_Result, QString const& p_Game)
-{
-    Output.ShowResult(RunRequest(), p_Result, p_Game); // of an update, as it was one
-    QCoreApplication::exit(p_Result.Problem ? p_Result.Problem->ExitStatus() : EXIT_SUCCESS);
+    return p_Output.ShowFailure({FailureKind::NothingRunning, p_Settings.File(), {}});
 }
 
 } // namespace Varnholt::Host

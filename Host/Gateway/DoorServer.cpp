@@ -28,8 +28,8 @@ std::string NewSecret()
     return secret;
 }
 
-/// Whether a path, decoded, names a file and nothing above or beside it. What a server may take for
-/// the end of an element counts as one.
+/// Whether a decoded path has no empty, "." or ".." elements. A backslash separates elements too:
+/// some servers take it so.
 bool IsFilePath(std::string p_Path)
 {
     std::replace(p_Path.begin(), p_Path.end(), '\\', '/');
@@ -102,7 +102,7 @@ DoorServer::DoorServer(Exchange& p_Exchange)
             Answer(p_Request, p_Response);
             return httplib::Server::HandlerResponse::Handled;
         });
-    // Qt asks the system for each byte of a head, and a small file has little else.
+    // Qt reads heads byte by byte, one system call each: short heads make small files faster.
     Server.set_post_routing_handler([](httplib::Request const&, httplib::Response& p_Response) {
         for (char const* const header : {"Accept-Ranges", "Content-Type", "Keep-Alive"})
             p_Response.headers.erase(header);
@@ -168,7 +168,7 @@ void DoorServer::AnswerDocument(std::string const& p_Path, httplib::Response& p_
         });
 }
 
-/// The length is written by hand: the library would cut ranges to a size that it cannot know.
+/// Writes the length by hand: the library would cut ranges by a size of its own.
 void DoorServer::AnswerFile(std::string const& p_Path, bool p_OfDefaultServer,
                             httplib::Request const& p_Request, httplib::Response& p_Response)
 {

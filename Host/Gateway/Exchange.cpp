@@ -56,7 +56,7 @@ TimePoint Exchange::Turn()
         for (auto const& row : DocumentsByPath)
             if (!row.second->IsDone && row.second->Transfer == 0 && !CopiesProblem && !GaveUp)
                 next = std::min(next, row.second->NotBefore);
-        if (IsRunning && !Paused && !GaveUp && From != Gateway::Source::Copies) {
+        if (IsRunning && !Paused && !GaveUp && From != Source::Copies) {
             StartFiles(now);
             StartQueries(now);
             next = std::min(next, Board.NextTrial(now));
@@ -75,22 +75,20 @@ TimePoint Exchange::Turn()
     return next;
 }
 
-void Exchange::BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
-                        std::shared_ptr<DocumentJudge> p_Trust)
+void Exchange::BeginRun(Source p_Source, Documents p_Copies, std::shared_ptr<DocumentJudge> p_Trust)
 {
     Lock const lock(Guard);
     Forget();
     Trust = std::move(p_Trust);
     IsRunning = true;
-    // Of no use without the one that tells the build.
+    // Without the version file the other copies are of no use.
     bool const areUsable = std::any_of(p_Copies.begin(), p_Copies.end(), [](auto const& p_Row) {
         return p_Row.first.find("/version") != std::string::npos;
     });
-    From = !areUsable && p_Source == Gateway::Source::ServerOrCopies ? Gateway::Source::Server
-                                                                     : p_Source;
+    From = !areUsable && p_Source == Source::ServerOrCopies ? Source::Server : p_Source;
     Copies = std::move(p_Copies);
     CopiesFrom = {};
-    if (From == Gateway::Source::Copies)
+    if (From == Source::Copies)
         TurnToCopies(
             {FetchProblem::Type::Silent, Options.ContentServer, FetchProblem::Cause::NobodyAsked});
     Loop.Wake();
@@ -103,7 +101,7 @@ void Exchange::EndRun()
     Loop.Wake();
 }
 
-/// Leaves nothing of a run; whoever waits for something of it goes on without.
+/// Clears all state of a run and wakes those who wait for something of it.
 void Exchange::Forget()
 {
     for (auto const& row : Files)
@@ -160,6 +158,40 @@ std::vector<Exchange::File> Exchange::FilesOf(std::vector<PlannedFile> const& p_
         files.back()->Offset = planned.Offset;
     }
     return files;
+}
+
+std::shared_ptr<FileTransfer> Exchange::NewTransfer(File const& p_File,
+                                                    std::shared_ptr<Server> const& p_Server) const
+{
+    auto transfer = std::make_shared<FileTransfer>();
+    transfer->File = p_File;
+    transfer->From = p_Server;
+    transfer->Run = Run;
+    transfer->Url = p_Server->Address + p_File->Path;
+    return transfer;
+}
+
+void Exchange::Start(std::shared_ptr<FileTransfer> const& p_Transfer, TransferRequest p_Request,
+                     bool (Exchange::*p_OnHead)(FileTransfer&, AnswerHead const&),
+                     std::function<Take(char const*, std::size_t)> p_OnBytes,
+                     void (Exchange::*p_OnEnd)(FileTransfer&, std::optional<FetchProblem> const&))
+{
+    p_Request.Url = p_Transfer->Url;
+    p_Request.OfContentServer = p_Transfer->From->IsDefault;
+    TransferEvents events;
+    events.OnHead = [this, p_Transfer, p_OnHead](AnswerHead const& p_Head) {
+        Lock const lock(Guard);
+        return p_Transfer->Run == Run && (this->*p_OnHead)(*p_Transfer, p_Head);
+    };
+    events.OnBytes = std::move(p_OnBytes);
+    events.OnEnd = [this, p_Transfer, p_OnEnd](std::optional<FetchProblem> const& p_Problem) {
+        Lock const lock(Guard);
+        UnderWay.erase(p_Transfer->Id);
+        if (p_Transfer->Run == Run)
+            (this->*p_OnEnd)(*p_Transfer, p_Problem);
+    };
+    p_Transfer->Id = Loop.Start(std::move(p_Request), std::move(events));
+    UnderWay.insert(p_Transfer->Id);
 }
 
 void Exchange::Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst)
@@ -226,10 +258,10 @@ std::optional<FetchProblem> Exchange::LatestProblem() const
     return Latest;
 }
 
-Gateway::Documents Exchange::Fetched() const
+Exchange::Documents Exchange::Fetched() const
 {
     Lock const lock(Guard);
-    Gateway::Documents documents;
+    Documents documents;
     for (auto const& row : FetchedDocuments)
         documents.emplace(row.first, *row.second);
     return documents;
@@ -250,13 +282,6 @@ void Exchange::SetRateLimit(std::uint64_t p_BytesPerSecond)
 {
     Lock const lock(Guard);
     Limit.Set(p_BytesPerSecond, Clock::now());
-    Loop.Wake();
-}
-
-void Exchange::SetConnections(int p_Connections)
-{
-    Lock const lock(Guard);
-    Options.Connections = std::max(1, p_Connections);
     Loop.Wake();
 }
 

@@ -32,7 +32,7 @@ namespace Varnholt::Gateway {
 ///
 /// `Turn` is called by the transfer thread again and again; only there transfers begin and are
 /// cancelled. What they bring comes in by the On… operations.
-class Exchange {
+class Exchange : public Gateway {
 public:
     /// A client that reads a file from an offset to its end.
     struct Reader {
@@ -54,30 +54,28 @@ public:
     };
 
     explicit Exchange(GatewayOptions const& p_Options);
-    ~Exchange();
+    ~Exchange() override;
     /// \param p_Name what clients get as the list of mirrors
     void Begin(std::string const& p_Name);
     /// Lets all that wait go, for good.
     void Close();
 
     // As the gateway has them.
-    void BeginRun(Gateway::Source p_Source, Gateway::Documents p_Copies,
-                  std::shared_ptr<DocumentJudge> p_Trust);
-    void EndRun();
-    void Want(std::string const& p_Path);
-    Gateway::Documents Fetched() const;
-    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst);
-    void AskSizes(std::vector<PlannedFile> const& p_Files);
-    std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const;
-    std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const;
-    std::optional<FetchProblem> LatestProblem() const;
-    void Reject(std::string const& p_Path);
-    void SetPaused(bool p_Paused);
-    void SetRateLimit(std::uint64_t p_BytesPerSecond);
-    void SetConnections(int p_Connections);
-    GatewaySnapshot Snapshot() const;
-    std::vector<std::string> Servers() const;
-    void Ask(Question p_Question, std::function<void(Reply)> p_OnReply);
+    void BeginRun(Source p_Source, Documents p_Copies,
+                  std::shared_ptr<DocumentJudge> p_Trust) override;
+    void EndRun() override;
+    void Want(std::string const& p_Path) override;
+    Documents Fetched() const override;
+    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst) override;
+    void AskSizes(std::vector<PlannedFile> const& p_Files) override;
+    std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const override;
+    std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const override;
+    std::optional<FetchProblem> LatestProblem() const override;
+    void Reject(std::string const& p_Path) override;
+    void SetRateLimit(std::uint64_t p_BytesPerSecond) override;
+    GatewaySnapshot Snapshot() const override;
+    std::vector<std::string> Servers() const override;
+    void Ask(Question p_Question, std::function<void(Reply)> p_OnReply) override;
 
     // For clients of the door, on their threads.
     DocumentAnswer FetchDocument(std::string const& p_Path);
@@ -88,10 +86,12 @@ public:
     /// Waits a moment when there is nothing.
     Given Next(Reader& p_Reader, FileContent::Bytes& p_Bytes);
 
+protected:
+    void SetPaused(bool p_Paused) override;
+
 private:
     using Lock = std::unique_lock<std::mutex>;
     using File = std::shared_ptr<FileContent>;
-    using TransferPointer = std::shared_ptr<FileTransfer>;
 
     TimePoint Turn();
     void Forget();
@@ -103,6 +103,14 @@ private:
     }
     File FileOf(std::string const& p_Path, bool p_OfDefaultServer);
     std::vector<File> FilesOf(std::vector<PlannedFile> const& p_Files);
+    std::shared_ptr<FileTransfer> NewTransfer(File const& p_File,
+                                              std::shared_ptr<Server> const& p_Server) const;
+    /// Starts what has been filled in, and reports of it under the lock for as long as its run goes
+    /// on. \param p_OnBytes called without the lock
+    void Start(std::shared_ptr<FileTransfer> const& p_Transfer, TransferRequest p_Request,
+               bool (Exchange::*p_OnHead)(FileTransfer&, AnswerHead const&),
+               std::function<Take(char const*, std::size_t)> p_OnBytes,
+               void (Exchange::*p_OnEnd)(FileTransfer&, std::optional<FetchProblem> const&));
     void SetPlan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst, bool p_SizesOnly);
     File Known(std::string const& p_Path) const;
     bool MayRead(Reader const& p_Reader) const
@@ -114,6 +122,7 @@ private:
     std::shared_ptr<Document> NewDocument(std::string const& p_Path) const;
     void StartDocuments(TimePoint p_Now);
     void StartDocument(std::shared_ptr<Document> const& p_Document);
+    Take OnDocumentBytes(Document& p_Document, char const* p_Data, std::size_t p_Count);
     void OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem);
     void Finish(Document& p_Document, std::optional<FetchProblem> const& p_Problem);
     bool UseMirrors(std::string const& p_List);
@@ -139,11 +148,15 @@ private:
     bool LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size);
     void AskAgain(File const& p_File);
 
+    // _Readers
+    bool IsOver(Reader const& p_Reader) const;
+    bool IsServed(Reader const& p_Reader) const;
+    void Release(FileContent& p_File);
+    void Deliver(FileContent& p_File);
+
     // _Files
     void StartFiles(TimePoint p_Now);
     bool FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWaitedFor, TimePoint p_Now);
-    void Release(FileContent& p_File);
-    void Deliver(FileContent& p_File);
     void StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
                        std::shared_ptr<Server> const& p_Server, TimePoint p_Now);
     bool OnFileHead(FileTransfer& p_Transfer, AnswerHead const& p_Head);
@@ -151,7 +164,9 @@ private:
     bool OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     bool OnBehindEnd(FileTransfer& p_Transfer, AnswerHead const& p_Head);
     Take OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::size_t p_Count);
-    void OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p_Problem);
+    void OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> const& p_Problem);
+
+    // _Failures
     void NoteFailure(FileTransfer& p_Transfer, FetchProblem const& p_Problem);
     void Refuse(FileContent& p_File, Server& p_Server, FetchProblem const& p_Problem);
     ServerBoard::Filter Allowed(FileContent const& p_File) const;
@@ -187,8 +202,8 @@ private:
     // Of the run.
     std::uint64_t Run = 0;
     bool IsRunning = false;
-    Gateway::Source From = Gateway::Source::Server;
-    Gateway::Documents Copies;
+    Source From = Source::Server;
+    Documents Copies;
     std::shared_ptr<DocumentJudge> Trust; ///< null: every document is believed
     std::map<std::string, std::shared_ptr<std::string const>> FetchedDocuments;
     std::optional<FetchProblem> CopiesProblem;

@@ -20,7 +20,7 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
         return {c_Unavailable, {}};
     if (CopiesProblem)
         return CopyOf(p_Path);
-    if (From == Gateway::Source::ServerOrCopies && CopiesFrom == TimePoint{})
+    if (From == Source::ServerOrCopies && CopiesFrom == TimePoint{})
         CopiesFrom = Clock::now() + Options.CopyDelay;
     std::shared_ptr<Document>& known = DocumentsByPath[p_Path];
     bool const isVerified = Trust && known && known->IsDone && !known->Problem;
@@ -29,7 +29,7 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
     std::shared_ptr<Document> const document = known;
     Loop.Wake();
     auto const isOver = [&] { return document->IsDone || CopiesProblem || IsOver(run); };
-    if (From != Gateway::Source::ServerOrCopies)
+    if (From != Source::ServerOrCopies)
         Changed.wait(lock, isOver);
     else if (!Changed.wait_until(lock, CopiesFrom, isOver))
         Finish(*document,
@@ -41,7 +41,7 @@ Exchange::DocumentAnswer Exchange::FetchDocument(std::string const& p_Path)
         GiveUp(*document->Problem);
         return {c_Unavailable, {}};
     }
-    bool const isMissed = From == Gateway::Source::ServerOrCopies && document->Problem;
+    bool const isMissed = From == Source::ServerOrCopies && document->Problem;
     if (isMissed && document->IsHostList() && Copies.count(p_Path) != 0)
         return CopyOf(p_Path);
     if (isMissed && !document->IsOptional() && !CopiesProblem)
@@ -58,7 +58,7 @@ void Exchange::Want(std::string const& p_Path)
 
 Exchange::DocumentAnswer Exchange::AnswerOf(Document const& p_Document) const
 {
-    // Whatever becomes of the list, the door is the one mirror.
+    // Clients are told of one mirror only, the door, whatever the server's list says.
     if (p_Document.IsHostList())
         return {c_Success, std::make_shared<std::string const>(OwnName)};
     if (!p_Document.Problem && p_Document.IsDone)
@@ -79,7 +79,7 @@ Exchange::DocumentAnswer Exchange::CopyOf(std::string const& p_Path)
     return {c_Success, std::make_shared<std::string const>(*copy)};
 }
 
-/// From here on the run is told what an earlier one has learned.
+/// From here on documents come from the copies of an earlier run.
 void Exchange::TurnToCopies(FetchProblem const& p_Problem)
 {
     CopiesProblem = p_Problem;
@@ -126,21 +126,7 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
     };
     events.OnBytes = [this, p_Document](char const* p_Data, std::size_t p_Count) {
         Lock const lock(Guard);
-        TimePoint const now = Clock::now();
-        if (!Limit.MayTake(now)) {
-            IsRateBlocked = true;
-            return Take::Later;
-        }
-        Limit.Take(p_Count);
-        LastByte = now;
-        if (p_Document->Run != Run ||
-            p_Document->Part()->size() + p_Count > p_Document->MostBytes()) {
-            p_Document->Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document->PartUrl(),
-                                               FetchProblem::Cause::TooLarge};
-            return Take::Stop;
-        }
-        p_Document->Part()->append(p_Data, p_Count);
-        return Take::More;
+        return OnDocumentBytes(*p_Document, p_Data, p_Count);
     };
     events.OnEnd = [this, p_Document](std::optional<FetchProblem> const& p_Problem) {
         Lock const lock(Guard);
@@ -148,6 +134,24 @@ void Exchange::StartDocument(std::shared_ptr<Document> const& p_Document)
     };
     p_Document->Transfer = Loop.Start(std::move(request), std::move(events));
     UnderWay.insert(p_Document->Transfer);
+}
+
+Take Exchange::OnDocumentBytes(Document& p_Document, char const* p_Data, std::size_t p_Count)
+{
+    TimePoint const now = Clock::now();
+    if (!Limit.MayTake(now)) {
+        IsRateBlocked = true;
+        return Take::Later;
+    }
+    Limit.Take(p_Count);
+    LastByte = now;
+    if (p_Document.Run != Run || p_Document.Part()->size() + p_Count > p_Document.MostBytes()) {
+        p_Document.Problem = FetchProblem{FetchProblem::Type::Unusable, p_Document.PartUrl(),
+                                          FetchProblem::Cause::TooLarge};
+        return Take::Stop;
+    }
+    p_Document.Part()->append(p_Data, p_Count);
+    return Take::More;
 }
 
 void Exchange::OnDocumentEnd(Document& p_Document, std::optional<FetchProblem> p_Problem)

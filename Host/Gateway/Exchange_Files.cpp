@@ -64,7 +64,7 @@ void Exchange::StartFiles(TimePoint p_Now)
     RelieveSlowOnes(p_Now);
 }
 
-/// \return false when something of the file has still to wait
+/// \return false when a part of the file cannot be asked for now
 bool Exchange::FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWaitedFor,
                          TimePoint p_Now)
 {
@@ -99,11 +99,7 @@ bool Exchange::FetchGaps(File const& p_File, std::uint64_t p_From, bool p_IsWait
 void Exchange::StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
                              std::shared_ptr<Server> const& p_Server, TimePoint p_Now)
 {
-    auto const transfer = std::make_shared<FileTransfer>();
-    transfer->File = p_File;
-    transfer->From = p_Server;
-    transfer->Run = Run;
-    transfer->Url = p_Server->Address + p_File->Path;
+    auto const transfer = NewTransfer(p_File, p_Server);
     transfer->Begin = p_Gap.Begin;
     Span span;
     span.Begin = span.Arrived = span.FirstBlock = p_Gap.Begin;
@@ -117,28 +113,14 @@ void Exchange::StartTransfer(File const& p_File, FileContent::Gap const& p_Gap,
     transfer->Part = p_File->Insert(std::move(span));
 
     TransferRequest request;
-    request.Url = transfer->Url;
     request.Range = p_Server->IgnoresRanges ? std::string() : RangeText(p_Gap);
-    request.OfContentServer = p_Server->IsDefault;
     request.BlockBytes = Limit.IsSet() ? 16UL * 1024 : static_cast<std::size_t>(c_SmallPiece);
-    TransferEvents events;
-    events.OnHead = [this, transfer](AnswerHead const& p_Head) {
-        Lock const lock(Guard);
-        return transfer->Run == Run && OnFileHead(*transfer, p_Head);
-    };
-    events.OnBytes = [this, transfer](char const* p_Data, std::size_t p_Count) {
+    auto const onBytes = [this, transfer](char const* p_Data, std::size_t p_Count) {
         Lock const lock(Guard);
         return transfer->Run == Run ? OnFileBytes(*transfer, p_Data, p_Count) : Take::Stop;
     };
-    events.OnEnd = [this, transfer](std::optional<FetchProblem> const& p_Problem) {
-        Lock const lock(Guard);
-        UnderWay.erase(transfer->Id);
-        if (transfer->Run == Run)
-            OnFileEnd(*transfer, p_Problem);
-    };
-    transfer->Id = Loop.Start(std::move(request), std::move(events));
+    Start(transfer, std::move(request), &Exchange::OnFileHead, onBytes, &Exchange::OnFileEnd);
     transfer->Part->Transfer = transfer->Id;
-    UnderWay.insert(transfer->Id);
     ++p_Server->Transfers;
     ++Transfers;
     Recount(*p_File);
@@ -168,7 +150,7 @@ bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
         p_Head.Total ? std::min(p_Transfer.Part->End, *p_Head.Total) : p_Transfer.Part->End;
     bool const isAskedFor =
         p_Head.RangeBegin == p_Transfer.Begin && p_Head.RangeLast == end - 1 && !p_Head.IsEncoded;
-    // Of a head that contradicts itself nothing is believed, its total neither.
+    // Nothing of a head that contradicts itself is believed, not even its total.
     if (isAskedFor && p_Head.Length.value_or(end - p_Transfer.Begin) == end - p_Transfer.Begin)
         return !p_Head.Total || LearnSize(p_Transfer, *p_Head.Total);
     p_Transfer.Problem =
@@ -176,11 +158,11 @@ bool Exchange::OnPart(FileTransfer& p_Transfer, AnswerHead const& p_Head)
     return false;
 }
 
-/// Called for a server that takes no notice of ranges: what lies before the part is passed over.
+/// Called when a server ignores the range and sends the whole: what lies before is skipped.
 bool Exchange::OnWhole(FileTransfer& p_Transfer, AnswerHead const& p_Head)
 {
     FileContent& file = *p_Transfer.File;
-    // Of a file that is no longer than what was asked for, the whole is a good answer.
+    // When the file is no longer than the range, the whole is a proper answer to it.
     bool const isAll = p_Transfer.Begin == 0 && p_Head.Length <= p_Transfer.Part->End;
     p_Transfer.From->IgnoresRanges |= !isAll || !p_Head.Length;
     if (p_Head.IsEncoded && !p_Transfer.From->IsDefault) {
@@ -225,7 +207,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
         IsRateBlocked = true;
         return Take::Later;
     }
-    // Of a stream nobody knows how much comes; what a client waits for is taken all the same.
+    // A stream may exceed all memory: with none left, only what a client waits for is taken.
     bool const isStarving = span.Held() == 0;
     if (span.IsStream && span.ToSkip == 0 && !isStarving && !HasRoom(p_Count)) {
         IsRoomBlocked = true;
@@ -248,7 +230,7 @@ Take Exchange::OnFileBytes(FileTransfer& p_Transfer, char const* p_Data, std::si
     return wanted < left ? Take::Stop : Take::More; // more than there should be
 }
 
-void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> p_Problem)
+void Exchange::OnFileEnd(FileTransfer& p_Transfer, std::optional<FetchProblem> const& p_Problem)
 {
     FileContent& file = *p_Transfer.File;
     Server& server = *p_Transfer.From;

@@ -35,6 +35,20 @@ std::shared_ptr<Exchange::Reader> Exchange::Open(std::string const& p_Path, std:
     return reader;
 }
 
+/// Whether a client gets no more, and is to begin anew.
+bool Exchange::IsOver(Reader const& p_Reader) const
+{
+    return IsOver(p_Reader.Run) || p_Reader.File->Refusal ||
+           (p_Reader.Size && p_Reader.File->Size != p_Reader.Size);
+}
+
+/// Whether there is something for a client, or the end.
+bool Exchange::IsServed(Reader const& p_Reader) const
+{
+    FileContent const& file = *p_Reader.File;
+    return MayRead(p_Reader) && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
+}
+
 Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
 {
     constexpr Milliseconds c_FirstWait{10}; // a client that wanted the headers only is gone by then
@@ -42,23 +56,16 @@ Exchange::Given Exchange::Next(Reader& p_Reader, FileContent::Bytes& p_Bytes)
 
     FileContent& file = *p_Reader.File;
     Lock lock(Guard);
-    auto const isOver = [&] {
-        return IsOver(p_Reader.Run) || file.Refusal ||
-               (p_Reader.Size && file.Size != p_Reader.Size);
-    };
-    auto const isThere = [&] {
-        return MayRead(p_Reader) && (file.EndsAt(p_Reader.At) || file.At(p_Reader.At));
-    };
-    if (!isThere() && !isOver()) {
+    if (!IsServed(p_Reader) && !IsOver(p_Reader)) {
         Changed.wait_for(lock, p_Reader.Starves ? c_Wait : c_FirstWait,
-                         [&] { return isThere() || isOver(); });
-        // The client may have gone meanwhile, and what it is given is forgotten.
-        if (isThere() && !isOver())
+                         [&] { return IsServed(p_Reader) || IsOver(p_Reader); });
+        // Not given yet: the client may have gone while this waited, and given bytes are forgotten.
+        if (IsServed(p_Reader) && !IsOver(p_Reader))
             return Given::Nothing;
     }
-    if (isOver())
+    if (IsOver(p_Reader))
         return Given::Failure;
-    if (!isThere()) {
+    if (!IsServed(p_Reader)) {
         if (!p_Reader.Starves && MayRead(p_Reader)) {
             p_Reader.Starves = true;
             Loop.Wake();
@@ -115,14 +122,14 @@ void Exchange::Reject(std::string const& p_Path)
         std::shared_ptr<Server> const server = *file->Contributors.begin();
         ServerBoard::NoteWrongFile(*server, now);
         file->Wrong.insert(server.get());
-        // Once everybody has been wrong, everybody is asked again.
+        // When every server has been wrong, all are asked again.
         auto const allowed = Allowed(*file);
         auto const& servers = Board.All();
         if (std::none_of(servers.begin(), servers.end(),
                          [&](auto const& p_Server) { return allowed(*p_Server); }))
             file->Wrong.clear();
     }
-    // Of several nobody can tell who it was: the next time one has to bring it all.
+    // With several contributors nobody knows who was wrong: next time one has to bring it all.
     file->HasOneSource = file->IsReadFromStart && !file->Contributors.empty();
     file->OnlyFrom.reset();
     file->Contributors.clear();

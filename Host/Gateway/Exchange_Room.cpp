@@ -38,7 +38,7 @@ void Exchange::Drop(FileContent& p_File)
     Recount(p_File);
 }
 
-/// Takes from what is ahead, the farthest first, for something that is waited for.
+/// Drops what was fetched ahead, the farthest first, for something that is waited for.
 void Exchange::MakeRoom(std::uint64_t p_Bytes)
 {
     for (std::size_t i = Planned.size(); i-- > 0 && !HasRoom(p_Bytes);) {
@@ -84,7 +84,7 @@ void Exchange::RelieveSlowOnes(TimePoint p_Now)
                 continue;
             if (rate < c_LeastRate)
                 Board.NoteFailure(*span.From, 0, p_Now);
-            // What it has shown here counts: it gets smaller pieces from now on.
+            // Its speed is lowered to what it has shown here, so that it gets smaller pieces.
             span.From->Speed = std::max(std::min(span.From->Speed, rate), 1.0);
             FileContent::Gap const gap{span.Arrived, span.End};
             CancelTransfer(span);

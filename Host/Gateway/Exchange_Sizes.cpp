@@ -9,15 +9,15 @@ namespace Varnholt::Gateway {
 
 using namespace HttpStatus;
 
-/// Waits until it is known what a client is to be told of a file before its first byte.
+/// Waits until the status and the size of a file are known.
 Exchange::FileHead Exchange::FetchHead(std::string const& p_Path, bool p_OfDefaultServer)
 {
-    // Long enough for a client whose answer was broken off to be told why.
+    // A client whose answer was broken off asks again within this time, and is told why.
     constexpr std::chrono::seconds c_RefusalHolds{20};
 
     Lock lock(Guard);
     std::uint64_t const run = Run;
-    if (!IsRunning || IsOver(run) || From == Gateway::Source::Copies)
+    if (!IsRunning || IsOver(run) || From == Source::Copies)
         return {c_Unavailable, std::nullopt};
     File const file = FileOf(p_Path, p_OfDefaultServer);
     if (file->Refusal &&
@@ -93,36 +93,18 @@ bool Exchange::StartQuery(File const& p_File, TimePoint p_Now)
         p_Now);
     if (!server)
         return false;
-    auto const query = std::make_shared<FileTransfer>();
-    query->File = p_File;
-    query->From = server;
-    query->Run = Run;
-    query->Url = server->Address + p_File->Path;
+    auto const query = NewTransfer(p_File, server);
     query->IsHeadRequest = !server->RefusesHead;
     TransferRequest request;
-    request.Url = query->Url;
-    request.OfContentServer = server->IsDefault;
     request.HeadersOnly = query->IsHeadRequest;
     request.Range = query->IsHeadRequest ? "" : "0-0";
-    TransferEvents events;
-    events.OnHead = [this, query](AnswerHead const& p_Head) {
-        Lock const lock(Guard);
-        return query->Run == Run && OnQueryHead(*query, p_Head);
-    };
-    events.OnBytes = [](char const*, std::size_t p_Count) {
+    auto const onBytes = [](char const*, std::size_t p_Count) {
         return p_Count > 1 ? Take::Stop : Take::More; // one was asked for
-    };
-    events.OnEnd = [this, query](std::optional<FetchProblem> const& p_Problem) {
-        Lock const lock(Guard);
-        UnderWay.erase(query->Id);
-        if (query->Run == Run)
-            OnQueryEnd(*query, p_Problem);
     };
     p_File->IsAsked = true;
     ++server->Queries;
     ++Queries;
-    query->Id = Loop.Start(std::move(request), std::move(events));
-    UnderWay.insert(query->Id);
+    Start(query, std::move(request), &Exchange::OnQueryHead, onBytes, &Exchange::OnQueryEnd);
     return true;
 }
 
@@ -206,7 +188,7 @@ bool Exchange::LearnSize(FileTransfer& p_Transfer, std::uint64_t p_Size)
     }
     if (*file.Size == p_Size)
         return true;
-    // Nothing that came before fits: clients begin anew, and so does the file.
+    // The bytes so far are of another file: both it and its clients begin anew.
     if (server.IsDefault) {
         Drop(file);
         file.Size = p_Size;

@@ -4,8 +4,8 @@
 
 namespace Varnholt::Gateway {
 
-/// What is to be thought of a document of which all has been asked for. \param p_Problem of the
-/// latest transfer
+/// Judges a document once body and signature have been asked for. \param p_Problem of the latest
+/// transfer
 std::optional<FetchProblem> Exchange::Verdict(Document const& p_Document,
                                               std::optional<FetchProblem> const& p_Problem)
 {
@@ -22,8 +22,8 @@ std::optional<FetchProblem> Exchange::Verdict(Document const& p_Document,
     return FetchProblem{Type::Unsigned, p_Document.Url, p_Problem->Why, 0, p_Problem->Detail};
 }
 
-/// A publisher changes a document and its signature one after the other: who came in between comes
-/// again, a few times.
+/// A publisher replaces a document and its signature one after the other: a pair that does not
+/// match is asked for again, a few times.
 void Exchange::Doubt(Document& p_Document, FetchProblem const& p_Problem)
 {
     constexpr int c_MostDoubts = 4;

@@ -8,7 +8,7 @@ namespace Varnholt::Gateway {
 
 namespace {
 
-/// Shorter than this is no silence that anybody has to know of.
+/// A silence shorter than this is not told.
 constexpr Milliseconds c_Noticeable{2'000};
 
 bool IsSizeSettled(std::shared_ptr<FileContent> const& p_File)
@@ -52,7 +52,7 @@ bool Exchange::IsWaitedFor() const
            (starves || lacksDocument || HeadsWaited > 0 || Queries > 0 || lacksSize);
 }
 
-/// What is told of as long as nothing has failed, and nothing comes.
+/// The problem that is told while nothing has failed and nothing comes.
 FetchProblem Exchange::Silence() const
 {
     std::string url = Options.ContentServer;

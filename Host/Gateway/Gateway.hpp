@@ -46,7 +46,7 @@ struct Reply {
 ///
 /// Lives on no thread: every operation may be called on any, and none waits for the network.
 ///
-/// 1. Construct it, give `BaseUrl()` to the module as its content server
+/// 1. Create it, give `BaseUrl()` to the module as its content server
 ///    (VARNHOLT_CONTENT_BASE_URL), and let the module use no proxy for it.
 /// 2. `BeginRun` before each run.
 /// 3. `Plan` as soon as the module has its list of files, and whenever it has another one.
@@ -62,62 +62,61 @@ public:
         Copies,         ///< nobody is asked
     };
 
-    explicit Gateway(GatewayOptions const& p_Options);
+    static std::unique_ptr<Gateway> Create(GatewayOptions const& p_Options);
     /// Ends every transfer; the port is free again afterwards.
-    ~Gateway();
+    virtual ~Gateway() = default;
     Gateway(Gateway const&) = delete;
     Gateway& operator=(Gateway const&) = delete;
 
     /// "http://127.0.0.1:4711/6f1c…/"; empty when the system lets nobody listen.
-    std::string BaseUrl() const;
+    virtual std::string BaseUrl() const = 0;
 
     /// Forgets what the run before has learned of failures, sizes and plans, and what it held; the
     /// speeds of servers are kept. \param p_Copies the documents of an earlier run
     /// \param p_Trust judges every document before anybody gets a byte of it, of copies too; what
     /// it has let through once stays the same for the run, and what it has not ends the run: the
     /// door has given up then. Null: every document is believed
-    void BeginRun(Source p_Source, Documents p_Copies = {},
-                  std::shared_ptr<DocumentJudge> p_Trust = nullptr);
+    virtual void BeginRun(Source p_Source, Documents p_Copies = {},
+                          std::shared_ptr<DocumentJudge> p_Trust = nullptr) = 0;
     /// Ends what is under way; whoever still asks gets nothing.
-    void EndRun();
+    virtual void EndRun() = 0;
     /// Fetches a document though no client has asked for it, for `Fetched`.
-    void Want(std::string const& p_Path);
+    virtual void Want(std::string const& p_Path) = 0;
     /// The documents that servers gave in this run: version file, manifest, host list, and with a
     /// judge their signatures.
-    Documents Fetched() const;
+    virtual Documents Fetched() const = 0;
 
     /// The files in the order in which they will be asked for. Their sizes are asked for at once,
     /// their content is fetched ahead of the module, as far as memory allows. \param p_SizesFirst
     /// the module asks for sizes now, by requests that it drops: they get no content
-    void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst = false);
+    virtual void Plan(std::vector<PlannedFile> const& p_Files, bool p_SizesFirst = false) = 0;
     /// Asks for sizes only.
-    void AskSizes(std::vector<PlannedFile> const& p_Files);
+    virtual void AskSizes(std::vector<PlannedFile> const& p_Files) = 0;
     /// None when it is not known (yet).
-    std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const;
+    virtual std::optional<std::uint64_t> SizeOf(std::string const& p_Path) const = 0;
     /// How the latest attempt at a path failed; none when it did not.
-    std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const;
+    virtual std::optional<FetchProblem> ProblemOf(std::string const& p_Path) const = 0;
     /// The latest failed attempt of the run.
-    std::optional<FetchProblem> LatestProblem() const;
+    virtual std::optional<FetchProblem> LatestProblem() const = 0;
     /// The bytes of a file were not those that were announced: who gave them is put behind the
     /// others.
-    void Reject(std::string const& p_Path);
+    virtual void Reject(std::string const& p_Path) = 0;
 
     /// Takes no more content from the network until `Continue`; what has arrived is handed on.
-    void Pause();
-    void Continue();
+    void Pause() { SetPaused(true); }
+    void Continue() { SetPaused(false); }
     /// \param p_BytesPerSecond 0: as fast as it comes
-    void SetRateLimit(std::uint64_t p_BytesPerSecond);
-    void SetConnections(int p_Connections);
+    virtual void SetRateLimit(std::uint64_t p_BytesPerSecond) = 0;
 
-    GatewaySnapshot Snapshot() const;
+    virtual GatewaySnapshot Snapshot() const = 0;
     /// Base addresses: the content server's, then those of the host list.
-    std::vector<std::string> Servers() const;
+    virtual std::vector<std::string> Servers() const = 0;
     /// \param p_OnReply called once, on a thread of the door's; not after its end
-    void Ask(Question p_Question, std::function<void(Reply)> p_OnReply);
+    virtual void Ask(Question p_Question, std::function<void(Reply)> p_OnReply) = 0;
 
-private:
-    class Implementation;
-    std::unique_ptr<Implementation> Details;
+protected:
+    Gateway() = default;
+    virtual void SetPaused(bool p_Paused) = 0;
 };
 
 } // namespace Varnholt::Gateway

@@ -32,7 +32,7 @@ std::string Piece(CURLU* p_Url, CURLUPart p_Part, unsigned p_Flags = 0)
     return piece;
 }
 
-/// A page in the list's place is full of what no host's name has.
+/// An error page in the list's place is full of characters that no host's name has.
 bool IsPlain(std::string const& p_Name)
 {
     return p_Name.find_first_of("<>\"{}?#@\\|^`") == std::string::npos &&

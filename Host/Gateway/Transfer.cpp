@@ -74,7 +74,6 @@ Transfer::~Transfer()
 void Transfer::SetUp(GatewayOptions const& p_Options)
 {
     constexpr long c_MostRedirects = 8;
-    constexpr auto c_Second = std::chrono::milliseconds(1'000);
 
     Set(Easy, CURLOPT_PRIVATE, this);
     Set(Easy, CURLOPT_ERRORBUFFER, ErrorText.data());
@@ -102,10 +101,8 @@ void Transfer::SetUp(GatewayOptions const& p_Options)
 
     Set(Easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(p_Options.ConnectTimeout.count()));
     Set(Easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
-    Set(Easy, CURLOPT_LOW_SPEED_TIME,
-        std::max(1L,
-                 static_cast<long>((p_Options.StallTime + c_Second) / c_Second -
-                                   (p_Options.StallTime % c_Second == c_Second.zero() ? 1 : 0))));
+    auto const stall = std::chrono::ceil<std::chrono::seconds>(p_Options.StallTime);
+    Set(Easy, CURLOPT_LOW_SPEED_TIME, std::max(1L, static_cast<long>(stall.count())));
     Set(Easy, CURLOPT_TCP_KEEPALIVE, 1L);
 
     Set(Easy, CURLOPT_HEADERFUNCTION, &Transfer::OnHeaderLine);

@@ -51,7 +51,7 @@ void GatewayBench::ScriptForEver(QString const& p_Rule, Answer const& p_Answer)
 
 void GatewayBench::Open(Source p_Source, Documents const& p_Copies)
 {
-    Door = std::make_unique<Gateway::Gateway>(Options);
+    Door = Gateway::Gateway::Create(Options);
     Door->BeginRun(p_Source, p_Copies);
     FetchHosts();
 }

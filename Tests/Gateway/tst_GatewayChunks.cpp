@@ -36,7 +36,6 @@ private Q_SLOTS:
     void NoMoreConnectionsThanAreAllowed_data();
     void NoMoreConnectionsThanAreAllowed();
     void ConnectionsAreKept();
-    void TheNumberOfConnectionsCanBeChanged();
     void MemoryIsBoundedWhenNobodyReads();
     void AFasterMirrorGivesMore();
 };
@@ -218,23 +217,6 @@ void GatewayChunksTest::ConnectionsAreKept()
     for (RecordedRequest const& request : bench.Mirrors[0]->Requests())
         connections += request.Connection;
     QVERIFY2(connections.size() <= 12, QByteArray::number(connections.size()));
-}
-
-void GatewayChunksTest::TheNumberOfConnectionsCanBeChanged()
-{
-    GatewayBench bench(4);
-    bench.Options.Connections = 1;
-    std::vector<PlannedFile> plan;
-    for (int i = 0; i < 50; ++i)
-        plan.push_back(Planned(Numbered(i)));
-    bench.ScriptMirrorsForEver("GET *", Answer::SilentBeforeHeaders());
-    for (int i = 0; i < 50; ++i)
-        bench.Serve(Numbered(i), "content");
-    bench.Open();
-    bench.Door->Plan(plan);
-    QVERIFY(Becomes([&] { return bench.AnswersNow() == 1; }));
-    bench.Door->SetConnections(5);
-    QVERIFY(Becomes([&] { return bench.AnswersNow() == 5; }));
 }
 
 void GatewayChunksTest::MemoryIsBoundedWhenNobodyReads()

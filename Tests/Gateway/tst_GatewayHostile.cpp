@@ -277,12 +277,12 @@ void GatewayHostileTest::WhatIsNoHttpIsAProblem()
         }
     });
     Bench->Options.ContentServer = "http://127.0.0.1:" + std::to_string(server.serverPort()) + '/';
-    Gateway::Gateway door(Bench->Options);
-    door.BeginRun(GatewayBench::Source::Server);
-    DoorReader reader({QByteArray::fromStdString(door.BaseUrl()) + "d/" + c_Version});
+    auto const door = Gateway::Gateway::Create(Bench->Options);
+    door->BeginRun(GatewayBench::Source::Server);
+    DoorReader reader({QByteArray::fromStdString(door->BaseUrl()) + "d/" + c_Version});
     QVERIFY(Becomes([&] { return reader.IsDone(); }));
     QVERIFY(reader.Reply().Status >= 500);
-    QVERIFY(door.ProblemOf(c_Version.toStdString()));
+    QVERIFY(door->ProblemOf(c_Version.toStdString()));
     QVERIFY(!reader.Reply().Body.contains('\xff'));
 }
 

@@ -170,7 +170,6 @@ void GatewayStressTest::RunsThatEndInTheMiddleHarmNobody()
     while (crowd.Right + crowd.Wrong + crowd.Missing < c_Readers * c_ReadsEach / 2) {
         bench->Door->Plan({Planned(Numbered(int(random() % c_Files)))});
         bench->Door->Pause();
-        bench->Door->SetConnections(1 + int(random() % 8));
         bench->Door->Continue();
         bench->Door->Reject(Numbered(int(random() % c_Files)).toStdString());
         if (random() % 8 == 0)

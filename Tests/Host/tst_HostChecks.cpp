@@ -33,11 +33,6 @@ ApplicationManifestFileEntry Entry(QString const& p_Path, QString const& p_Local
     return entry;
 }
 
-RoomCheck CheckWith(qint64 p_Free)
-{
-    return RoomCheck([p_Free](QString const&) { return p_Free; });
-}
-
 QString KindOf(std::optional<Failure> const& p_Failure)
 {
     return p_Failure ? p_Failure->Identifier() : QStringLiteral("none");
@@ -180,16 +175,16 @@ void HostChecksTest::AVolumeThatIsNotKnownIsNotFull()
     VolumeSpace space;
     space.Needed = 1000;
     QVERIFY(!RoomCheck::BeforeDownload({space}));
-    QVERIFY(!CheckWith(-1).WhileDownloading(Path(""), 1000));
+    QVERIFY(!RoomCheck::WhileDownloading(Path(""), -1, 1000));
 }
 
 void HostChecksTest::TheEndOfTheRoomIsSeenWhileDownloading()
 {
-    QVERIFY(!CheckWith(64 * 1024).WhileDownloading(Path(""), 1 << 30));
-    QCOMPARE(KindOf(CheckWith(64 * 1024 - 1).WhileDownloading(Path(""), 1 << 30)),
+    QVERIFY(!RoomCheck::WhileDownloading(Path(""), 64 * 1024, 1 << 30));
+    QCOMPARE(KindOf(RoomCheck::WhileDownloading(Path(""), 64 * 1024 - 1, 1 << 30)),
              QString("disk-full"));
-    QVERIFY(!CheckWith(100).WhileDownloading(Path(""), 100));
-    QVERIFY(!CheckWith(0).WhileDownloading(Path(""), 0));
+    QVERIFY(!RoomCheck::WhileDownloading(Path(""), 100, 100));
+    QVERIFY(!RoomCheck::WhileDownloading(Path(""), 0, 0));
 }
 
 void HostChecksTest::FoldersAreMadeAbsoluteAndEndInASlash()

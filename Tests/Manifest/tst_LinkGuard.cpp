@@ -74,7 +74,7 @@ void LinkGuardTest::KnowsWhatALinkLeadsOut_data()
           "beside/file", "out-twice/file", "dangling", "dangling/file", "circle", "circle/file",
           "circle-a/file", "file-out", "deep/out-by-another/file", "out/deep/../file",
           "itself/out/file", ".//out//file", "in/../../out/file",
-          // What is above a folder is not what the path says when a link leads to that.
+          // Behind a link to a folder, ".." is the parent of the target, not of the link.
           "itself/../outside/file", "in-by-detour/../../outside/file", "itself/../none/file"})
         QTest::newRow(path) << path << true;
     for (char const* const path :

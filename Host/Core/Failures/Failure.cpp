@@ -226,11 +226,6 @@ bool Failure::IsNetwork() const
     return ExitStatus() == c_NetworkStatus;
 }
 
-bool Failure::IsDistrust() const
-{
-    return ExitStatus() == c_DistrustStatus;
-}
-
 QVector<FailureKind> Failure::Kinds()
 {
     QVector<FailureKind> kinds;

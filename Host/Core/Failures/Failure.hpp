@@ -1,12 +1,69 @@
 #pragma once
 
-#include "Host/Core/Failures/FailureKind.hpp"
-
 #include <QMetaType>
 #include <QString>
 #include <QVector>
 
 namespace Varnholt::Host {
+
+/// What can go wrong, as the user is told it. Each has its row in the table of `Failure`.
+enum class FailureKind {
+    Other,
+    NotInstalled,
+    LocaleNotOffered,
+    ModuleMissing,
+    ModuleForeign,
+    ModuleUnloadable,
+    ModuleNotLoaded,
+    SessionBusy,
+    ServerUnreachable,
+    ServerRefusal,
+    ServerSilent,
+    CertificateWrong,
+    ProxyUnreachable,
+    OfflineUnknown,
+    ContentInvalid,
+    SignatureMissing,
+    SignatureWrong,
+    KeyWrong,
+    GameWrong,
+    RolledBack,
+    SignatureExpired,
+    ManifestDiffers,
+    GameUnverified,
+    BuildEmpty,
+    FilesUnreachable,
+    FilesGivenUp,
+    DiskFull,
+    InstalledElsewhere,
+    FolderMissing,
+    FolderIsFile,
+    FolderForbidden,
+    FolderForeign,
+    FolderUnwritable,
+    FolderBlocksFile,
+    FileUnwritable,
+    LinkLeadsOut,
+    SettingsUnreadable,
+    SettingsUnwritable,
+    FolderLocked,
+    GameRunning,
+    ExecutableUnknown,
+    ExecutableMissing,
+    ExecutableUnusable,
+    WrapperUnusable,
+    GameFailed,
+    FilesNotRemoved,
+    UpdateAvailable,
+    FilesWrong,
+    MirrorsWrong,
+    NothingRunning,
+    RunLost,
+    OptionUnknown,
+    OptionInvalid,
+    ConfirmationMissing,
+    Interrupted,
+};
 
 /// Why something was not done, ready to be told: one sentence, what to do, and an exit status.
 struct Failure {
@@ -24,8 +81,6 @@ struct Failure {
     QString Remedy() const;
     /// True for what may pass by itself: trying again later makes sense.
     bool IsNetwork() const;
-    /// True for what its publisher does not vouch for.
-    bool IsDistrust() const;
 
     /// Every kind, in an order that is good to read.
     static QVector<FailureKind> Kinds();

@@ -74,7 +74,7 @@ FileDiagnosis::Diagnosis FileDiagnosis::Explain(Entries const& p_Missing) const
     return {whole, files};
 }
 
-/// Why nothing, or nothing useful, came of files that could be placed.
+/// Why the servers gave no usable content for files that nothing stands in the way of.
 Failure FileDiagnosis::NotFetched(Entries const& p_Missing) const
 {
     for (Launcher::ApplicationManifestFileEntry const& entry : p_Missing) {
@@ -109,12 +109,12 @@ std::optional<Failure> FileDiagnosis::WhatStandsInTheWay(QString const& p_Path) 
     if (!QFileInfo(above).isDir())
         return Failure{FailureKind::FileUnwritable, path, tr("%1 is no folder").arg(above)};
     auto unwritable = FolderCheck::ForWriting(above);
-    // A full disk refuses new files too, and is told better elsewhere.
+    // A full disk refuses new files too; `OnFullDisks` has the better sentence for it.
     if (FreeBytes(above) == 0)
         return std::nullopt;
     if (unwritable)
         return unwritable;
-    // Its name alone is left: too long, or of characters that the volume does not know.
+    // What remains is the name: too long, or with characters that the volume does not take.
     if (QFileInfo::exists(part) || above != QFileInfo(path).path())
         return std::nullopt;
     QFile probe(part);
@@ -132,7 +132,7 @@ std::map<QString, Failure> FileDiagnosis::OnFullDisks(Entries const& p_Missing) 
     for (GameVolumes::Share const& share : GameVolumes::Of(Folder, p_Missing)) {
         if (share.Files.empty())
             continue;
-        // Behind the volume of the game folder, which is always there.
+        // The last one: the game folder's own volume comes first in any case.
         VolumeSpace const space =
             GameVolumes::SpaceFor(Folder, share.Files, sizeOf, FreeBytes).back();
         if (!space.IsKnown() || (space.After() >= 0 && space.Free >= RoomCheck::c_NearlyNothing))

@@ -26,7 +26,7 @@ public:
                   std::function<qint64(QString const&)> p_FreeBytes);
 
     struct Diagnosis {
-        Failure Whole; ///< what all of it comes down to
+        Failure Whole; ///< the one that sums up all files
         std::vector<FileFinding> Files;
     };
 

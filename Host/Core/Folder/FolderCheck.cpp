@@ -23,10 +23,10 @@ bool IsSame(QString const& p_Path, QString const& p_Other)
 
 bool HoldsForeignFiles(QString const& p_Folder)
 {
-    if (HoldsGame(p_Folder))
+    if (HasPendingLists(p_Folder))
         return false;
     QDir const folder(p_Folder);
-    // The lock stays where an installation has ended before it had recorded itself.
+    // An installation that ended before it was recorded has left its lock file there.
     QStringList const names =
         folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     return std::any_of(names.begin(), names.end(),
@@ -50,7 +50,7 @@ QString NearestExisting(QString p_Folder)
     return p_Folder;
 }
 
-bool HoldsGame(QString const& p_Folder)
+bool HasPendingLists(QString const& p_Folder)
 {
     QDir const folder(p_Folder);
     return folder.exists(Launcher::PendingList::c_Base) ||

@@ -17,7 +17,7 @@ QString Normalized(QString const& p_Folder);
 QString NearestExisting(QString p_Folder);
 
 /// Whether a run of the module has left its pending lists there, finished or not.
-bool HoldsGame(QString const& p_Folder);
+bool HasPendingLists(QString const& p_Folder);
 
 /// All that speaks against a game in the folder, the gravest first. Creates nothing but a temporary
 /// file, which goes again. \param p_Known the folder of the present installation, empty when there

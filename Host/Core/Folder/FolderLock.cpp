@@ -14,7 +14,7 @@ bool IsInTheWay(int p_Error)
     return p_Error == EEXIST || p_Error == EISDIR || p_Error == ELOOP;
 }
 
-/// Nobody works in a folder that nobody may write.
+/// No warning for these: in a folder that cannot be written no other program is at work either.
 bool IsForbidden(int p_Error)
 {
     return p_Error == EACCES || p_Error == EPERM || p_Error == EROFS;

@@ -18,8 +18,8 @@ public:
     /// \param p_Folder ends in "/"
     explicit FolderLock(QString const& p_Folder);
 
-    /// \return why nothing may be done in the folder; none when it is kept, and also where no such
-    /// lock can be, see `Warning`
+    /// \return why nothing may be done in the folder; none when the lock is held, and also where
+    /// there can be none, see `Warning`
     std::optional<Failure> Take();
     /// What the user should know when others are not kept out; empty when they are.
     std::optional<Notice> Warning() const;

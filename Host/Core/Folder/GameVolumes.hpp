@@ -26,8 +26,9 @@ struct Share {
 /// not exist
 std::vector<Share> Of(QString const& p_Folder, Entries const& p_Files);
 
-/// The room that files still need, by volume in the same order: what lies there of a file, and the
-/// old one that it replaces, count as there. \param p_FreeBytes see `HostOptions`
+/// The room that files still need, by volume in the same order. What lies there of a file need not
+/// come any more, and the old file that it replaces makes room. \param p_FreeBytes see
+/// `HostOptions`
 std::vector<VolumeSpace> SpaceFor(QString const& p_Folder, Entries const& p_Files,
                                   SizeOf const& p_SizeOf,
                                   std::function<qint64(QString const&)> const& p_FreeBytes);

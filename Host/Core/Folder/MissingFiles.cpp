@@ -38,7 +38,7 @@ bool HoldsGame(Launcher::ApplicationManifest const& p_Manifest, QString const& p
 {
     std::size_t wanted = 0;
     EachWanted(p_Manifest, p_Locale, [&](auto const&) { ++wanted; });
-    return FolderCheck::HoldsGame(p_Folder) ||
+    return FolderCheck::HasPendingLists(p_Folder) ||
            (wanted > 0 && 2 * MissingFiles(p_Manifest, p_Folder, p_Locale).size() <= wanted);
 }
 

@@ -11,10 +11,9 @@
 namespace Varnholt::Host {
 
 /// The files, base and streamed, that an installation in a language wants and that are not there.
-/// A folder in a file's place counts as missing, as does a link that gives way to the file; a file
-/// that a link keeps out of reach does not: the module leaves it alone. Looks at existence only:
-/// the module verifies what it puts in place, and removes what it replaces. \param p_Folder ends in
-/// "/"
+/// A file counts as missing when a folder stands in its place, or a link that the module replaces,
+/// but not when it lies behind a link that the module does not follow. Looks at existence only: the
+/// module verifies what it puts in place. \param p_Folder ends in "/"
 std::vector<Launcher::ApplicationManifestFileEntry>
 MissingFiles(Launcher::ApplicationManifest const& p_Manifest, QString const& p_Folder,
              QString const& p_Locale);

@@ -14,7 +14,8 @@ struct VolumeSpace {
     qint64 Needed = 0;   ///< bytes; negative when what is replaced is larger
 
     bool IsKnown() const { return Free >= 0; }
-    /// Bytes that are free when all has come; negative when that has no room. Of a known volume.
+    /// Bytes that are free when all has come; negative when there is no room for it. Only when
+    /// known.
     qint64 After() const { return Free - Needed; }
 
     bool operator==(VolumeSpace const& p_Other) const

@@ -10,7 +10,7 @@ namespace Varnholt::Host {
 
 namespace {
 
-/// What the module repeats before it gives files up, all of them together.
+/// How often the module repeats downloads, counted over all files, before it gives them up.
 constexpr quint32 c_ModuleRestarts = 5;
 constexpr int c_MostPasses = 5;
 constexpr std::size_t c_MostPassedOver = 20;
@@ -37,24 +37,36 @@ void CompletionJob::AbortRepair()
     Examined.reset();
     WantsEveryFile = false;
     Passes = c_MostPasses;
-    Context.Watch.Reset();
+    AwaitSilence();
     Context.Module.AbortRepair();
 }
 
-void CompletionJob::BeforePump()
+void CompletionJob::BeforeQueue()
 {
     if (IsOver() || !IsWorking() || Examined)
         return;
     // Before the module asks for the first file: the door fetches ahead.
-    Plan.Look(Folder());
+    LookAtPlan();
     if (auto const failure = Faults.LookAtRoom(Folder()))
         return Fail(*failure);
     if (Paused)
         Context.View.StopTransfer();
 }
 
+void CompletionJob::LookAtPlan()
+{
+    auto const mark = Context.View.Mark();
+    if (!mark || mark == Planned)
+        return;
+    Planned = mark;
+    std::vector<Gateway::PlannedFile> plan;
+    for (ModuleView::Entry const& entry : Context.View.Remaining())
+        plan.push_back(Context.Door.Planned(entry, Folder() + entry.Path));
+    Context.Door->Plan(plan, mark->AsksSizes);
+}
+
 /// Between two files of a paused run the next one must not begin.
-bool CompletionJob::HoldsPump() const
+bool CompletionJob::HoldsQueue() const
 {
     return Context.Gate.IsHeld() && IsDownloading(Reader.Phase()) && !Context.View.HasTransfer();
 }
@@ -67,9 +79,10 @@ void CompletionJob::Work()
         return;
     }
     bool const isHeld = Paused && Phase() == RunPhase::Suspended;
-    if (!isHeld && Context.Watch.Observe())
+    if (!isHeld && IsSilent())
         return OnQuiet();
-    // After a drop a refused file would be asked for without end. It is passed over.
+    // The module would restart a transfer that brings nothing without end: stopped, it is passed
+    // over.
     if (!Paused && Context.Ledger.ComesNoFurther())
         Context.View.StopTransfer();
 }
@@ -89,11 +102,11 @@ void CompletionJob::Continue()
     Paused = false;
     Context.Gate.Release();
     if (IsWorking()) { // what has arrived until now is not to come again
-        Plan.Forget();
-        Plan.Look(Folder());
+        Planned.reset();
+        LookAtPlan();
     }
     Context.Door->Continue();
-    Context.Watch.Reset();
+    AwaitSilence();
     if (IsWorking() && stopped)
         Context.Module.ResumeDownload();
 }
@@ -108,8 +121,8 @@ RunPhase CompletionJob::Phase() const
     if (Examined)
         return RunPhase::Verifying;
     RunPhase const phase = IsWorking() ? Reader.Phase() : RunPhase::Connecting;
-    // Through a door that is shut nothing comes. A transfer that has not been stopped yet is told
-    // of as one that goes on.
+    // A paused door gives nothing: what waits for it is suspended. A transfer that has not been
+    // stopped yet still counts as going on.
     bool const usesDoor = phase == RunPhase::WaitingForHost || phase == RunPhase::AskingSizes ||
                           (IsDownloading(phase) && !Context.View.HasTransfer());
     return Paused && usesDoor ? RunPhase::Suspended : phase;
@@ -126,9 +139,9 @@ RunSnapshot CompletionJob::Look()
 /// Called when the module has fallen silent: finds out where it stopped.
 void CompletionJob::OnQuiet()
 {
-    Context.Watch.Reset();
+    AwaitSilence();
     auto const stopped = Context.View.Current();
-    // One query without an answer and the size pass never ends.
+    // When a single size query gets no answer, the module waits for it for ever.
     if (stopped && Reader.Phase() == RunPhase::AskingSizes)
         return Fail(LatestFailure());
     if (stopped)
@@ -136,8 +149,8 @@ void CompletionJob::OnQuiet()
     Verify();
 }
 
-/// Called for a file that could not even be begun, at which the module stops: what is behind it
-/// shall arrive all the same.
+/// Called for a file that could not be opened. The module stops there; the files behind it are to
+/// arrive all the same.
 void CompletionJob::PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry)
 {
     Failure const failure = Explain({p_Entry});
@@ -166,7 +179,7 @@ void CompletionJob::Verify()
     if (missing.empty() && Context.View.Restarts() < c_ModuleRestarts)
         return Complete();
     if (missing.empty()) { // a file that was given up may still have its old content
-        Examined = std::make_unique<Examination>(Context, Folder(), true);
+        Examined = Inspection::Begin(Context, Folder(), true);
         return;
     }
     // The module has one budget of repetitions for all files: one bad file takes it from the rest.
@@ -199,7 +212,7 @@ void CompletionJob::Complete()
     NoticeRealmList();
     if (Result.IsRepairStopped) // the mark stays
         return Finish();
-    // After a power cut only the mark would tell of files that were still on their way to the disk.
+    // The mark goes only when the files are on the disk: after a power cut it is all that tells.
     if (Context.Record.IsUnfinished()) {
         auto files = Context.Module.Manifest.Files;
         auto const& streamed = Context.Module.Manifest.StreamedFiles;

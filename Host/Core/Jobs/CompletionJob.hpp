@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Host/Core/Jobs/Examination.hpp"
 #include "Host/Core/Jobs/FaultWatch.hpp"
+#include "Host/Core/Jobs/Inspection.hpp"
 #include "Host/Core/Jobs/Job.hpp"
-#include "Host/Core/Network/DownloadPlan.hpp"
 
 #include <limits>
 #include <memory>
@@ -23,8 +22,8 @@ class CompletionJob : public Job {
 public:
     using Job::Job;
 
-    void BeforePump() override;
-    bool HoldsPump() const override;
+    void BeforeQueue() override;
+    bool HoldsQueue() const override;
     void Pause() override;
     void Continue() override;
 
@@ -40,25 +39,29 @@ protected:
     virtual void BeginFiles() = 0;
     /// Lets the module look at every file, whatever its pending lists say.
     void CompareEverything();
-    /// What has a mark of an unfinished run, or of another build, is not to be trusted.
+    /// The pending lists are not to be trusted: a run was not finished, or they are of another
+    /// build.
     void DistrustLists() { WantsEveryFile = true; }
     bool TrustsLists() const { return !WantsEveryFile; }
     /// Leaves the files to the module's ordinary comparison, which is not repeated.
     void AbortRepair();
 
 private:
+    /// Tells the door which files the module is going to ask for, when that is another list than at
+    /// the look before.
+    void LookAtPlan();
     bool IsSuspended() const;
     void OnQuiet();
     void PassOver(Launcher::ApplicationManifestFileEntry const& p_Entry);
     void Verify();
     void OnExamined();
     void Complete();
-    /// Tells each of them in the result. \return what all of it comes down to
+    /// Puts a finding for each into the result. \return the one failure that sums them up
     Failure Explain(FaultWatch::Entries const& p_Missing);
 
-    DownloadPlan Plan{Context.View, Context.Door};
     FaultWatch Faults{Context, Reader};
-    std::unique_ptr<Examination> Examined;
+    std::shared_ptr<Inspection> Examined;
+    std::optional<ModuleView::ListMark> Planned; ///< the list that the door knows
     bool Paused = false;
     bool WantsEveryFile = false;
     std::size_t LastMissing = std::numeric_limits<std::size_t>::max();

@@ -1,5 +1,7 @@
 #include "Host/Core/Jobs/FaultWatch.hpp"
 
+#include "Host/Core/Jobs/RoomCheck.hpp"
+
 #include <algorithm>
 
 namespace Varnholt::Host {
@@ -7,7 +9,6 @@ namespace Varnholt::Host {
 FaultWatch::FaultWatch(RunContext const& p_Context, ProgressReader const& p_Reader)
     : Context(p_Context)
     , Reader(p_Reader)
-    , Room(p_Context.Options.FreeBytes)
 {
 }
 
@@ -32,7 +33,8 @@ std::optional<Failure> FaultWatch::LookAtRoom(QString const& p_Folder)
     if (auto const entry = Context.View.Current())
         current.push_back(*entry);
     QString const volume = GameVolumes::Of(p_Folder, current).back().Folder;
-    return Room.WhileDownloading(volume, Reader.RemainingBytes());
+    return RoomCheck::WhileDownloading(volume, Context.Options.FreeBytes(volume),
+                                       Reader.RemainingBytes());
 }
 
 std::size_t FaultWatch::ServersBehind() const

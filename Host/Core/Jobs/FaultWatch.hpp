@@ -2,7 +2,6 @@
 
 #include "Host/Core/Folder/GameVolumes.hpp"
 #include "Host/Core/Jobs/ProgressReader.hpp"
-#include "Host/Core/Jobs/RoomCheck.hpp"
 #include "Host/Core/Module/RunContext.hpp"
 
 #include <QElapsedTimer>
@@ -30,7 +29,6 @@ public:
 private:
     RunContext Context;
     ProgressReader const& Reader;
-    RoomCheck Room;
     std::vector<VolumeSpace> Spaces;
     RunPhase LastPhase = RunPhase::Idle;
     QElapsedTimer SinceLook;

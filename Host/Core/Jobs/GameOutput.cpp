@@ -35,7 +35,7 @@ QString FileBeside(QString const& p_SettingsFile, QString const& p_AppId)
 
 constexpr char c_Former[] = ".1";
 
-/// What a terminal would obey is left out.
+/// Without control characters, which a terminal would obey.
 QString Printable(QString p_Line)
 {
     constexpr int c_MostCharacters = 200;
@@ -73,7 +73,7 @@ QString GameOutput::Begin()
 
     QByteArray const name = QFile::encodeName(Path);
     QDir().mkpath(QFileInfo(Path).path());
-    // A game that still runs goes on writing to its own.
+    // Renamed, not truncated: a game that still runs goes on writing to the old file.
     ::rename(name.constData(), (name + c_Former).constData());
     Handle =
         ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, c_OwnersMode);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Host/Core/Jobs/GameEnd.hpp"
-
+#include <QDateTime>
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 
@@ -11,13 +11,24 @@
 
 namespace Varnholt::Host {
 
+/// How a game that was started has ended.
+struct GameEnd {
+    qint64 ProcessId = 0;
+    std::optional<int> ExitStatus; ///< none when a signal has ended it, or nobody knows
+    int Signal = 0;                ///< that has ended it; 0: none
+    QDateTime Time;                ///< when that was seen, UTC
+
+    /// "exit status 3" or "signal 9, Killed"; empty without an error.
+    QString ErrorText() const;
+};
+
 /// A program that runs on its own: in a session of its own, without input, with no file of this
 /// process but its output, and with its environment and current folder. It outlives the object and
 /// the process. For one thread at a time.
 class GameProcess {
 public:
     GameProcess() = default;
-    /// Lets the program run on; a thread waits for its end, so that nothing remains of it.
+    /// Lets the program run on; a thread waits for its end, so that it leaves no zombie.
     ~GameProcess();
     GameProcess(GameProcess const&) = delete;
     GameProcess& operator=(GameProcess const&) = delete;
@@ -35,3 +46,5 @@ private:
 };
 
 } // namespace Varnholt::Host
+
+Q_DECLARE_METATYPE(Varnholt::Host::GameEnd)

@@ -12,15 +12,44 @@
 
 namespace Varnholt::Host {
 
-Inspection::Inspection(Launcher::ApplicationManifest p_Manifest, QString p_Folder, QString p_Locale,
-                       bool p_EveryFile)
-    : Manifest(std::move(p_Manifest))
+Inspection::Inspection(RunContext const& p_Context, QString p_Folder, bool p_EveryFile)
+    : Manifest(p_Context.Module.Manifest)
     , Folder(std::move(p_Folder))
-    , Locale(std::move(p_Locale))
+    , Locale(p_Context.Module.GetAppLocale())
     , EveryFile(p_EveryFile)
     , Count(static_cast<quint32>(Manifest.Files.size() +
                                  (p_EveryFile ? Manifest.StreamedFiles.size() : 0)))
 {
+}
+
+std::shared_ptr<Inspection> Inspection::Begin(RunContext const& p_Context, QString const& p_Folder,
+                                              bool p_EveryFile)
+{
+    std::shared_ptr<Inspection> const work(new Inspection(p_Context, p_Folder, p_EveryFile));
+    p_Context.Module.EnqueueAsync([work] { work->Run(); });
+    return {work.get(), [work](Inspection* p_Work) { p_Work->Stopped = true; }};
+}
+
+RunSnapshot Inspection::Look(RunPhase p_Phase)
+{
+    RunSnapshot snapshot;
+    snapshot.Phase = p_Phase;
+    snapshot.FileCount = Count;
+    snapshot.FileNumber = std::min<quint32>(Number, Count);
+    if (snapshot.FileNumber > 0)
+        snapshot.File = FileAt(snapshot.FileNumber);
+    snapshot.BytesTotal = Total;
+    snapshot.BytesDone = std::min<quint64>(Done, snapshot.BytesTotal);
+    Pace.Tell(snapshot);
+    return snapshot;
+}
+
+RunTotals Inspection::Totals() const
+{
+    RunTotals totals;
+    totals.Files = ComparedFiles;
+    totals.Bytes = ComparedBytes;
+    return totals;
 }
 
 void Inspection::Run()
@@ -80,7 +109,7 @@ void Inspection::Enter()
     ++Number;
 }
 
-/// Of a file that need not be read no block is asked for.
+/// Counts the file that is left, if it was read: the comparison has asked for a block then.
 void Inspection::Leave()
 {
     if (!Stopped && Asked > 0 && Number > 0 && Number < Before.size()) {

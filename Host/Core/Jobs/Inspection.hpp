@@ -1,47 +1,44 @@
 #pragma once
 
-#include "Host/Core/Jobs/FileFinding.hpp"
-#include "Launcher/Application/ApplicationManifest.hpp"
+#include "Host/Core/Jobs/DiskPace.hpp"
+#include "Host/Core/Jobs/RunResult.hpp"
+#include "Host/Core/Module/RunContext.hpp"
 
 #include <QSet>
 #include <QString>
 
 #include <atomic>
+#include <memory>
 #include <vector>
 
 namespace Varnholt::Host {
 
-/// Compares a game folder with a build and changes nothing. `Run` on one thread, the rest on any;
-/// the findings once `IsFinished`.
+/// Compares a game folder with a build and changes nothing, on the module's worker. Module thread.
 class Inspection {
 public:
-    /// \param p_Folder ends in "/"
+    /// Begins one, which is stopped when the pointer returned is gone. \param p_Folder ends in "/"
     /// \param p_EveryFile false: as an ordinary update, which trusts what earlier runs have
     /// verified and listed
-    Inspection(Launcher::ApplicationManifest p_Manifest, QString p_Folder, QString p_Locale,
-               bool p_EveryFile);
+    static std::shared_ptr<Inspection> Begin(RunContext const& p_Context, QString const& p_Folder,
+                                             bool p_EveryFile);
 
-    void Run();
-    void Stop() { Stopped = true; }
     bool IsFinished() const { return Finished; }
-    /// In the manifest's order, each path once; incomplete after `Stop`.
+    /// In the manifest's order, each path once. Once it is finished.
     std::vector<FileFinding> const& Findings() const { return Found; }
-
-    /// From 1, of base and streamed files together; 0 before the first.
-    quint32 FileNumber() const { return Number; }
-    quint32 FileCount() const { return Count; }
-    /// Path of the file of a number.
-    QString FileAt(quint32 p_Number) const;
-    /// Bytes that have been looked at, of those that lie there; files that need no look count too.
-    quint64 BytesDone() const { return Done; }
-    quint64 BytesTotal() const { return Total; }
+    /// Counts the bytes that have been looked at, of those that lie there; files that need no look
+    /// count too. \param p_Phase as which the job has it
+    RunSnapshot Look(RunPhase p_Phase);
     /// Files that were read, to their end, and their bytes.
-    quint32 FilesCompared() const { return ComparedFiles; }
-    quint64 BytesCompared() const { return ComparedBytes; }
+    RunTotals Totals() const;
 
 private:
     using Entries = std::vector<Launcher::ApplicationManifestFileEntry>;
 
+    Inspection(RunContext const& p_Context, QString p_Folder, bool p_EveryFile);
+    QString FileAt(quint32 p_Number) const;
+
+    // On the worker.
+    void Run();
     void Measure();
     void Enter();
     bool GoOn();
@@ -52,13 +49,14 @@ private:
     QString Folder;
     QString Locale;
     bool EveryFile;
-    quint32 Count;
-    std::atomic<quint32> Number{0};
+    DiskPace Pace;
+    quint32 Count;                  ///< of base and streamed files together
+    std::atomic<quint32> Number{0}; ///< of the file in hand, from 1; 0 before the first
     std::atomic<quint64> Done{0};
     std::atomic<quint64> Total{0};
     std::atomic<quint32> ComparedFiles{0};
     std::atomic<quint64> ComparedBytes{0};
-    int Asked = 0; ///< how often the comparison has asked whether to go on, since it entered a file
+    int Asked = 0;               ///< calls of `GoOn` since the comparison entered the file in hand
     std::vector<quint64> Before; ///< bytes of the files before each, and of all; of `Run`
     std::atomic<bool> Stopped{false};
     std::atomic<bool> Finished{false};

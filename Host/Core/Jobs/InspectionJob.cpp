@@ -5,9 +5,7 @@ namespace Varnholt::Host {
 void InspectionJob::OnBuildKnown()
 {
     if (CanUseBuild())
-        Settle([this] {
-            Examined = std::make_unique<Examination>(Context, Where(), LooksAtEveryFile());
-        });
+        Settle([this] { Examined = Inspection::Begin(Context, Where(), LooksAtEveryFile()); });
 }
 
 void InspectionJob::Work()

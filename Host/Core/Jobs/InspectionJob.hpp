@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Host/Core/Jobs/Examination.hpp"
+#include "Host/Core/Jobs/Inspection.hpp"
 #include "Host/Core/Jobs/Job.hpp"
 
 #include <memory>
@@ -34,7 +34,7 @@ protected:
 private:
     void Explain(FileFinding& p_Finding) const;
 
-    std::unique_ptr<Examination> Examined;
+    std::shared_ptr<Inspection> Examined;
     bool IsJudged = false;
 };
 

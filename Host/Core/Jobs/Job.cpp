@@ -22,7 +22,7 @@ Job::~Job() = default;
 
 void Job::Begin()
 {
-    Result.Transfers = Context.Ledger.Count();
+    TransfersBefore = Context.Ledger.Count();
     Context.View.DiscardQueue();
     // An installation begins in another folder, which the module must not take for the old one.
     Context.Gate.SetPreview(Is(IsPreview));
@@ -34,14 +34,14 @@ void Job::Begin()
         failure = Context.Record.WriteRefusal();
     if (failure)
         return Fail(*failure);
-    // What a run without a key brings, a later one with a key must not take for verified.
+    // This run verifies nothing: a later one with a key must look at the game again.
     if (!Context.Trust.IsOn() && (Is(Records) || !Is(IsPreview)))
         Context.Trust.ForgetGame();
     OpenDoor();
     Start();
 }
 
-void Job::AfterPump()
+void Job::AfterQueue()
 {
     if (!Over && Context.Gate.IsInterrupted())
         Interrupt();
@@ -61,18 +61,30 @@ void Job::Go()
     case Step::StartingUp:
         if (!Context.View.IsStartingUp())
             OnConnected();
-        else if (Context.Watch.Observe())
+        else if (IsSilent())
             OnStartUpFailed(StartUpFailure());
         return;
     case Step::Settling:
-        if (!Context.Watch.Observe())
+        if (!IsSilent())
             return;
-        Context.Watch.Reset();
+        AwaitSilence();
         State = Step::Working;
         return std::exchange(AfterSettling, nullptr)();
     case Step::Working:
         return Work();
     }
+}
+
+bool Job::IsSilent()
+{
+    constexpr int c_TurnsToBelieve = 2;
+
+    // The worker first: once it rests, only this thread can give it something to do.
+    bool const isSilent = Context.Worker.IsIdle() && Context.View.IsQueueEmpty() &&
+                          !Context.View.HasTransfer() && Context.Ledger.IsEmpty() &&
+                          !Context.View.AwaitsReply();
+    SilentTurns = isSilent ? SilentTurns + 1 : 0;
+    return SilentTurns >= c_TurnsToBelieve;
 }
 
 void Job::OnGaveUp(Failure const& p_Failure)
@@ -85,7 +97,7 @@ void Job::OnGaveUp(Failure const& p_Failure)
 
 void Job::Settle(std::function<void()> p_Next)
 {
-    Context.Watch.Reset();
+    AwaitSilence();
     AfterSettling = std::move(p_Next);
     State = Step::Settling;
 }
@@ -128,7 +140,7 @@ void Job::End()
     Over = true;
     Measure();
     Release();
-    Result.Transfers = Context.Ledger.Count() - Result.Transfers;
+    Result.Transfers = Context.Ledger.Count() - TransfersBefore;
     if (Result.Folder.isEmpty())
         Result.Folder = Folder();
     Result.Locale = Context.Module.GetAppLocale();
@@ -148,7 +160,7 @@ void Job::End()
 RunTotals Job::Count() const
 {
     RunTotals totals;
-    totals.Files = Context.Ledger.Count() - Result.Transfers;
+    totals.Files = Context.Ledger.Count() - TransfersBefore;
     totals.Bytes = Context.Door->Snapshot().Received;
     return totals;
 }

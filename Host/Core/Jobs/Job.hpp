@@ -43,9 +43,8 @@ class Job : public QObject {
 public:
     /// What is to be known of a job beforehand; none or several.
     enum Trait : unsigned {
-        Plain = 0,
         NeedsServers = 1, ///< it is refused offline
-        UsesCopies = 2,   ///< what is kept of a build does when the servers fail
+        UsesCopies = 2,   ///< it goes on with what is kept of a build when the servers fail
         IsPreview = 4,    ///< the module shall see no installation, see `RunGate`
         CanPause = 8,
         Records = 16, ///< what it does must be known to the next one
@@ -57,11 +56,11 @@ public:
     void Begin();
     bool Is(Trait p_Trait) const { return (Traits & p_Trait) != 0; }
     /// Called in each turn before the module's closures are run.
-    virtual void BeforePump() {}
+    virtual void BeforeQueue() {}
     /// Called in each turn after the module's closures were run.
-    void AfterPump();
+    void AfterQueue();
     /// True when the module's closures must not be run.
-    virtual bool HoldsPump() const { return false; }
+    virtual bool HoldsQueue() const { return false; }
 
     /// Stops the transfer in flight, or else the next one, until `Continue`.
     virtual void Pause() {}
@@ -93,13 +92,20 @@ protected:
     /// The phase, and a snapshot of it.
     virtual RunPhase Phase() const { return RunPhase::Connecting; }
     virtual RunSnapshot Look() { return Reader.Read(Phase()); }
-    /// What has been fetched until now, or compared; files and bytes alone.
+    /// Files and bytes that have been fetched until now, or compared; the rest is left at 0.
     virtual RunTotals Count() const;
-    /// Whether the time that passes is one in which bytes move.
+    /// Whether bytes move at the moment, for the average rate.
     virtual bool MovesBytes() const { return IsDownloading(Phase()); }
     /// Called at the end.
     virtual void Release() {}
 
+    /// Whether the module has fallen silent. It does not tell when it is done, nor when a server
+    /// gave no answer or a file could not be opened. Called once in each turn. \return true when
+    /// nothing has been queued, running or in flight for two turns: what one has finished may have
+    /// posted work
+    bool IsSilent();
+    /// Counts the turns anew.
+    void AwaitSilence() { SilentTurns = 0; }
     /// Calls p_Next once the module has fallen silent.
     void Settle(std::function<void()> p_Next);
     void Finish();
@@ -129,6 +135,8 @@ protected:
     bool IsFromCopies() const { return UsesKept; }
     OfflineCopies::Documents const& KeptDocuments() const { return Kept; }
     Failure NothingKept() const;
+    /// Reads the build that a version file names. \return why it names none
+    std::optional<Failure> ReadBuild(std::string const& p_VersionFile, QString& p_Build) const;
     QString VersionFile() const;
     QString ManifestFile(QString const& p_Build) const;
     /// Of the run's documents; null when every one is believed.
@@ -136,6 +144,8 @@ protected:
     /// The latest thing that went wrong on the network.
     Failure LatestFailure() const;
     void NoticeRealmList();
+    /// Asks a server one question past the module. \param p_OnReply not called once the job is over
+    void Ask(Gateway::Question p_Question, std::function<void(Gateway::Reply const&)> p_OnReply);
 
     RunContext Context;
     RunRequest Request;
@@ -163,6 +173,7 @@ private:
     Step State = Step::Working;
     bool Over = false;
     bool ChainGoesOn = false;
+    int SilentTurns = 0;
     std::function<void()> AfterSettling;
     std::unique_ptr<FolderLock> Lock;
     std::set<QString> Told;
@@ -172,11 +183,22 @@ private:
     bool UsesKept = false;         ///< no server is asked
     std::optional<Failure> Missed; ///< why, when they were to be asked
     QElapsedTimer Clock;
-    qint64 Measured = 0; ///< when the totals were measured; of the clock
-    qint64 Moving = 0;   ///< milliseconds in which bytes moved
+    quint32 TransfersBefore = 0; ///< that the ledger had counted when the run began
+    qint64 Measured = 0;         ///< when the totals were measured; of the clock
+    qint64 Moving = 0;           ///< milliseconds in which bytes moved
     qint64 LastShown = 0;
     RunPhase LastPhase = RunPhase::Idle;
     RunSnapshot LastSnapshot;
 };
+
+/// Makes a job of one kind.
+using JobMaker = std::unique_ptr<Job> (*)(RunContext const&, RunRequest const&, unsigned p_Traits);
+
+template <typename Which>
+std::unique_ptr<Job> MakeJob(RunContext const& p_Context, RunRequest const& p_Request,
+                             unsigned p_Traits)
+{
+    return std::make_unique<Which>(p_Context, p_Request, p_Traits);
+}
 
 } // namespace Varnholt::Host

@@ -1,7 +1,7 @@
 #include "Host/Core/Jobs/Job.hpp"
 
-#include "Host/Core/Jobs/VersionText.hpp"
 #include "Host/Core/Network/FetchFailure.hpp"
+#include "Launcher/Application/RemoteText.hpp"
 
 namespace Varnholt::Host {
 
@@ -44,7 +44,7 @@ void Job::StartUp()
     if (UsesKept && Kept.empty())
         return Fail(NothingKept());
     State = Step::StartingUp;
-    Context.Watch.Reset();
+    AwaitSilence();
     if (ChainGoesOn)
         Context.Gate.Open();
     else
@@ -58,14 +58,14 @@ void Job::OnConnected()
     State = Step::Working;
     Result.Build = Context.Module.RemoteBuild;
     Result.BuildName = Context.Module.Manifest.BuildStr;
-    Context.Watch.Reset();
+    AwaitSilence();
     NoticeCopies();
     NoticeHostList();
     OnBuildKnown();
 }
 
-/// Called when the module has ended its start without a manifest, or never will. What was kept of
-/// the build may do: the servers may have given one part of it and not the other.
+/// Called when the module has no manifest and will get none. The run may go on from what was kept
+/// of the build, even when the servers have given a part of it.
 void Job::OnStartUpFailed(Failure const& p_Failure)
 {
     if (!MayUseKept)
@@ -90,12 +90,24 @@ Failure Job::StartUpFailure() const
         return ExplainFetch(*problem);
     if (version == documents.end())
         return UsesKept ? NothingKept() : LatestFailure();
-    auto const build = VersionText::BuildIn(version->second);
-    if (auto const fault = VersionText::FaultOf(build, door.UrlOf(VersionFile())))
-        return *fault;
-    if (auto const problem = door.ProblemOf(ManifestFile(*build)))
+    QString build;
+    if (auto const failure = ReadBuild(version->second, build))
+        return *failure;
+    if (auto const problem = door.ProblemOf(ManifestFile(build)))
         return ExplainFetch(*problem);
-    return DamagedDocument(door.UrlOf(ManifestFile(*build)));
+    return DamagedDocument(door.UrlOf(ManifestFile(build)));
+}
+
+std::optional<Failure> Job::ReadBuild(std::string const& p_VersionFile, QString& p_Build) const
+{
+    auto const version = Launcher::RemoteText::ObjectOf(QByteArray::fromStdString(p_VersionFile));
+    QString const url = Context.Door.UrlOf(VersionFile());
+    if (!version)
+        return DamagedDocument(url);
+    p_Build = (*version)[QLatin1String("build")].toString();
+    if (!p_Build.isEmpty())
+        return std::nullopt;
+    return Failure{FailureKind::ContentInvalid, url, tr("it names no build")};
 }
 
 Failure Job::NothingKept() const
@@ -139,13 +151,22 @@ bool Job::CanUseBuild()
     return true;
 }
 
-/// Called when the realm list is in use: of the other runs nothing wants it.
+/// Called by the runs that use the realm list; the others need not tell that it is old.
 void Job::NoticeRealmList()
 {
     if (UsesKept)
         return; // told already
     if (auto const problem = Context.Door.ProblemOf(QStringLiteral("realmlist.info")))
         NoticeOnce({NoticeKind::RealmListKept, ExplainFetch(*problem).Sentence()});
+}
+
+void Job::Ask(Gateway::Question p_Question, std::function<void(Gateway::Reply const&)> p_OnReply)
+{
+    Context.Door.Ask(std::move(p_Question), *this,
+                     [this, onReply = std::move(p_OnReply)](Gateway::Reply const& p_Reply) {
+                         if (!Over)
+                             onReply(p_Reply);
+                     });
 }
 
 Failure Job::LatestFailure() const

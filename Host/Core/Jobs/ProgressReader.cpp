@@ -1,7 +1,10 @@
 #include "Host/Core/Jobs/ProgressReader.hpp"
 
+#include "GameModules/FileDigest.hpp"
+#include "Host/Core/Jobs/DiskPace.hpp"
 #include "Host/Core/Network/FetchFailure.hpp"
 
+#include <QFileInfo>
 #include <QUrl>
 
 #include <algorithm>
@@ -28,6 +31,78 @@ std::optional<ServerWait> WaitOf(std::optional<Gateway::GatewaySnapshot::Wait> c
 
 } // namespace
 
+/// How far the module's own comparison of a list of files is. It tells the file at hand only; how
+/// much of that it has read, its questions tell.
+class ProgressReader::Comparison {
+public:
+    Comparison(ModuleView const& p_View, RunGate const& p_Gate)
+        : View(p_View)
+        , Gate(p_Gate)
+    {
+    }
+
+    /// Adds file and figures to a snapshot. The bytes are 0 until the files have been measured,
+    /// some at each call. \param p_Files of one comparison
+    void Tell(RunSnapshot& p_Snapshot, ModuleView::Entries const& p_Files)
+    {
+        std::size_t const number = std::min(View.ComparedFile(), p_Files.size());
+        p_Snapshot.FileNumber = static_cast<quint32>(number);
+        p_Snapshot.FileCount = static_cast<quint32>(p_Files.size());
+        if (number == 0)
+            return;
+        p_Snapshot.File = p_Files[number - 1].Path;
+        quint64 const asked = Gate.Questions();
+        if (number != Number)
+            AskedBefore = asked;
+        Number = number;
+        Measure(p_Files, p_Snapshot.Phase == RunPhase::ComparingStreamed);
+        if (Before.size() <= p_Files.size())
+            return;
+        quint64 const done =
+            Before[number - 1] + (asked - AskedBefore) * Launcher::FileDigest::c_BlockBytes;
+        Done = std::max(Done, std::min(done, Before[number]));
+        p_Snapshot.BytesDone = Done;
+        p_Snapshot.BytesTotal = Before.back();
+        Pace.Tell(p_Snapshot);
+    }
+
+private:
+    void Measure(ModuleView::Entries const& p_Files, bool p_AreStreamed)
+    {
+        constexpr std::size_t c_MostAtOnce = 2'000;
+
+        if (Before.empty()) {
+            Before.push_back(0);
+            Folder = View.Folder();
+            Locale = View.Locale();
+            LooksAtAll = View.IsFirstBuild();
+        }
+        for (std::size_t i = 0; i < c_MostAtOnce && Before.size() <= p_Files.size(); ++i)
+            Before.push_back(Before.back() + SizeOf(p_Files[Before.size() - 1], p_AreStreamed));
+    }
+
+    /// 0 of a file that the module does not read.
+    quint64 SizeOf(ModuleView::Entry const& p_Entry, bool p_IsStreamed) const
+    {
+        bool const isTrusted =
+            !LooksAtAll && !p_IsStreamed && p_Entry.Has(ModuleView::Entry::FirstBuildOnly);
+        if (!p_Entry.IsFor(Locale) || isTrusted || p_Entry.Has(ModuleView::Entry::KeepIfPresent))
+            return 0;
+        return static_cast<quint64>(QFileInfo(Folder + p_Entry.Path).size());
+    }
+
+    ModuleView const& View;
+    RunGate const& Gate;
+    QString Folder;
+    QString Locale;
+    bool LooksAtAll = false;
+    std::vector<quint64> Before; ///< bytes of the files before each, as far as they are measured
+    std::size_t Number = 0;      ///< of the file at hand, from 1
+    quint64 AskedBefore = 0;     ///< questions when that was begun
+    quint64 Done = 0;
+    DiskPace Pace;
+};
+
 ProgressReader::ProgressReader(ModuleView const& p_View,
                                Launcher::ApplicationManifest const& p_Manifest,
                                NetworkDoor const& p_Door, RunGate const& p_Gate)
@@ -37,6 +112,8 @@ ProgressReader::ProgressReader(ModuleView const& p_View,
     , Gate(p_Gate)
 {
 }
+
+ProgressReader::~ProgressReader() = default;
 
 RunPhase ProgressReader::Phase() const
 {
@@ -64,14 +141,14 @@ RunSnapshot ProgressReader::Read(RunPhase p_Phase)
         LastPhase = p_Phase;
         CountedFiles = 0;
         CountedBytes = DoneBytes = TotalBytes = 0;
-        Comparison.emplace(View, Gate);
+        Compared = std::make_unique<Comparison>(View, Gate);
     }
     RunSnapshot snapshot;
     snapshot.Phase = p_Phase;
     quint64 const held = ReadDoor(snapshot);
     if (p_Phase == RunPhase::Comparing || p_Phase == RunPhase::ComparingStreamed) {
-        Comparison->Tell(snapshot,
-                         p_Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles);
+        Compared->Tell(snapshot,
+                       p_Phase == RunPhase::Comparing ? Manifest.Files : Manifest.StreamedFiles);
     } else if (p_Phase == RunPhase::AskingSizes) {
         snapshot.FileNumber = View.SizesAnswered();
         snapshot.FileCount = static_cast<quint32>(View.Progress().Count);

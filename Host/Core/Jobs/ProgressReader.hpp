@@ -1,12 +1,14 @@
 #pragma once
 
-#include "Host/Core/Jobs/ComparisonReader.hpp"
+#include "Host/Core/Jobs/RunSnapshot.hpp"
 #include "Host/Core/Module/ModuleView.hpp"
+#include "Host/Core/Module/RunGate.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 
 #include <QElapsedTimer>
 
 #include <cstddef>
+#include <memory>
 
 namespace Varnholt::Host {
 
@@ -15,6 +17,7 @@ class ProgressReader {
 public:
     ProgressReader(ModuleView const& p_View, Launcher::ApplicationManifest const& p_Manifest,
                    NetworkDoor const& p_Door, RunGate const& p_Gate);
+    ~ProgressReader();
 
     /// The phase of a run that is under way.
     RunPhase Phase() const;
@@ -24,6 +27,8 @@ public:
     quint64 RemainingBytes() const { return TotalBytes - DoneBytes; }
 
 private:
+    class Comparison;
+
     /// Adds what the door tells: rate, servers, waits. \return what it holds for the module
     quint64 ReadDoor(RunSnapshot& p_Snapshot) const;
     /// \param p_Held bytes that have come through the network and are not on the disk yet
@@ -36,13 +41,13 @@ private:
     Launcher::ApplicationManifest const& Manifest;
     NetworkDoor const& Door;
     RunGate const& Gate;
-    std::optional<ComparisonReader> Comparison; ///< of the phase
+    std::unique_ptr<Comparison> Compared; ///< in this phase
     RunPhase LastPhase = RunPhase::Idle;
     std::size_t CountedFiles = 0; ///< of the list, whose sizes are in `CountedBytes`
     quint64 CountedBytes = 0;
     quint64 DoneBytes = 0;
     quint64 TotalBytes = 0;
-    QString WholeFile; ///< that is there, and has not got its name yet
+    QString WholeFile; ///< the current one, once all of it lies in its part file
     QElapsedTimer WholeSince;
 };
 

@@ -6,14 +6,9 @@
 
 #include <algorithm>
 
-namespace Varnholt::Host {
+namespace Varnholt::Host::RoomCheck {
 
-RoomCheck::RoomCheck(std::function<qint64(QString const&)> p_FreeBytes)
-    : FreeBytes(std::move(p_FreeBytes))
-{
-}
-
-Failure RoomCheck::Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
+Failure Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
 {
     auto const text = [](qint64 p_Bytes) {
         return ByteText(static_cast<quint64>(std::max<qint64>(0, p_Bytes)));
@@ -24,7 +19,7 @@ Failure RoomCheck::Full(QString const& p_Folder, qint64 p_Free, qint64 p_Needed)
             .arg(text(p_Free), text(p_Needed))};
 }
 
-std::optional<Failure> RoomCheck::BeforeDownload(std::vector<VolumeSpace> const& p_Spaces)
+std::optional<Failure> BeforeDownload(std::vector<VolumeSpace> const& p_Spaces)
 {
     auto const full =
         std::find_if(p_Spaces.begin(), p_Spaces.end(), [](VolumeSpace const& p_Space) {
@@ -35,14 +30,13 @@ std::optional<Failure> RoomCheck::BeforeDownload(std::vector<VolumeSpace> const&
     return Full(full->Folder, full->Free, full->Needed);
 }
 
-std::optional<Failure> RoomCheck::WhileDownloading(QString const& p_Folder,
-                                                   quint64 p_RemainingBytes) const
+std::optional<Failure> WhileDownloading(QString const& p_Folder, qint64 p_Free,
+                                        quint64 p_RemainingBytes)
 {
-    qint64 const free = FreeBytes(p_Folder);
     qint64 const remaining = static_cast<qint64>(p_RemainingBytes);
-    if (free < 0 || free >= std::min(c_NearlyNothing, remaining))
+    if (p_Free < 0 || p_Free >= std::min(c_NearlyNothing, remaining))
         return std::nullopt;
-    return Full(p_Folder, free, remaining);
+    return Full(p_Folder, p_Free, remaining);
 }
 
-} // namespace Varnholt::Host
+} // namespace Varnholt::Host::RoomCheck

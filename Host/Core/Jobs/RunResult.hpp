@@ -3,18 +3,37 @@
 #include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Folder/VolumeSpace.hpp"
 #include "Host/Core/Jobs/FileFinding.hpp"
-#include "Host/Core/Jobs/MirrorReport.hpp"
-#include "Host/Core/Jobs/RunTotals.hpp"
 #include "Launcher/Application/ApplicationManifest.hpp"
 
 #include <QMetaType>
 #include <QString>
 #include <QStringList>
+#include <QtGlobal>
 
 #include <optional>
 #include <vector>
 
 namespace Varnholt::Host {
+
+/// What was found out about one server of content.
+struct MirrorReport {
+    QString Host; ///< with port
+    bool IsReachable = false;
+    qint64 Milliseconds = -1;  ///< from the request for the manifest to its last byte
+    bool GivesRanges = false;  ///< a download can be resumed there
+    bool HasSameBuild = false; ///< its manifest is the default server's, byte for byte
+    QString Cause;             ///< what is wrong, empty when nothing is
+
+    bool IsInOrder() const { return IsReachable && GivesRanges && HasSameBuild; }
+};
+
+/// What a run has fetched, or, of one that only looks, compared.
+struct RunTotals {
+    quint32 Files = 0;       ///< repeated ones counted again
+    quint64 Bytes = 0;       ///< from the network, or of the files that were read
+    qint64 Milliseconds = 0; ///< from the run's begin to its end
+    quint64 Rate = 0;        ///< bytes per second on average of the time in which bytes moved
+};
 
 /// How a run ended.
 struct RunResult {

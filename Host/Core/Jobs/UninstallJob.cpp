@@ -1,118 +1,147 @@
-#include "Host/Core/Jobs/UninstallJob.hpp"
-
+#include "Host/Core/Folder/GameRemoval.hpp"
 #include "Host/Core/Jobs/GameOutput.hpp"
+#include "Host/Core/Jobs/JobTable.hpp"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 
 #include <algorithm>
 
 namespace Varnholt::Host {
 
-std::optional<Failure> UninstallJob::Prepare()
-{
-    auto failure = GameFailure();
-    if (failure && failure->Kind == FailureKind::FolderMissing) {
-        Request.DeletesFiles = false; // nothing is left to delete, and no build is needed for that
-        return std::nullopt;
+namespace {
+
+/// Forgets the installation, with or without its files, or finds out which of them would go. The
+/// files go first, those with secrets before all others; what is known of the game goes last:
+/// whoever stops it in between, gives the same command again.
+class UninstallJob : public Job {
+    Q_DECLARE_TR_FUNCTIONS(Varnholt::Host::UninstallJob)
+
+public:
+    using Job::Job;
+
+protected:
+    std::optional<Failure> Prepare() override
+    {
+        auto failure = GameFailure();
+        if (Is(IsPreview))
+            return failure;
+        if (failure && failure->Kind == FailureKind::FolderMissing) {
+            Request.DeletesFiles = false; // nothing is left to delete, and no build is needed
+            return std::nullopt;
+        }
+        if (failure)
+            return failure;
+        if (Request.DeletesFiles) {
+            Context.View.SetFolder(Folder());
+            if (Context.Module.IsGameRunning())
+                return Failure{FailureKind::GameRunning, Folder(), {}};
+        }
+        return LockFolder(Folder());
     }
-    if (failure)
-        return failure;
-    if (Request.DeletesFiles) {
-        Context.View.SetFolder(Folder());
-        if (Context.Module.IsGameRunning())
-            return Failure{FailureKind::GameRunning, Folder(), {}};
+
+    void Start() override
+    {
+        if (Is(IsPreview) || Request.DeletesFiles)
+            StartUp();
+        else
+            Forget();
     }
-    return LockFolder(Folder());
-}
 
-void UninstallJob::Start()
-{
-    if (Request.DeletesFiles)
-        StartUp();
-    else
-        Forget();
-}
-
-void UninstallJob::OnBuildKnown()
-{
-    Settle([this] { RemoveFiles(); });
-}
-
-void UninstallJob::RemoveFiles()
-{
-    Context.Record.MarkUnfinished(); // an update after a half removal looks at every file
-    Removal =
-        std::make_shared<GameRemoval>(Context.Module.Manifest, Folder(), Context.Info.LoginFiles);
-    Context.Module.EnqueueAsync([removal = Removal] { removal->Run(); });
-}
-
-void UninstallJob::Work()
-{
-    if (Removal && Removal->IsFinished())
-        Forget();
-}
-
-/// Nothing more is wanted of a server once the build is known.
-void UninstallJob::OnGaveUp(Failure const& p_Failure)
-{
-    if (!IsWorking())
-        Job::OnGaveUp(p_Failure);
-}
-
-/// What is left of the files, the module tries once more, and tells why they stay.
-void UninstallJob::Forget()
-{
-    QString const folder = Folder();
-    Context.Module.Uninstall(Request.DeletesFiles);
-    Context.Record.Forget();
-    Context.Trust.ForgetGame();
-    Context.Copies.Forget();
-    GameOutput(Context.Record.File(), Context.Module.AppId, folder).Forget();
-    // What could not be deleted is reported by messages that are still on their way.
-    Settle([this, folder] { Judge(folder); });
-}
-
-void UninstallJob::Judge(QString const& p_Folder)
-{
-    constexpr int c_MostNamed = 3;
-
-    QStringList remaining;
-    if (Removal) {
-        RemoveLockFile();
-        remaining = GameRemoval::Remaining(Context.Module.Manifest, p_Folder);
+    void OnBuildKnown() override
+    {
+        Settle([this] { BeginRemoval(); });
     }
-    if (remaining.isEmpty())
-        return Finish();
-    QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));
-    if (remaining.size() > c_MostNamed)
-        named += QCoreApplication::translate("Varnholt::Host::UninstallJob", " and %1 more")
-                     .arg(remaining.size() - c_MostNamed);
-    Fail({FailureKind::FilesNotRemoved, p_Folder, named});
-}
 
-RunPhase UninstallJob::Phase() const
-{
-    return Removal ? RunPhase::Uninstalling : RunPhase::Connecting;
-}
+    void Work() override
+    {
+        if (!Removal || !Removal->IsFinished())
+            return;
+        if (!Is(IsPreview))
+            return Forget();
+        Result.Amount = Removal->Going();
+        Result.Staying = Removal->Staying();
+        Finish();
+    }
 
-RunSnapshot UninstallJob::Look()
-{
-    if (!Removal)
-        return Job::Look();
-    RunSnapshot snapshot;
-    snapshot.Phase = Phase();
-    snapshot.FileCount = Removal->FileCount();
-    snapshot.FileNumber = std::min(Removal->FileNumber(), snapshot.FileCount);
-    snapshot.BytesTotal = Removal->BytesTotal();
-    snapshot.BytesDone = std::min(Removal->BytesDone(), snapshot.BytesTotal);
-    return snapshot;
-}
+    /// Nothing more is wanted of a server once the build is known.
+    void OnGaveUp(Failure const& p_Failure) override
+    {
+        if (!IsWorking())
+            Job::OnGaveUp(p_Failure);
+    }
 
-void UninstallJob::Release()
-{
-    if (Removal)
-        Removal->Stop();
-}
+    RunPhase Phase() const override
+    {
+        if (!Removal)
+            return RunPhase::Connecting;
+        return Is(IsPreview) ? RunPhase::Comparing : RunPhase::Uninstalling;
+    }
+
+    RunSnapshot Look() override
+    {
+        if (!Removal || Is(IsPreview))
+            return Job::Look();
+        RunSnapshot snapshot;
+        snapshot.Phase = Phase();
+        snapshot.FileCount = Removal->FileCount();
+        snapshot.FileNumber = std::min(Removal->FileNumber(), snapshot.FileCount);
+        snapshot.BytesTotal = Removal->BytesTotal();
+        snapshot.BytesDone = std::min(Removal->BytesDone(), snapshot.BytesTotal);
+        return snapshot;
+    }
+
+    void Release() override
+    {
+        if (Removal)
+            Removal->Stop();
+    }
+
+private:
+    void BeginRemoval()
+    {
+        Removal = std::make_shared<GameRemoval>(Context.Module.Manifest, Folder(),
+                                                Context.Info.LoginFiles);
+        if (Is(IsPreview))
+            return Context.Module.EnqueueAsync([removal = Removal] { removal->Look(); });
+        Context.Record.MarkUnfinished(); // an update after a half removal looks at every file
+        Context.Module.EnqueueAsync([removal = Removal] { removal->Run(); });
+    }
+
+    /// What is left of the files, the module tries once more, and tells why they stay.
+    void Forget()
+    {
+        QString const folder = Folder();
+        Context.Module.Uninstall(Request.DeletesFiles);
+        Context.Record.Forget();
+        Context.Trust.ForgetGame();
+        Context.Copies.Forget();
+        GameOutput(Context.Record.File(), Context.Module.AppId, folder).Forget();
+        // What could not be deleted is reported by messages that are still on their way.
+        Settle([this, folder] { Judge(folder); });
+    }
+
+    void Judge(QString const& p_Folder)
+    {
+        constexpr int c_MostNamed = 3;
+
+        QStringList remaining;
+        if (Removal) {
+            RemoveLockFile();
+            remaining = GameRemoval::Remaining(Context.Module.Manifest, p_Folder);
+        }
+        if (remaining.isEmpty())
+            return Finish();
+        QString named = QStringList(remaining.mid(0, c_MostNamed)).join(QStringLiteral(", "));
+        if (remaining.size() > c_MostNamed)
+            named += tr(" and %1 more").arg(remaining.size() - c_MostNamed);
+        Fail({FailureKind::FilesNotRemoved, p_Folder, named});
+    }
+
+    std::shared_ptr<GameRemoval> Removal; ///< shared with the worker
+};
+
+} // namespace
+
+JobMaker const MakeUninstallJob = MakeJob<UninstallJob>;
 
 } // namespace Varnholt::Host

@@ -30,7 +30,8 @@ private:
 
     Launcher::Application& Module;
     std::atomic<bool> Stopping{false};
-    bool Busy = false; ///< guarded by the queue's mutex: with it, a closure is never out of sight
+    bool Busy =
+        false; ///< guarded by the queue's mutex: a closure is always either queued or counted here
     QSemaphore Wake;
 };
 

@@ -27,69 +27,30 @@ void Tell(Use p_Use)
         p_Use(*g_Environment);
 }
 
-void ErrorReporter(QString p_Message, bool)
+void InstallSettings(Launcher::Application& p_Application)
 {
-    Tell([&](HostEnvironment& p_Host) { p_Host.OnError(p_Message); });
-}
-
-QVariant ReadSetting(QString p_Key, QVariant p_Default)
-{
-    return Ask(p_Default, [&](HostEnvironment& p_Host) {
-        bool const hidden = p_Host.Gate.IsPreview() && p_Key.endsWith(QLatin1String(".Installed"));
-        return hidden ? p_Default : p_Host.Settings.Value(p_Key, p_Default);
-    });
-}
-
-void WriteSetting(QString p_Key, QVariant p_Value)
-{
-    Tell([&](HostEnvironment& p_Host) {
-        if (!p_Host.Gate.IsPreview())
-            p_Host.Settings.SetValue(p_Key, p_Value);
-    });
-}
-
-QStringList ListSettingKeys()
-{
-    return Ask(QStringList(), [](HostEnvironment& p_Host) { return p_Host.Settings.Keys(); });
-}
-
-void RemoveSetting(QString p_Key)
-{
-    Tell([&](HostEnvironment& p_Host) {
-        if (!p_Host.Gate.IsPreview())
-            p_Host.Settings.Remove(p_Key);
-    });
-}
-
-Launcher::LauncherLocale CurrentLauncherLocale()
-{
-    return Ask(Launcher::LauncherLocale::Table()[0],
-               [](HostEnvironment& p_Host) { return p_Host.Locale; });
-}
-
-bool IsDownloadBlocked()
-{
-    return Ask(true, [](HostEnvironment& p_Host) { return !p_Host.Gate.IsOpenForDownload(); });
-}
-
-void NotifyDownloadStarting()
-{
-    Tell([](HostEnvironment& p_Host) { p_Host.OnDownloadStarting(); });
-}
-
-void NotifyDownloadFinished() {}
-
-bool ShouldContinue()
-{
-    return Ask(false, [](HostEnvironment& p_Host) {
-        p_Host.Gate.CountQuestion();
-        return p_Host.Gate.IsOpen();
-    });
-}
-
-bool UseDevChannel()
-{
-    return Ask(false, [](HostEnvironment& p_Host) { return p_Host.UseDevChannel; });
+    p_Application.ReadSetting = [](QString p_Key, QVariant p_Default) {
+        return Ask(p_Default, [&](HostEnvironment& p_Host) {
+            bool const hidden =
+                p_Host.Gate.IsPreview() && p_Key.endsWith(QLatin1String(".Installed"));
+            return hidden ? p_Default : p_Host.Settings.Value(p_Key, p_Default);
+        });
+    };
+    p_Application.WriteSetting = [](QString p_Key, QVariant p_Value) {
+        Tell([&](HostEnvironment& p_Host) {
+            if (!p_Host.Gate.IsPreview())
+                p_Host.Settings.SetValue(p_Key, p_Value);
+        });
+    };
+    p_Application.ListSettingKeys = [] {
+        return Ask(QStringList(), [](HostEnvironment& p_Host) { return p_Host.Settings.Keys(); });
+    };
+    p_Application.RemoveSetting = [](QString p_Key) {
+        Tell([&](HostEnvironment& p_Host) {
+            if (!p_Host.Gate.IsPreview())
+                p_Host.Settings.Remove(p_Key);
+        });
+    };
 }
 
 } // namespace
@@ -110,17 +71,30 @@ void SetLocale(HostEnvironment& p_Environment, Launcher::LauncherLocale const& p
 
 void Install(Launcher::Application& p_Application)
 {
-    p_Application.ErrorReporter = ErrorReporter;
-    p_Application.ReadSetting = ReadSetting;
-    p_Application.WriteSetting = WriteSetting;
-    p_Application.ListSettingKeys = ListSettingKeys;
-    p_Application.RemoveSetting = RemoveSetting;
-    p_Application.CurrentLauncherLocale = CurrentLauncherLocale;
-    p_Application.IsDownloadBlocked = IsDownloadBlocked;
-    p_Application.NotifyDownloadStarting = NotifyDownloadStarting;
-    p_Application.NotifyDownloadFinished = NotifyDownloadFinished;
-    p_Application.ShouldContinue = ShouldContinue;
-    p_Application.UseDevChannel = UseDevChannel;
+    InstallSettings(p_Application);
+    p_Application.ErrorReporter = [](QString p_Message, bool) {
+        Tell([&](HostEnvironment& p_Host) { p_Host.OnError(p_Message); });
+    };
+    p_Application.CurrentLauncherLocale = [] {
+        return Ask(Launcher::LauncherLocale::Table()[0],
+                   [](HostEnvironment& p_Host) { return p_Host.Locale; });
+    };
+    p_Application.IsDownloadBlocked = [] {
+        return Ask(true, [](HostEnvironment& p_Host) { return !p_Host.Gate.IsOpenForDownload(); });
+    };
+    p_Application.NotifyDownloadStarting = [] {
+        Tell([](HostEnvironment& p_Host) { p_Host.OnDownloadStarting(); });
+    };
+    p_Application.NotifyDownloadFinished = [] {};
+    p_Application.ShouldContinue = [] {
+        return Ask(false, [](HostEnvironment& p_Host) {
+            p_Host.Gate.CountQuestion();
+            return p_Host.Gate.IsOpen();
+        });
+    };
+    p_Application.UseDevChannel = [] {
+        return Ask(false, [](HostEnvironment& p_Host) { return p_Host.UseDevChannel; });
+    };
 }
 
 void Remove(HostEnvironment& p_Environment)

@@ -1,13 +1,31 @@
 #pragma once
 
-#include "Host/Core/Module/HostEnvironment.hpp"
+#include "Host/Core/Module/RunGate.hpp"
+#include "Host/Core/Settings/HostSettings.hpp"
 #include "Launcher/Application/Application.hpp"
+#include "Launcher/Application/LauncherLocale.hpp"
+
+#include <QString>
+
+#include <functional>
+
+namespace Varnholt::Host {
+
+/// What the module's callbacks reach. Everything here may be used on any thread.
+struct HostEnvironment {
+    HostSettings& Settings;
+    RunGate& Gate;
+    bool UseDevChannel = false;
+    Launcher::LauncherLocale Locale;
+    std::function<void(QString)> OnError;     ///< must not block
+    std::function<void()> OnDownloadStarting; ///< must not block
+};
 
 /// The host's side of the module's callback table.
 ///
-/// The table holds plain functions without an argument for "whose", so that one environment serves
-/// the whole process. Without an environment the callbacks answer what stops a module soonest.
-namespace Varnholt::Host::HostCallbacks {
+/// The table holds plain functions that do not know which host they belong to, so that one
+/// environment serves the whole process. Without one the callbacks answer so that a module stops.
+namespace HostCallbacks {
 
 /// Makes the environment the process's own: before a module is loaded, since a second loading
 /// gives the first one's object.
@@ -23,4 +41,6 @@ void Install(Launcher::Application& p_Application);
 /// Returns when no callback uses the environment any more.
 void Remove(HostEnvironment& p_Environment);
 
-} // namespace Varnholt::Host::HostCallbacks
+} // namespace HostCallbacks
+
+} // namespace Varnholt::Host

@@ -2,7 +2,6 @@
 
 #include "GameModules/PendingList.hpp"
 #include "Host/Core/Jobs/JobTable.hpp"
-#include "Host/Core/Module/HostCallbacks.hpp"
 #include "Host/Core/Session/RunFollower.hpp"
 
 #include <QDir>
@@ -100,15 +99,14 @@ void ModuleHost::Assemble()
         Settings, module.AppId, Options.TrustKey.isEmpty() ? Info.TrustKey : Options.TrustKey,
         Options.UseDevChannel);
     Info.TrustKey = Trust->KeyText();
-    Pump = std::make_unique<QueuePump>(module);
     Worker = std::make_unique<AsyncWorker>(module);
     Ledger = std::make_unique<TransferLedger>(
         module, [this](QString const& p_Url) { (*Door)->Reject(Door->PathIn(p_Url)); });
     // The next file need not wait for the turn timer.
     connect(Ledger.get(), &TransferLedger::Handled, this, [this] { Turn(); });
-    Watch = std::make_unique<RunWatch>(*View, *Pump, *Worker, *Ledger);
-    Context = std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, *Trust,
-                                                      Gate, *Door, Copies, *Ledger, *Watch, Games});
+    Context =
+        std::make_unique<RunContext>(RunContext{module, *View, Info, Options, *Record, *Trust, Gate,
+                                                *Door, Copies, *Ledger, *Worker, Games});
 
     Environment.OnError = [this](QString const& p_Message) {
         QMetaObject::invokeMethod(
@@ -153,11 +151,11 @@ void ModuleHost::Start(quint64 p_Id, RunRequest const& p_Request)
         return Refuse(p_Id, {FailureKind::ModuleNotLoaded, ModuleFile(), {}});
     if (Current)
         return Refuse(p_Id, {FailureKind::SessionBusy, Info.Name, {}});
-    PumpHeld = false;
+    QueueHeld = false;
     Settings.ReadAgain();
     Gate.Begin();
     CurrentId = p_Id;
-    Current = JobTable::Make(*Context, p_Request);
+    Current = MakeJobFor(*Context, p_Request);
     connect(Current.get(), &Job::Progressed, this, &ModuleHost::Progressed);
     connect(Current.get(), &Job::Noticed, this, &ModuleHost::Noticed);
     connect(Current.get(), &Job::Ended, this, &ModuleHost::OnEnded);
@@ -177,7 +175,7 @@ void ModuleHost::Refuse(quint64 p_Id, Failure const& p_Failure)
 /// Called by the job itself, which goes when that has returned.
 void ModuleHost::OnEnded(RunResult const& p_Result)
 {
-    PumpHeld = p_Result.Problem.has_value();
+    QueueHeld = p_Result.Problem.has_value();
     Current.release()->deleteLater();
     Q_EMIT Ended(CurrentId, p_Result);
 }
@@ -190,12 +188,6 @@ void ModuleHost::Pause()
         Gate.Release(); // there is no transfer to pause
 }
 
-void ModuleHost::Continue()
-{
-    if (Current)
-        Current->Continue();
-}
-
 void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
 {
     if (Door)
@@ -204,10 +196,10 @@ void ModuleHost::SetRateLimit(quint64 p_BytesPerSecond)
         Options.BytesPerSecond = p_BytesPerSecond;
 }
 
-void ModuleHost::Interrupt()
+void ModuleHost::Tell(void (Job::*p_What)())
 {
     if (Current)
-        Current->Interrupt();
+        (Current.get()->*p_What)();
 }
 
 void ModuleHost::SetLanguage(QString const& p_Code)
@@ -217,22 +209,16 @@ void ModuleHost::SetLanguage(QString const& p_Code)
             HostCallbacks::SetLocale(Environment, locale);
 }
 
-void ModuleHost::StopRepair()
-{
-    if (Current)
-        Current->StopRepair();
-}
-
 void ModuleHost::Turn()
 {
     if (Closing)
         return CloseWhenRested();
     if (Current)
-        Current->BeforePump();
-    if (!PumpHeld && !(Current && Current->HoldsPump()))
-        Pump->Drain();
+        Current->BeforeQueue();
+    if (!QueueHeld && !(Current && Current->HoldsQueue()))
+        View->RunQueue();
     if (Current)
-        Current->AfterPump();
+        Current->AfterQueue();
     Games.Look();
 }
 
@@ -247,7 +233,7 @@ void ModuleHost::Close()
     if (!TurnTimer.isActive())
         return FinishClose();
     CloseDeadline.setRemainingTime(c_MostMilliseconds);
-    Interrupt();
+    Tell(&Job::Interrupt);
     Loader.Application()->SuspendDownload();
     View->AbandonReplies(); // a fetch that is cut off leaves its record behind
 }
@@ -258,8 +244,8 @@ void ModuleHost::CloseWhenRested()
     if (!rested && !CloseDeadline.hasExpired())
         return;
     TurnTimer.stop();
-    // Behind the last clean-up. Not once the queue is empty: a wait for the game to quit queues
-    // itself for ever.
+    // Queued behind the last clean-up. Waiting for an empty queue would not end: while the module
+    // waits for the game to quit, it queues itself again and again.
     Loader.Application()->EnqueueAsync([this] {
         QMetaObject::invokeMethod(
             this, [this] { FinishClose(); }, Qt::QueuedConnection);
@@ -269,11 +255,9 @@ void ModuleHost::CloseWhenRested()
 void ModuleHost::FinishClose()
 {
     Context.reset();
-    Watch.reset();
     if (Worker)
         Worker->Stop();
     HostCallbacks::Remove(Environment);
-    Pump.reset();
     if (IsLoaded()) {
         Loader.Application()->OnDownloadRetired = nullptr;
         Ledger.reset();

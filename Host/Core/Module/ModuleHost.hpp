@@ -2,11 +2,10 @@
 
 #include "Host/Core/Jobs/Job.hpp"
 #include "Host/Core/Module/AsyncWorker.hpp"
-#include "Host/Core/Module/HostEnvironment.hpp"
+#include "Host/Core/Module/HostCallbacks.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
 #include "Host/Core/Module/ModuleLoader.hpp"
-#include "Host/Core/Module/QueuePump.hpp"
-#include "Host/Core/Module/RunWatch.hpp"
+#include "Host/Core/Module/RunContext.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 #include "Host/Core/Network/OfflineCopies.hpp"
@@ -23,7 +22,7 @@
 
 namespace Varnholt::Host {
 
-/// Everything that lives on the module thread: the module's object, the pump of its closures, and
+/// Everything that lives on the module thread: the module's object, the thread of its closures, and
 /// what watches it. `HostSession` is what programs use.
 class ModuleHost : public QObject {
     Q_OBJECT
@@ -37,12 +36,11 @@ public:
     /// Answered by one `Ended`, also when it is refused.
     void Start(quint64 p_Id, RunRequest const& p_Request);
     void Pause();
-    void Continue();
     void SetRateLimit(quint64 p_BytesPerSecond);
-    void Interrupt();
+    /// Tells the run under way, if there is one, what its user wants of it.
+    void Tell(void (Job::*p_What)());
     /// \param p_Code see `HostSession`
     void SetLanguage(QString const& p_Code);
-    void StopRepair();
     /// What the module asks before it goes on; any thread.
     RunGate& AnyThreadGate() { return Gate; }
     /// Ends what is under way, deletes the module and emits `Closed`.
@@ -90,16 +88,14 @@ private:
     ModuleInfo Info;
     std::unique_ptr<InstallRecord> Record;
     std::unique_ptr<TrustRecord> Trust;
-    std::unique_ptr<QueuePump> Pump;
     std::unique_ptr<AsyncWorker> Worker;
     std::unique_ptr<TransferLedger> Ledger;
-    std::unique_ptr<RunWatch> Watch;
     std::unique_ptr<RunContext> Context;
 
     std::unique_ptr<Job> Current; ///< null between two runs
     quint64 CurrentId = 0;
     /// What a run that failed has queued must not begin behind the user's back.
-    bool PumpHeld = false;
+    bool QueueHeld = false;
 };
 
 } // namespace Varnholt::Host

@@ -40,7 +40,7 @@ std::optional<Failure> ModuleLoader::Load(QString const& p_File)
     QJsonObject const metaData = loader.metaData()[QLatin1String("MetaData")].toObject();
     if (auto const cause = LayoutCause(metaData[QLatin1String("layout")]))
         return Failure{FailureKind::ModuleForeign, p_File, *cause};
-    // One that cannot be read must not be taken for none.
+    // A key that cannot be read must not count as no key.
     QString const whyNoKey = TrustRecord::WhyNoKey(metaData[c_TrustKey].toString());
     if (metaData.contains(c_TrustKey) && !whyNoKey.isEmpty())
         return Failure{FailureKind::ModuleUnloadable, p_File, whyNoKey};

@@ -142,6 +142,32 @@ void ModuleView::StopTransfer()
         Module.SuspendDownload();
 }
 
+bool ModuleView::IsQueueEmpty() const
+{
+    QMutexLocker const lock(&Module.SyncQueueMutex);
+    return Module.SyncQueue.empty();
+}
+
+void ModuleView::RunQueue()
+{
+    std::size_t count = 0;
+    {
+        QMutexLocker const lock(&Module.SyncQueueMutex);
+        count = Module.SyncQueue.size();
+    }
+    for (; count > 0; --count) {
+        std::function<void()> closure;
+        {
+            QMutexLocker const lock(&Module.SyncQueueMutex);
+            if (Module.SyncQueue.empty())
+                return;
+            closure = std::move(Module.SyncQueue.front());
+            Module.SyncQueue.pop();
+        }
+        closure();
+    }
+}
+
 void ModuleView::DiscardQueue()
 {
     std::queue<std::function<void()>> closures; // destroyed without the lock

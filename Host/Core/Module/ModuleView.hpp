@@ -26,7 +26,7 @@ public:
         quint64 BytesOnDisk = 0; ///< of the current one
         quint64 BytesTotal = 0;  ///< of the list
     };
-    /// What tells one list of a run from another, and what for; the texts share those of the list.
+    /// Tells one list of a run from another, and what it is used for. Cheap: texts are shared.
     struct ListMark {
         std::size_t Count = 0;
         bool IsBase = false;
@@ -82,8 +82,12 @@ public:
     void SetFolder(QString const& p_Folder);
     /// Stops the transfer in flight; between two files there is none.
     void StopTransfer();
-    /// Throws away what is queued for the application thread: of a run that was stopped it would
-    /// begin that anew.
+    /// Whether nothing is queued for the application thread.
+    bool IsQueueEmpty() const;
+    /// Runs what stands in the queue now; what these closures queue is left for the next call, so
+    /// that the thread's events get their turn.
+    void RunQueue();
+    /// Throws the queue away: left from a run that was stopped, it would begin that anew.
     void DiscardQueue();
     /// Ends what the module is asking for: what still hangs must not answer into the next run, nor
     /// keep it from being over.

@@ -2,10 +2,10 @@
 
 #include "GameModules/StandartApplication.hpp"
 #include "Host/Core/Jobs/GameWatch.hpp"
+#include "Host/Core/Module/AsyncWorker.hpp"
 #include "Host/Core/Module/ModuleInfo.hpp"
 #include "Host/Core/Module/ModuleView.hpp"
 #include "Host/Core/Module/RunGate.hpp"
-#include "Host/Core/Module/RunWatch.hpp"
 #include "Host/Core/Module/TransferLedger.hpp"
 #include "Host/Core/Network/NetworkDoor.hpp"
 #include "Host/Core/Network/OfflineCopies.hpp"
@@ -27,7 +27,7 @@ struct RunContext {
     NetworkDoor& Door;
     OfflineCopies const& Copies;
     TransferLedger& Ledger;
-    RunWatch& Watch;
+    AsyncWorker const& Worker;
     GameWatch& Games;
 };
 

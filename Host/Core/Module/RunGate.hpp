@@ -10,8 +10,8 @@ namespace Varnholt::Host {
 /// the midst of a long file too.
 class RunGate {
 public:
-    /// Ends what the module is at, whatever the module thread does, until `Begin`: the module
-    /// cannot tell what it was made to break off from what it has done.
+    /// Ends what the module is at, also while the module thread is busy, and stays until `Begin`:
+    /// to the module a comparison that was broken off looks like one that is done.
     void Interrupt() { Interrupted = true; }
     void Begin() { Interrupted = false; }
     bool IsInterrupted() const { return Interrupted; }

@@ -53,8 +53,8 @@ quint32 TransferLedger::Count() const
 
 bool TransferLedger::ComesNoFurther() const
 {
-    // A transfer that goes on well may need two: behind its end, and, when that is refused, from
-    // its start.
+    // A sound transfer may need two: one from where it stopped and, when the server refuses that,
+    // one from the start.
     constexpr int c_TooMany = 3;
 
     QMutexLocker const lock(&Mutex);

@@ -28,8 +28,8 @@ public:
     bool IsEmpty() const;
     /// Transfers that have ended since the start; those that were stopped do not count.
     quint32 Count() const;
-    /// Whether the transfer in flight has been begun anew again and again without a byte more: the
-    /// module would go on with that for ever.
+    /// Whether the transfer in flight has been restarted several times without a byte more: the
+    /// module would restart it for ever.
     bool ComesNoFurther() const;
 
 Q_SIGNALS:

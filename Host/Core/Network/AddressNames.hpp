@@ -7,8 +7,8 @@
 
 namespace Varnholt::Host {
 
-/// What people know addresses by that only this process knows: what is told about the door to the
-/// network is meant of a server. All operations from any thread.
+/// Names for addresses that mean nothing outside of this process: in what people read, a server
+/// takes the place of the door to it. All operations from any thread.
 class AddressNames {
 public:
     /// An address and what stands for it.

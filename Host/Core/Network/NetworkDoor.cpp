@@ -79,7 +79,7 @@ NetworkDoor::NetworkDoor(HostOptions const& p_Options, QObject& p_Owner)
     : Owner(p_Owner)
     , FormerUrl(Variable())
     , Server(QUrl(p_Options.ContentServer()).toString(QUrl::RemoveUserInfo))
-    , Door(std::make_unique<Gateway::Gateway>(OptionsOf(p_Options, p_Options.ContentServer())))
+    , Door(Gateway::Gateway::Create(OptionsOf(p_Options, p_Options.ContentServer())))
     , Base(QString::fromStdString(Door->BaseUrl()))
 {
     if (!IsOpen())

@@ -100,7 +100,7 @@ std::optional<ControlMessage> MessageIn(QByteArray const& p_Line)
         return std::nullopt;
     ControlMessage const message{ControlMessage::Type::LimitRate,
                                  p_Line.mid(c_Limit.size()).chopped(1).toULongLong()};
-    // Only the one way to write it: numbers are read with signs and blanks too.
+    // toULongLong() also reads signs and blanks, which are no message.
     return Of(message) == p_Line ? std::optional(message) : std::nullopt;
 }
 

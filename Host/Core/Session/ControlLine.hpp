@@ -38,7 +38,7 @@ std::optional<ControlMessage> MessageIn(QByteArray const& p_Line);
 QJsonObject ObjectOf(RunSnapshot const& p_Snapshot);
 RunSnapshot SnapshotIn(QJsonObject const& p_Object);
 
-/// An object of two kinds: one with "end" is of a run that has ended.
+/// The line of an object: one with "end" tells how a run has ended, another how it stands.
 QByteArray Of(QJsonObject const& p_Object);
 QJsonObject EndOf(RunResult const& p_Result);
 /// Without what is only in lists.

@@ -13,16 +13,16 @@ class QLocalSocket;
 namespace Varnholt::Host {
 
 /// Lets the user's other programs find, follow and steer the run in a game folder. A message per
-/// connection: one that steers is answered by "ok" when it has come true. Who follows and does not
-/// keep up misses something, and costs the run nothing. Other users' programs do not get through.
+/// connection: one that steers is answered by "ok" once it holds. A follower that reads too slowly
+/// misses lines and does not hold the run up. Other users' programs do not get through.
 class ControlSocket : public QObject {
     Q_OBJECT
 
 public:
     explicit ControlSocket(QObject* p_Parent = nullptr);
 
-    /// Takes messages from now on, instead of anybody who did for this folder: for one who keeps it
-    /// by a `FolderLock`. \return false when the system does not allow it
+    /// Takes messages for this folder from now on, and takes the place of whoever did before: only
+    /// for the holder of its `FolderLock`. \return false when the system does not allow it
     bool Listen(QString const& p_Folder, QString const& p_Game);
     /// Tells how the run stands, also those who have asked for a pause, once it holds.
     void Show(RunSnapshot const& p_Snapshot);

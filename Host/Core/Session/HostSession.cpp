@@ -114,7 +114,7 @@ void HostSession::Continue()
 {
     Paused = false;
     Control.TellResumed();
-    Module->Post([](ModuleHost& p_Host) { p_Host.Continue(); });
+    Module->Post([](ModuleHost& p_Host) { p_Host.Tell(&Job::Continue); });
 }
 
 void HostSession::SetRateLimit(quint64 p_BytesPerSecond)
@@ -129,7 +129,7 @@ void HostSession::SetLanguage(QString const& p_Code)
 
 void HostSession::StopRepair()
 {
-    Module->Post([](ModuleHost& p_Host) { p_Host.StopRepair(); });
+    Module->Post([](ModuleHost& p_Host) { p_Host.Tell(&Job::StopRepair); });
 }
 
 void HostSession::Interrupt()
@@ -137,7 +137,7 @@ void HostSession::Interrupt()
     if (UnderWay.empty())
         return;
     Module->Gate().Interrupt();
-    Module->Post([](ModuleHost& p_Host) { p_Host.Interrupt(); });
+    Module->Post([](ModuleHost& p_Host) { p_Host.Tell(&Job::Interrupt); });
     QTimer::singleShot(c_MostMilliseconds, this, [this, ids = UnderWay] {
         EndWithoutModule(ids, {FailureKind::Interrupted, {}, {}});
     });

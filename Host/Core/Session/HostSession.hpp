@@ -2,7 +2,7 @@
 
 #include "Host/Core/Failures/Failure.hpp"
 #include "Host/Core/Failures/Notice.hpp"
-#include "Host/Core/Jobs/GameEnd.hpp"
+#include "Host/Core/Jobs/GameProcess.hpp"
 #include "Host/Core/Jobs/RunRequest.hpp"
 #include "Host/Core/Jobs/RunResult.hpp"
 #include "Host/Core/Jobs/RunSnapshot.hpp"

@@ -16,13 +16,13 @@ namespace Varnholt::Host {
 
 namespace {
 
-// What the handler, a plain function, works with. Recursive, as who hears of a message may say one.
+// The handler is a plain function. Recursive: who is told of a message may log one in turn.
 QReadWriteLock g_LogLock(QReadWriteLock::Recursive);
 MessageLog* g_Log = nullptr;
 QMutex g_FileMutex;
 QFile g_File;
 
-/// A log tells what is nobody else's business: file names, accounts, servers.
+/// The owner's alone: a log holds file names, accounts and servers.
 bool OpenForOwner(QString const& p_File)
 {
     constexpr mode_t c_OwnersAlone = S_IRUSR | S_IWUSR;

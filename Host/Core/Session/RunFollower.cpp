@@ -15,7 +15,7 @@ namespace {
 constexpr int c_WaitMilliseconds = 3'000;
 constexpr int c_LookMilliseconds = 1'000;
 
-/// Everybody may make files where the socket is: what is not the user's own is not spoken to.
+/// Anybody can create a file in the socket's folder: only the user's own socket is spoken to.
 bool IsOwn(QString const& p_Path)
 {
     struct stat found = {};
@@ -55,6 +55,11 @@ RunFollower::RunFollower(QObject* p_Parent)
     : QObject(p_Parent)
     , Socket(this)
 {
+    // Queued, so that nobody hears of a run before `Follow` has returned.
+    connect(
+        &Socket, &QLocalSocket::readyRead, this, [this] { Read(); }, Qt::QueuedConnection);
+    connect(
+        &Socket, &QLocalSocket::disconnected, this, [this] { OnGone(); }, Qt::QueuedConnection);
 }
 
 bool RunFollower::Send(QStringList const& p_Folders, ControlMessage const& p_Message)
@@ -90,18 +95,6 @@ bool RunFollower::Follow(QStringList const& p_Folders)
     if (folder == p_Folders.end())
         return false;
     Folder = *folder;
-    connect(&Socket, &QLocalSocket::readyRead, this, [this] { Read(); });
-    connect(
-        &Socket, &QLocalSocket::disconnected, this, [this] { OnGone(); }, Qt::QueuedConnection);
-    // What has come before the connections were made.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            Read();
-            if (Socket.state() == QLocalSocket::UnconnectedState)
-                OnGone();
-        },
-        Qt::QueuedConnection);
     return true;
 }
 

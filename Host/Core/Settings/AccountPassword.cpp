@@ -61,8 +61,7 @@ void AccountPassword::Forget()
     Ask(new QKeychain::DeletePasswordJob(c_Service), false);
 }
 
-/// Takes a job that deletes itself: one that is not waited for to its end must stay, for the store
-/// still answers it.
+/// \param p_Job deletes itself when the store has answered, though nobody may be waiting any more
 void AccountPassword::Ask(QKeychain::Job* p_Job, bool p_IsRememberedThen)
 {
     connect(p_Job, &QKeychain::Job::finished, this,

@@ -10,7 +10,7 @@ HostSettings::HostSettings(QString const& p_File)
     , Unreadable(SettingsFile::Read(Path).Problem)
 {
     if (!Unreadable)
-        Known = SettingsFile::Parse(Path);
+        Values = SettingsFile::Parse(Path);
 }
 
 HostSettings::~HostSettings()
@@ -22,43 +22,40 @@ HostSettings::~HostSettings()
 QVariant HostSettings::Value(QString const& p_Key, QVariant const& p_Default) const
 {
     QMutexLocker const lock(&StoreMutex);
-    if (!Held.contains(p_Key))
-        return Known.value(p_Key, p_Default);
-    QVariant const held = Held.value(p_Key);
-    return held.isValid() ? held : p_Default;
+    return Values.value(p_Key, p_Default);
 }
 
 void HostSettings::ReadAgain()
 {
     QMutexLocker const lock(&StoreMutex);
-    if (!SettingsFile::Read(Path).Problem)
-        Known = SettingsFile::Parse(Path);
+    if (SettingsFile::Read(Path).Problem)
+        return;
+    Values = SettingsFile::Parse(Path);
+    SettingsFile::Apply(Values, Unwritten);
 }
 
 void HostSettings::SetValue(QString const& p_Key, QVariant const& p_Value)
 {
     QMutexLocker const lock(&StoreMutex);
-    if (!Held.contains(p_Key) && Known.contains(p_Key) && Known.value(p_Key) == p_Value)
+    if (!Unwritten.contains(p_Key) && Values.contains(p_Key) && Values.value(p_Key) == p_Value)
         return;
-    Held[p_Key] = p_Value;
-    // At once: what is recorded before a step must be there when the step is killed.
+    Values[p_Key] = Unwritten[p_Key] = p_Value;
+    // At once: a mark that is set before a step must be on the disk if the step is killed.
     Write();
 }
 
 SettingsFile::Values HostSettings::All() const
 {
     QMutexLocker const lock(&StoreMutex);
-    SettingsFile::Values all = Known;
-    SettingsFile::Apply(all, Held);
-    return all;
+    return Values;
 }
 
 void HostSettings::Remove(QString const& p_Key)
 {
     QMutexLocker const lock(&StoreMutex);
-    if (!Held.contains(p_Key) && !Known.contains(p_Key))
+    if (Values.remove(p_Key) == 0 && !Unwritten.contains(p_Key))
         return;
-    Held[p_Key] = QVariant();
+    Unwritten[p_Key] = QVariant();
     Write();
 }
 
@@ -78,13 +75,13 @@ std::optional<Failure> HostSettings::Save()
 /// \return why it failed; it is tried again with the next value
 std::optional<Failure> HostSettings::Write()
 {
-    if (Held.isEmpty())
+    if (Unwritten.isEmpty())
         return std::nullopt;
     SettingsWriter writer(Path);
-    auto failure = writer.Problem() ? writer.Problem() : writer.Write(Held);
+    auto failure = writer.Write(Unwritten);
     if (!failure) {
-        Known = writer.Written();
-        Held.clear();
+        Values = writer.Written();
+        Unwritten.clear();
     }
     return failure;
 }

@@ -50,8 +50,8 @@ private:
     QString const Path;
     std::optional<Failure> const Unreadable;
     mutable QMutex StoreMutex;
-    SettingsFile::Values Known; ///< as the file was last seen
-    SettingsFile::Values Held;  ///< not in the file yet; an invalid value removes its key
+    SettingsFile::Values Values;    ///< as the file was last seen, with what is not in it yet
+    SettingsFile::Values Unwritten; ///< the latter; an invalid value removes its key
 };
 
 } // namespace Varnholt::Host

@@ -20,7 +20,7 @@ namespace {
 
 using SettingsFile::Values;
 
-/// Where the file is that is perhaps named by a link.
+/// The file itself, or the one that it leads to when it is a link.
 QString TargetOf(QString const& p_File)
 {
     QFileInfo const file(p_File);
@@ -45,7 +45,7 @@ int RefusalOf(QString const& p_File)
     return 0;
 }
 
-/// The settings class tells of no cause. \return why a file of some size cannot be written
+/// QSettings does not tell why it failed: tries to write a file itself. \return the error
 int CauseIn(QString const& p_Folder)
 {
     constexpr int c_Size = 65'536;
@@ -104,7 +104,7 @@ std::optional<Failure> SettingsWriter::Prepare()
     Before = content.Bytes;
     if (int const error = RefusalOf(Target))
         return Because(error);
-    // Of its own, as the settings class makes its files readable at first.
+    // A folder that nobody else enters: QSettings creates its files readable for everybody.
     QFile::remove(Folder);            // not what a link leads to
     QDir(Folder).removeRecursively(); // by one that was killed
     if (::mkdir(QFile::encodeName(Folder).constData(), S_IRWXU) != 0)
@@ -136,10 +136,12 @@ Failure SettingsWriter::Because(int p_Error) const
 
 std::optional<Failure> SettingsWriter::Write(Values const& p_Changes)
 {
+    if (Hindrance)
+        return Hindrance;
     if (!ReadValues())
         return Because(CauseIn(Folder));
     SettingsFile::Apply(Merged, p_Changes);
-    // Not by the settings class alone: it takes no notice when a full disk has cut its file short.
+    // Read again before it counts: QSettings does not notice when a full disk cuts its file short.
     QString const fresh = NewName();
     QString const checked = NewName();
     WriteAll(fresh, Merged);
@@ -152,7 +154,7 @@ std::optional<Failure> SettingsWriter::Write(Values const& p_Changes)
     return std::nullopt;
 }
 
-/// From a copy: the settings class may take the file for the one that it knows.
+/// From a copy under a new name: QSettings may answer a name that it knows from its cache.
 bool SettingsWriter::ReadValues()
 {
     QString const copy = NewName();
@@ -175,7 +177,7 @@ bool SettingsWriter::SetMode(QString const& p_Fresh) const
     return true;
 }
 
-/// One that the settings class has not seen yet.
+/// A name that QSettings has no cache for.
 QString SettingsWriter::NewName() const
 {
     static std::atomic<quint64> s_Names{0};

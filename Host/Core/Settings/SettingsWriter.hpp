@@ -25,7 +25,7 @@ public:
     SettingsWriter(SettingsWriter const&) = delete;
     SettingsWriter& operator=(SettingsWriter const&) = delete;
 
-    /// Why nothing can be written; none when `Write` may be called.
+    /// Why nothing can be written, as `Write` tells too.
     std::optional<Failure> const& Problem() const { return Hindrance; }
     /// \param p_Changes an invalid value removes its key
     /// \return why the file is as it was

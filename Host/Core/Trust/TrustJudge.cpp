@@ -99,8 +99,8 @@ TrustJudge::Problem TrustJudge::Compare(Evidence const& p_Evidence, Comment cons
     return std::nullopt;
 }
 
-/// The list of hosts is the server's and of no game; a build goes from one channel to another, and
-/// both have the same realms.
+/// Not everything is bound to game and channel: the list of hosts is the server's, and both
+/// channels share builds and realms.
 TrustJudge::Problem TrustJudge::CompareSubject(Evidence const& p_Evidence,
                                                Comment const& p_Comment) const
 {
@@ -126,7 +126,7 @@ TrustJudge::Problem TrustJudge::CompareAge(Evidence const& p_Evidence,
     if (p_Comment.Expires && *p_Comment.Expires < Now())
         return Distrust(Type::Expired, p_Evidence,
                         tr("since %1").arg(p_Comment.Expires->toString(Qt::ISODate)));
-    // A build and its manifest stay as they are: which of them is in force, the version file tells.
+    // A manifest is never changed: the version file, which has a number, names the one in force.
     quint64 least = Known.Seen.value(p_Comment.Document);
     if (p_Evidence.IsCopy)
         least = p_Comment.Document == Role::Version ? Known.Kept : 0;

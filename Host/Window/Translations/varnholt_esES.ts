@@ -686,53 +686,6 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::GameStart</name>
-    <message>
-        <source>this system runs no program of its format</source>
-        <translation>este sistema no ejecuta programas de su formato</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is missing</source>
-        <translation>falta su intérprete %1</translation>
-    </message>
-    <message>
-        <source>what this system needs to run it is missing</source>
-        <translation>a este sistema le falta lo necesario para ejecutarlo</translation>
-    </message>
-    <message>
-        <source>its volume is mounted for no programs</source>
-        <translation>su volumen está montado sin permiso para ejecutar programas</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is no program that you may run</source>
-        <translation>su intérprete %1 no es un programa que usted pueda ejecutar</translation>
-    </message>
-    <message>
-        <source>its permissions do not let you</source>
-        <translation>sus permisos no se lo permiten</translation>
-    </message>
-    <message>
-        <source>it is no file</source>
-        <translation>no es un archivo</translation>
-    </message>
-    <message>
-        <source>there is no such program</source>
-        <translation>no existe tal programa</translation>
-    </message>
-    <message>
-        <source>cannot be copied</source>
-        <translation>no se puede copiar</translation>
-    </message>
-    <message>
-        <source>is missing</source>
-        <translation>falta</translation>
-    </message>
-    <message>
-        <source>; it said last: &quot;%1&quot;</source>
-        <translation>; lo último que dijo: «%1»</translation>
-    </message>
-</context>
-<context>
     <name>Varnholt::Host::IdleText</name>
     <message>
         <source>Another program is at work here</source>
@@ -863,6 +816,10 @@
 <context>
     <name>Varnholt::Host::Job</name>
     <message>
+        <source>it names no build</source>
+        <translation>no nombra ninguna versión</translation>
+    </message>
+    <message>
         <source>this command asks servers</source>
         <translation>esta orden pregunta a servidores</translation>
     </message>
@@ -958,7 +915,7 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::MirrorCheck</name>
+    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>its manifest is not the default server&apos;s</source>
         <translation>su manifiesto no es el del servidor principal</translation>
@@ -967,9 +924,6 @@
         <source>it answers a range with status %1</source>
         <translation>responde a un rango con el estado %1</translation>
     </message>
-</context>
-<context>
-    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>%1 of %2</source>
         <translation>%1 de %2</translation>
@@ -1287,6 +1241,53 @@
     <message>
         <source>The server is being asked…</source>
         <translation>Se está preguntando al servidor…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PlayJob</name>
+    <message>
+        <source>this system runs no program of its format</source>
+        <translation>este sistema no ejecuta programas de su formato</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is missing</source>
+        <translation>falta su intérprete %1</translation>
+    </message>
+    <message>
+        <source>what this system needs to run it is missing</source>
+        <translation>a este sistema le falta lo necesario para ejecutarlo</translation>
+    </message>
+    <message>
+        <source>its volume is mounted for no programs</source>
+        <translation>su volumen está montado sin permiso para ejecutar programas</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is no program that you may run</source>
+        <translation>su intérprete %1 no es un programa que usted pueda ejecutar</translation>
+    </message>
+    <message>
+        <source>its permissions do not let you</source>
+        <translation>sus permisos no se lo permiten</translation>
+    </message>
+    <message>
+        <source>it is no file</source>
+        <translation>no es un archivo</translation>
+    </message>
+    <message>
+        <source>there is no such program</source>
+        <translation>no existe tal programa</translation>
+    </message>
+    <message>
+        <source>cannot be copied</source>
+        <translation>no se puede copiar</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>falta</translation>
+    </message>
+    <message>
+        <source>; it said last: &quot;%1&quot;</source>
+        <translation>; lo último que dijo: «%1»</translation>
     </message>
 </context>
 <context>
@@ -1938,13 +1939,6 @@
     <message>
         <source> and %1 more</source>
         <translation> y %1 más</translation>
-    </message>
-</context>
-<context>
-    <name>Varnholt::Host::VersionText</name>
-    <message>
-        <source>it names no build</source>
-        <translation>no nombra ninguna versión</translation>
     </message>
 </context>
 <context>

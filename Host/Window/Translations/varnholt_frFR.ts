@@ -686,53 +686,6 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::GameStart</name>
-    <message>
-        <source>this system runs no program of its format</source>
-        <translation>ce système n&apos;exécute pas de programmes de ce format</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is missing</source>
-        <translation>son interpréteur %1 manque</translation>
-    </message>
-    <message>
-        <source>what this system needs to run it is missing</source>
-        <translation>il manque à ce système de quoi l&apos;exécuter</translation>
-    </message>
-    <message>
-        <source>its volume is mounted for no programs</source>
-        <translation>son volume est monté sans droit d&apos;exécuter des programmes</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is no program that you may run</source>
-        <translation>son interpréteur %1 n&apos;est pas un programme que vous pouvez exécuter</translation>
-    </message>
-    <message>
-        <source>its permissions do not let you</source>
-        <translation>ses permissions ne vous le permettent pas</translation>
-    </message>
-    <message>
-        <source>it is no file</source>
-        <translation>ce n&apos;est pas un fichier</translation>
-    </message>
-    <message>
-        <source>there is no such program</source>
-        <translation>ce programme n&apos;existe pas</translation>
-    </message>
-    <message>
-        <source>cannot be copied</source>
-        <translation>ne peut pas être copié</translation>
-    </message>
-    <message>
-        <source>is missing</source>
-        <translation>manque</translation>
-    </message>
-    <message>
-        <source>; it said last: &quot;%1&quot;</source>
-        <translation> ; il a dit en dernier : « %1 »</translation>
-    </message>
-</context>
-<context>
     <name>Varnholt::Host::IdleText</name>
     <message>
         <source>Another program is at work here</source>
@@ -863,6 +816,10 @@
 <context>
     <name>Varnholt::Host::Job</name>
     <message>
+        <source>it names no build</source>
+        <translation>elle n&apos;indique aucune version</translation>
+    </message>
+    <message>
         <source>this command asks servers</source>
         <translation>cette commande interroge des serveurs</translation>
     </message>
@@ -958,7 +915,7 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::MirrorCheck</name>
+    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>its manifest is not the default server&apos;s</source>
         <translation>son manifeste n&apos;est pas celui du serveur principal</translation>
@@ -967,9 +924,6 @@
         <source>it answers a range with status %1</source>
         <translation>il répond à une plage par le statut %1</translation>
     </message>
-</context>
-<context>
-    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>%1 of %2</source>
         <translation>%1 sur %2</translation>
@@ -1287,6 +1241,53 @@
     <message>
         <source>The server is being asked…</source>
         <translation>Le serveur est interrogé…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PlayJob</name>
+    <message>
+        <source>this system runs no program of its format</source>
+        <translation>ce système n&apos;exécute pas de programmes de ce format</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is missing</source>
+        <translation>son interpréteur %1 manque</translation>
+    </message>
+    <message>
+        <source>what this system needs to run it is missing</source>
+        <translation>il manque à ce système de quoi l&apos;exécuter</translation>
+    </message>
+    <message>
+        <source>its volume is mounted for no programs</source>
+        <translation>son volume est monté sans droit d&apos;exécuter des programmes</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is no program that you may run</source>
+        <translation>son interpréteur %1 n&apos;est pas un programme que vous pouvez exécuter</translation>
+    </message>
+    <message>
+        <source>its permissions do not let you</source>
+        <translation>ses permissions ne vous le permettent pas</translation>
+    </message>
+    <message>
+        <source>it is no file</source>
+        <translation>ce n&apos;est pas un fichier</translation>
+    </message>
+    <message>
+        <source>there is no such program</source>
+        <translation>ce programme n&apos;existe pas</translation>
+    </message>
+    <message>
+        <source>cannot be copied</source>
+        <translation>ne peut pas être copié</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>manque</translation>
+    </message>
+    <message>
+        <source>; it said last: &quot;%1&quot;</source>
+        <translation> ; il a dit en dernier : « %1 »</translation>
     </message>
 </context>
 <context>
@@ -1938,13 +1939,6 @@
     <message>
         <source> and %1 more</source>
         <translation> et %1 autres</translation>
-    </message>
-</context>
-<context>
-    <name>Varnholt::Host::VersionText</name>
-    <message>
-        <source>it names no build</source>
-        <translation>elle n&apos;indique aucune version</translation>
     </message>
 </context>
 <context>

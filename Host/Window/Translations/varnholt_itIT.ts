@@ -686,53 +686,6 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::GameStart</name>
-    <message>
-        <source>this system runs no program of its format</source>
-        <translation>questo sistema non esegue programmi del suo formato</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is missing</source>
-        <translation>manca il suo interprete %1</translation>
-    </message>
-    <message>
-        <source>what this system needs to run it is missing</source>
-        <translation>a questo sistema manca ciò che serve per eseguirlo</translation>
-    </message>
-    <message>
-        <source>its volume is mounted for no programs</source>
-        <translation>il suo volume è montato senza il permesso di eseguire programmi</translation>
-    </message>
-    <message>
-        <source>its interpreter %1 is no program that you may run</source>
-        <translation>il suo interprete %1 non è un programma che Lei può eseguire</translation>
-    </message>
-    <message>
-        <source>its permissions do not let you</source>
-        <translation>i suoi permessi non Glielo consentono</translation>
-    </message>
-    <message>
-        <source>it is no file</source>
-        <translation>non è un file</translation>
-    </message>
-    <message>
-        <source>there is no such program</source>
-        <translation>il programma non esiste</translation>
-    </message>
-    <message>
-        <source>cannot be copied</source>
-        <translation>non può essere copiato</translation>
-    </message>
-    <message>
-        <source>is missing</source>
-        <translation>manca</translation>
-    </message>
-    <message>
-        <source>; it said last: &quot;%1&quot;</source>
-        <translation>; da ultimo ha detto: «%1»</translation>
-    </message>
-</context>
-<context>
     <name>Varnholt::Host::IdleText</name>
     <message>
         <source>Another program is at work here</source>
@@ -863,6 +816,10 @@
 <context>
     <name>Varnholt::Host::Job</name>
     <message>
+        <source>it names no build</source>
+        <translation>non indica alcuna versione</translation>
+    </message>
+    <message>
         <source>this command asks servers</source>
         <translation>questo comando interroga dei server</translation>
     </message>
@@ -958,7 +915,7 @@
     </message>
 </context>
 <context>
-    <name>Varnholt::Host::MirrorCheck</name>
+    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>its manifest is not the default server&apos;s</source>
         <translation>il suo manifesto non è quello del server principale</translation>
@@ -967,9 +924,6 @@
         <source>it answers a range with status %1</source>
         <translation>risponde a un intervallo con lo stato %1</translation>
     </message>
-</context>
-<context>
-    <name>Varnholt::Host::MirrorsJob</name>
     <message>
         <source>%1 of %2</source>
         <translation>%1 di %2</translation>
@@ -1287,6 +1241,53 @@
     <message>
         <source>The server is being asked…</source>
         <translation>Il server viene interrogato…</translation>
+    </message>
+</context>
+<context>
+    <name>Varnholt::Host::PlayJob</name>
+    <message>
+        <source>this system runs no program of its format</source>
+        <translation>questo sistema non esegue programmi del suo formato</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is missing</source>
+        <translation>manca il suo interprete %1</translation>
+    </message>
+    <message>
+        <source>what this system needs to run it is missing</source>
+        <translation>a questo sistema manca ciò che serve per eseguirlo</translation>
+    </message>
+    <message>
+        <source>its volume is mounted for no programs</source>
+        <translation>il suo volume è montato senza il permesso di eseguire programmi</translation>
+    </message>
+    <message>
+        <source>its interpreter %1 is no program that you may run</source>
+        <translation>il suo interprete %1 non è un programma che Lei può eseguire</translation>
+    </message>
+    <message>
+        <source>its permissions do not let you</source>
+        <translation>i suoi permessi non Glielo consentono</translation>
+    </message>
+    <message>
+        <source>it is no file</source>
+        <translation>non è un file</translation>
+    </message>
+    <message>
+        <source>there is no such program</source>
+        <translation>il programma non esiste</translation>
+    </message>
+    <message>
+        <source>cannot be copied</source>
+        <translation>non può essere copiato</translation>
+    </message>
+    <message>
+        <source>is missing</source>
+        <translation>manca</translation>
+    </message>
+    <message>
+        <source>; it said last: &quot;%1&quot;</source>
+        <translation>; da ultimo ha detto: «%1»</translation>
     </message>
 </context>
 <context>
@@ -1938,13 +1939,6 @@
     <message>
         <source> and %1 more</source>
         <translation> e altri %1</translation>
-    </message>
-</context>
-<context>
-    <name>Varnholt::Host::VersionText</name>
-    <message>
-        <source>it names no build</source>
-        <translation>non indica alcuna versione</translation>
     </message>
 </context>
 <context>
