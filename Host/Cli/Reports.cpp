@@ -136,7 +136,8 @@ QStringList Status(InstallStatus const& p_Status)
     if (!p_Status.Build.isEmpty())
         rows.append({QStringLiteral("Last complete build"), p_Status.Build});
     if (int const pending = p_Status.PendingBase + p_Status.PendingStreamed)
-        rows.append({QStringLiteral("Listed as pending"), FileCountText(static_cast<std::size_t>(pending))});
+        rows.append({QStringLiteral("Listed as pending"),
+                     FileCountText(static_cast<std::size_t>(pending))});
     QStringList lines = Table(rows);
     if (p_Status.Download)
         lines += DownloadText(*p_Status.Download);
