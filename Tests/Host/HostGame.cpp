@@ -62,12 +62,24 @@ QStringList HostGame::FilesOnDisk() const
 
 bool HostGame::WasResumedAt(QString const& p_File, qint64 p_Offset) const
 {
-    auto requests = Server.Requests(Content.ServerPath(p_File));
-    requests.erase(std::remove_if(requests.begin(), requests.end(),
-                                  [](auto const& p_Request) { return p_Request.Method != "GET"; }),
-                   requests.end());
-    return !requests.empty() && requests.back().Header("Range").startsWith(
-                                    "bytes=" + QByteArray::number(p_Offset) + '-');
+    QStringList ranges;
+    for (RecordedRequest const& request : Server.Requests(Content.ServerPath(p_File)))
+        if (request.Method == "GET")
+            ranges += request.Header("Range");
+    auto const begin = [](QString const& p_Range) {
+        return p_Range.mid(p_Range.indexOf('=') + 1).section('-', 0, 0).toLongLong();
+    };
+    // A server that seems to be slow is asked once more, for what is missing by then.
+    auto const resumed = std::find_if(ranges.begin(), ranges.end(), [&](QString const& p_Range) {
+        return begin(p_Range) == p_Offset;
+    });
+    bool const was =
+        resumed != ranges.end() && std::all_of(resumed, ranges.end(), [&](QString const& p_Range) {
+            return begin(p_Range) >= p_Offset;
+        });
+    if (!was)
+        qWarning() << "asked for" << ranges;
+    return was;
 }
 
 QVariant HostGame::Setting(QString const& p_Key) const

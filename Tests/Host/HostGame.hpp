@@ -24,7 +24,7 @@ public:
 
     /// Names of all files below the folder but the host's lock, in alphabetical order.
     QStringList FilesOnDisk() const;
-    /// Whether the latest request for a file began at this byte.
+    /// Whether a file was asked for from this byte on, and from then on for nothing before it.
     bool WasResumedAt(QString const& p_File, qint64 p_Offset) const;
 
     QVariant Setting(QString const& p_Key) const;
