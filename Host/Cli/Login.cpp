@@ -28,13 +28,13 @@ QString LoginPassword(Choice const& p_Choice, QString const& p_Server, Presenter
         return answer.Password;
     };
     if (!p_Choice.Remembers && !p_Choice.Forgets) {
-        QString const kept = await([&] { store.Read(); }, NoticeKind::PasswordUnreadable);
+        QString kept = await([&] { store.Read(); }, NoticeKind::PasswordUnreadable);
         if (!kept.isEmpty() || SignalWatch::IsEndRequested())
             return kept;
     }
     if (p_Choice.Forgets)
         await([&] { store.Forget(); }, NoticeKind::PasswordNotForgotten);
-    QString const password =
+    QString password =
         Prompt::Password(QStringLiteral("Password of %1: ").arg(account)).value_or(QString());
     if (p_Choice.Remembers && !password.isEmpty())
         await([&] { store.Remember(password); }, NoticeKind::PasswordNotRemembered);

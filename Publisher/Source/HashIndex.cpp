@@ -13,8 +13,6 @@ namespace Varnholt::Publisher {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 QByteArray const c_End = QByteArrayLiteral("end ");
 
 /// Goes through the index and the files side by side, both being in the same order.
@@ -116,7 +114,7 @@ void HashIndex::Write(std::vector<BuildFile> const& p_Files,
         throw Failure(file.fileName() + QStringLiteral(": cannot be written: ") +
                       file.errorString());
     std::error_code error;
-    fs::rename(NativePath::From(file.fileName()), NativePath::From(File), error);
+    std::filesystem::rename(NativePath::From(file.fileName()), NativePath::From(File), error);
     if (error) {
         throw Failure(File + QStringLiteral(": cannot be replaced: ") +
                       QString::fromStdString(error.message()));

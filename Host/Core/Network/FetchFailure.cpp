@@ -87,7 +87,7 @@ static_assert(std::size(Causes::c_Words) ==
 QString CauseText(Gateway::FetchProblem const& p_Problem)
 {
     QString const detail = QString::fromStdString(p_Problem.Detail);
-    QString const cause = FillTemplate(
+    QString cause = FillTemplate(
         Causes::tr(Causes::c_Words[static_cast<std::size_t>(p_Problem.Why)]), {}, detail);
     if (p_Problem.Peer.empty())
         return cause;

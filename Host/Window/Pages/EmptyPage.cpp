@@ -1,6 +1,7 @@
 #include "Host/Window/Pages/EmptyPage.hpp"
 
 #include <QApplication>
+#include <QIcon>
 #include <QVBoxLayout>
 
 namespace Varnholt::Host {
