@@ -10,7 +10,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <new>
-#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,6 +24,14 @@ constexpr unsigned c_HeldMicroseconds = 300;
 QByteArray LockPath(QString const& p_Folder)
 {
     return QFile::encodeName(p_Folder + QStringLiteral("lock"));
+}
+
+/// \param p_Type F_WRLCK or F_UNLCK. \return false when another process has it
+bool SetGuard(int p_File, short p_Type)
+{
+    struct flock guard = {};
+    guard.l_type = p_Type;
+    return ::fcntl(p_File, F_SETLK, &guard) == 0;
 }
 
 /// Waits for the end of one that was killed. \return false when it had ended by itself
@@ -71,19 +78,20 @@ pid_t LockingProcesses::Begin() const
 
 void LockingProcesses::Work() const
 {
-    // A file of its own tells whether another is in: opened first, it is the first to be let go by
-    // the kernel when this process is killed.
+    // A file of its own tells whether another is in. When this process is killed, the kernel lets
+    // go of such a lock at once, and only afterwards of those by flock, in no order that it
+    // promises.
     int const guard = ::open(QFile::encodeName(Folder + QStringLiteral("guard")).constData(),
                              O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     FileLock lock(QFile::decodeName(LockPath(Folder)));
     for (;;) {
         if (lock.Take() != FileLock::Outcome::Taken)
             continue;
-        if (::flock(guard, LOCK_EX | LOCK_NB) != 0)
+        if (!SetGuard(guard, F_WRLCK))
             ::_exit(EXIT_FAILURE);
         ++*Turns;
         ::usleep(c_HeldMicroseconds);
-        ::flock(guard, LOCK_UN);
+        SetGuard(guard, F_UNLCK);
         if (WayToEnd == End::Removes)
             lock.Remove();
         else
