@@ -80,7 +80,7 @@ bool Job::IsSilent()
     constexpr int c_TurnsToBelieve = 2;
 
     // The worker first: once it rests, only this thread can give it something to do.
-    bool const isSilent = Context.Worker.IsIdle() && Context.View.IsQueueEmpty() &&
+    bool const isSilent = Context.Worker.IsIdle() && Context.View.Queued() == 0 &&
                           !Context.View.HasTransfer() && Context.Ledger.IsEmpty() &&
                           !Context.View.AwaitsReply();
     SilentTurns = isSilent ? SilentTurns + 1 : 0;

@@ -142,20 +142,15 @@ void ModuleView::StopTransfer()
         Module.SuspendDownload();
 }
 
-bool ModuleView::IsQueueEmpty() const
+std::size_t ModuleView::Queued() const
 {
     QMutexLocker const lock(&Module.SyncQueueMutex);
-    return Module.SyncQueue.empty();
+    return Module.SyncQueue.size();
 }
 
-void ModuleView::RunQueue()
+void ModuleView::RunQueue(std::size_t p_Count)
 {
-    std::size_t count = 0;
-    {
-        QMutexLocker const lock(&Module.SyncQueueMutex);
-        count = Module.SyncQueue.size();
-    }
-    for (; count > 0; --count) {
+    for (; p_Count > 0; --p_Count) {
         std::function<void()> closure;
         {
             QMutexLocker const lock(&Module.SyncQueueMutex);

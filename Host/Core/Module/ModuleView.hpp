@@ -82,11 +82,11 @@ public:
     void SetFolder(QString const& p_Folder);
     /// Stops the transfer in flight; between two files there is none.
     void StopTransfer();
-    /// Whether nothing is queued for the application thread.
-    bool IsQueueEmpty() const;
-    /// Runs what stands in the queue now; what these closures queue is left for the next call, so
-    /// that the thread's events get their turn.
-    void RunQueue();
+    /// How many closures are queued for the application thread.
+    std::size_t Queued() const;
+    /// Runs the first so many; what these closures queue is left for the next call, so that the
+    /// thread's events get their turn.
+    void RunQueue(std::size_t p_Count);
     /// Throws the queue away: left from a run that was stopped, it would begin that anew.
     void DiscardQueue();
     /// Ends what the module is asking for: what still hangs must not answer into the next run, nor
