@@ -42,6 +42,16 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
     resize(QSize(1024, 640).boundedTo(screen()->availableSize()));
 
     connect(Column, &GameColumn::Chosen, this, &MainWindow::Choose);
+    ListenToGames();
+    ListenToModules();
+    ListenToCommands();
+    Translate();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::ListenToGames()
+{
     connect(&Games, &GameController::Changed, this, &MainWindow::Refresh);
     connect(&Games, &GameController::Told, this, [this](HistoryEntry const& p_Entry) {
         if (Shown != nullptr)
@@ -53,6 +63,10 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
                     Shown->Menu().ShowLanguages(p_Result.Locales, p_Result.Locale);
             });
     connect(&Games, &GameController::Closed, this, &MainWindow::Finished);
+}
+
+void MainWindow::ListenToModules()
+{
     connect(&Folder, &ModuleFolder::Appeared, &Survey, &ModuleSurvey::Look);
     connect(&Survey, &ModuleSurvey::Found, this, &MainWindow::Add);
     connect(&Survey, &ModuleSurvey::Refused, this, [this](QString const& p_File, QString p_Why) {
@@ -66,6 +80,10 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
             Choose(Known.begin()->first);
         Translate();
     });
+}
+
+void MainWindow::ListenToCommands()
+{
     connect(Commands, &CommandRunner::HistoryRequested, this, [this] { Shown->ToggleHistory(); });
     connect(Commands, &CommandRunner::DiagnosisRequested, this,
             [this] { QApplication::clipboard()->setText(Shown->Diagnosis(Games.Info())); });
@@ -73,10 +91,7 @@ MainWindow::MainWindow(HostOptions const& p_Options, QString const& p_ModuleFold
         if (!p_Path.isEmpty())
             QDesktopServices::openUrl(QUrl::fromLocalFile(p_Path));
     });
-    Translate();
 }
-
-MainWindow::~MainWindow() = default;
 
 void MainWindow::Begin()
 {

@@ -51,6 +51,9 @@ protected:
     void changeEvent(QEvent* p_Event) override;
 
 private:
+    void ListenToGames();
+    void ListenToModules();
+    void ListenToCommands();
     void Add(ModuleCard const& p_Card);
     void Choose(QString const& p_ModuleFile);
     void Refresh();
