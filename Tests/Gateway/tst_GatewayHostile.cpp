@@ -149,6 +149,8 @@ void GatewayHostileTest::ContentHasAnEnd_data()
 void GatewayHostileTest::ContentHasAnEnd()
 {
     QFETCH(Answer, answer);
+    Bench->Options.RetryFor = std::chrono::milliseconds{c_MuchTime}; // the content server has it
+    Bench->Open();
     Bench->ScriptForEver("/game/version.json", answer);
     Bench->Mirrors[0]->Script("GET *").Always(answer);
     Bench->Mirrors[0]->Script("HEAD *").Always(answer);

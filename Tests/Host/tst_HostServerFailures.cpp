@@ -181,6 +181,7 @@ void HostServerFailuresTest::AMirrorThatRefusesAmongLivingOnesIsAvoided()
     ScriptedServer alive;
     game.Content.Publish(game.Server, {&refusing, &alive});
     refusing.Script("*").Always(Answer::Status(403, c_Page));
+    game.Options.RetryPauseMilliseconds = 500; // a busy machine takes long for so many files
     QVERIFY(game.Open());
     QCOMPARE(game.Install(), QString("done"));
     QCOMPARE(game.Wrong(), QStringList());

@@ -38,7 +38,7 @@ private:
 /// Once is enough: where every processor is busy, who holds a lock may have to wait for one.
 void WindowResponseTest::Answers(std::function<void()> const& p_Scene)
 {
-    constexpr int c_Attempts = 3;
+    constexpr int c_Attempts = 5;
 
     Longest = c_Most;
     for (int i = 0; i < c_Attempts && Longest >= c_Most && !QTest::currentTestFailed(); ++i)
