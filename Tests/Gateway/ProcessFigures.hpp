@@ -33,7 +33,7 @@ inline int Descriptors()
 /// sanitizer's own is not told apart: there is nothing to be seen then.
 class MemoryPeak {
 public:
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef VARNHOLT_SANITIZED
     static constexpr bool c_IsSanitized = true;
 #else
     static constexpr bool c_IsSanitized = false;
