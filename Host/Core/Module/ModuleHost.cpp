@@ -213,8 +213,8 @@ void ModuleHost::Turn()
 {
     if (Closing)
         return CloseWhenRested();
-    // Counted before the job looks: what the module's own thread queues meanwhile belongs to a state
-    // that the job has not seen.
+    // Counted before the job looks: what the module's own thread queues meanwhile belongs to a
+    // state that the job has not seen.
     std::size_t const queued = View->Queued();
     if (Current)
         Current->BeforeQueue();
