@@ -32,11 +32,14 @@ QString FaultOf(std::vector<RunSnapshot> const& p_Snapshots)
     return {};
 }
 
-/// True when the phases come in this order; phases of the order may be left out.
+/// True when the phases come in this order; phases of the order may be left out. A busy machine's
+/// files may be seen being verified, whatever the order.
 bool AreInOrder(std::vector<RunPhase> const& p_Phases, std::vector<RunPhase> const& p_Order)
 {
     auto next = p_Order.begin();
     for (RunPhase const phase : p_Phases) {
+        if (phase == RunPhase::Verifying)
+            continue;
         next = std::find(next, p_Order.end(), phase);
         if (next == p_Order.end())
             return false;

@@ -90,6 +90,12 @@ ModuleView::Download ModuleView::Progress() const
     return download;
 }
 
+std::size_t ModuleView::ComparedFile() const
+{
+    QMutexLocker const lock(&Module.RunMutex);
+    return Module.UISetting.Download.Current;
+}
+
 std::vector<QString> ModuleView::Locations(std::size_t p_From, std::size_t p_To) const
 {
     QMutexLocker const lock(&Module.RunMutex);

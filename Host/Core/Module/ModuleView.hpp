@@ -65,7 +65,7 @@ public:
     std::optional<ListMark> Mark() const;
     quint32 SizesAnswered() const { return Module.SizeRepliesReceived; }
     /// Number, from 1, of the file that is compared.
-    std::size_t ComparedFile() const { return Module.UISetting.Download.Current; }
+    std::size_t ComparedFile() const;
     bool HasTransfer() const { return Module.CurrentDownload != nullptr; }
     /// Whether the module waits for an answer of a server.
     bool AwaitsReply() const;
